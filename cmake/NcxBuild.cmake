@@ -1,0 +1,53 @@
+# Settings that every target of the tree shares: language, warnings, caches, output folders.
+
+include(GNUInstallDirs)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_AUTORCC ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Sql Xml)
+
+find_program(NCX_CCACHE ccache)
+if(NCX_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    # Precompiled headers are only cached when the compiler's own time stamps may differ.
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env
+        CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime "${NCX_CCACHE}")
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        add_compile_options(-fpch-preprocess)
+    endif()
+endif()
+
+if(NCX_SANITIZE)
+    add_compile_options(-fsanitize=${NCX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=${NCX_SANITIZE})
+endif()
+
+# Warnings are errors in the program's own code; a library header is none of it.
+add_library(ncx_options INTERFACE)
+target_compile_options(ncx_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Werror)
+target_compile_definitions(ncx_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS
+    QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
+
+# The headers that nearly every file reads, compiled once for the whole tree.
+file(WRITE "${CMAKE_BINARY_DIR}/ncx_pch.cpp.in" "// Holds the precompiled header that the other targets reuse.\n")
+configure_file("${CMAKE_BINARY_DIR}/ncx_pch.cpp.in" "${CMAKE_BINARY_DIR}/ncx_pch.cpp" COPYONLY)
+add_library(ncx_pch STATIC "${CMAKE_BINARY_DIR}/ncx_pch.cpp")
+set_target_properties(ncx_pch PROPERTIES AUTOMOC OFF)
+target_link_libraries(ncx_pch PRIVATE ncx_options Qt6::Core Qt6::Sql)
+target_precompile_headers(ncx_pch PRIVATE <QtCore/QtCore> <QtSql/QSqlDatabase> <QtSql/QSqlError> <QtSql/QSqlQuery>
+    <array> <atomic> <functional> <memory> <optional> <span> <vector>)
+
+# ncx_floor(NAME SOURCES ... LINKS ...): one floor of the house as a static library.
+function(ncx_floor name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+    add_library(${name} STATIC ${ARG_SOURCES})
+    target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/platform")
+    target_link_libraries(${name} PUBLIC Qt6::Core ${ARG_LINKS} PRIVATE ncx_options Qt6::Sql)
+    target_precompile_headers(${name} REUSE_FROM ncx_pch)
+endfunction()
