@@ -1,0 +1,259 @@
+#include "nodedict/cohelper.h"
+
+#include "nodedict/canopendatatype.h"
+
+#include <QHash>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+enum class Kind : quint8
+{
+    Unsigned,
+    Signed,
+    Plain,
+    Text
+};
+
+struct TypeRow
+{
+    quint16 code;
+    QLatin1StringView name;
+    QLatin1StringView shortName;
+    quint8 bits; ///< 0 where the type alone does not tell
+    Kind kind;
+};
+
+constexpr std::array types = {
+    TypeRow{CAN::Boolean, "BOOLEAN"_L1, "B"_L1, 1, Kind::Unsigned},
+    TypeRow{CAN::Integer8, "INTEGER8"_L1, "I8"_L1, 8, Kind::Signed},
+    TypeRow{CAN::Integer16, "INTEGER16"_L1, "I16"_L1, 16, Kind::Signed},
+    TypeRow{CAN::Integer32, "INTEGER32"_L1, "I32"_L1, 32, Kind::Signed},
+    TypeRow{CAN::Unsigned8, "UNSIGNED8"_L1, "U8"_L1, 8, Kind::Unsigned},
+    TypeRow{CAN::Unsigned16, "UNSIGNED16"_L1, "U16"_L1, 16, Kind::Unsigned},
+    TypeRow{CAN::Unsigned32, "UNSIGNED32"_L1, "U32"_L1, 32, Kind::Unsigned},
+    TypeRow{CAN::Real32, "REAL32"_L1, "R32"_L1, 32, Kind::Plain},
+    TypeRow{CAN::VisibleString, "VISIBLE_STRING"_L1, "VS"_L1, 0, Kind::Text},
+    TypeRow{CAN::OctetString, "OCTET_STRING"_L1, "OS"_L1, 0, Kind::Text},
+    TypeRow{CAN::UnicodeString, "UNICODE_STRING"_L1, "US"_L1, 0, Kind::Text},
+    TypeRow{CAN::TimeOfDay, "TIME_OF_DAY"_L1, "TOD"_L1, 48, Kind::Plain},
+    TypeRow{CAN::TimeDifference, "TIME_DIFFERENCE"_L1, "TD"_L1, 48, Kind::Plain},
+    TypeRow{CAN::Domain, "DOMAIN"_L1, "D"_L1, 0, Kind::Text},
+    TypeRow{CAN::Integer24, "INTEGER24"_L1, "I24"_L1, 24, Kind::Signed},
+    TypeRow{CAN::Real64, "REAL64"_L1, "R64"_L1, 64, Kind::Plain},
+    TypeRow{CAN::Integer40, "INTEGER40"_L1, "I40"_L1, 40, Kind::Signed},
+    TypeRow{CAN::Integer48, "INTEGER48"_L1, "I48"_L1, 48, Kind::Signed},
+    TypeRow{CAN::Integer56, "INTEGER56"_L1, "I56"_L1, 56, Kind::Signed},
+    TypeRow{CAN::Integer64, "INTEGER64"_L1, "I64"_L1, 64, Kind::Signed},
+    TypeRow{CAN::Unsigned24, "UNSIGNED24"_L1, "U24"_L1, 24, Kind::Unsigned},
+    TypeRow{CAN::Unsigned40, "UNSIGNED40"_L1, "U40"_L1, 40, Kind::Unsigned},
+    TypeRow{CAN::Unsigned48, "UNSIGNED48"_L1, "U48"_L1, 48, Kind::Unsigned},
+    TypeRow{CAN::Unsigned56, "UNSIGNED56"_L1, "U56"_L1, 56, Kind::Unsigned},
+    TypeRow{CAN::Unsigned64, "UNSIGNED64"_L1, "U64"_L1, 64, Kind::Unsigned},
+    TypeRow{CAN::Unsigned2, "UNSIGNED2"_L1, "U2"_L1, 2, Kind::Unsigned},
+    TypeRow{CAN::Unsigned3, "UNSIGNED3"_L1, "U3"_L1, 3, Kind::Unsigned},
+    TypeRow{CAN::Unsigned4, "UNSIGNED4"_L1, "U4"_L1, 4, Kind::Unsigned},
+    TypeRow{CAN::Unsigned5, "UNSIGNED5"_L1, "U5"_L1, 5, Kind::Unsigned},
+    TypeRow{CAN::Unsigned6, "UNSIGNED6"_L1, "U6"_L1, 6, Kind::Unsigned},
+    TypeRow{CAN::Unsigned7, "UNSIGNED7"_L1, "U7"_L1, 7, Kind::Unsigned},
+    TypeRow{CAN::StringNull, "STRING_NULL"_L1, "SN"_L1, 0, Kind::Text},
+    TypeRow{CAN::StringAsterisk, "STRING_ASTERISK"_L1, "SA"_L1, 0, Kind::Text},
+    TypeRow{CAN::Utf8String, "UTF8_STRING"_L1, "U8S"_L1, 0, Kind::Text},
+};
+
+/// A word that stands for a code; `word` is in the form that `comparable` gives.
+struct Word
+{
+    QLatin1StringView word;
+    quint16 code;
+};
+
+constexpr Word typeAliases[] = {
+    {"bool"_L1, CAN::Boolean},
+    {"int8"_L1, CAN::Integer8},
+    {"int8t"_L1, CAN::Integer8},
+    {"sint"_L1, CAN::Integer8},
+    {"int16"_L1, CAN::Integer16},
+    {"int16t"_L1, CAN::Integer16},
+    {"int"_L1, CAN::Integer16},
+    {"int24"_L1, CAN::Integer24},
+    {"int32"_L1, CAN::Integer32},
+    {"int32t"_L1, CAN::Integer32},
+    {"dint"_L1, CAN::Integer32},
+    {"int64"_L1, CAN::Integer64},
+    {"int64t"_L1, CAN::Integer64},
+    {"lint"_L1, CAN::Integer64},
+    {"uint8"_L1, CAN::Unsigned8},
+    {"uint8t"_L1, CAN::Unsigned8},
+    {"usint"_L1, CAN::Unsigned8},
+    {"byte"_L1, CAN::Unsigned8},
+    {"uint16"_L1, CAN::Unsigned16},
+    {"uint16t"_L1, CAN::Unsigned16},
+    {"uint"_L1, CAN::Unsigned16},
+    {"uint24"_L1, CAN::Unsigned24},
+    {"uint32"_L1, CAN::Unsigned32},
+    {"uint32t"_L1, CAN::Unsigned32},
+    {"udint"_L1, CAN::Unsigned32},
+    {"uint64"_L1, CAN::Unsigned64},
+    {"uint64t"_L1, CAN::Unsigned64},
+    {"ulint"_L1, CAN::Unsigned64},
+    {"real"_L1, CAN::Real32},
+    {"float"_L1, CAN::Real32},
+    {"float32"_L1, CAN::Real32},
+    {"lreal"_L1, CAN::Real64},
+    {"double"_L1, CAN::Real64},
+    {"float64"_L1, CAN::Real64},
+    {"string"_L1, CAN::VisibleString},
+    {"visstring"_L1, CAN::VisibleString},
+    {"octets"_L1, CAN::OctetString},
+    {"unicode"_L1, CAN::UnicodeString},
+    {"time"_L1, CAN::TimeOfDay},
+    {"timediff"_L1, CAN::TimeDifference},
+    {"stringasteriks"_L1, CAN::StringAsterisk},
+    {"utf8"_L1, CAN::Utf8String},
+};
+
+constexpr Word objectCodes[] = {
+    {"DOMAIN"_L1, CANopen::Domain}, {"DEFTYPE"_L1, CANopen::DefType}, {"DEFSTRUCT"_L1, CANopen::DefStruct},
+    {"VARIABLE"_L1, CANopen::Var},  {"ARRAY"_L1, CANopen::Array},     {"RECORD"_L1, CANopen::Record},
+};
+
+struct AccessWord
+{
+    QLatin1StringView word;
+    QLatin1StringView access;
+};
+
+constexpr AccessWord accessWords[] = {
+    {"const"_L1, "const"_L1}, {"constant"_L1, "const"_L1}, {"c"_L1, "const"_L1},      {"ro"_L1, "ro"_L1},
+    {"r"_L1, "ro"_L1},        {"read"_L1, "ro"_L1},        {"readonly"_L1, "ro"_L1},  {"wo"_L1, "wo"_L1},
+    {"w"_L1, "wo"_L1},        {"write"_L1, "wo"_L1},       {"writeonly"_L1, "wo"_L1}, {"rw"_L1, "rw"_L1},
+    {"wr"_L1, "rw"_L1},       {"r/w"_L1, "rw"_L1},         {"readwrite"_L1, "rw"_L1}, {"read/write"_L1, "rw"_L1},
+    {"rww"_L1, "rww"_L1},     {"rwr"_L1, "rwr"_L1},
+};
+
+/// The form in which words are compared: lower case, without blanks, "_" and "-".
+QString comparable(const QString &text)
+{
+    QString result;
+    result.reserve(text.size());
+    for (const QChar c : text) {
+        if (!c.isSpace() && c != u'_' && c != u'-')
+            result.append(c.toLower());
+    }
+    return result;
+}
+
+const TypeRow *findType(quint32 code)
+{
+    const auto row = std::ranges::find(types, code, &TypeRow::code);
+    return row == types.end() ? nullptr : &*row;
+}
+
+/// A number in the notation of CiA 306; a leading 0 before a digit that is not octal is taken as mere padding.
+std::optional<quint32> number(const QString &text)
+{
+    bool ok = false;
+    quint32 value = text.toUInt(&ok, 0);
+    if (!ok)
+        value = text.toUInt(&ok, 10);
+    return ok ? std::optional(value) : std::nullopt;
+}
+
+} // namespace
+
+QString COHelper::index2DataTypeString(quint32 dataType)
+{
+    const TypeRow *row = findType(dataType);
+    return row ? QString(row->name) : u"0x%1"_s.arg(dataType, 4, 16, QLatin1Char('0'));
+}
+
+QString COHelper::index2DataTypeShortString(quint32 dataType)
+{
+    const TypeRow *row = findType(dataType);
+    return row ? QString(row->shortName) : QString();
+}
+
+quint32 COHelper::mapDataTypeString(const QString &text)
+{
+    static const QHash<QString, quint32> words = [] {
+        QHash<QString, quint32> map;
+        for (const TypeRow &row : types) {
+            map.insert(comparable(row.name), row.code);
+            map.insert(comparable(row.shortName), row.code);
+        }
+        for (const Word &alias : typeAliases)
+            map.insert(alias.word, alias.code);
+        return map;
+    }();
+    if (const auto code = number(text.trimmed()))
+        return *code <= 0xffff ? *code : quint32{CAN::NoType};
+    return words.value(comparable(text), CAN::NoType);
+}
+
+quint32 COHelper::getDataLengthBits(quint32 dataType)
+{
+    const TypeRow *row = findType(dataType);
+    return row ? row->bits : 0;
+}
+
+COHelper::Limits COHelper::getDefaultLimits(quint32 dataType)
+{
+    const TypeRow *row = findType(dataType);
+    if (!row)
+        return {};
+    if (row->kind == Kind::Unsigned)
+        return {u"0"_s, QString::number(~quint64{0} >> (64 - row->bits))};
+    if (row->kind == Kind::Signed) {
+        const auto high = static_cast<qint64>(~quint64{0} >> (65 - row->bits));
+        return {QString::number(-high - 1), QString::number(high)};
+    }
+    return {};
+}
+
+bool COHelper::isTextType(quint32 dataType)
+{
+    const TypeRow *row = findType(dataType);
+    return row && row->kind == Kind::Text;
+}
+
+QString COHelper::objectCode2String(quint32 objectCode)
+{
+    const auto row = std::ranges::find(objectCodes, objectCode, &Word::code);
+    return row == std::end(objectCodes) ? QString::number(objectCode) : QString(row->word);
+}
+
+quint32 COHelper::string2objectCode(const QString &text)
+{
+    if (const auto code = number(text.trimmed()))
+        return *code;
+    const QString word = comparable(text).toUpper();
+    const auto row = std::ranges::find(objectCodes, word, &Word::word);
+    return row == std::end(objectCodes) ? quint32{CANopen::Var} : row->code;
+}
+
+QString COHelper::normalizeAccessType(const QString &text)
+{
+    QString word = comparable(text);
+    auto row = std::ranges::find(accessWords, word, &AccessWord::word);
+    if (row == std::end(accessWords)) {
+        const QString trimmed = text.trimmed();
+        const auto end = std::ranges::find_if(trimmed, [](QChar c) { return c.isSpace(); });
+        word = comparable(trimmed.first(end - trimmed.begin()));
+        row = std::ranges::find(accessWords, word, &AccessWord::word);
+    }
+    return row == std::end(accessWords) ? u"ro"_s : QString(row->access);
+}
+
+CANopen::ObjectCategory COHelper::convertCategory(const QString &text)
+{
+    const QString word = comparable(text);
+    if (word == "mandatory"_L1)
+        return CANopen::Mandatory;
+    return word == "conditional"_L1 ? CANopen::Conditional : CANopen::Optional;
+}

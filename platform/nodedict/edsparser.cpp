@@ -1,0 +1,299 @@
+#include "nodedict/edsparser.h"
+
+#include "nodedict/edsvalue.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr quint32 refuseWriteFlag = 1;
+constexpr quint32 refuseReadFlag = 2;
+
+/// Keys of a section of an object or sub-object in the order of `EdsParser::Field`, in lower case.
+constexpr QByteArrayView fieldNames[] = {"parametername",  "objecttype", "datatype",   "accesstype", "defaultvalue",
+                                         "lowlimit",       "highlimit",  "pdomapping", "objflags",   "compactsubobj",
+                                         "parametervalue", "denotation", "description"};
+
+/// True for an object whose sub-objects have sections of their own.
+bool isGroup(quint32 objectType)
+{
+    return objectType == CANopen::Array || objectType == CANopen::Record || objectType == CANopen::DefStruct;
+}
+
+/// Limits of a sub-object from the texts of the two keys.
+void setLimits(CANopenSubindex &sub, const QString &low, const QString &high)
+{
+    sub.lowlimit = EdsValue::normalised(low, sub.datatype);
+    sub.highlimit = EdsValue::normalised(high, sub.datatype);
+    sub.haslimits = !low.isEmpty() || !high.isEmpty();
+}
+
+} // namespace
+
+EdsParser::EdsParser(QObject *parent)
+    : QObject(parent)
+{
+}
+
+bool EdsParser::LoadEds(const QString &path)
+{
+    const bool loaded = sections_.load(path);
+    raiseAll();
+    return loaded;
+}
+
+void EdsParser::loadContent(const QByteArray &content)
+{
+    sections_.setContent(content);
+    raiseAll();
+}
+
+QMap<QString, QString> EdsParser::getCompactSubObjNames(quint32 index) const
+{
+    return compactTexts({index, EdsSections::Names});
+}
+
+QMap<QString, QString> EdsParser::getCompactSubObjValues(quint32 index) const
+{
+    QMap<QString, QString> values = compactTexts({index, EdsSections::Values});
+    const quint32 type = dataType(fieldsOf({index, EdsSections::Object})).value_or(CAN::NoType);
+    for (QString &value : values)
+        value = EdsValue::normalised(value, type);
+    return values;
+}
+
+QMap<QString, QString> EdsParser::getCompactSubObjDenotations(quint32 index) const
+{
+    return compactTexts({index, EdsSections::Denotations});
+}
+
+QString EdsParser::sectionValue(QLatin1StringView section, const QString &key) const
+{
+    const auto head = EdsSections::namedHead(QByteArray(section.data(), section.size()).toLower());
+    if (!head)
+        return {};
+    QString result;
+    const QByteArray wanted = key.toLatin1().toLower();
+    sections_.eachEntry(*head, [&](QByteArrayView name, QByteArrayView value) {
+        if (result.isNull() && EdsBytes::equals(name, wanted))
+            result = value.isEmpty() ? u""_s : sections_.decode(value);
+    });
+    return result;
+}
+
+QString EdsParser::commentText() const
+{
+    constexpr uint mostLines = 0xffff; // the count is of 16 bits
+    constexpr QByteArrayView prefix = "line";
+    const uint announced = qMin(EdsValue::number(sectionValue("Comments"_L1, u"Lines"_s)).value_or(0), mostLines);
+    QStringList lines;
+    sections_.eachEntry(*EdsSections::namedHead("comments"), [&](QByteArrayView key, QByteArrayView value) {
+        if (key.size() <= prefix.size() || !EdsBytes::equals(key.first(prefix.size()), prefix))
+            return;
+        const uint number = key.sliced(prefix.size()).toByteArray().toUInt();
+        if (number < 1 || number > announced)
+            return;
+        while (lines.size() < number)
+            lines.append(QString());
+        if (lines.at(number - 1).isNull())
+            lines[number - 1] = value.isEmpty() ? u""_s : sections_.decode(value);
+    });
+    return lines.join(u'\n');
+}
+
+/// Sub-index, as decimal text, to the text that a section of a compact object gives it.
+QMap<QString, QString> EdsParser::compactTexts(const Head &head) const
+{
+    QMap<QString, QString> texts;
+    sections_.eachEntry(head, [&](QByteArrayView key, QByteArrayView value) {
+        bool ok = false;
+        const bool hex = key.size() > 2 && EdsBytes::equals(key.first(2), "0x");
+        const uint sub = hex ? key.sliced(2).toByteArray().toUInt(&ok, 16) : key.toByteArray().toUInt(&ok, 10);
+        const QString number = QString::number(sub);
+        if (ok && sub <= 0xff && !texts.contains(number))
+            texts.insert(number, sections_.decode(value));
+    });
+    return texts;
+}
+
+void EdsParser::raiseAll()
+{
+    raised_.reset();
+    hasOwnSub_.reset();
+    noteLists();
+    for (const Head &head : sections_.heads()) {
+        if (head.topic != EdsSections::Object && !head.isSub())
+            continue;
+        raiseObject(head.index);
+        if (!head.isSub() || (head.topic == 0 && hasOwnSub_.test(head.index)))
+            continue;
+        const auto sub = static_cast<quint8>(head.topic);
+        const Fields fields = fieldsOf(head);
+        const quint32 typeIfMissing = dataType(fields) ? quint32{CAN::NoType} : missingTypeOfSub(head.index, sub);
+        Q_EMIT newSubIndex(readSub(head.index, sub, fields, typeIfMissing));
+    }
+}
+
+/// Reads what must be known of the whole file before the first object is raised.
+void EdsParser::noteLists()
+{
+    hasSubs_.reset();
+    mandatory_.reset();
+    for (const Head &head : sections_.heads()) {
+        if (head.isSub())
+            hasSubs_.set(head.index);
+    }
+    if (const auto head = EdsSections::namedHead("mandatoryobjects")) {
+        sections_.eachEntry(*head, [&](QByteArrayView key, QByteArrayView value) {
+            const auto index = EdsValue::number(sections_.decode(value));
+            if (index && *index < mandatory_.size() && !EdsBytes::equals(key, "supportedobjects"))
+                mandatory_.set(*index);
+        });
+    }
+}
+
+void EdsParser::raiseObject(quint32 index)
+{
+    const Head head{index, EdsSections::Object};
+    if (raised_.test(index) || !sections_.has(head))
+        return;
+    raised_.set(index);
+    const Fields fields = fieldsOf(head);
+    const CANopen::CANopenIndex object = readObject(index, fields);
+    Q_EMIT newIndex(object);
+
+    if (object.compactcount > 0) {
+        raiseCompact(object);
+    } else if (!isGroup(object.objecttype) && (!hasSubs_.test(index) || dataType(fields))) {
+        hasOwnSub_.set(index);
+        Q_EMIT newSubIndex(readSub(index, 0, fields, CAN::NoType));
+    }
+}
+
+/// Raises the sub-objects that `CompactSubObj` stands for, but those that have sections of their own.
+void EdsParser::raiseCompact(const CANopen::CANopenIndex &object)
+{
+    if (object.objecttype == CANopen::Array)
+        return;
+    const QMap<QString, QString> names = getCompactSubObjNames(object.index);
+    const QMap<QString, QString> values = getCompactSubObjValues(object.index);
+    const QMap<QString, QString> denotations = getCompactSubObjDenotations(object.index);
+    for (quint32 i = 0; i <= object.compactcount; ++i) {
+        if (sections_.has({object.index, i}))
+            continue;
+        CANopenSubindex sub = object.compactSub(static_cast<quint8>(i));
+        const QString number = QString::number(i);
+        if (i > 0 && names.contains(number))
+            sub.name = names.value(number);
+        sub.parametervalue = values.value(number);
+        sub.denotation = denotations.value(number);
+        Q_EMIT newSubIndex(sub);
+    }
+}
+
+EdsParser::Fields EdsParser::fieldsOf(const Head &head) const
+{
+    static_assert(std::size(fieldNames) == FieldCount);
+    Fields fields;
+    sections_.eachEntry(head, [&](QByteArrayView key, QByteArrayView value) {
+        for (size_t i = 0; i < FieldCount; ++i) {
+            if (!fields.values[i] && EdsBytes::equals(key, fieldNames[i])) {
+                fields.values[i] = value;
+                return;
+            }
+        }
+    });
+    return fields;
+}
+
+QString EdsParser::text(const Fields &fields, Field field) const
+{
+    const auto &value = fields.values[field];
+    return value ? sections_.decode(*value) : QString();
+}
+
+std::optional<quint32> EdsParser::number(const Fields &fields, Field field) const
+{
+    return EdsValue::number(text(fields, field));
+}
+
+QString EdsParser::word(const Fields &fields, Field field) const
+{
+    return text(fields, field).section(u';', 0, 0).trimmed();
+}
+
+std::optional<quint32> EdsParser::dataType(const Fields &fields) const
+{
+    const QString type = word(fields, DataType);
+    if (type.isEmpty())
+        return std::nullopt;
+    const auto code = EdsValue::number(type);
+    return code && *code <= 0xffff ? *code : COHelper::mapDataTypeString(type);
+}
+
+std::optional<quint32> EdsParser::objectType(const Fields &fields) const
+{
+    const QString type = word(fields, ObjectType);
+    if (type.isEmpty())
+        return std::nullopt;
+    return EdsValue::number(type).value_or(COHelper::string2objectCode(type));
+}
+
+/// The object code of an object, guessed from what else it has if its section does not tell.
+quint32 EdsParser::objectTypeOf(quint32 index, const Fields &fields) const
+{
+    if (const auto code = objectType(fields))
+        return *code;
+    if (number(fields, CompactSubObj).value_or(0) > 0)
+        return CANopen::Array;
+    return hasSubs_.test(index) && !dataType(fields) ? CANopen::Record : CANopen::Var;
+}
+
+/// The type of a sub-object whose section names none.
+quint32 EdsParser::missingTypeOfSub(quint32 index, quint8 subindex) const
+{
+    if (subindex == 0)
+        return CAN::Unsigned8;
+    const Fields object = fieldsOf({index, EdsSections::Object});
+    if (objectTypeOf(index, object) != CANopen::Array)
+        return CAN::NoType;
+    return dataType(object).value_or(CAN::NoType);
+}
+
+CANopen::CANopenIndex EdsParser::readObject(quint32 index, const Fields &fields) const
+{
+    CANopen::CANopenIndex object;
+    object.index = index;
+    object.objecttype = objectTypeOf(index, fields);
+    object.name = text(fields, ParameterName);
+    object.description = text(fields, Description);
+    object.category = mandatory_.test(index) ? CANopen::Mandatory : CANopen::Optional;
+    object.compacttemplate = readSub(index, 1, fields, CAN::NoType);
+    object.datatype =
+        isGroup(object.objecttype) ? dataType(fields).value_or(CAN::Unsigned8) : object.compacttemplate.datatype;
+    if (isGroup(object.objecttype))
+        object.compactcount = static_cast<quint8>(qMin(number(fields, CompactSubObj).value_or(0), 255U));
+    return object;
+}
+
+CANopenSubindex EdsParser::readSub(quint32 index, quint8 subindex, const Fields &fields, quint32 typeIfMissing) const
+{
+    const bool isDomain = objectType(fields) == quint32{CANopen::Domain};
+    CANopenSubindex sub;
+    sub.index = index;
+    sub.subindex = subindex;
+    sub.name = text(fields, ParameterName);
+    sub.datatype = dataType(fields).value_or(isDomain ? quint32{CAN::Domain} : typeIfMissing);
+    const QString access = word(fields, AccessType);
+    sub.accesstype = access.isEmpty() && isDomain ? u"rw"_s : COHelper::normalizeAccessType(access);
+    if (fields.values[DefaultValue])
+        sub.defaultvalue = EdsValue::normalised(text(fields, DefaultValue), sub.datatype);
+    sub.parametervalue = EdsValue::normalised(text(fields, ParameterValue), sub.datatype);
+    sub.denotation = text(fields, Denotation);
+    setLimits(sub, text(fields, LowLimit), text(fields, HighLimit));
+    const quint32 flags = number(fields, ObjFlags).value_or(0);
+    sub.refusewrite = (flags & refuseWriteFlag) != 0;
+    sub.refuseread = (flags & refuseReadFlag) != 0;
+    sub.pdomapping = number(fields, PDOMapping).value_or(0) != 0;
+    return sub;
+}

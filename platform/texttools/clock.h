@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QDateTime>
+
+namespace TextTools {
+
+/// The moment that goes into everything the program writes: the time of day, or, where the environment variable
+/// SOURCE_DATE_EPOCH holds a number of seconds, that moment in UTC, so that a build can be repeated byte for byte.
+QDateTime currentDateTime();
+
+} // namespace TextTools
