@@ -1,0 +1,274 @@
+#include "store/objectdatabase.h"
+
+#include "store/schema.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFileInfo>
+#include <QRandomGenerator>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QStandardPaths>
+#include <QThread>
+
+#include <cstdlib>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int closeTimeoutMs = 5000;
+constexpr int newProjectCachePages = 16384;
+
+/// Fills a file that has just been made with the contents of another; false if the other cannot be read.
+bool fill(QFile &target, const QString &source)
+{
+    QFile file(source);
+    // A pipe or device would never end.
+    if (!QFileInfo(source).isFile() || !file.open(QIODevice::ReadOnly))
+        return false;
+    constexpr qint64 block = 1 << 20;
+    while (!file.atEnd()) {
+        const QByteArray part = file.read(block);
+        if (part.isEmpty() || target.write(part) != part.size())
+            return false;
+    }
+    return target.flush();
+}
+
+bool isWriting(const QString &statement)
+{
+    static constexpr std::array words = {"insert"_L1, "update"_L1, "delete"_L1, "replace"_L1,
+                                         "create"_L1, "drop"_L1,   "alter"_L1};
+    const QString trimmed = statement.trimmed();
+    return std::any_of(words.begin(), words.end(),
+                       [&](QLatin1StringView word) { return trimmed.startsWith(word, Qt::CaseInsensitive); });
+}
+
+} // namespace
+
+ObjectDataBase::ObjectDataBase(QObject *parent)
+    : QObject(parent)
+{
+    static std::atomic<int> connections = 0;
+
+    std::srand(static_cast<unsigned>(reinterpret_cast<quintptr>(QThread::currentThreadId())));
+    qRegisterMetaType<ObjectDataBase::ChangeSet>();
+    connectionName_ = u"db%1"_s.arg(++connections);
+    database_ = QSqlDatabase::addDatabase(u"QSQLITE"_s, connectionName_);
+    if (database_.lastError().isValid())
+        qDebug() << "Db drivers: " << QSqlDatabase::drivers() << "Db last error: " << database_.lastError().text();
+}
+
+ObjectDataBase::~ObjectDataBase()
+{
+    closeDatabase();
+    // The connection can only be taken off the list when no handle refers to it any more.
+    database_ = QSqlDatabase();
+    QSqlDatabase::removeDatabase(connectionName_);
+    for (const QString &copy : std::as_const(workingCopies_))
+        QFile::remove(copy);
+}
+
+void ObjectDataBase::closeDatabase()
+{
+    gate_.waitUntilIdle(closeTimeoutMs);
+    database_.close();
+}
+
+/// Makes a new file of a name of its own, filled from `source` unless that is empty. The exclusive creation is what
+/// keeps two runs apart, whatever names they draw.
+QString ObjectDataBase::makeWorkingCopy(const QString &source)
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    QDir().mkpath(folder);
+    constexpr int attempts = 10000;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        const QString path =
+            u"%1/qvxdatatemp_%2_%3"_s.arg(folder, QString::number(std::rand()), QString::number(std::rand()));
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
+            if (file.exists())
+                continue;
+            qDebug() << "working copy" << path << file.errorString();
+            return {};
+        }
+        workingCopies_.append(path);
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser);
+        if (!source.isEmpty() && !fill(file, source))
+            file.resize(0);
+        return path;
+    }
+    return {};
+}
+
+bool ObjectDataBase::connectTo(const QString &workingCopy)
+{
+    closeDatabase();
+    forgetCaches();
+    if (workingCopy.isEmpty())
+        return false;
+    database_.setDatabaseName(QDir::toNativeSeparators(workingCopy));
+    if (database_.open())
+        return true;
+    qDebug() << "error sqlDbFile.open()" << database_.lastError().text();
+    return false;
+}
+
+void ObjectDataBase::forgetCaches()
+{
+    strings_.clear();
+    subCache_.clear();
+    denotations_.clear();
+    spnCache_.clear();
+    transactionDepth_ = 0;
+}
+
+void ObjectDataBase::applyPragmas(int cachePages)
+{
+    QSqlQuery query = newQuery();
+    for (const QString &statement :
+         {u"PRAGMA page_size = 4096"_s, u"PRAGMA cache_size = %1"_s.arg(cachePages), u"PRAGMA temp_store = MEMORY"_s,
+          u"PRAGMA journal_mode = OFF"_s, u"PRAGMA locking_mode = EXCLUSIVE"_s, u"PRAGMA synchronous  = OFF"_s})
+        execQuery(query, statement);
+}
+
+bool ObjectDataBase::createGlobalTables()
+{
+    QSqlQuery query = newQuery();
+    for (int i = 0; i < ProjectSchema::globalTableCount; ++i) {
+        const auto table = static_cast<ProjectSchema::Table>(i);
+        const QString operation = "Create "_L1 + ProjectSchema::tableName(table);
+        if (!run(operation.toLatin1().constData(), query, ProjectSchema::createStatement(table)))
+            return false;
+    }
+    return true;
+}
+
+bool ObjectDataBase::createNewDataBase()
+{
+    const bool opened = connectTo(makeWorkingCopy({}));
+    applyPragmas(newProjectCachePages);
+    const Transaction transaction(*this);
+    if (createGlobalTables()) {
+        addNode(0, NODE_DATA_T());
+        notify(Change::ProjectReplaced);
+        setMiscSetting(u"CreateToolVersion"_s, QCoreApplication::applicationVersion());
+        setMiscSetting(u"CreateToolName"_s, QCoreApplication::applicationName());
+        setMiscSetting(u"DatabaseVersion"_s, QString::number(schemaVersion));
+    }
+    return opened;
+}
+
+void ObjectDataBase::setBlocked(bool blocked)
+{
+    blocked_ = blocked;
+    if (blocked)
+        gate_.close();
+    else
+        gate_.open();
+    Q_EMIT blockStateChanged(blocked);
+}
+
+QSqlQuery ObjectDataBase::newQuery() const
+{
+    return QSqlQuery(database_);
+}
+
+bool ObjectDataBase::execQuery(QSqlQuery &query, const QString &statement)
+{
+    bool done = false;
+    {
+        const StoreGate::Passage passage(gate_);
+        done = query.exec(statement);
+    }
+    if (done)
+        tellWrite(statement);
+    return done;
+}
+
+bool ObjectDataBase::execPrepared(QSqlQuery &query)
+{
+    bool done = false;
+    {
+        const StoreGate::Passage passage(gate_);
+        done = query.exec();
+    }
+    if (done)
+        tellWrite(query.lastQuery());
+    return done;
+}
+
+void ObjectDataBase::tellWrite(const QString &statement)
+{
+    if (writeTracking_ && isWriting(statement))
+        Q_EMIT databaseWriteExecuted();
+}
+
+void ObjectDataBase::migrationExec(QSqlQuery &query, const QString &statement)
+{
+    if (execQuery(query, statement))
+        return;
+    const QString error = query.lastError().text();
+    if (!error.contains("duplicate column name"_L1, Qt::CaseInsensitive))
+        qDebug().noquote() << "migration statement failed:" << statement << error;
+}
+
+bool ObjectDataBase::run(const char *operation, QSqlQuery &query, const QString &statement)
+{
+    if (execQuery(query, statement))
+        return true;
+    qDebug().noquote() << operation << statement << query.lastError().text();
+    return false;
+}
+
+bool ObjectDataBase::run(const char *operation, const QString &statement)
+{
+    QSqlQuery query = newQuery();
+    return run(operation, query, statement);
+}
+
+QVariant ObjectDataBase::selectValue(const QString &statement)
+{
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    return execQuery(query, statement) && query.next() ? query.value(0) : QVariant();
+}
+
+bool ObjectDataBase::selectsRow(const QString &statement)
+{
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    return execQuery(query, statement) && query.next();
+}
+
+QList<quint32> ObjectDataBase::selectNumbers(const QString &statement)
+{
+    QList<quint32> numbers;
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    if (execQuery(query, statement)) {
+        while (query.next())
+            numbers.append(static_cast<quint32>(query.value(0).toLongLong()));
+    }
+    return numbers;
+}
+
+void ObjectDataBase::notify(Change type, ChangeSet change)
+{
+    change.type = static_cast<quint32>(type);
+    Q_EMIT updateNotify(change);
+}
+
+ObjectDataBase::Transaction::Transaction(ObjectDataBase &store)
+    : store_(store)
+{
+    if (store_.transactionDepth_++ == 0)
+        store_.run("Transaction", u"begin transaction"_s);
+}
+
+ObjectDataBase::Transaction::~Transaction()
+{
+    if (--store_.transactionDepth_ == 0)
+        store_.run("Transaction", u"commit"_s);
+}

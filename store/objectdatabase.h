@@ -1,0 +1,357 @@
+#pragma once
+
+#include "nodedict/pdomapping.h"
+#include "store/spncache.h"
+#include "store/storegate.h"
+#include "store/storerecords.h"
+#include "store/stringpool.h"
+#include "store/subobjectcache.h"
+
+#include <QHash>
+#include <QMutex>
+#include <QObject>
+#include <QSqlDatabase>
+#include <QStringList>
+
+class QSqlQuery;
+
+/// A project: the one gateway to its database.
+///
+/// Nobody works on the user's file. Opening copies it to a private working copy in the application's local data folder;
+/// every change lands there at once, and only a save replaces the user's file, keeping the old one as `.bak`. The
+/// working copies are deleted with the store.
+///
+/// Records go in and out by value. Adding and updating are one operation: an existing key is updated. Writing
+/// operations return false, or do nothing, while the store is blocked (`setBlocked`). A failed statement is written to
+/// the debug log and reported as false; nothing throws.
+///
+/// One store serves all threads through one connection; the gate lets one of them in at a time.
+class ObjectDataBase : public QObject
+{
+    Q_OBJECT
+
+public:
+    // ---- Records (store/storerecords.h) ----------------------------------------------------------------------------
+
+    using Metadata = StoreRecords::Metadata;
+    using INDEX_DATA_T = StoreRecords::IndexData;
+    using SUBINDEX_DATA_T = StoreRecords::SubIndexData;
+    using SubEntry = StoreRecords::SubEntry;
+    using SubKey = StoreRecords::SubKey;
+    using NODE_DATA_T = StoreRecords::NodeData;
+    using PGN = StoreRecords::PGN;
+    using SPN = StoreRecords::SPN;
+    using CANID = StoreRecords::CANID;
+    using DataElement = StoreRecords::DataElement;
+    using ChangeSet = StoreRecords::ChangeSet;
+    using UDSService = StoreRecords::UDSService;
+    using Change = StoreRecords::Change;
+
+    static constexpr quint8 transmit = StoreRecords::transmit;
+    static constexpr quint8 receive = StoreRecords::receive;
+    static constexpr int schemaVersion = 107;
+
+    explicit ObjectDataBase(QObject *parent = nullptr);
+    ~ObjectDataBase() override;
+    Q_DISABLE_COPY_MOVE(ObjectDataBase)
+
+    // ---- Life of the project (objectdatabase.cpp, projectopen.cpp, projectsave.cpp) --------------------------------
+
+    /// A new empty project with line 0 in a fresh working copy.
+    bool createNewDataBase();
+    /// Opens a project file of any age and form. A path that ends in "ncxt" is a text project, and opening that
+    /// reports true whatever its conversion says. False for anything that is no project, or (`lastError`) that another
+    /// tool's protocols are in. The second argument has no effect.
+    bool openDataBase(const QString &path, bool unused = false);
+    /// Opens a text project; the result is the conversion's.
+    bool openTextDatabase(const QString &path);
+    /// Saves to the path, or where it is empty to the project path, in the form that the path's ending asks for. A
+    /// text project reports true in any case; whether it could be written is told by `lastError`.
+    bool saveDatabase(const QString &path);
+    bool saveDatabaseAsSql(const QString &path);
+    bool saveDatabaseAsText(const QString &path);
+    /// Waits for statements under way (at most 5 s) and closes the connection.
+    void closeDatabase();
+    /// True from a successful create or open on.
+    bool isOpen() const { return database_.isOpen(); }
+    /// Why the last open or save failed; empty where there is nothing to tell the user.
+    QString lastError() const { return lastError_; }
+    /// The user's file, as last opened or saved.
+    QString projectPath() const { return projectPath_; }
+    /// True if the hash of the file did not match its contents when it was opened.
+    bool isTampered() const { return tampered_; }
+
+    /// SHA-256 over all tables but the rows that hold the hash itself, in lower-case hexadecimal.
+    QString computeFileHash();
+    /// Compares the stored hash, if there is one, and notes a mismatch in MiscSettings `TamperLog`.
+    void verifyFileHash();
+
+    /// Executes a statement; the only way to the database. Raises `databaseWriteExecuted` where that is asked for.
+    bool execQuery(QSqlQuery &query, const QString &statement);
+    /// The same for a query that is prepared and has its values bound.
+    bool execPrepared(QSqlQuery &query);
+    /// Executes a migration statement: a failure is logged unless it says that the column exists already.
+    void migrationExec(QSqlQuery &query, const QString &statement);
+    /// A query on this project's connection.
+    QSqlQuery newQuery() const;
+    /// The connection, for the converter of text projects.
+    QSqlDatabase connection() const { return database_; }
+
+    /// Blocks all writing operations and closes the gate for other threads, or undoes both.
+    void setBlocked(bool blocked);
+    bool isBlocked() const { return blocked_; }
+    /// Closes the gate for other threads without blocking writes: for a job that writes.
+    void closeGate() { gate_.close(); }
+    void openGate() { gate_.open(); }
+    /// While on, each successful writing statement raises `databaseWriteExecuted`.
+    void setWriteTracking(bool on) { writeTracking_ = on; }
+
+    /// Groups the statements of its lifetime into one transaction; an inner one joins the outer.
+    class Transaction
+    {
+    public:
+        explicit Transaction(ObjectDataBase &store);
+        ~Transaction();
+        Q_DISABLE_COPY_MOVE(Transaction)
+
+    private:
+        ObjectDataBase &store_;
+    };
+
+    // ---- Object dictionary (objecttables.cpp, objectcopy.cpp) ------------------------------------------------------
+
+    bool addIndex(quint8 line, quint16 index, const INDEX_DATA_T &data);
+    bool addSubIndex(quint8 line, quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data);
+    /// All entries in their order in one transaction; goes on after a failure, the result is the last entry's.
+    bool addSubIndices(const QList<SubEntry> &entries);
+    /// Removes an object with its subindices and, unless `keepConnections`, its rows in `Connections`.
+    bool removeIndex(quint8 line, quint16 index, bool keepConnections = false);
+    bool removeSubIndex(quint8 line, quint16 index, quint8 subindex, bool keepConnections = false);
+    bool removeConsumerConnection(quint8 line, quint16 index, quint8 subindex);
+    bool indexExists(quint8 line, quint16 index);
+    bool subIndexExists(quint8 line, quint16 index, quint8 subindex);
+    bool getIndex(quint8 line, quint16 index, INDEX_DATA_T &data);
+    QString getIndexName(quint8 line, quint16 index);
+    void setIndexName(quint8 line, quint16 index, const QString &name);
+    /// Indices from `first` to `last`, ascending.
+    QList<quint16> getIndexList(quint8 line, quint16 first, quint16 last);
+    /// Answers from the line's cache where that holds the key.
+    bool getSubIndex(quint8 line, quint16 index, quint8 subindex, SUBINDEX_DATA_T &data);
+    QList<quint8> getSubIndexList(quint8 line, quint16 index, quint8 firstSub = 0);
+    quint16 getSubIndexDataType(quint8 line, quint16 index, quint8 subindex);
+    QString getSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex);
+    bool setSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex, const QString &value);
+    /// Subindices whose column holds the value, as a number first, then as text; only those whose object exists.
+    QList<SubKey> findSubIndices(quint8 line, const QString &column, const QString &value);
+    /// Copies an object over another of this project; the target's former subindices are gone.
+    bool copyIndex(quint8 fromLine, quint16 fromIndex, quint8 toLine, quint16 toIndex);
+    /// Copies an object out of another store; target subindices that the source lacks are removed.
+    bool copyIndexFrom(ObjectDataBase *other, quint8 fromLine, quint16 fromIndex, quint8 toLine, quint16 toIndex,
+                       bool objectOnly = false);
+    bool setObjectMetadata(quint8 line, quint16 index, const Metadata &metadata);
+    bool setSubObjectMetadata(quint8 line, quint16 index, quint8 subindex, const Metadata &metadata);
+    /// Writes one column of an object row, which is made where it is missing; the form in which text projects arrive.
+    void setObjectIndexSqlValue(const QString &table, const QString &index, const QString &column,
+                                const QVariant &value);
+    void setSubindexSqlValue(const QString &table, const QString &index, const QString &subindex, const QString &column,
+                             const QVariant &value);
+
+    /// Loads the subindices of a line (`index` 0) or of one object into the cache that `getSubIndex` asks first.
+    void cacheAllSubs(quint8 line, quint16 index);
+    /// Loads display names: the denotation, or the name where that is empty.
+    void cacheDenotations(quint8 line, quint16 index);
+    void clearSubCache() { subCache_.clear(); }
+    void clearDenotationCache() { denotations_.clear(); }
+
+    /// Id of a text in the pool, adding it where it is new; -1 on failure.
+    int getStringId(const QString &text) { return strings_.idOf(text); }
+    QString getString(int id) { return strings_.textOf(id); }
+    void cacheStrings() { strings_.reload(); }
+    /// Deletes the texts that no row refers to.
+    void removeUnusedStrings();
+    /// Doubles each single quote.
+    static void escapeQuotes(QString &text);
+
+    // ---- Lines (linetables.cpp) ------------------------------------------------------------------------------------
+
+    /// Adds or updates a line and makes its tables. Of an existing line five fields stay: `isbootupmanager`,
+    /// `isconfigmanager`, `excludepdolinking`, `multilinedata`, `lssslave`.
+    bool addNode(quint8 line, const NODE_DATA_T &data);
+    /// Removes a line; the comma lists of later lines move down by one place.
+    bool removeNode(quint8 line);
+    bool getNode(quint8 line, NODE_DATA_T &data);
+    QList<quint8> getNodeList();
+    bool nodeExists(quint8 line);
+    void setNodeSqlValue(const QString &nodeId, const QString &column, const QVariant &value);
+    /// The line that the description settings address.
+    void setCurrentLine(quint8 line) { currentLine_ = line; }
+    quint8 currentLine() const { return currentLine_; }
+
+    // ---- Settings (settingstables.cpp) -----------------------------------------------------------------------------
+    // Values are text; a missing key reads as empty. A per-line value is a comma list, one part per line; a line
+    // beyond the end takes the last part.
+
+    QString getGeneralSetting(const QString &key);
+    QString getGeneralSetting(const QString &key, quint8 line);
+    bool setGeneralSetting(const QString &key, const QString &value);
+    bool setGeneralSetting(const QString &key, const QString &value, quint8 line);
+    /// The keys whose comma lists follow the lines when these are added, removed or cut.
+    static QStringList getGeneralSettingKeys();
+    bool generalSettingExists(const QString &key);
+    QString getJ1939Setting(const QString &key);
+    QString getJ1939Setting(const QString &key, quint8 line);
+    bool setJ1939Setting(const QString &key, const QString &value);
+    QString getDescriptionSetting(const QString &key);
+    bool setDescriptionSetting(const QString &key, const QString &value);
+    bool descriptionSettingExists(const QString &key);
+    QString getEnergyBusSetting(const QString &key);
+    bool setEnergyBusSetting(const QString &key, const QString &value);
+    bool removeEnergyBusSetting(const QString &key);
+    QStringList getEnergyBusSettingKeys();
+    QString getMiscSetting(const QString &key);
+    bool setMiscSetting(const QString &key, const QString &value);
+    bool miscSettingExists(const QString &key);
+
+    // ---- J1939 (j1939tables.cpp) -----------------------------------------------------------------------------------
+    // A direction is `transmit` or `receive`; 0 in a list operation means both.
+
+    bool addPGN(quint8 line, quint32 number, const PGN &data);
+    bool addSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, const SPN &data);
+    bool removePGN(quint8 line, quint32 number, quint8 direction);
+    bool removeSPN(quint8 line, quint32 pgn, quint32 spn, quint8 direction);
+    bool pgnExists(quint8 line, quint32 number, quint8 direction);
+    bool spnExists(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
+    bool getPGN(quint8 line, quint32 number, quint8 direction, PGN &data);
+    QString getPGNName(quint8 line, quint32 number, quint8 direction);
+    quint16 getPGNMappingCount(quint8 line, quint32 number, quint8 direction);
+    QList<quint32> getPGNList(quint8 line, quint8 direction, bool leaveOutSafe = false);
+    bool getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, SPN &data);
+    QList<quint32> getSPNList(quint8 line, quint32 pgn, quint8 direction);
+    QString getSPNName(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
+    quint32 getSPNDataType(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
+    bool cacheSPNs(quint8 line);
+    void clearSPNCache() { spnCache_.clear(); }
+    /// True if some PGN of the line is a safety PGN (`issafe`).
+    bool anySafePGN(quint8 line);
+
+    // ---- Raw CAN (rawcantables.cpp) --------------------------------------------------------------------------------
+
+    bool addCANID(quint8 line, quint32 id, const CANID &data);
+    /// An update leaves `pos` and `bitsize` of the element as they were first inserted.
+    bool addDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number, const DataElement &data);
+    bool removeCANID(quint8 line, quint32 id, quint8 direction);
+    bool removeDataElement(quint8 line, quint32 canid, quint32 number, quint8 direction);
+    bool canidExists(quint8 line, quint32 id, quint8 direction);
+    bool dataElementExists(quint8 line, quint32 canid, quint8 direction, quint32 number);
+    bool getCANID(quint8 line, quint32 id, quint8 direction, CANID &data);
+    QString getCANIDName(quint8 line, quint32 id, quint8 direction);
+    QList<quint32> getCANIDList(quint8 line, quint8 direction);
+    bool getDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number, DataElement &data);
+    QString getDataElementName(quint8 line, quint32 canid, quint8 direction, quint32 number);
+    QList<quint32> getDataElementList(quint8 line, quint32 canid, quint8 direction);
+
+    // ---- UDS services (udstables.cpp) ------------------------------------------------------------------------------
+    // Services are those of ISO 14229-1; the lists are comma lists of numbers. Setting a column of a service without a
+    // row makes the row, inactive and with its other columns empty.
+
+    bool createUDSSettingsTable(quint8 line);
+    void setUDSServiceActive(quint8 line, quint8 sid, bool active);
+    void setUDSServiceSessions(quint8 line, quint8 sid, const QString &sessions);
+    void setUDSServiceUserLevels(quint8 line, quint8 sid, const QString &levels);
+    void setUDSServiceAuthentication(quint8 line, quint8 sid, const QString &text);
+    bool getUDSServiceActive(quint8 line, quint8 sid);
+    QString getUDSServiceSessions(quint8 line, quint8 sid);
+    QString getUDSServiceUserLevels(quint8 line, quint8 sid);
+    QString getUDSServiceAuthentication(quint8 line, quint8 sid);
+    QList<UDSService> getUDSServices(quint8 line);
+
+Q_SIGNALS:
+    /// After a write: what changed.
+    void updateNotify(ObjectDataBase::ChangeSet modification);
+    /// An open refused a file that another tool saved.
+    void wrongTool();
+    void blockStateChanged(bool blockupdates);
+    void databaseWriteExecuted();
+
+private:
+    friend class StringPool;
+
+    // Life
+    QString makeWorkingCopy(const QString &source);
+    bool connectTo(const QString &workingCopy);
+    void applyPragmas(int cachePages);
+    void forgetCaches();
+    void writeIdentity();
+    bool copyWorkingCopyTo(const QString &target);
+    bool createGlobalTables();
+
+    // Steps of an open
+    bool hasLines();
+    void addMissingTablesAndColumns();
+    void migrateLine(quint8 line);
+    bool addUniqueColumnsToSubDatabase(quint8 line, QSqlQuery &query);
+    bool savedByMatchingTool();
+    void completeLine(quint8 line);
+    QString inferLineType(quint8 line);
+    void activateDefaultServices(quint8 line);
+    void makeEdsPathsAbsolute();
+    void repairAfterOpen(int fileVersion);
+    int fileSchemaVersion();
+
+    // Repairs
+    void repairMappingCounts();
+    void repairSPNDirections(quint8 line);
+    void repairBitPositions(quint8 line);
+    void repairDataElementPositions(quint8 line, quint8 direction);
+    void repairSPNPositions(quint8 line, quint8 direction);
+    void trimLineLists();
+    void addDescriptionDefaults(quint8 line);
+
+    // Statements
+    bool run(const char *operation, QSqlQuery &query, const QString &statement);
+    bool run(const char *operation, const QString &statement);
+    QVariant selectValue(const QString &statement);
+    bool selectsRow(const QString &statement);
+    QList<quint32> selectNumbers(const QString &statement);
+    void tellWrite(const QString &statement);
+    void notify(Change type, ChangeSet change = {});
+
+    QString descriptionKey(const QString &key) const;
+    QString settingOf(QLatin1StringView table, const QString &key);
+    bool settingExists(QLatin1StringView table, const QString &key);
+    enum class SettingWrite
+    {
+        Failed,
+        Unchanged,
+        Written
+    };
+    SettingWrite writeSetting(QLatin1StringView table, const QString &key, const QString &literal,
+                              const QString &value);
+    bool setAndNotify(QLatin1StringView table, const QString &key, const QString &literal, const QString &value,
+                      Change change, ChangeSet fields = {});
+    void dropListPart(QLatin1StringView table, quint8 line);
+    bool storeSubIndex(const SubEntry &entry, QSqlQuery *prepared);
+    bool writeSubRow(const SubEntry &entry, QSqlQuery *prepared);
+    void ensurePGNColumns(quint8 line);
+    bool setMetadata(const QString &statement, quint16 index, std::optional<quint8> subindex, const Metadata &metadata);
+    void setUDSColumn(quint8 line, quint8 sid, const QString &column, const QString &value);
+
+    QString connectionName_;
+    QSqlDatabase database_;
+    QStringList workingCopies_;
+    QString projectPath_;
+    QString lastError_;
+    std::atomic<bool> blocked_ = false;
+    bool tampered_ = false;
+    bool writeTracking_ = false;
+    int transactionDepth_ = 0;
+    quint8 currentLine_ = 0;
+    StoreGate gate_;
+    StringPool strings_{*this};
+    QMutex cacheMutex_;
+    SubObjectCache subCache_;
+    QHash<quint32, QString> denotations_;
+    SpnCache spnCache_;
+};
+
+Q_DECLARE_METATYPE(ObjectDataBase::ChangeSet)

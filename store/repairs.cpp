@@ -1,0 +1,188 @@
+// What an open puts right in files that older programs wrote: counts, directions and bit positions of signals.
+
+#include "store/objectdatabase.h"
+
+#include "nodedict/canopendatatype.h"
+#include "nodedict/cohelper.h"
+
+#include <QDebug>
+#include <QSet>
+#include <QSqlError>
+#include <QSqlQuery>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr quint8 bothDirections[] = {ObjectDataBase::receive, ObjectDataBase::transmit};
+
+/// A message of a line.
+struct MessageKey
+{
+    quint32 number = 0;
+    quint8 direction = 0;
+
+    friend bool operator==(const MessageKey &, const MessageKey &) = default;
+    friend size_t qHash(const MessageKey &key, size_t seed = 0) { return qHashMulti(seed, key.number, key.direction); }
+};
+
+MessageKey keyOfRow(const QSqlQuery &query)
+{
+    return {static_cast<quint32>(query.value(0).toLongLong()), static_cast<quint8>(query.value(1).toLongLong())};
+}
+
+/// Bits that a signal takes in its message.
+quint32 widthOf(const ObjectDataBase::SPN &spn)
+{
+    switch (spn.datatype) {
+    case CAN::OctetString:
+    case CAN::StringNull:
+    case CAN::StringAsterisk:
+        return spn.bitsize;
+    default:
+        return COHelper::getDataLengthBits(spn.datatype);
+    }
+}
+
+/// Sets the positions of a message's signals one behind the other.
+void placeBehindEachOther(QList<ObjectDataBase::SPN> &message)
+{
+    quint32 offset = 0;
+    for (ObjectDataBase::SPN &spn : message) {
+        spn.bitposition = static_cast<quint16>(offset);
+        offset += widthOf(spn);
+    }
+}
+
+/// An index for the time of a repair that writes every signal by its key, so that each write need not read the table.
+class TemporaryIndex
+{
+public:
+    TemporaryIndex(ObjectDataBase &store, const QString &tableAndColumns)
+        : store_(store)
+    {
+        exec(u"create index if not exists repairindex on "_s + tableAndColumns);
+    }
+    ~TemporaryIndex() { exec(u"drop index if exists repairindex"_s); }
+    Q_DISABLE_COPY_MOVE(TemporaryIndex)
+
+private:
+    void exec(const QString &statement)
+    {
+        QSqlQuery query = store_.newQuery();
+        if (!store_.execQuery(query, statement))
+            qDebug().noquote() << "TemporaryIndex" << statement << query.lastError().text();
+    }
+
+    ObjectDataBase &store_;
+};
+
+} // namespace
+
+void ObjectDataBase::repairMappingCounts()
+{
+    const Transaction transaction(*this);
+    for (const quint8 line : getNodeList()) {
+        QHash<MessageKey, quint32> counts;
+        QSqlQuery query = newQuery();
+        query.setForwardOnly(true);
+        if (run("repairMappingCounts", query, u"select pgnnumber, direction from SPNs%1"_s.arg(line))) {
+            while (query.next())
+                ++counts[keyOfRow(query)];
+        }
+        QHash<MessageKey, quint32> wrong;
+        if (run("repairMappingCounts", query,
+                u"select number, direction, mappingcount from PGNs%1 where direction in (%2, %3)"_s.arg(
+                    QString::number(line), QString::number(receive), QString::number(transmit)))) {
+            while (query.next()) {
+                const MessageKey key = keyOfRow(query);
+                if (query.value(2).toUInt() != counts.value(key))
+                    wrong.insert(key, counts.value(key));
+            }
+        }
+        for (const auto &[key, count] : wrong.asKeyValueRange())
+            run("repairMappingCounts", query,
+                u"update PGNs%1 SET mappingcount = %2 where number = %3 AND direction = %4 "_s.arg(
+                    QString::number(line), QString::number(count), QString::number(key.number),
+                    QString::number(key.direction)));
+    }
+    clearSPNCache();
+}
+
+void ObjectDataBase::repairSPNDirections(quint8 line)
+{
+    const Transaction transaction(*this);
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    QHash<quint32, quint8> directions;
+    if (!run("repairSPNDirections", query, u"select number, direction from PGNs%1"_s.arg(line)))
+        return;
+    while (query.next()) {
+        const MessageKey key = keyOfRow(query);
+        directions.insert(key.number, key.direction);
+    }
+    QSet<quint32> wrong;
+    if (!run("repairSPNDirections", query, u"select pgnnumber,direction from SPNs%1"_s.arg(line)))
+        return;
+    while (query.next()) {
+        const MessageKey key = keyOfRow(query);
+        const auto pgn = directions.constFind(key.number);
+        if (pgn != directions.constEnd() && *pgn != key.direction)
+            wrong.insert(key.number);
+    }
+    query.prepare(u"update SPNs%1 SET direction = :direction where pgnnumber = :pgnnumber"_s.arg(line));
+    for (const quint32 number : std::as_const(wrong)) {
+        query.bindValue(u":direction"_s, directions.value(number));
+        query.bindValue(u":pgnnumber"_s, number);
+        if (!execPrepared(query))
+            qDebug().noquote() << "repairSPNDirections" << query.lastQuery() << query.lastError().text();
+    }
+}
+
+void ObjectDataBase::repairBitPositions(quint8 line)
+{
+    const Transaction transaction(*this);
+    {
+        const TemporaryIndex index(*this, u"DataElements%1 (canid, number, direction)"_s.arg(line));
+        for (const quint8 direction : bothDirections)
+            repairDataElementPositions(line, direction);
+    }
+    const TemporaryIndex index(*this, u"SPNs%1 (pgnnumber, spnnumber, direction)"_s.arg(line));
+    for (const quint8 direction : bothDirections)
+        repairSPNPositions(line, direction);
+}
+
+void ObjectDataBase::repairDataElementPositions(quint8 line, quint8 direction)
+{
+    for (const quint32 canid : getCANIDList(line, direction)) {
+        QList<DataElement> elements;
+        for (const quint32 number : getDataElementList(line, canid, direction)) {
+            DataElement element;
+            if (getDataElement(line, canid, direction, number, element))
+                elements.append(element);
+        }
+        // A message whose positions have been set by somebody keeps them.
+        if (elements.size() < 2 || elements.at(0).bitposition != 0 || elements.at(1).bitposition != 0)
+            continue;
+        placeBehindEachOther(elements);
+        for (const DataElement &element : std::as_const(elements))
+            addDataElement(line, canid, direction, element.spnnumber, element);
+    }
+}
+
+void ObjectDataBase::repairSPNPositions(quint8 line, quint8 direction)
+{
+    cacheSPNs(line);
+    for (const quint32 pgn : getPGNList(line, direction)) {
+        QList<SPN> spns;
+        for (const quint32 number : getSPNList(line, pgn, direction)) {
+            SPN spn;
+            if (getSPN(line, pgn, direction, number, spn))
+                spns.append(spn);
+        }
+        placeBehindEachOther(spns);
+        for (const SPN &spn : std::as_const(spns))
+            addSPN(line, pgn, direction, spn.spnnumber, spn);
+    }
+    clearSPNCache();
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QHash>
+#include <QSqlQuery>
+#include <QString>
+
+#include <memory>
+
+class ObjectDataBase;
+
+/// The table `Strings`: every name, description, device class and denotation of a project once per distinct text.
+///
+/// Rows elsewhere refer to a text by its id. A text with a single quote is the exception to "once": it gets a new row
+/// each time it is interned, and is answered with the id of the first; the spare rows go at the next save.
+class StringPool
+{
+public:
+    explicit StringPool(ObjectDataBase &store)
+        : store_(store)
+    {
+    }
+
+    /// Id of the text, which is added where it is new; -1 if it could not be added.
+    int idOf(const QString &text);
+    /// The text of an id; empty for an unknown one.
+    QString textOf(int id);
+    /// Reads the whole table anew.
+    void reload();
+    void clear();
+
+    /// During its lifetime new texts are added by one prepared statement; at most one at a time.
+    class Batch
+    {
+    public:
+        explicit Batch(StringPool &pool);
+        ~Batch();
+        Q_DISABLE_COPY_MOVE(Batch)
+
+    private:
+        StringPool &pool_;
+    };
+
+private:
+    int insert(const QString &text);
+
+    ObjectDataBase &store_;
+    QHash<int, QString> texts_;
+    QHash<QString, int> ids_;         ///< interned during this session: by the text with its quotes doubled
+    QHash<QString, int> firstQuoted_; ///< first row of each text that holds a quote
+    std::unique_ptr<QSqlQuery> batchInsert_;
+};
