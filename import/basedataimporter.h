@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QThread>
+
+#include <atomic>
+#include <memory>
+
+class ObjectDataBase;
+
+/// Base of all importers: brings a foreign file into one line of a project, on a thread of its own.
+///
+/// To be called in this order: `setIndexRange`, `setLine`, `setDatabase`, `setFile`, `startImport`, `waitForEnd`. An
+/// import adds to the line and overwrites what is there; it never removes anything. What is wrong in a file yields
+/// fewer objects, not an error.
+class BaseDataImporter : public QObject
+{
+    Q_OBJECT
+
+public:
+    BaseDataImporter();
+    /// Waits for an import under way.
+    ~BaseDataImporter() override;
+    Q_DISABLE_COPY_MOVE(BaseDataImporter)
+
+    /// Why the last import failed; empty in all importers so far.
+    virtual QString lastErrorText() const = 0;
+
+public Q_SLOTS:
+    /// The import itself. It ends with `finish`.
+    virtual void doImport() = 0;
+
+public:
+    bool setLine(quint8 line);
+    /// False for null.
+    bool setDatabase(const std::shared_ptr<ObjectDataBase> &store);
+    /// False, with no file set, unless the path is that of a readable file.
+    bool setFile(const QString &path);
+    /// Objects outside the range, both ends included, are skipped.
+    bool setIndexRange(quint32 first, quint32 last);
+    /// Starts `doImport` on the importer's thread; false if an import is under way.
+    bool startImport();
+    /// Waits, without a limit, for the end of what `startImport` began.
+    void waitForEnd();
+
+Q_SIGNALS:
+    void progress(int percentage);
+    void importError(quint8 line, quint16 index, const QString &errorString);
+
+protected:
+    /// Ends a run: not running any more, the thread's loop left, 100 per cent.
+    void finish();
+    bool isInRange(quint32 index) const { return index >= firstIndex_ && index <= lastIndex_; }
+
+    quint8 line_ = 0;
+    std::atomic<bool> running_ = false;
+    std::shared_ptr<ObjectDataBase> store_;
+    std::shared_ptr<QThread> thread_;
+    QString filePath_;
+    quint32 firstIndex_ = 0x1000;
+    quint32 lastIndex_ = 0xBFFF;
+};

@@ -1,0 +1,248 @@
+#include "import/edsimporter.h"
+
+#include "import/pdoobjects.h"
+#include "nodedict/canopenindex.h"
+#include "nodedict/canopensubindex.h"
+#include "nodedict/edsparser.h"
+#include "nodedict/edsvalue.h"
+#include "store/objectdatabase.h"
+
+#include <QStringList>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using SubRecord = ObjectDataBase::SUBINDEX_DATA_T;
+
+struct DescriptionKey
+{
+    QLatin1StringView section;
+    QLatin1StringView key;
+};
+
+/// What a line keeps of a description, under the same keys. `Dummy004` is spelled so on both sides, which leaves the
+/// line's own `Dummy0004` alone.
+constexpr DescriptionKey descriptionKeys[] = {
+    {"FileInfo"_L1, "FileVersion"_L1},    {"FileInfo"_L1, "FileRevision"_L1},    {"FileInfo"_L1, "CreatedBy"_L1},
+    {"FileInfo"_L1, "ModifiedBy"_L1},     {"DummyUsage"_L1, "Dummy0001"_L1},     {"DummyUsage"_L1, "Dummy0002"_L1},
+    {"DummyUsage"_L1, "Dummy0003"_L1},    {"DummyUsage"_L1, "Dummy004"_L1},      {"DummyUsage"_L1, "Dummy0005"_L1},
+    {"DummyUsage"_L1, "Dummy0006"_L1},    {"DummyUsage"_L1, "Dummy0007"_L1},     {"DeviceInfo"_L1, "VendorName"_L1},
+    {"DeviceInfo"_L1, "ProductName"_L1},  {"DeviceInfo"_L1, "OrderCode"_L1},     {"DeviceInfo"_L1, "LSS_Supported"_L1},
+    {"DeviceInfo"_L1, "BaudRate_10"_L1},  {"DeviceInfo"_L1, "BaudRate_20"_L1},   {"DeviceInfo"_L1, "BaudRate_50"_L1},
+    {"DeviceInfo"_L1, "BaudRate_125"_L1}, {"DeviceInfo"_L1, "BaudRate_250"_L1},  {"DeviceInfo"_L1, "BaudRate_500"_L1},
+    {"DeviceInfo"_L1, "BaudRate_800"_L1}, {"DeviceInfo"_L1, "BaudRate_1000"_L1}, {"DeviceInfo"_L1, "NrOfRXPDO"_L1},
+    {"DeviceInfo"_L1, "NrOfTXPDO"_L1},
+};
+
+QString pdoCountKey(PDOObjects::Direction direction)
+{
+    return direction == PDOObjects::Receive ? u"NrOfRXPDO"_s : u"NrOfTXPDO"_s;
+}
+
+/// The stack knows no storage of its own for a domain: the application has to name a variable.
+void nameDomainVariable(SubRecord &record, quint16 index, quint8 subindex)
+{
+    if (record.datatype != CAN::Domain)
+        return;
+    record.implementation = 2;
+    record.varname = u"v_%1%2"_s.arg(QString::number(index), QString::number(subindex));
+}
+
+/// A read-only object goes out in a PDO only, a write-only one comes in only.
+PDOMapping pdoMappingOf(const CANopenSubindex &sub)
+{
+    if (!sub.pdomapping)
+        return PDOMapping::Forbidden;
+    if (sub.accesstype == "ro"_L1 || sub.accesstype == "rwr"_L1)
+        return PDOMapping(3U);
+    if (sub.accesstype == "wo"_L1 || sub.accesstype == "rww"_L1)
+        return PDOMapping(4U);
+    return PDOMapping::Allowed;
+}
+
+/// What compact and other sub-objects have in common.
+SubRecord recordOf(const CANopenSubindex &sub)
+{
+    SubRecord record;
+    record.name = sub.name;
+    record.datatype = static_cast<quint16>(sub.datatype);
+    record.accesstype = sub.accesstype;
+    record.defaultvalue = sub.defaultvalue.toString();
+    record.currentvalue = sub.parametervalue;
+    record.dcfcomponent = !sub.parametervalue.isEmpty();
+    record.denotation = sub.denotation;
+    record.writedefaulttoeds = sub.writedefaulttoeds;
+    record.refuseread = sub.refuseread;
+    record.refusewrite = sub.refusewrite;
+    if (sub.haslimits) {
+        record.lowlimit = sub.lowlimit;
+        record.uplimit = sub.highlimit;
+        record.limitineds = true;
+    }
+    nameDomainVariable(record, static_cast<quint16>(sub.index), sub.subindex);
+    return record;
+}
+
+/// The form in which a record goes to the store, whose statements hold most of its texts as they stand: single quotes
+/// are doubled but where the store does that itself.
+SubRecord withQuotesDoubled(SubRecord record)
+{
+    if (record.datatype != CAN::VisibleString) {
+        ObjectDataBase::escapeQuotes(record.defaultvalue);
+        ObjectDataBase::escapeQuotes(record.currentvalue);
+    }
+    ObjectDataBase::escapeQuotes(record.lowlimit);
+    ObjectDataBase::escapeQuotes(record.uplimit);
+    return record;
+}
+
+} // namespace
+
+EDSImporter::EDSImporter() = default;
+
+EDSImporter::~EDSImporter()
+{
+    // Before the members that a run still under way would be using.
+    waitForEnd();
+}
+
+void EDSImporter::doImport()
+{
+    running_ = true;
+    if (store_ && !filePath_.isEmpty()) {
+        store_->setBlocked(false);
+        store_->closeGate();
+        importFile();
+        store_->openGate();
+    }
+    finish();
+}
+
+void EDSImporter::importFile()
+{
+    const ObjectDataBase::Transaction transaction(*store_);
+    entries_.clear();
+    arrays_.clear();
+    existing_.reset();
+    for (const quint16 index : store_->getIndexList(line_, 0, 0xffff))
+        existing_.set(index);
+
+    parser_ = std::make_shared<EdsParser>();
+    connect(parser_.get(), &EdsParser::newIndex, this, &EDSImporter::newIndex);
+    connect(parser_.get(), &EdsParser::newSubIndex, this, &EDSImporter::newSubIndex);
+    // A file that cannot be read says nothing, not even that the settings of its description are empty.
+    if (parser_->LoadEds(filePath_)) {
+        Q_EMIT progress(40);
+        store_->addSubIndices(entries_);
+        Q_EMIT progress(80);
+        importDescription();
+        importComments();
+    }
+    entries_.clear();
+    arrays_.clear();
+    parser_.reset();
+}
+
+void EDSImporter::newIndex(const CANopen::CANopenIndex &index)
+{
+    if (!isInRange(index.index) || index.index > 0xffff)
+        return;
+    const auto key = static_cast<quint16>(index.index);
+    ObjectDataBase::INDEX_DATA_T record;
+    record.name = index.name;
+    record.datatype = index.datatype;
+    record.objecttype = index.objecttype;
+    record.description = index.description;
+    record.category = index.category;
+    store_->addIndex(line_, key, record);
+    existing_.set(key);
+    if (index.objecttype != CANopen::Array)
+        return;
+    arrays_.insert(key, record);
+    if (index.compactcount > 0)
+        addCompactSubs(index);
+}
+
+/// Adds the sub-objects of a compact ARRAY at once: where one of them has a section of its own, too, that one comes
+/// with the batch later and stays.
+void EDSImporter::addCompactSubs(const CANopen::CANopenIndex &object)
+{
+    const auto index = static_cast<quint16>(object.index);
+    const QMap<QString, QString> names = parser_->getCompactSubObjNames(object.index);
+    const QMap<QString, QString> values = parser_->getCompactSubObjValues(object.index);
+    const QMap<QString, QString> denotations = parser_->getCompactSubObjDenotations(object.index);
+    for (quint32 i = 0; i <= object.compactcount; ++i) {
+        const auto subindex = static_cast<quint8>(i);
+        const QString number = QString::number(i);
+        CANopenSubindex sub = object.compactSub(subindex);
+        if (i > 0 && names.contains(number))
+            sub.name = names.value(number);
+        sub.parametervalue = values.value(number);
+        sub.denotation = denotations.value(number);
+        SubRecord record = recordOf(sub);
+        record.pdomapping = sub.pdomapping ? PDOMapping::Allowed : PDOMapping::Forbidden;
+        store_->addSubIndex(line_, index, subindex, withQuotesDoubled(record));
+    }
+}
+
+void EDSImporter::newSubIndex(const CANopenSubindex &sub)
+{
+    // A sub-object needs an object, of this file or of the line.
+    if (!isInRange(sub.index) || sub.index > 0xffff || !existing_.test(sub.index))
+        return;
+    const auto index = static_cast<quint16>(sub.index);
+    SubRecord record = recordOf(sub);
+    if (useParameterValues_ && !sub.parametervalue.isEmpty())
+        record.defaultvalue = sub.parametervalue;
+    record.pdomapping = pdoMappingOf(sub);
+    if (!sub.haslimits) {
+        const COHelper::Limits limits = COHelper::getDefaultLimits(sub.datatype);
+        record.lowlimit = limits.low;
+        record.uplimit = limits.high;
+    }
+    if (sub.subindex == 1)
+        setArrayType(index, record.datatype);
+    entries_.append({line_, index, sub.subindex, withQuotesDoubled(record)});
+}
+
+/// An ARRAY has the data type of its first element.
+void EDSImporter::setArrayType(quint16 index, quint16 dataType)
+{
+    const auto array = arrays_.find(index);
+    if (array != arrays_.end() && array->datatype != dataType) {
+        array->datatype = dataType;
+        store_->addIndex(line_, index, *array);
+    }
+}
+
+void EDSImporter::importDescription()
+{
+    store_->setCurrentLine(line_);
+    for (const auto &[section, key] : descriptionKeys)
+        store_->setDescriptionSetting(key, parser_->sectionValue(section, key));
+    store_->setDescriptionSetting(u"Comment"_s, parser_->commentText());
+    for (const PDOObjects::Direction direction : {PDOObjects::Receive, PDOObjects::Transmit}) {
+        const QString count = parser_->sectionValue("DeviceInfo"_L1, pdoCountKey(direction));
+        PDOObjects::addMissing(*store_, line_, direction, EdsValue::number(count).value_or(0));
+    }
+}
+
+void EDSImporter::importComments()
+{
+    for (const EdsSections::Comment &comment : parser_->comments()) {
+        if (!comment.subindex) {
+            ObjectDataBase::INDEX_DATA_T object;
+            if (store_->getIndex(line_, comment.index, object)) {
+                object.description = comment.text;
+                store_->addIndex(line_, comment.index, object);
+            }
+        }
+        const quint8 subindex = comment.subindex.value_or(0);
+        SubRecord sub;
+        if (store_->getSubIndex(line_, comment.index, subindex, sub)) {
+            sub.description = comment.text;
+            store_->addSubIndex(line_, comment.index, subindex, withQuotesDoubled(sub));
+        }
+    }
+}
