@@ -1,0 +1,103 @@
+#include "check/modelchecker.h"
+
+#include "store/objectdatabase.h"
+#include "store/usersettings.h"
+
+#include <QVariant>
+
+#include <numeric>
+
+using namespace Qt::StringLiterals;
+
+ModelChecker::ModelChecker(const CheckRules &rules, QObject *parent)
+    : QObject(parent)
+    , rules_(rules)
+{
+}
+
+ModelChecker::~ModelChecker() = default;
+
+qint32 ModelChecker::checkCommon(const std::shared_ptr<ObjectDataBase> &store, const QString &outputFolder)
+{
+    outputFolder_ = outputFolder;
+    return walk(rules_.common, store, {});
+}
+
+qint32 ModelChecker::checkCANopenLine(quint8 line, const std::shared_ptr<ObjectDataBase> &store, bool &corrected)
+{
+    corrected_ = false;
+    const qint32 errors = walk(rules_.canOpen, store, line);
+    corrected |= corrected_;
+    return errors;
+}
+
+qint32 ModelChecker::checkJ1939Line(int lineCount, quint8 line, const std::shared_ptr<ObjectDataBase> &store,
+                                    const QList<quint32> &specialPGNs)
+{
+    lineCount_ = lineCount;
+    specialPGNs_ = specialPGNs;
+    return walk(rules_.j1939, store, line);
+}
+
+qint32 ModelChecker::checkRawCANLine(quint8 line, const std::shared_ptr<ObjectDataBase> &store)
+{
+    return walk(rules_.rawCan, store, line);
+}
+
+qint32 ModelChecker::walk(std::span<const CheckRule> rules, const std::shared_ptr<ObjectDataBase> &store,
+                          std::optional<quint8> line)
+{
+    database_ = store;
+    line_ = line ? std::make_unique<CheckedLine>(*store, *line) : nullptr;
+    errorCount_ = 0;
+    autoCorrectionDisabled_ = QVariant(UserSettings::value(u"General"_s, u"disableautocorrection"_s)).toBool();
+    suppressedGroups_ = parseWarningGroups(store->getMiscSetting(u"SuppressedWarningGroups"_s));
+    for (const CheckRule &rule : rules)
+        rule.each(*this, [this, &rule](const CheckSubject &subject) { rule.find(*this, subject); });
+    return errorCount_;
+}
+
+void ModelChecker::reportError(const QString &text)
+{
+    ++errorCount_;
+    Q_EMIT newError(text);
+}
+
+void ModelChecker::reportWarning(WarningGroup group, const QString &text)
+{
+    if (suppressedGroups_.contains(group))
+        ++suppressedCounts_[group];
+    else
+        Q_EMIT newError(text);
+}
+
+void ModelChecker::reportHint(WarningGroup group, const QString &text)
+{
+    if (!suppressedGroups_.contains(group))
+        Q_EMIT newError(text);
+}
+
+void ModelChecker::reportInfo(const QString &text)
+{
+    Q_EMIT newError(text);
+}
+
+void ModelChecker::correct(quint16 index, quint8 subindex, const StoreRecords::SubIndexData &data, const QString &text)
+{
+    database_->addSubIndex(line_->number(), index, subindex, data);
+    line_->replace(index, subindex, data);
+    Q_EMIT newError(text);
+}
+
+QString ModelChecker::suppressedSummary() const
+{
+    const int sum = std::accumulate(suppressedCounts_.begin(), suppressedCounts_.end(), 0);
+    if (sum == 0)
+        return {};
+    QStringList lines{u"<strong>Note: </strong>%1 warning(s) suppressed by the project settings:"_s.arg(sum)};
+    for (const WarningGroupInfo &group : warningGroups()) {
+        if (const int count = suppressedCounts_.value(group.id); count > 0)
+            lines.append(u"&nbsp;&nbsp;%1 (%2): %3"_s.arg(group.title, group.key).arg(count));
+    }
+    return lines.join(u'\n');
+}
