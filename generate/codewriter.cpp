@@ -1,0 +1,64 @@
+#include "generate/codewriter.h"
+
+#include <QList>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+void CodeWriter::operator()(QStringView text, std::initializer_list<Hole> holes)
+{
+    quint64 used = 0;
+    if (text.startsWith(u'\n')) {
+        writeBlock(text.sliced(1), holes, used);
+    } else {
+        writeFilled(text, holes, used);
+        stream_ << '\n';
+    }
+    Q_ASSERT_X(used == (quint64{1} << holes.size()) - 1, "CodeWriter", "a value without a hole");
+}
+
+void CodeWriter::writeBlock(QStringView text, std::initializer_list<Hole> holes, quint64 &used)
+{
+    const qsizetype lastBreak = text.lastIndexOf(u'\n');
+    Q_ASSERT_X(lastBreak >= 0, "CodeWriter", "a block has at least one line");
+    const QStringView margin = text.sliced(lastBreak + 1);
+    Q_ASSERT_X(margin.trimmed().isEmpty(), "CodeWriter", "a block ends with its margin");
+    for (const QStringView line : text.first(lastBreak).split(u'\n')) {
+        Q_ASSERT_X(line.isEmpty() || line.startsWith(margin), "CodeWriter", "a line begins inside the margin");
+        writeFilled(line.sliced(std::min(line.size(), margin.size())), holes, used);
+        stream_ << '\n';
+    }
+}
+
+void CodeWriter::writeFilled(QStringView text, std::initializer_list<Hole> holes, quint64 &used)
+{
+    for (;;) {
+        const qsizetype start = text.indexOf("${"_L1);
+        const qsizetype end = start < 0 ? -1 : text.indexOf(u'}', start);
+        if (end < 0)
+            break;
+        const QStringView name = text.sliced(start + 2, end - start - 2);
+        const auto hole = std::ranges::find_if(holes, [name](const Hole &candidate) {
+            return name == QLatin1StringView(candidate.name.data(), static_cast<qsizetype>(candidate.name.size()));
+        });
+        Q_ASSERT_X(hole != holes.end(), "CodeWriter", "a hole without a value");
+        stream_ << text.first(start);
+        if (hole != holes.end()) {
+            stream_ << hole->value;
+            used |= quint64{1} << (hole - holes.begin());
+        }
+        text = text.sliced(end + 1);
+    }
+    stream_ << text;
+}
+
+QString Code::hex(quint64 value, int digits)
+{
+    return u"%1"_s.arg(value, digits, 16, '0'_L1);
+}
+
+QString Code::dec(quint64 value)
+{
+    return QString::number(value);
+}
