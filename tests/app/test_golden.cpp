@@ -1,0 +1,172 @@
+#include "support/processrunner.h"
+#include "support/testhome.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QSet>
+
+using namespace Qt::StringLiterals;
+using namespace TestSupport;
+
+// A case is a folder under tests/data/golden/ or examples/. It holds one project (.ncxt), whatever that needs, and
+// perhaps
+//   args        further arguments, one a line
+//   console.txt what the run says after its banner, with ${FOLDER} for its folder
+//   expected/   the files that the run writes, and nothing else
+// NCX_ACCEPT=1 in the environment takes the output of this build as expected, to be read as a difference.
+
+namespace {
+
+QStringList cases()
+{
+    QStringList folders;
+    for (const QString &root : {u"/tests/data/golden"_s, u"/examples"_s}) {
+        const QDir parent(QStringLiteral(NCX_SOURCE_DIR) + root);
+        for (const QString &name : parent.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
+            folders.append(parent.filePath(name));
+    }
+    return folders;
+}
+
+QSet<QString> filesIn(const QString &folder)
+{
+    QSet<QString> files;
+    QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        files.insert(QDir(folder).relativeFilePath(it.next()));
+    return files;
+}
+
+class Golden
+{
+public:
+    explicit Golden(const QString &folder)
+        : folder_(folder)
+        , expected_(folder + u"/expected"_s)
+        , scratch_(QDir::tempPath() + u"/ncx-golden-"_s + QFileInfo(folder).fileName() + u"-XXXXXX"_s)
+    {
+        scratch_.setAutoRemove(false);
+    }
+
+    void check()
+    {
+        const int failuresBefore = failures();
+        copyInput();
+        const ProcessResult result = runProgram();
+        EXPECT_EQ(result.exitCode, 0) << qPrintable(result.output);
+        EXPECT_EQ(result.errors, QString());
+        takeErrorLog(result);
+        const QString console = result.output.section(u'\n', 1).replace(scratch_.path(), u"${FOLDER}"_s);
+        if (qEnvironmentVariableIntValue("NCX_ACCEPT") == 1)
+            accept(console);
+        compareFiles();
+        if (QFile::exists(folder_ + u"/console.txt"_s)) {
+            EXPECT_EQ(console, QString::fromUtf8(readFile(folder_ + u"/console.txt"_s)));
+        }
+        compileHeaders();
+        if (failures() > failuresBefore)
+            GTEST_LOG_(ERROR) << "output kept in " << qPrintable(scratch_.path());
+        else
+            scratch_.remove();
+    }
+
+private:
+    static int failures()
+    {
+        return testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
+    }
+
+    void copyInput()
+    {
+        for (const QString &name : QDir(folder_).entryList(QDir::Files | QDir::Hidden)) {
+            QFile::copy(folder_ + u'/' + name, scratch_.filePath(name));
+            input_.insert(name);
+        }
+    }
+
+    ProcessResult runProgram()
+    {
+        const QStringList projects = QDir(scratch_.path()).entryList({u"*.ncxt"_s});
+        EXPECT_EQ(projects.size(), 1) << "a case holds one project";
+        QStringList arguments{u"-project"_s, scratch_.filePath(projects.value(0))};
+        arguments += QString::fromUtf8(readFile(folder_ + u"/args"_s)).split(u'\n', Qt::SkipEmptyParts);
+        return ProcessRunner(u"ncx_cli"_s)
+            .arguments(arguments)
+            .workingFolder(scratch_.path())
+            .environment(u"SOURCE_DATE_EPOCH"_s, u"1794733920"_s)
+            .run();
+    }
+
+    /// The log holds the banner and the folder, so it is held against the console instead.
+    void takeErrorLog(const ProcessResult &result)
+    {
+        QFile log(scratch_.filePath(u"__ncxerrorlog.txt.bak"_s));
+        EXPECT_TRUE(result.output.toUtf8().startsWith(readFile(log.fileName())));
+        EXPECT_TRUE(log.remove());
+    }
+
+    QSet<QString> output() const { return filesIn(scratch_.path()) - input_; }
+
+    void accept(const QString &console)
+    {
+        QDir(expected_).removeRecursively();
+        for (const QString &name : output()) {
+            QDir().mkpath(QFileInfo(expected_ + u'/' + name).path());
+            QFile::copy(scratch_.filePath(name), expected_ + u'/' + name);
+        }
+        if (QFile::exists(folder_ + u"/console.txt"_s))
+            writeFile(folder_ + u"/console.txt"_s, console.toUtf8());
+    }
+
+    void compareFiles()
+    {
+        QStringList names = output().values();
+        QStringList expectedNames = filesIn(expected_).values();
+        names.sort();
+        expectedNames.sort();
+        EXPECT_EQ(names, expectedNames);
+        for (const QString &name : names) {
+            if (!expectedNames.contains(name))
+                continue;
+            // Compared line by line, so that a failure shows the lines and not the files.
+            const auto lines = readFile(scratch_.filePath(name)).split('\n');
+            const auto expectedLines = readFile(expected_ + u'/' + name).split('\n');
+            for (qsizetype i = 0; i < std::min(lines.size(), expectedLines.size()); ++i)
+                ASSERT_EQ(lines.at(i), expectedLines.at(i)) << qPrintable(name) << ":" << i + 1;
+            EXPECT_EQ(lines.size(), expectedLines.size()) << qPrintable(name);
+        }
+    }
+
+    void compileHeaders()
+    {
+        const QString header = scratch_.filePath(u"gen_indices.h"_s);
+        if (!QFile::exists(header))
+            return;
+        const ProcessResult result = ProcessRunner(u"/usr/bin/env"_s)
+                                         .arguments({u"cc"_s, u"-std=c99"_s, u"-Wall"_s, u"-Wextra"_s, u"-Werror"_s,
+                                                     u"-x"_s, u"c"_s, u"-fsyntax-only"_s, header})
+                                         .run();
+        EXPECT_EQ(result.exitCode, 0) << qPrintable(result.errors);
+    }
+
+    QString folder_;
+    QString expected_;
+    QTemporaryDir scratch_;
+    QSet<QString> input_;
+};
+
+TEST(Goldens, GenerateAsExpected)
+{
+    const QStringList folders = cases();
+    EXPECT_FALSE(folders.isEmpty());
+    for (const QString &folder : folders) {
+        SCOPED_TRACE(qPrintable(folder));
+        Golden(folder).check();
+    }
+}
+
+} // namespace

@@ -1,0 +1,136 @@
+#include "check/modelchecker.h"
+#include "check/specialpgns.h"
+#include "support/projectbuilder.h"
+#include "support/testhome.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using TestSupport::ProjectBuilder;
+
+namespace {
+
+/// Runs one rule as a CANopen rule and returns what it reported.
+QStringList reported(const ProjectBuilder &project, const CheckRule &rule, qint32 *errors = nullptr,
+                     bool *corrected = nullptr)
+{
+    const CheckRules rules{.common = {}, .canOpen = {&rule, 1}, .j1939 = {}, .rawCan = {}};
+    ModelChecker checker(rules);
+    QStringList texts;
+    QObject::connect(&checker, &ModelChecker::newError, [&texts](const QString &text) { texts.append(text); });
+    bool flag = false;
+    const qint32 count = checker.checkCANopenLine(0, project.store(), flag);
+    if (errors)
+        *errors = count;
+    if (corrected)
+        *corrected = flag;
+    return texts;
+}
+
+/// Names whatever its subject holds.
+void describe(ModelChecker &checker, const CheckSubject &subject)
+{
+    QStringList parts;
+    if (subject.object)
+        parts.append(subject.object->data.name);
+    if (subject.sub)
+        parts.append(subject.sub->data.name);
+    if (subject.pgn)
+        parts.append(subject.pgn->data.name);
+    if (subject.spn)
+        parts.append(subject.spn->name);
+    if (subject.canId)
+        parts.append(subject.canId->data.name);
+    if (subject.signal)
+        parts.append(subject.signal->name);
+    checker.reportInfo(parts.join(u'.'));
+}
+
+TEST(CheckRules, LoopsGoThroughTheLineInOrder)
+{
+    ProjectBuilder project;
+    project.object(0x1801, u"B"_s).sub(0, u"b0"_s).sub(2, u"b2"_s).object(0x1400, u"A"_s).sub(1, u"a1"_s);
+    project.pgn(5, ObjectDataBase::transmit, u"P"_s)
+        .spn(9, u"p9"_s)
+        .spn(1, u"p1"_s)
+        .pgn(6, ObjectDataBase::receive, u"Q"_s);
+    project.canId(7, ObjectDataBase::transmit, u"C"_s).element(1, u"c1"_s).element(0, u"c0"_s);
+    const std::pair<CheckRule::Loop, QString> rows[] = {
+        {onceForCheck, u""_s},
+        {eachObject, u"A B"_s},
+        {eachObjectOf<0x1800, 0x19FF>, u"B"_s},
+        {eachSubindex, u"A.a1 B.b0 B.b2"_s},
+        {eachPGN, u"Q P"_s},
+        {eachSPN, u"P.p9 P.p1"_s},
+        {eachCanId, u"C"_s},
+        {eachSignal, u"C.c0 C.c1"_s},
+    };
+    for (const auto &[loop, expected] : rows)
+        EXPECT_EQ(reported(project, {describe, loop}).join(u' '), expected);
+}
+
+TEST(ModelChecker, CountsErrorsAnewAndSuppressedWarningsOverAllLines)
+{
+    const CheckRule rule{[](ModelChecker &checker, const CheckSubject &) {
+                             checker.reportError(u"error"_s);
+                             checker.reportWarning(WG_NAMING, u"naming"_s);
+                             checker.reportWarning(WG_LAYOUT, u"layout"_s);
+                             checker.reportHint(WG_NAMING, u"naming hint"_s);
+                             checker.reportHint(WG_CONFIG, u"config hint"_s);
+                         },
+                         onceForCheck};
+    const CheckRules rules{.common = {}, .canOpen = {}, .j1939 = {&rule, 1}, .rawCan = {&rule, 1}};
+    ProjectBuilder project;
+    project.misc(u"SuppressedWarningGroups"_s, u"wg_layout, nonsense ,WG_NAMING"_s);
+    ModelChecker checker(rules);
+    QStringList texts;
+    QObject::connect(&checker, &ModelChecker::newError, [&texts](const QString &text) { texts.append(text); });
+    EXPECT_EQ(checker.checkJ1939Line(1, 0, project.store(), {}), 1);
+    EXPECT_EQ(checker.checkRawCANLine(0, project.store()), 1);
+    EXPECT_EQ(texts, (QStringList{u"error"_s, u"config hint"_s, u"error"_s, u"config hint"_s}));
+    EXPECT_EQ(checker.suppressedSummary(), u"<strong>Note: </strong>4 warning(s) suppressed by the project settings:\n"
+                                           "&nbsp;&nbsp;Names and identifiers (WG_NAMING): 2\n"
+                                           "&nbsp;&nbsp;Mapping and signal layout (WG_LAYOUT): 2"_s);
+    EXPECT_EQ(ModelChecker().suppressedSummary(), QString());
+}
+
+TEST(ModelChecker, CorrectionsReachTheStoreAndTheRulesBehindThem)
+{
+    ProjectBuilder project;
+    project.object(0x1A00, u"Mapping"_s).sub(0, u"Number"_s);
+    const CheckRule rules[] = {
+        {[](ModelChecker &checker, const CheckSubject &subject) {
+             StoreRecords::SubIndexData data = subject.object->sub(0)->data;
+             data.defaultvalue = u"3"_s;
+             checker.correct(subject.object->index, 0, data, u"<i>Corrected"_s);
+             checker.noteCorrection();
+         },
+         eachObject},
+        {[](ModelChecker &checker, const CheckSubject &subject) { checker.reportInfo(subject.sub->data.defaultvalue); },
+         eachSubindex},
+    };
+    ModelChecker checker({.common = {}, .canOpen = rules, .j1939 = {}, .rawCan = {}});
+    QStringList texts;
+    QObject::connect(&checker, &ModelChecker::newError, [&texts](const QString &text) { texts.append(text); });
+    bool corrected = false;
+    EXPECT_EQ(checker.checkCANopenLine(0, project.store(), corrected), 0);
+    EXPECT_TRUE(corrected);
+    EXPECT_EQ(texts, (QStringList{u"<i>Corrected"_s, u"3"_s}));
+    EXPECT_EQ(project.store()->getSubIndexDefaultValue(0, 0x1A00, 0), u"3");
+}
+
+TEST(SpecialPGNs, FollowTheDiagnosticMessagesThatAreOn)
+{
+    ProjectBuilder project;
+    EXPECT_EQ(specialPGNs(*project.store()).size(), 9);
+    const QMap<int, quint32> pgns{{1, 65226},  {6, 65231},  {8, 65232},  {12, 65236}, {17, 54784},
+                                  {19, 54016}, {21, 49408}, {26, 64952}, {31, 41728}, {35, 40704},
+                                  {36, 64868}, {52, 64852}, {55, 64723}, {57, 64710}};
+    for (auto it = pgns.cbegin(); it != pgns.cend(); ++it)
+        project.j1939((it.key() % 2 ? u"diagsupport_dm%1"_s : u"diagsupport_dmtool%1"_s).arg(it.key()), u"1"_s);
+    project.j1939(u"diagsupport_dm9"_s, u"1"_s).j1939(u"diagsupport_dm2"_s, u"0"_s);
+    QList<quint32> list = specialPGNs(*project.store()).mid(9);
+    EXPECT_EQ(list, pgns.values());
+}
+
+} // namespace

@@ -1,0 +1,22 @@
+-- Version 104: two lines of raw CAN without bit positions, types 10, 120 and 121 take their width from bitsize.
+create table Strings (id integer primary key, string text);
+create table Nodes (nodeId integer primary key, name text, edspath text, xddpath text);
+create table GeneralSettings (item text unique, value text);
+create table DescriptionSettings (item text unique, value text);
+create table MiscSettings (item text unique, value text);
+create table Objects0 (objectindex integer primary key, name integer, datatype integer not null, objecttype integer not null, description integer, category integer);
+create table SubObjects0 (objectindex integer not null, subindex integer not null, name integer, datatype integer not null, accesstype text not null, defaultvalue text, currentvalue text, pdomapping integer, lowlimit text, uplimit text, size integer, defaultineds integer, limitineds integer, refuseread integer, refusewrite integer, allowedaccesstypes text, implementation integer not null, varname text, description integer, category integer, UNIQUE(objectindex,subindex));
+create table CANIDs0 (id integer not null, cycletime_ms integer, inhibittime_ms integer, mappingcount integer, direction integer, name integer, desc integer);
+create table DataElements0 (canid integer not null, number integer not null, datatype integer, implementation integer, varname text, defaultvalue text, name integer, desc integer, pos integer, bitsize integer, direction integer);
+create table UDSSettings0 (sid integer not null, active integer, sessions text, userlevels text, UNIQUE(sid));
+insert into Strings values(1, 'Lamp');
+insert into Strings values(2, '');
+insert into Nodes values(0, 'can0', '', '');
+insert into GeneralSettings values('line0type', '4');
+insert into MiscSettings values('DatabaseVersion', '104');
+insert into MiscSettings values('SaveToolType', 'CANopen NodeComposer');
+insert into CANIDs0 values(291, 100, 0, 3, 119, 1, 2);
+insert into DataElements0 values(291, 0, 6, 2, 'x', '0', 1, 2, 0, 16, 119);
+insert into DataElements0 values(291, 1, 10, 2, 'y', '0', 1, 2, 1, 12, 119);
+insert into DataElements0 values(291, 2, 5, 2, 'z', '0', 1, 2, 2, 8, 119);
+insert into UDSSettings0 values(16, 0, '', '');

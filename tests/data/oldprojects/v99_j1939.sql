@@ -1,0 +1,21 @@
+-- Before version 100: SPNs that do not know the direction of their PGN, no bit positions, a stale mapping count.
+create table Strings (id integer primary key, string text);
+create table Nodes (nodeId integer primary key, name text, edspath text, xddpath text);
+create table GeneralSettings (item text unique, value text);
+create table DescriptionSettings (item text unique, value text);
+create table MiscSettings (item text unique, value text);
+create table Objects0 (objectindex integer primary key, name integer, datatype integer not null, objecttype integer not null, description integer, category integer);
+create table SubObjects0 (objectindex integer not null, subindex integer not null, name integer, datatype integer not null, accesstype text not null, defaultvalue text, currentvalue text, pdomapping integer, lowlimit text, uplimit text, size integer, defaultineds integer, limitineds integer, refuseread integer, refusewrite integer, allowedaccesstypes text, implementation integer not null, varname text, description integer, category integer);
+create table PGNs0 (number integer not null, edp_dp_key integer, priority integer, cycletime_ms integer, inhibittime_ms integer, mappingcount integer, direction integer, name integer, desc integer);
+create table SPNs0 (pgnnumber integer not null, spnnumber integer not null, datatype integer, implementation integer, varname text, defaultvalue text, name integer, desc integer, pos integer, bitsize integer, direction integer);
+insert into Strings values(1, 'Engine');
+insert into Strings values(2, '');
+insert into Nodes values(0, 'can0', '', '');
+insert into GeneralSettings values('line0type', '2');
+insert into MiscSettings values('DatabaseVersion', '99');
+insert into MiscSettings values('SaveToolType', 'CANopen NodeComposer');
+insert into PGNs0 values(61444, 0, 3, 10, 0, 7, 85, 1, 2);
+insert into SPNs0 values(61444, 899, 5, 2, 'a', '0', 1, 2, 0, 8, 119);
+insert into SPNs0 values(61444, 190, 6, 2, 'b', '0', 1, 2, 1, 16, 119);
+insert into SPNs0 values(61444, 512, 10, 2, 'c', '0', 1, 2, 2, 24, 119);
+insert into SPNs0 values(61444, 513, 5, 2, 'd', '0', 1, 2, 3, 8, 119);

@@ -1,0 +1,322 @@
+#include "check/modelchecker.h"
+#include "generate/filegenerator.h"
+#include "generate/generationrun.h"
+#include "generate/generatormainhandler.h"
+#include "generate/outputhandlerbase.h"
+#include "support/projectbuilder.h"
+#include "support/testhome.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QTextStream>
+
+using namespace Qt::StringLiterals;
+using TestSupport::ProjectBuilder;
+
+namespace {
+
+/// Keeps the messages as they came.
+class Recorder : public OutputHandlerBase
+{
+public:
+    void message(const QVariant &value) override { messages.append(value.toString()); }
+    void forwardMessage(const QVariant &value) override { message("> "_L1 + value.toString()); }
+    QString collectedText() const override { return messages.join(u'\n'); }
+
+    QStringList messages;
+};
+
+/// Writes its name, or fails.
+class NamedGenerator : public FileGenerator
+{
+public:
+    explicit NamedGenerator(const QString &name, bool failing = false)
+        : name_(name)
+        , failing_(failing)
+    {
+    }
+    QString fileName() const override
+    {
+        return isMultiLine() ? u"%1_%2%3.txt"_s.arg(name_).arg(line()).arg(fileSuffix()) : name_ + u".txt"_s;
+    }
+    void write(QTextStream &stream) override
+    {
+        stream << name_;
+        if (failing_)
+            fail(TemplateError, u"Broken template."_s);
+    }
+
+private:
+    QString name_;
+    bool failing_;
+};
+
+template <char name, bool failing = false>
+std::unique_ptr<FileGenerator> make(const RunContext & /*run*/, quint8 /*line*/)
+{
+    return std::make_unique<NamedGenerator>(QString(QLatin1Char(name)), failing);
+}
+
+constexpr auto always = [](const RunContext &) { return true; };
+
+class Run : public testing::Test
+{
+protected:
+    Run()
+        : handler_(&output_)
+    {
+        QObject::connect(&handler_, &GeneratorMainHandler::finished, &handler_,
+                         [this](GeneratorMainHandler::GeneratorResult result) { results_.append(result); });
+        handler_.setRunTable({});
+    }
+
+    QString path(const QString &name) const { return folder_.filePath(name); }
+    bool exists(const QString &name) const { return QFile::exists(path(name)); }
+    void open(ProjectBuilder &project)
+    {
+        ASSERT_TRUE(project.save(path(u"device.v2.ncxp"_s)));
+        ASSERT_TRUE(handler_.openProject(path(u"device.v2.ncxp"_s)));
+    }
+    /// Runs, and returns the messages with the folder's path as "DIR".
+    QStringList generate(bool ignoreCheckErrors = false)
+    {
+        output_.messages.clear();
+        results_.clear();
+        handler_.generate(ignoreCheckErrors);
+        return QStringList(output_.messages).replaceInStrings(folder_.path(), u"DIR"_s);
+    }
+
+    QTemporaryDir folder_;
+    Recorder output_;
+    GeneratorMainHandler handler_;
+    QList<int> results_;
+};
+
+const QStringList checkPassed{u"\nCheck of model consistency started"_s, u"\nCheck of model consistency finished.\n"_s};
+const QStringList endOfRun{u"Generation finished."_s, u"Generation completed."_s};
+
+TEST_F(Run, WalksRowsInOrderAndGroupsLineByLine)
+{
+    ProjectBuilder project;
+    open(project.line(1, 5).line(2, 2).line(3, 3));
+    const RunRow rows[] = {
+        {.applies = [](const RunContext &run) { return run.hasRawCAN; }, .make = make<'x'>},
+        {.applies = always, .lines = RunLines::CANopen, .suffix = "_co", .make = make<'a'>, .started = "A %2 in %1"},
+        {.applies = always,
+         .lines = RunLines::J1939,
+         .lineByLine = true,
+         .suffix = "_j",
+         .make = make<'b'>,
+         .started = "B %2 in %1"},
+        {.applies = always,
+         .lines = RunLines::Every,
+         .lineByLine = true,
+         .make = make<'c'>,
+         .started = "C %2 in %1",
+         .nameInTexts = [](const RunContext &, quint8 line) { return u"line %1"_s.arg(line); }},
+        {.applies = always,
+         .step =
+             [](GenerationRun &run, quint8) {
+                 run.message(QFileInfo(run.filePath(u"s"_s)).path());
+                 return RunFlow::Continue;
+             }},
+    };
+    handler_.setRunTable(rows);
+    QStringList started = generate().filter(QRegularExpression(u"^[ABCD]"_s));
+    EXPECT_EQ(started, (QStringList{u"A a_0.txt in DIR"_s, u"A a_1_co.txt in DIR"_s, u"C line 0 in DIR"_s,
+                                    u"B b_1_j.txt in DIR"_s, u"C line 1 in DIR"_s, u"B b_2.txt in DIR"_s,
+                                    u"C line 2 in DIR"_s, u"C line 3 in DIR"_s, u"DIR"_s}));
+    EXPECT_EQ(results_, QList<int>{GeneratorMainHandler::GenerationDone});
+    EXPECT_TRUE(exists(u"a_1_co.txt"_s) && exists(u"c_3.txt"_s));
+}
+
+TEST_F(Run, GoesOnAfterAFileThatFails)
+{
+    ProjectBuilder project;
+    open(project);
+    TestSupport::writeFile(path(u"b.txt"_s), "former");
+    ASSERT_TRUE(QDir(folder_.path()).mkdir(u"c.txt"_s));
+    const RunRow rows[] = {
+        {.applies = always, .make = make<'b', true>, .started = "B in %1"},
+        {.applies = always, .make = make<'c'>, .started = "C in %1"},
+        {.applies = always, .make = make<'d'>, .started = "D in %1"},
+    };
+    handler_.setRunTable(rows);
+    const QStringList messages = generate();
+    EXPECT_EQ(
+        messages.mid(2, 3),
+        (QStringList{u"B in DIR"_s, u"<b>ERROR - Generation of b.txt failed. Broken template.</b>"_s, u"C in DIR"_s}));
+    EXPECT_TRUE(messages.at(5).startsWith("<b>ERROR - Generation of c.txt failed. "_L1)) << qPrintable(messages.at(5));
+    EXPECT_EQ(messages.mid(6), (QStringList{u"D in DIR"_s, u"Generation of d.txt completed. "_s} + endOfRun));
+    EXPECT_EQ(results_, QList<int>{GeneratorMainHandler::GenerationDone});
+    EXPECT_EQ(TestSupport::readFile(path(u"b.txt"_s)), "former");
+}
+
+TEST_F(Run, EndsAtATemplateFailure)
+{
+    ProjectBuilder project;
+    open(project);
+    const RunRow rows[] = {
+        {.applies = always, .make = make<'a'>, .started = "in %1"},
+        {.applies = always,
+         .make = make<'b', true>,
+         .started = "in %1",
+         .after =
+             [](GenerationRun &run, FileGenerator &generator) {
+                 if (generator.errorCode() != AbstractGenerator::TemplateError)
+                     return RunFlow::Continue;
+                 run.message(generator.errorText());
+                 return RunFlow::EndWithTemplateFailure;
+             }},
+        {.applies = always, .make = make<'c'>, .started = "in %1"},
+    };
+    handler_.setRunTable(rows);
+    EXPECT_EQ(generate().last(), u"Broken template.");
+    EXPECT_EQ(results_, QList<int>{GeneratorMainHandler::TemplateFailure});
+    EXPECT_TRUE(exists(u"a.txt"_s) && !exists(u"b.txt"_s) && !exists(u"c.txt"_s));
+}
+
+TEST_F(Run, StopsAtCheckErrorsUnlessTheyAreIgnored)
+{
+    const CheckRule errors[] = {{[](ModelChecker &checker, const CheckSubject &) {
+                                     checker.reportError(u"<strong>Error: </strong>first"_s);
+                                     checker.reportError(u"second"_s);
+                                     checker.reportWarning(WG_EDS, u"third"_s);
+                                 },
+                                 onceForCheck}};
+    const CheckRules rules{.common = errors, .canOpen = {}, .j1939 = {}, .rawCan = {}};
+    ProjectBuilder project;
+    open(project.misc(u"SuppressedWarningGroups"_s, u" wg_eds"_s).general(u"line0type"_s, u"3"_s));
+    handler_.setCheckRules(rules);
+    const QString note = u"<strong>Note: </strong>1 warning(s) suppressed by the project settings:\n"
+                         "&nbsp;&nbsp;EDS/XDD documentation quality (WG_EDS): 1"_s;
+    const QStringList found{checkPassed.at(0), u"<strong>Error: </strong>first"_s, u"second"_s,
+                            u"Warning line type not set for line 0."_s, note};
+    EXPECT_EQ(generate(), found + QStringList{u"ABORT - Check of model consistency finished: failed (2 errors)"_s});
+    EXPECT_EQ(results_, QList<int>{GeneratorMainHandler::CheckFailed});
+    EXPECT_EQ(TestSupport::readFile(path(u"__ncxerrorlog.txt"_s)), found.join(u'\n').toUtf8());
+    EXPECT_FALSE(exists(u"__ncxerrorlog.txt.bak"_s));
+
+    EXPECT_EQ(generate(true), found + QStringList{checkPassed.at(1)} + endOfRun);
+    EXPECT_FALSE(exists(u"__ncxerrorlog.txt"_s));
+    EXPECT_EQ(TestSupport::readFile(path(u"__ncxerrorlog.txt.bak"_s)), found.join(u'\n').toUtf8());
+
+    QStringList messages{u"old"_s};
+    EXPECT_EQ(handler_.checkModel(messages), 2);
+    EXPECT_EQ(messages, (QStringList{found.at(1), u"second"_s, u"Warning: line type not set for line 0."_s, note}));
+}
+
+TEST_F(Run, ChecksEachLineByItsTypeUnderAHeading)
+{
+    const auto named = [](const char *name) {
+        return [name](ModelChecker &checker, const CheckSubject &) {
+            checker.reportInfo(QString::fromLatin1(name) + QString::number(checker.line().number()));
+            if (*name == 'C')
+                checker.noteCorrection();
+        };
+    };
+    const CheckRule canOpen[] = {{named("C"), onceForCheck}};
+    const CheckRule j1939[] = {{named("J"), onceForCheck}};
+    const CheckRule rawCan[] = {{named("R"), onceForCheck}};
+    const CheckRules rules{.common = {}, .canOpen = canOpen, .j1939 = j1939, .rawCan = rawCan};
+    handler_.setCheckRules(rules);
+    ProjectBuilder project;
+    const QList<int> types{1, 2, 4, 5, 6, 7};
+    for (quint8 line = 0; line < types.size(); ++line)
+        project.line(line, types.at(line));
+    open(project.line(254, 1));
+    int corrections = 0;
+    QObject::connect(&handler_, &GeneratorMainHandler::doneCorrection, &handler_, [&] { ++corrections; });
+    const QStringList messages = generate();
+    EXPECT_EQ(messages.filter(QRegularExpression(u"^[CJR]"_s)).join(u""), u"C0J1R2C3J3C4R4J5R5");
+    EXPECT_EQ(messages.mid(1, 2),
+              (QStringList{u"> "_s, u"> <strong>________________________________________ Checking line 0 "
+                                    "________________________________________</strong>"_s}));
+    EXPECT_EQ(corrections, 1);
+}
+
+TEST_F(Run, RemovesTheAddressClaimOfJ1939LinesOnly)
+{
+    ProjectBuilder project;
+    for (quint8 line = 0; line < 3; ++line) {
+        project.line(line, line == 0 ? 4 : 2 + 3 * (line - 1));
+        project.pgn(60928, ObjectDataBase::transmit, u"Claim"_s).pgn(60928, ObjectDataBase::receive, u"Claim"_s);
+    }
+    open(project);
+    generate();
+    QList<bool> left;
+    for (quint8 line = 0; line < 3; ++line)
+        left << handler_.database()->pgnExists(line, 60928, ObjectDataBase::transmit)
+             << handler_.database()->pgnExists(line, 60928, ObjectDataBase::receive);
+    EXPECT_EQ(left, (QList<bool>{true, true, false, true, false, true}));
+}
+
+TEST_F(Run, RefusesAFolderThatIsNotThere)
+{
+    ProjectBuilder project;
+    open(project);
+    handler_.setOutputFolder(path(u"missing"_s));
+    EXPECT_EQ(generate(), checkPassed + QStringList{u"ABORT - The output folder DIR/missing is not writeable."_s});
+    EXPECT_EQ(results_, QList<int>{GeneratorMainHandler::OutputFolderNotWritable});
+}
+
+TEST_F(Run, LeavesTheNamesOutInBootloaderModeOfOneLine)
+{
+    handler_.setRunTable(runTable());
+    ProjectBuilder project;
+    open(project.general(u"uds_bl_setting"_s, u"1"_s));
+    EXPECT_EQ(generate(), checkPassed + endOfRun);
+    open(project.line(1, 1));
+    EXPECT_TRUE(generate().contains("Generation of gen_indices.h in DIR started"_L1));
+    EXPECT_TRUE(exists(u"gen_indices.h"_s));
+}
+
+TEST_F(Run, OpenForcesItsSettingsAndTakesThePath)
+{
+    ProjectBuilder project;
+    open(project.general(u"use_core_headers"_s, u"old"_s));
+    EXPECT_EQ(handler_.database()->getGeneralSetting(u"use_core_headers"_s), u"V4");
+    EXPECT_EQ(handler_.database()->getGeneralSetting(u"new_init_structure"_s), u"1");
+    EXPECT_EQ(handler_.projectBaseName(), u"device.v2");
+    EXPECT_EQ(handler_.outputFolder(), folder_.path());
+    EXPECT_EQ(handler_.projectPath(), path(u"device.v2.ncxp"_s));
+    EXPECT_FALSE(handler_.openProject(path(u"missing.ncxp"_s)));
+    EXPECT_EQ(handler_.outputFolder(), folder_.path());
+}
+
+TEST_F(Run, TellsOfASaveThatFails)
+{
+    ProjectBuilder project;
+    open(project);
+    handler_.saveProject();
+    EXPECT_EQ(output_.messages, QStringList());
+    ASSERT_TRUE(QDir(folder_.path()).removeRecursively());
+    handler_.saveProject();
+    EXPECT_EQ(output_.messages,
+              QStringList{u"ERROR - The project cannot be written to %1."_s.arg(path(u"device.v2.ncxp"_s))});
+}
+
+TEST(OutputHandler, RemovesMarkupGreedilyUpToAFullStop)
+{
+    struct Row
+    {
+        const char *text;
+        const char *plain;
+    };
+    const Row rows[] = {
+        {"plain", "plain"},
+        {"<b>ERROR - Generation of gen_define.h failed. text</b>", "ERROR - Generation of gen_define.h failed. text"},
+        {"<strong>____ Checking line 1 ____</strong>", ""},
+        {"<strong><font color='red'>Error: </font></strong>Timer not set in Settings -> Hardware/Target.",
+         " Hardware/Target."},
+        {"a < b. c > d", "a < b. c > d"},
+        {"<i>one</i>\n<i>two</i>. <b>x", ". x"},
+    };
+    for (const Row &row : rows)
+        EXPECT_EQ(OutputHandlerBase::withoutMarkup(QString::fromLatin1(row.text)).toStdString(), row.plain);
+}
+
+} // namespace

@@ -1,0 +1,176 @@
+#include "import/edsimporter.h"
+#include "import/importproject.h"
+#include "store/objectdatabase.h"
+#include "support/testhome.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QStringEncoder>
+
+using namespace Qt::StringLiterals;
+using ImportTest::dump;
+using ImportTest::emptyProject;
+using ImportTest::importEds;
+using ImportTest::importText;
+
+namespace {
+
+QDir cases()
+{
+    return QDir(QStringLiteral(NCX_SOURCE_DIR "/tests/data/import"));
+}
+
+} // namespace
+
+// Each description in the folder has beside it the dump of the project that it makes. NCX_ACCEPT=1 writes the dumps.
+TEST(EdsImport, Cases)
+{
+    const QStringList files = cases().entryList({u"*.eds"_s, u"*.dcf"_s}, QDir::Files, QDir::Name);
+    ASSERT_FALSE(files.isEmpty());
+    for (const QString &file : files) {
+        SCOPED_TRACE(file.toStdString());
+        const auto store = emptyProject();
+        ASSERT_TRUE(importEds(store, cases().filePath(file)));
+        const QString expected = cases().filePath(QFileInfo(file).completeBaseName() + ".txt"_L1);
+        const QByteArray made = dump(*store).toUtf8();
+        if (qEnvironmentVariableIsSet("NCX_ACCEPT")) {
+            ASSERT_TRUE(TestSupport::writeFile(expected, made));
+        }
+        EXPECT_EQ(made.toStdString(), TestSupport::readFile(expected).toStdString());
+    }
+}
+
+// The same text in every encoding and with every line ending makes the same project.
+TEST(EdsImport, EncodingsAndLineEndings)
+{
+    const QString text = u"[DeviceInfo]\nProductName=Größe\n[2000]\nParameterName=Höhe °C\nDataType=9\n"
+                         "AccessType=rw\n;;über;;\nDefaultValue=µ, ß\n"_s;
+    const auto reference = emptyProject();
+    ASSERT_TRUE(importText(reference, text.toUtf8()));
+    const QString expected = dump(*reference);
+    ASSERT_TRUE(expected.contains("Höhe °C"_L1) || expected.contains(u"Höhe °C"_s));
+
+    QStringEncoder littleEndian(QStringConverter::Utf16LE, QStringConverter::Flag::WriteBom);
+    QStringEncoder bigEndian(QStringConverter::Utf16BE, QStringConverter::Flag::WriteBom);
+    QStringEncoder unmarked(QStringConverter::Utf16LE);
+    for (const QString &ending : {u"\n"_s, u"\r\n"_s, u"\r"_s, u"\n\n"_s}) {
+        const QString variant = QString(text).replace(u'\n', ending);
+        const QByteArrayList forms = {variant.toUtf8(),   "\xef\xbb\xbf" + variant.toUtf8(),
+                                      variant.toLatin1(), littleEndian(variant),
+                                      bigEndian(variant), unmarked(variant)};
+        for (const QByteArray &form : forms) {
+            const auto store = emptyProject();
+            ASSERT_TRUE(importText(store, form));
+            EXPECT_EQ(dump(*store).toStdString(), expected.toStdString()) << form.left(8).toHex(' ').toStdString();
+            littleEndian.resetState();
+            bigEndian.resetState();
+        }
+    }
+
+    const auto store = emptyProject();
+    ASSERT_TRUE(importText(store, "[2000]\nParameterName=5 \x80 \x96 \x9c\nDataType=7\n"));
+    EXPECT_EQ(store->getIndexName(0, 0x2000), u"5 € – œ"_s);
+}
+
+TEST(EdsImport, AddsToTheLineAndOverwrites)
+{
+    const auto store = emptyProject();
+    ASSERT_TRUE(store->addNode(1, {}));
+    store->setCurrentLine(0);
+    ASSERT_TRUE(importText(store,
+                           "[DeviceInfo]\nVendorName=First\nNrOfTXPDO=1\n[2000]\nParameterName=Old\n"
+                           "ObjectType=9\n[2000sub0]\nDataType=5\n[2000sub1]\nDataType=7\nDefaultValue=1\n",
+                           1));
+    const auto before = store->getIndexList(1, 0, 0xffff);
+    EXPECT_EQ(store->getDescriptionSetting(u"VendorName"_s), u"First"_s) << "an import selects its line";
+    store->setCurrentLine(0);
+    EXPECT_EQ(store->getDescriptionSetting(u"VendorName"_s), QString());
+    ASSERT_TRUE(importText(store,
+                           "[DeviceInfo]\nNrOfTXPDO=1\n[2000]\nParameterName=New\nObjectType=9\n[2000sub1]\n"
+                           "ParameterName=Renamed\nDataType=6\n[2000sub2]\nDataType=5\n[3000sub1]\nDataType=5\n",
+                           1));
+
+    EXPECT_TRUE(store->getIndexList(0, 0, 0xffff).isEmpty());
+    EXPECT_EQ(store->getIndexList(1, 0, 0xffff), before) << "the PDO is made once";
+    EXPECT_EQ(store->getIndexName(1, 0x2000), u"New"_s);
+    EXPECT_EQ(store->getSubIndexList(1, 0x2000), (QList<quint8>{0, 1, 2}));
+    EXPECT_EQ(store->getSubIndexDataType(1, 0x2000, 1), 6);
+    EXPECT_EQ(store->getSubIndexDefaultValue(1, 0x2000, 1), QString());
+    EXPECT_TRUE(store->getSubIndexList(1, 0x3000).isEmpty()) << "a sub-object without an object";
+
+    // A sub-object alone joins an object that the line has.
+    ASSERT_TRUE(importText(store, "[2000sub3]\nDataType=5\n", 1));
+    EXPECT_EQ(store->getSubIndexList(1, 0x2000), (QList<quint8>{0, 1, 2, 3}));
+    store->setCurrentLine(1);
+    EXPECT_EQ(store->getDescriptionSetting(u"VendorName"_s), QString()) << "what a file does not say it empties";
+}
+
+TEST(EdsImport, AnnouncedPdosAreCappedToThoseThatExist)
+{
+    const auto store = emptyProject();
+    ASSERT_TRUE(importText(store, "[DeviceInfo]\nNrOfRXPDO=4294967295\nNrOfTXPDO=-1\n[1450]\nParameterName=Own\n"));
+    EXPECT_EQ(store->getIndexList(0, 0x1400, 0x15ff).size(), 512);
+    EXPECT_EQ(store->getIndexList(0, 0x1600, 0x17ff).size(), 512);
+    EXPECT_TRUE(store->getIndexList(0, 0x1800, 0xbfff).isEmpty());
+    EXPECT_EQ(store->getIndexName(0, 0x1450), u"Own"_s);
+    EXPECT_EQ(store->getIndexName(0, 0x15ff), u"Receive PDO parameter 512"_s);
+}
+
+TEST(EdsImport, RefusesWhatIsNoFileAndSurvivesWhatIsNoDescription)
+{
+    const QTemporaryDir folder;
+    EDSImporter importer;
+    EXPECT_FALSE(importer.setDatabase(nullptr));
+    EXPECT_FALSE(importer.setFile(folder.path()));
+    EXPECT_FALSE(importer.setFile(folder.filePath(u"missing.eds"_s)));
+
+    QByteArray binary;
+    for (int i = 0; i < 100'000; ++i)
+        binary += static_cast<char>(i * 7919 >> 3);
+    for (const QByteArray &content : {QByteArray(), binary, QByteArray(3'000'000, '['), QByteArray(3'000'000, '\0'),
+                                      QByteArray("[2000]\nParameterName=") + QByteArray(3'000'000, 'x')}) {
+        const auto store = emptyProject();
+        ASSERT_TRUE(importText(store, content));
+        EXPECT_LE(store->getIndexList(0, 0, 0xffff).size(), 1);
+        EXPECT_TRUE(store->addIndex(0, 0x3000, {})) << "the store is open again";
+    }
+}
+
+TEST(EdsImport, RunsOnItsOwnThreadOneAtATime)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"device.eds"_s);
+    ASSERT_TRUE(TestSupport::writeFile(path, "[2000]\nParameterName=Variable\nDataType=7\n"));
+    const auto store = emptyProject();
+    store->setBlocked(true);
+
+    EDSImporter importer;
+    importer.waitForEnd(); // nothing to wait for
+    importer.setDatabase(store);
+    ASSERT_TRUE(importer.setFile(path));
+    QList<int> steps;
+    QThread *thread = nullptr;
+    bool startedTwice = true;
+    QObject::connect(
+        &importer, &BaseDataImporter::progress, &importer,
+        [&](int percentage) {
+            thread = QThread::currentThread();
+            startedTwice = percentage < 100 && importer.startImport();
+            steps.append(percentage);
+        },
+        Qt::DirectConnection);
+
+    for (int run = 0; run < 2; ++run) {
+        steps.clear();
+        ASSERT_TRUE(importer.startImport());
+        importer.waitForEnd();
+        EXPECT_TRUE(thread != nullptr && thread != QThread::currentThread());
+        EXPECT_FALSE(startedTwice);
+        ASSERT_FALSE(steps.isEmpty());
+        EXPECT_EQ(steps.last(), 100);
+        EXPECT_EQ(steps.count(100), 1);
+        EXPECT_FALSE(store->isBlocked());
+        EXPECT_TRUE(store->removeIndex(0, 0x2000));
+    }
+}

@@ -1,0 +1,63 @@
+#include "diagcore/udssiddefinitions.h"
+#include "support/testhome.h"
+#include "texttools/helper.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QSet>
+#include <QTemporaryDir>
+
+using namespace Qt::StringLiterals;
+
+TEST(Helper, SubstituteVariables)
+{
+    const std::pair<QString, QString> cases[] = {
+        {u"${index}/${subindex}/${line}"_s, u"4120/10/31"_s},
+        {u"${index:x} ${subindex:x} ${line:x}"_s, u"1018 0a 1f"_s},
+        {u"$NODEID+0x600 ${x} ${} {index} $index %1"_s, u"$NODEID+0x600 ${x} ${} {index} $index %1"_s},
+        {u"${a ${index}} ${index"_s, u"${a 4120} ${index"_s},
+        {u"${Index}${index:X}"_s, u"${Index}${index:X}"_s},
+        {u"v[${line}].${index}"_s, u"v[31].4120"_s},
+        {u""_s, u""_s},
+    };
+    for (const auto &[text, result] : cases)
+        EXPECT_EQ(Helper::substituteVariables(text, 0x1018, 10, 31), result) << text.toStdString();
+}
+
+TEST(Helper, AddLowerCaseUtoNumberLists)
+{
+    const std::pair<QString, QString> cases[] = {
+        {u"1,2,3"_s, u"1u,2u,3u"_s},
+        {u" 1 , 0x2F"_s, u" 1u , 0x2Fu"_s},
+        {u"4u,CNT,2+1,-1"_s, u"4u,CNT,2+1,-1"_s},
+        {u",7,"_s, u",7u,"_s},
+        {u"12"_s, u"12u"_s},
+        {u""_s, u""_s},
+    };
+    for (const auto &[list, result] : cases)
+        EXPECT_EQ(Helper::addLowerCaseUtoNumberLists(list), result) << list.toStdString();
+}
+
+TEST(Helper, ModifyLineEnding)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"text.c"_s);
+    for (const QString &ending : {u"\r\n"_s, u"\n"_s, u"\r"_s}) {
+        ASSERT_TRUE(TestSupport::writeFile(path, "a\nb\r\nc\rd\n\r\n"));
+        EXPECT_TRUE(Helper::modifyLineEnding(path, ending));
+        EXPECT_EQ(TestSupport::readFile(path), u"a\nb\nc\nd\n\n"_s.replace(u'\n', ending).toUtf8());
+    }
+    EXPECT_FALSE(Helper::modifyLineEnding(folder.filePath(u"missing.c"_s), u"\n"_s));
+    EXPECT_FALSE(QFile::exists(folder.filePath(u"missing.c"_s)));
+}
+
+TEST(UDSSIDDefinitions, EveryServiceHasItsOwnName)
+{
+    const auto &names = UDSSIDDefinitions::getSIDNames();
+    EXPECT_EQ(names.size(), 27);
+    EXPECT_EQ(QSet<QString>(names.cbegin(), names.cend()).size(), names.size());
+    EXPECT_EQ(names.value(static_cast<UDS::SID>(0x22)), u"ReadDataByIdentifier"_s);
+    EXPECT_EQ(names.value(static_cast<UDS::SID>(0x3e)), u"TesterPresent"_s);
+    EXPECT_FALSE(names.contains(static_cast<UDS::SID>(0x3f))) << "the identifier of a negative response less 0x40";
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "store/objectdatabase.h"
+#include "support/testhome.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+
+/// A store with a new project in it, and a folder for files.
+class StoreTest : public testing::Test
+{
+protected:
+    StoreTest() { store.createNewDataBase(); }
+
+    QString path(const QString &name) const { return folder.filePath(name); }
+
+    /// All rows of a select, columns joined with "|".
+    QStringList rows(const QString &statement) { return rowsOf(store, statement); }
+
+    static QStringList rowsOf(ObjectDataBase &database, const QString &statement)
+    {
+        QStringList result;
+        QSqlQuery query = database.newQuery();
+        if (!database.execQuery(query, statement))
+            return {QStringLiteral("failed")};
+        while (query.next()) {
+            QStringList columns;
+            for (int i = 0; query.value(i).isValid(); ++i)
+                columns.append(query.isNull(i) ? QStringLiteral("NULL") : query.value(i).toString());
+            result.append(columns.join(u'|'));
+        }
+        return result;
+    }
+
+    bool exec(const QString &statement)
+    {
+        QSqlQuery query = store.newQuery();
+        return store.execQuery(query, statement);
+    }
+
+    /// Makes a database file from statements, outside any store.
+    static void makeDatabase(const QString &file, const QStringList &statements)
+    {
+        {
+            QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("raw"));
+            database.setDatabaseName(file);
+            ASSERT_TRUE(database.open());
+            QSqlQuery query(database);
+            for (const QString &statement : statements) {
+                if (!statement.trimmed().isEmpty()) {
+                    ASSERT_TRUE(query.exec(statement)) << statement.toStdString();
+                }
+            }
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("raw"));
+    }
+
+    QTemporaryDir folder;
+    ObjectDataBase store;
+};

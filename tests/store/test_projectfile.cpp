@@ -1,0 +1,358 @@
+// The life of a project file: working copies, identity, hash, migrations, saving.
+
+#include "store/storetest.h"
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QThread>
+
+#include <cstdlib>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class ProjectFile : public StoreTest
+{
+protected:
+    /// Makes an old project from the statements of a file, and opens it.
+    bool openOld(const QString &name)
+    {
+        const QByteArray script =
+            TestSupport::readFile(u"%1/tests/data/oldprojects/%2.sql"_s.arg(QStringLiteral(NCX_SOURCE_DIR), name));
+        makeDatabase(path(name), QString::fromUtf8(script).split(u';'));
+        return store.openDataBase(path(name));
+    }
+
+    static int workingCopies()
+    {
+        return static_cast<int>(QDir(TestSupport::dataFolder()).entryList({u"qvxdatatemp_*"_s}, QDir::Files).size());
+    }
+};
+
+TEST_F(ProjectFile, NewProjectHasLineZeroAndItsIdentity)
+{
+    EXPECT_EQ(store.getNodeList(), QList<quint8>{0});
+    EXPECT_TRUE(store.getIndexList(0, 0, 0xffff).isEmpty());
+    EXPECT_EQ(rows(u"select item, value from MiscSettings order by item"_s),
+              (QStringList{u"CreateToolName|CANopen NodeComposer"_s, u"CreateToolVersion|4.3.3"_s,
+                           u"DatabaseVersion|107"_s}));
+    EXPECT_EQ(rows(u"select name from pragma_table_info('Groups')"_s), (QStringList{u"name"_s, u"nodeidlist"_s}));
+    EXPECT_EQ(rows(u"select type from pragma_table_info('Nodes') where name = 'lssslave'"_s), QStringList{u""_s});
+    EXPECT_EQ(store.getUDSServiceSessions(0, 0x3e), u"1"_s);
+}
+
+TEST_F(ProjectFile, SavedProjectComesBackWithoutTamperMark)
+{
+    ObjectDataBase::SUBINDEX_DATA_T sub;
+    sub.name = u"Grüße, 'quoted'"_s;
+    sub.metadata = {{u"eds_define"_s, u"A"_s}};
+    store.addIndex(0, 0x2000, {});
+    store.addSubIndex(0, 0x2000, 0, sub);
+    ASSERT_TRUE(store.saveDatabase(path(u"a.ncxp"_s)));
+    EXPECT_EQ(store.projectPath(), path(u"a.ncxp"_s));
+
+    ObjectDataBase other;
+    ASSERT_TRUE(other.openDataBase(path(u"a.ncxp"_s)));
+    EXPECT_FALSE(other.isTampered());
+    EXPECT_EQ(other.getMiscSetting(u"TamperLog"_s), u""_s);
+    ObjectDataBase::SUBINDEX_DATA_T back;
+    ASSERT_TRUE(other.getSubIndex(0, 0x2000, 0, back));
+    EXPECT_EQ(back.name, sub.name);
+    EXPECT_EQ(back.metadata, sub.metadata);
+}
+
+TEST_F(ProjectFile, ChangeFromOutsideIsLoggedOncePerSave)
+{
+    const QString file = path(u"a.ncxp"_s);
+    store.saveDatabase(file);
+    for (int round = 1; round <= 2; ++round) {
+        makeDatabase(file, {u"insert into GeneralSettings values('outside%1','1')"_s.arg(round)});
+        ASSERT_TRUE(store.openDataBase(file));
+        EXPECT_TRUE(store.isTampered());
+        EXPECT_EQ(store.getMiscSetting(u"TamperLog"_s).split(u';').size(), round);
+        ASSERT_TRUE(store.saveDatabase({}));
+    }
+    const QRegularExpression stamp(u"^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d"_s);
+    EXPECT_TRUE(stamp.match(store.getMiscSetting(u"TamperLog"_s)).hasMatch());
+
+    // The rows that hold the verdict are not part of what is judged.
+    makeDatabase(file, {u"update MiscSettings set value = 'x' where item = 'TamperLog'"_s});
+    ASSERT_TRUE(store.openDataBase(file));
+    EXPECT_FALSE(store.isTampered());
+}
+
+TEST_F(ProjectFile, HashFollowsTheCanonicalDump)
+{
+    // The dump of a database with two known tables, hashed by hand: name, line feed, cells each with "|", line feed.
+    ASSERT_TRUE(exec(u"create table aaa (n integer, t text, b blob)"_s));
+    ASSERT_TRUE(exec(u"insert into aaa values(7, NULL, x'c3a4')"_s));
+    for (const QString &table : rows(u"select name from sqlite_master where type='table'"_s)) {
+        if (table != "aaa"_L1 && table != "MiscSettings"_L1)
+            exec(u"drop table "_s + table);
+    }
+    QByteArray dump = "MiscSettings\nCreateToolVersion|4.3.3|\nCreateToolName|CANopen NodeComposer|\n"
+                      "DatabaseVersion|107|\naaa\n7||\xc3\xa4|\n";
+    EXPECT_EQ(store.computeFileHash(),
+              QString::fromLatin1(QCryptographicHash::hash(dump, QCryptographicHash::Sha256).toHex()));
+}
+
+TEST_F(ProjectFile, SaveKeepsTheFileBeforeAsBackupAndDropsScratchLines)
+{
+    const QString file = path(u"a.ncxp"_s);
+    TestSupport::writeFile(file, "what stood here");
+    TestSupport::writeFile(file + u".bak"_s, "older");
+    store.addNode(254, {});
+    store.addNode(255, {});
+    ASSERT_TRUE(store.saveDatabase(file));
+    EXPECT_EQ(TestSupport::readFile(file + u".bak"_s), "what stood here");
+    EXPECT_EQ(store.getNodeList(), QList<quint8>{0});
+
+    // Nowhere to write: the backup stays, nothing that looks whole is left.
+    EXPECT_FALSE(store.saveDatabase(path(u"no/such/folder/a.ncxp"_s)));
+    EXPECT_EQ(store.projectPath(), file);
+    EXPECT_FALSE(ObjectDataBase().saveDatabase({}));
+}
+
+TEST_F(ProjectFile, WizardProfileMarksItsSubObjects)
+{
+    ObjectDataBase::SUBINDEX_DATA_T sub;
+    sub.changedbyuser = true;
+    store.addIndex(0, 0x2000, {});
+    store.addSubIndex(0, 0x2000, 0, sub);
+    ASSERT_TRUE(store.saveDatabase(path(u"wizard.DATA"_s)));
+    EXPECT_EQ(rows(u"select changedbyuser, wizardsource from SubObjects0"_s), QStringList{u"0|454"_s});
+    ASSERT_TRUE(store.saveDatabase(path(u"v1.data.ncxp"_s)));
+}
+
+TEST_F(ProjectFile, WorkingCopiesAreTheirOwnAndGoWithTheStore)
+{
+    const int before = workingCopies();
+    {
+        // The same seed draws the same names.
+        std::srand(1);
+        ObjectDataBase first;
+        std::srand(1);
+        first.createNewDataBase();
+        ObjectDataBase second;
+        std::srand(1);
+        second.createNewDataBase();
+        first.setGeneralSetting(u"k"_s, u"first"_s);
+        second.setGeneralSetting(u"k"_s, u"second"_s);
+        EXPECT_EQ(first.getGeneralSetting(u"k"_s), u"first"_s);
+        EXPECT_EQ(workingCopies(), before + 2);
+        EXPECT_FALSE(second.openDataBase(path(u"missing.ncxp"_s)));
+        EXPECT_EQ(workingCopies(), before + 3);
+    }
+    EXPECT_EQ(workingCopies(), before);
+}
+
+TEST_F(ProjectFile, WhatIsNoProjectIsRefused)
+{
+    TestSupport::writeFile(path(u"empty"_s), "");
+    TestSupport::writeFile(path(u"text"_s), "hello");
+    TestSupport::writeFile(path(u"upper.NCXT"_s), "[GeneralSettings]\nline0type=1\n");
+    makeDatabase(path(u"foreign"_s), {u"create table x (a)"_s});
+    makeDatabase(path(u"nolines"_s), {u"create table Nodes (nodeId integer primary key)"_s});
+    store.saveDatabase(path(u"whole.ncxp"_s));
+    const QByteArray whole = TestSupport::readFile(path(u"whole.ncxp"_s));
+    TestSupport::writeFile(path(u"truncated"_s), whole.left(5000));
+    QDir(folder.path()).mkdir(u"dir"_s);
+
+    for (const QString &name :
+         {u"empty"_s, u"text"_s, u"upper.NCXT"_s, u"foreign"_s, u"nolines"_s, u"truncated"_s, u"dir"_s, u"missing"_s})
+        EXPECT_FALSE(store.openDataBase(path(name))) << name.toStdString();
+    EXPECT_FALSE(store.openDataBase({}));
+    EXPECT_FALSE(store.openDataBase(u"/dev/zero"_s));
+    EXPECT_EQ(store.lastError(), u""_s);
+    EXPECT_TRUE(store.openDataBase(path(u"whole.ncxp"_s)));
+}
+
+TEST_F(ProjectFile, ToolCheckKnowsWhoMayOpenWhat)
+{
+    struct Case
+    {
+        QString application;
+        QString savedBy;
+        QString type;
+        bool opens;
+    };
+    const QList<Case> cases = {
+        {u"CANopen NodeComposer"_s, u""_s, u"2"_s, false},
+        {u"CANopen NodeComposer"_s, u"CAN NodeComposer"_s, u"2"_s, false},
+        {u"CANopen NodeComposer"_s, u""_s, u"4"_s, false},
+        {u"CANopen NodeComposer"_s, u""_s, u"5"_s, false},
+        {u"CANopen NodeComposer"_s, u""_s, u"7"_s, true},
+        {u"CANopen NodeComposer"_s, u""_s, u"1"_s, true},
+        {u"CANopen NodeComposer"_s, u"CANopen NodeComposer"_s, u"2"_s, true},
+        {u"J1939 NodeComposer"_s, u"CANopen NodeComposer"_s, u"1"_s, false},
+        {u"J1939 NodeComposer"_s, u""_s, u"2"_s, true},
+        {u"CAN NodeComposer"_s, u"J1939 NodeComposer"_s, u"2"_s, true},
+        {u"EnergyBus NodeAssistant"_s, u""_s, u"2"_s, true},
+    };
+    const QString own = QCoreApplication::applicationName();
+    int refused = 0;
+    QObject::connect(&store, &ObjectDataBase::wrongTool, [&] { ++refused; });
+    for (const Case &row : cases) {
+        store.createNewDataBase();
+        store.setGeneralSetting(u"line0type"_s, row.type);
+        store.saveDatabase(path(u"t.ncxp"_s));
+        makeDatabase(path(u"t.ncxp"_s),
+                     {u"update MiscSettings set value = '%1' where item = 'SaveToolType'"_s.arg(row.savedBy)});
+        QCoreApplication::setApplicationName(row.application);
+        const int refusedBefore = refused;
+        EXPECT_EQ(store.openDataBase(path(u"t.ncxp"_s)), row.opens) << (row.application + row.type).toStdString();
+        EXPECT_EQ(refused - refusedBefore, row.opens ? 0 : 1);
+        EXPECT_EQ(store.lastError(), row.opens ? u""_s : u"File was not created with this tool."_s);
+        QCoreApplication::setApplicationName(own);
+    }
+}
+
+TEST_F(ProjectFile, UntypedLineIsInferred)
+{
+    struct Case
+    {
+        QString createToolVersion;
+        int objects;
+        int pgns;
+        QString type;
+    };
+    for (const Case &row : {Case{u"CANopen NodeComposer"_s, 0, 1, u"1"_s}, Case{u"J1939 NodeComposer"_s, 2, 0, u"2"_s},
+                            Case{u"4.3.3"_s, 2, 1, u"1"_s}, Case{u"4.3.3"_s, 1, 1, u"2"_s}}) {
+        store.createNewDataBase();
+        store.setMiscSetting(u"CreateToolVersion"_s, row.createToolVersion);
+        for (int i = 0; i < row.objects; ++i)
+            store.addIndex(0, static_cast<quint16>(0x2000 + i), {});
+        for (int i = 0; i < row.pgns; ++i)
+            store.addPGN(0, static_cast<quint32>(i), {.number = static_cast<quint32>(i), .direction = store.transmit});
+        store.saveDatabase(path(u"u.ncxp"_s));
+        ASSERT_TRUE(store.openDataBase(path(u"u.ncxp"_s)));
+        EXPECT_EQ(store.getGeneralSetting(u"line0type"_s), row.type);
+    }
+}
+
+TEST_F(ProjectFile, OpenCompletesAFile)
+{
+    store.addNode(2, {});
+    store.setGeneralSetting(u"co_node_id"_s, u"1,2,3,4,5"_s);
+    exec(u"update UDSSettings0 set active = 0"_s);
+    exec(u"delete from DescriptionSettings"_s);
+    store.saveDatabase(path(u"a.ncxp"_s));
+    ASSERT_TRUE(store.openDataBase(path(u"a.ncxp"_s)));
+
+    EXPECT_EQ(store.getGeneralSetting(u"co_node_id"_s), u"1,2,3"_s);
+    EXPECT_EQ(store.currentLine(), 2);
+    EXPECT_EQ(store.getDescriptionSetting(u"OrderCode"_s), u"0815-BUY-ME"_s);
+    EXPECT_EQ(rows(u"select count(*) from DescriptionSettings where item like '%\\_2' escape '\\'"_s),
+              QStringList{u"27"_s});
+    EXPECT_EQ(rows(u"select sessions, count(*) from UDSSettings0 where active = 1 group by sessions"_s),
+              (QStringList{u"1,2,3,4|10"_s, u"2,3,4|7"_s}));
+    EXPECT_EQ(rows(u"select count(*) from UDSSettings2 where active = 1"_s), QStringList{u"5"_s});
+}
+
+TEST_F(ProjectFile, MigratesAnOldCANopenFileWithoutShiftingColumns)
+{
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_TRUE(round == 0 ? openOld(u"v99_canopen"_s) : store.openDataBase(path(u"v99_canopen"_s)));
+        ObjectDataBase::SUBINDEX_DATA_T sub;
+        ASSERT_TRUE(store.getSubIndex(0, 0x2000, 0, sub));
+        EXPECT_EQ(sub.name, u"Speed"_s);
+        EXPECT_EQ(sub.datatype, 3);
+        EXPECT_EQ(sub.accesstype, u"rw"_s);
+        EXPECT_EQ(sub.defaultvalue, u"-5"_s);
+        EXPECT_EQ(sub.uplimit, u"10"_s);
+        EXPECT_EQ(sub.varname, u"speed"_s);
+        EXPECT_EQ(sub.implementation, 2);
+        EXPECT_EQ(rows(u"select count(*) from SubObjects0"_s), QStringList{u"2"_s});
+        EXPECT_FALSE(exec(u"insert into SubObjects0 select * from SubObjects0"_s));
+        EXPECT_EQ(rows(u"select name from sqlite_master where name like '%_old'"_s), QStringList{});
+        EXPECT_EQ(store.getGeneralSetting(u"line0type"_s), u"1"_s);
+        EXPECT_EQ(store.getGeneralSetting(u"co_node_id"_s), u"5"_s);
+        EXPECT_EQ(rows(u"select name from pragma_table_info('Groups')"_s).value(0), u"groupid"_s);
+        ObjectDataBase::NODE_DATA_T node;
+        ASSERT_TRUE(store.getNode(0, node));
+        EXPECT_EQ(node.edspath, u"old.eds"_s);
+        EXPECT_EQ(store.getMiscSetting(u"DatabaseVersion"_s), u"99"_s);
+    }
+    ObjectDataBase::SPN spn;
+    spn.bitposition = 12;
+    EXPECT_TRUE(store.addSPN(0, 1, store.receive, 5, spn));
+    EXPECT_EQ(rows(u"select bitposition from SPNs0"_s), QStringList{u"12"_s});
+    EXPECT_FALSE(rows(u"select bitpostion from SPNs0"_s).contains(u"failed"_s));
+    ASSERT_TRUE(store.saveDatabase(path(u"new.ncxp"_s)));
+    EXPECT_EQ(store.getMiscSetting(u"DatabaseVersion"_s), u"107"_s);
+}
+
+TEST_F(ProjectFile, MigratesSignalsOfOldFiles)
+{
+    ASSERT_TRUE(openOld(u"v99_j1939"_s));
+    EXPECT_EQ(rows(u"select spnnumber, direction, bitposition from SPNs0 order by pos"_s),
+              (QStringList{u"899|85|0"_s, u"190|85|8"_s, u"512|85|24"_s, u"513|85|48"_s}));
+    EXPECT_EQ(store.getPGNMappingCount(0, 61444, store.transmit), 4);
+
+    ASSERT_TRUE(openOld(u"v104_rawcan"_s));
+    EXPECT_EQ(rows(u"select number, bitpos from DataElements0"_s), (QStringList{u"0|0"_s, u"1|16"_s, u"2|28"_s}));
+    EXPECT_EQ(store.getUDSServiceSessions(0, 0x37), u"2,3,4"_s);
+
+    ASSERT_TRUE(openOld(u"v105_j1939"_s));
+    ObjectDataBase::PGN pgn;
+    ASSERT_TRUE(store.getPGN(0, 65262, store.receive, pgn));
+    pgn.safetytype = 2;
+    pgn.FD_DataID = 77;
+    EXPECT_TRUE(store.addPGN(0, 65262, pgn));
+    ObjectDataBase::PGN back;
+    ASSERT_TRUE(store.getPGN(0, 65262, store.receive, back));
+    EXPECT_EQ(back.FD_DataID, 77U);
+    store.setUDSServiceAuthentication(0, 34, u"1"_s);
+    EXPECT_EQ(rows(u"select * from UDSSettings0"_s), QStringList{u"34|1|1,3|2|1"_s});
+}
+
+TEST_F(ProjectFile, EnergyBusFileGetsAbsolutePaths)
+{
+    ObjectDataBase::NODE_DATA_T node;
+    node.edspath = u"sub/x.eds"_s;
+    store.addNode(0, node);
+    store.saveDatabase(path(u"a.ncxe"_s));
+    const QString here = QDir::currentPath();
+    ASSERT_TRUE(store.openDataBase(path(u"a.ncxe"_s)));
+    ASSERT_TRUE(store.getNode(0, node));
+    EXPECT_EQ(node.edspath, QFileInfo(path(u"a.ncxe"_s)).canonicalPath() + u"/sub/x.eds"_s);
+    QDir::setCurrent(here);
+}
+
+TEST_F(ProjectFile, GateLetsOneThreadInAtATime)
+{
+    // A thread that closed the gate works; another waits until it is open, and writes fail while blocked.
+    store.setBlocked(true);
+    EXPECT_FALSE(store.addIndex(0, 0x2000, {}));
+    EXPECT_TRUE(store.setGeneralSetting(u"k"_s, u"1"_s));
+    std::atomic<bool> read = false;
+    const std::unique_ptr<QThread> reader(QThread::create([&] {
+        store.getGeneralSetting(u"k"_s);
+        read = true;
+    }));
+    reader->start();
+    QThread::msleep(100);
+    EXPECT_FALSE(read);
+    store.setBlocked(false);
+    ASSERT_TRUE(reader->wait(5000));
+    EXPECT_TRUE(read);
+    EXPECT_TRUE(store.addIndex(0, 0x2000, {}));
+}
+
+TEST_F(ProjectFile, WriteTrackingTellsOfWritesOnly)
+{
+    int writes = 0;
+    QObject::connect(&store, &ObjectDataBase::databaseWriteExecuted, [&] { ++writes; });
+    exec(u"insert into GeneralSettings values('a','1')"_s);
+    EXPECT_EQ(writes, 0);
+    store.setWriteTracking(true);
+    exec(u"  Update GeneralSettings set value = 2"_s);
+    exec(u"select * from GeneralSettings"_s);
+    exec(u"insert into NoSuchTable values(1)"_s);
+    EXPECT_EQ(writes, 1);
+}
+
+} // namespace

@@ -1,0 +1,102 @@
+#include "support/projectbuilder.h"
+
+using namespace Qt::StringLiterals;
+using namespace TestSupport;
+
+ProjectBuilder::ProjectBuilder()
+{
+    store_->createNewDataBase();
+    line(0, 1);
+}
+
+ProjectBuilder &ProjectBuilder::line(quint8 line, int type)
+{
+    line_ = line;
+    if (!store_->nodeExists(line))
+        store_->addNode(line, {});
+    return general(u"line%1type"_s.arg(line), QString::number(type));
+}
+
+ProjectBuilder &ProjectBuilder::object(quint16 index, const QString &name, const StoreRecords::Metadata &metadata)
+{
+    index_ = index;
+    StoreRecords::IndexData data;
+    data.name = name;
+    data.metadata = metadata;
+    store_->addIndex(line_, index, data);
+    return *this;
+}
+
+ProjectBuilder &ProjectBuilder::sub(quint8 subindex, const QString &name,
+                                    const std::function<void(StoreRecords::SubIndexData &)> &change)
+{
+    StoreRecords::SubIndexData data;
+    data.name = name;
+    if (change)
+        change(data);
+    store_->addSubIndex(line_, index_, subindex, data);
+    return *this;
+}
+
+ProjectBuilder &ProjectBuilder::pgn(quint32 number, quint8 direction, const QString &name)
+{
+    message_ = number;
+    direction_ = direction;
+    StoreRecords::PGN data;
+    data.name = name;
+    data.number = number;
+    data.direction = direction;
+    store_->addPGN(line_, number, data);
+    return *this;
+}
+
+ProjectBuilder &ProjectBuilder::spn(quint32 number, const QString &name)
+{
+    StoreRecords::SPN data;
+    data.name = name;
+    data.pos = signalCount_++;
+    data.direction = direction_;
+    data.spnnumber = number;
+    store_->addSPN(line_, message_, direction_, number, data);
+    return *this;
+}
+
+ProjectBuilder &ProjectBuilder::canId(quint32 id, quint8 direction, const QString &name)
+{
+    message_ = id;
+    direction_ = direction;
+    StoreRecords::CANID data;
+    data.name = name;
+    data.id = id;
+    data.direction = direction;
+    store_->addCANID(line_, id, data);
+    return *this;
+}
+
+ProjectBuilder &ProjectBuilder::element(quint32 number, const QString &name)
+{
+    StoreRecords::DataElement data;
+    data.name = name;
+    data.pos = signalCount_++;
+    data.direction = direction_;
+    store_->addDataElement(line_, message_, direction_, number, data);
+    return *this;
+}
+
+ProjectBuilder &ProjectBuilder::general(const QString &key, const QString &value)
+{
+    store_->setGeneralSetting(key, value);
+    return *this;
+}
+
+ProjectBuilder &ProjectBuilder::j1939(const QString &key, const QString &value)
+{
+    store_->setJ1939Setting(key, value);
+    return *this;
+}
+
+ProjectBuilder &ProjectBuilder::misc(const QString &key, const QString &value)
+{
+    store_->setMiscSetting(key, value);
+    return *this;
+}
