@@ -1,0 +1,37 @@
+# Shared by the scripts of this folder: where the tree is, and what a build needs. Sourced, not run.
+
+top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+build_packages="g++ cmake ninja-build ccache qt6-base-dev libqt6sql6-sqlite"
+test_packages="libgtest-dev sqlite3 clang-format"
+
+# Installs the packages that are missing; asks the package lists only if there are any.
+install_packages() {
+    local missing=() package
+    for package in "$@"; do
+        [ "$(dpkg-query -W -f '${db:Status-Abbrev}' "$package" 2>/dev/null)" = "ii " ] || missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return
+    local as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || {
+            echo "Missing packages: ${missing[*]}. Install them, or install sudo so that this script can." >&2
+            return 1
+        }
+        as_root=(sudo)
+    fi
+    echo "Installing ${missing[*]}"
+    "${as_root[@]}" apt-get update -qq
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# Configures a preset where that has not been done yet, and builds the named targets, or all.
+build_preset() {
+    local preset=$1
+    shift
+    local folder="$top/build"
+    [ "$preset" = dev ] || folder="$top/build-$preset"
+    [ -f "$folder/build.ninja" ] || (cd "$top" && cmake --preset "$preset" >/dev/null)
+    cmake --build "$folder" ${1:+--target "$@"}
+}
