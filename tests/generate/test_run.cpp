@@ -33,8 +33,8 @@ public:
 class NamedGenerator : public FileGenerator
 {
 public:
-    explicit NamedGenerator(const QString &name, bool failing = false)
-        : name_(name)
+    explicit NamedGenerator(QString name, bool failing = false)
+        : name_(std::move(name))
         , failing_(failing)
     {
     }
@@ -224,9 +224,9 @@ TEST_F(Run, ChecksEachLineByItsTypeUnderAHeading)
     const CheckRules rules{.common = {}, .canOpen = canOpen, .j1939 = j1939, .rawCan = rawCan};
     handler_.setCheckRules(rules);
     ProjectBuilder project;
-    const QList<int> types{1, 2, 4, 5, 6, 7};
-    for (quint8 line = 0; line < types.size(); ++line)
-        project.line(line, types.at(line));
+    quint8 line = 0;
+    for (const int type : {1, 2, 4, 5, 6, 7})
+        project.line(line++, type);
     open(project.line(254, 1));
     int corrections = 0;
     QObject::connect(&handler_, &GeneratorMainHandler::doneCorrection, &handler_, [&] { ++corrections; });

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "support/printing.h"
 #include "store/objectdatabase.h"
+#include "support/printing.h"
 
 #include <functional>
 
