@@ -64,8 +64,9 @@ bool GeneratorMainHandler::openProject(const QString &filePath)
     if (!file.exists())
         return false;
     const QString path = file.absoluteFilePath();
-    if (path.endsWith("ncxt"_L1))
-        database_->openTextDatabase(path); // whatever it reports: an open of the text form cannot fail
+    isUnreadText_ = false;
+    if (path.endsWith("ncxt"_L1)) // an open of the text form cannot fail
+        isUnreadText_ = !database_->openTextDatabase(path) && file.size() > 0;
     else if (!database_->openDataBase(path))
         return false;
     correctProject(database_);
@@ -100,6 +101,10 @@ void GeneratorMainHandler::saveProject()
 {
     if (!database_->isOpen())
         return;
+    if (isUnreadText_) {
+        output_->message(u"ERROR - %1 is no project and is left as it is."_s.arg(projectPath_));
+        return;
+    }
     database_->saveDatabase({});
     if (!database_->lastError().isEmpty())
         output_->message(u"ERROR - %1"_s.arg(database_->lastError()));

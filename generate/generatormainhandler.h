@@ -53,7 +53,8 @@ public:
     qint32 checkModel(QStringList &messages);
     /// The whole run; its outcome goes out through `finished`.
     void generate(bool ignoreCheckErrors);
-    /// Saves to the file that was opened; a failure is told as a message.
+    /// Saves to the file that was opened; a failure is told as a message. A text project in which nothing could be read
+    /// is not overwritten.
     void saveProject();
     /// What follows the generators of a run.
     void runPostGenProcess();
@@ -90,6 +91,7 @@ private:
     QString outputFolder_;
     QString projectBaseName_;
     QString projectPath_;
+    bool isUnreadText_ = false;
     OutputHandlerBase *output_;
     std::shared_ptr<PostGenProcessor> postGenProcessor_;
     CheckRules checkRules_ = CheckRules::builtIn();

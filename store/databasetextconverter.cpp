@@ -407,7 +407,8 @@ void DatabaseTextConverter::readLines(const SettingsText::Reader &reader)
         for (qsizetype i = 0; i < row.columns.size(); ++i) {
             const QString &column = row.columns.at(i);
             if (known.contains(column))
-                store_->setNodeSqlValue(QString::number(line), column, row.values.at(i));
+                store_->setNodeSqlValue(QString::number(line), column,
+                                        ObjectDataBase::withQuotesDoubled(row.values.at(i).toString()));
             else
                 qDebug().noquote() << "no column of a line" << column;
         }
@@ -439,7 +440,8 @@ void DatabaseTextConverter::readSettings(const QString &group, Table kind, const
             done = store_->setDescriptionSetting(key, text);
             break;
         case Table::GeneralSettings:
-            done = store_->setGeneralSetting(key, text);
+            // Unlike the others, these stand in their statement as they are given.
+            done = store_->setGeneralSetting(key, ObjectDataBase::withQuotesDoubled(text));
             break;
         case Table::MiscSettings:
             done = store_->setMiscSetting(key, text);
@@ -480,7 +482,8 @@ void DatabaseTextConverter::readRows(const QString &group, const TableForm &form
             }
             columns.append(column);
             const bool isText = column == "name"_L1 && form.kind != Table::UDSSettings;
-            values.append(u"'%1'"_s.arg(isText ? QString::number(store_->getStringId(value)) : value));
+            values.append(u"'%1'"_s.arg(isText ? QString::number(store_->getStringId(value))
+                                               : ObjectDataBase::withQuotesDoubled(value)));
         }
         for (qsizetype i = 0; i < keyColumns.size(); ++i) {
             if (!columns.contains(keyColumns.at(i), Qt::CaseInsensitive)) {

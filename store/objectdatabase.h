@@ -171,6 +171,7 @@ public:
     void removeUnusedStrings();
     /// Doubles each single quote.
     static void escapeQuotes(QString &text);
+    static QString withQuotesDoubled(QString text);
 
     // ---- Lines (linetables.cpp) ------------------------------------------------------------------------------------
 

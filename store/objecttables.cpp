@@ -98,6 +98,12 @@ void ObjectDataBase::escapeQuotes(QString &text)
     text.replace(u'\'', "''"_L1);
 }
 
+QString ObjectDataBase::withQuotesDoubled(QString text)
+{
+    escapeQuotes(text);
+    return text;
+}
+
 bool ObjectDataBase::addIndex(quint8 line, quint16 index, const INDEX_DATA_T &data)
 {
     if (blocked_)

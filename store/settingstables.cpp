@@ -42,12 +42,6 @@ QString partForLine(const QString &value, quint8 line)
     return line < parts.size() ? parts.at(line) : parts.last();
 }
 
-QString withQuotesDoubled(QString text)
-{
-    ObjectDataBase::escapeQuotes(text);
-    return text;
-}
-
 } // namespace
 
 QStringList ObjectDataBase::getGeneralSettingKeys()

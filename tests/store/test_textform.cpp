@@ -372,8 +372,8 @@ TEST_F(TextForm, RowsAreWrittenWithTheOutcomeOfSingleValues)
                                     u"metadata"_s,     u"description"_s, u"size"_s,        u"implementation"_s,
                                     u"Name"_s,         u"unknown"_s,     u"objectindex"_s, u"category"_s,
                                     u"device_class"_s, u"subindex"_s};
-    const QList<QString> values = {u"7"_s,     u"  two  words "_s, u""_s,   u"it's"_s,
-                                   u"it''s"_s, u"0x10"_s,          u"-1"_s, u"text"_s};
+    const QList<QString> values = {u"7"_s,     u"  two  words "_s, u""_s,   u"%1"_s,
+                                   u"a,b;c"_s, u"0x10"_s,          u"-1"_s, u"text"_s};
     const QByteArray blob = MetadataBlob::serialise({{u"k"_s, u"v"_s}});
     for (int round = 0; round < 40; ++round) {
         QMap<QString, QVariant> settings = {{u"Nodes/1/name"_s, u"n"_s}, {u"Nodes/12/name"_s, u"n"_s}};
@@ -411,6 +411,31 @@ TEST_F(TextForm, RowsAreWrittenWithTheOutcomeOfSingleValues)
         }
         ASSERT_EQ(contentOf(whole).join(u'\n').toStdString(), contentOf(single).join(u'\n').toStdString())
             << text.toStdString();
+    }
+}
+
+TEST_F(TextForm, SingleQuotesSurvive)
+{
+    const QByteArray text = "[GeneralSettings]\nhw_defines=#define C 'x'\nline0type=5\n\n[Nodes]\n0\\prefix=a'b\n\n"
+                            "[Objects0]\n0x2000\\name=it's\n\n[PGNs0]\n5\\direction=85\n5\\name=it's\n\n"
+                            "[SPNs0]\n5\\7\\direction=85\n5\\7\\varname=c['0']\n\n"
+                            "[SubObjects0]\n0x2000\\0\\datatype=9\n0x2000\\0\\defaultvalue=it's\n"
+                            "0x2000\\0\\metadata=0\n0x2000\\0\\varname=a['b']\n";
+    ObjectDataBase project;
+    ASSERT_TRUE(open(project, text));
+    EXPECT_EQ(project.getGeneralSetting(u"hw_defines"_s), u"#define C 'x'"_s);
+    ObjectDataBase::NODE_DATA_T node;
+    ASSERT_TRUE(project.getNode(0, node));
+    EXPECT_EQ(node.prefix, u"a'b"_s);
+    ObjectDataBase::SPN spn;
+    ASSERT_TRUE(project.getSPN(0, 5, ObjectDataBase::transmit, 7, spn));
+    EXPECT_EQ(spn.varname, u"c['0']"_s);
+    for (const QString &again : {u"first"_s, u"again"_s}) {
+        ObjectDataBase::SUBINDEX_DATA_T sub;
+        ASSERT_TRUE(project.getSubIndex(0, 0x2000, 0, sub)) << again.toStdString();
+        EXPECT_EQ(sub.defaultvalue + sub.varname, u"it'sa['b']"_s);
+        project.saveDatabaseAsText(path(u"again.ncxt"_s));
+        ASSERT_TRUE(project.openTextDatabase(path(u"again.ncxt"_s)));
     }
 }
 
