@@ -11,6 +11,7 @@
 #include <QSqlQuery>
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 using namespace Qt::StringLiterals;

@@ -5,6 +5,7 @@
 
 #include <QDataStream>
 #include <QDebug>
+#include <QIODevice>
 #include <QMutexLocker>
 #include <QSet>
 #include <QSignalBlocker>

@@ -2,6 +2,7 @@
 
 #include "store/schema.h"
 
+#include <QCoreApplication>
 #include <QDebug>
 #include <QDir>
 #include <QFileInfo>
@@ -84,7 +85,7 @@ QString ObjectDataBase::makeWorkingCopy(const QString &source)
     QDir().mkpath(folder);
     constexpr int attempts = 10000;
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        const QString path =
+        QString path =
             u"%1/qvxdatatemp_%2_%3"_s.arg(folder, QString::number(std::rand()), QString::number(std::rand()));
         QFile file(path);
         if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {

@@ -64,7 +64,7 @@ QString StringPool::textOf(int id)
     const auto it = texts_.constFind(id);
     if (it != texts_.constEnd())
         return *it;
-    const QString text = store_.selectValue(u"select string from Strings where id = %1"_s.arg(id)).toString();
+    QString text = store_.selectValue(u"select string from Strings where id = %1"_s.arg(id)).toString();
     texts_.insert(id, text);
     return text;
 }
