@@ -2,8 +2,7 @@
 
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-build_packages="g++ cmake ninja-build ccache qt6-base-dev libqt6sql6-sqlite"
-test_packages="libgtest-dev sqlite3 clang-format"
+packages="g++ cmake ninja-build ccache qt6-base-dev libqt6sql6-sqlite libgtest-dev"
 
 # Installs the packages that are missing; asks the package lists only if there are any.
 install_packages() {
