@@ -12,6 +12,7 @@ using ProjectSchema::LineTable;
 using RecordColumns::Column;
 using RecordColumns::number;
 using RecordColumns::pooled;
+using RecordColumns::Row;
 using RecordColumns::text;
 
 namespace {
@@ -49,20 +50,15 @@ constexpr std::array<Column<SPN>, 10> spnColumnTable = {
 };
 constexpr std::span<const Column<SPN>> spnColumns = spnColumnTable;
 
-QString pgnCondition(quint32 number, quint8 direction)
+Row pgnRow(quint8 line, quint32 number, quint8 direction)
 {
-    return u"number = %1 and direction = %2"_s.arg(QString::number(number), QString::number(direction));
+    return {ProjectSchema::tableName(LineTable::PGNs, line), {{"number"_L1, number}, {"direction"_L1, direction}}};
 }
 
-QString spnCondition(quint32 pgn, quint8 direction, quint32 spn)
+Row spnRow(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
 {
-    return u"pgnnumber = %1 and spnnumber = %2 and direction = %3"_s.arg(QString::number(pgn), QString::number(spn),
-                                                                         QString::number(direction));
-}
-
-QString selectFrom(LineTable family, quint8 line, const QString &columns, const QString &condition)
-{
-    return u"select %1 from %2 where %3"_s.arg(columns, ProjectSchema::tableName(family, line), condition);
+    return {ProjectSchema::tableName(LineTable::SPNs, line),
+            {{"pgnnumber"_L1, pgn}, {"spnnumber"_L1, spn}, {"direction"_L1, direction}}};
 }
 
 constexpr int spnKeyColumns = 3;
@@ -98,22 +94,13 @@ bool ObjectDataBase::addPGN(quint8 line, quint32 number, const PGN &data)
     if (blocked_)
         return false;
     const RecordColumns::TextIds ids = RecordColumns::intern(pgnColumns, data, strings_, {"name"_L1, "desc"_L1});
-    const QString table = ProjectSchema::tableName(LineTable::PGNs, line);
-    const QString condition = pgnCondition(number, data.direction);
-    QSqlQuery query = newQuery();
-    if (!run("addPGN", query, selectFrom(LineTable::PGNs, line, u"number"_s, condition)))
-        return false;
-    const QString statement =
-        query.next()
-            ? u"update %1 set %2 where %3"_s.arg(table, RecordColumns::assignments(pgnColumns, data, ids), condition)
-            : u"insert into %1 (number, direction, %2) values(%3, %4, %5)"_s.arg(
-                  table, RecordColumns::names(pgnColumns), QString::number(number), QString::number(data.direction),
-                  RecordColumns::values(pgnColumns, data, ids));
-    query.finish();
+    const Row row = pgnRow(line, number, data.direction);
+    const QString insert = row.insert(pgnColumns, data, ids);
+    const QString update = row.update(pgnColumns, data, ids);
     // Only a table that lacks columns fails here, so a complete one is never asked for them.
-    if (!execQuery(query, statement)) {
+    if (!writeRow("addPGN", row, insert, update)) {
         ensurePGNColumns(line);
-        if (!run("addPGN", query, statement))
+        if (!writeRow("addPGN", row, insert, update))
             return false;
     }
     notify(Change::PGNWritten, {.line = line, .pgn = number, .direction = data.direction});
@@ -125,19 +112,8 @@ bool ObjectDataBase::addSPN(quint8 line, quint32 pgn, quint8 direction, quint32 
     if (blocked_)
         return false;
     const RecordColumns::TextIds ids = RecordColumns::intern(spnColumns, data, strings_, {"name"_L1, "desc"_L1});
-    const QString table = ProjectSchema::tableName(LineTable::SPNs, line);
-    const QString condition = spnCondition(pgn, direction, spn);
-    QSqlQuery query = newQuery();
-    if (!run("addSPN", query, selectFrom(LineTable::SPNs, line, u"spnnumber"_s, condition)))
-        return false;
-    const QString statement =
-        query.next()
-            ? u"update %1 set %2 where %3"_s.arg(table, RecordColumns::assignments(spnColumns, data, ids), condition)
-            : u"insert into %1 (pgnnumber, spnnumber, direction, %2) values(%3, %4, %5, %6)"_s.arg(
-                  table, RecordColumns::names(spnColumns), QString::number(pgn), QString::number(spn),
-                  QString::number(direction), RecordColumns::values(spnColumns, data, ids));
-    query.finish();
-    if (!run("addSPN", query, statement))
+    const Row row = spnRow(line, pgn, direction, spn);
+    if (!writeRow("addSPN", row, row.insert(spnColumns, data, ids), row.update(spnColumns, data, ids)))
         return false;
     notify(Change::SPNWritten, {.line = line, .pgn = pgn, .spn = spn});
     return true;
@@ -150,7 +126,7 @@ bool ObjectDataBase::removePGN(quint8 line, quint32 number, quint8 direction)
     const Transaction transaction(*this);
     run("removePGN", u"delete from SPNs%1 where pgnnumber = %2 and direction = %3"_s.arg(
                          QString::number(line), QString::number(number), QString::number(direction)));
-    if (!run("removePGN", u"delete from PGNs%1 where %2"_s.arg(QString::number(line), pgnCondition(number, direction))))
+    if (!run("removePGN", pgnRow(line, number, direction).remove()))
         return false;
     notify(Change::PGNRemoved, {.line = line, .pgn = number, .direction = direction});
     return true;
@@ -158,8 +134,7 @@ bool ObjectDataBase::removePGN(quint8 line, quint32 number, quint8 direction)
 
 bool ObjectDataBase::removeSPN(quint8 line, quint32 pgn, quint32 spn, quint8 direction)
 {
-    if (blocked_ || !run("removeSPN", u"delete from SPNs%1 where %2"_s.arg(QString::number(line),
-                                                                           spnCondition(pgn, direction, spn))))
+    if (blocked_ || !run("removeSPN", spnRow(line, pgn, direction, spn).remove()))
         return false;
     notify(Change::SignalRemoved, {.line = line, .pgn = pgn, .spn = spn, .direction = direction});
     return true;
@@ -167,20 +142,19 @@ bool ObjectDataBase::removeSPN(quint8 line, quint32 pgn, quint32 spn, quint8 dir
 
 bool ObjectDataBase::pgnExists(quint8 line, quint32 number, quint8 direction)
 {
-    return selectsRow(selectFrom(LineTable::PGNs, line, u"number"_s, pgnCondition(number, direction)));
+    return selectsRow(pgnRow(line, number, direction).select(u"1"_s));
 }
 
 bool ObjectDataBase::spnExists(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
 {
-    return selectsRow(selectFrom(LineTable::SPNs, line, u"spnnumber"_s, spnCondition(pgn, direction, spn)));
+    return selectsRow(spnRow(line, pgn, direction, spn).select(u"1"_s));
 }
 
 bool ObjectDataBase::getPGN(quint8 line, quint32 number, quint8 direction, PGN &data)
 {
     QSqlQuery query = newQuery();
     query.setForwardOnly(true);
-    if (!run("getPGN", query,
-             selectFrom(LineTable::PGNs, line, RecordColumns::names(pgnColumns), pgnCondition(number, direction))) ||
+    if (!run("getPGN", query, pgnRow(line, number, direction).select(RecordColumns::names(pgnColumns))) ||
         !query.next())
         return false;
     data.number = number;
@@ -191,14 +165,12 @@ bool ObjectDataBase::getPGN(quint8 line, quint32 number, quint8 direction, PGN &
 
 QString ObjectDataBase::getPGNName(quint8 line, quint32 number, quint8 direction)
 {
-    const QVariant id = selectValue(selectFrom(LineTable::PGNs, line, u"name"_s, pgnCondition(number, direction)));
-    return id.isNull() ? QString() : getString(id.toInt());
+    return selectText(pgnRow(line, number, direction));
 }
 
 quint16 ObjectDataBase::getPGNMappingCount(quint8 line, quint32 number, quint8 direction)
 {
-    return static_cast<quint16>(
-        selectValue(selectFrom(LineTable::PGNs, line, u"mappingcount"_s, pgnCondition(number, direction))).toUInt());
+    return static_cast<quint16>(selectValue(pgnRow(line, number, direction).select(u"mappingcount"_s)).toUInt());
 }
 
 QList<quint32> ObjectDataBase::getPGNList(quint8 line, quint8 direction, bool leaveOutSafe)
@@ -220,7 +192,8 @@ bool ObjectDataBase::getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 
     }
     QSqlQuery query = newQuery();
     query.setForwardOnly(true);
-    if (!run("getSPN", query, spnSelect(line, "where "_L1 + spnCondition(pgn, direction, spn))) || !query.next())
+    if (!run("getSPN", query, spnSelect(line, "where "_L1 + spnRow(line, pgn, direction, spn).condition())) ||
+        !query.next())
         return false;
     data = spnOfRow(query, strings_);
     return true;
@@ -237,13 +210,12 @@ QList<quint32> ObjectDataBase::getSPNList(quint8 line, quint32 pgn, quint8 direc
 
 QString ObjectDataBase::getSPNName(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
 {
-    const QVariant id = selectValue(selectFrom(LineTable::SPNs, line, u"name"_s, spnCondition(pgn, direction, spn)));
-    return id.isNull() ? QString() : getString(id.toInt());
+    return selectText(spnRow(line, pgn, direction, spn));
 }
 
 quint32 ObjectDataBase::getSPNDataType(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
 {
-    return selectValue(selectFrom(LineTable::SPNs, line, u"datatype"_s, spnCondition(pgn, direction, spn))).toUInt();
+    return selectValue(spnRow(line, pgn, direction, spn).select(u"datatype"_s)).toUInt();
 }
 
 bool ObjectDataBase::cacheSPNs(quint8 line)

@@ -148,31 +148,34 @@ constexpr int automaticBase = 0;
 
 } // namespace
 
+/// Writes a column of the row that the condition names, which is made first where it is missing.
+void ObjectDataBase::writeColumn(const QString &table, const QString &condition, const QString &insert,
+                                 const QString &column, const QVariant &value)
+{
+    QSqlQuery query = newQuery();
+    if (!run("error writeColumn", query, u"select objectindex from %1 where %2"_s.arg(table, condition)))
+        return;
+    const bool exists = query.next();
+    query.finish();
+    const QString text =
+        (isPooledColumn(column) ? QString::number(strings_.idOf(value.toString())) : value.toString()).simplified();
+    if (exists || run("error writeColumn", query, insert))
+        run("error writeColumn", query, u"update %1 set %2='%3' where %4"_s.arg(table, column, text, condition));
+}
+
 void ObjectDataBase::setObjectIndexSqlValue(const QString &table, const QString &index, const QString &column,
                                             const QVariant &value)
 {
     if (blocked_ || !value.isValid())
         return;
-    QSqlQuery query = newQuery();
-    if (!run("error setObjectIndexSqlValue", query,
-             u"select objectindex from %1 where objectindex = %2"_s.arg(table, index)))
+    const auto line = lineOfTable(table);
+    const Metadata metadata = column == "metadata"_L1 ? MetadataBlob::parse(value.toByteArray()) : Metadata();
+    if (line && !metadata.isEmpty()) {
+        setObjectMetadata(*line, static_cast<quint16>(index.toUInt(nullptr, automaticBase)), metadata);
         return;
-    const bool exists = query.next();
-    if (column == "metadata"_L1) {
-        const auto line = lineOfTable(table);
-        const Metadata metadata = MetadataBlob::parse(value.toByteArray());
-        if (line && !metadata.isEmpty()) {
-            setObjectMetadata(*line, static_cast<quint16>(index.toUInt(nullptr, automaticBase)), metadata);
-            return;
-        }
     }
-    const QString text =
-        (isPooledColumn(column) ? QString::number(strings_.idOf(value.toString())) : value.toString()).simplified();
-    if (!exists &&
-        !run("error setObjectIndexSqlValue", query, u"insert into %1 values(%2,0,0,0,0,0,0,0,0)"_s.arg(table, index)))
-        return;
-    run("error setObjectIndexSqlValue", query,
-        u"update %1 set %2='%3' where objectindex = %4"_s.arg(table, column, text, index));
+    writeColumn(table, u"objectindex = %1"_s.arg(index),
+                u"insert into %1 values(%2,0,0,0,0,0,0,0,0)"_s.arg(table, index), column, value);
 }
 
 void ObjectDataBase::setSubindexSqlValue(const QString &table, const QString &index, const QString &subindex,
@@ -180,27 +183,15 @@ void ObjectDataBase::setSubindexSqlValue(const QString &table, const QString &in
 {
     if (blocked_ || !value.isValid())
         return;
-    QSqlQuery query = newQuery();
-    if (!run("error setSubindexSqlValue", query,
-             u"select objectindex from %1 where objectindex = %2 and subindex = %3"_s.arg(table, index, subindex)))
+    const auto line = lineOfTable(table);
+    const Metadata metadata = column == "metadata"_L1 ? MetadataBlob::parse(value.toByteArray()) : Metadata();
+    if (line && !metadata.isEmpty()) {
+        setSubObjectMetadata(*line, static_cast<quint16>(index.toUInt(nullptr, automaticBase)),
+                             static_cast<quint8>(subindex.toUInt(nullptr, automaticBase)), metadata);
         return;
-    const bool exists = query.next();
-    if (column == "metadata"_L1) {
-        const auto line = lineOfTable(table);
-        const Metadata metadata = MetadataBlob::parse(value.toByteArray());
-        if (line && !metadata.isEmpty()) {
-            setSubObjectMetadata(*line, static_cast<quint16>(index.toUInt(nullptr, automaticBase)),
-                                 static_cast<quint8>(subindex.toUInt(nullptr, automaticBase)), metadata);
-            return;
-        }
     }
-    const QString text =
-        (isPooledColumn(column) ? QString::number(strings_.idOf(value.toString())) : value.toString()).simplified();
-    if (!exists &&
-        !run("error setSubindexSqlValue", query,
-             u"insert into %1 values(%2,%3,NULL,0,0,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,0,"
-             "NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL)"_s.arg(table, index, subindex)))
-        return;
-    run("error setSubindexSqlValue", query,
-        u"update %1 set %2='%3' where objectindex = %4 and subindex = %5"_s.arg(table, column, text, index, subindex));
+    writeColumn(table, u"objectindex = %1 and subindex = %2"_s.arg(index, subindex),
+                u"insert into %1 values(%2,%3,NULL,0,0,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,0,"
+                "NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL)"_s.arg(table, index, subindex),
+                column, value);
 }

@@ -1,5 +1,6 @@
 #include "store/objectdatabase.h"
 
+#include "store/recordcolumns.h"
 #include "store/schema.h"
 
 #include <QCoreApplication>
@@ -241,6 +242,25 @@ bool ObjectDataBase::selectsRow(const QString &statement)
     QSqlQuery query = newQuery();
     query.setForwardOnly(true);
     return execQuery(query, statement) && query.next();
+}
+
+/// Executes `update` if the row exists, else `insert`.
+bool ObjectDataBase::writeRow(const char *operation, const RecordColumns::Row &row, const QString &insert,
+                              const QString &update)
+{
+    QSqlQuery query = newQuery();
+    if (!run(operation, query, row.select(u"1"_s)))
+        return false;
+    const bool exists = query.next();
+    query.finish();
+    return run(operation, query, exists ? update : insert);
+}
+
+/// The text of the pool that the row's column "name" refers to.
+QString ObjectDataBase::selectText(const RecordColumns::Row &row)
+{
+    const QVariant id = selectValue(row.select(u"name"_s));
+    return id.isNull() ? QString() : strings_.textOf(id.toInt());
 }
 
 QList<quint32> ObjectDataBase::selectNumbers(const QString &statement)

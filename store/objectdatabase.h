@@ -14,6 +14,9 @@
 #include <QStringList>
 
 class QSqlQuery;
+namespace RecordColumns {
+class Row;
+}
 
 /// A project: the one gateway to its database.
 ///
@@ -313,6 +316,8 @@ private:
     bool run(const char *operation, const QString &statement);
     QVariant selectValue(const QString &statement);
     bool selectsRow(const QString &statement);
+    bool writeRow(const char *operation, const RecordColumns::Row &row, const QString &insert, const QString &update);
+    QString selectText(const RecordColumns::Row &row);
     QList<quint32> selectNumbers(const QString &statement);
     void tellWrite(const QString &statement);
     void notify(Change type, ChangeSet change = {});
@@ -335,6 +340,8 @@ private:
     bool writeSubRow(const SubEntry &entry, QSqlQuery *prepared);
     void ensurePGNColumns(quint8 line);
     bool setMetadata(const QString &statement, quint16 index, std::optional<quint8> subindex, const Metadata &metadata);
+    void writeColumn(const QString &table, const QString &condition, const QString &insert, const QString &column,
+                     const QVariant &value);
     void setUDSColumn(quint8 line, quint8 sid, const QString &column, const QString &value);
 
     QString connectionName_;

@@ -12,6 +12,7 @@ using ProjectSchema::LineTable;
 using RecordColumns::Column;
 using RecordColumns::number;
 using RecordColumns::pooled;
+using RecordColumns::Row;
 using RecordColumns::text;
 
 namespace {
@@ -43,20 +44,15 @@ constexpr std::array<Column<DataElement>, 9> elementColumnTable = {
 };
 constexpr std::span<const Column<DataElement>> elementColumns = elementColumnTable;
 
-QString canidCondition(quint32 id, quint8 direction)
+Row canidRow(quint8 line, quint32 id, quint8 direction)
 {
-    return u"id = %1 and direction = %2"_s.arg(QString::number(id), QString::number(direction));
+    return {ProjectSchema::tableName(LineTable::CANIDs, line), {{"id"_L1, id}, {"direction"_L1, direction}}};
 }
 
-QString elementCondition(quint32 canid, quint8 direction, quint32 number)
+Row elementRow(quint8 line, quint32 canid, quint8 direction, quint32 number)
 {
-    return u"canid = %1 and number = %2 and direction = %3"_s.arg(QString::number(canid), QString::number(number),
-                                                                  QString::number(direction));
-}
-
-QString selectFrom(LineTable family, quint8 line, const QString &columns, const QString &condition)
-{
-    return u"select %1 from %2 where %3"_s.arg(columns, ProjectSchema::tableName(family, line), condition);
+    return {ProjectSchema::tableName(LineTable::DataElements, line),
+            {{"canid"_L1, canid}, {"number"_L1, number}, {"direction"_L1, direction}}};
 }
 
 } // namespace
@@ -66,19 +62,8 @@ bool ObjectDataBase::addCANID(quint8 line, quint32 id, const CANID &data)
     if (blocked_)
         return false;
     const RecordColumns::TextIds ids = RecordColumns::intern(canidColumns, data, strings_, {"name"_L1, "desc"_L1});
-    const QString table = ProjectSchema::tableName(LineTable::CANIDs, line);
-    const QString condition = canidCondition(id, data.direction);
-    QSqlQuery query = newQuery();
-    if (!run("addCANID", query, selectFrom(LineTable::CANIDs, line, u"id"_s, condition)))
-        return false;
-    const QString statement =
-        query.next()
-            ? u"update %1 set %2 where %3"_s.arg(table, RecordColumns::assignments(canidColumns, data, ids), condition)
-            : u"insert into %1 (id, direction, %2) values(%3, %4, %5)"_s.arg(
-                  table, RecordColumns::names(canidColumns), QString::number(id), QString::number(data.direction),
-                  RecordColumns::values(canidColumns, data, ids));
-    query.finish();
-    if (!run("addCANID", query, statement))
+    const Row row = canidRow(line, id, data.direction);
+    if (!writeRow("addCANID", row, row.insert(canidColumns, data, ids), row.update(canidColumns, data, ids)))
         return false;
     notify(Change::CANIDWritten, {.line = line, .canid = id, .direction = data.direction});
     return true;
@@ -90,20 +75,9 @@ bool ObjectDataBase::addDataElement(quint8 line, quint32 canid, quint8 direction
     if (blocked_)
         return false;
     const RecordColumns::TextIds ids = RecordColumns::intern(elementColumns, data, strings_, {"name"_L1, "desc"_L1});
-    const QString table = ProjectSchema::tableName(LineTable::DataElements, line);
-    const QString condition = elementCondition(canid, direction, number);
-    QSqlQuery query = newQuery();
-    if (!run("addDataElement", query, selectFrom(LineTable::DataElements, line, u"number"_s, condition)))
-        return false;
-    const QString statement =
-        query.next()
-            ? u"update %1 set %2 where %3"_s.arg(
-                  table, RecordColumns::assignments(elementColumns, data, ids, {"pos"_L1, "bitsize"_L1}), condition)
-            : u"insert into %1 (canid, number, direction, %2) values(%3, %4, %5, %6)"_s.arg(
-                  table, RecordColumns::names(elementColumns), QString::number(canid), QString::number(number),
-                  QString::number(direction), RecordColumns::values(elementColumns, data, ids));
-    query.finish();
-    if (!run("addDataElement", query, statement))
+    const Row row = elementRow(line, canid, direction, number);
+    if (!writeRow("addDataElement", row, row.insert(elementColumns, data, ids),
+                  row.update(elementColumns, data, ids, {"pos"_L1, "bitsize"_L1})))
         return false;
     notify(Change::DataElementWritten, {.line = line, .canid = canid, .number = number});
     return true;
@@ -116,8 +90,7 @@ bool ObjectDataBase::removeCANID(quint8 line, quint32 id, quint8 direction)
     const Transaction transaction(*this);
     run("removeCANID", u"delete from DataElements%1 where canid = %2 and direction = %3"_s.arg(
                            QString::number(line), QString::number(id), QString::number(direction)));
-    if (!run("removeCANID",
-             u"delete from CANIDs%1 where %2"_s.arg(QString::number(line), canidCondition(id, direction))))
+    if (!run("removeCANID", canidRow(line, id, direction).remove()))
         return false;
     notify(Change::CANIDRemoved, {.line = line, .canid = id, .direction = direction});
     return true;
@@ -125,8 +98,7 @@ bool ObjectDataBase::removeCANID(quint8 line, quint32 id, quint8 direction)
 
 bool ObjectDataBase::removeDataElement(quint8 line, quint32 canid, quint32 number, quint8 direction)
 {
-    if (blocked_ || !run("removeDataElement", u"delete from DataElements%1 where %2"_s.arg(
-                                                  QString::number(line), elementCondition(canid, direction, number))))
+    if (blocked_ || !run("removeDataElement", elementRow(line, canid, direction, number).remove()))
         return false;
     notify(Change::SignalRemoved, {.line = line, .canid = canid, .number = number, .direction = direction});
     return true;
@@ -134,21 +106,19 @@ bool ObjectDataBase::removeDataElement(quint8 line, quint32 canid, quint32 numbe
 
 bool ObjectDataBase::canidExists(quint8 line, quint32 id, quint8 direction)
 {
-    return selectsRow(selectFrom(LineTable::CANIDs, line, u"id"_s, canidCondition(id, direction)));
+    return selectsRow(canidRow(line, id, direction).select(u"1"_s));
 }
 
 bool ObjectDataBase::dataElementExists(quint8 line, quint32 canid, quint8 direction, quint32 number)
 {
-    return selectsRow(
-        selectFrom(LineTable::DataElements, line, u"number"_s, elementCondition(canid, direction, number)));
+    return selectsRow(elementRow(line, canid, direction, number).select(u"1"_s));
 }
 
 bool ObjectDataBase::getCANID(quint8 line, quint32 id, quint8 direction, CANID &data)
 {
     QSqlQuery query = newQuery();
     query.setForwardOnly(true);
-    if (!run("getCANID", query,
-             selectFrom(LineTable::CANIDs, line, RecordColumns::names(canidColumns), canidCondition(id, direction))) ||
+    if (!run("getCANID", query, canidRow(line, id, direction).select(RecordColumns::names(canidColumns))) ||
         !query.next())
         return false;
     data.id = id;
@@ -159,8 +129,7 @@ bool ObjectDataBase::getCANID(quint8 line, quint32 id, quint8 direction, CANID &
 
 QString ObjectDataBase::getCANIDName(quint8 line, quint32 id, quint8 direction)
 {
-    const QVariant text = selectValue(selectFrom(LineTable::CANIDs, line, u"name"_s, canidCondition(id, direction)));
-    return text.isNull() ? QString() : getString(text.toInt());
+    return selectText(canidRow(line, id, direction));
 }
 
 QList<quint32> ObjectDataBase::getCANIDList(quint8 line, quint8 direction)
@@ -174,8 +143,7 @@ bool ObjectDataBase::getDataElement(quint8 line, quint32 canid, quint8 direction
     QSqlQuery query = newQuery();
     query.setForwardOnly(true);
     if (!run("getDataElement", query,
-             selectFrom(LineTable::DataElements, line, RecordColumns::names(elementColumns),
-                        elementCondition(canid, direction, number))) ||
+             elementRow(line, canid, direction, number).select(RecordColumns::names(elementColumns))) ||
         !query.next())
         return false;
     data.spnnumber = number;
@@ -186,9 +154,7 @@ bool ObjectDataBase::getDataElement(quint8 line, quint32 canid, quint8 direction
 
 QString ObjectDataBase::getDataElementName(quint8 line, quint32 canid, quint8 direction, quint32 number)
 {
-    const QVariant text =
-        selectValue(selectFrom(LineTable::DataElements, line, u"name"_s, elementCondition(canid, direction, number)));
-    return text.isNull() ? QString() : getString(text.toInt());
+    return selectText(elementRow(line, canid, direction, number));
 }
 
 QList<quint32> ObjectDataBase::getDataElementList(quint8 line, quint32 canid, quint8 direction)

@@ -146,6 +146,51 @@ QString assignments(std::span<const Column<Record>> columns, const Record &recor
     return list.join(QLatin1StringView(", "));
 }
 
+/// The place of a record: a table and the values of its key columns; the source of the statements on that row.
+class Row
+{
+public:
+    using Key = std::initializer_list<std::pair<QLatin1StringView, quint32>>;
+
+    Row(const QString &table, Key key)
+        : table_(table)
+    {
+        for (const auto &[name, value] : key) {
+            names_.append(name);
+            values_.append(QString::number(value));
+            conditions_.append(name + QLatin1StringView(" = ") + values_.last());
+        }
+    }
+
+    QString condition() const { return conditions_.join(QLatin1StringView(" and ")); }
+    QString select(const QString &columns) const
+    {
+        return QStringLiteral("select %1 from %2 where %3").arg(columns, table_, condition());
+    }
+    QString remove() const { return QStringLiteral("delete from %1 where %2").arg(table_, condition()); }
+
+    template <class Record>
+    QString insert(std::span<const Column<Record>> columns, const Record &record, const TextIds &ids) const
+    {
+        return QStringLiteral("insert into %1 (%2, %3) values(%4, %5)")
+            .arg(table_, names_.join(u','), names(columns), values_.join(u','),
+                 RecordColumns::values(columns, record, ids));
+    }
+    template <class Record>
+    QString update(std::span<const Column<Record>> columns, const Record &record, const TextIds &ids,
+                   std::initializer_list<QLatin1StringView> except = {}) const
+    {
+        return QStringLiteral("update %1 set %2 where %3")
+            .arg(table_, assignments(columns, record, ids, except), condition());
+    }
+
+private:
+    QString table_;
+    QStringList names_;
+    QStringList values_;
+    QStringList conditions_;
+};
+
 /// Fills a record from the current row of a query whose columns from `first` on are those of the list.
 template <class Record>
 void readRow(std::span<const Column<Record>> columns, const QSqlQuery &query, Record &record, StringPool &pool,
