@@ -1,6 +1,7 @@
 #include "import/edsimporter.h"
 
 #include "import/pdoobjects.h"
+#include "import/recordquotes.h"
 #include "nodedict/canopenindex.h"
 #include "nodedict/canopensubindex.h"
 #include "nodedict/edsparser.h"
@@ -10,6 +11,7 @@
 #include <QStringList>
 
 using namespace Qt::StringLiterals;
+using RecordQuotes::withQuotesDoubled;
 
 namespace {
 
@@ -81,19 +83,6 @@ SubRecord recordOf(const CANopenSubindex &sub)
         record.limitineds = true;
     }
     nameDomainVariable(record, static_cast<quint16>(sub.index), sub.subindex);
-    return record;
-}
-
-/// The form in which a record goes to the store, whose statements hold most of its texts as they stand: single quotes
-/// are doubled but where the store does that itself.
-SubRecord withQuotesDoubled(SubRecord record)
-{
-    if (record.datatype != CAN::VisibleString) {
-        ObjectDataBase::escapeQuotes(record.defaultvalue);
-        ObjectDataBase::escapeQuotes(record.currentvalue);
-    }
-    ObjectDataBase::escapeQuotes(record.lowlimit);
-    ObjectDataBase::escapeQuotes(record.uplimit);
     return record;
 }
 
