@@ -56,7 +56,8 @@ bool ObjectDataBase::saveDatabaseAsSql(const QString &path)
 
     // A backup without its project is all that a failed save left, and stays until there is something to replace it.
     const QString backup = target + ".bak"_L1;
-    if (QFile::exists(target)) {
+    const bool replaces = QFile::exists(target);
+    if (replaces) {
         QFile::remove(backup);
         QFile::rename(target, backup);
     }
@@ -65,6 +66,8 @@ bool ObjectDataBase::saveDatabaseAsSql(const QString &path)
         lastError_ = cannotWrite(target);
         return false;
     }
+    if (replaces)
+        QFile::setPermissions(target, QFile::permissions(backup));
     projectPath_ = target;
     return true;
 }

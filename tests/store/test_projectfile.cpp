@@ -104,9 +104,12 @@ TEST_F(ProjectFile, SaveKeepsTheFileBeforeAsBackupAndDropsScratchLines)
     const QString file = path(u"a.ncxp"_s);
     TestSupport::writeFile(file, "what stood here");
     TestSupport::writeFile(file + u".bak"_s, "older");
+    QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner | QFile::WriteGroup);
+    const auto permissions = QFile::permissions(file);
     store.addNode(254, {});
     store.addNode(255, {});
     ASSERT_TRUE(store.saveDatabase(file));
+    EXPECT_EQ(QFile::permissions(file), permissions);
     EXPECT_EQ(TestSupport::readFile(file + u".bak"_s), "what stood here");
     EXPECT_EQ(store.getNodeList(), QList<quint8>{0});
 
