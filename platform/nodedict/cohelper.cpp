@@ -92,6 +92,9 @@ constexpr Word typeAliases[] = {
     {"uint8t"_L1, CAN::Unsigned8},
     {"usint"_L1, CAN::Unsigned8},
     {"byte"_L1, CAN::Unsigned8},
+    {"word"_L1, CAN::Unsigned16},
+    {"dword"_L1, CAN::Unsigned32},
+    {"lword"_L1, CAN::Unsigned64},
     {"uint16"_L1, CAN::Unsigned16},
     {"uint16t"_L1, CAN::Unsigned16},
     {"uint"_L1, CAN::Unsigned16},
@@ -121,6 +124,7 @@ constexpr Word typeAliases[] = {
 constexpr Word objectCodes[] = {
     {"DOMAIN"_L1, CANopen::Domain}, {"DEFTYPE"_L1, CANopen::DefType}, {"DEFSTRUCT"_L1, CANopen::DefStruct},
     {"VARIABLE"_L1, CANopen::Var},  {"ARRAY"_L1, CANopen::Array},     {"RECORD"_L1, CANopen::Record},
+    {"REC"_L1, CANopen::Record},    {"STRUCT"_L1, CANopen::Record},
 };
 
 struct AccessWord
@@ -193,7 +197,9 @@ quint32 COHelper::mapDataTypeString(const QString &text)
     }();
     if (const auto code = number(text.trimmed()))
         return *code <= 0xffff ? *code : quint32{CAN::NoType};
-    return words.value(comparable(text), CAN::NoType);
+    // A length behind the name, "VISIBLE_STRING(8)", is no part of it.
+    const auto length = std::ranges::find_if(text, [](QChar c) { return c == u'(' || c == u'['; });
+    return words.value(comparable(text.first(length - text.begin())), CAN::NoType);
 }
 
 quint32 COHelper::getDataLengthBits(quint32 dataType)

@@ -219,7 +219,7 @@ std::optional<quint32> EdsParser::number(const Fields &fields, Field field) cons
 
 QString EdsParser::word(const Fields &fields, Field field) const
 {
-    return text(fields, field).section(u';', 0, 0).trimmed();
+    return EdsValue::withoutQuotes(text(fields, field).section(u';', 0, 0).trimmed());
 }
 
 std::optional<quint32> EdsParser::dataType(const Fields &fields) const
@@ -236,7 +236,12 @@ std::optional<quint32> EdsParser::objectType(const Fields &fields) const
     const QString type = word(fields, ObjectType);
     if (type.isEmpty())
         return std::nullopt;
-    return EdsValue::number(type).value_or(COHelper::string2objectCode(type));
+    if (const auto code = EdsValue::number(type))
+        return code;
+    // A word that is not known says no more than a missing one.
+    const quint32 code = COHelper::string2objectCode(type);
+    const bool isKnown = code != CANopen::Var || type.startsWith("VAR"_L1, Qt::CaseInsensitive);
+    return isKnown ? std::optional(code) : std::nullopt;
 }
 
 /// The object code of an object, guessed from what else it has if its section does not tell.
@@ -272,7 +277,7 @@ CANopen::CANopenIndex EdsParser::readObject(quint32 index, const Fields &fields)
     object.datatype =
         isGroup(object.objecttype) ? dataType(fields).value_or(CAN::Unsigned8) : object.compacttemplate.datatype;
     if (isGroup(object.objecttype))
-        object.compactcount = static_cast<quint8>(qMin(number(fields, CompactSubObj).value_or(0), 255U));
+        object.compactcount = static_cast<quint8>(qMin(number(fields, CompactSubObj).value_or(0), 254U));
     return object;
 }
 
@@ -294,6 +299,7 @@ CANopenSubindex EdsParser::readSub(quint32 index, quint8 subindex, const Fields 
     const quint32 flags = number(fields, ObjFlags).value_or(0);
     sub.refusewrite = (flags & refuseWriteFlag) != 0;
     sub.refuseread = (flags & refuseReadFlag) != 0;
-    sub.pdomapping = number(fields, PDOMapping).value_or(0) != 0;
+    const QString mapping = word(fields, PDOMapping).toLower();
+    sub.pdomapping = number(fields, PDOMapping).value_or(0) != 0 || mapping == "true"_L1 || mapping == "yes"_L1;
     return sub;
 }

@@ -68,6 +68,9 @@ void EdsText::setContent(const QByteArray &content)
     }
     if (content_.startsWith("\xef\xbb\xbf"))
         content_.remove(0, 3);
+    // The mark that old editors put behind the last line.
+    while (content_.endsWith('\x1a') || content_.endsWith('\0'))
+        content_.chop(1);
     utf8_ = content_.isValidUtf8();
 }
 

@@ -1,5 +1,6 @@
 #include "nodedict/edsvalue.h"
 
+#include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
 
 #include <QStringList>
@@ -17,25 +18,35 @@ std::optional<quint64> unsignedNumber(const QString &text)
     return ok ? std::optional(value) : std::nullopt;
 }
 
-bool isNumber(const QString &text)
+/// A number in the form in which every reader of a value takes it: "0X" becomes "0x", and a leading 0 that is mere
+/// padding goes. Null if the text is none.
+QString plainNumber(const QString &text)
 {
-    bool ok = false;
-    text.toDouble(&ok);
-    return ok || unsignedNumber(text.startsWith(u'-') || text.startsWith(u'+') ? text.mid(1) : text).has_value();
+    const bool hasSign = text.startsWith(u'-') || text.startsWith(u'+');
+    const QString digits = hasSign ? text.mid(1) : text;
+    bool isReal = false;
+    text.toDouble(&isReal);
+    if (!isReal && !unsignedNumber(digits))
+        return {};
+    bool isNotation = false;
+    bool isDecimal = false;
+    digits.toULongLong(&isNotation, 0);
+    const quint64 decimal = digits.toULongLong(&isDecimal, 10);
+    if (!isNotation && isDecimal)
+        return text.first(hasSign ? 1 : 0) + QString::number(decimal);
+    return QString(text).replace("0X"_L1, "0x"_L1);
 }
 
-QString withSmallPrefix(QString text)
-{
-    if (text.startsWith("0X"_L1))
-        text[1] = u'x';
-    return text;
-}
-
-/// `text` up to a ";" that follows a blank; what is behind it is a remark only if a number is in front.
+/// What stands in front of a remark: of a ";", or of a blank and "//" or "#".
 QString withoutRemark(const QString &text)
 {
-    const qsizetype semicolon = text.indexOf(u';');
-    return semicolon > 0 && text.at(semicolon - 1).isSpace() ? text.left(semicolon).trimmed() : text;
+    qsizetype end = text.indexOf(u';');
+    for (const QLatin1StringView mark : {" //"_L1, "\t//"_L1, " #"_L1, "\t#"_L1}) {
+        const qsizetype position = text.indexOf(mark);
+        if (position > 0 && (end < 0 || position < end))
+            end = position;
+    }
+    return end > 0 ? text.first(end).trimmed() : text;
 }
 
 /// The sum of a node-id and numbers as "$NODEID+number"; null if the text is anything else.
@@ -52,7 +63,7 @@ QString nodeRelative(QString text)
             term.compare("nodeid"_L1, Qt::CaseInsensitive) == 0) {
             ++nodeIds;
         } else if (const auto value = unsignedNumber(term)) {
-            numbers.append(withSmallPrefix(term));
+            numbers.append(plainNumber(term));
             sum += *value;
         } else {
             return {};
@@ -67,10 +78,17 @@ QString nodeRelative(QString text)
 
 } // namespace
 
+QString EdsValue::withoutQuotes(const QString &text)
+{
+    const bool isQuoted = text.size() >= 2 && text.startsWith(u'"') && text.endsWith(u'"');
+    return isQuoted ? text.sliced(1, text.size() - 2).trimmed() : text;
+}
+
 std::optional<quint32> EdsValue::number(const QString &text)
 {
-    const auto end = std::find_if(text.begin(), text.end(), [](QChar c) { return c.isSpace() || c == u';'; });
-    const auto value = unsignedNumber(text.left(end - text.begin()));
+    const QString inner = withoutQuotes(text);
+    const auto end = std::find_if(inner.begin(), inner.end(), [](QChar c) { return c.isSpace() || c == u';'; });
+    const auto value = unsignedNumber(inner.left(end - inner.begin()));
     return value && *value <= 0xffffffff ? std::optional(static_cast<quint32>(*value)) : std::nullopt;
 }
 
@@ -78,9 +96,10 @@ QString EdsValue::normalised(const QString &text, quint32 dataType)
 {
     if (text.isEmpty() || COHelper::isTextType(dataType))
         return text;
-    const QString value = withoutRemark(text);
-    QString relative = nodeRelative(value);
-    if (!relative.isNull())
+    // Of a type that is not known the value may be a text, in which these are no remarks.
+    const QString value = dataType == CAN::NoType ? text : withoutRemark(withoutQuotes(text));
+    if (QString relative = nodeRelative(value); !relative.isNull())
         return relative;
-    return isNumber(value) ? withSmallPrefix(value) : text;
+    const QString number = plainNumber(value);
+    return number.isNull() ? text : number;
 }

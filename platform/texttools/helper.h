@@ -9,6 +9,9 @@ public:
     /// `formatVersion` selects the text conventions of the generated sources; 3 is the current and only one.
     explicit Helper(int formatVersion);
 
+    /// Stands for a line break in the descriptions of CSV tables, where each row is one line. No description holds it.
+    static constexpr QLatin1StringView csvDescLinebreak{"##LINEBREAK##"};
+
     /// Replaces the placeholders that names and descriptions may hold:
     ///
     /// | Placeholder                         | Value                                          |

@@ -33,7 +33,14 @@ TEST(EdsValue, Normalised)
         {u"0XFF"_s, u"0xFF"_s},
         {u"017"_s, u"017"_s},
         {u"-5 ; remark"_s, u"-5"_s},
-        {u"5;no remark"_s, u"5;no remark"_s},
+        {u"5;remark"_s, u"5"_s},
+        {u"$NODEID+0x200;"_s, u"$NODEID+0x200"_s},
+        {u"0 // low"_s, u"0"_s},
+        {u"5\t# five"_s, u"5"_s},
+        {u"\"0x12\""_s, u"0x12"_s},
+        {u"0099"_s, u"99"_s},
+        {u"-08"_s, u"-8"_s},
+        {u"$NODEID+08"_s, u"$NODEID+8"_s},
         {u"TRUE ; kept"_s, u"TRUE ; kept"_s},
         {u"$NODEID+0x180"_s, u"$NODEID+0x180"_s},
         {u"0X180 + $nodeid"_s, u"$NODEID+0x180"_s},
@@ -47,6 +54,7 @@ TEST(EdsValue, Normalised)
     };
     for (const auto &[text, value] : numbers)
         EXPECT_EQ(EdsValue::normalised(text, CAN::Unsigned32), value) << text.toStdString();
+    EXPECT_EQ(EdsValue::normalised(u"12 ; kept"_s, CAN::NoType), u"12 ; kept"_s);
     for (const quint32 type : {CAN::VisibleString, CAN::OctetString, CAN::UnicodeString, CAN::Domain})
         EXPECT_EQ(EdsValue::normalised(u"0X1 + $nodeid ; x"_s, type), u"0X1 + $nodeid ; x"_s);
 }
