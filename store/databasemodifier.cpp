@@ -4,6 +4,7 @@
 
 #include <QDebug>
 #include <QFile>
+#include <QFileInfo>
 #include <QTextStream>
 
 using namespace Qt::StringLiterals;
@@ -16,7 +17,8 @@ bool DatabaseModifier::applyModifierFile()
     store_->setBlocked(false);
     qDebug().noquote() << "Applying " << path_;
     QFile file(path_);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    // A pipe or device would never end.
+    if (!QFileInfo(path_).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
     QTextStream stream(&file);
     QString line;

@@ -239,6 +239,9 @@ bool DatabaseTextConverter::convertSqlToText()
     for (const QString &table : tables)
         replaceNulls(table);
 
+    writeFailed_ = tables.isEmpty();
+    if (writeFailed_)
+        return true;
     QSaveFile file(*file_);
     if (!file.open(QIODevice::WriteOnly)) {
         qDebug().noquote() << "convertSqlToText" << *file_ << file.errorString();
@@ -365,7 +368,8 @@ bool DatabaseTextConverter::convertTextToSql()
     if (!file_ || !store_ || !reader.open(*file_))
         return false;
     QStringList groups = reader.groups();
-    if (groups.isEmpty())
+    // A file that names no table of ours is another file, whatever brackets it holds.
+    if (std::none_of(groups.begin(), groups.end(), [](const QString &group) { return formOf(group) != nullptr; }))
         return false;
     // The other tables of a line exist once the line does.
     if (groups.removeAll(u"Nodes"_s) > 0)

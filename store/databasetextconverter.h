@@ -45,7 +45,7 @@ public:
     /// True if the last conversion to text could not write its file.
     bool writeFailed() const { return writeFailed_; }
     /// Reads a file into a new project. What cannot be understood or stored is logged and passed over. False if no file
-    /// has been set or it holds no groups.
+    /// has been set or it holds no group of a table.
     bool convertTextToSql();
 
 private:

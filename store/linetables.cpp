@@ -163,9 +163,14 @@ bool ObjectDataBase::getNode(quint8 line, NODE_DATA_T &data)
 QList<quint8> ObjectDataBase::getNodeList()
 {
     QList<quint8> lines;
-    for (const quint32 line : selectNumbers(u"select nodeId from nodes"_s)) {
-        if (line <= 0xff)
-            lines.append(static_cast<quint8>(line));
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    if (execQuery(query, u"select nodeId from nodes"_s)) {
+        while (query.next()) {
+            const qint64 line = query.value(0).toLongLong();
+            if (line >= 0 && line <= 0xff)
+                lines.append(static_cast<quint8>(line));
+        }
     }
     return lines;
 }

@@ -47,6 +47,16 @@ bool isWriting(const QString &statement)
                        [&](QLatin1StringView word) { return trimmed.startsWith(word, Qt::CaseInsensitive); });
 }
 
+/// Without a journal, a statement that ran out of space or could not read its pages leaves the file half changed.
+bool leavesDamage(const QSqlError &error)
+{
+    constexpr int inputOutput = 10;
+    constexpr int corrupt = 11;
+    constexpr int full = 13;
+    const int code = error.nativeErrorCode().toInt() & 0xff;
+    return code == inputOutput || code == corrupt || code == full;
+}
+
 } // namespace
 
 ObjectDataBase::ObjectDataBase(QObject *parent)
@@ -108,6 +118,7 @@ bool ObjectDataBase::connectTo(const QString &workingCopy)
 {
     closeDatabase();
     forgetCaches();
+    damaged_ = false;
     if (workingCopy.isEmpty())
         return false;
     database_.setDatabaseName(QDir::toNativeSeparators(workingCopy));
@@ -149,17 +160,18 @@ bool ObjectDataBase::createGlobalTables()
 
 bool ObjectDataBase::createNewDataBase()
 {
-    const bool opened = connectTo(makeWorkingCopy({}));
+    if (!connectTo(makeWorkingCopy({})))
+        return false;
     applyPragmas(newProjectCachePages);
     const Transaction transaction(*this);
-    if (createGlobalTables()) {
-        addNode(0, NODE_DATA_T());
-        notify(Change::ProjectReplaced);
-        setMiscSetting(u"CreateToolVersion"_s, QCoreApplication::applicationVersion());
-        setMiscSetting(u"CreateToolName"_s, QCoreApplication::applicationName());
-        setMiscSetting(u"DatabaseVersion"_s, QString::number(schemaVersion));
-    }
-    return opened;
+    if (!createGlobalTables())
+        return false;
+    addNode(0, NODE_DATA_T());
+    notify(Change::ProjectReplaced);
+    setMiscSetting(u"CreateToolVersion"_s, QCoreApplication::applicationVersion());
+    setMiscSetting(u"CreateToolName"_s, QCoreApplication::applicationName());
+    setMiscSetting(u"DatabaseVersion"_s, QString::number(schemaVersion));
+    return true;
 }
 
 void ObjectDataBase::setBlocked(bool blocked)
@@ -179,25 +191,26 @@ QSqlQuery ObjectDataBase::newQuery() const
 
 bool ObjectDataBase::execQuery(QSqlQuery &query, const QString &statement)
 {
-    bool done = false;
-    {
-        const StoreGate::Passage passage(gate_);
-        done = query.exec(statement);
-    }
-    if (done)
-        tellWrite(statement);
-    return done;
+    return execute(query, &statement);
 }
 
 bool ObjectDataBase::execPrepared(QSqlQuery &query)
 {
+    return execute(query, nullptr);
+}
+
+/// Executes a statement, or a prepared query where that is null.
+bool ObjectDataBase::execute(QSqlQuery &query, const QString *statement)
+{
     bool done = false;
     {
         const StoreGate::Passage passage(gate_);
-        done = query.exec();
+        done = statement ? query.exec(*statement) : query.exec();
     }
     if (done)
-        tellWrite(query.lastQuery());
+        tellWrite(statement ? *statement : query.lastQuery());
+    else
+        damaged_ = damaged_ || leavesDamage(query.lastError());
     return done;
 }
 

@@ -163,7 +163,7 @@ public:
     void cacheAllSubs(quint8 line, quint16 index);
     /// Loads display names: the denotation, or the name where that is empty.
     void cacheDenotations(quint8 line, quint16 index);
-    void clearSubCache() { subCache_.clear(); }
+    void clearSubCache();
     void clearDenotationCache() { denotations_.clear(); }
 
     /// Id of a text in the pool, adding it where it is new; -1 on failure.
@@ -234,6 +234,8 @@ public:
     QString getSPNName(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
     quint32 getSPNDataType(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
     bool cacheSPNs(quint8 line);
+    /// Counts the SPNs of all PGNs anew, which every open does; without a notification.
+    void repairMappingCounts();
     void clearSPNCache() { spnCache_.clear(); }
     /// True if some PGN of the line is a safety PGN (`issafe`).
     bool anySafePGN(quint8 line);
@@ -303,7 +305,6 @@ private:
     int fileSchemaVersion();
 
     // Repairs
-    void repairMappingCounts();
     void repairSPNDirections(quint8 line);
     void repairBitPositions(quint8 line);
     void repairDataElementPositions(quint8 line, quint8 direction);
@@ -319,7 +320,9 @@ private:
     bool writeRow(const char *operation, const RecordColumns::Row &row, const QString &insert, const QString &update);
     QString selectText(const RecordColumns::Row &row);
     QList<quint32> selectNumbers(const QString &statement);
+    bool execute(QSqlQuery &query, const QString *statement);
     void tellWrite(const QString &statement);
+    bool refusesDamaged();
     void notify(Change type, ChangeSet change = {});
 
     QString descriptionKey(const QString &key) const;
@@ -351,6 +354,7 @@ private:
     QString lastError_;
     std::atomic<bool> blocked_ = false;
     bool tampered_ = false;
+    bool damaged_ = false; ///< a statement failed so that the working copy cannot be trusted any more
     bool writeTracking_ = false;
     int transactionDepth_ = 0;
     quint8 currentLine_ = 0;

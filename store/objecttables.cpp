@@ -385,6 +385,12 @@ void ObjectDataBase::cacheAllSubs(quint8 line, quint16 index)
     subCache_.setLine(line, entries);
 }
 
+void ObjectDataBase::clearSubCache()
+{
+    const QMutexLocker locker(&cacheMutex_);
+    subCache_.clear();
+}
+
 void ObjectDataBase::cacheDenotations(quint8 line, quint16 index)
 {
     QSqlQuery query = newQuery();

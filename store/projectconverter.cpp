@@ -10,10 +10,10 @@ using namespace Qt::StringLiterals;
 bool ProjectConverter::doGenericCorrection()
 {
     if (store_->getGeneralSetting(u"drv_group_filter"_s).toInt() == 1) {
-        store_->setGeneralSetting(u"drv_group_filter"_s, u"0"_s);
-        store_->setGeneralSetting(u"hw_defines"_s,
-                                  store_->getGeneralSetting(u"hw_defines"_s) +
-                                      "\n\n /* old group filter setting */\n#define CO_DRV_GROUP_FILTER 1u\n"_L1);
+        const QString defines = store_->getGeneralSetting(u"hw_defines"_s) +
+                                "\n\n /* old group filter setting */\n#define CO_DRV_GROUP_FILTER 1u\n"_L1;
+        if (store_->setGeneralSetting(u"hw_defines"_s, ObjectDataBase::withQuotesDoubled(defines)))
+            store_->setGeneralSetting(u"drv_group_filter"_s, u"0"_s);
     }
     constexpr uint renumberedServerVersion = 5;
     if (store_->getGeneralSetting(u"udsserver_version"_s).toUInt() == renumberedServerVersion)
@@ -106,20 +106,6 @@ bool ProjectConverter::doEnergyBusCorrection()
 
 bool ProjectConverter::doJ1939Correction()
 {
-    for (const quint8 line : store_->getNodeList()) {
-        store_->cacheSPNs(line);
-        for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
-            for (const quint32 number : store_->getPGNList(line, direction)) {
-                const auto count = static_cast<quint16>(store_->getSPNList(line, number, direction).size());
-                ObjectDataBase::PGN pgn;
-                if (store_->getPGNMappingCount(line, number, direction) == count ||
-                    !store_->getPGN(line, number, direction, pgn))
-                    continue;
-                pgn.mappingcount = count;
-                store_->addPGN(line, number, pgn);
-            }
-        }
-    }
-    store_->clearSPNCache();
+    store_->repairMappingCounts();
     return true;
 }

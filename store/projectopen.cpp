@@ -76,7 +76,8 @@ bool ObjectDataBase::openTextDatabase(const QString &path)
 {
     lastError_.clear();
     projectPath_ = path;
-    createNewDataBase();
+    if (!createNewDataBase())
+        return false;
     DatabaseTextConverter converter;
     converter.setStore(this);
     converter.setDatabase(database_);
@@ -95,7 +96,9 @@ bool ObjectDataBase::openTextDatabase(const QString &path)
 
 bool ObjectDataBase::hasLines()
 {
-    return !getNodeList().isEmpty();
+    // A view of that name could go on for ever.
+    return selectsRow(u"select 1 from sqlite_master where type = 'table' and name = 'Nodes' collate nocase"_s) &&
+           !getNodeList().isEmpty();
 }
 
 int ObjectDataBase::fileSchemaVersion()

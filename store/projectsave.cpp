@@ -30,6 +30,14 @@ bool ObjectDataBase::saveDatabase(const QString &path)
     return target.endsWith("ncxt"_L1) ? saveDatabaseAsText(target) : saveDatabaseAsSql(target);
 }
 
+/// True, with the reason told, if saving would replace a good file by a broken one.
+bool ObjectDataBase::refusesDamaged()
+{
+    if (damaged_)
+        lastError_ = u"The working copy of the project is damaged (is the disk full?); the project is not saved."_s;
+    return damaged_;
+}
+
 void ObjectDataBase::writeIdentity()
 {
     setMiscSetting(u"SaveToolType"_s, QCoreApplication::applicationName());
@@ -53,6 +61,8 @@ bool ObjectDataBase::saveDatabaseAsSql(const QString &path)
         run("saveDatabaseAsSql", u"update SubObjects0 set wizardsource=454 where changedbyuser = 0"_s);
     }
     writeIdentity();
+    if (refusesDamaged())
+        return false;
 
     // A backup without its project is all that a failed save left, and stays until there is something to replace it.
     const QString backup = target + ".bak"_L1;
@@ -100,6 +110,8 @@ bool ObjectDataBase::saveDatabaseAsText(const QString &path)
     converter.setDatabase(database_);
     converter.setOutputFile(path);
     const Transaction transaction(*this);
+    if (refusesDamaged())
+        return true;
     converter.convertSqlToText();
     if (converter.writeFailed())
         lastError_ = cannotWrite(path);

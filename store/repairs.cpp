@@ -100,6 +100,9 @@ void ObjectDataBase::repairMappingCounts()
                     wrong.insert(key, counts.value(key));
             }
         }
+        if (wrong.isEmpty())
+            continue;
+        const TemporaryIndex index(*this, u"PGNs%1 (number, direction)"_s.arg(line));
         for (const auto &[key, count] : wrong.asKeyValueRange())
             run("repairMappingCounts", query,
                 u"update PGNs%1 SET mappingcount = %2 where number = %3 AND direction = %4 "_s.arg(
@@ -130,6 +133,10 @@ void ObjectDataBase::repairSPNDirections(quint8 line)
         if (pgn != directions.constEnd() && *pgn != key.direction)
             wrong.insert(key.number);
     }
+    if (wrong.isEmpty())
+        return;
+    query.finish();
+    const TemporaryIndex index(*this, u"SPNs%1 (pgnnumber)"_s.arg(line));
     query.prepare(u"update SPNs%1 SET direction = :direction where pgnnumber = :pgnnumber"_s.arg(line));
     for (const quint32 number : std::as_const(wrong)) {
         query.bindValue(u":direction"_s, directions.value(number));

@@ -272,7 +272,6 @@ constexpr LineColumn ofObjects[] = {
 
 constexpr LineColumn ofSignals[] = {
     {{"DataElements%1"_L1, "bitpos"_L1, integer}, 105},
-    {{"UDSSettings%1"_L1, "authentication"_L1, text}, 107},
 };
 
 constexpr LineColumn ofPGNs[] = {

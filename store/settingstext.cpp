@@ -459,9 +459,12 @@ void Reader::forEachKey(const QString &group, const Visit &visit) const
 {
     const QString groupPrefix = group + u'/';
     std::vector<std::pair<QString, const Section *>> sources;
-    for (auto it = sections_.begin(); it != sections_.end(); ++it) {
-        if (it.key().startsWith(groupPrefix) || (it.key().isEmpty() && it->hasGroups))
-            sources.emplace_back(it.key(), &it.value());
+    if (const auto rest = sections_.constFind(QString()); rest != sections_.constEnd() && rest->hasGroups)
+        sources.emplace_back(rest.key(), &rest.value());
+    for (auto it = sections_.lowerBound(groupPrefix); it != sections_.constEnd(); ++it) {
+        if (!it.key().startsWith(groupPrefix))
+            break;
+        sources.emplace_back(it.key(), &it.value());
     }
     if (sources.size() == 1 && !sources.front().first.isEmpty() && sources.front().second->isOrdered) {
         visitOrdered(*sources.front().second, sources.front().first.sliced(groupPrefix.size()), visit);

@@ -3,6 +3,7 @@
 #include "ncx_cli/app/clioutputhandler.h"
 
 #include <QCoreApplication>
+#include <QDir>
 
 using namespace Qt::StringLiterals;
 
@@ -66,18 +67,20 @@ void CLIMainApp::start()
         printHelp();
         return endWith(NoProject);
     }
+    // An open may change the current folder, which the paths of the command line are relative to.
+    const QDir folder = QDir::current();
     if (!handler_.openProject(project))
         return endWith(OpenFailed);
     if (const QString path = valueOf(u"-stackpath"_s); !path.isNull())
         handler_.setStackPath(path);
     for (const QString &file : valuesOf(u"-import"_s)) {
-        if (!handler_.importFile(file)) {
+        if (!handler_.importFile(folder.absoluteFilePath(file))) {
             output_.message(u"Import failed: %1"_s.arg(file));
             return endWith(ImportFailed);
         }
     }
     if (const QString path = valueOf(u"-dbmod"_s); !path.isNull())
-        handler_.applyDbModifier(path);
+        handler_.applyDbModifier(folder.absoluteFilePath(path));
     handler_.generate(false);
     if (arguments_.contains("-save"_L1) || arguments_.contains("-s"_L1))
         handler_.saveProject();

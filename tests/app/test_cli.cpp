@@ -218,11 +218,13 @@ TEST_F(Cli, RefusesWhatIsNoProject)
 
 TEST_F(Cli, LeavesATextThatIsNoProjectAsItIs)
 {
-    const QString file = written(u"notes.ncxt"_s, "remember the milk\n");
-    const ProcessResult result = run({u"-project"_s, file, u"-save"_s});
-    EXPECT_EQ(result.exitCode, 0);
-    EXPECT_TRUE(result.output.endsWith(u"ERROR - %1 is no project and is left as it is.\n"_s.arg(file)));
-    EXPECT_EQ(readFile(file), "remember the milk\n");
+    for (const QByteArray &text : {QByteArray("remember the milk\n"), QByteArray("[Foo]\nbar=1\n")}) {
+        const QString file = written(u"notes.ncxt"_s, text);
+        const ProcessResult result = run({u"-project"_s, file, u"-save"_s});
+        EXPECT_EQ(result.exitCode, 0);
+        EXPECT_TRUE(result.output.endsWith(u"ERROR - %1 is no project and is left as it is.\n"_s.arg(file)));
+        EXPECT_EQ(readFile(file), text);
+    }
 
     ASSERT_EQ(run({u"-project"_s, written(u"new.ncxt"_s, ""), u"-save"_s}).exitCode, 0);
     EXPECT_TRUE(readFile(path(u"new.ncxt"_s)).contains("[MiscSettings]"));

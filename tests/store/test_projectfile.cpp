@@ -119,6 +119,22 @@ TEST_F(ProjectFile, SaveKeepsTheFileBeforeAsBackupAndDropsScratchLines)
     EXPECT_FALSE(ObjectDataBase().saveDatabase({}));
 }
 
+TEST_F(ProjectFile, DamagedWorkingCopyIsNotSaved)
+{
+    const QString file = path(u"a.ncxp"_s);
+    ASSERT_TRUE(store.saveDatabase(file));
+    const QByteArray whole = TestSupport::readFile(file);
+    // Room for a few pages more: the next rows fill the "disk".
+    exec(u"PRAGMA max_page_count = %1"_s.arg(rows(u"PRAGMA page_count"_s).value(0).toInt() + 2));
+    for (int i = 0; i < 2000; ++i)
+        store.setGeneralSetting(u"key%1"_s.arg(i), QString(100, u'x'));
+    EXPECT_FALSE(store.saveDatabase({}));
+    EXPECT_NE(store.lastError(), u""_s);
+    EXPECT_EQ(TestSupport::readFile(file), whole);
+    ASSERT_TRUE(store.openDataBase(file));
+    EXPECT_TRUE(store.saveDatabase({}));
+}
+
 TEST_F(ProjectFile, WizardProfileMarksItsSubObjects)
 {
     ObjectDataBase::SUBINDEX_DATA_T sub;
@@ -159,13 +175,18 @@ TEST_F(ProjectFile, WhatIsNoProjectIsRefused)
     TestSupport::writeFile(path(u"upper.NCXT"_s), "[GeneralSettings]\nline0type=1\n");
     makeDatabase(path(u"foreign"_s), {u"create table x (a)"_s});
     makeDatabase(path(u"nolines"_s), {u"create table Nodes (nodeId integer primary key)"_s});
+    makeDatabase(path(u"endless"_s),
+                 {u"create view Nodes as with recursive c(x) as (select 0 union all select x+1 from c) "
+                  "select x nodeId from c"_s});
+    makeDatabase(path(u"wrapped"_s),
+                 {u"create table Nodes (nodeId integer primary key)"_s, u"insert into Nodes values(4294967296)"_s});
     store.saveDatabase(path(u"whole.ncxp"_s));
     const QByteArray whole = TestSupport::readFile(path(u"whole.ncxp"_s));
     TestSupport::writeFile(path(u"truncated"_s), whole.left(5000));
     QDir(folder.path()).mkdir(u"dir"_s);
 
-    for (const QString &name :
-         {u"empty"_s, u"text"_s, u"upper.NCXT"_s, u"foreign"_s, u"nolines"_s, u"truncated"_s, u"dir"_s, u"missing"_s})
+    for (const QString &name : {u"empty"_s, u"text"_s, u"upper.NCXT"_s, u"foreign"_s, u"nolines"_s, u"endless"_s,
+                                u"wrapped"_s, u"truncated"_s, u"dir"_s, u"missing"_s})
         EXPECT_FALSE(store.openDataBase(path(name))) << name.toStdString();
     EXPECT_FALSE(store.openDataBase({}));
     EXPECT_FALSE(store.openDataBase(u"/dev/zero"_s));
