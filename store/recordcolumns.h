@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <span>
 #include <type_traits>
+#include <utility>
 
 /// The columns of a record's table: one list per record, from which its statements are written and its rows are read.
 namespace RecordColumns {
@@ -152,8 +153,8 @@ class Row
 public:
     using Key = std::initializer_list<std::pair<QLatin1StringView, quint32>>;
 
-    Row(const QString &table, Key key)
-        : table_(table)
+    Row(QString table, Key key)
+        : table_(std::move(table))
     {
         for (const auto &[name, value] : key) {
             names_.append(name);
