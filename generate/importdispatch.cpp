@@ -1,6 +1,10 @@
 #include "generate/importdispatch.h"
 
+#include "generate/runcontext.h"
+#include "import/csvimporter.h"
+#include "import/doctxtimporter.h"
 #include "import/edsimporter.h"
+#include "import/projectmerge.h"
 #include "store/objectdatabase.h"
 
 #include <QFileInfo>
@@ -17,6 +21,12 @@ using Store = std::shared_ptr<ObjectDataBase>;
 /// stack's own.
 constexpr quint32 firstProfileIndex = 0x1000;
 constexpr quint32 lastProfileIndex = 0xBFFF;
+constexpr quint32 lastObject = 0xFFFF;
+
+/// PGNs have 18 bits (SAE J1939-21); of another project those of the data pages 0 and 1 are taken.
+constexpr quint32 lastPGN = 0x3FFFF;
+constexpr quint32 lastMergedPGN = 0x1FFFF;
+constexpr quint32 lastCANID = 0x1FFFFFFF;
 
 /// Runs an importer on line 0 for the objects of a range.
 template <typename Importer, quint32 first, quint32 last>
@@ -33,6 +43,25 @@ bool importWith(const Store &store, const QString &path)
     return true;
 }
 
+/// Takes over, for each line of the project, what its protocols know from the line of the same number.
+bool mergeProject(const Store &store, const QString &path)
+{
+    ObjectDataBase source;
+    if (!source.openDataBase(path, true))
+        return false;
+    const ObjectDataBase::Transaction transaction(*store);
+    for (const quint8 line : store->getNodeList()) {
+        const LineProtocols protocols = RunContext::protocolsOf(*store, line);
+        if (protocols.canOpen)
+            ProjectMerge::copyObjects(*store, line, source, line, firstProfileIndex, lastObject);
+        if (protocols.j1939)
+            ProjectMerge::copyPGNs(*store, line, source, line, 0, lastMergedPGN);
+        if (protocols.rawCan)
+            ProjectMerge::copyCANIDs(*store, line, source, line, 0, lastCANID);
+    }
+    return true;
+}
+
 struct ImportForm
 {
     QLatin1StringView suffix;   ///< in lower case
@@ -41,8 +70,11 @@ struct ImportForm
 };
 
 constexpr std::array forms{
+    ImportForm{"csv"_L1, ""_L1, importWith<CsvImporter, firstProfileIndex, lastProfileIndex>},
     ImportForm{"eds"_L1, ""_L1, importWith<EDSImporter, firstProfileIndex, lastProfileIndex>},
     ImportForm{"dcf"_L1, ""_L1, importWith<EDSImporter, firstProfileIndex, lastProfileIndex>},
+    ImportForm{"txt"_L1, "doc"_L1, importWith<DOCTXTImporter, 0, lastPGN>},
+    ImportForm{"ncxp"_L1, ""_L1, mergeProject},
 };
 
 } // namespace

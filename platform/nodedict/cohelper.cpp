@@ -63,7 +63,7 @@ constexpr std::array types = {
     TypeRow{CAN::Unsigned7, "UNSIGNED7"_L1, "U7"_L1, 7, Kind::Unsigned},
     TypeRow{CAN::StringNull, "STRING_NULL"_L1, "SN"_L1, 0, Kind::Text},
     TypeRow{CAN::StringAsterisk, "STRING_ASTERISK"_L1, "SA"_L1, 0, Kind::Text},
-    TypeRow{CAN::Utf8String, "UTF8_STRING"_L1, "U8S"_L1, 0, Kind::Text},
+    TypeRow{CAN::Utf8String, "UTF8_STRING"_L1, "UTF8"_L1, 0, Kind::Text},
 };
 
 /// A word that stands for a code; `word` is in the form that `comparable` gives.
@@ -92,6 +92,7 @@ constexpr Word typeAliases[] = {
     {"uint8t"_L1, CAN::Unsigned8},
     {"usint"_L1, CAN::Unsigned8},
     {"byte"_L1, CAN::Unsigned8},
+    {"u8s"_L1, CAN::Unsigned8},
     {"word"_L1, CAN::Unsigned16},
     {"dword"_L1, CAN::Unsigned32},
     {"lword"_L1, CAN::Unsigned64},
@@ -118,7 +119,6 @@ constexpr Word typeAliases[] = {
     {"time"_L1, CAN::TimeOfDay},
     {"timediff"_L1, CAN::TimeDifference},
     {"stringasteriks"_L1, CAN::StringAsterisk},
-    {"utf8"_L1, CAN::Utf8String},
 };
 
 constexpr Word objectCodes[] = {

@@ -39,7 +39,7 @@ const TypeCase typeCases[] = {
     {100, u"UNSIGNED2"_s, u"U2"_s, 2, u"0"_s, u"3"_s},
     {105, u"UNSIGNED7"_s, u"U7"_s, 7, u"0"_s, u"127"_s},
     {121, u"STRING_ASTERISK"_s, u"SA"_s, 0, {}, {}},
-    {124, u"UTF8_STRING"_s, u"U8S"_s, 0, {}, {}},
+    {124, u"UTF8_STRING"_s, u"UTF8"_s, 0, {}, {}},
 };
 
 } // namespace
@@ -74,9 +74,20 @@ TEST(COHelper, DataTypesOutsideTheTable)
     EXPECT_EQ(COHelper::getDataLengthBits(0x17), 0U);
     EXPECT_EQ(COHelper::getDefaultLimits(0).high, QString());
     const std::pair<QString, quint32> words[] = {
-        {u"visible string"_s, 9}, {u"Octet-String"_s, 10}, {u"uint8_t"_s, 5}, {u"float"_s, 8},  {u"bool"_s, 1},
-        {u"u8s"_s, 124},          {u"0x40"_s, 0x40},       {u"010"_s, 8},     {u"09"_s, 9},     {u""_s, 0},
-        {u"nonsense"_s, 0},       {u"65536"_s, 0},         {u"-5"_s, 0},      {u"\tu16 "_s, 6},
+        {u"visible string"_s, 9},
+        {u"Octet-String"_s, 10},
+        {u"uint8_t"_s, 5},
+        {u"float"_s, 8},
+        {u"bool"_s, 1},
+        {u"u8s"_s, 5},
+        {u"0x40"_s, 0x40},
+        {u"010"_s, 8},
+        {u"09"_s, 9},
+        {u""_s, 0},
+        {u"nonsense"_s, 0},
+        {u"65536"_s, 0},
+        {u"-5"_s, 0},
+        {u"\tu16 "_s, 6},
     };
     for (const auto &[text, code] : words)
         EXPECT_EQ(COHelper::mapDataTypeString(text), code) << text.toStdString();

@@ -1,0 +1,439 @@
+#include "import/csvimporter.h"
+
+#include "import/recordquotes.h"
+#include "nodedict/canopendatatype.h"
+#include "nodedict/cohelper.h"
+#include "store/objectdatabase.h"
+#include "texttools/helper.h"
+
+#include <QDebug>
+
+#include <limits>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using SubRecord = ObjectDataBase::SUBINDEX_DATA_T;
+
+enum ImplementationCode : quint8
+{
+    ManagedVariable = 0,
+    ManagedConst = 1,
+    ApplicationVariable = 2,
+    VirtualObject = 3
+};
+
+constexpr qsizetype leastFields = 5;
+
+/// Writes the default value into a description even where it is not marked as present.
+constexpr quint8 alwaysInEds = 2;
+
+/// A number as tables write it, decimal or "0x" hexadecimal, that fits the type. A leading 0 has no meaning.
+template <typename Number>
+std::optional<Number> numberOf(const QString &text)
+{
+    const QString word = text.trimmed();
+    bool readable = false;
+    const qulonglong number = word.toULongLong(&readable, word.startsWith("0x"_L1, Qt::CaseInsensitive) ? 16 : 10);
+    return readable && number <= std::numeric_limits<Number>::max() ? std::optional(static_cast<Number>(number))
+                                                                    : std::nullopt;
+}
+
+/// A flag as a number or as "yes" and "no"; none for anything else.
+std::optional<qint64> flagOf(const QString &text)
+{
+    const QString word = text.trimmed().toLower();
+    if (word == "yes"_L1)
+        return 1;
+    if (word == "no"_L1)
+        return 0;
+    bool readable = false;
+    const qint64 number = word.toLongLong(&readable, word.startsWith("0x"_L1) ? 16 : 10);
+    return readable ? std::optional(number) : std::nullopt;
+}
+
+/// The code of a word that a table written by the program has; none for another word.
+std::optional<quint8> implementationOf(const QString &text)
+{
+    static const QStringList words = {u"managedvariable"_s, u"managedconst"_s, u"variable"_s, u"virtualobject"_s};
+    const qsizetype place = words.indexOf(text.trimmed().toLower());
+    return place < 0 ? std::nullopt : std::optional(static_cast<quint8>(place));
+}
+
+void fillEmptyLimits(SubRecord &record)
+{
+    const COHelper::Limits limits = COHelper::getDefaultLimits(record.datatype);
+    if (record.lowlimit.isEmpty())
+        record.lowlimit = limits.low;
+    if (record.uplimit.isEmpty())
+        record.uplimit = limits.high;
+}
+
+/// Without the empty fields by which a spreadsheet fills a short row up to the width of its table. A row no longer than
+/// its kind can be stays as it is: an empty sub-index that someone wrote must not turn into the whole object.
+QStringList withoutFilling(QStringList fields, qsizetype longest)
+{
+    if (fields.size() > longest) {
+        while (fields.last().isEmpty() && fields.size() > 1)
+            fields.removeLast();
+    }
+    return fields;
+}
+
+QString textOf(const QList<CsvImporter::ListEntry> &entries)
+{
+    QStringList texts;
+    for (const CsvImporter::ListEntry &entry : entries) {
+        const QString index = u"0x%1"_s.arg(entry.index, 4, 16, QLatin1Char('0'));
+        texts.append(entry.wholeObject ? index : index + u':' + QString::number(entry.subindex));
+    }
+    return texts.join(u' ');
+}
+
+} // namespace
+
+struct CsvImporter::ColumnRule
+{
+    QLatin1StringView name;
+    bool mustBeReached; ///< a row that ends before this column is dropped
+    bool notFirst;      ///< the column is not read if it is the first
+};
+
+const std::array<CsvImporter::ColumnRule, CsvImporter::ColumnCount> CsvImporter::rules = {{
+    {"index"_L1, false, false},          {"sub"_L1, true, false},        {"datatype"_L1, true, false},
+    {"access"_L1, true, false},          {"varname"_L1, true, false},    {"nvstorage"_L1, true, false},
+    {"edsname"_L1, true, false},         {"value"_L1, true, false},      {"description"_L1, true, false},
+    {"objectcode"_L1, false, false},     {"size"_L1, false, false},      {"mapable"_L1, false, true},
+    {"implementation"_L1, false, false}, {"hasdefault"_L1, false, true}, {"defaultineds"_L1, false, true},
+    {"line"_L1, false, false},           {"lowlimit"_L1, false, false},  {"uplimit"_L1, false, false},
+    {"haslimit"_L1, false, true},
+}};
+
+/// The fields of a line by their columns.
+class CsvImporter::Row
+{
+public:
+    Row(QStringList fields, const std::array<qsizetype, ColumnCount> &columns)
+        : fields_(std::move(fields))
+        , columns_(columns)
+    {
+    }
+
+    qsizetype fieldCount() const { return fields_.size(); }
+    bool has(Column column) const { return columns_[column] >= 0; }
+    bool reaches(Column column) const { return has(column) && columns_[column] < fields_.size(); }
+    /// Empty where the row has no such field.
+    QString text(Column column) const { return reaches(column) ? fields_[columns_[column]] : QString(); }
+    QString word(Column column) const { return text(column).trimmed().toLower(); }
+
+    bool isComplete() const
+    {
+        for (quint8 i = 0; i < ColumnCount; ++i) {
+            const auto column = static_cast<Column>(i);
+            if (rules[i].mustBeReached && has(column) && !reaches(column))
+                return false;
+        }
+        return true;
+    }
+
+    QString name(quint16 index) const
+    {
+        if (!text(EdsName).isEmpty())
+            return text(EdsName);
+        return text(VarName).isEmpty() ? u"Object_%1"_s.arg(index, 4, 16, QLatin1Char('0')) : text(VarName);
+    }
+
+    /// Whether the row is about an object alone.
+    bool isHead() const
+    {
+        if (!has(Sub) || !word(Sub).isEmpty() || word(ObjectCode).isEmpty())
+            return false;
+        const quint32 code = COHelper::string2objectCode(word(ObjectCode));
+        return code == CANopen::Array || code == CANopen::Record;
+    }
+
+    QString description() const { return text(Description).replace(Helper::csvDescLinebreak, "\n"_L1); }
+
+private:
+    const QStringList fields_;
+    const std::array<qsizetype, ColumnCount> &columns_;
+};
+
+/// Where a row belongs.
+struct CsvImporter::Place
+{
+    quint8 line = 0;
+    quint16 index = 0;
+    quint8 subindex = 0;
+};
+
+CsvImporter::CsvImporter() = default;
+
+CsvImporter::~CsvImporter()
+{
+    // Before the members that a run still under way would be using.
+    waitForEnd();
+}
+
+QList<CsvImporter::ListEntry> CsvImporter::deletionList() const
+{
+    qDebug().noquote() << "Deletions" << textOf(deletions_);
+    return deletions_;
+}
+
+QList<CsvImporter::ListEntry> CsvImporter::copyList() const
+{
+    qDebug().noquote() << "Copies" << textOf(copies_);
+    return copies_;
+}
+
+void CsvImporter::doImport()
+{
+    running_ = true;
+    deletions_.clear();
+    copies_.clear();
+    if (store_) {
+        store_->setBlocked(false);
+        importFile();
+    }
+    finish();
+}
+
+void CsvImporter::importFile()
+{
+    rows_ = TableRows();
+    if (filePath_.isEmpty() || !rows_.load(filePath_))
+        return;
+    const ObjectDataBase::Transaction transaction(*store_);
+    const QList<quint8> lines = store_->getNodeList();
+    lines_ = QSet<quint8>(lines.begin(), lines.end());
+    lines_.insert(line_);
+
+    bool hasHeader = false;
+    QString line;
+    while (rows_.next(line)) {
+        if (line.isEmpty() || line.startsWith(u'#'))
+            continue;
+        if (!hasHeader) {
+            handleHeader(line);
+            hasHeader = true;
+        } else if (line.startsWith(u'd')) {
+            handleDeleteLine(line);
+        } else if (line.startsWith(u'c')) {
+            handleCopyLine(line);
+        } else {
+            handleDataLine(line);
+        }
+    }
+    flush();
+}
+
+void CsvImporter::handleHeader(const QString &line)
+{
+    rows_.setSeparator(!line.contains(u',') && line.contains(u';') ? u';' : u',');
+    QStringList names;
+    for (const QString &name : rows_.fieldsOf(line.toLower()))
+        names.append(name.trimmed());
+    for (std::size_t column = 0; column < ColumnCount; ++column) {
+        columns_[column] = names.indexOf(rules[column].name);
+        if (rules[column].notFirst && columns_[column] == 0)
+            columns_[column] = -1;
+    }
+}
+
+std::optional<CsvImporter::Place> CsvImporter::placeOf(const Row &row)
+{
+    const auto index = numberOf<quint16>(row.text(Index));
+    const auto subindex = row.word(Sub).isEmpty() ? quint8(0) : numberOf<quint8>(row.text(Sub));
+    const auto line = row.word(Line).isEmpty() ? line_ : numberOf<quint8>(row.text(Line));
+    if (!index || !isInRange(*index) || !subindex || !line || !lines_.contains(*line))
+        return {};
+    return Place{*line, *index, *subindex};
+}
+
+/// False if the row is dropped halfway.
+bool CsvImporter::handleDataLine(const QString &line)
+{
+    const Row row(rows_.fieldsOf(line), columns_);
+    if (row.fieldCount() < leastFields || !row.reaches(Index) || !numberOf<quint32>(row.text(Index)))
+        return true;
+    if (!row.isComplete())
+        return false;
+    const std::optional<Place> place = placeOf(row);
+    if (!place)
+        return false;
+
+    ObjectState &state = stateOf(*place);
+    importObject(*place, row, state);
+    provideSubZero(*place, row, state);
+    if (row.isHead()) {
+        state.hasHeadRow = true;
+        return true;
+    }
+    if (place->subindex == 0) {
+        state.hasSubZero = true;
+        state.madeSubZero.reset();
+    }
+    entries_.append({place->line, place->index, place->subindex,
+                     RecordQuotes::withQuotesDoubled(recordOf(*place, row, *state.object))});
+    return true;
+}
+
+CsvImporter::ObjectState &CsvImporter::stateOf(const Place &place)
+{
+    const quint32 key = quint32{place.line} << 16 | place.index;
+    const auto known = objects_.find(key);
+    if (known != objects_.end())
+        return *known;
+    if (!lineObjects_.contains(place.line)) {
+        const QList<quint16> indices = store_->getIndexList(place.line, 0, 0xffff);
+        lineObjects_.insert(place.line, QSet<quint16>(indices.begin(), indices.end()));
+    }
+    ObjectState &state = objects_[key];
+    StoreRecords::IndexData object;
+    if (lineObjects_[place.line].contains(place.index) && store_->getIndex(place.line, place.index, object)) {
+        state.object = object;
+        state.hasSubZero = store_->subIndexExists(place.line, place.index, 0);
+    }
+    return state;
+}
+
+void CsvImporter::importObject(const Place &place, const Row &row, ObjectState &state)
+{
+    const QString code = row.word(ObjectCode);
+    if (place.subindex != 0) {
+        if (!state.object)
+            store_->addIndex(place.line, place.index, state.object.emplace());
+        return;
+    }
+    if (state.hasHeadRow && code.isEmpty())
+        return;
+    StoreRecords::IndexData object = state.object.value_or(StoreRecords::IndexData());
+    object.name = row.name(place.index);
+    if (!row.word(DataType).isEmpty())
+        object.datatype = COHelper::mapDataTypeString(row.word(DataType));
+    if (!code.isEmpty())
+        object.objecttype = COHelper::string2objectCode(code);
+    if (row.has(Description))
+        object.description = row.description();
+    store_->addIndex(place.line, place.index, object);
+    state.object = object;
+}
+
+/// Gives an ARRAY or RECORD the sub-index 0 that it lacks, and keeps that at the highest sub-index so far.
+void CsvImporter::provideSubZero(const Place &place, const Row &row, ObjectState &state)
+{
+    if (state.object->objecttype == CANopen::Var)
+        return;
+    const bool rowIsSubZero = place.subindex == 0 && !row.isHead();
+    if (!state.hasSubZero && !rowIsSubZero) {
+        SubRecord record;
+        record.name = u"Highest Subindex supported"_s;
+        record.datatype = CAN::Unsigned8;
+        record.accesstype = u"ro"_s;
+        record.implementation = row.word(Implementation) == "virtualobject"_L1 ? VirtualObject : ManagedConst;
+        record.defaultvalue = u"0"_s;
+        record.lowlimit.clear();
+        record.uplimit.clear();
+        fillEmptyLimits(record);
+        state.madeSubZero = record;
+        state.hasSubZero = true;
+    }
+    if (state.madeSubZero && place.subindex > state.madeSubZero->defaultvalue.toUInt())
+        state.madeSubZero->defaultvalue = QString::number(place.subindex);
+}
+
+StoreRecords::SubIndexData CsvImporter::recordOf(const Place &place, const Row &row,
+                                                 const StoreRecords::IndexData &object)
+{
+    const bool isArray = object.objecttype == CANopen::Array;
+    SubRecord record;
+    record.name = row.name(place.index);
+    if (!row.word(DataType).isEmpty())
+        record.datatype = static_cast<quint16>(COHelper::mapDataTypeString(row.word(DataType)));
+    else if ((isArray && place.subindex != 0) || object.objecttype == CANopen::Var)
+        record.datatype = static_cast<quint16>(object.datatype);
+    if (row.has(Access))
+        record.accesstype = COHelper::normalizeAccessType(row.word(Access));
+    record.varname = row.text(VarName);
+    record.nvstorage = flagOf(row.text(NvStorage)).value_or(0) != 0;
+    record.defaultvalue = row.text(Value);
+    record.description = row.description();
+    if (const auto size = numberOf<quint64>(row.text(Size)))
+        record.size = static_cast<quint16>(*size);
+    record.pdomapping = PDOMapping::fromCSVString(row.word(Mapable));
+    record.defaultineds = flagOf(row.text(HasDefault)).value_or(1) != 0;
+    const qint64 inEds = flagOf(row.text(DefaultInEds)).value_or(0);
+    record.writedefaulttoeds = inEds == alwaysInEds ? alwaysInEds : static_cast<quint8>(inEds != 0);
+
+    record.limitineds = row.has(LowLimit) || row.has(UpLimit);
+    if (row.has(HasLimit))
+        record.limitineds = flagOf(row.text(HasLimit)).value_or(0) != 0;
+    record.lowlimit = row.text(LowLimit);
+    record.uplimit = row.text(UpLimit);
+    fillEmptyLimits(record);
+
+    static const quint32 numberOfEntriesType = COHelper::mapDataTypeString(u"U8S"_s);
+    const bool isArrayCount = isArray && place.subindex == 0 && record.datatype == numberOfEntriesType;
+    if (const auto code = implementationOf(row.text(Implementation)))
+        record.implementation = *code;
+    else if (record.accesstype == "const"_L1 || isArrayCount)
+        record.implementation = ManagedConst;
+    else
+        record.implementation = record.varname.isEmpty() ? ManagedVariable : ApplicationVariable;
+    if (record.implementation == ApplicationVariable && record.varname.isEmpty())
+        record.varname = u"v_%1%2"_s.arg(QString::number(place.index), QString::number(place.subindex));
+    return record;
+}
+
+/// "d,0x2000" or "d,0x2000,1"
+bool CsvImporter::handleDeleteLine(const QString &line)
+{
+    constexpr qsizetype longest = 3;
+    const QStringList fields = withoutFilling(rows_.fieldsOf(line), longest);
+    qDebug().noquote() << Q_FUNC_INFO << fields.value(0);
+    const quint16 index = numberOf<quint16>(fields.value(1)).value_or(0);
+    const auto subindex = numberOf<quint8>(fields.value(2));
+    const bool wholeObject = fields.size() == longest - 1;
+    if (index == 0 || (!wholeObject && (fields.size() != longest || !subindex)))
+        return false;
+    deletions_.append({index, wholeObject ? quint8(0) : *subindex, wholeObject});
+    return true;
+}
+
+/// "c,0x2000,0x2001" or "c,0x2000,1,2"
+bool CsvImporter::handleCopyLine(const QString &line)
+{
+    constexpr qsizetype longest = 4;
+    const QStringList fields = withoutFilling(rows_.fieldsOf(line), longest);
+    qDebug().noquote() << Q_FUNC_INFO << fields.value(0);
+    const quint16 index = numberOf<quint16>(fields.value(1)).value_or(0);
+    if (fields.size() == longest - 1) {
+        const quint16 target = numberOf<quint16>(fields.value(2)).value_or(0);
+        if (index == 0 || target == 0)
+            return false;
+        copies_ += {{index, 0, true}, {target, 0, true}};
+        return true;
+    }
+    const auto source = numberOf<quint8>(fields.value(2));
+    const auto target = numberOf<quint8>(fields.value(3));
+    if (fields.size() != longest || index == 0 || !source || !target || *source == *target)
+        return false;
+    copies_ += {{index, *source, false}, {index, *target, false}};
+    return true;
+}
+
+void CsvImporter::flush()
+{
+    for (auto state = objects_.cbegin(); state != objects_.cend(); ++state) {
+        if (state->madeSubZero)
+            entries_.append({static_cast<quint8>(state.key() >> 16), static_cast<quint16>(state.key() & 0xffff), 0,
+                             *state->madeSubZero});
+    }
+    store_->addSubIndices(entries_);
+    entries_.clear();
+    objects_.clear();
+    lineObjects_.clear();
+}

@@ -1,0 +1,196 @@
+#include "import/doctxtimporter.h"
+
+#include "import/messageindex.h"
+#include "nodedict/cohelper.h"
+#include "nodedict/edstext.h"
+#include "store/objectdatabase.h"
+
+#include <QDebug>
+
+#include <limits>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Fields of a PGN's line, counted from 0. Those between are the words before them.
+enum PGNField : quint8
+{
+    Number = 1,
+    PGNName = 3,
+    Direction = 5,
+    CycleTime = 7,
+    Priority = 9,
+    InhibitTime = 11
+};
+constexpr qsizetype leastPGNFields = 10;
+
+enum SPNField : quint8
+{
+    SPNNumber = 2,
+    SPNName = 4,
+    DataType = 6,
+    FirstOption = 7 ///< a word and its value, up to twice
+};
+constexpr qsizetype leastSPNFields = 7;
+constexpr qsizetype lastOption = 9;
+
+constexpr quint8 managedVariable = 0;
+constexpr quint8 applicationVariable = 2;
+
+/// An unsigned decimal number that fits the type.
+template <typename Integer>
+std::optional<Integer> numberOf(const QString &text)
+{
+    bool readable = false;
+    const uint number = text.toUInt(&readable);
+    return readable && number <= std::numeric_limits<Integer>::max() ? std::optional(static_cast<Integer>(number))
+                                                                     : std::nullopt;
+}
+
+quint8 directionOf(const QString &text)
+{
+    if (text == "TX"_L1)
+        return ObjectDataBase::transmit;
+    return text == "RX"_L1 ? ObjectDataBase::receive : 0;
+}
+
+} // namespace
+
+DOCTXTImporter::DOCTXTImporter() = default;
+
+DOCTXTImporter::~DOCTXTImporter()
+{
+    // Before the members that a run still under way would be using.
+    waitForEnd();
+}
+
+void DOCTXTImporter::doImport()
+{
+    running_ = true;
+    if (store_) {
+        store_->setBlocked(false);
+        qDebug().noquote() << "Importing " << filePath_;
+        const ObjectDataBase::Transaction transaction(*store_);
+        importFile();
+        repairMappingCounts();
+    }
+    qDebug() << "Import completeted";
+    finish();
+}
+
+void DOCTXTImporter::importFile()
+{
+    pgn_ = 0;
+    direction_ = 0;
+    EdsText text;
+    if (filePath_.isEmpty() || !text.load(filePath_))
+        return;
+    const MessageIndex index(*store_, line_, MessageIndex::SPNs);
+    EdsLines lines(text.bytes());
+    QByteArrayView line;
+    while (lines.next(line))
+        importLine(text.decode(line));
+}
+
+void DOCTXTImporter::importLine(const QString &line)
+{
+    // The title is known by its beginning, as its words go on misspelled.
+    if (line.isEmpty() || line.startsWith(u'#') || line.startsWith("PGN/SPN Do"_L1))
+        return;
+    if (line.startsWith("PGN:"_L1)) {
+        if (importPGN(line.split(u'\t'))) {
+            position_ = 0;
+        } else {
+            direction_ = 0;
+            pgn_ = std::numeric_limits<quint32>::max();
+            qDebug().noquote() << "invalid pgn: " << line;
+        }
+    } else if (direction_ != 0 && line.startsWith("\tDescription:"_L1)) {
+        importDescription(line.split(u'\t'));
+    } else if (direction_ != 0 && line.startsWith("\tSPN:"_L1)) {
+        importSPN(line.split(u'\t'));
+    }
+}
+
+bool DOCTXTImporter::importPGN(const QStringList &fields)
+{
+    if (fields.size() < leastPGNFields)
+        return false;
+    const auto number = numberOf<quint32>(fields.value(Number).section(u'/', 1, 1));
+    const auto cycleTime = numberOf<quint16>(fields.value(CycleTime));
+    const auto priority = numberOf<quint8>(fields.value(Priority));
+    const auto inhibitTime =
+        fields.size() > InhibitTime ? numberOf<quint32>(fields.value(InhibitTime)) : std::optional<quint32>(0);
+    StoreRecords::PGN record;
+    record.direction = directionOf(fields.value(Direction));
+    if (!number || !isInRange(*number) || record.direction == 0 || !cycleTime || !priority || !inhibitTime)
+        return false;
+    record.number = *number;
+    record.name = fields.value(PGNName);
+    record.cycletime_ms = *cycleTime;
+    record.priority = *priority;
+    record.inhibittime_ms = static_cast<quint16>(*inhibitTime);
+    store_->addPGN(line_, *number, record);
+    pgn_ = *number;
+    direction_ = record.direction;
+    return true;
+}
+
+void DOCTXTImporter::importDescription(const QStringList &fields)
+{
+    StoreRecords::PGN record;
+    if (fields.size() < 3 || !store_->getPGN(line_, pgn_, direction_, record))
+        return;
+    record.desc = fields.value(2);
+    store_->addPGN(line_, pgn_, record);
+}
+
+void DOCTXTImporter::importSPN(const QStringList &fields)
+{
+    const auto number = numberOf<quint32>(fields.value(SPNNumber));
+    if (fields.size() < leastSPNFields || !number)
+        return;
+    StoreRecords::SPN record;
+    for (qsizetype option = FirstOption; option <= lastOption && option < fields.size(); option += 2) {
+        const QString value = fields.value(option + 1);
+        if (fields.at(option) == "Variable:"_L1) {
+            record.varname = value;
+        } else if (fields.at(option) == "Size:"_L1) {
+            const auto size = numberOf<quint16>(value);
+            if (!size)
+                return;
+            record.bitsize = *size;
+        }
+    }
+    record.spnnumber = *number;
+    record.name = fields.value(SPNName);
+    record.datatype = COHelper::mapDataTypeString(fields.value(DataType));
+    record.implementation = record.varname.isEmpty() ? managedVariable : applicationVariable;
+    // The store's statement holds the name of a variable as it stands.
+    ObjectDataBase::escapeQuotes(record.varname);
+    record.pgnnumber = pgn_;
+    record.direction = direction_;
+    record.pos = position_++;
+    store_->addSPN(line_, pgn_, direction_, *number, record);
+}
+
+/// Lets each PGN of the project have the number of its SPNs as its mapping count.
+void DOCTXTImporter::repairMappingCounts()
+{
+    for (const quint8 line : store_->getNodeList()) {
+        store_->cacheSPNs(line);
+        for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
+            for (const quint32 number : store_->getPGNList(line, direction)) {
+                StoreRecords::PGN record;
+                const auto count = static_cast<quint16>(store_->getSPNList(line, number, direction).size());
+                if (!store_->getPGN(line, number, direction, record) || record.mappingcount == count)
+                    continue;
+                record.mappingcount = count;
+                store_->addPGN(line, number, record);
+            }
+        }
+    }
+    store_->clearSPNCache();
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "import/basedataimporter.h"
+#include "store/storerecords.h"
+
+#include <QStringList>
+
+/// Imports the textual documentation of a J1939 line, as the program writes it: PGNs, each followed by its SPNs, whose
+/// fields tabs separate; docs/import.md has them.
+///
+/// A PGN that cannot be read, or that is outside the index range, is left out with all that belongs to it. A number
+/// that its field in the project cannot hold counts as unreadable; an inhibit time alone is cut to 16 bits.
+class DOCTXTImporter : public BaseDataImporter
+{
+    Q_OBJECT
+
+public:
+    DOCTXTImporter();
+    ~DOCTXTImporter() override;
+
+    QString lastErrorText() const override { return {}; }
+
+public Q_SLOTS:
+    void doImport() override;
+
+private:
+    void importFile();
+    void importLine(const QString &line);
+    bool importPGN(const QStringList &fields);
+    void importDescription(const QStringList &fields);
+    void importSPN(const QStringList &fields);
+    void repairMappingCounts();
+
+    quint32 pgn_ = 0;
+    quint8 direction_ = 0; ///< of the current PGN; 0 if there is none
+    quint32 position_ = 0; ///< of the next SPN in its PGN
+};

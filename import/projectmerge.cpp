@@ -1,0 +1,121 @@
+#include "import/projectmerge.h"
+
+#include "import/messageindex.h"
+#include "import/recordquotes.h"
+#include "store/objectdatabase.h"
+
+#include <QSet>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr quint8 directions[] = {ObjectDataBase::receive, ObjectDataBase::transmit};
+constexpr quint32 identifierBits = 0x1fffffff;
+
+bool isBetween(quint32 number, quint32 first, quint32 last)
+{
+    return number >= first && number <= last;
+}
+
+/// The store's statements hold the texts of signals as they stand, but for names and descriptions.
+StoreRecords::SPN withQuotesDoubled(StoreRecords::SPN signal)
+{
+    ObjectDataBase::escapeQuotes(signal.defaultvalue);
+    ObjectDataBase::escapeQuotes(signal.varname);
+    return signal;
+}
+
+void copyPGN(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine, quint32 number,
+             quint8 direction)
+{
+    StoreRecords::PGN pgn;
+    if (!source.getPGN(sourceLine, number, direction, pgn))
+        return;
+    target.addPGN(line, number, pgn);
+    const QList<quint32> spns = source.getSPNList(sourceLine, number, direction);
+    const QSet<quint32> kept(spns.begin(), spns.end());
+    for (const quint32 spn : target.getSPNList(line, number, direction)) {
+        if (!kept.contains(spn))
+            target.removeSPN(line, number, spn, direction);
+    }
+    for (const quint32 spn : spns) {
+        StoreRecords::SPN data;
+        if (source.getSPN(sourceLine, number, direction, spn, data))
+            target.addSPN(line, number, direction, spn, withQuotesDoubled(data));
+    }
+}
+
+void copyCANID(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine, quint32 id,
+               quint8 direction)
+{
+    StoreRecords::CANID canid;
+    if (!source.getCANID(sourceLine, id, direction, canid))
+        return;
+    target.addCANID(line, id, canid);
+    // An update would leave an element's place and size as they were.
+    for (const quint32 number : target.getDataElementList(line, id, direction))
+        target.removeDataElement(line, id, number, direction);
+    for (const quint32 number : source.getDataElementList(sourceLine, id, direction)) {
+        StoreRecords::DataElement data;
+        if (source.getDataElement(sourceLine, id, direction, number, data))
+            target.addDataElement(line, id, direction, number, withQuotesDoubled(data));
+    }
+}
+
+} // namespace
+
+void ProjectMerge::copyObjects(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine,
+                               quint16 first, quint16 last)
+{
+    if (!source.nodeExists(sourceLine))
+        return;
+    const ObjectDataBase::Transaction transaction(target);
+    source.cacheAllSubs(sourceLine, 0);
+    QList<StoreRecords::SubEntry> quoted;
+    for (const quint16 index : source.getIndexList(sourceLine, first, last)) {
+        target.copyIndexFrom(&source, sourceLine, index, line, index);
+        // The copy hands texts on as they stand, and a quote in one of them costs the whole sub-object.
+        for (const quint8 subindex : source.getSubIndexList(sourceLine, index)) {
+            StoreRecords::SubIndexData data;
+            if (source.getSubIndex(sourceLine, index, subindex, data) && RecordQuotes::needsDoubling(data))
+                quoted.append({line, index, subindex, RecordQuotes::withQuotesDoubled(data)});
+        }
+    }
+    target.addSubIndices(quoted);
+    source.clearSubCache();
+}
+
+void ProjectMerge::copyPGNs(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine,
+                            quint32 first, quint32 last)
+{
+    if (!source.nodeExists(sourceLine))
+        return;
+    const ObjectDataBase::Transaction transaction(target);
+    const MessageIndex index(target, line, MessageIndex::SPNs);
+    source.cacheSPNs(sourceLine);
+    for (const quint8 direction : directions) {
+        for (const quint32 number : source.getPGNList(sourceLine, direction)) {
+            if (isBetween(number, first, last))
+                copyPGN(target, line, source, sourceLine, number, direction);
+        }
+    }
+    source.clearSPNCache();
+}
+
+void ProjectMerge::copyCANIDs(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine,
+                              quint32 first, quint32 last)
+{
+    if (!source.nodeExists(sourceLine))
+        return;
+    const ObjectDataBase::Transaction transaction(target);
+    const ObjectDataBase::Transaction reading(source);
+    const MessageIndex index(target, line, MessageIndex::DataElements);
+    const MessageIndex sourceIndex(source, sourceLine, MessageIndex::DataElements);
+    for (const quint8 direction : directions) {
+        for (const quint32 id : source.getCANIDList(sourceLine, direction)) {
+            if (isBetween(id & identifierBits, first, last))
+                copyCANID(target, line, source, sourceLine, id, direction);
+        }
+    }
+}

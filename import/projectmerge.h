@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QtGlobal>
+
+class ObjectDataBase;
+
+/// What one project takes over from another.
+///
+/// Objects, PGNs and CAN-IDs come as wholes, with their children, in place of those that have the same number (and
+/// direction) on the line: a message made of the signals of two projects would have them on top of each other. What the
+/// source lacks stays as it is. All ranges include both ends.
+namespace ProjectMerge {
+
+void copyObjects(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine, quint16 first,
+                 quint16 last);
+void copyPGNs(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine, quint32 first,
+              quint32 last);
+/// Of an identifier the 29 bits count for the range, not the mark of an extended one.
+void copyCANIDs(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine, quint32 first,
+                quint32 last);
+
+} // namespace ProjectMerge

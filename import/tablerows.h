@@ -1,0 +1,33 @@
+#pragma once
+
+#include "nodedict/edstext.h"
+
+#include <QStringList>
+
+/// The lines of a table as spreadsheets write it: in UTF-8, UTF-16 or Windows-1252, with or without a byte order mark,
+/// with any line ending.
+///
+/// A field may stand in double quotes; it may then hold the separator, a quote written twice, and line breaks. A quote
+/// that is never closed is a character like any other.
+class TableRows
+{
+public:
+    /// False if the file cannot be read.
+    bool load(const QString &path);
+
+    void setSeparator(QChar separator) { separator_ = separator; }
+    QChar separator() const { return separator_; }
+
+    /// Takes the next line, with those that a quoted field goes on in; false at the end of the file. A line that begins
+    /// with "#" is a comment, whose quotes mean nothing.
+    bool next(QString &line);
+    /// The fields of a line, empty ones included.
+    QStringList fieldsOf(const QString &line) const;
+
+private:
+    bool nextLine(EdsLines &lines, QString &line) const;
+
+    EdsText text_;
+    EdsLines lines_{{}};
+    QChar separator_ = u',';
+};

@@ -1,0 +1,220 @@
+#include "import/csvimporter.h"
+#include "import/importproject.h"
+#include "nodedict/cohelper.h"
+#include "store/objectdatabase.h"
+#include "support/testhome.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Store = std::shared_ptr<ObjectDataBase>;
+using Entry = CsvImporter::ListEntry;
+
+struct Lists
+{
+    QList<Entry> deletions;
+    QList<Entry> copies;
+};
+
+Lists importTable(const Store &store, const QByteArray &table, quint8 line = 0)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"table.csv"_s);
+    CsvImporter importer;
+    importer.setIndexRange(0x1000, 0xbfff);
+    importer.setLine(line);
+    importer.setDatabase(store);
+    EXPECT_TRUE(TestSupport::writeFile(path, table) && importer.setFile(path) && importer.startImport());
+    importer.waitForEnd();
+    return {importer.deletionList(), importer.copyList()};
+}
+
+Store imported(const QByteArray &table)
+{
+    auto store = ImportTest::emptyProject();
+    importTable(store, table);
+    return store;
+}
+
+StoreRecords::SubIndexData subOf(const Store &store, quint16 index, quint8 subindex, quint8 line = 0)
+{
+    StoreRecords::SubIndexData sub;
+    EXPECT_TRUE(store->getSubIndex(line, index, subindex, sub)) << std::hex << index << ":" << +subindex;
+    return sub;
+}
+
+QDir cases()
+{
+    return QDir(QStringLiteral(NCX_SOURCE_DIR "/tests/data/import-csv"));
+}
+
+constexpr char wideHeader[] = "index,sub,datatype,access,edsname,value,";
+
+} // namespace
+
+// Each table in the folder has beside it the dump of the line that it makes. NCX_ACCEPT=1 writes the dumps.
+TEST(CsvImport, Cases)
+{
+    const QStringList files = cases().entryList({u"*.csv"_s}, QDir::Files, QDir::Name);
+    ASSERT_EQ(files.size(), 3);
+    for (const QString &file : files) {
+        SCOPED_TRACE(file.toStdString());
+        const QByteArray table = TestSupport::readFile(cases().filePath(file));
+        const QString expected = cases().filePath(file.chopped(4) + u".txt"_s);
+        const QString dump = ImportTest::dump(*imported(table));
+        if (qEnvironmentVariableIsSet("NCX_ACCEPT")) {
+            ASSERT_TRUE(TestSupport::writeFile(expected, dump.toUtf8()));
+        }
+        EXPECT_EQ(dump, QString::fromUtf8(TestSupport::readFile(expected)));
+
+        // However the spreadsheet saves it.
+        const QString text = QString::fromUtf8(table);
+        QByteArray crlf = table;
+        crlf.replace('\n', "\r\n");
+        const QByteArray utf16("\xff\xfe" + QByteArray(reinterpret_cast<const char *>(text.utf16()), text.size() * 2));
+        for (const QByteArray &form : {crlf, QByteArray("\xef\xbb\xbf" + table), utf16})
+            EXPECT_EQ(ImportTest::dump(*imported(form)), dump);
+    }
+}
+
+TEST(CsvImport, TheGuideShowsTheTableOfATest)
+{
+    const QString guide = QString::fromUtf8(TestSupport::readFile(QStringLiteral(NCX_SOURCE_DIR "/docs/import.md")));
+    const QString table = QString::fromUtf8(TestSupport::readFile(cases().filePath(u"docs.csv"_s)));
+    for (const QString &line : table.split(u'\n', Qt::SkipEmptyParts))
+        EXPECT_TRUE(guide.contains("\n    "_L1 + line + u'\n')) << qPrintable(line);
+}
+
+TEST(CsvImport, ReadsLatin1)
+{
+    ObjectDataBase::INDEX_DATA_T object;
+    ASSERT_TRUE(imported("index,sub,edsname,a,b\n0x2000,0,Z\xe4hler,,\n")->getIndex(0, 0x2000, object));
+    EXPECT_EQ(object.name, u"Zähler");
+}
+
+TEST(CsvImport, TheCountOfAnArrayIsConstant)
+{
+    const Store store = imported(QByteArray(wideHeader) + "objectcode\n0x2000,0,U8S,rw,List,9,ARRAY\n"
+                                                          "0x2001,0,U8S,rw,Group,9,RECORD\n");
+    const auto count = subOf(store, 0x2000, 0);
+    EXPECT_EQ(count.datatype, COHelper::mapDataTypeString(u"U8S"_s));
+    EXPECT_EQ(count.implementation, 1);
+    EXPECT_EQ(subOf(store, 0x2001, 0).implementation, 0);
+}
+
+TEST(CsvImport, FlagsAndLimits)
+{
+    const Store store = imported("index,sub,datatype,access,nvstorage,hasdefault,defaultineds,size,lowlimit,haslimit\n"
+                                 "0x2000,0,U8,ro,-1,0,2,65538,,no\n"
+                                 "0x2001,0,U8,ro,Yes,no,YES,0,3,Yes\n"
+                                 "0x2002,0,U8,ro,,,,,,1\n"
+                                 "0x2003,0,U8,ro,No\n");
+    struct Expected
+    {
+        quint16 index;
+        bool storage, hasDefault;
+        quint8 inEds;
+        quint32 size;
+        const char *low;
+        bool limits;
+    };
+    for (const Expected &row : {Expected{0x2000, true, false, 2, 2, "0", false},
+                                {0x2001, true, false, 1, 0, "3", true},
+                                {0x2002, false, true, 0, 0, "0", true},
+                                {0x2003, false, true, 0, 0, "0", false}}) {
+        SCOPED_TRACE(row.index);
+        const auto sub = subOf(store, row.index, 0);
+        EXPECT_EQ(std::tuple(sub.nvstorage, sub.defaultineds, sub.writedefaulttoeds, sub.size, sub.limitineds),
+                  std::tuple(row.storage, row.hasDefault, row.inEds, row.size, row.limits));
+        EXPECT_EQ(sub.lowlimit, QLatin1StringView(row.low));
+        EXPECT_EQ(sub.uplimit, u"255");
+    }
+    // A column that comes first is not read.
+    for (const char *column : {"hasdefault", "defaultineds", "haslimit"}) {
+        const auto sub = subOf(imported(QByteArray(column) + ",index,sub,datatype,uplimit\nno,0x2000,0,U8,9\n"
+                                                             "yes,0x2000,1,U8,9\n"),
+                               0x2000, column[1] == 'e' ? 1 : 0);
+        EXPECT_TRUE(sub.defaultineds && sub.limitineds && sub.writedefaulttoeds == 0) << column;
+    }
+}
+
+TEST(CsvImport, CollectsDeletionsAndCopiesAndLeavesTheProjectAlone)
+{
+    const Store store = imported(QByteArray(wideHeader) + "\n0x2000,0,U8,ro,Kept,1,\n0x2001,0,U8,ro,Kept,1,\n");
+    const QString before = ImportTest::dump(*store);
+    const Lists lists = importTable(store, "index,sub,edsname,datatype,access,value\n"
+                                           "d,0x2000\nd,8192,0x2\ndelete,0x2001,,,,\n"
+                                           "d,0\nd,0,1\nd,0x2000,\nd,0x2000,x\nd,0x2000,256\nd\nd,0x2000,1,2\n"
+                                           "c,0x2000,0x2001\nc,0x2000,1,2\ncopy,0x2001,0x2000,,,\n"
+                                           "c,0,0x2001\nc,0x2000,0\nc,0,1,2\nc,0x2000,2,2\nc,0x2000,1,\nc,0x2000\n");
+    EXPECT_EQ(lists.deletions, (QList<Entry>{{0x2000, 0, true}, {0x2000, 2, false}, {0x2001, 0, true}}));
+    EXPECT_EQ(lists.copies, (QList<Entry>{{0x2000, 0, true},
+                                          {0x2001, 0, true},
+                                          {0x2000, 1, false},
+                                          {0x2000, 2, false},
+                                          {0x2001, 0, true},
+                                          {0x2000, 0, true}}));
+    EXPECT_EQ(ImportTest::dump(*store), before);
+}
+
+TEST(CsvImport, AddsToWhatTheLineHas)
+{
+    const Store store = imported(QByteArray(wideHeader) + "objectcode\n0x2000,0,U8,ro,List,3,ARRAY\n"
+                                                          "0x2000,3,U8,ro,Third,1,\n0x2001,0,U8,ro,Other,1,\n");
+    // A higher subindex does not rename its object, nor does it change a count that the line has.
+    importTable(store, QByteArray(wideHeader) + "\n0x2000,4,,rw,Fourth,2,\n0x2001,0,U16,ro,Renamed,2,\n");
+    ObjectDataBase::INDEX_DATA_T object;
+    ASSERT_TRUE(store->getIndex(0, 0x2000, object));
+    EXPECT_EQ(std::tuple(object.name, object.objecttype), std::tuple(u"List"_s, 8U));
+    EXPECT_EQ(subOf(store, 0x2000, 0).defaultvalue, u"3");
+    EXPECT_EQ(subOf(store, 0x2000, 3).name, u"Third");
+    EXPECT_EQ(subOf(store, 0x2000, 4).datatype, 5);
+    EXPECT_EQ(store->getIndexName(0, 0x2001), u"Renamed");
+
+    // Rows go to the line that they name, if there is one.
+    ASSERT_TRUE(store->addNode(1, {}));
+    importTable(store, "index,sub,line,edsname,access\n0x3000,0,1,One,ro\n0x3001,0,2,Two,ro\n0x3002,0,257,Far,ro\n"
+                       "0x3003,0,x,No number,ro\n0x3004,0,,Own,ro\n");
+    EXPECT_EQ(store->getIndexList(1, 0, 0xffff), QList<quint16>{0x3000});
+    EXPECT_EQ(store->getIndexList(0, 0x3000, 0x3fff), QList<quint16>{0x3004});
+}
+
+TEST(CsvImport, DropsWhatIsNoTable)
+{
+    QByteArray noise(3'000'000, '\0');
+    for (qsizetype i = 0; i < noise.size(); ++i)
+        noise[i] = static_cast<char>((i * i * 31 + (i >> 7)) & 0xff);
+    const QByteArray rows = "0x2000,0,U8,ro,One,1,\n";
+    for (const QByteArray &table : {QByteArray(), noise, QByteArray(1'000'000, '"'), QByteArray(1'000'000, '\n'),
+                                    QByteArray("sub,datatype,access,edsname,value\n") + rows, rows,
+                                    QByteArray(wideHeader) + "\n\"0x2000,0,U8,ro,One\n"})
+        EXPECT_EQ(ImportTest::dump(*imported(table)), ImportTest::dump(*ImportTest::emptyProject()));
+    // The good rows behind the bad ones come in.
+    QByteArray quotes;
+    for (int i = 0; i < 5000; ++i)
+        quotes += "\"open,1,2,3,4\n";
+    EXPECT_EQ(imported(wideHeader + ("\n" + noise) + "\n" + quotes + rows)->getIndexList(0, 0, 0xffff),
+              QList<quint16>{0x2000});
+}
+
+TEST(CsvImport, TakesTenThousandRowsAtOnce)
+{
+    QByteArray table = QByteArray(wideHeader) + "description,objectcode\n";
+    for (int i = 0; i < 10'000; ++i)
+        table += QByteArray::number(0x2000 + i / 2) + "," + QByteArray::number(i % 2) + ",U32,rw,Name " +
+                 QByteArray::number(i) + ",1,,Text " + QByteArray::number(i) + ",RECORD\n";
+    const auto store = ImportTest::emptyProject();
+    QElapsedTimer timer;
+    timer.start();
+    importTable(store, table);
+    EXPECT_LT(timer.elapsed(), 2000);
+    EXPECT_EQ(store->getIndexList(0, 0, 0xffff).size(), 5000);
+    EXPECT_EQ(subOf(store, 0x2000 + 4999, 1).name, u"Name 9999");
+}
