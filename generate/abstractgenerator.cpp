@@ -81,7 +81,8 @@ AbstractGenerator::Status AbstractGenerator::setMultiLine(bool multiLine)
 
 AbstractGenerator::Status AbstractGenerator::launch(const QString &objectName)
 {
-    if (running_)
+    // Not running_: a quick job may be over already, and its thread is gone with it.
+    if (thread_)
         return JobRunning;
     setObjectName(objectName);
     cancelRequested_ = false;
