@@ -29,6 +29,7 @@ struct Dialect
     QString protocol;       ///< prefix of the protocol words: "CORE_PROT_TYPE_" or "MP_PROT_TYPE_"
     QString commonInitType; ///< type of `commonInitVars`, with the blanks behind it
     QString stackInit;      ///< name of the stack's common initialisation
+    QString dataTypeHeader; ///< the header of the basic types
     QString isoTpHeader;    ///< the header of the transport layer of ISO 15765-2
     QString parameterError; ///< return code for an argument that may not be given
     std::vector<Point> points;

@@ -1,9 +1,17 @@
 #include "generate/runtable.h"
 
+#include "generate/generationrun.h"
 #include "generate/j1939/pgngenerator.h"
+#include "generate/stack/externdeclgenerator.h"
 #include "generate/stack/indicesgenerator.h"
 
+#include "store/objectdatabase.h"
+
+#include <QFile>
+
 #include <array>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -38,6 +46,29 @@ std::unique_ptr<FileGenerator> makePgn(const RunContext &run, quint8 /*line*/)
     return inForm<PGNGenerator, PGNGeneratorV4>(run);
 }
 
+bool hasMessages(const RunContext &run)
+{
+    return (run.hasJ1939 || run.hasRawCAN) && !run.bootloaderMode;
+}
+
+std::unique_ptr<FileGenerator> makeExternDecl(const RunContext &run, quint8 /*line*/)
+{
+    return inForm<ExtDeclGenerator, ExtDeclGeneratorV4>(run);
+}
+
+/// Removes what a device without CANopen does not have, and adapter files that are no longer wanted.
+RunFlow removeStaleFiles(GenerationRun &run, quint8 /*line*/)
+{
+    constexpr std::array adapterFiles{"gen_j1939_adapter.c", "gen_j1939_adapter.cs", "j1939_adapter.cs",
+                                      "j1939_adapter.c"};
+    if (run.context().store->getJ1939Setting(u"j1939adapter"_s) != "1"_L1) {
+        for (const char *name : adapterFiles)
+            QFile::remove(run.filePath(QString::fromLatin1(name)));
+    }
+    QFile::remove(run.filePath(u"gen_indication.h"_s));
+    return RunFlow::Continue;
+}
+
 constexpr std::array rows{
     RunRow{.applies = hasNamesToDefine,
            .make = makeIndices,
@@ -47,6 +78,11 @@ constexpr std::array rows{
            .make = makePgn,
            .started = "Generation of gen_pgn.c in %1 started",
            .notWritable = "The file gen_pgn.c in %1 is not writable"},
+    RunRow{.applies = isJ1939Only, .step = removeStaleFiles},
+    RunRow{.applies = hasMessages,
+           .make = makeExternDecl,
+           .started = "Generation of gen_extern_decl.h in %1 started",
+           .notWritable = "The file gen_extern_decl.h in %1 is not writable"},
 };
 
 } // namespace
