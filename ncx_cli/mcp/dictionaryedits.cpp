@@ -61,7 +61,6 @@ ObjectDataBase::SUBINDEX_DATA_T firstSubindex(const ObjectDataBase::INDEX_DATA_T
         sub.name = QCoreApplication::translate("DictionaryTools", "Highest sub-index supported");
         sub.datatype = CAN::Unsigned8;
         sub.defaultvalue = u"0"_s;
-        sub.defaultineds = true;
         sub.lowlimit = u"0"_s;
         sub.uplimit = u"255"_s;
         sub.implementation = 1;
@@ -133,7 +132,6 @@ Reply addSubindex(const ToolCall &call)
     sub.name = call.text(subindexName.name);
     sub.datatype = call.number<quint16>(Arguments::dataType.name);
     sub.accesstype = call.text(accessType.name, u"ro"_s);
-    sub.defaultineds = call.has(Arguments::defaultValue.name);
     sub.defaultvalue = call.text(Arguments::defaultValue.name);
     sub.size = call.number<quint32>(size.name);
     sub.pdomapping = PDOMapping(*mapping);
