@@ -9,6 +9,14 @@ ObjectDataBase &ToolCall::store() const
     return session_.store();
 }
 
+QString ToolCall::text(QLatin1StringView name, const QString &fallback) const
+{
+    QString text = arguments_.value(name).toString(fallback);
+    if (!text.isValidUtf16())
+        text = QString::fromUtf8(text.toUtf8());
+    return text.replace(QChar::Null, QChar::ReplacementCharacter);
+}
+
 Reply ToolCall::edited(const QString &sentence) const
 {
     return Reply::text(sentence + u"\n\n"_s + session_.checkSummary());
