@@ -15,7 +15,8 @@ void generateEds(GenerationRun &run, quint8 line, const EdsVariant &variant)
     run.runJob(generator, line, {},
                {.started = variant.classical ? "Generation of %2 classical EDS file in %1 started"
                                              : "Generation of %2 EDS file in %1 started",
-                .notWritable = "The EDS file %2 in %1 is not writable"});
+                .notWritable = "The EDS file %2 in %1 is not writable",
+                .startedName = variant.tag});
 }
 
 } // namespace

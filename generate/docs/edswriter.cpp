@@ -59,7 +59,7 @@ QString dataTypeOf(const StoreRecords::SubIndexData &sub)
         if (isNumber)
             return dec(type);
     }
-    return dec(sub.datatype < firstOwnDataType ? sub.datatype : CAN::Unsigned8);
+    return dec(sub.datatype < firstOwnDataType ? sub.datatype : quint16{CAN::Unsigned8});
 }
 
 bool showsDefault(const StoreRecords::SubIndexData &sub)

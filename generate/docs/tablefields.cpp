@@ -30,10 +30,14 @@ struct FormRow
 };
 
 constexpr std::array formRows{
-    FormRow{CAN::Integer8, CAN::Integer32, {true, 32}},     FormRow{CAN::Unsigned8, CAN::Unsigned8, {false, 16}},
-    FormRow{CAN::Unsigned16, CAN::Unsigned32, {false, 32}}, FormRow{CAN::Integer24, CAN::Integer24, {true, 32}},
-    FormRow{CAN::Integer40, CAN::Integer64, {true, 64}},    FormRow{CAN::Unsigned24, CAN::Unsigned24, {false, 32}},
-    FormRow{CAN::Unsigned40, CAN::Unsigned64, {false, 64}}, FormRow{CAN::Unsigned2, CAN::Unsigned7, {false, 16}},
+    FormRow{CAN::Integer8, CAN::Integer32, {true, 32}},
+    FormRow{CAN::Unsigned8, CAN::Unsigned8, {false, 16}},
+    FormRow{CAN::Unsigned16, CAN::Unsigned32, {false, 32}},
+    FormRow{CAN::Integer24, CAN::Integer24, {true, 32}},
+    FormRow{CAN::Integer40, CAN::Integer64, {true, 64}},
+    FormRow{CAN::Unsigned24, CAN::Unsigned24, {false, 32}},
+    FormRow{CAN::Unsigned40, CAN::Unsigned64, {false, 64}},
+    FormRow{CAN::Unsigned2, CAN::Unsigned7, {false, 16}},
     FormRow{106, 0xffff, {false, 32}},
 };
 
@@ -85,8 +89,8 @@ QString realDecimal(const QString &text)
 
 QString TableFields::field(const QString &text)
 {
-    const bool isPlain = std::ranges::none_of(
-        text, [](QChar c) { return c == u',' || c == u'"' || c == u'\n' || c == u'\r'; });
+    const bool isPlain =
+        std::ranges::none_of(text, [](QChar c) { return c == u',' || c == u'"' || c == u'\n' || c == u'\r'; });
     return isPlain ? text : u'"' + QString(text).replace(u'"', "\"\""_L1) + u'"';
 }
 
@@ -97,16 +101,16 @@ QString TableFields::value(quint16 dataType, const QString &text)
     const QString number = text.trimmed();
     if (dataType == CAN::Real32 || dataType == CAN::Real64)
         return realDecimal(number);
-    const auto row = std::ranges::find_if(
-        formRows, [dataType](const FormRow &candidate) { return dataType >= candidate.first && dataType <= candidate.last; });
+    const auto row = std::ranges::find_if(formRows, [dataType](const FormRow &candidate) {
+        return dataType >= candidate.first && dataType <= candidate.last;
+    });
     if (row == formRows.end())
         return text;
     const bool isRelative = number.startsWith(nodeId, Qt::CaseInsensitive);
     const QString digits = isRelative ? number.sliced(nodeId.size()).trimmed() : number;
-    const QString decimal =
-        row->form.isSigned
-            ? signedDecimal(digits, row->form.bits, static_cast<int>(COHelper::getDataLengthBits(dataType)))
-            : unsignedDecimal(digits, row->form.bits);
+    const QString decimal = row->form.isSigned ? signedDecimal(digits, row->form.bits,
+                                                               static_cast<int>(COHelper::getDataLengthBits(dataType)))
+                                               : unsignedDecimal(digits, row->form.bits);
     return isRelative && !decimal.isEmpty() ? nodeId + decimal : decimal;
 }
 

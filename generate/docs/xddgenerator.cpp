@@ -141,10 +141,7 @@ private:
     {
         xml_.writeTextElement(element, DocText::forXml(content));
     }
-    void attribute(QLatin1StringView name, const QString &value)
-    {
-        xml_.writeAttribute(name, DocText::forXml(value));
-    }
+    void attribute(QLatin1StringView name, const QString &value) { xml_.writeAttribute(name, DocText::forXml(value)); }
     QString setting(const QString &key) const { return store_.getDescriptionSetting(key); }
 
     void label(QLatin1StringView element, const QString &content)
