@@ -34,7 +34,7 @@ const Dialect &Dialect::v4()
         .commonInitType = u"CORE_COMMON_INIT_VAL_T "_s,
         .stackInit = u"coreStackInit"_s,
         .parameterError = u"RET_PARAMETER_INVALID"_s,
-        .points = {Point::SplitTypeColumns, Point::CoreCommonInit, Point::LoadIndication},
+        .points = {Point::SplitTypeColumns, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication},
     };
     return dialect;
 }

@@ -11,9 +11,10 @@
 /// One writer prints both forms; it asks `Dialect::has` at these points and nowhere else looks at the form.
 enum class Point
 {
-    SplitTypeColumns, ///< a description row has its data type and its specifier in columns of their own
-    CoreCommonInit,   ///< the common initialisation structure has a heading, and a comma behind its last ISO-TP row
-    LoadIndication,   ///< the predefined connection set is overwritten by a load indication, not by functions for one
+    SplitTypeColumns,   ///< a description row has its data type and its specifier in columns of their own
+    CoreCommonInit,     ///< the common initialisation structure has a heading, and a comma behind its last ISO-TP row
+    LinePrototypesOnly, ///< of the start-up of several lines only the functions of a line are declared ahead
+    LoadIndication,     ///< the predefined connection set is overwritten by a load indication, not by functions for one
 };
 
 /// The words of one form of the C sources, and its points.
