@@ -278,6 +278,7 @@ TEST(BuiltInProfiles, KnowTheWellKnown)
         {u"301"_s, 0x1803, 1, CAN::Unsigned32, u"rw"_s, 0, u"$NODEID+0x480"_s},
         {u"301"_s, 0x1A00, 0, CAN::Unsigned8, u"rw"_s, 0, u"0x00"_s},
         {u"301"_s, 0x1A00, 64, CAN::Unsigned32, u"rw"_s, 0, u""_s},
+        {u"301"_s, 0x1F81, 127, CAN::Unsigned32, u"rw"_s, 0, u"0x00000000"_s},
         {u"302"_s, 0x1F81, 127, CAN::Unsigned32, u"rw"_s, 0, u"0x00000000"_s},
         {u"401"_s, 0x1000, 0, CAN::Unsigned32, u"ro"_s, 0, u"0x00000191"_s},
         {u"401"_s, 0x6000, 1, CAN::Unsigned8, u"ro"_s, 1, u""_s},

@@ -1,0 +1,6 @@
+#include "ncx_cli/mcp/toolfamilies.h"
+
+std::span<const Tool> ToolFamilies::rawCan()
+{
+    return {};
+}
