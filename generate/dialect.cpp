@@ -38,8 +38,8 @@ const Dialect &Dialect::v4()
         .dataTypeHeader = u"core_datatype.h"_s,
         .isoTpHeader = u"core_isotp.h"_s,
         .parameterError = u"RET_PARAMETER_INVALID"_s,
-        .points = {Point::SplitTypeColumns, Point::CoreCommonInit, Point::LoadIndication, Point::PointerTables,
-                   Point::ReceiveConfigs},
+        .points = {Point::SplitTypeColumns, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication,
+                   Point::PointerTables, Point::ReceiveConfigs},
     };
     return dialect;
 }

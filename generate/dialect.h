@@ -11,13 +11,14 @@
 /// One writer prints both forms; it asks `Dialect::has` at these points and nowhere else looks at the form.
 enum class Point
 {
-    SplitTypeColumns,  ///< a description row has its data type and its specifier in columns of their own
-    CoreCommonInit,    ///< the common initialisation structure has a heading, and a comma behind its last ISO-TP row
-    PointerTables,     ///< the pointers of a message's mapping are a table of their own, and a row tells its data type
-    ReservedNameField, ///< the NAME of a J1939 device is told with its reserved bit
-    ReceiveConfigs,    ///< configured and received J1939 groups are counted apart
+    SplitTypeColumns,   ///< a description row has its data type and its specifier in columns of their own
+    CoreCommonInit,     ///< the common initialisation structure has a heading, and a comma behind its last ISO-TP row
+    LinePrototypesOnly, ///< of the start-up of several lines only the functions of a line are declared ahead
+    LoadIndication,     ///< the predefined connection set is overwritten by a load indication, not by functions for one
+    PointerTables,      ///< the pointers of a message's mapping are a table of their own, and a row has its data type
+    ReservedNameField,  ///< the NAME of a J1939 device is told with its reserved bit
+    ReceiveConfigs,     ///< configured and received J1939 groups are counted apart
     FormerServiceValues, ///< there is an older structure of the J1939 services' counts
-    LoadIndication, ///< the predefined connection set is overwritten by a load indication, not by functions for one
 };
 
 /// The words of one form of the C sources, and its points.
