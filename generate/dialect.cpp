@@ -20,8 +20,9 @@ const Dialect &Dialect::classic()
         .stackInit = u"commonStackInit"_s,
         .dataTypeHeader = u"co_datatype.h"_s,
         .isoTpHeader = u"iso_tp.h"_s,
+        .safetyBuffer = u"pBuffer"_s,
         .parameterError = u"RET_INVALID_PARAMETER"_s,
-        .points = {Point::ReservedNameField, Point::FormerServiceValues},
+        .points = {Point::ReservedNameField, Point::FixedUnpacking, Point::FormerServiceValues},
     };
     return dialect;
 }
@@ -37,6 +38,7 @@ const Dialect &Dialect::v4()
         .stackInit = u"coreStackInit"_s,
         .dataTypeHeader = u"core_datatype.h"_s,
         .isoTpHeader = u"core_isotp.h"_s,
+        .safetyBuffer = u"pData"_s,
         .parameterError = u"RET_PARAMETER_INVALID"_s,
         .points = {Point::SplitTypeColumns, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication,
                    Point::PointerTables, Point::ReceiveConfigs},

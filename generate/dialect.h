@@ -18,6 +18,7 @@ enum class Point
     PointerTables,      ///< the pointers of a message's mapping are a table of their own, and a row has its data type
     ReservedNameField,  ///< the NAME of a J1939 device is told with its reserved bit
     ReceiveConfigs,     ///< configured and received J1939 groups are counted apart
+    FixedUnpacking,     ///< whole bytes and parts of one byte of a safety data group are read in one form each
     FormerServiceValues, ///< there is an older structure of the J1939 services' counts
 };
 
@@ -32,6 +33,7 @@ struct Dialect
     QString stackInit;      ///< name of the stack's common initialisation
     QString dataTypeHeader; ///< the header of the basic types
     QString isoTpHeader;    ///< the header of the transport layer of ISO 15765-2
+    QString safetyBuffer;   ///< what the data of a safety data group are written into
     QString parameterError; ///< return code for an argument that may not be given
     std::vector<Point> points;
 

@@ -8,12 +8,15 @@
 #include "generate/docs/xddgenerator.h"
 #include "generate/generationrun.h"
 #include "generate/j1939/pgngenerator.h"
+#include "generate/j1939/sdmgenerator.h"
 #include "generate/stack/externdeclgenerator.h"
 #include "generate/stack/indicesgenerator.h"
+#include "generate/stack/srdogenerator.h"
 #include "store/objectdatabase.h"
 
 #include <QFile>
 
+#include <algorithm>
 #include <array>
 
 using namespace Qt::StringLiterals;
@@ -41,6 +44,30 @@ std::unique_ptr<FileGenerator> makeIndices(const RunContext &run, quint8 /*line*
     return generator;
 }
 
+bool hasSrdos(const RunContext &run)
+{
+    constexpr quint16 first = 0x1301;
+    constexpr quint16 last = 0x137F;
+    return std::ranges::any_of(run.lines,
+                               [&run](quint8 line) { return !run.store->getIndexList(line, first, last).isEmpty(); });
+}
+
+std::unique_ptr<FileGenerator> makeSrdo(const RunContext &run, quint8 /*line*/)
+{
+    auto generator = std::make_unique<SrdoGeneratorStatic>();
+    generator->setStaticData(run.generalSetting(u"static_srdo_data"_s).toInt() == 1);
+    return generator;
+}
+
+/// Without its template the device has no safety module, and nothing else of it is to be built.
+RunFlow endWithoutTemplate(GenerationRun &run, FileGenerator &generator)
+{
+    if (generator.errorCode() != AbstractGenerator::TemplateError)
+        return RunFlow::Continue;
+    run.message(generator.errorText());
+    return RunFlow::EndWithTemplateFailure;
+}
+
 bool isJ1939Only(const RunContext &run)
 {
     return run.isJ1939Only();
@@ -59,6 +86,16 @@ bool hasMessages(const RunContext &run)
 std::unique_ptr<FileGenerator> makeExternDecl(const RunContext &run, quint8 /*line*/)
 {
     return inForm<ExtDeclGenerator, ExtDeclGeneratorV4>(run);
+}
+
+bool hasSafetyGroups(const RunContext &run)
+{
+    return hasMessages(run) && run.store->getJ1939Setting(u"safetysupport"_s).toInt() > 0;
+}
+
+std::unique_ptr<FileGenerator> makeSafetyGroups(const RunContext &run, quint8 /*line*/)
+{
+    return inForm<SDMGenerator, SDMGeneratorV4>(run);
 }
 
 /// Removes what a device without CANopen does not have, and adapter files that are no longer wanted.
@@ -127,6 +164,11 @@ constexpr std::array rows{
            .make = makeIndices,
            .started = "Generation of gen_indices.h in %1 started",
            .notWritable = "The file in gen_indices.h in %1 is not writable"},
+    RunRow{.applies = hasSrdos,
+           .make = makeSrdo,
+           .started = "Generation of gen_srdo.c in %1 started",
+           .notWritable = "The file gen_srdo.c in %1 is not writable",
+           .after = endWithoutTemplate},
     RunRow{.applies = isJ1939Only,
            .make = makePgn,
            .started = "Generation of gen_pgn.c in %1 started",
@@ -141,6 +183,10 @@ constexpr std::array rows{
            .make = makeExternDecl,
            .started = "Generation of gen_extern_decl.h in %1 started",
            .notWritable = "The file gen_extern_decl.h in %1 is not writable"},
+    RunRow{.applies = hasSafetyGroups,
+           .make = makeSafetyGroups,
+           .started = "Generation of file in %1 started",
+           .notWritable = "The file in %1 is not writable"},
     RunRow{.applies = hasIndications,
            .lines = RunLines::CANopen,
            .make = makeCsv,

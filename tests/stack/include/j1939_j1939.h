@@ -4,6 +4,9 @@
 /* The parameter groups of a J1939 device and its start-up. */
 
 #include <core_mapping.h>
+#ifdef J1939_SDG_SUPPORTED
+#include <j1939_sdg.h>
+#endif
 
 /* Configurations may leave out what their stack sets to 0. */
 #pragma GCC diagnostic ignored "-Wmissing-field-initializers"
