@@ -34,8 +34,7 @@ Reply Resources::list(ProjectSession &session)
     if (session.profilePath().isEmpty())
         return Reply::result({{u"resources"_s, resources}});
     for (const QString &id : session.profiles().ids()) {
-        QJsonObject entry{
-            {u"uri"_s, scheme + id}, {u"name"_s, u"DS-"_s + id}, {u"mimeType"_s, u"application/json"_s}};
+        QJsonObject entry{{u"uri"_s, scheme + id}, {u"name"_s, u"DS-"_s + id}, {u"mimeType"_s, u"application/json"_s}};
         if (const QString description = session.profiles().description(id); !description.isEmpty())
             entry.insert(u"description"_s, description);
         resources.append(entry);

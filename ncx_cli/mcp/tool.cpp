@@ -17,9 +17,9 @@ QString ToolCall::text(QLatin1StringView name, const QString &fallback) const
     return text.replace(QChar::Null, QChar::ReplacementCharacter);
 }
 
-Reply ToolCall::edited(const QString &sentence) const
+Reply ToolCall::edited(const QString &sentence, bool isError) const
 {
-    return Reply::text(sentence + u"\n\n"_s + session_.checkSummary());
+    return Reply::text(sentence + u"\n\n"_s + session_.checkSummary(), isError);
 }
 
 QJsonObject Tool::descriptor() const

@@ -46,7 +46,7 @@ public:
     quint8 sub() const { return number<quint8>(QLatin1StringView("sub")); }
 
     /// The reply of a tool that has changed the project: its sentence, a blank line and what a fresh model check says.
-    Reply edited(const QString &sentence) const;
+    Reply edited(const QString &sentence, bool isError = false) const;
 
 private:
     ProjectSession &session_;
