@@ -8,6 +8,7 @@
 #include "store/subobjectcache.h"
 
 #include <QHash>
+#include <QMap>
 #include <QMutex>
 #include <QObject>
 #include <QSqlDatabase>
@@ -143,6 +144,10 @@ public:
     /// Answers from the line's cache where that holds the key.
     bool getSubIndex(quint8 line, quint16 index, quint8 subindex, SUBINDEX_DATA_T &data);
     QList<quint8> getSubIndexList(quint8 line, quint16 index, quint8 firstSub = 0);
+    /// Object codes (column `objecttype`) of the indices from `first` to `last`.
+    QMap<quint16, quint32> getObjectTypes(quint8 line, quint16 first, quint16 last);
+    /// The subindices of all objects of a line by index and subindex, those that have no object included.
+    QList<SubKey> getSubKeys(quint8 line);
     quint16 getSubIndexDataType(quint8 line, quint16 index, quint8 subindex);
     QString getSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex);
     bool setSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex, const QString &value);
