@@ -30,8 +30,8 @@ protected:
     /// file.
     virtual void write(QTextStream &stream) = 0;
 
-    QString filePath() const;
+    /// Makes the file; here out of the text that `write` prints. A failure is reported with `fail`.
+    virtual void writeFile();
 
-private:
-    void writeFile();
+    QString filePath() const;
 };
