@@ -5,6 +5,7 @@
 #include <QLocale>
 
 #include <array>
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 using CANdb::AttributeDefinition;
@@ -12,8 +13,12 @@ using Code::dec;
 
 namespace {
 
+/// Whole numbers without an exponent, which readers of integers do not expect.
 QString number(double value)
 {
+    constexpr double exact = 9007199254740992.0; // 2^53
+    if (std::abs(value) < exact && std::trunc(value) == value)
+        return QString::number(static_cast<qint64>(value));
     return QString::number(value, 'g', QLocale::FloatingPointShortest);
 }
 
@@ -144,8 +149,9 @@ private:
     {
         constexpr std::array words{"INT"_L1, "HEX"_L1, "FLOAT"_L1, "STRING"_L1, "ENUM"_L1};
         const QString word = words.at(static_cast<size_t>(definition.type));
+        // Some readers want a blank between the word and the semicolon.
         if (definition.type == AttributeDefinition::Type::String)
-            return word;
+            return word + u' ';
         if (definition.type != AttributeDefinition::Type::Enumeration)
             return u"%1 %2 %3"_s.arg(word, number(definition.minimum), number(definition.maximum));
         QStringList names;
