@@ -166,7 +166,7 @@ bool copyFile(const QString &source, const QString &target)
 
 QString RawCANDBCGenerator::fileName() const
 {
-    return documentName(dbcEnding);
+    return nameWith(dbcEnding);
 }
 
 void RawCANDBCGenerator::write(QTextStream &stream)
@@ -205,7 +205,7 @@ void RawCANDBCGenerator::write(QTextStream &stream)
 
 QString DBCGenerator::fileName() const
 {
-    return documentName(dbcEnding);
+    return nameWith(dbcEnding);
 }
 
 void DBCGenerator::build(CANdbDBC &dbc)

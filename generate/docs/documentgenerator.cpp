@@ -1,5 +1,7 @@
 #include "generate/docs/documentgenerator.h"
 
+#include "generate/docs/documentname.h"
+
 #include <QDebug>
 #include <QThread>
 
@@ -7,10 +9,9 @@
 
 using namespace Qt::StringLiterals;
 
-QString DocumentGenerator::documentName(QLatin1StringView ending) const
+QString DocumentGenerator::nameWith(QLatin1StringView ending) const
 {
-    const QString number = isMultiLine() ? u"_%1"_s.arg(line()) : QString();
-    return baseName() + number + fileSuffix() + ending;
+    return documentName(baseName(), line(), isMultiLine()) + fileSuffix() + ending;
 }
 
 bool DocumentGenerator::goesOn()

@@ -12,7 +12,7 @@ public:
 
 protected:
     /// `ending` behind the base name, the line's number where there are several, and the suffix.
-    QString documentName(QLatin1StringView ending) const;
+    QString nameWith(QLatin1StringView ending) const;
 
     /// To be asked before each object: lets other threads work. False once the job was cancelled; nothing is kept of
     /// the document then, since half of one looks like a whole one.

@@ -56,7 +56,7 @@ private:
 
 QString HTMLDocumentGenerator::fileName() const
 {
-    return documentName(".html"_L1);
+    return nameWith(".html"_L1);
 }
 
 void HTMLDocumentGenerator::write(QTextStream &stream)
@@ -122,12 +122,14 @@ void HTMLDocumentGenerator::writeHead(HtmlPage &page, const QString &project) co
               .toc { position: static; width: auto; margin-bottom: 16px; }
               .left, .center { margin-right: 0; }
               table, hr { width: 100%; }
+              td:first-child:not([colspan]), th:first-child:not([colspan]) { width: 35%; }
             }
             @media print {
               body { margin: 0; }
               tr { print-color-adjust: exact; -webkit-print-color-adjust: exact; }
               table, hr { width: 100%; }
               table { break-inside: avoid; }
+              p + table { break-after: avoid; }
               th:target { background: #a5a5a5; }
               .left, .center { margin-right: 0; }
               .toc { position: static; width: auto; padding: 0; overflow: visible; background: none;

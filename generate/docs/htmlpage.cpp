@@ -52,9 +52,10 @@ void HtmlPage::line(const QString &markup)
     out(u"    <tr${class}><td colspan=\"2\">${text}</td></tr>", {{"class", nextClass()}, {"text", markup}});
 }
 
-void HtmlPage::link(const QString &id, const QString &markup)
+void HtmlPage::link(const QString &id, const QString &markup, const QString &hint)
 {
-    out(u"    <a href=\"#${id}\">${text}</a><br>", {{"id", id}, {"text", markup}});
+    const QString title = hint.isEmpty() ? QString() : u" title=\"%1\""_s.arg(hint.toHtmlEscaped());
+    out(u"    <a href=\"#${id}\"${title}>${text}</a><br>", {{"id", id}, {"title", title}, {"text", markup}});
 }
 
 QString HtmlPage::nextClass()

@@ -29,8 +29,8 @@ public:
     void description(const QString &text);
     /// A row without words.
     void line(const QString &markup);
-    /// An entry of the table of contents.
-    void link(const QString &id, const QString &markup);
+    /// An entry of the table of contents. A hint is a text that shows while somebody points at the entry.
+    void link(const QString &id, const QString &markup, const QString &hint = {});
 
     /// The text with the characters that HTML reads as markup, the German letters and line feeds written out.
     static QString escaped(QString text);

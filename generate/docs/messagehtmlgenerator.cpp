@@ -112,7 +112,7 @@ void J1939HTMLGenerator::collect()
 void J1939HTMLGenerator::writeLinks(HtmlPage &page)
 {
     for (const BusMessage &pgn : pgns_)
-        page.link(anchorOf(pgn), pgnWithDirection(pgn));
+        page.link(anchorOf(pgn), pgnWithDirection(pgn), pgn.name);
 }
 
 void J1939HTMLGenerator::writeContents(HtmlPage &page)

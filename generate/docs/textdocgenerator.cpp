@@ -138,7 +138,7 @@ void writeBlockHead(CodeWriter &out, bool transmitted)
 
 QString TextDocGenerator::fileName() const
 {
-    return documentName(textEnding);
+    return nameWith(textEnding);
 }
 
 void TextDocGenerator::write(QTextStream &stream)
@@ -158,7 +158,7 @@ void TextDocGenerator::write(QTextStream &stream)
 
 QString J1939TextDocGenerator::fileName() const
 {
-    return documentName(textEnding);
+    return nameWith(textEnding);
 }
 
 void J1939TextDocGenerator::write(QTextStream &stream)
@@ -175,7 +175,7 @@ void J1939TextDocGenerator::write(QTextStream &stream)
 
 QString RawCANTextDocGenerator::fileName() const
 {
-    return documentName(textEnding);
+    return nameWith(textEnding);
 }
 
 void RawCANTextDocGenerator::write(QTextStream &stream)
