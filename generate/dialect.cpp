@@ -20,7 +20,7 @@ const Dialect &Dialect::v4()
     static const Dialect dialect{
         .form = SourceForm::V4,
         .core = u"CORE_"_s,
-        .points = {Point::SplitTypeColumns},
+        .points = {Point::SplitTypeColumns, Point::UdsIndications},
     };
     return dialect;
 }

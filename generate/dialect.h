@@ -12,6 +12,7 @@
 enum class Point
 {
     SplitTypeColumns, ///< a description row has its data type and its specifier in columns of their own
+    UdsIndications,   ///< functions of the UDS server can be named at compile time
 };
 
 /// The words of one form of the C sources, and its points.
