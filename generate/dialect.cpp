@@ -11,7 +11,8 @@ bool Dialect::has(Point point) const
 
 const Dialect &Dialect::classic()
 {
-    static const Dialect dialect{.form = SourceForm::Classic, .core = u"CO_"_s, .points = {}};
+    static const Dialect dialect{
+        .form = SourceForm::Classic, .core = u"CO_"_s, .lineParameter = u"UNSIGNED8 CO_LINE, "_s, .points = {}};
     return dialect;
 }
 
@@ -20,6 +21,7 @@ const Dialect &Dialect::v4()
     static const Dialect dialect{
         .form = SourceForm::V4,
         .core = u"CORE_"_s,
+        .lineParameter = u"CAN_LINE_TYPE CAN_LINE, "_s,
         .points = {Point::SplitTypeColumns, Point::UdsIndications},
     };
     return dialect;

@@ -19,7 +19,8 @@ enum class Point
 struct Dialect
 {
     SourceForm form;
-    QString core; ///< prefix of the macro family: "CORE_" or "CO_"
+    QString core;          ///< prefix of the macro family: "CORE_" or "CO_"
+    QString lineParameter; ///< what an indication's parameters begin with in a project of several lines
     std::vector<Point> points;
 
     bool has(Point point) const;

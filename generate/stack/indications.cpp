@@ -1,6 +1,7 @@
 #include "generate/stack/indications.h"
 
 #include "generate/dialect.h"
+#include "generate/stack/linesettings.h"
 #include "store/objectdatabase.h"
 
 #include <algorithm>
@@ -9,14 +10,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int automaticBase = 0;
-
 bool isSetOnSomeLine(ObjectDataBase &store, const QString &key)
 {
-    const QList<quint8> lines = store.getNodeList();
-    return std::ranges::any_of(lines, [&](quint8 line) {
-        return store.getGeneralSetting(key, line).trimmed().toInt(nullptr, automaticBase) > 0;
-    });
+    const QList<quint8> lines = LineSettings::stackLines(store);
+    return std::ranges::any_of(lines, [&](quint8 line) { return LineSettings::number(store, key, line) > 0; });
 }
 
 } // namespace
@@ -49,5 +46,5 @@ bool Indications::hasUsdoClient(ObjectDataBase &store)
 
 bool Indications::hasUdsEvents(ObjectDataBase &store)
 {
-    return store.getGeneralSetting(u"uds_static_indication"_s).trimmed() == "1"_L1;
+    return LineSettings::number(store, u"uds_static_indication"_s) == 1;
 }
