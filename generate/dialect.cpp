@@ -12,7 +12,16 @@ bool Dialect::has(Point point) const
 const Dialect &Dialect::classic()
 {
     static const Dialect dialect{
-        .form = SourceForm::Classic, .core = u"CO_"_s, .lineParameter = u"UNSIGNED8 CO_LINE, "_s, .points = {}};
+        .form = SourceForm::Classic,
+        .core = u"CO_"_s,
+        .line = u"CO_"_s,
+        .lineParameter = u"UNSIGNED8 CO_LINE, "_s,
+        .protocol = u"MP_PROT_TYPE_"_s,
+        .commonInitType = u"CO_COMMON_INIT_VAL_T    "_s,
+        .stackInit = u"commonStackInit"_s,
+        .parameterError = u"RET_INVALID_PARAMETER"_s,
+        .points = {},
+    };
     return dialect;
 }
 
@@ -21,8 +30,14 @@ const Dialect &Dialect::v4()
     static const Dialect dialect{
         .form = SourceForm::V4,
         .core = u"CORE_"_s,
+        .line = u"CAN_"_s,
         .lineParameter = u"CAN_LINE_TYPE CAN_LINE, "_s,
-        .points = {Point::SplitTypeColumns, Point::UdsIndications},
+        .protocol = u"CORE_PROT_TYPE_"_s,
+        .commonInitType = u"CORE_COMMON_INIT_VAL_T "_s,
+        .stackInit = u"coreStackInit"_s,
+        .parameterError = u"RET_PARAMETER_INVALID"_s,
+        .points = {Point::SplitTypeColumns, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication,
+                   Point::BootloaderBuffers, Point::UdsIndications},
     };
     return dialect;
 }

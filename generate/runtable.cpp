@@ -1,8 +1,21 @@
 #include "generate/runtable.h"
 
+#include "generate/docs/csvgenerator.h"
+#include "generate/docs/documentname.h"
+#include "generate/docs/edsgenerator.h"
+#include "generate/docs/edsrun.h"
+#include "generate/docs/icsvgenerator.h"
+#include "generate/docs/xddgenerator.h"
+#include "generate/generationrun.h"
+#include "generate/stack/definegenerator.h"
+#include "generate/stack/indicationgenerator.h"
 #include "generate/stack/indicesgenerator.h"
+#include "generate/stack/projectprops.h"
+#include "store/objectdatabase.h"
 
 #include <array>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -18,11 +31,141 @@ std::unique_ptr<FileGenerator> makeIndices(const RunContext &run, quint8 /*line*
     return generator;
 }
 
+bool always(const RunContext & /*run*/)
+{
+    return true;
+}
+
+std::unique_ptr<FileGenerator> makeDefines(const RunContext &run, quint8 /*line*/)
+{
+    std::unique_ptr<DefineHeaderGenerator> generator;
+    if (run.usesV4())
+        generator = std::make_unique<GenDefineGenerator>();
+    else
+        generator = std::make_unique<CoDefineGenerator>();
+    generator->setJ1939Mode(run.hasJ1939);
+    generator->setMultiProtocol(run.isMultiProtocol());
+    return generator;
+}
+
+RunFlow tellUserSection(GenerationRun &run, FileGenerator &generator)
+{
+    const auto *defines = qobject_cast<DefineHeaderGenerator *>(&generator);
+    if (defines && !defines->userSection().trimmed().isEmpty())
+        run.message(u"gen_define.h contains user section:\n%1"_s.arg(defines->userSection()));
+    return RunFlow::Continue;
+}
+
+bool hasProps(const RunContext &run)
+{
+    return run.generalSetting(u"gen_csharp_props"_s).toInt() == 1;
+}
+
+RunFlow writeProps(GenerationRun &run, quint8 /*line*/)
+{
+    const QString folder = run.context().outputFolder;
+    const QString text = ProjectProps::write(folder)
+                             ? u"Generation of gen_define.props and Directory.Build.props in %1 finished"_s
+                             : u"The files gen_define.props and Directory.Build.props in %1 are not writable"_s;
+    run.message(text.arg(folder));
+    return RunFlow::Continue;
+}
+
+bool hasSdoServer(const RunContext &run)
+{
+    return run.isJ1939Only() && run.store->getJ1939Setting(u"cia510serversupport"_s).toInt() == 1;
+}
+
+bool hasIndications(const RunContext &run)
+{
+    return run.hasCANopen || run.generalSetting(u"uds_static_indication"_s).toInt() == 1;
+}
+
+bool hasFdDescription(const RunContext &run)
+{
+    return hasIndications(run) && run.generalSetting(u"canfd_supported"_s).toInt() >= 1;
+}
+
+/// Only the V4 form knows the functions of the UDS server.
+std::unique_ptr<FileGenerator> makeIndications(const RunContext &run, quint8 /*line*/)
+{
+    if (run.usesV4() || run.generalSetting(u"uds_static_indication"_s).toInt() == 1)
+        return std::make_unique<indicationgeneratorv4>();
+    return std::make_unique<indicationgenerator>();
+}
+
+std::unique_ptr<FileGenerator> makeCsv(const RunContext & /*run*/, quint8 /*line*/)
+{
+    return std::make_unique<CSVGenerator>();
+}
+
+std::unique_ptr<FileGenerator> makeIcsv(const RunContext &run, quint8 /*line*/)
+{
+    auto generator = std::make_unique<ICSVGenerator>();
+    generator->setDocumentation(run.store->getMiscSetting(u"disableDocu"_s) != "true"_L1);
+    return generator;
+}
+
+std::unique_ptr<FileGenerator> makeEds(const RunContext & /*run*/, quint8 /*line*/)
+{
+    return std::make_unique<EDSGenerator>();
+}
+
+std::unique_ptr<FileGenerator> makeXdd(const RunContext & /*run*/, quint8 /*line*/)
+{
+    return std::make_unique<XDDGenerator>();
+}
+
+/// For messages that have a file's extension of their own.
+QString nameOfLine(const RunContext &run, quint8 line)
+{
+    return documentName(run.baseName, line, run.multiLine);
+}
+
+QString nameOfXdd(const RunContext &run, quint8 line)
+{
+    return XDDGenerator::nameOf(*run.store, run.baseName, line, run.multiLine);
+}
+
 constexpr std::array rows{
     RunRow{.applies = hasNamesToDefine,
            .make = makeIndices,
            .started = "Generation of gen_indices.h in %1 started",
            .notWritable = "The file in gen_indices.h in %1 is not writable"},
+    RunRow{.applies = always,
+           .make = makeDefines,
+           .started = "Generation of gen_define.h in %1 started",
+           .notWritable = "The file gen_define.h in %1 is not writable",
+           .after = tellUserSection},
+    RunRow{.applies = hasProps, .step = writeProps},
+    RunRow{.applies = hasSdoServer,
+           .make = makeEds,
+           .started = "Generation of %2 EDS file in %1 started (for CAM11/CAM21 SDO Server)",
+           .notWritable = "The EDS file %2.eds in %1 is not writable",
+           .nameInTexts = nameOfLine},
+    RunRow{.applies = hasIndications,
+           .make = makeIndications,
+           .started = "Generation of gen_indication in %1 started",
+           .notWritable = "The file gen_indication.h in %1 is not writable"},
+    RunRow{.applies = hasIndications,
+           .lines = RunLines::CANopen,
+           .make = makeCsv,
+           .started = "Generation of CSV file (deprecated) in %1 started",
+           .notWritable = "The file %2.csv in %1 is not writable",
+           .nameInTexts = nameOfLine},
+    RunRow{.applies = hasIndications,
+           .lines = RunLines::CANopen,
+           .make = makeIcsv,
+           .started = "Generation of ICSV file in %1 started",
+           .notWritable = "The file %2.icsv in %1 is not writable",
+           .nameInTexts = nameOfLine},
+    RunRow{.applies = hasIndications, .lines = RunLines::CANopen, .step = generateEdsFiles},
+    RunRow{.applies = hasFdDescription,
+           .lines = RunLines::CANopen,
+           .make = makeXdd,
+           .started = "Generation of XDD file in %1 started",
+           .notWritable = "The XDD file %2.xdd in %1 is not writable",
+           .nameInTexts = nameOfXdd},
 };
 
 } // namespace

@@ -91,7 +91,9 @@ QString nodeIdFunctions(const DefineModel &model, Key /*key*/)
 {
     return listOf(
         model,
-        [](const LineCounts &line) { return line.nodeIdFunction.trimmed().isEmpty() ? u"NULL"_s : line.nodeIdFunction; },
+        [](const LineCounts &line) {
+            return line.nodeIdFunction.trimmed().isEmpty() ? u"NULL"_s : line.nodeIdFunction;
+        },
         ","_L1);
 }
 
@@ -113,7 +115,8 @@ QString routesPerLine(const DefineModel &model, Key key)
 {
     if (routes(model, key).isEmpty())
         return {};
-    return listOf(model, [&](const LineCounts &line) { return decimal(model.number(key, line)); }, ", "_L1);
+    return listOf(
+        model, [&](const LineCounts &line) { return decimal(model.number(key, line)); }, ", "_L1);
 }
 
 /// The USDO service (CiA 1301) belongs to CAN FD; without it on any line, its functions are not declared either.

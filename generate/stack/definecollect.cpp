@@ -31,8 +31,7 @@ constexpr std::array wideTypes{CAN::TimeOfDay,  CAN::Integer24,  CAN::Real64,   
 /// The type that stands for all that a value of this type is stored with.
 quint16 storedAs(quint16 dataType)
 {
-    const bool isByte =
-        dataType == CAN::Boolean || (dataType >= CAN::Unsigned2 && dataType <= CAN::Unsigned7);
+    const bool isByte = dataType == CAN::Boolean || (dataType >= CAN::Unsigned2 && dataType <= CAN::Unsigned7);
     return isByte ? quint16{CAN::Unsigned8} : dataType;
 }
 
@@ -358,8 +357,9 @@ void DefineCollector::readAuthentication()
     for (const LineCounts &line : model_.lines) {
         for (const ObjectDataBase::UDSService &service : store_.getUDSServices(line.number)) {
             const QStringList roles = store_.getUDSServiceAuthentication(line.number, service.sid).split(u',');
-            model_.authentication |=
-                service.active && std::ranges::any_of(roles, [](const QString &role) { return LineSettings::number(role) != 0; });
+            model_.authentication |= service.active && std::ranges::any_of(roles, [](const QString &role) {
+                                         return LineSettings::number(role) != 0;
+                                     });
         }
     }
 }
@@ -372,7 +372,8 @@ void DefineCollector::readEnergyBus()
         if (!device.match(key).hasMatch())
             continue;
         const QString name = store_.getEnergyBusSetting(key).trimmed();
-        const QString kind = store_.getEnergyBusSetting(u"sec_%1_kind"_s.arg(ObjectDataBase::withQuotesDoubled(name))).trimmed();
+        const QString kind =
+            store_.getEnergyBusSetting(u"sec_%1_kind"_s.arg(ObjectDataBase::withQuotesDoubled(name))).trimmed();
         ++model_.energyBusDevices[kind.isEmpty() ? name : kind];
     }
 }

@@ -53,10 +53,10 @@ struct LineCounts
     quint32 isoTpServers = 0;
     quint32 udsClients = 0;
 
-    QString receiveBuffer; ///< as the project has it
-    QString transmitBuffer;
-    QString nodeId;
-    QString nodeIdFunction;
+    QString receiveBuffer = {}; ///< as the project has it
+    QString transmitBuffer = {};
+    QString nodeId = {};
+    QString nodeIdFunction = {};
 };
 
 /// Everything that gen_define.h tells, and the settings that it reads as they are.
@@ -75,13 +75,13 @@ public:
     /// Objects by what their subindices hold.
     struct Dictionary
     {
-        quint16 profile = 0;           ///< number of the first line's device profile; 0 if no line has one from 401 on
-        QList<quint32> vehicleGroups;  ///< of CiA 447, object 0x6000
-        bool flyingMaster = false;     ///< a master line has 0x1F80
-        bool selfStarting = false;     ///< a line that is no master has 0x1F80
-        bool receiveTimer = false;     ///< a receive PDO has an event timer
-        bool inhibit = false;          ///< some message has an inhibit time
-        bool multiplexReceive = false; ///< a mapping is that of a multiplexed PDO
+        quint16 profile = 0; ///< number of the first line's device profile; 0 if no line has one from 401 on
+        QList<quint32> vehicleGroups = {}; ///< of CiA 447, object 0x6000
+        bool flyingMaster = false;         ///< a master line has 0x1F80
+        bool selfStarting = false;         ///< a line that is no master has 0x1F80
+        bool receiveTimer = false;         ///< a receive PDO has an event timer
+        bool inhibit = false;              ///< some message has an inhibit time
+        bool multiplexReceive = false;     ///< a mapping is that of a multiplexed PDO
         bool multiplexTransmit = false;
         bool multiplexSource = false; ///< one of source address mode
         bool multiplexDestination = false;
@@ -121,7 +121,7 @@ public:
     bool multiSourceGroups = false; ///< a received PGN is kept apart by its source
     bool inhibitedGroups = false;
     bool inhibitedCanIds = false;
-    bool authentication = false;             ///< an active UDS service asks for an authentication
+    bool authentication = false;                 ///< an active UDS service asks for an authentication
     std::map<QString, quint32> energyBusDevices; ///< virtual devices (CiA 454) by the text of their kind
 
 private:

@@ -103,7 +103,8 @@ QString listOf(const DefineModel &model, const std::function<QString(const LineC
 template <quint32 LineCounts::*member>
 QString perLine(const DefineModel &model, Key /*key*/)
 {
-    return listOf(model, [](const LineCounts &line) { return decimal(line.*member); }, QLatin1StringView(", "));
+    return listOf(
+        model, [](const LineCounts &line) { return decimal(line.*member); }, QLatin1StringView(", "));
 }
 
 /// The sum of the lines, 0 included.
