@@ -15,6 +15,7 @@ const Dialect &Dialect::classic()
         .form = SourceForm::Classic,
         .core = u"CO_"_s,
         .line = u"CO_"_s,
+        .lineParameter = u"UNSIGNED8 CO_LINE, "_s,
         .protocol = u"MP_PROT_TYPE_"_s,
         .commonInitType = u"CO_COMMON_INIT_VAL_T    "_s,
         .stackInit = u"commonStackInit"_s,
@@ -32,6 +33,7 @@ const Dialect &Dialect::v4()
         .form = SourceForm::V4,
         .core = u"CORE_"_s,
         .line = u"CAN_"_s,
+        .lineParameter = u"CAN_LINE_TYPE CAN_LINE, "_s,
         .protocol = u"CORE_PROT_TYPE_"_s,
         .commonInitType = u"CORE_COMMON_INIT_VAL_T "_s,
         .stackInit = u"coreStackInit"_s,
@@ -39,7 +41,7 @@ const Dialect &Dialect::v4()
         .isoTpHeader = u"core_isotp.h"_s,
         .parameterError = u"RET_PARAMETER_INVALID"_s,
         .points = {Point::SplitTypeColumns, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication,
-                   Point::PointerTables, Point::ReceiveConfigs},
+                   Point::PointerTables, Point::ReceiveConfigs, Point::BootloaderBuffers, Point::UdsIndications},
     };
     return dialect;
 }
