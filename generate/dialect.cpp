@@ -11,7 +11,14 @@ bool Dialect::has(Point point) const
 
 const Dialect &Dialect::classic()
 {
-    static const Dialect dialect{.form = SourceForm::Classic, .core = u"CO_"_s, .points = {}};
+    static const Dialect dialect{
+        .form = SourceForm::Classic,
+        .core = u"CO_"_s,
+        .dataType = u"CO_DTYPE_"_s,
+        .unmapped = u"CO_FALSE"_s,
+        .isoTpHeader = u"iso_tp.h"_s,
+        .points = {Point::CommonLinePrototypes, Point::VirtualGuards},
+    };
     return dialect;
 }
 
@@ -20,7 +27,11 @@ const Dialect &Dialect::v4()
     static const Dialect dialect{
         .form = SourceForm::V4,
         .core = u"CORE_"_s,
-        .points = {Point::SplitTypeColumns},
+        .dataType = u"CORE_DTYPE_"_s,
+        .unmapped = u"CORE_DTYPE_NON_NUMERIC"_s,
+        .isoTpHeader = u"core_isotp.h"_s,
+        .points = {Point::SplitTypeColumns, Point::MappedTypeColumn, Point::CoreDatatypeHeader,
+                   Point::UdsIndicationHeader},
     };
     return dialect;
 }
