@@ -17,7 +17,12 @@ const Dialect &Dialect::classic()
         .dataType = u"CO_DTYPE_"_s,
         .unmapped = u"CO_FALSE"_s,
         .isoTpHeader = u"iso_tp.h"_s,
-        .points = {Point::CommonLinePrototypes, Point::VirtualGuards},
+        .line = u"CO_"_s,
+        .protocol = u"MP_PROT_TYPE_"_s,
+        .commonInitType = u"CO_COMMON_INIT_VAL_T    "_s,
+        .stackInit = u"commonStackInit"_s,
+        .parameterError = u"RET_INVALID_PARAMETER"_s,
+        .points = {Point::VirtualGuards},
     };
     return dialect;
 }
@@ -30,8 +35,13 @@ const Dialect &Dialect::v4()
         .dataType = u"CORE_DTYPE_"_s,
         .unmapped = u"CORE_DTYPE_NON_NUMERIC"_s,
         .isoTpHeader = u"core_isotp.h"_s,
+        .line = u"CAN_"_s,
+        .protocol = u"CORE_PROT_TYPE_"_s,
+        .commonInitType = u"CORE_COMMON_INIT_VAL_T "_s,
+        .stackInit = u"coreStackInit"_s,
+        .parameterError = u"RET_PARAMETER_INVALID"_s,
         .points = {Point::SplitTypeColumns, Point::MappedTypeColumn, Point::CoreDatatypeHeader,
-                   Point::UdsIndicationHeader},
+                   Point::UdsIndicationHeader, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication},
     };
     return dialect;
 }

@@ -2,7 +2,9 @@
 
 #include "generate/filegenerator.h"
 
+class CodeWriter;
 struct Dialect;
+struct DictionaryTables;
 
 /// Writes gen_objdict.c: the object dictionary of all lines as the stack's tables, and the start-up that takes them
 /// into use; with gen_user.h where a project writes string defaults. This is the classic form.
@@ -23,6 +25,8 @@ protected:
     void write(QTextStream &stream) override;
 
 private:
+    void writeStartUp(CodeWriter &out, const DictionaryTables &tables) const;
+
     const Dialect &dialect_;
     bool compactDescription_;
     bool serverMode_ = false;

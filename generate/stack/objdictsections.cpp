@@ -286,8 +286,8 @@ void ObjDictSections::assignRows(CodeWriter &out, const std::vector<AssignRow> &
 {
     for (const AssignRow &row : rows)
         out(u"\t{ 0x${INDEX}u, ${SUBS}u, ${HIGHEST}u, ${TYPE}, ${START}u },", {{"INDEX", hex(row.index, 4)},
-                                                                              {"SUBS", dec(row.subs)},
-                                                                              {"HIGHEST", dec(row.highest)},
-                                                                              {"TYPE", row.objectType},
-                                                                              {"START", dec(row.start)}});
+                                                                               {"SUBS", dec(row.subs)},
+                                                                               {"HIGHEST", dec(row.highest)},
+                                                                               {"TYPE", row.objectType},
+                                                                               {"START", dec(row.start)}});
 }

@@ -71,7 +71,7 @@ void SourceSections::linePrototypes(CodeWriter &out, const DictionaryTables &tab
         return;
     const QString modes = tables.canFd ? u", BOOL_T *pModes"_s : QString();
     out(u"/* these functions may be used by the application to initialize only a sub set of all lines.*/");
-    if (dialect.has(Point::CommonLinePrototypes)) {
+    if (!dialect.has(Point::LinePrototypesOnly)) {
         out(u"RET_T coCanOpenStackInit_common(CO_EVENT_STORE_T pLoadFunction${MODES});", {{"MODES", modes}});
         out(u"RET_T coCanOpenStackInit_line(UNSIGNED8 canLine, CO_INIT_OPTION_T *pCoOptions${MODES});",
             {{"MODES", modes}});

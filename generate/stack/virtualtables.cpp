@@ -93,10 +93,9 @@ bool hasVirtualObjects(ObjectDataBase &store)
 {
     return std::ranges::any_of(store.getNodeList(), [&](quint8 line) {
         return line < dictionaryLineLimit &&
-               std::ranges::any_of(
-                   store.findSubIndices(line, u"implementation"_s, QString::number(VirtualObject)),
-                   [](const ObjectDataBase::SubKey &key) {
-                       return key.subindex == 0 && key.index >= firstDictionaryIndex;
-                   });
+               std::ranges::any_of(store.findSubIndices(line, u"implementation"_s, QString::number(VirtualObject)),
+                                   [](const ObjectDataBase::SubKey &key) {
+                                       return key.subindex == 0 && key.index >= firstDictionaryIndex;
+                                   });
     });
 }

@@ -29,10 +29,12 @@ QString limitColumns(bool limitCheck, const VirtualDescriptionRow &row)
 /// The first row stands behind the brace of the table.
 void writeDescription(CodeWriter &out, const VirtualTables &tables, bool limitCheck, const Dialect &dialect)
 {
-    QString head = u"%1CONST CO_OBJECT_DESC_T %1CONST_STORAGE_CLASS vod_description[CO_VOBJ_DESC_CNT] = {"_s.arg(
-        dialect.core);
+    QString head =
+        u"%1CONST CO_OBJECT_DESC_T %1CONST_STORAGE_CLASS vod_description[CO_VOBJ_DESC_CNT] = {"_s.arg(dialect.core);
     out(u"");
     out(u"/* description of the objects */");
+    if (tables.description.empty())
+        out(u"${HEAD}", {{"HEAD", head}});
     for (const VirtualDescriptionRow &row : tables.description) {
         out(u"${HEAD}\t{ (UNSIGNED8)${SUB}u, ${TYPE}, (UNSIGNED16)${VALUE}u, ${ATTRIBUTES},  "
             "(UNSIGNED16)${DEFAULT}${LIMITS}u},/* ${INDEX}-0x${SUBHEX} ${NAME}*/ ",
