@@ -139,6 +139,8 @@ public:
     void setIndexName(quint8 line, quint16 index, const QString &name);
     /// Indices from `first` to `last`, ascending.
     QList<quint16> getIndexList(quint8 line, quint16 first, quint16 last);
+    /// Names of the objects from `first` to `last`, by index.
+    QMap<quint16, QString> getIndexNames(quint8 line, quint16 first, quint16 last);
     /// Answers from the line's cache where that holds the key.
     bool getSubIndex(quint8 line, quint16 index, quint8 subindex, SUBINDEX_DATA_T &data);
     QList<quint8> getSubIndexList(quint8 line, quint16 index, quint8 firstSub = 0);
@@ -234,6 +236,8 @@ public:
     QString getPGNName(quint8 line, quint32 number, quint8 direction);
     quint16 getPGNMappingCount(quint8 line, quint32 number, quint8 direction);
     QList<quint32> getPGNList(quint8 line, quint8 direction, bool leaveOutSafe = false);
+    /// The names of all PGNs of one direction, by number, from one scan.
+    QHash<quint32, QString> getPGNNames(quint8 line, quint8 direction);
     bool getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, SPN &data);
     QList<quint32> getSPNList(quint8 line, quint32 pgn, quint8 direction);
     QString getSPNName(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
@@ -257,6 +261,8 @@ public:
     bool getCANID(quint8 line, quint32 id, quint8 direction, CANID &data);
     QString getCANIDName(quint8 line, quint32 id, quint8 direction);
     QList<quint32> getCANIDList(quint8 line, quint8 direction);
+    /// The names of all CAN-IDs of one direction, by id, from one scan.
+    QHash<quint32, QString> getCANIDNames(quint8 line, quint8 direction);
     bool getDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number, DataElement &data);
     QString getDataElementName(quint8 line, quint32 canid, quint8 direction, quint32 number);
     QList<quint32> getDataElementList(quint8 line, quint32 canid, quint8 direction);
@@ -325,6 +331,7 @@ private:
     bool writeRow(const char *operation, const RecordColumns::Row &row, const QString &insert, const QString &update);
     QString selectText(const RecordColumns::Row &row);
     QList<quint32> selectNumbers(const QString &statement);
+    QHash<quint32, QString> selectNames(const QString &statement);
     bool execute(QSqlQuery &query, const QString *statement);
     void tellWrite(const QString &statement);
     bool refusesDamaged();

@@ -285,6 +285,23 @@ QList<quint16> ObjectDataBase::getIndexList(quint8 line, quint16 first, quint16 
     return indices;
 }
 
+QMap<quint16, QString> ObjectDataBase::getIndexNames(quint8 line, quint16 first, quint16 last)
+{
+    QMap<quint16, QString> names;
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    if (!execQuery(query, u"select objectindex, name from Objects%1 where objectindex between %2 and %3"_s.arg(line)
+                              .arg(first)
+                              .arg(last)))
+        return names;
+    while (query.next()) {
+        const QVariant name = query.value(1);
+        names.insert(static_cast<quint16>(query.value(0).toUInt()),
+                     name.isNull() ? QString() : strings_.textOf(name.toInt()));
+    }
+    return names;
+}
+
 bool ObjectDataBase::getSubIndex(quint8 line, quint16 index, quint8 subindex, SUBINDEX_DATA_T &data)
 {
     {

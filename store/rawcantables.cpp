@@ -138,6 +138,11 @@ QList<quint32> ObjectDataBase::getCANIDList(quint8 line, quint8 direction)
     return selectNumbers(u"select id from CANIDs%1 %2 order by id asc"_s.arg(QString::number(line), where));
 }
 
+QHash<quint32, QString> ObjectDataBase::getCANIDNames(quint8 line, quint8 direction)
+{
+    return selectNames(u"select id, name from CANIDs%1 where direction = %2"_s.arg(line).arg(direction));
+}
+
 bool ObjectDataBase::getDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number, DataElement &data)
 {
     QSqlQuery query = newQuery();

@@ -2,6 +2,7 @@
 
 #include "generate/generatormainhandler.h"
 #include "import/profiledatabases.h"
+#include "ncx_cli/mcp/accessthrottle.h"
 #include "ncx_cli/mcp/mcpoutputhandler.h"
 
 #include <functional>
@@ -29,6 +30,9 @@ public:
     const QString &profilePath() const { return profilePath_; }
     void setProfilePath(const QString &path);
     ProfileDatabases &profiles() { return *profiles_; }
+    /// Of the listing of profiles, and of that of one profile's objects.
+    AccessThrottle &profileListing() { return profileListing_; }
+    AccessThrottle &profileIndexListing() { return profileIndexListing_; }
 
     /// Called with false before a generation and with true after it: no further request is to be read meanwhile.
     std::function<void(bool)> setReadingEnabled = [](bool) {};
@@ -51,4 +55,6 @@ private:
     GeneratorMainHandler::GeneratorResult generatorResult_ = GeneratorMainHandler::GenerationDone;
     QString profilePath_ = QStringLiteral(":/codb");
     std::unique_ptr<ProfileDatabases> profiles_ = std::make_unique<ProfileDatabases>(profilePath_);
+    AccessThrottle profileListing_;
+    AccessThrottle profileIndexListing_;
 };

@@ -11,8 +11,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr double beyondInt64 = 9223372036854775808.0;
-
 QStringList texts(std::span<const QLatin1StringView> views)
 {
     return {views.begin(), views.end()};
@@ -48,7 +46,8 @@ bool isOneOf(const QString &type, std::span<const QLatin1StringView> types)
 QString integerText(const QJsonValue &value)
 {
     const double number = value.toDouble();
-    return std::abs(number) < beyondInt64 ? QString::number(value.toInteger()) : QString::number(number, 'f', 0);
+    const qint64 whole = value.toInteger(); // 0 for what 64 bits do not hold
+    return static_cast<double>(whole) == number ? QString::number(whole) : QString::number(number, 'f', 0);
 }
 
 std::optional<QString> rangeProblem(const QString &path, const QJsonValue &value, const Property &property)

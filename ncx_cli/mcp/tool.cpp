@@ -9,9 +9,17 @@ ObjectDataBase &ToolCall::store() const
     return session_.store();
 }
 
-Reply ToolCall::edited(const QString &sentence) const
+QString ToolCall::text(QLatin1StringView name, const QString &fallback) const
 {
-    return Reply::text(sentence + u"\n\n"_s + session_.checkSummary());
+    QString text = arguments_.value(name).toString(fallback);
+    if (!text.isValidUtf16())
+        text = QString::fromUtf8(text.toUtf8());
+    return text.replace(QChar::Null, QChar::ReplacementCharacter);
+}
+
+Reply ToolCall::edited(const QString &sentence, bool isError) const
+{
+    return Reply::text(sentence + u"\n\n"_s + session_.checkSummary(), isError);
 }
 
 QJsonObject Tool::descriptor() const

@@ -34,11 +34,9 @@ public:
     {
         return static_cast<Integer>(arguments_.value(name).toInteger());
     }
-    /// A text argument, the fallback where it is absent.
-    QString text(QLatin1StringView name, const QString &fallback = {}) const
-    {
-        return arguments_.value(name).toString(fallback);
-    }
+    /// A text argument, the fallback where it is absent. What no project can hold, a null character or half a surrogate
+    /// pair, is replaced by a character that tells so.
+    QString text(QLatin1StringView name, const QString &fallback = {}) const;
     /// A boolean argument, false where it is absent.
     bool flag(QLatin1StringView name) const { return arguments_.value(name).toBool(); }
 
@@ -48,7 +46,7 @@ public:
     quint8 sub() const { return number<quint8>(QLatin1StringView("sub")); }
 
     /// The reply of a tool that has changed the project: its sentence, a blank line and what a fresh model check says.
-    Reply edited(const QString &sentence) const;
+    Reply edited(const QString &sentence, bool isError = false) const;
 
 private:
     ProjectSession &session_;
