@@ -5,13 +5,14 @@
 
 #include <co_canopen.h>
 
-typedef struct {
-	int present;
-	const CO_OD_ASSIGN_T *pAssign;
-	unsigned assignCnt;
-	const CO_OBJECT_DESC_T *pDesc;
-	unsigned descCnt;
-	const CO_OD_DATA_VARIABLES_T *pVariables;
+typedef struct
+{
+    int present;
+    const CO_OD_ASSIGN_T *pAssign;
+    unsigned assignCnt;
+    const CO_OBJECT_DESC_T *pDesc;
+    unsigned descCnt;
+    const CO_OD_DATA_VARIABLES_T *pVariables;
 } STACK_DICTIONARY_T;
 
 /* The dictionaries that the start-up has handed over, by line. */
