@@ -6,8 +6,15 @@
 #include "generate/docs/edsrun.h"
 #include "generate/docs/icsvgenerator.h"
 #include "generate/docs/xddgenerator.h"
+#include "generate/generationrun.h"
+#include "generate/stack/cppcopies.h"
 #include "generate/stack/indicesgenerator.h"
+#include "generate/stack/objdictgenerator.h"
+#include "generate/stack/virtualtables.h"
+#include "generate/stack/vobjdictgenerator.h"
+
 #include "store/objectdatabase.h"
+#include <QFile>
 
 #include <array>
 
@@ -75,11 +82,71 @@ QString nameOfXdd(const RunContext &run, quint8 line)
     return XDDGenerator::nameOf(*run.store, run.baseName, line, run.multiLine);
 }
 
+bool isPlainCanOpen(const RunContext &run)
+{
+    return run.hasCANopen && !run.isMultiProtocol();
+}
+
+template <typename Classic, typename V4>
+std::unique_ptr<Classic> newDictionary(const RunContext &run)
+{
+    const bool compact = run.generalSetting(u"compact_array_description"_s).toInt() == 1;
+    if (run.usesV4())
+        return std::make_unique<V4>(compact);
+    return std::make_unique<Classic>(compact);
+}
+
+std::unique_ptr<FileGenerator> makeDictionary(const RunContext &run, quint8 /*line*/)
+{
+    return newDictionary<ObjDictGenerator, ObjDictGeneratorV4>(run);
+}
+
+/// The dictionary that a J1939 device serves over CAM11 and CAM21.
+std::unique_ptr<FileGenerator> makeServerDictionary(const RunContext &run, quint8 /*line*/)
+{
+    auto generator = newDictionary<ObjDictGenerator, ObjDictGeneratorV4>(run);
+    generator->setServerMode(true);
+    return generator;
+}
+
+RunFlow writeVirtualDictionary(GenerationRun &run, quint8 line)
+{
+    const RunContext &context = run.context();
+    const auto generator = newDictionary<VobjDictGenerator, VobjDictGeneratorV4>(context);
+    if (hasVirtualObjects(*context.store))
+        run.runJob(*generator, line, {},
+                   {.started = "Generation of gen_vobjdict.c in %1 started",
+                    .notWritable = "The file gen_vobjdict.c in %1 is not writable"});
+    else
+        QFile::remove(run.filePath(generator->fileName()));
+    return RunFlow::Continue;
+}
+
+bool wantsCppCopies(const RunContext &run)
+{
+    return hasIndications(run) && run.generalSetting(u"generate_cpp_output"_s).toInt() == 1;
+}
+
+RunFlow copyToCpp(GenerationRun &run, quint8 /*line*/)
+{
+    writeCppCopies(run.context().outputFolder);
+    return RunFlow::Continue;
+}
+
 constexpr std::array rows{
     RunRow{.applies = hasNamesToDefine,
            .make = makeIndices,
            .started = "Generation of gen_indices.h in %1 started",
            .notWritable = "The file in gen_indices.h in %1 is not writable"},
+    RunRow{.applies = isPlainCanOpen,
+           .make = makeDictionary,
+           .started = "Generation of gen_objdict.c in %1 started",
+           .notWritable = "The file gen_objdict.c in %1 is not writable"},
+    RunRow{.applies = isPlainCanOpen, .step = writeVirtualDictionary},
+    RunRow{.applies = hasSdoServer,
+           .make = makeServerDictionary,
+           .started = "Generation of gen_objdict.c for CAM11/CAM21 SDO server in %1 started",
+           .notWritable = "The file gen_objdict.c in %1 is not writable"},
     RunRow{.applies = hasSdoServer,
            .make = makeEds,
            .started = "Generation of %2 EDS file in %1 started (for CAM11/CAM21 SDO Server)",
@@ -104,6 +171,7 @@ constexpr std::array rows{
            .started = "Generation of XDD file in %1 started",
            .notWritable = "The XDD file %2.xdd in %1 is not writable",
            .nameInTexts = nameOfXdd},
+    RunRow{.applies = wantsCppCopies, .step = copyToCpp},
 };
 
 } // namespace
