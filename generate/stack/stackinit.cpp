@@ -191,7 +191,7 @@ void StackInitWriter::writeSingleLine() const
         ${PARAMETERS}
         )
         {
-        RET_T retVal;
+            RET_T retVal;
 
         )",
          {{"NAME", entryName()}, {"PARAMETERS", entryParameters()}});
@@ -249,8 +249,8 @@ void StackInitWriter::writeWrapper() const
         ${PARAMETERS}
         )
         {
-        CO_INIT_OPTION_T *pCoInitOpt = NULL;
-        RET_T retVal;
+            CO_INIT_OPTION_T *pCoInitOpt = NULL;
+            RET_T retVal;
 
             retVal = coCanOpenStackInit_common(pLoadFunction${MODES});
         )",
@@ -280,8 +280,8 @@ void StackInitWriter::writeCommonFunction() const
 
         RET_T coCanOpenStackInit_common(CO_EVENT_STORE_T pLoadFunction${MODES})
         {
-        ${CAN}LINE_TYPE    ${CAN}LINE;
-        RET_T retVal = RET_OK;
+            ${CAN}LINE_TYPE    ${CAN}LINE;
+            RET_T retVal = RET_OK;
 
         )",
          {{"MODES", modesParameter()}, {"CAN", dialect_.line}});
@@ -327,7 +327,7 @@ void StackInitWriter::writeLineSelection() const
 
         RET_T coCanOpenStackInit_line(${PARAMETERS})
         {
-        RET_T retVal;
+            RET_T retVal;
 
             switch(canLine) {
         )",
@@ -359,7 +359,7 @@ void StackInitWriter::writeLineFunction(const LineServices &line) const
         /* Initialize line <<${LINE}>> */
         RET_T coCanOpenStackInit_line${LINE}(${PARAMETERS})
         {
-        RET_T retVal;
+            RET_T retVal;
 
         )",
          {{"LINE", Code::dec(line.line)}, {"PARAMETERS", lineParameters()}});
@@ -381,7 +381,7 @@ void StackInitWriter::writeFinish() const
         {
         )");
     if (init_.pdoRouting || common_.hasUds())
-        out_(u"RET_T retVal;\n");
+        out_(u"    RET_T retVal;\n");
     if (init_.pdoRouting) {
         out_(uR"(
                 /* initialize PDO routing */ 
