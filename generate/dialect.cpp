@@ -18,6 +18,7 @@ const Dialect &Dialect::classic()
         .unmapped = u"CO_FALSE"_s,
         .isoTpHeader = u"iso_tp.h"_s,
         .line = u"CO_"_s,
+        .lineParameter = u"UNSIGNED8 CO_LINE, "_s,
         .protocol = u"MP_PROT_TYPE_"_s,
         .commonInitType = u"CO_COMMON_INIT_VAL_T    "_s,
         .stackInit = u"commonStackInit"_s,
@@ -36,12 +37,14 @@ const Dialect &Dialect::v4()
         .unmapped = u"CORE_DTYPE_NON_NUMERIC"_s,
         .isoTpHeader = u"core_isotp.h"_s,
         .line = u"CAN_"_s,
+        .lineParameter = u"CAN_LINE_TYPE CAN_LINE, "_s,
         .protocol = u"CORE_PROT_TYPE_"_s,
         .commonInitType = u"CORE_COMMON_INIT_VAL_T "_s,
         .stackInit = u"coreStackInit"_s,
         .parameterError = u"RET_PARAMETER_INVALID"_s,
         .points = {Point::SplitTypeColumns, Point::MappedTypeColumn, Point::CoreDatatypeHeader,
-                   Point::UdsIndicationHeader, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication},
+                   Point::UdsIndicationHeader, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication,
+                   Point::BootloaderBuffers, Point::UdsIndications},
     };
     return dialect;
 }

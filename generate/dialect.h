@@ -19,6 +19,8 @@ enum class Point
     CoreCommonInit,      ///< the common initialisation structure has a heading, and a comma behind its last ISO-TP row
     LinePrototypesOnly,  ///< of the start-up of several lines only the functions of a line are declared ahead
     LoadIndication, ///< the predefined connection set is overwritten by a load indication, not by functions for one
+    BootloaderBuffers,  ///< gen_define.h of a bootloader has the buffer counts in place of its raw CAN section
+    UdsIndications,     ///< functions of the UDS server can be named at compile time
 };
 
 /// The words of one form of the C sources, and its points.
@@ -30,6 +32,7 @@ struct Dialect
     QString unmapped;       ///< what the type column of a mapping row has where no data is mapped
     QString isoTpHeader;    ///< header of the transport protocol
     QString line;           ///< prefix of the words for one of several lines: "CAN_" or "CO_"
+    QString lineParameter;  ///< what an indication's parameters begin with in a project of several lines
     QString protocol;       ///< prefix of the protocol words: "CORE_PROT_TYPE_" or "MP_PROT_TYPE_"
     QString commonInitType; ///< type of `commonInitVars`, with the blanks behind it
     QString stackInit;      ///< name of the stack's common initialisation

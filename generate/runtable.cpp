@@ -8,11 +8,13 @@
 #include "generate/docs/xddgenerator.h"
 #include "generate/generationrun.h"
 #include "generate/stack/cppcopies.h"
+#include "generate/stack/definegenerator.h"
+#include "generate/stack/indicationgenerator.h"
 #include "generate/stack/indicesgenerator.h"
 #include "generate/stack/objdictgenerator.h"
+#include "generate/stack/projectprops.h"
 #include "generate/stack/virtualtables.h"
 #include "generate/stack/vobjdictgenerator.h"
-
 #include "store/objectdatabase.h"
 #include <QFile>
 
@@ -34,6 +36,46 @@ std::unique_ptr<FileGenerator> makeIndices(const RunContext &run, quint8 /*line*
     return generator;
 }
 
+bool always(const RunContext & /*run*/)
+{
+    return true;
+}
+
+std::unique_ptr<FileGenerator> makeDefines(const RunContext &run, quint8 /*line*/)
+{
+    std::unique_ptr<DefineHeaderGenerator> generator;
+    if (run.usesV4())
+        generator = std::make_unique<GenDefineGenerator>();
+    else
+        generator = std::make_unique<CoDefineGenerator>();
+    generator->setJ1939Mode(run.hasJ1939);
+    generator->setMultiProtocol(run.isMultiProtocol());
+    return generator;
+}
+
+RunFlow tellUserSection(GenerationRun &run, FileGenerator &generator)
+{
+    const auto *defines = qobject_cast<DefineHeaderGenerator *>(&generator);
+    if (defines && !defines->userSection().trimmed().isEmpty())
+        run.message(u"gen_define.h contains user section:\n%1"_s.arg(defines->userSection()));
+    return RunFlow::Continue;
+}
+
+bool hasProps(const RunContext &run)
+{
+    return run.generalSetting(u"gen_csharp_props"_s).toInt() == 1;
+}
+
+RunFlow writeProps(GenerationRun &run, quint8 /*line*/)
+{
+    const QString folder = run.context().outputFolder;
+    const QString text = ProjectProps::write(folder)
+                             ? u"Generation of gen_define.props and Directory.Build.props in %1 finished"_s
+                             : u"The files gen_define.props and Directory.Build.props in %1 are not writable"_s;
+    run.message(text.arg(folder));
+    return RunFlow::Continue;
+}
+
 bool hasSdoServer(const RunContext &run)
 {
     return run.isJ1939Only() && run.store->getJ1939Setting(u"cia510serversupport"_s).toInt() == 1;
@@ -47,6 +89,14 @@ bool hasIndications(const RunContext &run)
 bool hasFdDescription(const RunContext &run)
 {
     return hasIndications(run) && run.generalSetting(u"canfd_supported"_s).toInt() >= 1;
+}
+
+/// Only the V4 form knows the functions of the UDS server.
+std::unique_ptr<FileGenerator> makeIndications(const RunContext &run, quint8 /*line*/)
+{
+    if (run.usesV4() || run.generalSetting(u"uds_static_indication"_s).toInt() == 1)
+        return std::make_unique<indicationgeneratorv4>();
+    return std::make_unique<indicationgenerator>();
 }
 
 std::unique_ptr<FileGenerator> makeCsv(const RunContext & /*run*/, quint8 /*line*/)
@@ -143,6 +193,12 @@ constexpr std::array rows{
            .started = "Generation of gen_objdict.c in %1 started",
            .notWritable = "The file gen_objdict.c in %1 is not writable"},
     RunRow{.applies = isPlainCanOpen, .step = writeVirtualDictionary},
+    RunRow{.applies = always,
+           .make = makeDefines,
+           .started = "Generation of gen_define.h in %1 started",
+           .notWritable = "The file gen_define.h in %1 is not writable",
+           .after = tellUserSection},
+    RunRow{.applies = hasProps, .step = writeProps},
     RunRow{.applies = hasSdoServer,
            .make = makeServerDictionary,
            .started = "Generation of gen_objdict.c for CAM11/CAM21 SDO server in %1 started",
@@ -152,6 +208,10 @@ constexpr std::array rows{
            .started = "Generation of %2 EDS file in %1 started (for CAM11/CAM21 SDO Server)",
            .notWritable = "The EDS file %2.eds in %1 is not writable",
            .nameInTexts = nameOfLine},
+    RunRow{.applies = hasIndications,
+           .make = makeIndications,
+           .started = "Generation of gen_indication in %1 started",
+           .notWritable = "The file gen_indication.h in %1 is not writable"},
     RunRow{.applies = hasIndications,
            .lines = RunLines::CANopen,
            .make = makeCsv,
