@@ -23,6 +23,8 @@ enum class Point
     ReservedNameField, ///< the NAME of a J1939 device is told with its reserved bit
     ReceiveConfigs,    ///< configured and received J1939 groups are counted apart
     FormerServiceValues, ///< there is an older structure of the J1939 services' counts
+    BootloaderBuffers,   ///< gen_define.h of a bootloader has the buffer counts in place of its raw CAN section
+    UdsIndications,      ///< functions of the UDS server can be named at compile time
 };
 
 /// The words of one form of the C sources, and its points.
@@ -32,12 +34,13 @@ struct Dialect
     QString core;           ///< prefix of the macro family: "CORE_" or "CO_"
     QString dataType;       ///< prefix of the data type words: "CORE_DTYPE_" or "CO_DTYPE_"
     QString unmapped;       ///< what the type column of a mapping row has where no data is mapped
+    QString isoTpHeader;    ///< header of the transport protocol
     QString line;           ///< prefix of the words for one of several lines: "CAN_" or "CO_"
+    QString lineParameter;  ///< what an indication's parameters begin with in a project of several lines
     QString protocol;       ///< prefix of the protocol words: "CORE_PROT_TYPE_" or "MP_PROT_TYPE_"
     QString commonInitType; ///< type of `commonInitVars`, with the blanks behind it
     QString stackInit;      ///< name of the stack's common initialisation
     QString dataTypeHeader; ///< the header of the basic types
-    QString isoTpHeader;    ///< the header of the transport layer of ISO 15765-2
     QString parameterError; ///< return code for an argument that may not be given
     std::vector<Point> points;
 

@@ -14,7 +14,6 @@ class CommonGeneratorHelper
 {
 public:
     explicit CommonGeneratorHelper(const std::shared_ptr<ObjectDataBase> &store);
-    /// The form of the dialect.
     CommonGeneratorHelper(const std::shared_ptr<ObjectDataBase> &store, const Dialect &dialect);
 
     /// `commonInitVars`.

@@ -3,13 +3,10 @@
 #include "generate/codewriter.h"
 #include "generate/dialect.h"
 #include "generate/fileheader.h"
-#include "generate/stack/commongeneratorhelper.h"
 #include "generate/stack/dictionarytables.h"
-#include "generate/stack/loadindication.h"
 #include "generate/stack/objdictsections.h"
 #include "generate/stack/sourceopening.h"
 #include "generate/stack/stackinit.h"
-#include "generate/stack/stringdefaults.h"
 #include "generate/stack/userheader.h"
 #include "store/objectdatabase.h"
 
@@ -85,22 +82,8 @@ void ObjDictGenerator::write(QTextStream &stream)
     Q_EMIT progress(50);
     ObjDictSections::assign(out, tables, dialect_);
     Q_EMIT progress(75);
-    if (serverMode_) {
-        ObjDictSections::dataVariables(out, tables, dialect_);
-        writeServerModeInit(out, tables);
-        return;
-    }
-    ObjDictSections::mappingTables(out, tables, dialect_);
+    if (!serverMode_)
+        ObjDictSections::mappingTables(out, tables, dialect_);
     ObjDictSections::dataVariables(out, tables, dialect_);
-    writeStartUp(out, tables);
-}
-
-void ObjDictGenerator::writeStartUp(CodeWriter &out, const DictionaryTables &tables) const
-{
-    const StackInit init = StackInit::collect(*database(), tables);
-    const CommonGeneratorHelper common(database(), dialect_);
-    StackInitWriter(out, init, common, dialect_).writeStartUp();
-    writePredefinedSet(out, PredefinedSet::collect(*database(), tables), dialect_);
-    if (tables.stringDefaults)
-        writeStringDefaultFunction(out, tables);
+    writeStartUpSections(out, database(), tables, dialect_);
 }

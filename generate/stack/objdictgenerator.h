@@ -25,8 +25,6 @@ protected:
     void write(QTextStream &stream) override;
 
 private:
-    void writeStartUp(CodeWriter &out, const DictionaryTables &tables) const;
-
     const Dialect &dialect_;
     bool compactDescription_;
     bool serverMode_ = false;
