@@ -167,14 +167,14 @@ void fill(ProjectBuilder &project)
          {u"cia510serversupport"_s, u"diagsupport_dm1"_s, u"diagsupport_dmtool1"_s, u"j1939fd_multipgbuffer"_s})
         project.j1939(key, u"1"_s);
 
-    for (const quint16 index : {0x1003, 0x1005, 0x100C, 0x1010, 0x1012, 0x1014, 0x1016, 0x1028, 0x1032, 0x1280, 0x1300,
-                                0x1301, 0x1F10, 0x1F2C, 0x1F80, 0x1F81})
+    for (const quint16 index : QList<quint16>{0x1003, 0x1005, 0x100C, 0x1010, 0x1012, 0x1014, 0x1016, 0x1028, 0x1032,
+                                              0x1280, 0x1300, 0x1301, 0x1F10, 0x1F2C, 0x1F80, 0x1F81})
         subs(project.object(index, u"o"_s), 1);
     project.object(0x1000, u"o"_s).sub(1, u"s"_s, withDefault(u"447"_s));
     project.object(0x6000, u"o"_s).sub(1, u"s"_s, withDefault(u"7"_s));
     subs(project.object(0x1400, u"o"_s), 5);
     subs(project.object(0x1800, u"o"_s), 5);
-    for (const quint16 index : {0x1600, 0x1A00}) {
+    for (const quint16 index : QList<quint16>{0x1600, 0x1A00}) {
         project.object(index, u"o"_s).sub(0, u"s"_s, withDefault(index == 0x1600 ? u"254"_s : u"255"_s));
         project.sub(1, u"s"_s);
     }
@@ -236,7 +236,8 @@ TEST_F(Define, WritesEachMacroInSomeProject)
                  {u"EnergyBus Controller"_s, u"Battery"_s, u"Display"_s, u"Voltage Converter"_s,
                   u"Motor Controller Unit"_s, u"Load Monitoring Device"_s, u"Manufacturer specific device (passive)"_s,
                   u"Manufacturer specific device (active)"_s, u"Security Device/Extension"_s}) {
-                project.store()->setEnergyBusSetting(u"device_%1"_s.arg(++number), u"d%1"_s.arg(number));
+                ++number;
+                project.store()->setEnergyBusSetting(u"device_%1"_s.arg(number), u"d%1"_s.arg(number));
                 project.store()->setEnergyBusSetting(u"sec_d%1_kind"_s.arg(number), kind);
             }
             for (const QString &kind :
