@@ -16,10 +16,12 @@ namespace {
 constexpr quint8 applicationVariable = 2;
 constexpr quint32 classicalFrameBits = 64;
 
-/// The types that the packing of safety data knows.
-constexpr quint32 safetyDataTypes[] = {CAN::Boolean,    CAN::Unsigned2,  CAN::Unsigned3, CAN::Unsigned4,
-                                       CAN::Unsigned5,  CAN::Unsigned6,  CAN::Unsigned7, CAN::Unsigned8,
-                                       CAN::Unsigned16, CAN::Unsigned24, CAN::Unsigned32};
+/// The types that the packing of safety data knows: BOOLEAN and the unsigned ones of up to 24 bits and of 32.
+bool isSafetyDataType(quint32 type)
+{
+    return type == CAN::Boolean || type == CAN::Unsigned8 || type == CAN::Unsigned16 || type == CAN::Unsigned24 ||
+           type == CAN::Unsigned32 || (type >= CAN::Unsigned2 && type <= CAN::Unsigned23);
+}
 
 bool isOnForLine(ModelChecker &checker, const QString &j1939Setting)
 {
@@ -142,9 +144,7 @@ void sdmWithManaged(ModelChecker &checker, const CheckSubject &subject)
 void sdmTypeUnsupported(ModelChecker &checker, const CheckSubject &subject)
 {
     const quint32 number = subject.pgn->data.number;
-    const auto isUnsupported = [](const CheckedSignal &spn) {
-        return std::ranges::find(safetyDataTypes, spn.data.datatype) == std::end(safetyDataTypes);
-    };
+    const auto isUnsupported = [](const CheckedSignal &spn) { return !isSafetyDataType(spn.data.datatype); };
     if (isSDM(checker, *subject.pgn) && std::ranges::any_of(subject.pgn->spns, isUnsupported))
         checker.reportError(
             u"<strong>Error: </strong>PG (%1/0x%2) contains unsuppported data types."_s.arg(dec(number), hex(number)));

@@ -11,7 +11,19 @@ bool Dialect::has(Point point) const
 
 const Dialect &Dialect::classic()
 {
-    static const Dialect dialect{.form = SourceForm::Classic, .core = u"CO_"_s, .points = {}};
+    static const Dialect dialect{
+        .form = SourceForm::Classic,
+        .core = u"CO_"_s,
+        .line = u"CO_"_s,
+        .lineParameter = u"UNSIGNED8 CO_LINE, "_s,
+        .protocol = u"MP_PROT_TYPE_"_s,
+        .commonInitType = u"CO_COMMON_INIT_VAL_T    "_s,
+        .stackInit = u"commonStackInit"_s,
+        .dataTypeHeader = u"co_datatype.h"_s,
+        .isoTpHeader = u"iso_tp.h"_s,
+        .parameterError = u"RET_INVALID_PARAMETER"_s,
+        .points = {Point::ReservedNameField, Point::FormerServiceValues},
+    };
     return dialect;
 }
 
@@ -20,7 +32,16 @@ const Dialect &Dialect::v4()
     static const Dialect dialect{
         .form = SourceForm::V4,
         .core = u"CORE_"_s,
-        .points = {Point::SplitTypeColumns},
+        .line = u"CAN_"_s,
+        .lineParameter = u"CAN_LINE_TYPE CAN_LINE, "_s,
+        .protocol = u"CORE_PROT_TYPE_"_s,
+        .commonInitType = u"CORE_COMMON_INIT_VAL_T "_s,
+        .stackInit = u"coreStackInit"_s,
+        .dataTypeHeader = u"core_datatype.h"_s,
+        .isoTpHeader = u"core_isotp.h"_s,
+        .parameterError = u"RET_PARAMETER_INVALID"_s,
+        .points = {Point::SplitTypeColumns, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication,
+                   Point::PointerTables, Point::ReceiveConfigs, Point::BootloaderBuffers, Point::UdsIndications},
     };
     return dialect;
 }

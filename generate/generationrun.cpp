@@ -115,7 +115,7 @@ bool GenerationRun::runJob(FileGenerator &generator, quint8 line, const QString 
     }
     QObject::connect(&generator, &AbstractGenerator::progress, &handler_, &GeneratorMainHandler::generatorProgress);
     generator.startJob();
-    message(filled(texts.started, context_.outputFolder, name));
+    message(filled(texts.started, context_.outputFolder, texts.startedName.isEmpty() ? name : texts.startedName));
     generator.waitForJob();
     // The generator is deleted after its row: its last progress must have arrived by then.
     QCoreApplication::processEvents();

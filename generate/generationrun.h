@@ -24,7 +24,8 @@ public:
     {
         const char *started;
         const char *notWritable;
-        QString name{}; ///< %2; the file's name if empty
+        QString name{};        ///< %2; the file's name if empty
+        QString startedName{}; ///< %2 of `started` where it is not `name`
     };
     /// Sets a generator up and runs its job to the end, its last message included. False if its file is not writable.
     bool runJob(FileGenerator &generator, quint8 line, const QString &suffix, const JobTexts &texts);

@@ -1,6 +1,7 @@
 #include "ncx_cli/app/climainapp.h"
 #include "ncx_cli/app/clioutputhandler.h"
 #include "ncx_cli/app/debuglog.h"
+#include "ncx_cli/mcp/mcpmainapp.h"
 #include "nodedict/cohelper.h"
 #include "texttools/helper.h"
 
@@ -8,7 +9,6 @@
 #include <QTimer>
 
 #include <csignal>
-#include <cstdio>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -23,10 +23,12 @@ void setIdentity(QCoreApplication &application)
     application.setProperty("AppNameWithVersion", QCoreApplication::applicationName());
 }
 
-int runServer()
+int runServer(const QCoreApplication &application)
 {
-    std::fputs("ncx_cli: the server mode (--mcp) is not part of this version.\n", stderr);
-    return 1;
+    MCPMainApp server(QCoreApplication::arguments(), u"01006"_s);
+    QObject::connect(&server, &MCPMainApp::finished, &application, &QCoreApplication::quit);
+    QTimer::singleShot(0ms, &server, &MCPMainApp::start);
+    return QCoreApplication::exec();
 }
 
 int runBatch(const QCoreApplication &application)
@@ -53,5 +55,5 @@ int main(int argc, char **argv)
     setIdentity(application);
     [[maybe_unused]] const Helper helper(3);
     [[maybe_unused]] const COHelper coHelper;
-    return QCoreApplication::arguments().contains("--mcp"_L1) ? runServer() : runBatch(application);
+    return QCoreApplication::arguments().contains("--mcp"_L1) ? runServer(application) : runBatch(application);
 }

@@ -216,6 +216,11 @@ QList<ObjectDataBase::SPN> ObjectDataBase::getAllSPNs(quint8 line)
     return spns;
 }
 
+QHash<quint32, QString> ObjectDataBase::getPGNNames(quint8 line, quint8 direction)
+{
+    return selectNames(u"select number, name from PGNs%1 where direction = %2"_s.arg(line).arg(direction));
+}
+
 bool ObjectDataBase::getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, SPN &data)
 {
     if (const SPN *cached = spnCache_.find({line, pgn, direction, spn})) {

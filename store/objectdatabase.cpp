@@ -288,6 +288,19 @@ QList<quint32> ObjectDataBase::selectNumbers(const QString &statement)
     return numbers;
 }
 
+/// The pool's texts of a statement that selects numbers and text ids.
+QHash<quint32, QString> ObjectDataBase::selectNames(const QString &statement)
+{
+    QHash<quint32, QString> names;
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    if (execQuery(query, statement)) {
+        while (query.next())
+            names.insert(static_cast<quint32>(query.value(0).toLongLong()), strings_.textOf(query.value(1).toInt()));
+    }
+    return names;
+}
+
 void ObjectDataBase::notify(Change type, ChangeSet change)
 {
     change.type = static_cast<quint32>(type);

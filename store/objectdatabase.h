@@ -8,6 +8,7 @@
 #include "store/subobjectcache.h"
 
 #include <QHash>
+#include <QMap>
 #include <QMutex>
 #include <QObject>
 #include <QSqlDatabase>
@@ -139,12 +140,18 @@ public:
     void setIndexName(quint8 line, quint16 index, const QString &name);
     /// Indices from `first` to `last`, ascending.
     QList<quint16> getIndexList(quint8 line, quint16 first, quint16 last);
+    /// Names of the objects from `first` to `last`, by index.
+    QMap<quint16, QString> getIndexNames(quint8 line, quint16 first, quint16 last);
     /// Answers from the line's cache where that holds the key.
     bool getSubIndex(quint8 line, quint16 index, quint8 subindex, SUBINDEX_DATA_T &data);
     QList<quint8> getSubIndexList(quint8 line, quint16 index, quint8 firstSub = 0);
     /// All objects of a line, ascending, and all its subindices, by index and subindex; one scan each.
     QList<IndexEntry> getAllIndices(quint8 line);
     QList<SubEntry> getAllSubIndices(quint8 line);
+    /// Object codes (column `objecttype`) of the indices from `first` to `last`.
+    QMap<quint16, quint32> getObjectTypes(quint8 line, quint16 first, quint16 last);
+    /// The subindices of all objects of a line by index and subindex, those that have no object included.
+    QList<SubKey> getSubKeys(quint8 line);
     quint16 getSubIndexDataType(quint8 line, quint16 index, quint8 subindex);
     QString getSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex);
     bool setSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex, const QString &value);
@@ -237,6 +244,8 @@ public:
     /// one scan each.
     QList<PGN> getAllPGNs(quint8 line);
     QList<SPN> getAllSPNs(quint8 line);
+    /// The names of all PGNs of one direction, by number, from one scan.
+    QHash<quint32, QString> getPGNNames(quint8 line, quint8 direction);
     bool getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, SPN &data);
     QList<quint32> getSPNList(quint8 line, quint32 pgn, quint8 direction);
     QString getSPNName(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
@@ -264,9 +273,13 @@ public:
     /// the CAN-ID in `pgnnumber`; one scan each.
     QList<CANID> getAllCANIDs(quint8 line);
     QList<DataElement> getAllDataElements(quint8 line);
+    /// The names of all CAN-IDs of one direction, by id, from one scan.
+    QHash<quint32, QString> getCANIDNames(quint8 line, quint8 direction);
     bool getDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number, DataElement &data);
     QString getDataElementName(quint8 line, quint32 canid, quint8 direction, quint32 number);
     QList<quint32> getDataElementList(quint8 line, quint32 canid, quint8 direction);
+    /// All data elements of a line in one scan, those of a message by their numbers; `pgnnumber` holds the identifier.
+    QList<DataElement> getDataElements(quint8 line);
 
     // ---- UDS services (udstables.cpp) ------------------------------------------------------------------------------
     // Services are those of ISO 14229-1; the lists are comma lists of numbers. Setting a column of a service without a
@@ -332,6 +345,7 @@ private:
     bool writeRow(const char *operation, const RecordColumns::Row &row, const QString &insert, const QString &update);
     QString selectText(const RecordColumns::Row &row);
     QList<quint32> selectNumbers(const QString &statement);
+    QHash<quint32, QString> selectNames(const QString &statement);
     bool execute(QSqlQuery &query, const QString *statement);
     void tellWrite(const QString &statement);
     bool refusesDamaged();

@@ -285,6 +285,23 @@ QList<quint16> ObjectDataBase::getIndexList(quint8 line, quint16 first, quint16 
     return indices;
 }
 
+QMap<quint16, QString> ObjectDataBase::getIndexNames(quint8 line, quint16 first, quint16 last)
+{
+    QMap<quint16, QString> names;
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    if (!execQuery(query, u"select objectindex, name from Objects%1 where objectindex between %2 and %3"_s.arg(line)
+                              .arg(first)
+                              .arg(last)))
+        return names;
+    while (query.next()) {
+        const QVariant name = query.value(1);
+        names.insert(static_cast<quint16>(query.value(0).toUInt()),
+                     name.isNull() ? QString() : strings_.textOf(name.toInt()));
+    }
+    return names;
+}
+
 bool ObjectDataBase::getSubIndex(quint8 line, quint16 index, quint8 subindex, SUBINDEX_DATA_T &data)
 {
     {
@@ -350,6 +367,37 @@ QList<ObjectDataBase::SubEntry> ObjectDataBase::getAllSubIndices(quint8 line)
         readSub(query, entry.data, strings_);
     }
     return entries;
+}
+
+QMap<quint16, quint32> ObjectDataBase::getObjectTypes(quint8 line, quint16 first, quint16 last)
+{
+    QMap<quint16, quint32> types;
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    const QString statement =
+        u"select objectindex, objecttype from Objects%1 where objectindex between %2 and %3 order by objectindex"_s
+            .arg(line)
+            .arg(first)
+            .arg(last);
+    if (execQuery(query, statement)) {
+        while (query.next())
+            types.insert(static_cast<quint16>(query.value(0).toUInt()), query.value(1).toUInt());
+    }
+    return types;
+}
+
+QList<ObjectDataBase::SubKey> ObjectDataBase::getSubKeys(quint8 line)
+{
+    QList<SubKey> keys;
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    if (execQuery(query,
+                  u"select objectindex, subindex from SubObjects%1 order by objectindex, subindex"_s.arg(line))) {
+        while (query.next())
+            keys.append(
+                {static_cast<quint16>(query.value(0).toUInt()), static_cast<quint8>(query.value(1).toUInt()), line});
+    }
+    return keys;
 }
 
 quint16 ObjectDataBase::getSubIndexDataType(quint8 line, quint16 index, quint8 subindex)

@@ -38,14 +38,14 @@ inline constexpr quint8 notCompact = 255;
 struct DictionarySub
 {
     quint8 subindex = 0;
-    StoreRecords::SubIndexData data;
+    StoreRecords::SubIndexData data{};
 };
 
 struct DictionaryObject
 {
     quint16 index = 0;
-    quint32 objectType = 0;          ///< CANopen::ObjectCode
-    std::vector<DictionarySub> subs; ///< ascending
+    quint32 objectType = 0;            ///< CANopen::ObjectCode
+    std::vector<DictionarySub> subs{}; ///< ascending
     /// The first subindex of a tail of equal ones, which stands for all behind it; `notCompact` if there is none.
     quint8 compactLimit = notCompact;
 
@@ -59,13 +59,13 @@ struct DictionaryObject
 struct DictionaryLine
 {
     quint8 number = 0;
-    std::vector<DictionaryObject> objects; ///< ascending
+    std::vector<DictionaryObject> objects{}; ///< ascending
     // The line's part of the tables. Both starts run on from line to line.
     quint32 assignStart = 0;
     quint32 assignCount = 0;
     quint32 descriptionStart = 0;
     quint32 descriptionCount = 0; ///< rows that the line owns; a shared object's are those of line 0
-    LinePdoTables pdos;
+    LinePdoTables pdos{};
 
     /// Null where the line has no such object.
     const DictionaryObject *object(quint16 index) const;
@@ -86,10 +86,10 @@ struct DescriptionRow
     quint16 index = 0;
     quint8 subindex = 0;
     quint16 dataType = 0;
-    QLatin1StringView specifier; ///< "_VAR", "_SYNC" and so on
-    quint16 value = 0;           ///< array position, service number or index, as the specifier says
-    QString attributes;          ///< joined by " | "
-    quint16 defaultPosition = 0; ///< in od_const_*, as the limits
+    QLatin1StringView specifier{}; ///< "_VAR", "_SYNC" and so on
+    quint16 value = 0;             ///< array position, service number or index, as the specifier says
+    QString attributes{};          ///< joined by " | "
+    quint16 defaultPosition = 0;   ///< in od_const_*, as the limits
     quint16 lowerPosition = 0;
     quint16 upperPosition = 0;
 };
@@ -100,7 +100,7 @@ struct AssignRow
     quint16 index = 0;
     quint32 subs = 0; ///< number of subindices
     quint8 highest = 0;
-    QLatin1StringView objectType;
+    QLatin1StringView objectType{};
     quint32 start = 0; ///< row of the object's first subindex in od_description
 };
 

@@ -11,11 +11,11 @@ struct DictionaryTables;
 /// One mapped object of a PDO (CiA 301): 0xIIIISSLL.
 struct PdoMapEntry
 {
-    QString pointer;                 ///< C expression of the data's address
-    std::optional<quint16> dataType; ///< of the mapped subindex; none if it does not exist
+    QString pointer{};                 ///< C expression of the data's address
+    std::optional<quint16> dataType{}; ///< of the mapped subindex; none if it does not exist
     quint32 value = 0;
     /// With PDO routing, for an RPDO: per line of the line list the number of the TPDO that sends the data on, or 0.
-    std::vector<quint32> routing;
+    std::vector<quint32> routing{};
 
     quint8 bits() const { return static_cast<quint8>(value); }
 };
@@ -27,10 +27,10 @@ struct PdoMapping
     quint16 number = 0; ///< of the PDO, from 1
     bool fixed = false; ///< cannot be mapped anew at run time; a dynamic mapping has no entries here
     quint8 count = 0;   ///< as the project has it, markers of multiplexed PDOs included
-    std::vector<PdoMapEntry> entries;
+    std::vector<PdoMapEntry> entries{};
     /// The number in the name of its table (`mapTableName`). A dynamic mapping has none, nor has a fixed one without
     /// entries unless it shares a table.
-    std::optional<quint16> table;
+    std::optional<quint16> table{};
 };
 
 /// The PDOs of a line, ascending.

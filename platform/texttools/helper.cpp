@@ -76,6 +76,30 @@ QString Helper::addLowerCaseUtoNumberLists(const QString &list)
     return parts.join(u',');
 }
 
+QByteArray Helper::hexPairs(QStringView digits)
+{
+    QByteArray bytes;
+    for (qsizetype i = 0; i < digits.size(); i += 2)
+        bytes.append(static_cast<char>(digits.mid(i, 2).toUShort(nullptr, 16)));
+    return bytes;
+}
+
+QString Helper::UTF8String2ArrayString(const QString &text)
+{
+    const QByteArray bytes = text.startsWith("|x"_L1) ? hexPairs(QStringView(text).sliced(2)) : text.toUtf8();
+    QString literal = u"\""_s;
+    for (const char byte : bytes) {
+        // Two question marks begin a trigraph.
+        if (byte == '"' || byte == '\\' || (byte == '?' && literal.endsWith(u'?')))
+            literal += u'\\';
+        if (byte >= ' ' && byte <= '~')
+            literal += QLatin1Char(byte);
+        else
+            literal += u"\\%1"_s.arg(static_cast<quint8>(byte), 3, 8, '0'_L1);
+    }
+    return literal + u'"';
+}
+
 bool Helper::modifyLineEnding(const QString &path, const QString &ending)
 {
     QFile file(path);

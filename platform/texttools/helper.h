@@ -28,6 +28,13 @@ public:
     /// stay, and so does a part that is no number (a macro, an expression, a number that has its "u").
     static QString addLowerCaseUtoNumberLists(const QString &list);
 
+    /// The bytes of a text of hexadecimal digits, two digits each: "4a0" gives 0x4a, 0x00. What is no digit reads as 0.
+    static QByteArray hexPairs(QStringView digits);
+
+    /// The C initialiser of a UTF-8 string: its bytes in quotes, escaped wherever C would not read them as themselves,
+    /// in octal, which no following digit can lengthen. A text that begins with "|x" gives its bytes in hexadecimal.
+    static QString UTF8String2ArrayString(const QString &text);
+
     /// Rewrites a file with `ending` in place of each line ending, be it CR LF, LF or CR. The file is replaced as a
     /// whole or, on failure, stays as it is; a missing file is left missing. False on failure.
     static bool modifyLineEnding(const QString &path, const QString &ending);

@@ -9,6 +9,7 @@ ProcessRunner::ProcessRunner(const QString &program)
 {
     process_.setProgram(program.contains(u'/') ? program : QStringLiteral(NCX_BIN_DIR "/") + program);
     process_.setProcessEnvironment(QProcessEnvironment::systemEnvironment());
+    process_.setStandardInputFile(QProcess::nullDevice());
 }
 
 ProcessRunner &ProcessRunner::arguments(const QStringList &arguments)

@@ -17,7 +17,7 @@ struct ProcessResult
     QStringList lines() const { return output.split(u'\n'); }
 };
 
-/// A program under test, with the environment of the test and what is added to it.
+/// A program under test, with the environment of the test and what is added to it. Its input is empty.
 class ProcessRunner
 {
 public:

@@ -1,0 +1,99 @@
+#include "generate/docs/edsgenerator.h"
+
+#include "generate/docs/documentname.h"
+#include "generate/docs/edswriter.h"
+#include "store/objectdatabase.h"
+
+#include <QDebug>
+#include <QThread>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString tagAttribute = u"eds_define"_s;
+
+constexpr quint16 firstIndex = 0x1000;
+constexpr quint16 lastIndex = 0xffff;
+
+/// Objects that exist with CANopen FD only.
+constexpr bool isExtendedOnly(quint16 index)
+{
+    return index == 0x1030 || index == 0x1032;
+}
+
+QString forFileName(QString tag)
+{
+    return tag.replace(u'/', u'_').replace(u'\\', u'_');
+}
+
+} // namespace
+
+bool EdsVariant::holds(const StoreRecords::Metadata &metadata) const
+{
+    const auto own = metadata.constFind(tagAttribute);
+    return own == metadata.constEnd() || *own == tag;
+}
+
+QStringList edsTags(ObjectDataBase &store, quint8 line)
+{
+    QStringList tags{QString()};
+    const auto note = [&tags](const StoreRecords::Metadata &metadata) {
+        const auto own = metadata.constFind(tagAttribute);
+        if (own != metadata.constEnd() && !tags.contains(*own))
+            tags.append(*own);
+    };
+    for (const quint16 index : store.getIndexList(line, firstIndex, lastIndex)) {
+        const ObjectRecords records = ObjectRecords::read(store, line, index);
+        note(records.object.metadata);
+        for (const ObjectRecords::Sub &sub : records.subs)
+            note(sub.data.metadata);
+    }
+    return tags;
+}
+
+QString EDSGenerator::fileName() const
+{
+    QString end;
+    if (!variant_.tag.isEmpty())
+        end = u'_' + forFileName(variant_.tag);
+    else if (variant_.classical)
+        end = u"_classical"_s;
+    return documentName(baseName(), line(), isMultiLine()) + end + u".eds"_s;
+}
+
+QString EDSGenerator::jobName() const
+{
+    return u"EDS file"_s;
+}
+
+QList<quint16> EDSGenerator::writtenIndices() const
+{
+    QList<quint16> indices = database()->getIndexList(line(), firstIndex, lastIndex);
+    indices.removeIf([this](quint16 index) {
+        if (!variant_.extended && isExtendedOnly(index))
+            return true;
+        ObjectDataBase::INDEX_DATA_T object;
+        return database()->getIndex(line(), index, object) && !variant_.holds(object.metadata);
+    });
+    return indices;
+}
+
+void EDSGenerator::write(QTextStream &stream)
+{
+    EdsWriter writer(stream, *database(), line(), variant_);
+    const QList<quint16> indices = writtenIndices();
+    writer.writeHead(baseName());
+    writer.writeObjectLists(indices);
+    Q_EMIT progress(25);
+    for (const quint16 index : indices) {
+        if (takeCancelRequest()) {
+            qDebug() << "Generation aborted";
+            break;
+        }
+        writer.writeObject(ObjectRecords::read(*database(), line(), index));
+        QThread::yieldCurrentThread();
+    }
+    Q_EMIT progress(98);
+    writer.writeAdditionalSections();
+}

@@ -1,0 +1,51 @@
+#include "generate/docs/objectrecords.h"
+
+#include "nodedict/cohelper.h"
+#include "store/objectdatabase.h"
+#include "texttools/helper.h"
+
+#include <algorithm>
+
+ObjectRecords ObjectRecords::read(ObjectDataBase &store, quint8 line, quint16 index)
+{
+    ObjectRecords records;
+    records.line = line;
+    records.index = index;
+    store.getIndex(line, index, records.object);
+    for (const quint8 subindex : store.getSubIndexList(line, index)) {
+        Sub &sub = records.subs.emplaceBack();
+        sub.subindex = subindex;
+        store.getSubIndex(line, index, subindex, sub.data);
+    }
+    return records;
+}
+
+bool ObjectRecords::isGroup() const
+{
+    return object.objecttype == CANopen::Array || object.objecttype == CANopen::Record;
+}
+
+const ObjectRecords::Sub *ObjectRecords::sub(quint8 subindex) const
+{
+    const auto found = std::ranges::lower_bound(subs, subindex, {}, &Sub::subindex);
+    return found != subs.end() && found->subindex == subindex ? &*found : nullptr;
+}
+
+QString ObjectRecords::name() const
+{
+    return Helper::substituteVariables(object.name, index, 0, line);
+}
+
+QString ObjectRecords::name(const Sub &sub) const
+{
+    return Helper::substituteVariables(sub.data.name, index, sub.subindex, line);
+}
+
+QString ObjectRecords::plainDescription() const
+{
+    const Sub *own = sub(0);
+    const QString text = own ? own->data.description : QString();
+    if (text.isEmpty() || object.description.isEmpty() || text == object.description)
+        return text.isEmpty() ? object.description : text;
+    return text + u'\n' + object.description;
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+
+#include <QtGlobal>
+
+/// Fields of the tables of objects that the program writes.
+namespace TableFields {
+
+/// The text as a field: in double quotes where it holds a comma, a quote or a line break, quotes in it written twice
+/// (RFC 4180).
+QString field(const QString &text);
+
+/// A value in the form of its data type. Integers are decimal: "0x10" becomes "16", and of a signed type a hexadecimal
+/// number of its full width is a two's complement, so that 0xff of INTEGER8 is -1. The number of a node-relative value
+/// is treated alike, "$NODEID+0x200" becomes "$NODEID+512". Texts, and values of types without a decimal form, stay as
+/// they are. What is no value of the type, and of an unsigned type one below 0, is left empty.
+QString value(quint16 dataType, const QString &text);
+
+/// "yes" or "no".
+QString flag(bool on);
+
+/// "ManagedVariable", "ManagedConst", "Variable" or "VirtualObject"; empty for another code.
+QString implementation(quint8 code);
+
+} // namespace TableFields

@@ -1,0 +1,44 @@
+#include "generate/stack/linesettings.h"
+
+#include "store/objectdatabase.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr quint8 lineLimit = 32;
+constexpr int automaticBase = 0;
+
+} // namespace
+
+QList<quint8> LineSettings::stackLines(ObjectDataBase &store)
+{
+    QList<quint8> lines = store.getNodeList();
+    lines.removeIf([](quint8 line) { return line >= lineLimit; });
+    std::ranges::sort(lines);
+    return lines;
+}
+
+quint32 LineSettings::number(const QString &text)
+{
+    return text.trimmed().toUInt(nullptr, automaticBase);
+}
+
+quint32 LineSettings::number(ObjectDataBase &store, const QString &key)
+{
+    return number(store.getGeneralSetting(key));
+}
+
+quint32 LineSettings::number(ObjectDataBase &store, const QString &key, quint8 line)
+{
+    return number(store.getGeneralSetting(key, line));
+}
+
+QStringList LineSettings::repeatedList(ObjectDataBase &store, const QString &key, qsizetype count)
+{
+    const QStringList parts = store.getGeneralSetting(key).split(u',');
+    QStringList texts;
+    for (qsizetype i = 0; i < count; ++i)
+        texts.append(parts.at(i % parts.size()).trimmed());
+    return texts;
+}

@@ -1,0 +1,70 @@
+#include "ncx_cli/mcp/dictionaryjson.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QJsonArray subindices(ObjectDataBase &store, quint8 line, quint16 index)
+{
+    store.cacheAllSubs(line, index);
+    QJsonArray subs;
+    for (const quint8 sub : store.getSubIndexList(line, index)) {
+        ObjectDataBase::SUBINDEX_DATA_T data;
+        if (store.getSubIndex(line, index, sub, data))
+            subs.append(DictionaryJson::subindex(sub, data));
+    }
+    store.clearSubCache();
+    return subs;
+}
+
+} // namespace
+
+QString DictionaryJson::indexText(quint16 index)
+{
+    return u"0x%1"_s.arg(index, 4, 16, '0'_L1);
+}
+
+QString DictionaryJson::subindexText(quint16 index, quint8 sub)
+{
+    return u"%1:%2"_s.arg(indexText(index), QString::number(sub));
+}
+
+QJsonObject DictionaryJson::summary(quint16 index, const QString &name)
+{
+    return {{u"index"_s, indexText(index)}, {u"indexDec"_s, index}, {u"name"_s, name}};
+}
+
+QJsonArray DictionaryJson::summaries(ObjectDataBase &store, quint8 line)
+{
+    QJsonArray summaries;
+    const QMap<quint16, QString> names = store.getIndexNames(line, firstIndex, lastIndex);
+    for (auto it = names.cbegin(); it != names.cend(); ++it)
+        summaries.append(summary(it.key(), it.value()));
+    return summaries;
+}
+
+QJsonObject DictionaryJson::subindex(quint8 sub, const ObjectDataBase::SUBINDEX_DATA_T &data)
+{
+    return {{u"sub"_s, sub},
+            {u"name"_s, data.name},
+            {u"dataTypeCode"_s, data.datatype},
+            {u"accessType"_s, data.accesstype},
+            {u"pdoMapping"_s, data.pdomapping.getCSVStringValue()},
+            {u"defaultValue"_s, data.defaultvalue},
+            {u"currentValue"_s, data.currentvalue},
+            {u"hasDefault"_s, data.defaultineds},
+            {u"size"_s, qint64{data.size}}};
+}
+
+std::optional<QJsonObject> DictionaryJson::object(ObjectDataBase &store, quint8 line, quint16 index)
+{
+    ObjectDataBase::INDEX_DATA_T data;
+    if (!store.getIndex(line, index, data))
+        return {};
+    return QJsonObject{{u"index"_s, indexText(index)},
+                       {u"name"_s, data.name},
+                       {u"objectTypeCode"_s, qint64{data.objecttype}},
+                       {u"categoryCode"_s, qint64{data.category}},
+                       {u"description"_s, data.description},
+                       {u"subs"_s, subindices(store, line, index)}};
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "store/objectdatabase.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+/// How objects of a dictionary read in replies. The same for the open project and for the reference profiles.
+namespace DictionaryJson {
+
+/// Objects below are data types (CiA 301), which no listing shows.
+inline constexpr quint16 firstIndex = 0x1000;
+inline constexpr quint16 lastIndex = 0xFFFF;
+
+/// "0x" and four lower-case hexadecimal digits.
+QString indexText(quint16 index);
+/// "0x1018:2".
+QString subindexText(quint16 index, quint8 sub);
+
+/// An entry of a listing.
+QJsonObject summary(quint16 index, const QString &name);
+/// All objects of a line, ascending.
+QJsonArray summaries(ObjectDataBase &store, quint8 line);
+QJsonObject subindex(quint8 sub, const ObjectDataBase::SUBINDEX_DATA_T &data);
+/// An object with its subindices, ascending; nothing if there is no such object.
+std::optional<QJsonObject> object(ObjectDataBase &store, quint8 line, quint16 index);
+
+} // namespace DictionaryJson

@@ -1,0 +1,160 @@
+// The CAN lines of the project.
+
+#include "generate/runcontext.h"
+#include "ncx_cli/mcp/arguments.h"
+#include "ncx_cli/mcp/guards.h"
+#include "ncx_cli/mcp/projectsession.h"
+#include "ncx_cli/mcp/toolfamilies.h"
+#include "store/objectdatabase.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+using namespace Guards;
+
+namespace {
+
+/// A line's protocols by the names that `add_line` takes; the code of each is what a project stores.
+constexpr QLatin1StringView lineTypeNames[]{"CANopen"_L1,       "J1939"_L1,          "RawCAN"_L1,
+                                            "CANopen+J1939"_L1, "CANopen+RawCAN"_L1, "J1939+RawCAN"_L1};
+constexpr int lineTypeCodes[]{1, 2, 4, 5, 6, 7};
+
+constexpr Property name = Properties::string("name"_L1, "Line name (optional)"_L1);
+constexpr Property isMaster = Properties::boolean("isMaster"_L1, "Line acts as NMT master (default: false)"_L1);
+constexpr Property lineType = Properties::choice(
+    "lineType"_L1, lineTypeNames,
+    "Protocol(s) for this line's line. Required when running as CAN NodeComposer (supports multiple protocols); "
+    "defaults to the build's single supported protocol otherwise (CANopen for NCX, J1939 for NJX)."_L1);
+
+std::optional<Reply> lineIsNew(const ToolCall &call)
+{
+    if (!call.store().nodeExists(call.line()))
+        return {};
+    return Reply::refusal(u"Line %1 already exists."_s.arg(call.line()));
+}
+
+Reply listLines(const ToolCall &call)
+{
+    QJsonArray lines;
+    for (const quint8 line : call.store().getNodeList()) {
+        if (line < firstLineWithoutProtocol)
+            lines.append(QJsonObject{{u"line"_s, line}, {u"lineTypeCode"_s, call.session().lineTypeCode(line)}});
+    }
+    return Reply::json(lines);
+}
+
+Reply getLine(const ToolCall &call)
+{
+    ObjectDataBase::NODE_DATA_T data;
+    if (!call.store().getNode(call.line(), data))
+        return Reply::refusal(u"Line %1 does not exist."_s.arg(call.line()));
+    return Reply::json({{u"line"_s, call.line()},
+                        {u"name"_s, data.name},
+                        {u"isMaster"_s, data.ismaster},
+                        {u"isSyncProducer"_s, data.issyncproducer},
+                        {u"isSyncConsumer"_s, data.issyncconsumer},
+                        {u"isHeartbeatConsumer"_s, data.ishbconsumer},
+                        {u"tpdoCount"_s, data.tpdocnt},
+                        {u"rpdoCount"_s, data.rpdocnt},
+                        {u"edsPath"_s, data.edspath},
+                        {u"dcfPath"_s, data.dcfpath}});
+}
+
+/// The code of a type's name; nothing for an unknown name.
+std::optional<int> codeOfLineType(const QString &text)
+{
+    const auto *const found = std::ranges::find_if(lineTypeNames, [&](auto known) { return known == text; });
+    if (found == std::end(lineTypeNames))
+        return {};
+    return lineTypeCodes[found - std::begin(lineTypeNames)];
+}
+
+Reply addLineOfType(const ToolCall &call, int typeCode)
+{
+    const quint8 line = call.line();
+    if (!ProjectSession::lineTypeSupported(typeCode)) {
+        return Reply::refusal(u"This build (%1) does not support lineType \"%2\"."_s.arg(
+            QCoreApplication::applicationName(), call.text(lineType.name)));
+    }
+    ObjectDataBase::NODE_DATA_T data;
+    data.name = call.text(name.name);
+    data.ismaster = call.flag(isMaster.name);
+    call.store().addNode(line, data);
+    if (!call.store().nodeExists(line))
+        return Reply::refusal(u"Failed to add line %1."_s.arg(line));
+    call.store().setGeneralSetting(u"line%1type"_s.arg(line), QString::number(typeCode));
+    return call.edited(u"Line %1 added."_s.arg(line));
+}
+
+Reply addLine(const ToolCall &call)
+{
+    if (call.has(lineType.name)) {
+        if (const auto typeCode = codeOfLineType(call.text(lineType.name)))
+            return addLineOfType(call, *typeCode);
+        return Reply::invalidParams(u"Invalid lineType: expected CANopen, J1939, RawCAN, CANopen+J1939, CANopen+RawCAN "
+                                    "or J1939+RawCAN"_s);
+    }
+    const QString application = QCoreApplication::applicationName();
+    if (application == "CAN NodeComposer"_L1) {
+        return Reply::invalidParams(
+            u"lineType is required in this build (CAN NodeComposer supports multiple protocols, "
+            "none can be inferred)"_s);
+    }
+    return addLineOfType(call, application == "J1939 NodeComposer"_L1 ? 2 : 1);
+}
+
+Reply deleteLine(const ToolCall &call)
+{
+    call.store().removeNode(call.line());
+    return call.edited(u"Line %1 deleted."_s.arg(call.line()));
+}
+
+constexpr Tool readers[] = {
+    {"list_lines"_L1,
+     "List the CAN lines in the currently open project and their protocol type code (1=CANopen, 2=J1939, 4=RAW-CAN, "
+     "other values are combined types)"_L1,
+     {},
+     {},
+     {},
+     {projectIsOpen, storeIsReachable},
+     listLines},
+    {"get_line"_L1,
+     "Get details of a single line"_L1,
+     {Arguments::line},
+     {},
+     "line"_L1,
+     {projectIsOpen, keysAreGiven},
+     getLine},
+};
+
+constexpr Tool editors[] = {
+    {"add_line"_L1,
+     "Add a new line to the currently open project and set its line type. Fails if the line id already exists, or if "
+     "lineType isn't supported by this build."_L1,
+     {Arguments::line},
+     {isMaster, lineType, name},
+     "line"_L1,
+     {projectIsOpen, keysAreGiven, storeIsReachable, lineIsNew},
+     addLine},
+    {"delete_line"_L1,
+     "Delete a line and all its object dictionary entries from the currently open project."_L1,
+     {Arguments::line},
+     {},
+     "line"_L1,
+     {projectIsOpen, keysAreGiven, storeIsReachable, lineExists},
+     deleteLine},
+};
+
+} // namespace
+
+std::span<const Tool> ToolFamilies::lines()
+{
+    return readers;
+}
+
+std::span<const Tool> ToolFamilies::lineEdits()
+{
+    return editors;
+}

@@ -1,0 +1,13 @@
+#include "ncx_cli/mcp/mcpoutputhandler.h"
+
+#include <utility>
+
+void MCPOutputHandler::message(const QVariant &value)
+{
+    captured_.append(withoutMarkup(value.toString()) + u'\n');
+}
+
+QString MCPOutputHandler::takeOutput()
+{
+    return std::exchange(captured_, QString());
+}

@@ -1,0 +1,43 @@
+#include "ncx_cli/mcp/projectsession.h"
+
+#include "store/objectdatabase.h"
+
+#include <QCoreApplication>
+
+using namespace Qt::StringLiterals;
+
+ProjectSession::ProjectSession(QObject *parent)
+    : QObject(parent)
+{
+    connect(&handler_, &GeneratorMainHandler::finished, this, &ProjectSession::onGeneratorFinished);
+}
+
+void ProjectSession::setProfilePath(const QString &path)
+{
+    profilePath_ = path;
+    profiles_ = std::make_unique<ProfileDatabases>(path);
+}
+
+QString ProjectSession::checkSummary()
+{
+    QStringList messages;
+    const qint32 errors = handler_.checkModel(messages);
+    if (errors == 0)
+        return u"check_model: OK (0 errors)."_s;
+    return u"check_model: %1 error(s):\n%2"_s.arg(QString::number(errors), messages.join(u'\n'));
+}
+
+int ProjectSession::lineTypeCode(quint8 line) const
+{
+    return store().getGeneralSetting(u"line%1type"_s.arg(line)).toInt();
+}
+
+bool ProjectSession::lineTypeSupported(int typeCode)
+{
+    const QString application = QCoreApplication::applicationName();
+    if (application == "CAN NodeComposer"_L1)
+        return true;
+    if (application == "J1939 NodeComposer"_L1)
+        return typeCode == 2 || typeCode == 7;
+    return typeCode == 1 || typeCode == 5 || typeCode == 6;
+}

@@ -1,0 +1,65 @@
+#include "ncx_cli/mcp/resources.h"
+
+#include "ncx_cli/mcp/dictionaryjson.h"
+#include "ncx_cli/mcp/projectsession.h"
+
+#include <QJsonDocument>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto scheme = "codb://"_L1;
+
+Reply contents(const QString &uri, const QJsonDocument &document)
+{
+    const QString text = QString::fromUtf8(document.toJson(QJsonDocument::Compact));
+    const QJsonObject entry{{u"uri"_s, uri}, {u"mimeType"_s, u"application/json"_s}, {u"text"_s, text}};
+    return Reply::result({{u"contents"_s, QJsonArray{entry}}});
+}
+
+/// The object that the text names, decimal or with "0x".
+std::optional<QJsonObject> objectOf(ObjectDataBase &store, const QString &indexText)
+{
+    bool isNumber = false;
+    const ushort index = indexText.toUShort(&isNumber, 0);
+    return isNumber ? DictionaryJson::object(store, 0, index) : std::nullopt;
+}
+
+} // namespace
+
+Reply Resources::list(ProjectSession &session)
+{
+    QJsonArray resources;
+    if (session.profilePath().isEmpty())
+        return Reply::result({{u"resources"_s, resources}});
+    for (const QString &id : session.profiles().ids()) {
+        QJsonObject entry{{u"uri"_s, scheme + id}, {u"name"_s, u"DS-"_s + id}, {u"mimeType"_s, u"application/json"_s}};
+        if (const QString description = session.profiles().description(id); !description.isEmpty())
+            entry.insert(u"description"_s, description);
+        resources.append(entry);
+    }
+    return Reply::result({{u"resources"_s, resources}});
+}
+
+Reply Resources::read(ProjectSession &session, const QString &uri)
+{
+    if (!uri.startsWith(scheme))
+        return Reply::invalidParams(u"Unsupported resource URI (only codb://... is implemented): %1"_s.arg(uri));
+    if (session.profilePath().isEmpty()) {
+        return Reply::error(Reply::NoProfilePath,
+                            u"No codb path configured - drop -codbpath to use the built-in reference profiles"_s);
+    }
+    const QString place = uri.sliced(scheme.size());
+    const qsizetype slash = place.indexOf(u'/');
+    const QString id = slash < 0 ? place : place.first(slash);
+    const auto store = session.profiles().load(id);
+    if (!store)
+        return Reply::invalidParams(u"Unknown codb resource: %1"_s.arg(uri));
+    if (slash < 0)
+        return contents(uri, QJsonDocument(DictionaryJson::summaries(*store, 0)));
+    const QString indexText = place.sliced(slash + 1);
+    if (const auto object = objectOf(*store, indexText))
+        return contents(uri, QJsonDocument(*object));
+    return Reply::invalidParams(u"Index %1 not found in codb profile %2"_s.arg(indexText, id));
+}

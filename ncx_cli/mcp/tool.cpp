@@ -1,0 +1,50 @@
+#include "ncx_cli/mcp/tool.h"
+
+#include "ncx_cli/mcp/projectsession.h"
+
+using namespace Qt::StringLiterals;
+
+ObjectDataBase &ToolCall::store() const
+{
+    return session_.store();
+}
+
+QString ToolCall::text(QLatin1StringView name, const QString &fallback) const
+{
+    QString text = arguments_.value(name).toString(fallback);
+    if (!text.isValidUtf16())
+        text = QString::fromUtf8(text.toUtf8());
+    return text.replace(QChar::Null, QChar::ReplacementCharacter);
+}
+
+Reply ToolCall::edited(const QString &sentence, bool isError) const
+{
+    return Reply::text(sentence + u"\n\n"_s + session_.checkSummary(), isError);
+}
+
+QJsonObject Tool::descriptor() const
+{
+    QJsonObject properties;
+    QJsonArray requiredNames;
+    for (const Property &property : required) {
+        properties.insert(property.name, property.schema());
+        requiredNames.append(property.name);
+    }
+    for (const Property &property : optional)
+        properties.insert(property.name, property.schema());
+
+    QJsonObject schema{{u"type"_s, u"object"_s}, {u"properties"_s, properties}};
+    if (!requiredNames.isEmpty())
+        schema.insert(u"required"_s, requiredNames);
+    return {{u"name"_s, name}, {u"description"_s, description}, {u"inputSchema"_s, schema}};
+}
+
+Reply Tool::run(ProjectSession &session, const QJsonObject &arguments) const
+{
+    const ToolCall call(session, *this, arguments);
+    for (const Guard guard : guards) {
+        if (const auto refusal = guard(call))
+            return *refusal;
+    }
+    return handler(call);
+}

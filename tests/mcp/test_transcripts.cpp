@@ -1,0 +1,141 @@
+#include "support/mcpdriver.h"
+#include "support/testhome.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+using namespace Qt::StringLiterals;
+using namespace TestSupport;
+
+// A case is a file tests/data/mcp/*.txt, a session with one server:
+//   # ...                a remark
+//   program NAME         another build than ncx_cli; first line, if at all
+//   > LINE               sends a line as it is
+//   < LINE               the reply to it, as it is; none for a line that gets no reply
+//   call TOOL ARGUMENTS  sends a request for a tool
+//   = TEXT               the text of its result, one line each; of generate the first line alone, of a tool that ends
+//                        with a check summary the sentence before that
+//   ! TEXT               the same of a result that is marked as a failure
+//   -32602 TEXT          the code and message of an error
+//   write FILE TEXT      writes a file of one line into the session's folder
+// ${FOLDER} stands for the session's folder, which begins as a copy of tests/data/mcp/projects.
+// NCX_ACCEPT=1 in the environment takes the replies of this build as expected, to be read as a difference.
+
+namespace {
+
+const QString dataRoot = QStringLiteral(NCX_SOURCE_DIR "/tests/data/mcp/");
+
+class Session
+{
+public:
+    explicit Session(const QStringList &script)
+        : script_(script)
+        , server_(programOf(script))
+    {
+        for (const QString &name : QDir(dataRoot + u"projects"_s).entryList(QDir::Files))
+            QFile::copy(dataRoot + u"projects/"_s + name, folder_.filePath(name));
+    }
+
+    /// The script with the replies that came.
+    QStringList played()
+    {
+        for (qsizetype i = 0; i < script_.size(); ++i) {
+            if (!isReply(script_.at(i)))
+                play(script_.at(i), script_.value(i + 1).startsWith(u'<'));
+        }
+        const ProcessResult end = server_.close();
+        EXPECT_EQ(end.exitCode, 0);
+        EXPECT_EQ(end.output, QString()) << "a reply to a line that gets none";
+        EXPECT_EQ(end.errors, QString());
+        return played_;
+    }
+
+private:
+    static QString programOf(const QStringList &script)
+    {
+        const QString &first = script.first();
+        return first.startsWith("program "_L1) ? first.mid(8) : u"ncx_cli"_s;
+    }
+
+    static bool isReply(const QString &line)
+    {
+        static const QString beginnings = u"<=!-"_s;
+        return !line.isEmpty() && beginnings.contains(line.front());
+    }
+
+    /// Whether a line sent as it is gets a reply is the script's word; one that comes unasked is found behind it.
+    void play(const QString &line, bool replyIsDue)
+    {
+        played_.append(line);
+        const QString text = QString(line).replace("${FOLDER}"_L1, folder_.path());
+        if (text.startsWith("> "_L1)) {
+            server_.sendLine(text.mid(2).toUtf8());
+            if (replyIsDue)
+                appendReply(u"< "_s + QString::fromUtf8(server_.replyLine()));
+        } else if (text.startsWith("call "_L1)) {
+            call(text.section(u' ', 1, 1), text.section(u' ', 2));
+        } else if (text.startsWith("write "_L1)) {
+            EXPECT_TRUE(writeFile(folder_.filePath(text.section(u' ', 1, 1)), text.section(u' ', 2).toUtf8() + '\n'));
+        }
+    }
+
+    void call(const QString &tool, const QString &arguments)
+    {
+        server_.sendLine(u"{\"id\":1,\"method\":\"tools/call\",\"params\":{\"name\":\"%1\",\"arguments\":%2}}"_s
+                             .arg(tool, arguments.isEmpty() ? u"{}"_s : arguments)
+                             .toUtf8());
+        QString told = withoutFindings(tool, McpDriver::told(server_.reply()));
+        QString mark = u"= "_s;
+        if (told.startsWith("! "_L1)) {
+            told.remove(0, 2);
+            mark = u"! "_s;
+        } else if (told.startsWith("-32"_L1)) {
+            mark.clear();
+        }
+        for (const QString &line : told.split(u'\n'))
+            appendReply(mark + line);
+    }
+
+    /// What the model's rules and the generators say is the matter of their own tests.
+    static QString withoutFindings(const QString &tool, const QString &told)
+    {
+        static const QString summary = u"\n\ncheck_model: "_s;
+        if (tool == "generate"_L1)
+            return told.section(u'\n', 0, 0);
+        return told.contains(summary) ? told.section(summary, 0, 0) + summary + u"..."_s : told;
+    }
+
+    void appendReply(const QString &line) { played_.append(QString(line).replace(folder_.path(), "${FOLDER}"_L1)); }
+
+    QStringList script_;
+    QStringList played_;
+    QTemporaryDir folder_;
+    McpDriver server_;
+};
+
+void compare(const QStringList &played, const QStringList &expected)
+{
+    for (qsizetype i = 0; i < std::min(expected.size(), played.size()); ++i)
+        ASSERT_EQ(played.at(i), expected.at(i)) << "line " << i + 1;
+    EXPECT_EQ(played.size(), expected.size());
+}
+
+TEST(Transcripts, PlayAsWritten)
+{
+    const QStringList names = QDir(dataRoot).entryList({u"*.txt"_s}, QDir::Files, QDir::Name);
+    EXPECT_FALSE(names.isEmpty());
+    for (const QString &name : names) {
+        SCOPED_TRACE(qPrintable(name));
+        const QStringList expected = QString::fromUtf8(readFile(dataRoot + name)).split(u'\n');
+        const QStringList played = Session(expected).played();
+        if (qEnvironmentVariableIntValue("NCX_ACCEPT") == 1)
+            writeFile(dataRoot + name, played.join(u'\n').toUtf8());
+        else
+            compare(played, expected);
+    }
+}
+
+} // namespace

@@ -1,0 +1,6 @@
+#ifndef CO_DATATYPE_H
+#define CO_DATATYPE_H 1
+
+#include <core_datatype.h>
+
+#endif /* CO_DATATYPE_H */

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "support/processrunner.h"
+
+#include <QJsonObject>
+
+namespace TestSupport {
+
+/// The other end of a server: starts a program in server mode, sends it lines and reads its replies. No wait is longer
+/// than a minute; one that is in vain fails the test.
+class McpDriver
+{
+public:
+    explicit McpDriver(const QString &program = QStringLiteral("ncx_cli"), const QStringList &arguments = {});
+    ~McpDriver();
+    Q_DISABLE_COPY_MOVE(McpDriver)
+
+    /// Sends bytes as they are.
+    void send(const QByteArray &bytes);
+    void sendLine(const QByteArray &line) { send(line + '\n'); }
+    /// Sends a request for a tool, with the next number as its id.
+    void sendCall(const QString &tool, const QJsonObject &arguments = {});
+    /// The next line of the output, without its line feed.
+    QByteArray replyLine();
+    /// The next line of the output as an object.
+    QJsonObject reply();
+    /// Sends a request for a tool and takes its reply.
+    QJsonObject call(const QString &tool, const QJsonObject &arguments = {});
+    /// The text of a tool's result, after "! " where it is marked as a failure; the code, a blank and the message of an
+    /// error.
+    static QString told(const QJsonObject &reply);
+    /// `told` of the reply to a call.
+    QString ask(const QString &tool, const QJsonObject &arguments = {}) { return told(call(tool, arguments)); }
+
+    /// Ends the input and waits for the end of the program. What comes is what was not read before.
+    ProcessResult close();
+
+private:
+    QProcess process_;
+    int lastId_ = 0;
+};
+
+} // namespace TestSupport
