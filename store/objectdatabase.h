@@ -140,6 +140,8 @@ public:
     void setIndexName(quint8 line, quint16 index, const QString &name);
     /// Indices from `first` to `last`, ascending.
     QList<quint16> getIndexList(quint8 line, quint16 first, quint16 last);
+    /// The objects from `first` to `last`, by index, from one scan.
+    QMap<quint16, INDEX_DATA_T> getIndices(quint8 line, quint16 first, quint16 last);
     /// Names of the objects from `first` to `last`, by index.
     QMap<quint16, QString> getIndexNames(quint8 line, quint16 first, quint16 last);
     /// Answers from the line's cache where that holds the key.
