@@ -18,8 +18,10 @@ const Dialect &Dialect::classic()
         .protocol = u"MP_PROT_TYPE_"_s,
         .commonInitType = u"CO_COMMON_INIT_VAL_T    "_s,
         .stackInit = u"commonStackInit"_s,
+        .dataTypeHeader = u"co_datatype.h"_s,
+        .isoTpHeader = u"iso_tp.h"_s,
         .parameterError = u"RET_INVALID_PARAMETER"_s,
-        .points = {},
+        .points = {Point::ReservedNameField, Point::FormerServiceValues},
     };
     return dialect;
 }
@@ -33,8 +35,11 @@ const Dialect &Dialect::v4()
         .protocol = u"CORE_PROT_TYPE_"_s,
         .commonInitType = u"CORE_COMMON_INIT_VAL_T "_s,
         .stackInit = u"coreStackInit"_s,
+        .dataTypeHeader = u"core_datatype.h"_s,
+        .isoTpHeader = u"core_isotp.h"_s,
         .parameterError = u"RET_PARAMETER_INVALID"_s,
-        .points = {Point::SplitTypeColumns, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication},
+        .points = {Point::SplitTypeColumns, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication,
+                   Point::PointerTables, Point::ReceiveConfigs},
     };
     return dialect;
 }

@@ -15,6 +15,10 @@ enum class Point
     CoreCommonInit,     ///< the common initialisation structure has a heading, and a comma behind its last ISO-TP row
     LinePrototypesOnly, ///< of the start-up of several lines only the functions of a line are declared ahead
     LoadIndication,     ///< the predefined connection set is overwritten by a load indication, not by functions for one
+    PointerTables,      ///< the pointers of a message's mapping are a table of their own, and a row tells its data type
+    ReservedNameField,  ///< the NAME of a J1939 device is told with its reserved bit
+    ReceiveConfigs,     ///< configured and received J1939 groups are counted apart
+    FormerServiceValues, ///< there is an older structure of the J1939 services' counts
 };
 
 /// The words of one form of the C sources, and its points.
@@ -26,6 +30,8 @@ struct Dialect
     QString protocol;       ///< prefix of the protocol words: "CORE_PROT_TYPE_" or "MP_PROT_TYPE_"
     QString commonInitType; ///< type of `commonInitVars`, with the blanks behind it
     QString stackInit;      ///< name of the stack's common initialisation
+    QString dataTypeHeader; ///< the header of the basic types
+    QString isoTpHeader;    ///< the header of the transport layer of ISO 15765-2
     QString parameterError; ///< return code for an argument that may not be given
     std::vector<Point> points;
 

@@ -64,8 +64,14 @@ protected:
     {
         return ProcessRunner(program).arguments(arguments).workingFolder(folder_.path()).run();
     }
-    /// What a run said after its banner.
-    static QString body(const ProcessResult &result) { return result.output.section(u'\n', 1); }
+    /// What a run said after its banner. Of the files that it wrote only gen_indices.h is kept; the tests of the
+    /// generators know the others.
+    static QString body(const ProcessResult &result)
+    {
+        static const QRegularExpression others(u"^Generation of (?!gen_indices\\.h).*(started|completed\\. )\n"_s,
+                                               QRegularExpression::MultilineOption);
+        return result.output.section(u'\n', 1).remove(others);
+    }
     QString runText() const { return ::runText.arg(folder_.path()); }
     /// The saved project, opened anew.
     std::shared_ptr<ObjectDataBase> saved() const
@@ -122,7 +128,7 @@ TEST_F(Cli, RunsAndLeavesTheProjectAlone)
     static const QRegularExpression banner(
         u"^CANopen NodeComposer 4\\.3\\.3 Build: [A-Z][a-z]{2} [ \\d]\\d \\d{4} \\d\\d:\\d\\d:\\d\\d$"_s);
     EXPECT_TRUE(banner.match(result.lines().first()).hasMatch()) << qPrintable(result.lines().first());
-    EXPECT_EQ(QDir(folder_.path()).entryList(QDir::Files),
+    EXPECT_EQ(QDir(folder_.path()).entryList({u"*.bak"_s, u"*.ncxp"_s, u"gen_indices.h"_s}, QDir::Files),
               (QStringList{u"__ncxerrorlog.txt.bak"_s, u"device.ncxp"_s, u"gen_indices.h"_s}));
     EXPECT_EQ(readFile(project_), original_);
 }
@@ -248,8 +254,7 @@ TEST_F(Cli, HidesFilesThatCannotBeReadOrWritten)
 
     QFile(written(u"gen_indices.h"_s, "mine")).setPermissions(QFileDevice::ReadOwner);
     EXPECT_TRUE(body(run({u"-project"_s, project_}))
-                    .contains(u"The file in gen_indices.h in %1 is not writable\nGeneration finished.\n"_s.arg(
-                        folder_.path())));
+                    .contains(u"The file in gen_indices.h in %1 is not writable\n"_s.arg(folder_.path())));
     EXPECT_EQ(readFile(path(u"gen_indices.h"_s)), "mine");
 
     QFile(folder_.path()).setPermissions(QFileDevice::ReadOwner | QFileDevice::ExeOwner);
