@@ -173,7 +173,9 @@ TEST_F(Wire, ServesTheProfilesOfTheFolderThatIsNamed)
     const auto profiles = [](const QStringList &arguments) {
         McpDriver server(u"ncx_cli"_s, arguments);
         server.sendLine("{\"id\":1,\"method\":\"resources/list\"}");
-        return server.reply().value("result"_L1).toObject().value("resources"_L1).toArray().size();
+        const QJsonObject result = server.reply().value("result"_L1).toObject();
+        EXPECT_EQ(server.close().exitCode, 0);
+        return result.value("resources"_L1).toArray().size();
     };
     const QString option = u"-codbpath"_s;
     constexpr int builtIn = 22;
