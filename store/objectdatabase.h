@@ -139,6 +139,8 @@ public:
     void setIndexName(quint8 line, quint16 index, const QString &name);
     /// Indices from `first` to `last`, ascending.
     QList<quint16> getIndexList(quint8 line, quint16 first, quint16 last);
+    /// The objects from `first` to `last`, by index, from one scan.
+    QMap<quint16, INDEX_DATA_T> getIndices(quint8 line, quint16 first, quint16 last);
     /// Names of the objects from `first` to `last`, by index.
     QMap<quint16, QString> getIndexNames(quint8 line, quint16 first, quint16 last);
     /// Answers from the line's cache where that holds the key.
@@ -266,6 +268,8 @@ public:
     bool getDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number, DataElement &data);
     QString getDataElementName(quint8 line, quint32 canid, quint8 direction, quint32 number);
     QList<quint32> getDataElementList(quint8 line, quint32 canid, quint8 direction);
+    /// All data elements of a line in one scan, those of a message by their numbers; `pgnnumber` holds the identifier.
+    QList<DataElement> getDataElements(quint8 line);
 
     // ---- UDS services (udstables.cpp) ------------------------------------------------------------------------------
     // Services are those of ISO 14229-1; the lists are comma lists of numbers. Setting a column of a service without a

@@ -275,6 +275,21 @@ TEST_F(Run, LeavesTheNamesOutInBootloaderModeOfOneLine)
     EXPECT_TRUE(exists(u"gen_indices.h"_s));
 }
 
+TEST_F(Run, WritesTheVirtualDictionaryAndCopiesForCppOnDemand)
+{
+    handler_.setRunTable(runTable());
+    ProjectBuilder project;
+    open(project.object(0x2000, u"any"_s).sub(0, u"any"_s, [](auto &sub) { sub.implementation = 3; }));
+    EXPECT_TRUE(generate(true).contains("Generation of gen_vobjdict.c in DIR started"_L1));
+    EXPECT_TRUE(exists(u"gen_vobjdict.c"_s));
+    EXPECT_FALSE(exists(u"gen_objdict.cpp"_s));
+    open(project.general(u"generate_cpp_output"_s, u"1"_s).sub(0, u"any"_s));
+    EXPECT_FALSE(generate(true).contains("Generation of gen_vobjdict.c in DIR started"_L1));
+    EXPECT_FALSE(exists(u"gen_vobjdict.c"_s));
+    EXPECT_TRUE(exists(u"gen_objdict.cpp"_s));
+    EXPECT_FALSE(exists(u"gen_user.hpp"_s));
+}
+
 TEST_F(Run, OpenForcesItsSettingsAndTakesThePath)
 {
     ProjectBuilder project;

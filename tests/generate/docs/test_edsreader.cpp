@@ -63,8 +63,9 @@ class Expectation
 public:
     explicit Expectation(ObjectDataBase &store)
     {
-        for (const quint16 index : store.getIndexList(0, 0x1000, 0xffff)) {
-            const ObjectRecords object = ObjectRecords::read(store, 0, index);
+        const ObjectReader reader(store, 0, 0x1000);
+        for (const quint16 index : reader.indices()) {
+            const ObjectRecords object = reader.read(index);
             for (const ObjectRecords::Sub &sub : object.subs)
                 add(object, sub);
         }
