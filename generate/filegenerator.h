@@ -32,8 +32,8 @@ protected:
     /// Writes what belongs beside the file, once that is in place. A failure is reported with `fail`; the file stays.
     virtual void writeCompanions() {}
 
-    QString filePath() const;
+    /// Makes the file; here out of the text that `write` prints. A failure is reported with `fail`.
+    virtual void writeFile();
 
-private:
-    void writeFile();
+    QString filePath() const;
 };

@@ -1,17 +1,27 @@
 #include "generate/runtable.h"
 
 #include "generate/docs/csvgenerator.h"
+#include "generate/docs/dbcgenerator.h"
 #include "generate/docs/documentname.h"
 #include "generate/docs/edsgenerator.h"
 #include "generate/docs/edsrun.h"
 #include "generate/docs/icsvgenerator.h"
+#include "generate/docs/messagehtmlgenerator.h"
+#include "generate/docs/textdocgenerator.h"
 #include "generate/docs/xddgenerator.h"
 #include "generate/generationrun.h"
 #include "generate/j1939/pgngenerator.h"
 #include "generate/j1939/sdmgenerator.h"
+#include "generate/stack/cppcopies.h"
+#include "generate/stack/definegenerator.h"
 #include "generate/stack/externdeclgenerator.h"
+#include "generate/stack/indicationgenerator.h"
 #include "generate/stack/indicesgenerator.h"
+#include "generate/stack/objdictgenerator.h"
+#include "generate/stack/projectprops.h"
 #include "generate/stack/srdogenerator.h"
+#include "generate/stack/virtualtables.h"
+#include "generate/stack/vobjdictgenerator.h"
 #include "store/objectdatabase.h"
 
 #include <QFile>
@@ -23,13 +33,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The generator of the pair whose form the project asks for.
-template <typename Classic, typename V4>
-std::unique_ptr<FileGenerator> inForm(const RunContext &run)
+// ---- When a row takes part
+
+bool always(const RunContext & /*run*/)
 {
-    if (run.usesV4())
-        return std::make_unique<V4>();
-    return std::make_unique<Classic>();
+    return true;
 }
 
 bool hasNamesToDefine(const RunContext &run)
@@ -37,11 +45,19 @@ bool hasNamesToDefine(const RunContext &run)
     return run.hasAnyProtocol() && !run.bootloaderMode;
 }
 
-std::unique_ptr<FileGenerator> makeIndices(const RunContext &run, quint8 /*line*/)
+bool hasCANopen(const RunContext &run)
 {
-    auto generator = std::make_unique<IndicesGenerator>();
-    generator->setLines(run.lines);
-    return generator;
+    return run.hasCANopen;
+}
+
+bool isPlainCANopen(const RunContext &run)
+{
+    return run.hasCANopen && !run.isMultiProtocol();
+}
+
+bool isMultiProtocol(const RunContext &run)
+{
+    return run.isMultiProtocol();
 }
 
 bool hasSrdos(const RunContext &run)
@@ -52,11 +68,161 @@ bool hasSrdos(const RunContext &run)
                                [&run](quint8 line) { return !run.store->getIndexList(line, first, last).isEmpty(); });
 }
 
+bool isJ1939Only(const RunContext &run)
+{
+    return run.isJ1939Only();
+}
+
+bool hasSdoServer(const RunContext &run)
+{
+    return run.isJ1939Only() && run.store->getJ1939Setting(u"cia510serversupport"_s).toInt() == 1;
+}
+
+bool hasMessages(const RunContext &run)
+{
+    return (run.hasJ1939 || run.hasRawCAN) && !run.bootloaderMode;
+}
+
+bool hasSafetyGroups(const RunContext &run)
+{
+    return hasMessages(run) && run.store->getJ1939Setting(u"safetysupport"_s).toInt() > 0;
+}
+
+bool hasIndications(const RunContext &run)
+{
+    return run.hasCANopen || run.generalSetting(u"uds_static_indication"_s).toInt() == 1;
+}
+
+bool hasFdDescription(const RunContext &run)
+{
+    return hasIndications(run) && run.generalSetting(u"canfd_supported"_s).toInt() >= 1;
+}
+
+bool hasProps(const RunContext &run)
+{
+    return run.generalSetting(u"gen_csharp_props"_s).toInt() == 1;
+}
+
+bool wantsCppCopies(const RunContext &run)
+{
+    return hasIndications(run) && run.generalSetting(u"generate_cpp_output"_s).toInt() == 1;
+}
+
+// ---- Generators
+
+template <class Generator>
+std::unique_ptr<FileGenerator> makeGenerator(const RunContext & /*run*/, quint8 /*line*/)
+{
+    return std::make_unique<Generator>();
+}
+
+/// The generator of the pair whose form the project asks for.
+template <class Classic, class V4>
+std::unique_ptr<FileGenerator> makeInForm(const RunContext &run, quint8 /*line*/)
+{
+    if (run.usesV4())
+        return std::make_unique<V4>();
+    return std::make_unique<Classic>();
+}
+
+std::unique_ptr<FileGenerator> makeIndices(const RunContext &run, quint8 /*line*/)
+{
+    auto generator = std::make_unique<IndicesGenerator>();
+    generator->setLines(run.lines);
+    return generator;
+}
+
+template <class Classic, class V4>
+std::unique_ptr<Classic> newDictionary(const RunContext &run)
+{
+    const bool compact = run.generalSetting(u"compact_array_description"_s).toInt() == 1;
+    if (run.usesV4())
+        return std::make_unique<V4>(compact);
+    return std::make_unique<Classic>(compact);
+}
+
+std::unique_ptr<FileGenerator> makeDictionary(const RunContext &run, quint8 /*line*/)
+{
+    return newDictionary<ObjDictGenerator, ObjDictGeneratorV4>(run);
+}
+
+/// The dictionary that a J1939 device serves over CAM11 and CAM21.
+std::unique_ptr<FileGenerator> makeServerDictionary(const RunContext &run, quint8 /*line*/)
+{
+    auto generator = newDictionary<ObjDictGenerator, ObjDictGeneratorV4>(run);
+    generator->setServerMode(true);
+    return generator;
+}
+
+std::unique_ptr<FileGenerator> makeDefines(const RunContext &run, quint8 /*line*/)
+{
+    std::unique_ptr<DefineHeaderGenerator> generator;
+    if (run.usesV4())
+        generator = std::make_unique<GenDefineGenerator>();
+    else
+        generator = std::make_unique<CoDefineGenerator>();
+    generator->setJ1939Mode(run.hasJ1939);
+    generator->setMultiProtocol(run.isMultiProtocol());
+    return generator;
+}
+
+/// Only the V4 form knows the functions of the UDS server.
+std::unique_ptr<FileGenerator> makeIndications(const RunContext &run, quint8 /*line*/)
+{
+    if (run.usesV4() || run.generalSetting(u"uds_static_indication"_s).toInt() == 1)
+        return std::make_unique<indicationgeneratorv4>();
+    return std::make_unique<indicationgenerator>();
+}
+
+std::unique_ptr<FileGenerator> makeIcsv(const RunContext &run, quint8 /*line*/)
+{
+    auto generator = std::make_unique<ICSVGenerator>();
+    generator->setDocumentation(run.store->getMiscSetting(u"disableDocu"_s) != "true"_L1);
+    return generator;
+}
+
 std::unique_ptr<FileGenerator> makeSrdo(const RunContext &run, quint8 /*line*/)
 {
     auto generator = std::make_unique<SrdoGeneratorStatic>();
     generator->setStaticData(run.generalSetting(u"static_srdo_data"_s).toInt() == 1);
     return generator;
+}
+
+// ---- Names in messages
+
+/// For messages that have a file's extension of their own.
+QString nameOfLine(const RunContext &run, quint8 line)
+{
+    return documentName(run.baseName, line, run.multiLine);
+}
+
+QString nameOfXdd(const RunContext &run, quint8 line)
+{
+    return XDDGenerator::nameOf(*run.store, run.baseName, line, run.multiLine);
+}
+
+// ---- Steps
+
+RunFlow writeVirtualDictionary(GenerationRun &run, quint8 line)
+{
+    const RunContext &context = run.context();
+    const auto generator = newDictionary<VobjDictGenerator, VobjDictGeneratorV4>(context);
+    if (hasVirtualObjects(*context.store)) {
+        run.runJob(*generator, line, {},
+                   {.started = "Generation of gen_vobjdict.c in %1 started",
+                    .notWritable = "The file gen_vobjdict.c in %1 is not writable"});
+    } else {
+        QFile::remove(run.filePath(generator->fileName()));
+    }
+    return RunFlow::Continue;
+}
+
+RunFlow tellUserSection(GenerationRun &run, FileGenerator &generator)
+{
+    const auto *defines = qobject_cast<DefineHeaderGenerator *>(&generator);
+    if (defines && !defines->userSection().trimmed().isEmpty())
+        run.message(u"gen_define.h contains user section:\n%1"_s.arg(defines->userSection()));
+    return RunFlow::Continue;
 }
 
 /// Without its template the device has no safety module, and nothing else of it is to be built.
@@ -68,34 +234,14 @@ RunFlow endWithoutTemplate(GenerationRun &run, FileGenerator &generator)
     return RunFlow::EndWithTemplateFailure;
 }
 
-bool isJ1939Only(const RunContext &run)
+RunFlow writeProps(GenerationRun &run, quint8 /*line*/)
 {
-    return run.isJ1939Only();
-}
-
-std::unique_ptr<FileGenerator> makePgn(const RunContext &run, quint8 /*line*/)
-{
-    return inForm<PGNGenerator, PGNGeneratorV4>(run);
-}
-
-bool hasMessages(const RunContext &run)
-{
-    return (run.hasJ1939 || run.hasRawCAN) && !run.bootloaderMode;
-}
-
-std::unique_ptr<FileGenerator> makeExternDecl(const RunContext &run, quint8 /*line*/)
-{
-    return inForm<ExtDeclGenerator, ExtDeclGeneratorV4>(run);
-}
-
-bool hasSafetyGroups(const RunContext &run)
-{
-    return hasMessages(run) && run.store->getJ1939Setting(u"safetysupport"_s).toInt() > 0;
-}
-
-std::unique_ptr<FileGenerator> makeSafetyGroups(const RunContext &run, quint8 /*line*/)
-{
-    return inForm<SDMGenerator, SDMGeneratorV4>(run);
+    const QString folder = run.context().outputFolder;
+    const QString text = ProjectProps::write(folder)
+                             ? u"Generation of gen_define.props and Directory.Build.props in %1 finished"_s
+                             : u"The files gen_define.props and Directory.Build.props in %1 are not writable"_s;
+    run.message(text.arg(folder));
+    return RunFlow::Continue;
 }
 
 /// Removes what a device without CANopen does not have, and adapter files that are no longer wanted.
@@ -111,85 +257,132 @@ RunFlow removeStaleFiles(GenerationRun &run, quint8 /*line*/)
     return RunFlow::Continue;
 }
 
-bool hasSdoServer(const RunContext &run)
+RunFlow copyToCpp(GenerationRun &run, quint8 /*line*/)
 {
-    return run.isJ1939Only() && run.store->getJ1939Setting(u"cia510serversupport"_s).toInt() == 1;
+    writeCppCopies(run.context().outputFolder);
+    return RunFlow::Continue;
 }
 
-bool hasIndications(const RunContext &run)
-{
-    return run.hasCANopen || run.generalSetting(u"uds_static_indication"_s).toInt() == 1;
-}
+// ---- The rows
 
-bool hasFdDescription(const RunContext &run)
-{
-    return hasIndications(run) && run.generalSetting(u"canfd_supported"_s).toInt() >= 1;
-}
-
-std::unique_ptr<FileGenerator> makeCsv(const RunContext & /*run*/, quint8 /*line*/)
-{
-    return std::make_unique<CSVGenerator>();
-}
-
-std::unique_ptr<FileGenerator> makeIcsv(const RunContext &run, quint8 /*line*/)
-{
-    auto generator = std::make_unique<ICSVGenerator>();
-    generator->setDocumentation(run.store->getMiscSetting(u"disableDocu"_s) != "true"_L1);
-    return generator;
-}
-
-std::unique_ptr<FileGenerator> makeEds(const RunContext & /*run*/, quint8 /*line*/)
-{
-    return std::make_unique<EDSGenerator>();
-}
-
-std::unique_ptr<FileGenerator> makeXdd(const RunContext & /*run*/, quint8 /*line*/)
-{
-    return std::make_unique<XDDGenerator>();
-}
-
-/// For messages that have a file's extension of their own.
-QString nameOfLine(const RunContext &run, quint8 line)
-{
-    return documentName(run.baseName, line, run.multiLine);
-}
-
-QString nameOfXdd(const RunContext &run, quint8 line)
-{
-    return XDDGenerator::nameOf(*run.store, run.baseName, line, run.multiLine);
-}
+constexpr auto fileNotWritable = "The file %2 in %1 is not writable";
 
 constexpr std::array rows{
     RunRow{.applies = hasNamesToDefine,
            .make = makeIndices,
            .started = "Generation of gen_indices.h in %1 started",
            .notWritable = "The file in gen_indices.h in %1 is not writable"},
+    RunRow{.applies = hasCANopen,
+           .lines = RunLines::CANopen,
+           .suffix = "_co",
+           .make = makeGenerator<TextDocGenerator>,
+           .started = "Generation of textual object dictionary documentation in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = hasCANopen,
+           .lines = RunLines::CANopen,
+           .suffix = "_co",
+           .make = makeGenerator<HTMLGenerator>,
+           .started = "Generation of HTML object dictionary documentation in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isPlainCANopen,
+           .make = makeDictionary,
+           .started = "Generation of gen_objdict.c in %1 started",
+           .notWritable = "The file gen_objdict.c in %1 is not writable"},
+    RunRow{.applies = isPlainCANopen, .step = writeVirtualDictionary},
+    RunRow{.applies = isMultiProtocol,
+           .lines = RunLines::J1939,
+           .lineByLine = true,
+           .suffix = "_j1939",
+           .make = makeGenerator<J1939TextDocGenerator>,
+           .started = "Generation of textual PGN documentation in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isMultiProtocol,
+           .lines = RunLines::RawCAN,
+           .lineByLine = true,
+           .suffix = "_rawcan",
+           .make = makeGenerator<RawCANTextDocGenerator>,
+           .started = "Generation of raw CAN text documentation in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isMultiProtocol,
+           .lines = RunLines::RawCAN,
+           .lineByLine = true,
+           .make = makeGenerator<RawCANDBCGenerator>,
+           .started = "Generation of raw CAN DBC file in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isMultiProtocol,
+           .lines = RunLines::RawCAN,
+           .lineByLine = true,
+           .suffix = "_rawcan",
+           .make = makeGenerator<RawCANHTMLGenerator>,
+           .started = "Generation of raw CAN HTML documentation in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isMultiProtocol,
+           .lines = RunLines::J1939,
+           .suffix = "_j1939",
+           .make = makeGenerator<J1939HTMLGenerator>,
+           .started = "Generation of HTML pgn documentation in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isMultiProtocol,
+           .lines = RunLines::J1939,
+           .make = makeGenerator<DBCGenerator>,
+           .started = "Generation of DBC_file in %1 started",
+           .notWritable = fileNotWritable},
     RunRow{.applies = hasSrdos,
            .make = makeSrdo,
            .started = "Generation of gen_srdo.c in %1 started",
            .notWritable = "The file gen_srdo.c in %1 is not writable",
            .after = endWithoutTemplate},
+    RunRow{.applies = always,
+           .make = makeDefines,
+           .started = "Generation of gen_define.h in %1 started",
+           .notWritable = "The file gen_define.h in %1 is not writable",
+           .after = tellUserSection},
+    RunRow{.applies = hasProps, .step = writeProps},
     RunRow{.applies = isJ1939Only,
-           .make = makePgn,
+           .make = makeInForm<PGNGenerator, PGNGeneratorV4>,
            .started = "Generation of gen_pgn.c in %1 started",
            .notWritable = "The file gen_pgn.c in %1 is not writable"},
     RunRow{.applies = hasSdoServer,
-           .make = makeEds,
+           .make = makeServerDictionary,
+           .started = "Generation of gen_objdict.c for CAM11/CAM21 SDO server in %1 started",
+           .notWritable = "The file gen_objdict.c in %1 is not writable"},
+    RunRow{.applies = hasSdoServer,
+           .make = makeGenerator<EDSGenerator>,
            .started = "Generation of %2 EDS file in %1 started (for CAM11/CAM21 SDO Server)",
            .notWritable = "The EDS file %2.eds in %1 is not writable",
            .nameInTexts = nameOfLine},
+    RunRow{.applies = isJ1939Only,
+           .lines = RunLines::Every,
+           .make = makeGenerator<J1939TextDocGenerator>,
+           .started = "Generation of textual PGN documentation in %1 started",
+           .notWritable = "The file in %2_doc.txt in %1 is not writable",
+           .nameInTexts = nameOfLine},
+    RunRow{.applies = isJ1939Only,
+           .lines = RunLines::Every,
+           .make = makeGenerator<J1939HTMLGenerator>,
+           .started = "Generation of HTML pgn documentation in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isJ1939Only,
+           .lines = RunLines::J1939,
+           .make = makeGenerator<DBCGenerator>,
+           .started = "Generation of DBC_file in %1 started",
+           .notWritable = fileNotWritable},
     RunRow{.applies = isJ1939Only, .step = removeStaleFiles},
     RunRow{.applies = hasMessages,
-           .make = makeExternDecl,
+           .make = makeInForm<ExtDeclGenerator, ExtDeclGeneratorV4>,
            .started = "Generation of gen_extern_decl.h in %1 started",
            .notWritable = "The file gen_extern_decl.h in %1 is not writable"},
     RunRow{.applies = hasSafetyGroups,
-           .make = makeSafetyGroups,
+           .make = makeInForm<SDMGenerator, SDMGeneratorV4>,
            .started = "Generation of file in %1 started",
            .notWritable = "The file in %1 is not writable"},
     RunRow{.applies = hasIndications,
+           .make = makeIndications,
+           .started = "Generation of gen_indication in %1 started",
+           .notWritable = "The file gen_indication.h in %1 is not writable"},
+    RunRow{.applies = hasIndications,
            .lines = RunLines::CANopen,
-           .make = makeCsv,
+           .make = makeGenerator<CSVGenerator>,
            .started = "Generation of CSV file (deprecated) in %1 started",
            .notWritable = "The file %2.csv in %1 is not writable",
            .nameInTexts = nameOfLine},
@@ -202,10 +395,11 @@ constexpr std::array rows{
     RunRow{.applies = hasIndications, .lines = RunLines::CANopen, .step = generateEdsFiles},
     RunRow{.applies = hasFdDescription,
            .lines = RunLines::CANopen,
-           .make = makeXdd,
+           .make = makeGenerator<XDDGenerator>,
            .started = "Generation of XDD file in %1 started",
            .notWritable = "The XDD file %2.xdd in %1 is not writable",
            .nameInTexts = nameOfXdd},
+    RunRow{.applies = wantsCppCopies, .step = copyToCpp},
 };
 
 } // namespace
