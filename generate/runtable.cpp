@@ -17,6 +17,7 @@
 #include "generate/stack/externdeclgenerator.h"
 #include "generate/stack/indicationgenerator.h"
 #include "generate/stack/indicesgenerator.h"
+#include "generate/stack/multiprogenerator.h"
 #include "generate/stack/objdictgenerator.h"
 #include "generate/stack/projectprops.h"
 #include "generate/stack/srdogenerator.h"
@@ -66,6 +67,16 @@ bool hasSrdos(const RunContext &run)
     constexpr quint16 last = 0x137F;
     return std::ranges::any_of(run.lines,
                                [&run](quint8 line) { return !run.store->getIndexList(line, first, last).isEmpty(); });
+}
+
+bool isMultiProtocolV4(const RunContext &run)
+{
+    return run.isMultiProtocol() && run.usesV4();
+}
+
+bool isMultiProtocolClassic(const RunContext &run)
+{
+    return run.isMultiProtocol() && !run.usesV4();
 }
 
 bool isJ1939Only(const RunContext &run)
@@ -144,6 +155,15 @@ std::unique_ptr<Classic> newDictionary(const RunContext &run)
 std::unique_ptr<FileGenerator> makeDictionary(const RunContext &run, quint8 /*line*/)
 {
     return newDictionary<ObjDictGenerator, ObjDictGeneratorV4>(run);
+}
+
+std::unique_ptr<FileGenerator> makeMultiProtocol(const RunContext &run, quint8 /*line*/)
+{
+    const MultiProtocols protocols = MultiProtocols::of(run);
+    const bool compact = run.generalSetting(u"compact_array_description"_s).toInt() == 1;
+    if (run.usesV4())
+        return std::make_unique<MultiProGeneratorV4>(protocols, compact);
+    return std::make_unique<MultiProGenerator>(protocols, compact);
 }
 
 /// The dictionary that a J1939 device serves over CAM11 and CAM21.
@@ -289,6 +309,15 @@ constexpr std::array rows{
            .started = "Generation of gen_objdict.c in %1 started",
            .notWritable = "The file gen_objdict.c in %1 is not writable"},
     RunRow{.applies = isPlainCANopen, .step = writeVirtualDictionary},
+    // The forms differ in what they say of a file that they cannot write.
+    RunRow{.applies = isMultiProtocolV4,
+           .make = makeMultiProtocol,
+           .started = "Generation of gen_mp.c in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isMultiProtocolClassic,
+           .make = makeMultiProtocol,
+           .started = "Generation of gen_mp.c in %1 started",
+           .notWritable = "The file gen_mp.c in %1 is not writable"},
     RunRow{.applies = isMultiProtocol,
            .lines = RunLines::J1939,
            .lineByLine = true,

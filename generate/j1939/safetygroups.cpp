@@ -1,5 +1,6 @@
 #include "generate/j1939/safetygroups.h"
 
+#include "generate/dialect.h"
 #include "generate/j1939/linemessages.h"
 #include "generate/runcontext.h"
 #include "generate/stack/linesettings.h"
@@ -74,12 +75,17 @@ QList<SafetyGroups::Group> groupsOf(ObjectDataBase &store, quint8 line, quint8 d
 
 } // namespace
 
-SafetyGroups SafetyGroups::collect(ObjectDataBase &store, bool multiLine)
+bool SafetyGroups::keepsSendersApart(ObjectDataBase &store, const Dialect &dialect)
+{
+    return dialect.has(Point::SafetySenders) && LineSettings::number(store.getJ1939Setting(u"sdm_rec_addr_cnt"_s)) > 1;
+}
+
+SafetyGroups SafetyGroups::collect(ObjectDataBase &store, const Dialect &dialect, bool multiLine)
 {
     using LineSettings::number;
     const bool isClassical = number(store, u"canfd_supported"_s) == 0;
     SafetyGroups result{.multiLine = multiLine,
-                        .sendersApart = number(store.getJ1939Setting(u"sdm_rec_addr_cnt"_s)) > 1,
+                        .sendersApart = keepsSendersApart(store, dialect),
                         .loopCounter = number(store.getJ1939Setting(u"sdm_loop_counter"_s))};
     for (const quint8 line : LineSettings::stackLines(store)) {
         Line groups{.number = line};

@@ -6,11 +6,15 @@
 #include <QString>
 
 class ObjectDataBase;
+struct Dialect;
 
 /// The safety data groups of a project (SAE J1939-76) on its J1939 lines.
 struct SafetyGroups
 {
-    static SafetyGroups collect(ObjectDataBase &store, bool multiLine);
+    static SafetyGroups collect(ObjectDataBase &store, const Dialect &dialect, bool multiLine);
+
+    /// Each received variable exists once for each sender.
+    static bool keepsSendersApart(ObjectDataBase &store, const Dialect &dialect);
 
     struct Variable
     {
@@ -37,9 +41,9 @@ struct SafetyGroups
     };
 
     bool multiLine = false;
-    bool sendersApart = false; ///< a received variable exists once for each sender
-    QList<Line> lines = {};    ///< all lines below 32; those without J1939 have no groups
-    quint32 loopCounter = 0;   ///< timer interrupts within which the data have to be checked
+    bool sendersApart = false;
+    QList<Line> lines = {};  ///< all lines below 32; those without J1939 have no groups
+    quint32 loopCounter = 0; ///< timer interrupts within which the data have to be checked
 
     qsizetype receivedCount() const;
     qsizetype transmittedCount() const;

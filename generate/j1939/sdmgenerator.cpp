@@ -4,22 +4,20 @@
 #include "generate/dialect.h"
 #include "generate/j1939/safetysections.h"
 #include "generate/stack/linesettings.h"
+#include "generate/stack/sourceopening.h"
 #include "store/objectdatabase.h"
 #include "texttools/clock.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QTextStream>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-QString includes(ObjectDataBase &store, const Dialect &dialect, bool stdlib)
+QString includes(const SourceOpening &opening, const Dialect &dialect)
 {
     return CodeWriter::textOf([&](CodeWriter &out) {
-        if (stdlib)
-            out(u"#include <stdlib.h>");
+        SourceSections::stdlibInclude(out, opening);
         out(uR"(
             #include <gen_define.h>
             #include <${TYPES}>
@@ -27,10 +25,7 @@ QString includes(ObjectDataBase &store, const Dialect &dialect, bool stdlib)
             #include <gen_extern_decl.h>
             )",
             {{"TYPES", dialect.dataTypeHeader}});
-        const QStringList headers =
-            store.getGeneralSetting(u"applicationheader"_s).simplified().split(u' ', Qt::SkipEmptyParts);
-        for (const QString &header : headers)
-            out(u"#include \"${HEADER}\"", {{"HEADER", header}});
+        SourceSections::applicationIncludes(out, opening);
     });
 }
 
@@ -80,11 +75,11 @@ void SDMGenerator::write(QTextStream &stream)
 {
     const Dialect &dialect = Dialect::of(form_);
     const bool multiLine = isMultiLine() || generatesMultiLine();
-    const SafetyGroups groups = SafetyGroups::collect(*database(), multiLine);
+    const SafetyGroups groups = SafetyGroups::collect(*database(), dialect, multiLine);
     const QString information = u"%1\n * %2\n"_s.arg(sourceTitle(SourceFile::GenSdg, form_, baseName()),
                                                      TextTools::currentDateTime().toString(Qt::TextDate));
-    const bool stdlib = !QFileInfo::exists(QDir(outputFolder()).filePath(u"no_stdlib_include.txt"_s));
-    const TemplateValues values = valuesOf(groups, information, includes(*database(), dialect, stdlib), dialect);
+    const SourceOpening opening = SourceOpening::of(*database(), outputFolder());
+    const TemplateValues values = valuesOf(groups, information, includes(opening, dialect), dialect);
 
     const QString path = templatePath(multiLine, LineSettings::number(*database(), u"canfd_supported"_s) > 0);
     const std::optional<QString> text = source_->text(path);

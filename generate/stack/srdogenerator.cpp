@@ -2,11 +2,10 @@
 
 #include "generate/codewriter.h"
 #include "generate/fileheader.h"
+#include "generate/stack/sourceopening.h"
 #include "generate/stack/srdosections.h"
 #include "store/objectdatabase.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QTextStream>
 
 #include <array>
@@ -42,19 +41,15 @@ constexpr std::array placeholders{
     Placeholder{"SRDO_OD_ENTRY"_L1, SrdoSections::writeEntries},
 };
 
-void writeIncludes(CodeWriter &out, ObjectDataBase &store, bool stdlib)
+void writeIncludes(CodeWriter &out, const SourceOpening &opening)
 {
-    if (stdlib)
-        out(u"#include <stdlib.h>");
+    SourceSections::stdlibInclude(out, opening);
     out(uR"(
         #include <string.h>
         #include <gen_define.h>
         #include <co_canopen.h>
         )");
-    const QStringList headers =
-        store.getGeneralSetting(u"applicationheader"_s).simplified().split(u' ', Qt::SkipEmptyParts);
-    for (const QString &header : headers)
-        out(u"#include \"${HEADER}\"", {{"HEADER", header}});
+    SourceSections::applicationIncludes(out, opening);
 }
 
 } // namespace
@@ -92,9 +87,8 @@ void SrdoGenerator::write(QTextStream &stream)
     TemplateValues values;
     for (const Placeholder &placeholder : placeholders)
         values.insert(placeholder.name, CodeWriter::textOf([&](CodeWriter &out) { placeholder.write(out, tables); }));
-    const bool stdlib = !QFileInfo::exists(QDir(outputFolder()).filePath(u"no_stdlib_include.txt"_s));
-    values.insert(u"SRDO_INCLUDES"_s,
-                  CodeWriter::textOf([&](CodeWriter &out) { writeIncludes(out, *database(), stdlib); }));
+    const SourceOpening opening = SourceOpening::of(*database(), outputFolder());
+    values.insert(u"SRDO_INCLUDES"_s, CodeWriter::textOf([&](CodeWriter &out) { writeIncludes(out, opening); }));
     values.insert(u"SRDO_NJX_INFORMATION"_s, CodeWriter::textOf([&](CodeWriter &out) {
                       writeFileHeader(out, SourceFile::GenSrdo, SourceForm::V4, baseName());
                   }));

@@ -172,8 +172,12 @@ bool GeneratedSources::openFolder(const QString &folder)
         QFile::copy(source.filePath(name), folder_.filePath(name));
     if (!openProject(folder_.filePath(source.entryList({u"*.ncxt"_s}).value(0))))
         return false;
-    const QStringList args = QString::fromUtf8(text(u"args"_s)).split(u'\n', Qt::SkipEmptyParts);
+    const QStringList args = QString::fromUtf8(text(u"args"_s))
+                                 .replace(u"${EXAMPLES}"_s, QStringLiteral(NCX_SOURCE_DIR "/examples"))
+                                 .split(u'\n', Qt::SkipEmptyParts);
     for (qsizetype i = 0; i + 1 < args.size(); ++i) {
+        if (args.at(i) == "-stackpath"_L1)
+            d_->handler.setStackPath(args.at(i + 1));
         if (args.at(i) == "-import"_L1 && !importFile(folder_.filePath(args.at(i + 1))))
             return false;
     }

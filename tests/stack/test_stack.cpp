@@ -23,8 +23,10 @@ QStringList projectFolders()
     QStringList folders;
     for (const QString &root : {u"/tests/data/golden"_s, u"/examples"_s}) {
         const QDir parent(QStringLiteral(NCX_SOURCE_DIR) + root);
-        for (const QString &name : parent.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
-            folders.append(parent.filePath(name));
+        for (const QString &name : parent.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
+            if (!QDir(parent.filePath(name)).entryList({u"*.ncxt"_s}).isEmpty())
+                folders.append(parent.filePath(name));
+        }
     }
     return folders;
 }

@@ -10,7 +10,7 @@ __GEN_SDG_INCLUDES__
 __GEN_SDG_DATA_DEFINITION__
 /* variables of the application */
 __GEN_SDG_VARIABLES__
-#if defined(J1939_SDG_TRANS_CNT) && (J1939_SDG_TRANS_CNT > 0)
+#ifdef J1939_SDG_TRANS_CNT
 UNSIGNED32 genSdgGetTxPgn(UNSIGNED16 sdgNr)
 {
 	return (sdgNr < sdgTrCnt) ? sdgTrCfg_l0[sdgNr].pgn : 0ul;
@@ -28,7 +28,7 @@ SDG_TR_T *getTrSdg(UNSIGNED16 sdgNr)
 }
 #endif /* J1939_SDG_TRANS_CNT */
 
-#if defined(J1939_SDG_REC_CNT) && (J1939_SDG_REC_CNT > 0)
+#ifdef J1939_SDG_REC_CNT
 UNSIGNED32 genSdgGetRxPgn(UNSIGNED16 sdgNr)
 {
 	return (sdgNr < (sdgRecCnt / J1939_SDG_REC_ADDR_CNT)) ? sdgRecCfg_l0[sdgNr].pgn : 0ul;
