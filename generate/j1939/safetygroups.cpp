@@ -1,5 +1,6 @@
 #include "generate/j1939/safetygroups.h"
 
+#include "check/safetytypes.h"
 #include "generate/dialect.h"
 #include "generate/j1939/linemessages.h"
 #include "generate/runcontext.h"
@@ -14,25 +15,25 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// What the stack calls the stored safety types. A group without an assigned type, or with one that is not known, is
-/// of type 0, which has no safety code. Only type 2 follows the profile for functional safety.
-struct SafetyType
+/// What the stack calls the safety types of the project. The first is a safety data message behind its header; those of
+/// CAN FD follow the profile for functional safety. A group without a type that is known counts as the first.
+struct TypeWord
 {
-    quint8 stored;
-    QLatin1StringView type;
+    quint8 type;
+    QLatin1StringView word;
     QLatin1StringView profile;
 };
 
-constexpr SafetyType plainType{0, "SDG_TYPE_0"_L1, "0u"_L1};
-constexpr std::array safetyTypes{
-    SafetyType{1, "SDG_TYPE_1"_L1, "0u"_L1},
-    SafetyType{2, "SDG_TYPE_2"_L1, "SDG_FUSA_PROFILE_1"_L1},
+constexpr std::array typeWords{
+    TypeWord{1, "SDG_TYPE_0"_L1, "0u"_L1},
+    TypeWord{2, "SDG_TYPE_1"_L1, "SDG_FUSA_PROFILE_1"_L1},
+    TypeWord{3, "SDG_TYPE_2"_L1, "SDG_FUSA_PROFILE_1"_L1},
 };
 
-SafetyType safetyType(quint8 stored)
+TypeWord typeWord(quint8 type)
 {
-    const auto row = std::ranges::find(safetyTypes, stored, &SafetyType::stored);
-    return row == safetyTypes.end() ? plainType : *row;
+    const auto row = std::ranges::find(typeWords, type, &TypeWord::type);
+    return row == typeWords.end() ? typeWords.front() : *row;
 }
 
 /// The width of the types that safety data may have, numbers without sign; 0 for all others.
@@ -42,18 +43,19 @@ quint32 safetyBits(quint32 dataType)
     return limits.low == "0"_L1 ? COHelper::getDataLengthBits(dataType) : 0;
 }
 
-SafetyGroups::Group groupOf(const LineMessage &message, bool isClassical)
+SafetyGroups::Group groupOf(const LineMessage &message, bool canFd)
 {
     constexpr int dataPageBit = 16;
     constexpr quint32 dataPageMask = 3;
     const StoreRecords::PGN &head = message.head;
-    const SafetyType type = safetyType(head.safetytype);
+    const TypeWord word = typeWord(head.safetytype);
+    const SafetyType *type = safetyType(head.safetytype);
     SafetyGroups::Group group{.pgn = head.number | (head.edp_dp_key & dataPageMask) << dataPageBit,
                               .cycleMs = head.cycletime_ms,
                               .validationMs = head.srvt_ms,
-                              .type = type.type,
-                              .profile = type.profile,
-                              .frame = {.isClassical = isClassical}};
+                              .type = word.word,
+                              .profile = word.profile,
+                              .frame = {.isClassical = !canFd || (type && type->isSDM)}};
     for (const StoreRecords::SPN &signal : message.items) {
         const QString variable = LineMessages::variable(signal);
         group.frame.items.append(
@@ -64,12 +66,12 @@ SafetyGroups::Group groupOf(const LineMessage &message, bool isClassical)
     return group;
 }
 
-QList<SafetyGroups::Group> groupsOf(ObjectDataBase &store, quint8 line, quint8 direction, bool isClassical)
+QList<SafetyGroups::Group> groupsOf(ObjectDataBase &store, quint8 line, quint8 direction, bool canFd)
 {
     QList<SafetyGroups::Group> groups;
     for (const LineMessage &message :
          LineMessages::parameterGroups(store, line, direction, LineMessages::Groups::Safety))
-        groups.append(groupOf(message, isClassical));
+        groups.append(groupOf(message, canFd));
     return groups;
 }
 
@@ -83,7 +85,7 @@ bool SafetyGroups::keepsSendersApart(ObjectDataBase &store, const Dialect &diale
 SafetyGroups SafetyGroups::collect(ObjectDataBase &store, const Dialect &dialect, bool multiLine)
 {
     using LineSettings::number;
-    const bool isClassical = number(store, u"canfd_supported"_s) == 0;
+    const bool canFd = number(store, u"canfd_supported"_s) > 0;
     SafetyGroups result{.multiLine = multiLine,
                         .sendersApart = keepsSendersApart(store, dialect),
                         .loopCounter = number(store.getJ1939Setting(u"sdm_loop_counter"_s))};
@@ -91,8 +93,8 @@ SafetyGroups SafetyGroups::collect(ObjectDataBase &store, const Dialect &dialect
         Line groups{.number = line};
         if (RunContext::protocolsOf(store, line).j1939) {
             store.cacheSPNs(line);
-            groups.received = groupsOf(store, line, ObjectDataBase::receive, isClassical);
-            groups.transmitted = groupsOf(store, line, ObjectDataBase::transmit, isClassical);
+            groups.received = groupsOf(store, line, ObjectDataBase::receive, canFd);
+            groups.transmitted = groupsOf(store, line, ObjectDataBase::transmit, canFd);
             store.clearSPNCache();
         }
         result.lines.append(groups);

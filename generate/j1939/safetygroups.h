@@ -27,7 +27,7 @@ struct SafetyGroups
         quint32 pgn = 0; ///< with the data page bits
         quint32 cycleMs = 0;
         quint32 validationMs = 0; ///< safety related validation time
-        QString type = {};        ///< as the stack names it: "SDG_TYPE_1"
+        QString type = {};        ///< as the stack names it: "SDG_TYPE_0"
         QString profile = {};
         SafetyMapping::Frame frame = {};
         QList<Variable> variables = {};

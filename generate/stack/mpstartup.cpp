@@ -76,6 +76,11 @@ QString MpStartUpWriter::commonParameters() const
     return startUp_.fd ? parameters + u", BOOL_T *pModes"_s : parameters;
 }
 
+QString MpStartUpWriter::protocolType() const
+{
+    return dialect_.protocolType;
+}
+
 QString MpStartUpWriter::lineParameters() const
 {
     return startUp_.fd ? u"UNSIGNED8 canLine, BOOL_T *pModes"_s : u"UNSIGNED8 canLine"_s;

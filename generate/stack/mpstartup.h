@@ -92,7 +92,7 @@ private:
 
     QString commonParameters() const;
     QString lineParameters() const;
-    QString protocolType() const { return dialect_.protocolType; }
+    QString protocolType() const;
 
     CodeWriter &out_;
     const MpStartUp &startUp_;

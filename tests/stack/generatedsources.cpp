@@ -280,7 +280,8 @@ QString GeneratedSources::compile()
 
 QString GeneratedSources::link()
 {
-    const QByteArray code = text(u"gen_objdict.c"_s);
+    const QString source = has(u"gen_objdict.c"_s) ? u"gen_objdict.c"_s : u"gen_mp.c"_s;
+    const QByteArray code = text(source);
     QStringList switches;
     if (code.contains("j1939OdInit("))
         switches += u"-DWALK_SERVER_MODE"_s;
@@ -290,7 +291,7 @@ QString GeneratedSources::link()
         switches += u"-DWALK_LOAD_INDICATION"_s;
     if (code.contains("RET_T userOverwriteCobIdSettings("))
         switches += u"-DWALK_OVERWRITE_FUNCTION"_s;
-    d_->objects = {folder_.filePath(u"gen_objdict.c.o"_s)};
+    d_->objects = {folder_.filePath(source + u".o"_s)};
     QString complaints = compileFile(stackFolder + u"/stack.c"_s) + compileFile(stackFolder + u"/walker.c"_s, switches);
     for (const QString &name : QDir(folder_.path()).entryList({u"*.c"_s}, QDir::Files)) {
         if (!name.startsWith("gen_"_L1))

@@ -86,7 +86,7 @@ void checkSources(GeneratedSources &sources)
 {
     ASSERT_TRUE(sources.generate());
     ASSERT_EQ(sources.compile(), QString());
-    if (!sources.has(u"gen_objdict.c"_s))
+    if (!sources.has(u"gen_objdict.c"_s) && !sources.text(u"gen_mp.c"_s).contains("od_assign["))
         return;
     ASSERT_EQ(sources.link(), QString());
     readBack(sources);
@@ -101,7 +101,7 @@ TEST(CompiledSources, ReadBackAsTheProjectHasThem)
             GeneratedSources sources(classic);
             ASSERT_TRUE(sources.openFolder(folder));
             checkSources(sources);
-            if (sources.has(u"walker"_s))
+            if (sources.has(u"gen_objdict.c"_s))
                 compareStart(sources, folder);
         }
     }

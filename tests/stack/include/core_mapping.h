@@ -22,6 +22,12 @@ typedef enum {
 } STACK_SIGNAL_TYPE_T;
 #endif
 
+#define STACK_MAP_NONE 0u
+#define STACK_MAP_NUMERIC 1u
+/* The classic flags are the same for all protocols. */
+#define J1939_MAP_FLAG_NONE STACK_MAP_NONE
+#define J1939_MAP_FLAG_NUMERIC STACK_MAP_NUMERIC
+
 /* A row of a mapping. The V4 stack has the pointers in a table of their own. */
 typedef struct {
 	UNSIGNED32 number;

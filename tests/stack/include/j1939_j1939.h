@@ -16,9 +16,6 @@
 #define CO_MULTI_LINE_CNT CAN_MULTI_LINE_CNT
 #endif
 
-#define J1939_MAP_FLAG_NONE 0u
-#define J1939_MAP_FLAG_NUMERIC 1u
-
 typedef STACK_MAPPING_T J1939_MAPPING_T;
 
 /* Formats of the trailer that carries assurance data (SAE J1939-22), and what the data assure. */

@@ -150,7 +150,7 @@ UNSIGNED8 i;
 	}
 	for (i = 0u; i < len; i++) {
 		/* If data are not correct */
-		if (pNormal[i] != (UNSIGNED8)(~pInvers[i] & 0xffu)) {
+		if ((pNormal[i] ^ pInvers[i]) != 0xffu) {
 			pSrdo->dataValid = CO_SRDO_DATA_INVALID;
 			return (RET_PARAMETER_INVALID);
 		}
@@ -173,7 +173,7 @@ UNSIGNED8 i;
 __GEN_SRDO_TRANSMIT_MAPPING__
 	for (i = 0u; i < len; i++) {
 		/* data not ok, transmission forbidden */
-		if (pNormal[i] != (UNSIGNED8)(~pInvers[i] & 0xffu)) {
+		if ((pNormal[i] ^ pInvers[i]) != 0xffu) {
 			pSrdo->dataValid = CO_SRDO_DATA_INVALID;
 			return (RET_PARAMETER_INVALID);
 		}
