@@ -28,6 +28,7 @@
 #endif /* CORE_HANDLE_WATCHDOG */
 
 
+/* definition of static indication function pointers */
 
 /* number of objects */
 #define CO_OD_ASSIGN_CNT 11u

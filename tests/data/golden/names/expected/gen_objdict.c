@@ -28,6 +28,7 @@
 #endif /* CORE_HANDLE_WATCHDOG */
 
 
+/* definition of static indication function pointers */
 
 /* number of objects */
 #define CO_OD_ASSIGN_CNT 9u
@@ -70,11 +71,11 @@ CORE_CONST CO_OD_ASSIGN_T CORE_CONST_STORAGE_CLASS od_assign[CO_OD_ASSIGN_CNT] =
 	{ 0x1001u, 1u, 0u, CO_ODTYPE_VAR, 1u },
 	{ 0x1017u, 1u, 0u, CO_ODTYPE_VAR, 2u },
 	{ 0x1018u, 4u, 3u, CO_ODTYPE_STRUCT, 3u },
-	{ 0x2000u, 1u, 0u, invalid, 7u },
-	{ 0x2001u, 1u, 0u, invalid, 8u },
-	{ 0x2002u, 0u, 0u, invalid, 9u },
-	{ 0x2003u, 0u, 0u, invalid, 9u },
-	{ 0x2004u, 1u, 0u, invalid, 9u },
+	{ 0x2000u, 1u, 0u, CO_ODTYPE_VAR, 7u },
+	{ 0x2001u, 1u, 0u, CO_ODTYPE_VAR, 8u },
+	{ 0x2002u, 0u, 0u, CO_ODTYPE_VAR, 9u },
+	{ 0x2003u, 0u, 0u, CO_ODTYPE_VAR, 9u },
+	{ 0x2004u, 1u, 0u, CO_ODTYPE_VAR, 9u },
 };
 
 /* static PDO mapping tables */

@@ -36,6 +36,13 @@ RET_T coCanOpenStackInit_finish(void);
 #endif /* CORE_HANDLE_WATCHDOG */
 
 
+/* definition of static indication function pointers */
+#if UDS_EVENT_STATIC_CHECK_REQ_SESSION
+CORE_CONST UDS_EVENT_CHECK_REQUIRED_SESSION_TYPE_T udsCheckRequiredSessionInd = checkSession;
+#endif
+#if UDS_EVENT_STATIC_GENERIC_FCT
+CORE_CONST UDS_EVENT_GENERIC_FCT_T udsGenericInd = diagnosticRequest;
+#endif
 
 /* number of objects */
 #define CO_OD_ASSIGN_CNT 8u
