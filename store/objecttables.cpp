@@ -355,6 +355,43 @@ QList<quint8> ObjectDataBase::getSubIndexList(quint8 line, quint16 index, quint8
     return subs;
 }
 
+QList<ObjectDataBase::IndexEntry> ObjectDataBase::getAllIndices(quint8 line)
+{
+    strings_.loadTexts();
+    QList<IndexEntry> entries;
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    if (!run("getAllIndices", query,
+             u"select objectindex, metadata, %1 from Objects%2 order by objectindex"_s.arg(
+                 RecordColumns::names(indexColumns), QString::number(line))))
+        return entries;
+    while (query.next()) {
+        IndexEntry &entry = entries.emplace_back();
+        entry.index = static_cast<quint16>(query.value(0).toUInt());
+        entry.data.metadata = MetadataBlob::parse(query.value(1).toByteArray());
+        RecordColumns::readRow(indexColumns, query, entry.data, strings_, 2);
+    }
+    return entries;
+}
+
+QList<ObjectDataBase::SubEntry> ObjectDataBase::getAllSubIndices(quint8 line)
+{
+    strings_.loadTexts();
+    QList<SubEntry> entries;
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    if (!run("getAllSubIndices", query, subSelect(line, u" order by objectindex, subindex"_s)))
+        return entries;
+    while (query.next()) {
+        SubEntry &entry = entries.emplace_back();
+        entry.line = line;
+        entry.index = static_cast<quint16>(query.value(0).toUInt());
+        entry.subindex = static_cast<quint8>(query.value(1).toUInt());
+        readSub(query, entry.data, strings_);
+    }
+    return entries;
+}
+
 QMap<quint16, quint32> ObjectDataBase::getObjectTypes(quint8 line, quint16 first, quint16 last)
 {
     QMap<quint16, quint32> types;

@@ -4,4 +4,4 @@
 
 SETPOINTS_T setpoints;
 UNSIGNED16 actualSpeed;
-char location[16];
+char location[9];

@@ -12,6 +12,6 @@ typedef struct
 
 extern SETPOINTS_T setpoints;
 extern UNSIGNED16 actualSpeed;
-extern char location[16];
+extern char location[9];
 
 #endif /* APPLICATION_H */

@@ -71,6 +71,7 @@ protected:
         QObject::connect(&handler_, &GeneratorMainHandler::finished, &handler_,
                          [this](GeneratorMainHandler::GeneratorResult result) { results_.append(result); });
         handler_.setRunTable({});
+        handler_.setCheckRules({});
     }
 
     QString path(const QString &name) const { return folder_.filePath(name); }
@@ -181,12 +182,11 @@ TEST_F(Run, EndsAtATemplateFailure)
 
 TEST_F(Run, StopsAtCheckErrorsUnlessTheyAreIgnored)
 {
-    const CheckRule errors[] = {{[](ModelChecker &checker, const CheckSubject &) {
+    const CheckRule errors[] = {{"errors"_L1, [](ModelChecker &checker, const CheckSubject &) {
                                      checker.reportError(u"<strong>Error: </strong>first"_s);
                                      checker.reportError(u"second"_s);
                                      checker.reportWarning(WG_EDS, u"third"_s);
-                                 },
-                                 onceForCheck}};
+                                 }}};
     const CheckRules rules{.common = errors, .canOpen = {}, .j1939 = {}, .rawCan = {}};
     ProjectBuilder project;
     open(project.misc(u"SuppressedWarningGroups"_s, u" wg_eds"_s).general(u"line0type"_s, u"3"_s));
@@ -218,9 +218,9 @@ TEST_F(Run, ChecksEachLineByItsTypeUnderAHeading)
                 checker.noteCorrection();
         };
     };
-    const CheckRule canOpen[] = {{named("C"), onceForCheck}};
-    const CheckRule j1939[] = {{named("J"), onceForCheck}};
-    const CheckRule rawCan[] = {{named("R"), onceForCheck}};
+    const CheckRule canOpen[] = {{"canOpen"_L1, named("C")}};
+    const CheckRule j1939[] = {{"j1939"_L1, named("J")}};
+    const CheckRule rawCan[] = {{"rawCan"_L1, named("R")}};
     const CheckRules rules{.common = {}, .canOpen = canOpen, .j1939 = j1939, .rawCan = rawCan};
     handler_.setCheckRules(rules);
     ProjectBuilder project;

@@ -183,6 +183,17 @@ TEST_F(Tools, EndEditsWithWhatTheCheckSays)
     EXPECT_TRUE(run(u"generate"_s, {{u"disableCheck"_s, true}}).startsWith("Generation completed.\n"_L1));
 }
 
+TEST_F(Tools, HoldTheReaderBackDuringAGeneration)
+{
+    QStringList events;
+    session_.setReadingEnabled = [&](bool enabled) { events.append(enabled ? u"on"_s : u"off"_s); };
+    QObject::connect(&session_.handler(), &GeneratorMainHandler::finished, &session_, [&] { events.append(u"run"_s); });
+    const QString usual = session_.handler().outputFolder();
+    run(u"generate"_s, {{u"outputPath"_s, folder_.filePath(u"missing"_s)}});
+    EXPECT_EQ(events, (QStringList{u"off"_s, u"run"_s, u"on"_s}));
+    EXPECT_EQ(session_.handler().outputFolder(), usual);
+}
+
 TEST_F(Tools, SayOnlyWhatTheirOwnOperationSaid)
 {
     session_.output().message(u"<i>left</i> over"_s);

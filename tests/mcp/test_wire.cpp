@@ -1,3 +1,4 @@
+#include "ncx_cli/mcp/mcpstdinreader.h"
 #include "ncx_cli/mcp/standardstreams.h"
 #include "support/mcpdriver.h"
 #include "support/projectbuilder.h"
@@ -6,8 +7,11 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QEventLoop>
+#include <QJsonArray>
 #include <QTemporaryDir>
 #include <QThread>
+#include <QTimer>
 
 #include <array>
 
@@ -130,10 +134,11 @@ TEST_F(Wire, TakesAndGivesLinesOfManyMegabytes)
 
 TEST_F(Wire, AnswersInOrderWhateverComesDuringALongRun)
 {
+    const QByteArray checkless = "{\"disableCheck\":true}";
     McpDriver server;
-    server.send(openCall(1) + "\n" + call(2, "generate") + "\n" + "{\"method\":\"notifications/cancelled\"}\n" +
-                call(3, "add_line", "{\"line\":1}") + "\n" + ping(4) + "\n" + call(5, "generate") + "\n" +
-                call(6, "list_lines"));
+    server.send(openCall(1) + "\n" + call(2, "generate", checkless) + "\n" +
+                "{\"method\":\"notifications/cancelled\"}\n" + call(3, "add_line", "{\"line\":1}") + "\n" + ping(4) +
+                "\n" + call(5, "generate", checkless) + "\n" + call(6, "list_lines"));
     const QStringList replies = server.close().lines();
     ASSERT_EQ(replies.size(), 7);
     const QStringList beginnings{
@@ -163,6 +168,26 @@ TEST_F(Wire, OutlivesAClientThatStopsReading)
     EXPECT_TRUE(QFile::exists(project_ + u".bak"_s)) << "the requests were not served to their end";
 }
 
+TEST_F(Wire, ServesTheProfilesOfTheFolderThatIsNamed)
+{
+    const auto profiles = [](const QStringList &arguments) {
+        McpDriver server(u"ncx_cli"_s, arguments);
+        server.sendLine("{\"id\":1,\"method\":\"resources/list\"}");
+        const QJsonObject result = server.reply().value("result"_L1).toObject();
+        EXPECT_EQ(server.close().exitCode, 0);
+        return result.value("resources"_L1).toArray().size();
+    };
+    const QString option = u"-codbpath"_s;
+    constexpr int builtIn = 22;
+    EXPECT_EQ(profiles({}), builtIn);
+    EXPECT_EQ(profiles({option}), builtIn);
+    EXPECT_EQ(profiles({option, u""_s}), builtIn);
+    EXPECT_EQ(profiles({u"-CODBPATH"_s, folder_.path()}), builtIn);
+    EXPECT_EQ(profiles({u"-project"_s, project_, option, folder_.path()}), 0);
+    writeFile(folder_.filePath(u"v999.codb"_s), "# own profile\n");
+    EXPECT_EQ(profiles({option, folder_.path()}), 1);
+}
+
 /// Puts one end of a pipe that does not block in the place of a standard stream.
 class PipeFor
 {
@@ -181,10 +206,16 @@ public:
     {
         dup2(saved_, stream_);
         ::close(saved_);
-        ::close(end_);
+        closeEnd();
     }
     Q_DISABLE_COPY_MOVE(PipeFor)
     int end() const { return end_; }
+    void closeEnd()
+    {
+        if (end_ >= 0)
+            ::close(end_);
+        end_ = -1;
+    }
 
 private:
     int stream_;
@@ -219,6 +250,30 @@ TEST(StandardStreams, WaitWhereTheClientsStreamsDoNotBlock)
     client->start();
     EXPECT_EQ(StandardStreams::readInput(), "late");
     client->wait();
+}
+
+TEST(StdinReader, ReadsNothingWhileItIsHeldBack)
+{
+    PipeFor input(STDIN_FILENO, 1);
+    EXPECT_EQ(write(input.end(), "one\n two \n", 10), 10);
+    MCPStdinReader reader;
+    QByteArrayList lines;
+    QEventLoop loop;
+    QObject::connect(&reader, &MCPStdinReader::lineReceived, &loop, [&](const QByteArray &line) {
+        lines.append(line);
+        if (lines.size() == 2)
+            loop.quit();
+    });
+    reader.setReadingEnabled(false);
+    reader.start();
+    QTimer::singleShot(100, &loop, [&] {
+        EXPECT_TRUE(lines.isEmpty());
+        reader.setReadingEnabled(true);
+    });
+    loop.exec();
+    EXPECT_EQ(lines, (QByteArrayList{"one", "two"}));
+    input.closeEnd();
+    EXPECT_TRUE(reader.wait(60000)) << "the reader must end with its input";
 }
 
 } // namespace

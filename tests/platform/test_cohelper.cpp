@@ -65,7 +65,7 @@ TEST(COHelper, DataTypes)
         if (const QString name = COHelper::index2DataTypeShortString(code); !name.isEmpty())
             names << name << COHelper::index2DataTypeString(code);
     }
-    EXPECT_EQ(names.size(), 2 * 34);
+    EXPECT_EQ(names.size(), 2 * 48);
     EXPECT_EQ(names.removeDuplicates(), 0);
 }
 

@@ -181,13 +181,19 @@ public:
 
     QStringList write()
     {
+        QStringList devices;
+        QStringList lineZero;
         for (const quint8 line : store_.getNodeList()) {
             const QList<quint16> indices = store_.getIndexList(line, 0x1000, 0xffff);
             const QStringList objects = linesOf(line, indices);
+            const QStringList lines = QStringList(u"line %1: %2 objects"_s.arg(line).arg(objectCount_)) + objects;
             if (indices.size() > 1)
-                lines_ << u"line %1: %2 objects"_s.arg(line).arg(objectCount_) << objects;
+                devices += lines;
+            if (line == 0)
+                lineZero = lines;
         }
-        return lines_;
+        // A line with one object is no device; a project without any has line 0 all the same.
+        return devices.isEmpty() ? lineZero : devices;
     }
 
 private:
@@ -203,7 +209,7 @@ private:
         for (const quint16 index : indices) {
             const QList<quint8> subs = store_.getSubIndexList(line, index);
             Sub first;
-            if (subs.isEmpty() || (read(line, index, 0, first) && first.implementation == Virtual))
+            if (read(line, index, 0, first) && first.implementation == Virtual)
                 continue;
             ++objectCount_;
             // All lines share the rows of line 0; what else a later line marks as shared has no row at all.
@@ -216,7 +222,7 @@ private:
                 const bool domain = sub.implementation == Variable && sub.datatype == 15;
                 if (domain && owner == line)
                     domains_.insert(quint32{line} << 24 | quint32{index} << 8 | subindex, domainCount_++);
-                if (subindex <= subs.last() && (owner != line || line == 0 || !sub.sharedlines))
+                if (!subs.isEmpty() && subindex <= subs.last() && (owner != line || line == 0 || !sub.sharedlines))
                     lines << lineOf(line, owner, index, subindex, sub);
             }
         }
@@ -232,8 +238,11 @@ private:
                             : sub.implementation == Variable ? u"PTR"_s
                                                              : u"VAR"_s;
         QString type = QString::fromLatin1(typeOf(sub.datatype).name);
-        if (classic_ && sub.datatype == 15)
+        // In the classic form a domain has no specifier, and a type that has no array counts as a domain.
+        if (classic_ && (sub.datatype == 15 || type == "?"_L1)) {
+            type = u"DOMAIN"_s;
             specifier = u"-"_s;
+        }
         if (classic_ && constant && sub.datatype == 10)
             type = u"VS"_s;
         QString text = u"%1 0x%2:%3 %4 %5 %6 %7 default %8"_s.arg(line)
@@ -280,6 +289,8 @@ private:
 
     QString value(quint8 owner, quint16 index, quint8 subindex, const Sub &sub, const ServiceRow *service) const
     {
+        if (classic_ && typeOf(sub.datatype).code == 0)
+            return u"*"_s;
         if (service != nullptr) {
             switch (service->value) {
             case Value::Index:
@@ -296,6 +307,9 @@ private:
         case Variable:
             return variable(owner, index, subindex, sub);
         default:
+            // The stack counts its heartbeat consumers itself: the row is there, the variable is not.
+            if (index == 0x1016)
+                return u"*"_s;
             return number(sub.datatype, initialised_ ? sub.defaultvalue : QString());
         }
     }
@@ -314,13 +328,77 @@ private:
     bool classic_;
     bool limitCheck_;
     bool initialised_;
-    QStringList lines_;
     int objectCount_ = 0;
     QMap<quint32, int> domains_;
     int domainCount_ = 0;
 };
 
+/// What a macro of gen_define.h counts: objects of a range, or the subindices of one object.
+struct CountRow
+{
+    const char *macro;
+    quint16 first;
+    quint16 last;
+    bool ofSubs = false;
+    bool isSum = false;
+};
+
+constexpr std::array counts{
+    CountRow{"CO_OBJECT_COUNTS", 0x1000, 0xffff},
+    CountRow{"CO_TXPDO_COUNTS", 0x1800, 0x19ff},
+    CountRow{"CO_RXPDO_COUNTS", 0x1400, 0x15ff},
+    CountRow{"CO_CSDO_COUNTS", 0x1280, 0x12ff},
+    CountRow{"CO_SRDO_COUNTS", 0x1301, 0x137f},
+    CountRow{"CO_ASSIGN_COUNTS", 0x1f81, 0x1f81, true},
+    CountRow{"CO_ERR_CTRL_COUNTS", 0x1016, 0x1016, true},
+    CountRow{"CO_ERR_HIST_COUNTS", 0x1003, 0x1003, true},
+    CountRow{"CO_ACT_ERR_HIST_COUNTS", 0x1032, 0x1032, true},
+    CountRow{"CO_EMCY_CONS_COUNTS", 0x1028, 0x1028, true},
+    CountRow{"CO_NETWORK_ROUTING_COUNTS", 0x1f2c, 0x1f2c, true},
+    CountRow{"CO_PDO_TRANSMIT_CNT", 0x1a00, 0x1bff, false, true},
+    CountRow{"CO_PDO_RECEIVE_CNT", 0x1600, 0x17ff, false, true},
+    CountRow{"CO_SRDO_CNT", 0x1301, 0x137f, false, true},
+    CountRow{"CO_SDO_CLIENT_CNT", 0x1280, 0x12ff, false, true},
+};
+
+int countOf(ObjectDataBase &store, quint8 line, const CountRow &row)
+{
+    return static_cast<int>(row.ofSubs ? store.getSubIndexList(line, row.first).size()
+                                       : store.getIndexList(line, row.first, row.last).size());
+}
+
 } // namespace
+
+QMap<QString, QString> TestSupport::expectedCounts(ObjectDataBase &store)
+{
+    const bool fd = store.getGeneralSetting(u"canfd_supported"_s).toInt() > 0;
+    QList<quint8> lines = store.getNodeList();
+    lines.removeIf([&store](quint8 line) { return store.getIndexList(line, 0x1000, 0xffff).isEmpty(); });
+    if (lines.isEmpty())
+        lines.append(0);
+    QMap<QString, QString> expected;
+    for (const CountRow &row : counts) {
+        QStringList entries;
+        int sum = 0;
+        for (const quint8 line : lines) {
+            const int count = countOf(store, line, row);
+            entries << QString::number(count);
+            sum += count;
+        }
+        expected[QString::fromLatin1(row.macro)] = row.isSum ? QString::number(sum) : entries.join(u' ');
+    }
+    QStringList servers;
+    for (const quint8 line : lines) {
+        const qsizetype objects = store.getIndexList(line, 0x1000, 0xffff).size();
+        const qsizetype count = store.getIndexList(line, 0x1200, 0x127f).size();
+        servers << QString::number(count == 0 && !fd ? 1 : count);
+        expected[u"CO_OBJECTS_LINE_%1_CNT"_s.arg(line)] = QString::number(objects);
+    }
+    expected[u"CO_SSDO_COUNTS"_s] = servers.join(u' ');
+    expected[u"CAN_MULTI_LINE_CNT"_s] = QString::number(lines.size());
+    expected[u"CO_MULTI_LINE_CNT"_s] = QString::number(lines.size());
+    return expected;
+}
 
 QStringList TestSupport::expectedDump(ObjectDataBase &store, bool classic)
 {

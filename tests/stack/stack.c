@@ -65,7 +65,11 @@ static RET_T commonInit(const CORE_COMMON_INIT_VAL_T *pInit)
 
     for (line = 0; line < STACK_LINES; ++line) {
         protocols[line] = pInit->protocolType[line];
+#ifdef STACK_FD
         modes[line] = pInit->fdMode[line];
+#else
+        modes[line] = 0;
+#endif
     }
     printCounts("receive buffers", pInit->recBufferCnt);
     printCounts("transmit buffers", pInit->trBufferCnt);

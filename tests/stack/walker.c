@@ -5,6 +5,7 @@
  * walker dump          prints each subindex of each line
  * walker start [N]     prints the calls of the start-up, of which the Nth fails, and what that returns
  * walker predefined    prints the calls that overwrite the predefined connection set
+ * walker counts        prints the counts of gen_define.h
  */
 
 #include "stack.h"
@@ -20,6 +21,15 @@ typedef struct
     const void *pVar;
 } VARIABLE_T;
 extern const VARIABLE_T walkerVariables[];
+
+/* The counts of gen_define.h; the last one has no name. */
+typedef struct
+{
+    const char *name;
+    unsigned count;
+    const UNSIGNED32 *pValues;
+} COUNTS_T;
+extern const COUNTS_T walkerCounts[];
 
 #if defined(WALK_SERVER_MODE)
 #ifdef STACK_MULTI_LINE
@@ -480,20 +490,41 @@ static void dump(void)
     }
 }
 
+#if defined(WALK_LOAD_INDICATION) || defined(WALK_OVERWRITE_FUNCTION)
+static void report(RET_T ret)
+{
+    if (ret != RET_OK)
+        printf("returns %d\n", (int)ret);
+}
+#endif
+
 static void predefined(void)
 {
 #if defined(WALK_LOAD_INDICATION) && defined(STACK_MULTI_LINE)
     UNSIGNED8 line;
 
     for (line = 0; line < 3; ++line)
-        printf("returns %d\n", (int)genLoadIndication(line, 1));
-    printf("returns %d\n", (int)genLoadIndication(0, 3));
+        report(genLoadIndication(line, 1));
+    report(genLoadIndication(0, 3));
 #elif defined(WALK_LOAD_INDICATION)
-    printf("returns %d\n", (int)genLoadIndication(2));
-    printf("returns %d\n", (int)genLoadIndication(3));
+    report(genLoadIndication(2));
+    report(genLoadIndication(3));
 #elif defined(WALK_OVERWRITE_FUNCTION)
-    printf("returns %d\n", (int)userOverwriteCobIdSettings());
+    report(userOverwriteCobIdSettings());
 #endif
+}
+
+static void counts(void)
+{
+    const COUNTS_T *p;
+    unsigned i;
+
+    for (p = walkerCounts; p->name != NULL; ++p) {
+        printf("%s", p->name);
+        for (i = 0; i < p->count; ++i)
+            printf(" %lu", (unsigned long)p->pValues[i]);
+        putchar('\n');
+    }
 }
 
 int main(int argc, char **argv)
@@ -506,6 +537,10 @@ int main(int argc, char **argv)
         if (ret != RET_OK)
             return 1;
         dump();
+        return 0;
+    }
+    if (strcmp(mode, "counts") == 0) {
+        counts();
         return 0;
     }
     stackTrace = 1;

@@ -73,7 +73,9 @@ typedef struct
     UNSIGNED16 guardingCnt[STACK_LINES];
     UNSIGNED8 nodeId[STACK_LINES];
     CO_NODE_ID_FUNCTION_T nodeIdFunction[STACK_LINES];
+#ifdef STACK_FD
     BOOL_T fdMode[STACK_LINES];
+#endif
 } CO_SERVICE_INIT_VAL_T;
 
 typedef struct

@@ -31,7 +31,9 @@ typedef struct
     UNSIGNED16 isoTpClientCnt[STACK_LINES];
     UNSIGNED16 isoTpServerCnt[STACK_LINES];
 #endif
+#ifdef STACK_FD
     BOOL_T fdMode[STACK_LINES];
+#endif
 } CORE_COMMON_INIT_VAL_T;
 
 typedef CORE_COMMON_INIT_VAL_T CO_COMMON_INIT_VAL_T;
