@@ -27,6 +27,7 @@ const QString helpText = u"--- CANopen NodeComposer 4.3.3  Help ---\n"
                          "\t-stackpath\t\tSets the path to the stack. It is required for SRDO generation; "
                          "otherwise optional.\n"_s;
 
+/// What the check says of a project that names no stack.
 const QString noStackPath =
     u"Info: Path to protocol stack not specified. Cannot check if generated code fits to installed stack/framework.\n"
     "Specify path to protocol stack at Options -> Settings.\n"_s;
