@@ -22,8 +22,9 @@ const Dialect &Dialect::classic()
         .protocol = u"MP_PROT_TYPE_"_s,
         .commonInitType = u"CO_COMMON_INIT_VAL_T    "_s,
         .stackInit = u"commonStackInit"_s,
+        .dataTypeHeader = u"co_datatype.h"_s,
         .parameterError = u"RET_INVALID_PARAMETER"_s,
-        .points = {Point::VirtualGuards},
+        .points = {Point::ReservedNameField, Point::FormerServiceValues, Point::VirtualGuards},
     };
     return dialect;
 }
@@ -41,10 +42,11 @@ const Dialect &Dialect::v4()
         .protocol = u"CORE_PROT_TYPE_"_s,
         .commonInitType = u"CORE_COMMON_INIT_VAL_T "_s,
         .stackInit = u"coreStackInit"_s,
+        .dataTypeHeader = u"core_datatype.h"_s,
         .parameterError = u"RET_PARAMETER_INVALID"_s,
         .points = {Point::SplitTypeColumns, Point::MappedTypeColumn, Point::CoreDatatypeHeader,
                    Point::UdsIndicationHeader, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication,
-                   Point::BootloaderBuffers, Point::UdsIndications},
+                   Point::PointerTables, Point::ReceiveConfigs, Point::BootloaderBuffers, Point::UdsIndications},
     };
     return dialect;
 }

@@ -32,6 +32,7 @@ void FileGenerator::doJob()
 {
     setRunning(true);
     database()->setBlocked(true);
+    readMultiLineSetting();
     writeFile();
     setRunning(false);
     quitThread();
@@ -41,7 +42,6 @@ void FileGenerator::doJob()
 
 void FileGenerator::writeFile()
 {
-    readMultiLineSetting();
     OutputFile file(filePath());
     if (!file.open()) {
         fail(OutputError, file.errorText());
@@ -52,4 +52,6 @@ void FileGenerator::writeFile()
     stream.flush();
     if (errorCode() == 0 && !file.commit())
         fail(OutputError, file.errorText());
+    if (errorCode() == 0)
+        writeCompanions();
 }

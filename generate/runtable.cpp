@@ -1,14 +1,19 @@
 #include "generate/runtable.h"
 
 #include "generate/docs/csvgenerator.h"
+#include "generate/docs/dbcgenerator.h"
 #include "generate/docs/documentname.h"
 #include "generate/docs/edsgenerator.h"
 #include "generate/docs/edsrun.h"
 #include "generate/docs/icsvgenerator.h"
+#include "generate/docs/messagehtmlgenerator.h"
+#include "generate/docs/textdocgenerator.h"
 #include "generate/docs/xddgenerator.h"
 #include "generate/generationrun.h"
+#include "generate/j1939/pgngenerator.h"
 #include "generate/stack/cppcopies.h"
 #include "generate/stack/definegenerator.h"
+#include "generate/stack/externdeclgenerator.h"
 #include "generate/stack/indicationgenerator.h"
 #include "generate/stack/indicesgenerator.h"
 #include "generate/stack/objdictgenerator.h"
@@ -16,6 +21,7 @@
 #include "generate/stack/virtualtables.h"
 #include "generate/stack/vobjdictgenerator.h"
 #include "store/objectdatabase.h"
+
 #include <QFile>
 
 #include <array>
@@ -24,61 +30,46 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-bool hasNamesToDefine(const RunContext &run)
-{
-    return run.hasAnyProtocol() && !run.bootloaderMode;
-}
-
-std::unique_ptr<FileGenerator> makeIndices(const RunContext &run, quint8 /*line*/)
-{
-    auto generator = std::make_unique<IndicesGenerator>();
-    generator->setLines(run.lines);
-    return generator;
-}
+// ---- When a row takes part
 
 bool always(const RunContext & /*run*/)
 {
     return true;
 }
 
-std::unique_ptr<FileGenerator> makeDefines(const RunContext &run, quint8 /*line*/)
+bool hasNamesToDefine(const RunContext &run)
 {
-    std::unique_ptr<DefineHeaderGenerator> generator;
-    if (run.usesV4())
-        generator = std::make_unique<GenDefineGenerator>();
-    else
-        generator = std::make_unique<CoDefineGenerator>();
-    generator->setJ1939Mode(run.hasJ1939);
-    generator->setMultiProtocol(run.isMultiProtocol());
-    return generator;
+    return run.hasAnyProtocol() && !run.bootloaderMode;
 }
 
-RunFlow tellUserSection(GenerationRun &run, FileGenerator &generator)
+bool hasCANopen(const RunContext &run)
 {
-    const auto *defines = qobject_cast<DefineHeaderGenerator *>(&generator);
-    if (defines && !defines->userSection().trimmed().isEmpty())
-        run.message(u"gen_define.h contains user section:\n%1"_s.arg(defines->userSection()));
-    return RunFlow::Continue;
+    return run.hasCANopen;
 }
 
-bool hasProps(const RunContext &run)
+bool isPlainCANopen(const RunContext &run)
 {
-    return run.generalSetting(u"gen_csharp_props"_s).toInt() == 1;
+    return run.hasCANopen && !run.isMultiProtocol();
 }
 
-RunFlow writeProps(GenerationRun &run, quint8 /*line*/)
+bool isMultiProtocol(const RunContext &run)
 {
-    const QString folder = run.context().outputFolder;
-    const QString text = ProjectProps::write(folder)
-                             ? u"Generation of gen_define.props and Directory.Build.props in %1 finished"_s
-                             : u"The files gen_define.props and Directory.Build.props in %1 are not writable"_s;
-    run.message(text.arg(folder));
-    return RunFlow::Continue;
+    return run.isMultiProtocol();
+}
+
+bool isJ1939Only(const RunContext &run)
+{
+    return run.isJ1939Only();
 }
 
 bool hasSdoServer(const RunContext &run)
 {
     return run.isJ1939Only() && run.store->getJ1939Setting(u"cia510serversupport"_s).toInt() == 1;
+}
+
+bool hasMessages(const RunContext &run)
+{
+    return (run.hasJ1939 || run.hasRawCAN) && !run.bootloaderMode;
 }
 
 bool hasIndications(const RunContext &run)
@@ -91,53 +82,41 @@ bool hasFdDescription(const RunContext &run)
     return hasIndications(run) && run.generalSetting(u"canfd_supported"_s).toInt() >= 1;
 }
 
-/// Only the V4 form knows the functions of the UDS server.
-std::unique_ptr<FileGenerator> makeIndications(const RunContext &run, quint8 /*line*/)
+bool hasProps(const RunContext &run)
 {
-    if (run.usesV4() || run.generalSetting(u"uds_static_indication"_s).toInt() == 1)
-        return std::make_unique<indicationgeneratorv4>();
-    return std::make_unique<indicationgenerator>();
+    return run.generalSetting(u"gen_csharp_props"_s).toInt() == 1;
 }
 
-std::unique_ptr<FileGenerator> makeCsv(const RunContext & /*run*/, quint8 /*line*/)
+bool wantsCppCopies(const RunContext &run)
 {
-    return std::make_unique<CSVGenerator>();
+    return hasIndications(run) && run.generalSetting(u"generate_cpp_output"_s).toInt() == 1;
 }
 
-std::unique_ptr<FileGenerator> makeIcsv(const RunContext &run, quint8 /*line*/)
+// ---- Generators
+
+template <class Generator>
+std::unique_ptr<FileGenerator> makeGenerator(const RunContext & /*run*/, quint8 /*line*/)
 {
-    auto generator = std::make_unique<ICSVGenerator>();
-    generator->setDocumentation(run.store->getMiscSetting(u"disableDocu"_s) != "true"_L1);
+    return std::make_unique<Generator>();
+}
+
+/// The generator of the pair whose form the project asks for.
+template <class Classic, class V4>
+std::unique_ptr<FileGenerator> makeInForm(const RunContext &run, quint8 /*line*/)
+{
+    if (run.usesV4())
+        return std::make_unique<V4>();
+    return std::make_unique<Classic>();
+}
+
+std::unique_ptr<FileGenerator> makeIndices(const RunContext &run, quint8 /*line*/)
+{
+    auto generator = std::make_unique<IndicesGenerator>();
+    generator->setLines(run.lines);
     return generator;
 }
 
-std::unique_ptr<FileGenerator> makeEds(const RunContext & /*run*/, quint8 /*line*/)
-{
-    return std::make_unique<EDSGenerator>();
-}
-
-std::unique_ptr<FileGenerator> makeXdd(const RunContext & /*run*/, quint8 /*line*/)
-{
-    return std::make_unique<XDDGenerator>();
-}
-
-/// For messages that have a file's extension of their own.
-QString nameOfLine(const RunContext &run, quint8 line)
-{
-    return documentName(run.baseName, line, run.multiLine);
-}
-
-QString nameOfXdd(const RunContext &run, quint8 line)
-{
-    return XDDGenerator::nameOf(*run.store, run.baseName, line, run.multiLine);
-}
-
-bool isPlainCanOpen(const RunContext &run)
-{
-    return run.hasCANopen && !run.isMultiProtocol();
-}
-
-template <typename Classic, typename V4>
+template <class Classic, class V4>
 std::unique_ptr<Classic> newDictionary(const RunContext &run)
 {
     const bool compact = run.generalSetting(u"compact_array_description"_s).toInt() == 1;
@@ -159,22 +138,91 @@ std::unique_ptr<FileGenerator> makeServerDictionary(const RunContext &run, quint
     return generator;
 }
 
+std::unique_ptr<FileGenerator> makeDefines(const RunContext &run, quint8 /*line*/)
+{
+    std::unique_ptr<DefineHeaderGenerator> generator;
+    if (run.usesV4())
+        generator = std::make_unique<GenDefineGenerator>();
+    else
+        generator = std::make_unique<CoDefineGenerator>();
+    generator->setJ1939Mode(run.hasJ1939);
+    generator->setMultiProtocol(run.isMultiProtocol());
+    return generator;
+}
+
+/// Only the V4 form knows the functions of the UDS server.
+std::unique_ptr<FileGenerator> makeIndications(const RunContext &run, quint8 /*line*/)
+{
+    if (run.usesV4() || run.generalSetting(u"uds_static_indication"_s).toInt() == 1)
+        return std::make_unique<indicationgeneratorv4>();
+    return std::make_unique<indicationgenerator>();
+}
+
+std::unique_ptr<FileGenerator> makeIcsv(const RunContext &run, quint8 /*line*/)
+{
+    auto generator = std::make_unique<ICSVGenerator>();
+    generator->setDocumentation(run.store->getMiscSetting(u"disableDocu"_s) != "true"_L1);
+    return generator;
+}
+
+// ---- Names in messages
+
+/// For messages that have a file's extension of their own.
+QString nameOfLine(const RunContext &run, quint8 line)
+{
+    return documentName(run.baseName, line, run.multiLine);
+}
+
+QString nameOfXdd(const RunContext &run, quint8 line)
+{
+    return XDDGenerator::nameOf(*run.store, run.baseName, line, run.multiLine);
+}
+
+// ---- Steps
+
 RunFlow writeVirtualDictionary(GenerationRun &run, quint8 line)
 {
     const RunContext &context = run.context();
     const auto generator = newDictionary<VobjDictGenerator, VobjDictGeneratorV4>(context);
-    if (hasVirtualObjects(*context.store))
+    if (hasVirtualObjects(*context.store)) {
         run.runJob(*generator, line, {},
                    {.started = "Generation of gen_vobjdict.c in %1 started",
                     .notWritable = "The file gen_vobjdict.c in %1 is not writable"});
-    else
+    } else {
         QFile::remove(run.filePath(generator->fileName()));
+    }
     return RunFlow::Continue;
 }
 
-bool wantsCppCopies(const RunContext &run)
+RunFlow tellUserSection(GenerationRun &run, FileGenerator &generator)
 {
-    return hasIndications(run) && run.generalSetting(u"generate_cpp_output"_s).toInt() == 1;
+    const auto *defines = qobject_cast<DefineHeaderGenerator *>(&generator);
+    if (defines && !defines->userSection().trimmed().isEmpty())
+        run.message(u"gen_define.h contains user section:\n%1"_s.arg(defines->userSection()));
+    return RunFlow::Continue;
+}
+
+RunFlow writeProps(GenerationRun &run, quint8 /*line*/)
+{
+    const QString folder = run.context().outputFolder;
+    const QString text = ProjectProps::write(folder)
+                             ? u"Generation of gen_define.props and Directory.Build.props in %1 finished"_s
+                             : u"The files gen_define.props and Directory.Build.props in %1 are not writable"_s;
+    run.message(text.arg(folder));
+    return RunFlow::Continue;
+}
+
+/// Removes what a device without CANopen does not have, and adapter files that are no longer wanted.
+RunFlow removeStaleFiles(GenerationRun &run, quint8 /*line*/)
+{
+    constexpr std::array adapterFiles{"gen_j1939_adapter.c", "gen_j1939_adapter.cs", "j1939_adapter.cs",
+                                      "j1939_adapter.c"};
+    if (run.context().store->getJ1939Setting(u"j1939adapter"_s) != "1"_L1) {
+        for (const char *name : adapterFiles)
+            QFile::remove(run.filePath(QString::fromLatin1(name)));
+    }
+    QFile::remove(run.filePath(u"gen_indication.h"_s));
+    return RunFlow::Continue;
 }
 
 RunFlow copyToCpp(GenerationRun &run, quint8 /*line*/)
@@ -183,38 +231,117 @@ RunFlow copyToCpp(GenerationRun &run, quint8 /*line*/)
     return RunFlow::Continue;
 }
 
+// ---- The rows
+
+constexpr auto fileNotWritable = "The file %2 in %1 is not writable";
+
 constexpr std::array rows{
     RunRow{.applies = hasNamesToDefine,
            .make = makeIndices,
            .started = "Generation of gen_indices.h in %1 started",
            .notWritable = "The file in gen_indices.h in %1 is not writable"},
-    RunRow{.applies = isPlainCanOpen,
+    RunRow{.applies = hasCANopen,
+           .lines = RunLines::CANopen,
+           .suffix = "_co",
+           .make = makeGenerator<TextDocGenerator>,
+           .started = "Generation of textual object dictionary documentation in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = hasCANopen,
+           .lines = RunLines::CANopen,
+           .suffix = "_co",
+           .make = makeGenerator<HTMLGenerator>,
+           .started = "Generation of HTML object dictionary documentation in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isPlainCANopen,
            .make = makeDictionary,
            .started = "Generation of gen_objdict.c in %1 started",
            .notWritable = "The file gen_objdict.c in %1 is not writable"},
-    RunRow{.applies = isPlainCanOpen, .step = writeVirtualDictionary},
+    RunRow{.applies = isPlainCANopen, .step = writeVirtualDictionary},
+    RunRow{.applies = isMultiProtocol,
+           .lines = RunLines::J1939,
+           .lineByLine = true,
+           .suffix = "_j1939",
+           .make = makeGenerator<J1939TextDocGenerator>,
+           .started = "Generation of textual PGN documentation in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isMultiProtocol,
+           .lines = RunLines::RawCAN,
+           .lineByLine = true,
+           .suffix = "_rawcan",
+           .make = makeGenerator<RawCANTextDocGenerator>,
+           .started = "Generation of raw CAN text documentation in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isMultiProtocol,
+           .lines = RunLines::RawCAN,
+           .lineByLine = true,
+           .make = makeGenerator<RawCANDBCGenerator>,
+           .started = "Generation of raw CAN DBC file in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isMultiProtocol,
+           .lines = RunLines::RawCAN,
+           .lineByLine = true,
+           .suffix = "_rawcan",
+           .make = makeGenerator<RawCANHTMLGenerator>,
+           .started = "Generation of raw CAN HTML documentation in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isMultiProtocol,
+           .lines = RunLines::J1939,
+           .suffix = "_j1939",
+           .make = makeGenerator<J1939HTMLGenerator>,
+           .started = "Generation of HTML pgn documentation in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isMultiProtocol,
+           .lines = RunLines::J1939,
+           .make = makeGenerator<DBCGenerator>,
+           .started = "Generation of DBC_file in %1 started",
+           .notWritable = fileNotWritable},
     RunRow{.applies = always,
            .make = makeDefines,
            .started = "Generation of gen_define.h in %1 started",
            .notWritable = "The file gen_define.h in %1 is not writable",
            .after = tellUserSection},
     RunRow{.applies = hasProps, .step = writeProps},
+    RunRow{.applies = isJ1939Only,
+           .make = makeInForm<PGNGenerator, PGNGeneratorV4>,
+           .started = "Generation of gen_pgn.c in %1 started",
+           .notWritable = "The file gen_pgn.c in %1 is not writable"},
     RunRow{.applies = hasSdoServer,
            .make = makeServerDictionary,
            .started = "Generation of gen_objdict.c for CAM11/CAM21 SDO server in %1 started",
            .notWritable = "The file gen_objdict.c in %1 is not writable"},
     RunRow{.applies = hasSdoServer,
-           .make = makeEds,
+           .make = makeGenerator<EDSGenerator>,
            .started = "Generation of %2 EDS file in %1 started (for CAM11/CAM21 SDO Server)",
            .notWritable = "The EDS file %2.eds in %1 is not writable",
            .nameInTexts = nameOfLine},
+    RunRow{.applies = isJ1939Only,
+           .lines = RunLines::Every,
+           .make = makeGenerator<J1939TextDocGenerator>,
+           .started = "Generation of textual PGN documentation in %1 started",
+           .notWritable = "The file in %2_doc.txt in %1 is not writable",
+           .nameInTexts = nameOfLine},
+    RunRow{.applies = isJ1939Only,
+           .lines = RunLines::Every,
+           .make = makeGenerator<J1939HTMLGenerator>,
+           .started = "Generation of HTML pgn documentation in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isJ1939Only,
+           .lines = RunLines::J1939,
+           .make = makeGenerator<DBCGenerator>,
+           .started = "Generation of DBC_file in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isJ1939Only, .step = removeStaleFiles},
+    RunRow{.applies = hasMessages,
+           .make = makeInForm<ExtDeclGenerator, ExtDeclGeneratorV4>,
+           .started = "Generation of gen_extern_decl.h in %1 started",
+           .notWritable = "The file gen_extern_decl.h in %1 is not writable"},
     RunRow{.applies = hasIndications,
            .make = makeIndications,
            .started = "Generation of gen_indication in %1 started",
            .notWritable = "The file gen_indication.h in %1 is not writable"},
     RunRow{.applies = hasIndications,
            .lines = RunLines::CANopen,
-           .make = makeCsv,
+           .make = makeGenerator<CSVGenerator>,
            .started = "Generation of CSV file (deprecated) in %1 started",
            .notWritable = "The file %2.csv in %1 is not writable",
            .nameInTexts = nameOfLine},
@@ -227,7 +354,7 @@ constexpr std::array rows{
     RunRow{.applies = hasIndications, .lines = RunLines::CANopen, .step = generateEdsFiles},
     RunRow{.applies = hasFdDescription,
            .lines = RunLines::CANopen,
-           .make = makeXdd,
+           .make = makeGenerator<XDDGenerator>,
            .started = "Generation of XDD file in %1 started",
            .notWritable = "The XDD file %2.xdd in %1 is not writable",
            .nameInTexts = nameOfXdd},

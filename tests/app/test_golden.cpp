@@ -1,3 +1,4 @@
+#include "store/objectdatabase.h"
 #include "support/processrunner.h"
 #include "support/testhome.h"
 
@@ -15,6 +16,7 @@ using namespace TestSupport;
 // A case is a folder under tests/data/golden/ or examples/. It holds one project (.ncxt), whatever that needs, and
 // perhaps
 //   args        further arguments, one a line
+//   rawcan.csv  raw CAN messages, which a text project cannot hold: the run then takes the project as .ncxp
 //   console.txt what the run says after its banner, with ${FOLDER} for its folder
 //   expected/   the files that the run writes, and nothing else
 // NCX_ACCEPT=1 in the environment takes the output of this build as expected, to be read as a difference.
@@ -39,6 +41,44 @@ QSet<QString> filesIn(const QString &folder)
     while (it.hasNext())
         files.insert(QDir(folder).relativeFilePath(it.next()));
     return files;
+}
+
+/// Adds the messages of a file with lines "line;TX or RX;id;name;cycle time;inhibit time;description", each followed by
+/// its data elements "number;name;data type;bit position;bit size;default;implementation;variable;description".
+void addRawCanMessages(ObjectDataBase &store, const QString &content)
+{
+    quint8 line = 0;
+    StoreRecords::CANID message;
+    for (const QString &row : content.split(u'\n', Qt::SkipEmptyParts)) {
+        const QStringList fields = QString(row).replace(u"\\n"_s, u"\n"_s).split(u';');
+        if (row.startsWith(u'#'))
+            continue;
+        if (fields.size() == 7) {
+            line = static_cast<quint8>(fields.at(0).toUInt());
+            message = {.name = fields.at(3),
+                       .desc = fields.at(6),
+                       .id = fields.at(2).toUInt(nullptr, 0),
+                       .cycletime_ms = fields.at(4).toUShort(),
+                       .inhibittime_ms = fields.at(5).toUShort(),
+                       .direction = fields.at(1) == "TX"_L1 ? ObjectDataBase::transmit : ObjectDataBase::receive};
+            EXPECT_TRUE(store.addCANID(line, message.id, message));
+            continue;
+        }
+        ASSERT_EQ(fields.size(), 9) << qPrintable(row);
+        const quint32 number = fields.at(0).toUInt();
+        const StoreRecords::DataElement element{.pos = number,
+                                                .name = fields.at(1),
+                                                .desc = fields.at(8),
+                                                .defaultvalue = fields.at(5),
+                                                .datatype = fields.at(2).toUInt(),
+                                                .direction = message.direction,
+                                                .spnnumber = number,
+                                                .implementation = static_cast<quint8>(fields.at(6).toUInt()),
+                                                .varname = fields.at(7),
+                                                .bitsize = fields.at(4).toUShort(),
+                                                .bitposition = fields.at(3).toUShort()};
+        EXPECT_TRUE(store.addDataElement(line, message.id, message.direction, number, element));
+    }
 }
 
 class Golden
@@ -92,13 +132,28 @@ private:
     {
         const QStringList projects = QDir(scratch_.path()).entryList({u"*.ncxt"_s});
         EXPECT_EQ(projects.size(), 1) << "a case holds one project";
-        QStringList arguments{u"-project"_s, scratch_.filePath(projects.value(0))};
+        QString project = projects.value(0);
+        if (input_.contains(u"rawcan.csv"_s))
+            project = withRawCan(project);
+        QStringList arguments{u"-project"_s, scratch_.filePath(project)};
         arguments += QString::fromUtf8(readFile(folder_ + u"/args"_s)).split(u'\n', Qt::SkipEmptyParts);
         return ProcessRunner(u"ncx_cli"_s)
             .arguments(arguments)
             .workingFolder(scratch_.path())
             .environment(u"SOURCE_DATE_EPOCH"_s, u"1794733920"_s)
             .run();
+    }
+
+    /// Makes the database project that the text and the messages stand for.
+    QString withRawCan(const QString &textProject)
+    {
+        const QString project = QFileInfo(textProject).completeBaseName() + u".ncxp"_s;
+        ObjectDataBase store;
+        EXPECT_TRUE(store.openTextDatabase(scratch_.filePath(textProject)));
+        addRawCanMessages(store, QString::fromUtf8(readFile(scratch_.filePath(u"rawcan.csv"_s))));
+        EXPECT_TRUE(store.saveDatabase(scratch_.filePath(project)));
+        input_.insert(project);
+        return project;
     }
 
     /// The log holds the banner and the folder, so it is held against the console instead.
