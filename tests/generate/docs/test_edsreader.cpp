@@ -136,36 +136,20 @@ QMap<QString, Store> projects()
     return result;
 }
 
-/// Puts the reader and what it needs into a folder; the reason where that is not possible.
-QString install(const QString &node, const QString &npm, const QString &folder)
-{
-    if (node.isEmpty() || npm.isEmpty())
-        return u"node.js or npm is missing"_s;
-    for (const char *name : {"package.json", "package-lock.json", "read.js"}) {
-        const QString file = QString::fromLatin1(name);
-        QFile::copy(QStringLiteral(NCX_SOURCE_DIR "/tests/eds_reader/") + file, folder + u'/' + file);
-    }
-    // Its scripts would build what only a bus needs.
-    const auto result = ProcessRunner(npm)
-                            .arguments({u"ci"_s, u"--ignore-scripts"_s, u"--no-audit"_s, u"--no-fund"_s})
-                            .workingFolder(folder)
-                            .run();
-    return result.exitCode == 0 ? QString() : u"the library cannot be installed: "_s + result.errors;
-}
+const QString readerFolder = QStringLiteral(NCX_SOURCE_DIR "/tests/eds_reader");
 
 } // namespace
 
 TEST(EdsReader, AnIndependentLibraryFindsWhatTheProjectHas)
 {
     const QString node = QStandardPaths::findExecutable(u"node"_s);
-    const QTemporaryDir folder;
-    const QString reason = install(node, QStandardPaths::findExecutable(u"npm"_s), folder.path());
-    if (!reason.isEmpty())
-        GTEST_SKIP() << reason.toStdString();
+    if (node.isEmpty() || !QDir(readerFolder + u"/node_modules"_s).exists())
+        GTEST_SKIP() << "node.js or the library is missing; scripts/test installs both (npm ci in tests/eds_reader)";
 
+    const QTemporaryDir folder;
     const QMap<QString, Store> stores = projects();
     ASSERT_GE(stores.size(), 3);
-    QStringList arguments{u"read.js"_s};
+    QStringList arguments{readerFolder + u"/read.js"_s};
     for (auto it = stores.cbegin(); it != stores.cend(); ++it) {
         EDSGenerator generator;
         generator.setVariant({.extended = true});
