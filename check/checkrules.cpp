@@ -2,55 +2,83 @@
 
 #include "check/modelchecker.h"
 
-const CheckRules &CheckRules::builtIn()
+namespace {
+
+std::vector<CheckRule> joined(std::initializer_list<std::span<const CheckRule>> parts)
 {
-    static const CheckRules rules{};
+    std::vector<CheckRule> rules;
+    for (const std::span<const CheckRule> part : parts)
+        rules.insert(rules.end(), part.begin(), part.end());
     return rules;
 }
 
-void onceForCheck(ModelChecker & /*checker*/, const CheckRule::Visit &visit)
+} // namespace
+
+const CheckRules &CheckRules::builtIn()
 {
-    visit({});
+    static const std::vector<CheckRule> canOpen =
+        joined({valueRules(), lineRules(), communicationRules(), objectRules(), pdoMappingRules(),
+                pdoCommunicationRules(), srdoRules(), mappingModeRules(), variableRules()});
+    static const CheckRules rules{
+        .common = projectRules(), .canOpen = canOpen, .j1939 = j1939Rules(), .rawCan = rawCanRules()};
+    return rules;
 }
 
-void eachObject(ModelChecker &checker, const CheckRule::Visit &visit)
+void once(ModelChecker & /*checker*/, const CheckSubject &outer, const CheckVisit &visit)
+{
+    visit(outer);
+}
+
+void eachObject(ModelChecker &checker, const CheckSubject & /*outer*/, const CheckVisit &visit)
 {
     for (const CheckedObject &object : checker.line().objects())
         visit({.object = &object});
 }
 
-void eachSubindex(ModelChecker &checker, const CheckRule::Visit &visit)
+void itsSubindices(ModelChecker & /*checker*/, const CheckSubject &outer, const CheckVisit &visit)
 {
-    for (const CheckedObject &object : checker.line().objects()) {
-        for (const CheckedSubindex &sub : object.subs)
-            visit({.object = &object, .sub = &sub});
+    CheckSubject subject = outer;
+    for (const CheckedSubindex &sub : outer.object->subs) {
+        subject.sub = &sub;
+        visit(subject);
     }
 }
 
-void eachPGN(ModelChecker &checker, const CheckRule::Visit &visit)
+void itsEntries(ModelChecker &checker, const CheckSubject &outer, const CheckVisit &visit)
+{
+    CheckSubject subject = outer;
+    for (const PDO::MappingEntry &entry : PDO::entriesOf(checker.line(), *outer.object)) {
+        subject.entry = &entry;
+        visit(subject);
+    }
+}
+
+void eachPGN(ModelChecker &checker, const CheckSubject & /*outer*/, const CheckVisit &visit)
 {
     for (const CheckedPGN &pgn : checker.line().pgns())
         visit({.pgn = &pgn});
 }
 
-void eachSPN(ModelChecker &checker, const CheckRule::Visit &visit)
+void itsSPNs(ModelChecker & /*checker*/, const CheckSubject &outer, const CheckVisit &visit)
 {
-    for (const CheckedPGN &pgn : checker.line().pgns()) {
-        for (const StoreRecords::SPN &spn : pgn.spns)
-            visit({.pgn = &pgn, .spn = &spn});
+    CheckSubject subject = outer;
+    for (const CheckedSignal &spn : outer.pgn->spns) {
+        subject.signal = &spn;
+        visit(subject);
     }
 }
 
-void eachCanId(ModelChecker &checker, const CheckRule::Visit &visit)
+void eachCanId(ModelChecker &checker, const CheckSubject & /*outer*/, const CheckVisit &visit)
 {
     for (const CheckedCanId &canId : checker.line().canIds())
         visit({.canId = &canId});
 }
 
-void eachSignal(ModelChecker &checker, const CheckRule::Visit &visit)
+void itsSignals(ModelChecker & /*checker*/, const CheckSubject &outer, const CheckVisit &visit)
 {
-    for (const CheckedCanId &canId : checker.line().canIds()) {
-        for (const StoreRecords::DataElement &signal : canId.signalList)
-            visit({.canId = &canId, .signal = &signal});
+    CheckSubject subject = outer;
+    for (const CheckedSignal &signal : outer.canId->signalList) {
+        subject.signal = &signal;
+        visit(subject);
     }
 }

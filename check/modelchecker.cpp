@@ -3,8 +3,10 @@
 #include "store/objectdatabase.h"
 #include "store/usersettings.h"
 
+#include <QCoreApplication>
 #include <QVariant>
 
+#include <algorithm>
 #include <numeric>
 
 using namespace Qt::StringLiterals;
@@ -20,7 +22,9 @@ ModelChecker::~ModelChecker() = default;
 qint32 ModelChecker::checkCommon(const std::shared_ptr<ObjectDataBase> &store, const QString &outputFolder)
 {
     outputFolder_ = outputFolder;
-    return walk(rules_.common, store, {});
+    const qint32 errors = walk(rules_.common, store, {});
+    store->setMiscSetting(u"PreviousToolVersion"_s, QCoreApplication::applicationVersion());
+    return errors;
 }
 
 qint32 ModelChecker::checkCANopenLine(quint8 line, const std::shared_ptr<ObjectDataBase> &store, bool &corrected)
@@ -31,11 +35,10 @@ qint32 ModelChecker::checkCANopenLine(quint8 line, const std::shared_ptr<ObjectD
     return errors;
 }
 
-qint32 ModelChecker::checkJ1939Line(int lineCount, quint8 line, const std::shared_ptr<ObjectDataBase> &store,
+qint32 ModelChecker::checkJ1939Line(int /*lineCount*/, quint8 line, const std::shared_ptr<ObjectDataBase> &store,
                                     const QList<quint32> &specialPGNs)
 {
-    lineCount_ = lineCount;
-    specialPGNs_ = specialPGNs;
+    specialPGNs_ = QSet<quint32>(specialPGNs.begin(), specialPGNs.end());
     return walk(rules_.j1939, store, line);
 }
 
@@ -52,9 +55,26 @@ qint32 ModelChecker::walk(std::span<const CheckRule> rules, const std::shared_pt
     errorCount_ = 0;
     autoCorrectionDisabled_ = QVariant(UserSettings::value(u"General"_s, u"disableautocorrection"_s)).toBool();
     suppressedGroups_ = parseWarningGroups(store->getMiscSetting(u"SuppressedWarningGroups"_s));
-    for (const CheckRule &rule : rules)
-        rule.each(*this, [this, &rule](const CheckSubject &subject) { rule.find(*this, subject); });
+    pass(rules, &CheckRule::each, {});
     return errorCount_;
+}
+
+/// Neighbours with the same loop share one pass over its subjects.
+void ModelChecker::pass(std::span<const CheckRule> rules, CheckLoop CheckRule::*loop, const CheckSubject &outer)
+{
+    for (auto first = rules.begin(); first != rules.end();) {
+        const auto end = std::find_if(first + 1, rules.end(), [&](const CheckRule &rule) {
+            return rule.*loop != (*first).*loop || (loop == &CheckRule::each && rule.opensPass);
+        });
+        const std::span<const CheckRule> together(first, end);
+        ((*first).*loop)(*this, outer, [&](const CheckSubject &subject) {
+            if (loop == &CheckRule::each)
+                pass(together, &CheckRule::within, subject);
+            else
+                std::ranges::for_each(together, [&](const CheckRule &rule) { rule.find(*this, subject); });
+        });
+        first = end;
+    }
 }
 
 void ModelChecker::reportError(const QString &text)

@@ -31,6 +31,7 @@ public:
     qint32 checkCommon(const std::shared_ptr<ObjectDataBase> &store, const QString &outputFolder);
     /// Sets `corrected` if a COB-ID was corrected in the store.
     qint32 checkCANopenLine(quint8 line, const std::shared_ptr<ObjectDataBase> &store, bool &corrected);
+    /// `specialPGNs` are those of `specialPGNs`.
     qint32 checkJ1939Line(int lineCount, quint8 line, const std::shared_ptr<ObjectDataBase> &store,
                           const QList<quint32> &specialPGNs);
     qint32 checkRawCANLine(quint8 line, const std::shared_ptr<ObjectDataBase> &store);
@@ -44,8 +45,7 @@ public:
     /// The line under check; of a line check only.
     CheckedLine &line() const { return *line_; }
     const QString &outputFolder() const { return outputFolder_; }
-    int lineCount() const { return lineCount_; }
-    const QList<quint32> &specialPGNs() const { return specialPGNs_; }
+    bool isSpecialPGN(quint32 pgn) const { return specialPGNs_.contains(pgn); }
     bool autoCorrectionDisabled() const { return autoCorrectionDisabled_; }
 
     /// Sends a text and counts it as an error.
@@ -67,6 +67,7 @@ Q_SIGNALS:
 private:
     qint32 walk(std::span<const CheckRule> rules, const std::shared_ptr<ObjectDataBase> &store,
                 std::optional<quint8> line);
+    void pass(std::span<const CheckRule> rules, CheckLoop CheckRule::*loop, const CheckSubject &outer);
 
     const CheckRules rules_;
     std::shared_ptr<ObjectDataBase> database_;
@@ -77,6 +78,5 @@ private:
     QList<WarningGroup> suppressedGroups_;
     QMap<WarningGroup, int> suppressedCounts_;
     QString outputFolder_;
-    int lineCount_ = 0;
-    QList<quint32> specialPGNs_;
+    QSet<quint32> specialPGNs_;
 };

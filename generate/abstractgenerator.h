@@ -82,7 +82,8 @@ public Q_SLOTS:
     virtual void doJob() = 0;
 
 protected:
-    /// The common half of every `startJob`: refuses a second job (even after the first has ended), names the object and gets `doJob` going.
+    /// The common half of every `startJob`: refuses a second job (even after the first has ended), names the object and
+    /// gets `doJob` going.
     Status launch(const QString &objectName);
     /// The common half of every `cancelJob`.
     Status requestCancel();

@@ -62,3 +62,10 @@ QString Code::dec(quint64 value)
 {
     return QString::number(value);
 }
+
+QString Code::commentText(QString text)
+{
+    text.replace(u'\n', u' ').replace(u'\r', u' ');
+    // "/*/" holds both marks at once.
+    return text.replace("*/"_L1, "* /"_L1).replace("/*"_L1, "/ *"_L1);
+}

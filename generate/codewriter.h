@@ -52,5 +52,7 @@ namespace Code {
 /// Lower-case hexadecimal digits without a prefix, zeros in front up to the number of digits.
 QString hex(quint64 value, int digits = 1);
 QString dec(quint64 value);
+/// A text of the project as it may stand inside a comment: on one line, and without the marks of a comment.
+QString commentText(QString text);
 
 } // namespace Code

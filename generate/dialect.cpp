@@ -14,12 +14,17 @@ const Dialect &Dialect::classic()
     static const Dialect dialect{
         .form = SourceForm::Classic,
         .core = u"CO_"_s,
+        .dataType = u"CO_DTYPE_"_s,
+        .unmapped = u"CO_FALSE"_s,
+        .isoTpHeader = u"iso_tp.h"_s,
         .line = u"CO_"_s,
+        .lineParameter = u"UNSIGNED8 CO_LINE, "_s,
         .protocol = u"MP_PROT_TYPE_"_s,
         .commonInitType = u"CO_COMMON_INIT_VAL_T    "_s,
         .stackInit = u"commonStackInit"_s,
+        .dataTypeHeader = u"co_datatype.h"_s,
         .parameterError = u"RET_INVALID_PARAMETER"_s,
-        .points = {},
+        .points = {Point::ReservedNameField, Point::FormerServiceValues, Point::VirtualGuards},
     };
     return dialect;
 }
@@ -29,12 +34,19 @@ const Dialect &Dialect::v4()
     static const Dialect dialect{
         .form = SourceForm::V4,
         .core = u"CORE_"_s,
+        .dataType = u"CORE_DTYPE_"_s,
+        .unmapped = u"CORE_DTYPE_NON_NUMERIC"_s,
+        .isoTpHeader = u"core_isotp.h"_s,
         .line = u"CAN_"_s,
+        .lineParameter = u"CAN_LINE_TYPE CAN_LINE, "_s,
         .protocol = u"CORE_PROT_TYPE_"_s,
         .commonInitType = u"CORE_COMMON_INIT_VAL_T "_s,
         .stackInit = u"coreStackInit"_s,
+        .dataTypeHeader = u"core_datatype.h"_s,
         .parameterError = u"RET_PARAMETER_INVALID"_s,
-        .points = {Point::SplitTypeColumns, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication},
+        .points = {Point::SplitTypeColumns, Point::MappedTypeColumn, Point::CoreDatatypeHeader,
+                   Point::UdsIndicationHeader, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication,
+                   Point::PointerTables, Point::ReceiveConfigs, Point::BootloaderBuffers, Point::UdsIndications},
     };
     return dialect;
 }

@@ -52,4 +52,6 @@ void FileGenerator::writeFile()
     stream.flush();
     if (errorCode() == 0 && !file.commit())
         fail(OutputError, file.errorText());
+    if (errorCode() == 0)
+        writeCompanions();
 }

@@ -29,6 +29,8 @@ protected:
     /// Collects what the file tells and prints it. A failure is reported with `fail`, and then nothing is kept of the
     /// file.
     virtual void write(QTextStream &stream) = 0;
+    /// Writes what belongs beside the file, once that is in place. A failure is reported with `fail`; the file stays.
+    virtual void writeCompanions() {}
 
     /// Makes the file; here out of the text that `write` prints. A failure is reported with `fail`.
     virtual void writeFile();

@@ -63,14 +63,18 @@ QString sourceTitle(SourceFile file, SourceForm form, const QString &baseName)
         .arg(baseName, QCoreApplication::applicationName(), QCoreApplication::applicationVersion());
 }
 
-void writeFileHeader(CodeWriter &out, SourceFile file, SourceForm form, const QString &baseName)
+void writeFileHeader(CodeWriter &out, SourceFile file, SourceForm form, const QString &baseName, const QString &note)
 {
     out(uR"(
         /*
          * ${TITLE}
          * ${DATE}
-         */
-
         )",
         {{"TITLE", sourceTitle(file, form, baseName)}, {"DATE", TextTools::currentDateTime().toString(Qt::TextDate)}});
+    if (!note.isEmpty())
+        out(u" * ${NOTE}", {{"NOTE", note}});
+    out(uR"(
+         */
+
+        )");
 }

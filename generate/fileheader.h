@@ -34,4 +34,6 @@ enum class SourceFile
 QString sourceTitle(SourceFile file, SourceForm form, const QString &baseName);
 
 /// The comment that a generated C source begins with, title and moment of generation, and the empty line behind it.
-void writeFileHeader(CodeWriter &out, SourceFile file, SourceForm form, const QString &baseName);
+/// A note, if there is one, is the comment's last line.
+void writeFileHeader(CodeWriter &out, SourceFile file, SourceForm form, const QString &baseName,
+                     const QString &note = {});

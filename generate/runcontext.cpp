@@ -4,26 +4,6 @@
 
 using namespace Qt::StringLiterals;
 
-LineProtocols LineProtocols::ofType(int typeCode)
-{
-    switch (typeCode) {
-    case 1:
-        return {.canOpen = true};
-    case 2:
-        return {.j1939 = true};
-    case 4:
-        return {.rawCan = true};
-    case 5:
-        return {.canOpen = true, .j1939 = true};
-    case 6:
-        return {.canOpen = true, .rawCan = true};
-    case 7:
-        return {.j1939 = true, .rawCan = true};
-    default:
-        return {};
-    }
-}
-
 RunContext RunContext::ofProject(const std::shared_ptr<ObjectDataBase> &store)
 {
     RunContext context;
@@ -45,7 +25,7 @@ RunContext RunContext::ofProject(const std::shared_ptr<ObjectDataBase> &store)
 
 LineProtocols RunContext::protocolsOf(ObjectDataBase &store, quint8 line)
 {
-    return LineProtocols::ofType(store.getGeneralSetting(u"line%1type"_s.arg(line)).toInt());
+    return LineProtocols::ofLine(store, line);
 }
 
 QString RunContext::generalSetting(const QString &key) const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "store/lineprotocols.h"
+
 #include <QList>
 #include <QString>
 
@@ -7,19 +9,6 @@
 #include <optional>
 
 class ObjectDataBase;
-
-/// Protocols of a line, by its type code. The codes are no bit masks: 3 is no type, and 5, 6 and 7 are the three pairs.
-struct LineProtocols
-{
-    static LineProtocols ofType(int typeCode);
-
-    bool canOpen = false;
-    bool j1939 = false;
-    bool rawCan = false;
-
-    bool any() const { return canOpen || j1939 || rawCan; }
-    bool combined() const { return int{canOpen} + int{j1939} + int{rawCan} > 1; }
-};
 
 /// What a run computes once at its start, and what its rows decide by.
 struct RunContext
@@ -48,7 +37,3 @@ struct RunContext
     /// Read anew each time, since an import, a modifier file or a tool may have changed it after the open.
     bool usesV4() const;
 };
-
-/// The lines of a project that take part in generation (scratch lines do not), and those that count for its protocols.
-inline constexpr quint8 firstScratchLine = 254;
-inline constexpr quint8 firstLineWithoutProtocol = 240;

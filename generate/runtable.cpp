@@ -9,8 +9,20 @@
 #include "generate/docs/messagehtmlgenerator.h"
 #include "generate/docs/textdocgenerator.h"
 #include "generate/docs/xddgenerator.h"
+#include "generate/generationrun.h"
+#include "generate/j1939/pgngenerator.h"
+#include "generate/stack/cppcopies.h"
+#include "generate/stack/definegenerator.h"
+#include "generate/stack/externdeclgenerator.h"
+#include "generate/stack/indicationgenerator.h"
 #include "generate/stack/indicesgenerator.h"
+#include "generate/stack/objdictgenerator.h"
+#include "generate/stack/projectprops.h"
+#include "generate/stack/virtualtables.h"
+#include "generate/stack/vobjdictgenerator.h"
 #include "store/objectdatabase.h"
+
+#include <QFile>
 
 #include <array>
 
@@ -18,21 +30,26 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// ---- When a row takes part
+
+bool always(const RunContext & /*run*/)
+{
+    return true;
+}
+
 bool hasNamesToDefine(const RunContext &run)
 {
     return run.hasAnyProtocol() && !run.bootloaderMode;
 }
 
-std::unique_ptr<FileGenerator> makeIndices(const RunContext &run, quint8 /*line*/)
-{
-    auto generator = std::make_unique<IndicesGenerator>();
-    generator->setLines(run.lines);
-    return generator;
-}
-
 bool hasCANopen(const RunContext &run)
 {
     return run.hasCANopen;
+}
+
+bool isPlainCANopen(const RunContext &run)
+{
+    return run.hasCANopen && !run.isMultiProtocol();
 }
 
 bool isMultiProtocol(const RunContext &run)
@@ -45,15 +62,14 @@ bool isJ1939Only(const RunContext &run)
     return run.isJ1939Only();
 }
 
-template <class Generator>
-std::unique_ptr<FileGenerator> makeGenerator(const RunContext & /*run*/, quint8 /*line*/)
-{
-    return std::make_unique<Generator>();
-}
-
 bool hasSdoServer(const RunContext &run)
 {
     return run.isJ1939Only() && run.store->getJ1939Setting(u"cia510serversupport"_s).toInt() == 1;
+}
+
+bool hasMessages(const RunContext &run)
+{
+    return (run.hasJ1939 || run.hasRawCAN) && !run.bootloaderMode;
 }
 
 bool hasIndications(const RunContext &run)
@@ -66,12 +82,90 @@ bool hasFdDescription(const RunContext &run)
     return hasIndications(run) && run.generalSetting(u"canfd_supported"_s).toInt() >= 1;
 }
 
+bool hasProps(const RunContext &run)
+{
+    return run.generalSetting(u"gen_csharp_props"_s).toInt() == 1;
+}
+
+bool wantsCppCopies(const RunContext &run)
+{
+    return hasIndications(run) && run.generalSetting(u"generate_cpp_output"_s).toInt() == 1;
+}
+
+// ---- Generators
+
+template <class Generator>
+std::unique_ptr<FileGenerator> makeGenerator(const RunContext & /*run*/, quint8 /*line*/)
+{
+    return std::make_unique<Generator>();
+}
+
+/// The generator of the pair whose form the project asks for.
+template <class Classic, class V4>
+std::unique_ptr<FileGenerator> makeInForm(const RunContext &run, quint8 /*line*/)
+{
+    if (run.usesV4())
+        return std::make_unique<V4>();
+    return std::make_unique<Classic>();
+}
+
+std::unique_ptr<FileGenerator> makeIndices(const RunContext &run, quint8 /*line*/)
+{
+    auto generator = std::make_unique<IndicesGenerator>();
+    generator->setLines(run.lines);
+    return generator;
+}
+
+template <class Classic, class V4>
+std::unique_ptr<Classic> newDictionary(const RunContext &run)
+{
+    const bool compact = run.generalSetting(u"compact_array_description"_s).toInt() == 1;
+    if (run.usesV4())
+        return std::make_unique<V4>(compact);
+    return std::make_unique<Classic>(compact);
+}
+
+std::unique_ptr<FileGenerator> makeDictionary(const RunContext &run, quint8 /*line*/)
+{
+    return newDictionary<ObjDictGenerator, ObjDictGeneratorV4>(run);
+}
+
+/// The dictionary that a J1939 device serves over CAM11 and CAM21.
+std::unique_ptr<FileGenerator> makeServerDictionary(const RunContext &run, quint8 /*line*/)
+{
+    auto generator = newDictionary<ObjDictGenerator, ObjDictGeneratorV4>(run);
+    generator->setServerMode(true);
+    return generator;
+}
+
+std::unique_ptr<FileGenerator> makeDefines(const RunContext &run, quint8 /*line*/)
+{
+    std::unique_ptr<DefineHeaderGenerator> generator;
+    if (run.usesV4())
+        generator = std::make_unique<GenDefineGenerator>();
+    else
+        generator = std::make_unique<CoDefineGenerator>();
+    generator->setJ1939Mode(run.hasJ1939);
+    generator->setMultiProtocol(run.isMultiProtocol());
+    return generator;
+}
+
+/// Only the V4 form knows the functions of the UDS server.
+std::unique_ptr<FileGenerator> makeIndications(const RunContext &run, quint8 /*line*/)
+{
+    if (run.usesV4() || run.generalSetting(u"uds_static_indication"_s).toInt() == 1)
+        return std::make_unique<indicationgeneratorv4>();
+    return std::make_unique<indicationgenerator>();
+}
+
 std::unique_ptr<FileGenerator> makeIcsv(const RunContext &run, quint8 /*line*/)
 {
     auto generator = std::make_unique<ICSVGenerator>();
     generator->setDocumentation(run.store->getMiscSetting(u"disableDocu"_s) != "true"_L1);
     return generator;
 }
+
+// ---- Names in messages
 
 /// For messages that have a file's extension of their own.
 QString nameOfLine(const RunContext &run, quint8 line)
@@ -83,6 +177,61 @@ QString nameOfXdd(const RunContext &run, quint8 line)
 {
     return XDDGenerator::nameOf(*run.store, run.baseName, line, run.multiLine);
 }
+
+// ---- Steps
+
+RunFlow writeVirtualDictionary(GenerationRun &run, quint8 line)
+{
+    const RunContext &context = run.context();
+    const auto generator = newDictionary<VobjDictGenerator, VobjDictGeneratorV4>(context);
+    if (hasVirtualObjects(*context.store)) {
+        run.runJob(*generator, line, {},
+                   {.started = "Generation of gen_vobjdict.c in %1 started",
+                    .notWritable = "The file gen_vobjdict.c in %1 is not writable"});
+    } else {
+        QFile::remove(run.filePath(generator->fileName()));
+    }
+    return RunFlow::Continue;
+}
+
+RunFlow tellUserSection(GenerationRun &run, FileGenerator &generator)
+{
+    const auto *defines = qobject_cast<DefineHeaderGenerator *>(&generator);
+    if (defines && !defines->userSection().trimmed().isEmpty())
+        run.message(u"gen_define.h contains user section:\n%1"_s.arg(defines->userSection()));
+    return RunFlow::Continue;
+}
+
+RunFlow writeProps(GenerationRun &run, quint8 /*line*/)
+{
+    const QString folder = run.context().outputFolder;
+    const QString text = ProjectProps::write(folder)
+                             ? u"Generation of gen_define.props and Directory.Build.props in %1 finished"_s
+                             : u"The files gen_define.props and Directory.Build.props in %1 are not writable"_s;
+    run.message(text.arg(folder));
+    return RunFlow::Continue;
+}
+
+/// Removes what a device without CANopen does not have, and adapter files that are no longer wanted.
+RunFlow removeStaleFiles(GenerationRun &run, quint8 /*line*/)
+{
+    constexpr std::array adapterFiles{"gen_j1939_adapter.c", "gen_j1939_adapter.cs", "j1939_adapter.cs",
+                                      "j1939_adapter.c"};
+    if (run.context().store->getJ1939Setting(u"j1939adapter"_s) != "1"_L1) {
+        for (const char *name : adapterFiles)
+            QFile::remove(run.filePath(QString::fromLatin1(name)));
+    }
+    QFile::remove(run.filePath(u"gen_indication.h"_s));
+    return RunFlow::Continue;
+}
+
+RunFlow copyToCpp(GenerationRun &run, quint8 /*line*/)
+{
+    writeCppCopies(run.context().outputFolder);
+    return RunFlow::Continue;
+}
+
+// ---- The rows
 
 constexpr auto fileNotWritable = "The file %2 in %1 is not writable";
 
@@ -103,6 +252,11 @@ constexpr std::array rows{
            .make = makeGenerator<HTMLGenerator>,
            .started = "Generation of HTML object dictionary documentation in %1 started",
            .notWritable = fileNotWritable},
+    RunRow{.applies = isPlainCANopen,
+           .make = makeDictionary,
+           .started = "Generation of gen_objdict.c in %1 started",
+           .notWritable = "The file gen_objdict.c in %1 is not writable"},
+    RunRow{.applies = isPlainCANopen, .step = writeVirtualDictionary},
     RunRow{.applies = isMultiProtocol,
            .lines = RunLines::J1939,
            .lineByLine = true,
@@ -141,6 +295,20 @@ constexpr std::array rows{
            .make = makeGenerator<DBCGenerator>,
            .started = "Generation of DBC_file in %1 started",
            .notWritable = fileNotWritable},
+    RunRow{.applies = always,
+           .make = makeDefines,
+           .started = "Generation of gen_define.h in %1 started",
+           .notWritable = "The file gen_define.h in %1 is not writable",
+           .after = tellUserSection},
+    RunRow{.applies = hasProps, .step = writeProps},
+    RunRow{.applies = isJ1939Only,
+           .make = makeInForm<PGNGenerator, PGNGeneratorV4>,
+           .started = "Generation of gen_pgn.c in %1 started",
+           .notWritable = "The file gen_pgn.c in %1 is not writable"},
+    RunRow{.applies = hasSdoServer,
+           .make = makeServerDictionary,
+           .started = "Generation of gen_objdict.c for CAM11/CAM21 SDO server in %1 started",
+           .notWritable = "The file gen_objdict.c in %1 is not writable"},
     RunRow{.applies = hasSdoServer,
            .make = makeGenerator<EDSGenerator>,
            .started = "Generation of %2 EDS file in %1 started (for CAM11/CAM21 SDO Server)",
@@ -162,6 +330,15 @@ constexpr std::array rows{
            .make = makeGenerator<DBCGenerator>,
            .started = "Generation of DBC_file in %1 started",
            .notWritable = fileNotWritable},
+    RunRow{.applies = isJ1939Only, .step = removeStaleFiles},
+    RunRow{.applies = hasMessages,
+           .make = makeInForm<ExtDeclGenerator, ExtDeclGeneratorV4>,
+           .started = "Generation of gen_extern_decl.h in %1 started",
+           .notWritable = "The file gen_extern_decl.h in %1 is not writable"},
+    RunRow{.applies = hasIndications,
+           .make = makeIndications,
+           .started = "Generation of gen_indication in %1 started",
+           .notWritable = "The file gen_indication.h in %1 is not writable"},
     RunRow{.applies = hasIndications,
            .lines = RunLines::CANopen,
            .make = makeGenerator<CSVGenerator>,
@@ -181,6 +358,7 @@ constexpr std::array rows{
            .started = "Generation of XDD file in %1 started",
            .notWritable = "The XDD file %2.xdd in %1 is not writable",
            .nameInTexts = nameOfXdd},
+    RunRow{.applies = wantsCppCopies, .step = copyToCpp},
 };
 
 } // namespace

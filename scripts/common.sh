@@ -25,6 +25,15 @@ install_packages() {
         apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
+# Installs node and the client that drives the server in the tests, as its lock file tells.
+install_client() {
+    local folder="$top/tests/mcp_client"
+    # A node of another origin than the distribution's brings its own npm.
+    command -v npm >/dev/null || install_packages nodejs npm
+    [ "$folder/node_modules/.package-lock.json" -nt "$folder/package-lock.json" ] && return
+    (cd "$folder" && npm ci --no-audit --no-fund --loglevel=error)
+}
+
 # Configures a preset where that has not been done yet, and builds the named targets, or all.
 build_preset() {
     local preset=$1

@@ -184,6 +184,38 @@ QList<quint32> ObjectDataBase::getPGNList(quint8 line, quint8 direction, bool le
     return selectNumbers(u"select number from PGNs%1 %2 order by number asc"_s.arg(QString::number(line), where));
 }
 
+QList<ObjectDataBase::PGN> ObjectDataBase::getAllPGNs(quint8 line)
+{
+    strings_.loadTexts();
+    QList<PGN> pgns;
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    if (!run("getAllPGNs", query,
+             u"select number, direction, %1 from PGNs%2 order by direction desc, number"_s.arg(
+                 RecordColumns::names(pgnColumns), QString::number(line))))
+        return pgns;
+    while (query.next()) {
+        PGN &pgn = pgns.emplace_back();
+        pgn.number = static_cast<quint32>(query.value(0).toLongLong());
+        pgn.direction = static_cast<quint8>(query.value(1).toLongLong());
+        RecordColumns::readRow(pgnColumns, query, pgn, strings_, 2);
+    }
+    return pgns;
+}
+
+QList<ObjectDataBase::SPN> ObjectDataBase::getAllSPNs(quint8 line)
+{
+    strings_.loadTexts();
+    QList<SPN> spns;
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    if (!run("getAllSPNs", query, spnSelect(line, u"order by pgnnumber asc, pos asc, rowid"_s)))
+        return spns;
+    while (query.next())
+        spns.append(spnOfRow(query, strings_));
+    return spns;
+}
+
 QHash<quint32, QString> ObjectDataBase::getPGNNames(quint8 line, quint8 direction)
 {
     return selectNames(u"select number, name from PGNs%1 where direction = %2"_s.arg(line).arg(direction));

@@ -40,6 +40,7 @@ public:
     using Metadata = StoreRecords::Metadata;
     using INDEX_DATA_T = StoreRecords::IndexData;
     using SUBINDEX_DATA_T = StoreRecords::SubIndexData;
+    using IndexEntry = StoreRecords::IndexEntry;
     using SubEntry = StoreRecords::SubEntry;
     using SubKey = StoreRecords::SubKey;
     using NODE_DATA_T = StoreRecords::NodeData;
@@ -139,11 +140,16 @@ public:
     void setIndexName(quint8 line, quint16 index, const QString &name);
     /// Indices from `first` to `last`, ascending.
     QList<quint16> getIndexList(quint8 line, quint16 first, quint16 last);
+    /// The objects from `first` to `last`, by index, from one scan.
+    QMap<quint16, INDEX_DATA_T> getIndices(quint8 line, quint16 first, quint16 last);
     /// Names of the objects from `first` to `last`, by index.
     QMap<quint16, QString> getIndexNames(quint8 line, quint16 first, quint16 last);
     /// Answers from the line's cache where that holds the key.
     bool getSubIndex(quint8 line, quint16 index, quint8 subindex, SUBINDEX_DATA_T &data);
     QList<quint8> getSubIndexList(quint8 line, quint16 index, quint8 firstSub = 0);
+    /// All objects of a line, ascending, and all its subindices, by index and subindex; one scan each.
+    QList<IndexEntry> getAllIndices(quint8 line);
+    QList<SubEntry> getAllSubIndices(quint8 line);
     /// Object codes (column `objecttype`) of the indices from `first` to `last`.
     QMap<quint16, quint32> getObjectTypes(quint8 line, quint16 first, quint16 last);
     /// The subindices of all objects of a line by index and subindex, those that have no object included.
@@ -236,6 +242,10 @@ public:
     QString getPGNName(quint8 line, quint32 number, quint8 direction);
     quint16 getPGNMappingCount(quint8 line, quint32 number, quint8 direction);
     QList<quint32> getPGNList(quint8 line, quint8 direction, bool leaveOutSafe = false);
+    /// All PGNs of a line, receive before transmit and ascending in each, and all its SPNs in the order of their places;
+    /// one scan each.
+    QList<PGN> getAllPGNs(quint8 line);
+    QList<SPN> getAllSPNs(quint8 line);
     /// The names of all PGNs of one direction, by number, from one scan.
     QHash<quint32, QString> getPGNNames(quint8 line, quint8 direction);
     bool getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, SPN &data);
@@ -261,6 +271,10 @@ public:
     bool getCANID(quint8 line, quint32 id, quint8 direction, CANID &data);
     QString getCANIDName(quint8 line, quint32 id, quint8 direction);
     QList<quint32> getCANIDList(quint8 line, quint8 direction);
+    /// All CAN-IDs of a line, receive before transmit and ascending in each, and all its data elements by number, with
+    /// the CAN-ID in `pgnnumber`; one scan each.
+    QList<CANID> getAllCANIDs(quint8 line);
+    QList<DataElement> getAllDataElements(quint8 line);
     /// The names of all CAN-IDs of one direction, by id, from one scan.
     QHash<quint32, QString> getCANIDNames(quint8 line, quint8 direction);
     bool getDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number, DataElement &data);

@@ -84,6 +84,19 @@ QString subSelect(quint8 line, const QString &condition)
                                                                                    condition);
 }
 
+QString indexSelect(quint8 line)
+{
+    return u"select objectindex, metadata, %1 from Objects%2"_s.arg(RecordColumns::names(indexColumns),
+                                                                    QString::number(line));
+}
+
+/// Reads a row of `indexSelect`.
+void readIndex(const QSqlQuery &query, ObjectDataBase::INDEX_DATA_T &data, StringPool &pool)
+{
+    data.metadata = MetadataBlob::parse(query.value(1).toByteArray());
+    RecordColumns::readRow(indexColumns, query, data, pool, 2);
+}
+
 /// Reads a row of `subSelect`.
 void readSub(const QSqlQuery &query, Sub &data, StringPool &pool)
 {
@@ -251,13 +264,22 @@ bool ObjectDataBase::getIndex(quint8 line, quint16 index, INDEX_DATA_T &data)
 {
     QSqlQuery query = newQuery();
     query.setForwardOnly(true);
-    const QString statement = u"select metadata, %1 from Objects%2 where objectindex = %3"_s.arg(
-        RecordColumns::names(indexColumns), QString::number(line), QString::number(index));
-    if (!execQuery(query, statement) || !query.next())
+    if (!execQuery(query, indexSelect(line) + u" where objectindex = %1"_s.arg(index)) || !query.next())
         return false;
-    data.metadata = MetadataBlob::parse(query.value(0).toByteArray());
-    RecordColumns::readRow(indexColumns, query, data, strings_, 1);
+    readIndex(query, data, strings_);
     return true;
+}
+
+QMap<quint16, ObjectDataBase::INDEX_DATA_T> ObjectDataBase::getIndices(quint8 line, quint16 first, quint16 last)
+{
+    QMap<quint16, INDEX_DATA_T> objects;
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    if (execQuery(query, indexSelect(line) + u" where objectindex between %1 and %2"_s.arg(first).arg(last))) {
+        while (query.next())
+            readIndex(query, objects[static_cast<quint16>(query.value(0).toUInt())], strings_);
+    }
+    return objects;
 }
 
 QString ObjectDataBase::getIndexName(quint8 line, quint16 index)
@@ -290,9 +312,10 @@ QMap<quint16, QString> ObjectDataBase::getIndexNames(quint8 line, quint16 first,
     QMap<quint16, QString> names;
     QSqlQuery query = newQuery();
     query.setForwardOnly(true);
-    if (!execQuery(query, u"select objectindex, name from Objects%1 where objectindex between %2 and %3"_s.arg(line)
-                              .arg(first)
-                              .arg(last)))
+    if (!execQuery(
+            query,
+            u"select objectindex, name from Objects%1 where objectindex between %2 and %3"_s.arg(line).arg(first).arg(
+                last)))
         return names;
     while (query.next()) {
         const QVariant name = query.value(1);
@@ -330,6 +353,43 @@ QList<quint8> ObjectDataBase::getSubIndexList(quint8 line, quint16 index, quint8
             subs.append(static_cast<quint8>(sub));
     }
     return subs;
+}
+
+QList<ObjectDataBase::IndexEntry> ObjectDataBase::getAllIndices(quint8 line)
+{
+    strings_.loadTexts();
+    QList<IndexEntry> entries;
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    if (!run("getAllIndices", query,
+             u"select objectindex, metadata, %1 from Objects%2 order by objectindex"_s.arg(
+                 RecordColumns::names(indexColumns), QString::number(line))))
+        return entries;
+    while (query.next()) {
+        IndexEntry &entry = entries.emplace_back();
+        entry.index = static_cast<quint16>(query.value(0).toUInt());
+        entry.data.metadata = MetadataBlob::parse(query.value(1).toByteArray());
+        RecordColumns::readRow(indexColumns, query, entry.data, strings_, 2);
+    }
+    return entries;
+}
+
+QList<ObjectDataBase::SubEntry> ObjectDataBase::getAllSubIndices(quint8 line)
+{
+    strings_.loadTexts();
+    QList<SubEntry> entries;
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    if (!run("getAllSubIndices", query, subSelect(line, u" order by objectindex, subindex"_s)))
+        return entries;
+    while (query.next()) {
+        SubEntry &entry = entries.emplace_back();
+        entry.line = line;
+        entry.index = static_cast<quint16>(query.value(0).toUInt());
+        entry.subindex = static_cast<quint8>(query.value(1).toUInt());
+        readSub(query, entry.data, strings_);
+    }
+    return entries;
 }
 
 QMap<quint16, quint32> ObjectDataBase::getObjectTypes(quint8 line, quint16 first, quint16 last)

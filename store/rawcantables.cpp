@@ -139,6 +139,45 @@ QList<quint32> ObjectDataBase::getCANIDList(quint8 line, quint8 direction)
     return selectNumbers(u"select id from CANIDs%1 %2 order by id asc"_s.arg(QString::number(line), where));
 }
 
+QList<ObjectDataBase::CANID> ObjectDataBase::getAllCANIDs(quint8 line)
+{
+    strings_.loadTexts();
+    QList<CANID> canids;
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    if (!run("getAllCANIDs", query,
+             u"select id, direction, %1 from CANIDs%2 order by direction desc, id"_s.arg(
+                 RecordColumns::names(canidColumns), QString::number(line))))
+        return canids;
+    while (query.next()) {
+        CANID &canid = canids.emplace_back();
+        canid.id = static_cast<quint32>(query.value(0).toLongLong());
+        canid.direction = static_cast<quint8>(query.value(1).toLongLong());
+        RecordColumns::readRow(canidColumns, query, canid, strings_, 2);
+    }
+    return canids;
+}
+
+QList<ObjectDataBase::DataElement> ObjectDataBase::getAllDataElements(quint8 line)
+{
+    strings_.loadTexts();
+    QList<DataElement> elements;
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    if (!run("getAllDataElements", query,
+             u"select canid, direction, number, %1 from DataElements%2 order by number, rowid"_s.arg(
+                 RecordColumns::names(elementColumns), QString::number(line))))
+        return elements;
+    while (query.next()) {
+        DataElement &element = elements.emplace_back();
+        element.pgnnumber = static_cast<quint32>(query.value(0).toLongLong());
+        element.direction = static_cast<quint8>(query.value(1).toLongLong());
+        element.spnnumber = static_cast<quint32>(query.value(2).toLongLong());
+        RecordColumns::readRow(elementColumns, query, element, strings_, 3);
+    }
+    return elements;
+}
+
 QHash<quint32, QString> ObjectDataBase::getCANIDNames(quint8 line, quint8 direction)
 {
     return selectNames(u"select id, name from CANIDs%1 where direction = %2"_s.arg(line).arg(direction));

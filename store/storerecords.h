@@ -65,6 +65,13 @@ struct SubIndexData
     Metadata metadata = {};
 };
 
+/// An object and its address.
+struct IndexEntry
+{
+    quint16 index = 0;
+    IndexData data = {};
+};
+
 /// One entry of a batch.
 struct SubEntry
 {

@@ -69,6 +69,19 @@ QString StringPool::textOf(int id)
     return text;
 }
 
+void StringPool::loadTexts()
+{
+    if (textsLoaded_)
+        return;
+    QSqlQuery query = store_.newQuery();
+    query.setForwardOnly(true);
+    if (!store_.execQuery(query, u"select id, string from Strings"_s))
+        return;
+    while (query.next())
+        texts_.insert(query.value(0).toInt(), query.value(1).toString());
+    textsLoaded_ = true;
+}
+
 void StringPool::reload()
 {
     clear();
@@ -84,10 +97,12 @@ void StringPool::reload()
         if (text.contains(u'\'') && !firstQuoted_.contains(text))
             firstQuoted_.insert(text, id);
     }
+    textsLoaded_ = true;
 }
 
 void StringPool::clear()
 {
+    textsLoaded_ = false;
     texts_.clear();
     ids_.clear();
     firstQuoted_.clear();

@@ -26,6 +26,8 @@ public:
     QString textOf(int id);
     /// Reads the whole table anew.
     void reload();
+    /// Makes `textOf` answer without the database, by one scan for the first call after an open.
+    void loadTexts();
     void clear();
 
     /// During its lifetime new texts are added by one prepared statement; at most one at a time.
@@ -45,6 +47,7 @@ private:
 
     ObjectDataBase &store_;
     QHash<int, QString> texts_;
+    bool textsLoaded_ = false;
     QHash<QString, int> ids_;         ///< interned during this session: by the text with its quotes doubled
     QHash<QString, int> firstQuoted_; ///< first row of each text that holds a quote
     std::unique_ptr<QSqlQuery> batchInsert_;

@@ -14,7 +14,6 @@ namespace {
 const QString tagAttribute = u"eds_define"_s;
 
 constexpr quint16 firstIndex = 0x1000;
-constexpr quint16 lastIndex = 0xffff;
 
 /// Objects that exist with CANopen FD only.
 constexpr bool isExtendedOnly(quint16 index)
@@ -43,8 +42,9 @@ QStringList edsTags(ObjectDataBase &store, quint8 line)
         if (own != metadata.constEnd() && !tags.contains(*own))
             tags.append(*own);
     };
-    for (const quint16 index : store.getIndexList(line, firstIndex, lastIndex)) {
-        const ObjectRecords records = ObjectRecords::read(store, line, index);
+    const ObjectReader reader(store, line, firstIndex);
+    for (const quint16 index : reader.indices()) {
+        const ObjectRecords records = reader.read(index);
         note(records.object.metadata);
         for (const ObjectRecords::Sub &sub : records.subs)
             note(sub.data.metadata);
@@ -67,22 +67,21 @@ QString EDSGenerator::jobName() const
     return u"EDS file"_s;
 }
 
-QList<quint16> EDSGenerator::writtenIndices() const
+QList<quint16> EDSGenerator::writtenIndices(const ObjectReader &reader) const
 {
-    QList<quint16> indices = database()->getIndexList(line(), firstIndex, lastIndex);
-    indices.removeIf([this](quint16 index) {
-        if (!variant_.extended && isExtendedOnly(index))
-            return true;
-        ObjectDataBase::INDEX_DATA_T object;
-        return database()->getIndex(line(), index, object) && !variant_.holds(object.metadata);
-    });
+    QList<quint16> indices;
+    for (auto object = reader.objects().cbegin(); object != reader.objects().cend(); ++object) {
+        if (variant_.holds(object->metadata) && (variant_.extended || !isExtendedOnly(object.key())))
+            indices.append(object.key());
+    }
     return indices;
 }
 
 void EDSGenerator::write(QTextStream &stream)
 {
     EdsWriter writer(stream, *database(), line(), variant_);
-    const QList<quint16> indices = writtenIndices();
+    const ObjectReader reader(*database(), line(), firstIndex);
+    const QList<quint16> indices = writtenIndices(reader);
     writer.writeHead(baseName());
     writer.writeObjectLists(indices);
     Q_EMIT progress(25);
@@ -91,7 +90,7 @@ void EDSGenerator::write(QTextStream &stream)
             qDebug() << "Generation aborted";
             break;
         }
-        writer.writeObject(ObjectRecords::read(*database(), line(), index));
+        writer.writeObject(reader.read(index));
         QThread::yieldCurrentThread();
     }
     Q_EMIT progress(98);

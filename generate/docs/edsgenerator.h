@@ -6,6 +6,7 @@
 #include <QStringList>
 
 class ObjectDataBase;
+class ObjectReader;
 
 /// Which of a line's device descriptions is meant.
 struct EdsVariant
@@ -40,7 +41,7 @@ protected:
     void write(QTextStream &stream) override;
 
 private:
-    QList<quint16> writtenIndices() const;
+    QList<quint16> writtenIndices(const ObjectReader &reader) const;
 
     EdsVariant variant_;
 };

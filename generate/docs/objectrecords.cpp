@@ -6,16 +6,24 @@
 
 #include <algorithm>
 
-ObjectRecords ObjectRecords::read(ObjectDataBase &store, quint8 line, quint16 index)
+ObjectReader::ObjectReader(ObjectDataBase &store, quint8 line, quint16 first)
+    : store_(store)
+    , line_(line)
+    , objects_(store.getIndices(line, first, 0xffff))
 {
-    ObjectRecords records;
-    records.line = line;
-    records.index = index;
-    store.getIndex(line, index, records.object);
-    for (const quint8 subindex : store.getSubIndexList(line, index)) {
-        Sub &sub = records.subs.emplaceBack();
+    for (const ObjectDataBase::SubKey &key : store.getSubKeys(line))
+        subs_[key.index].append(key.subindex);
+}
+
+ObjectRecords ObjectReader::read(quint16 index) const
+{
+    ObjectRecords records{.line = line_, .index = index, .object = objects_.value(index), .subs = {}};
+    const QList<quint8> subindices = subs_.value(index);
+    records.subs.reserve(subindices.size());
+    for (const quint8 subindex : subindices) {
+        ObjectRecords::Sub &sub = records.subs.emplaceBack();
         sub.subindex = subindex;
-        store.getSubIndex(line, index, subindex, sub.data);
+        store_.getSubIndex(line_, index, subindex, sub.data);
     }
     return records;
 }

@@ -2,11 +2,13 @@
 
 #include "store/storerecords.h"
 
+#include <QHash>
 #include <QList>
+#include <QMap>
 
 class ObjectDataBase;
 
-/// An object with its subindices, read at once, as the descriptions and tables print it.
+/// An object with its subindices, as the descriptions and tables print it.
 struct ObjectRecords
 {
     struct Sub
@@ -14,9 +16,6 @@ struct ObjectRecords
         quint8 subindex = 0;
         StoreRecords::SubIndexData data;
     };
-
-    /// Reads from the store. What it does not have counts as a record that is new: "unnamed object" and so on.
-    static ObjectRecords read(ObjectDataBase &store, quint8 line, quint16 index);
 
     /// ARRAY or RECORD: the subindices are items of their own.
     bool isGroup() const;
@@ -35,4 +34,23 @@ struct ObjectRecords
     quint16 index = 0;
     StoreRecords::IndexData object;
     QList<Sub> subs; ///< ascending
+};
+
+/// Reads the objects of a line one after another, with few statements for all of them.
+class ObjectReader
+{
+public:
+    /// For the objects from `first` to 0xffff, as they are now.
+    ObjectReader(ObjectDataBase &store, quint8 line, quint16 first);
+
+    /// By index.
+    const QMap<quint16, StoreRecords::IndexData> &objects() const { return objects_; }
+    QList<quint16> indices() const { return objects_.keys(); }
+    ObjectRecords read(quint16 index) const;
+
+private:
+    ObjectDataBase &store_;
+    const quint8 line_;
+    QMap<quint16, StoreRecords::IndexData> objects_;
+    QHash<quint16, QList<quint8>> subs_;
 };

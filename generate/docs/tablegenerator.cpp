@@ -19,13 +19,14 @@ void TableGenerator::write(QTextStream &stream)
 {
     writeHead(stream);
     auto area = areas.begin();
-    for (const quint16 index : database()->getIndexList(line(), firstIndex, 0xffff)) {
+    const ObjectReader reader(*database(), line(), firstIndex);
+    for (const quint16 index : reader.indices()) {
         if (takeCancelRequest()) {
             qDebug() << "Generation aborted";
             return;
         }
         for (; area != areas.end() && index >= *area; ++area)
             stream << " \n";
-        writeObject(stream, ObjectRecords::read(*database(), line(), index));
+        writeObject(stream, reader.read(index));
     }
 }

@@ -219,12 +219,13 @@ void XDDGenerator::write(QTextStream &stream)
     writer.writeDevice(ownName);
     Q_EMIT progress(20);
     writer.beginCommunication(ownName);
-    for (const quint16 index : database()->getIndexList(line(), 0, 0xffff)) {
+    const ObjectReader reader(*database(), line(), 0);
+    for (const quint16 index : reader.indices()) {
         if (takeCancelRequest()) {
             qDebug() << "Generation aborted";
             break;
         }
-        writer.writeObject(ObjectRecords::read(*database(), line(), index));
+        writer.writeObject(reader.read(index));
     }
     writer.endCommunication();
     writer.finish();

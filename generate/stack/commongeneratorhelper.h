@@ -14,6 +14,7 @@ class CommonGeneratorHelper
 {
 public:
     explicit CommonGeneratorHelper(const std::shared_ptr<ObjectDataBase> &store);
+    CommonGeneratorHelper(const std::shared_ptr<ObjectDataBase> &store, const Dialect &dialect);
 
     /// `commonInitVars`.
     void writeCommonInit(CodeWriter &out) const;
@@ -23,9 +24,6 @@ public:
     void writeUdsInitCalls(CodeWriter &out) const;
 
     bool hasUds() const { return uds_.has_value(); }
-
-protected:
-    CommonGeneratorHelper(const std::shared_ptr<ObjectDataBase> &store, const Dialect &dialect);
 
 private:
     const Dialect &dialect_;

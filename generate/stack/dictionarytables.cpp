@@ -9,8 +9,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr quint16 firstIndex = 0x1000;
-constexpr quint8 lineLimit = 32;
 /// The first object whose equal subindices may share a row: what lies below is small and fixed by CiA 301.
 constexpr quint16 firstCompactIndex = 0x1200;
 constexpr std::size_t positionLimit = 0x10000;
@@ -58,7 +56,7 @@ void readSettings(DictionaryTables &tables, ObjectDataBase &store)
 std::vector<DictionaryObject> readObjects(ObjectDataBase &store, quint8 line, bool compact)
 {
     std::vector<DictionaryObject> objects;
-    const QMap<quint16, quint32> types = store.getObjectTypes(line, firstIndex, 0xFFFF);
+    const QMap<quint16, quint32> types = store.getObjectTypes(line, firstDictionaryIndex, 0xFFFF);
     for (auto type = types.begin(); type != types.end(); ++type)
         objects.push_back({.index = type.key(), .objectType = type.value()});
     auto object = objects.begin();
@@ -81,7 +79,7 @@ void readLines(DictionaryTables &tables, ObjectDataBase &store)
     QList<quint8> numbers = store.getNodeList();
     std::ranges::sort(numbers);
     for (const quint8 number : numbers) {
-        if (number >= lineLimit)
+        if (number >= dictionaryLineLimit)
             break;
         DictionaryLine line{.number = number, .objects = readObjects(store, number, tables.options.compactDescription)};
         if (line.isDevice())

@@ -23,6 +23,10 @@ constexpr quint32 objectKey(quint8 line, quint16 index)
     return quint32{line} << 24 | index;
 }
 
+/// Objects below this index and lines from this number up take no part in the dictionary.
+inline constexpr quint16 firstDictionaryIndex = 0x1000;
+inline constexpr quint8 dictionaryLineLimit = 32;
+
 /// What a subindex becomes in the generated sources (column `implementation`).
 enum Implementation : quint8
 {
@@ -144,8 +148,6 @@ struct DictionaryOptions
 
 /// The object dictionary of a project as the generated sources hold it: read from the store once and computed whole,
 /// ready to print.
-///
-/// Objects below 0x1000 and lines from 32 up take no part.
 struct DictionaryTables
 {
     DictionaryOptions options;

@@ -65,7 +65,8 @@ private:
     {
         if (cobIds.empty())
             return;
-        out_(u"\n\t\t/* ${TITLE} */", {{"TITLE", title}});
+        out_(u"");
+        out_(u"\t\t/* ${TITLE} */", {{"TITLE", title}});
         for (const CobId &cobId : cobIds)
             cobId.addsNodeId ? writeSum(cobId) : writeDefault(cobId);
     }

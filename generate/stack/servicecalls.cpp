@@ -124,21 +124,22 @@ private:
                                number(store_, u"usdo_client_enabled"_s, services_.line) > 0;
     }
 
+    /// Without any object there is no table of assignments.
     void addDictionary()
     {
         const QString variables = u"&od_data_variables"_s;
+        const bool empty = tables_.lines.empty();
         if (!tables_.multiLine) {
             add(Service::Dictionary, u"coOdInitOdPtr"_s,
-                {u"&od_assign[0]"_s, u"CO_OD_ASSIGN_CNT"_s, u"&od_description[0]"_s, u"CO_OBJ_DESC_CNT"_s, u"NULL"_s,
-                 variables});
+                {empty ? u"NULL"_s : u"&od_assign[0]"_s, u"CO_OD_ASSIGN_CNT"_s, u"&od_description[0]"_s,
+                 u"CO_OBJ_DESC_CNT"_s, u"NULL"_s, variables});
             return;
         }
-        const quint32 start = dictionary_ == nullptr ? 0 : dictionary_->assignStart;
-        const quint32 count = dictionary_ == nullptr ? 0 : dictionary_->assignCount;
-        const quint32 rows = dictionary_ == nullptr ? 0 : dictionary_->descriptionCount;
+        const DictionaryLine none;
+        const DictionaryLine &line = dictionary_ == nullptr ? none : *dictionary_;
         add(Service::Dictionary, u"coOdInitOdPtr"_s,
-            {u"&od_assign[%1]"_s.arg(start), Code::dec(count), u"od_description"_s, Code::dec(rows), u"NULL"_s,
-             variables});
+            {empty ? u"NULL"_s : u"&od_assign[%1]"_s.arg(line.assignStart), Code::dec(line.assignCount),
+             u"od_description"_s, Code::dec(line.descriptionCount), u"NULL"_s, variables});
     }
 
     void addErrorControl()

@@ -5,12 +5,58 @@
 #include "generate/stack/commongeneratorhelper.h"
 #include "generate/stack/dictionarytables.h"
 #include "generate/stack/linesettings.h"
+#include "generate/stack/loadindication.h"
+#include "generate/stack/stringdefaults.h"
 #include "store/objectdatabase.h"
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
 using LineSettings::number;
+
+namespace {
+
+void writeServerModeInit(CodeWriter &out, const DictionaryTables &tables)
+{
+    if (!tables.multiLine) {
+        out(uR"(
+            RET_T	j1939OdInit(void)
+            {
+            	coOdInitOdPtr(&od_assign[0], CO_OD_ASSIGN_CNT, &od_description[0], CO_OBJ_DESC_CNT, NULL, &od_data_variables);
+
+            	return(RET_OK);
+            }
+            )");
+        return;
+    }
+    out(uR"(
+        RET_T	j1939OdInit(
+        	UNSIGNED8 canLine
+        )
+        {
+        	switch (canLine) {
+        )");
+    for (const DictionaryLine &line : tables.lines)
+        out(uR"(
+            		case ${LINE}:
+            		/* initialize object dictionary variables and pointers */
+            		coOdInitOdPtr(canLine, &od_assign[${START}], ${COUNT}, od_description,${ROWS}, NULL, &od_data_variables);
+            		break;
+            )",
+            {{"LINE", Code::dec(line.number)},
+             {"START", Code::dec(line.assignStart)},
+             {"COUNT", Code::dec(line.assignCount)},
+             {"ROWS", Code::dec(line.descriptionCount)}});
+    out(uR"(
+        	default:
+        	break;
+        	}
+        	return(RET_OK);
+        }
+        )");
+}
+
+} // namespace
 
 StackInit StackInit::collect(ObjectDataBase &store, const DictionaryTables &tables)
 {
@@ -145,7 +191,7 @@ void StackInitWriter::writeSingleLine() const
         ${PARAMETERS}
         )
         {
-        RET_T retVal;
+            RET_T retVal;
 
         )",
          {{"NAME", entryName()}, {"PARAMETERS", entryParameters()}});
@@ -203,8 +249,8 @@ void StackInitWriter::writeWrapper() const
         ${PARAMETERS}
         )
         {
-        CO_INIT_OPTION_T *pCoInitOpt = NULL;
-        RET_T retVal;
+            CO_INIT_OPTION_T *pCoInitOpt = NULL;
+            RET_T retVal;
 
             retVal = coCanOpenStackInit_common(pLoadFunction${MODES});
         )",
@@ -234,8 +280,8 @@ void StackInitWriter::writeCommonFunction() const
 
         RET_T coCanOpenStackInit_common(CO_EVENT_STORE_T pLoadFunction${MODES})
         {
-        ${CAN}LINE_TYPE    ${CAN}LINE;
-        RET_T retVal = RET_OK;
+            ${CAN}LINE_TYPE    ${CAN}LINE;
+            RET_T retVal = RET_OK;
 
         )",
          {{"MODES", modesParameter()}, {"CAN", dialect_.line}});
@@ -281,7 +327,7 @@ void StackInitWriter::writeLineSelection() const
 
         RET_T coCanOpenStackInit_line(${PARAMETERS})
         {
-        RET_T retVal;
+            RET_T retVal;
 
             switch(canLine) {
         )",
@@ -313,7 +359,7 @@ void StackInitWriter::writeLineFunction(const LineServices &line) const
         /* Initialize line <<${LINE}>> */
         RET_T coCanOpenStackInit_line${LINE}(${PARAMETERS})
         {
-        RET_T retVal;
+            RET_T retVal;
 
         )",
          {{"LINE", Code::dec(line.line)}, {"PARAMETERS", lineParameters()}});
@@ -335,7 +381,7 @@ void StackInitWriter::writeFinish() const
         {
         )");
     if (init_.pdoRouting || common_.hasUds())
-        out_(u"RET_T retVal;\n");
+        out_(u"    RET_T retVal;\n");
     if (init_.pdoRouting) {
         out_(uR"(
                 /* initialize PDO routing */ 
@@ -359,44 +405,19 @@ void StackInitWriter::writeFinish() const
         )");
 }
 
-// ---- Server beside J1939 -------------------------------------------------------------------------------------------
+// ---- The whole ------------------------------------------------------------------------------------------------------
 
-void writeServerModeInit(CodeWriter &out, const DictionaryTables &tables)
+void writeStartUpSections(CodeWriter &out, const std::shared_ptr<ObjectDataBase> &store, const DictionaryTables &tables,
+                          const Dialect &dialect)
 {
-    if (!tables.multiLine) {
-        out(uR"(
-            RET_T	j1939OdInit(void)
-            {
-            	coOdInitOdPtr(&od_assign[0], CO_OD_ASSIGN_CNT, &od_description[0], CO_OBJ_DESC_CNT, NULL, &od_data_variables);
-
-            	return(RET_OK);
-            }
-            )");
+    if (tables.options.serverMode) {
+        writeServerModeInit(out, tables);
         return;
     }
-    out(uR"(
-        RET_T	j1939OdInit(
-        	UNSIGNED8 canLine
-        )
-        {
-        	switch (canLine) {
-        )");
-    for (const DictionaryLine &line : tables.lines)
-        out(uR"(
-            		case ${LINE}:
-            		/* initialize object dictionary variables and pointers */
-            		coOdInitOdPtr(canLine, &od_assign[${START}], ${COUNT}, od_description,${ROWS}, NULL, &od_data_variables);
-            		break;
-            )",
-            {{"LINE", Code::dec(line.number)},
-             {"START", Code::dec(line.assignStart)},
-             {"COUNT", Code::dec(line.assignCount)},
-             {"ROWS", Code::dec(line.descriptionCount)}});
-    out(uR"(
-        	default:
-        	break;
-        	}
-        	return(RET_OK);
-        }
-        )");
+    const CommonGeneratorHelper common(store, dialect);
+    const StackInit init = StackInit::collect(*store, tables);
+    StackInitWriter(out, init, common, dialect).writeStartUp();
+    writePredefinedSet(out, PredefinedSet::collect(*store, tables), dialect);
+    if (tables.stringDefaults)
+        writeStringDefaultFunction(out, tables);
 }

@@ -2,6 +2,8 @@
 
 #include "generate/stack/servicecalls.h"
 
+#include <memory>
+
 class CodeWriter;
 class CommonGeneratorHelper;
 struct Dialect;
@@ -79,5 +81,7 @@ private:
     const Dialect &dialect_;
 };
 
-/// Writes the start-up of the SDO server beside J1939, which has nothing but the dictionary.
-void writeServerModeInit(CodeWriter &out, const DictionaryTables &tables);
+/// Writes what follows the tables in gen_objdict.c: the start-up and what belongs to it. The SDO server beside J1939
+/// (`DictionaryOptions::serverMode`) starts nothing but its dictionary.
+void writeStartUpSections(CodeWriter &out, const std::shared_ptr<ObjectDataBase> &store, const DictionaryTables &tables,
+                          const Dialect &dialect);

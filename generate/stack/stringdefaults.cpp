@@ -15,7 +15,7 @@ void writeStringDefaultFunction(CodeWriter &out, const DictionaryTables &tables)
         const auto index = static_cast<quint16>(it.key() >> 8);
         const auto subindex = static_cast<quint8>(it.key());
         const DictionarySub *sub = tables.sub(line, index, subindex);
-        if (sub == nullptr)
+        if (sub == nullptr || sub->data.varname.isEmpty())
             continue;
         out(uR"(
                 /* ${LINE}: ${INDEX} - ${SUB} */

@@ -16,7 +16,7 @@ inline constexpr Property dataType =
     Properties::integer("dataType"_L1, 0, 65535, "CANopen datatype object index, decimal (e.g. 5 for UNSIGNED8)"_L1);
 inline constexpr Property description = Properties::string("description"_L1, "Descriptive text (optional)"_L1);
 inline constexpr Property defaultValue =
-    Properties::string("defaultValue"_L1, "Default value, e.g. \"0x0\" (optional)"_L1);
+    Properties::string("defaultValue"_L1, R"(Default value, e.g. "0x0" (optional))"_L1);
 
 inline constexpr QLatin1StringView directions[]{"Transmit"_L1, "Receive"_L1, "Invalid"_L1};
 /// As part of the identity of a message.

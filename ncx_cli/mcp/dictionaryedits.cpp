@@ -32,12 +32,12 @@ constexpr Property objectType = Properties::choice("objectType"_L1, objectTypes,
 constexpr Property category = Properties::choice("category"_L1, categories, "Default: Optional"_L1);
 constexpr Property subindexName = Properties::string("name"_L1, "Subindex name"_L1);
 constexpr Property accessType =
-    Properties::string("accessType"_L1, "e.g. \"ro\", \"rw\", \"wo\", \"const\" (default: \"ro\")"_L1);
+    Properties::string("accessType"_L1, R"(e.g. "ro", "rw", "wo", "const" (default: "ro"))"_L1);
 constexpr Property size =
     Properties::integer("size"_L1, 0, 2147483647, "Size in bytes, only relevant for strings/domain (optional)"_L1);
 constexpr Property pdoMapping =
-    Properties::choice("pdoMapping"_L1, pdoMappings, "PDO mapping attribute (default: \"forbidden\")"_L1);
-constexpr Property newDefaultValue = Properties::string("defaultValue"_L1, "New default value, e.g. \"0x0\""_L1);
+    Properties::choice("pdoMapping"_L1, pdoMappings, R"(PDO mapping attribute (default: "forbidden"))"_L1);
+constexpr Property newDefaultValue = Properties::string("defaultValue"_L1, R"(New default value, e.g. "0x0")"_L1);
 constexpr Property srcLine = Properties::integer("srcLine"_L1, 0, 255, "Source line id"_L1);
 constexpr Property srcIndex = Properties::integer("srcIndex"_L1, 0, 65535, "Source index, decimal"_L1);
 constexpr Property destLine = Properties::integer("destLine"_L1, 0, 255, "Destination line id"_L1);

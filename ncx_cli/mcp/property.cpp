@@ -71,8 +71,7 @@ std::optional<QString> valueProblem(const QString &path, const QJsonValue &value
     if (type == "array"_L1 && property.items) {
         const QJsonArray elements = value.toArray();
         for (qsizetype i = 0; i < elements.size(); ++i) {
-            if (const auto problem =
-                    valueProblem(u"%1[%2]"_s.arg(path, QString::number(i)), elements.at(i), *property.items))
+            if (auto problem = valueProblem(u"%1[%2]"_s.arg(path, QString::number(i)), elements.at(i), *property.items))
                 return problem;
         }
     }
@@ -126,7 +125,7 @@ std::optional<QString> argumentProblem(const QJsonObject &arguments, std::span<c
             return u"Missing required argument: %1"_s.arg(property.name);
     }
     for (const QString &name : given) {
-        if (const auto problem = valueProblem(name, arguments.value(name), *properties.value(name)))
+        if (auto problem = valueProblem(name, arguments.value(name), *properties.value(name)))
             return problem;
     }
     return {};

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr qsizetype chunkSize = 64 * 1024;
+constexpr qsizetype chunkSize = 65536;
 
 /// Repeats a transfer that a signal interrupts, or that a client's stream refuses because it is set not to block.
 template <typename Transfer>

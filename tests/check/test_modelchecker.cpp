@@ -10,21 +10,20 @@ using TestSupport::ProjectBuilder;
 
 namespace {
 
-/// Runs one rule as a CANopen rule and returns what it reported.
-QStringList reported(const ProjectBuilder &project, const CheckRule &rule, qint32 *errors = nullptr,
-                     bool *corrected = nullptr)
+/// Runs rules as those of a CANopen line and returns what they reported.
+QStringList reported(const ProjectBuilder &project, std::span<const CheckRule> rules)
 {
-    const CheckRules rules{.common = {}, .canOpen = {&rule, 1}, .j1939 = {}, .rawCan = {}};
-    ModelChecker checker(rules);
+    ModelChecker checker({.common = {}, .canOpen = rules, .j1939 = {}, .rawCan = {}});
     QStringList texts;
     QObject::connect(&checker, &ModelChecker::newError, [&texts](const QString &text) { texts.append(text); });
-    bool flag = false;
-    const qint32 count = checker.checkCANopenLine(0, project.store(), flag);
-    if (errors)
-        *errors = count;
-    if (corrected)
-        *corrected = flag;
+    bool corrected = false;
+    checker.checkCANopenLine(0, project.store(), corrected);
     return texts;
+}
+
+QStringList reported(const ProjectBuilder &project, const CheckRule &rule)
+{
+    return reported(project, std::span(&rule, 1));
 }
 
 /// Names whatever its subject holds.
@@ -37,12 +36,10 @@ void describe(ModelChecker &checker, const CheckSubject &subject)
         parts.append(subject.sub->data.name);
     if (subject.pgn)
         parts.append(subject.pgn->data.name);
-    if (subject.spn)
-        parts.append(subject.spn->name);
     if (subject.canId)
         parts.append(subject.canId->data.name);
     if (subject.signal)
-        parts.append(subject.signal->name);
+        parts.append(subject.signal->data.name);
     checker.reportInfo(parts.join(u'.'));
 }
 
@@ -55,30 +52,48 @@ TEST(CheckRules, LoopsGoThroughTheLineInOrder)
         .spn(1, u"p1"_s)
         .pgn(6, ObjectDataBase::receive, u"Q"_s);
     project.canId(7, ObjectDataBase::transmit, u"C"_s).element(1, u"c1"_s).element(0, u"c0"_s);
-    const std::pair<CheckRule::Loop, QString> rows[] = {
-        {onceForCheck, u""_s},
-        {eachObject, u"A B"_s},
-        {eachObjectOf<0x1800, 0x19FF>, u"B"_s},
-        {eachSubindex, u"A.a1 B.b0 B.b2"_s},
-        {eachPGN, u"Q P"_s},
-        {eachSPN, u"P.p9 P.p1"_s},
-        {eachCanId, u"C"_s},
-        {eachSignal, u"C.c0 C.c1"_s},
+    const std::tuple<CheckLoop, CheckLoop, QString> rows[] = {
+        {once, once, u""_s},
+        {eachObject, once, u"A B"_s},
+        {eachObjectOf<0x1800, 0x19FF>, once, u"B"_s},
+        {eachObject, itsSubindices, u"A.a1 B.b0 B.b2"_s},
+        {eachPGN, once, u"Q P"_s},
+        {eachPGN, itsSPNs, u"P.p9 P.p1"_s},
+        {eachCanId, once, u"C"_s},
+        {eachCanId, itsSignals, u"C.c0 C.c1"_s},
     };
-    for (const auto &[loop, expected] : rows)
-        EXPECT_EQ(reported(project, {describe, loop}).join(u' '), expected);
+    for (const auto &[each, within, expected] : rows)
+        EXPECT_EQ(reported(project, {"describe"_L1, describe, each, within}).join(u' '), expected);
+}
+
+TEST(CheckRules, NeighboursShareAPass)
+{
+    ProjectBuilder project;
+    project.object(0x2000, u"A"_s).sub(0, u"0"_s).sub(1, u"1"_s).object(0x2001, u"B"_s).sub(0, u"2"_s);
+    const auto marked = [](const QString &mark) {
+        return [mark](ModelChecker &checker, const CheckSubject &subject) {
+            checker.reportInfo(mark + (subject.sub ? subject.sub->data.name : subject.object->data.name));
+        };
+    };
+    const CheckRule rules[] = {
+        {"a"_L1, marked(u"a"_s), eachObject},
+        {"b"_L1, marked(u"b"_s), eachObject, itsSubindices},
+        {"c"_L1, marked(u"c"_s), eachObject, itsSubindices},
+        {"d"_L1, marked(u"d"_s), eachObject},
+        {"e"_L1, marked(u"e"_s), eachObject, once, true},
+    };
+    EXPECT_EQ(reported(project, rules).join(u' '), u"aA b0 c0 b1 c1 dA aB b2 c2 dB eA eB");
 }
 
 TEST(ModelChecker, CountsErrorsAnewAndSuppressedWarningsOverAllLines)
 {
-    const CheckRule rule{[](ModelChecker &checker, const CheckSubject &) {
+    const CheckRule rule{"rule"_L1, [](ModelChecker &checker, const CheckSubject &) {
                              checker.reportError(u"error"_s);
                              checker.reportWarning(WG_NAMING, u"naming"_s);
                              checker.reportWarning(WG_LAYOUT, u"layout"_s);
                              checker.reportHint(WG_NAMING, u"naming hint"_s);
                              checker.reportHint(WG_CONFIG, u"config hint"_s);
-                         },
-                         onceForCheck};
+                         }};
     const CheckRules rules{.common = {}, .canOpen = {}, .j1939 = {&rule, 1}, .rawCan = {&rule, 1}};
     ProjectBuilder project;
     project.misc(u"SuppressedWarningGroups"_s, u"wg_layout, nonsense ,WG_NAMING"_s);
@@ -99,15 +114,17 @@ TEST(ModelChecker, CorrectionsReachTheStoreAndTheRulesBehindThem)
     ProjectBuilder project;
     project.object(0x1A00, u"Mapping"_s).sub(0, u"Number"_s);
     const CheckRule rules[] = {
-        {[](ModelChecker &checker, const CheckSubject &subject) {
+        {"first"_L1,
+         [](ModelChecker &checker, const CheckSubject &subject) {
              StoreRecords::SubIndexData data = subject.object->sub(0)->data;
              data.defaultvalue = u"3"_s;
              checker.correct(subject.object->index, 0, data, u"<i>Corrected"_s);
              checker.noteCorrection();
          },
          eachObject},
-        {[](ModelChecker &checker, const CheckSubject &subject) { checker.reportInfo(subject.sub->data.defaultvalue); },
-         eachSubindex},
+        {"second"_L1,
+         [](ModelChecker &checker, const CheckSubject &subject) { checker.reportInfo(subject.sub->data.defaultvalue); },
+         eachObject, itsSubindices, true},
     };
     ModelChecker checker({.common = {}, .canOpen = rules, .j1939 = {}, .rawCan = {}});
     QStringList texts;

@@ -71,6 +71,7 @@ protected:
         QObject::connect(&handler_, &GeneratorMainHandler::finished, &handler_,
                          [this](GeneratorMainHandler::GeneratorResult result) { results_.append(result); });
         handler_.setRunTable({});
+        handler_.setCheckRules({});
     }
 
     QString path(const QString &name) const { return folder_.filePath(name); }
@@ -181,12 +182,11 @@ TEST_F(Run, EndsAtATemplateFailure)
 
 TEST_F(Run, StopsAtCheckErrorsUnlessTheyAreIgnored)
 {
-    const CheckRule errors[] = {{[](ModelChecker &checker, const CheckSubject &) {
+    const CheckRule errors[] = {{"errors"_L1, [](ModelChecker &checker, const CheckSubject &) {
                                      checker.reportError(u"<strong>Error: </strong>first"_s);
                                      checker.reportError(u"second"_s);
                                      checker.reportWarning(WG_EDS, u"third"_s);
-                                 },
-                                 onceForCheck}};
+                                 }}};
     const CheckRules rules{.common = errors, .canOpen = {}, .j1939 = {}, .rawCan = {}};
     ProjectBuilder project;
     open(project.misc(u"SuppressedWarningGroups"_s, u" wg_eds"_s).general(u"line0type"_s, u"3"_s));
@@ -218,9 +218,9 @@ TEST_F(Run, ChecksEachLineByItsTypeUnderAHeading)
                 checker.noteCorrection();
         };
     };
-    const CheckRule canOpen[] = {{named("C"), onceForCheck}};
-    const CheckRule j1939[] = {{named("J"), onceForCheck}};
-    const CheckRule rawCan[] = {{named("R"), onceForCheck}};
+    const CheckRule canOpen[] = {{"canOpen"_L1, named("C")}};
+    const CheckRule j1939[] = {{"j1939"_L1, named("J")}};
+    const CheckRule rawCan[] = {{"rawCan"_L1, named("R")}};
     const CheckRules rules{.common = {}, .canOpen = canOpen, .j1939 = j1939, .rawCan = rawCan};
     handler_.setCheckRules(rules);
     ProjectBuilder project;
@@ -268,10 +268,26 @@ TEST_F(Run, LeavesTheNamesOutInBootloaderModeOfOneLine)
     handler_.setRunTable(runTable());
     ProjectBuilder project;
     open(project.general(u"uds_bl_setting"_s, u"1"_s));
-    EXPECT_EQ(generate(), checkPassed + endOfRun);
+    EXPECT_EQ(generate().filter(u"gen_indices"_s), QStringList());
+    EXPECT_FALSE(exists(u"gen_indices.h"_s));
     open(project.line(1, 1));
     EXPECT_TRUE(generate().contains("Generation of gen_indices.h in DIR started"_L1));
     EXPECT_TRUE(exists(u"gen_indices.h"_s));
+}
+
+TEST_F(Run, WritesTheVirtualDictionaryAndCopiesForCppOnDemand)
+{
+    handler_.setRunTable(runTable());
+    ProjectBuilder project;
+    open(project.object(0x2000, u"any"_s).sub(0, u"any"_s, [](auto &sub) { sub.implementation = 3; }));
+    EXPECT_TRUE(generate(true).contains("Generation of gen_vobjdict.c in DIR started"_L1));
+    EXPECT_TRUE(exists(u"gen_vobjdict.c"_s));
+    EXPECT_FALSE(exists(u"gen_objdict.cpp"_s));
+    open(project.general(u"generate_cpp_output"_s, u"1"_s).sub(0, u"any"_s));
+    EXPECT_FALSE(generate(true).contains("Generation of gen_vobjdict.c in DIR started"_L1));
+    EXPECT_FALSE(exists(u"gen_vobjdict.c"_s));
+    EXPECT_TRUE(exists(u"gen_objdict.cpp"_s));
+    EXPECT_FALSE(exists(u"gen_user.hpp"_s));
 }
 
 TEST_F(Run, OpenForcesItsSettingsAndTakesThePath)

@@ -1,0 +1,231 @@
+#include "check/modelchecker.h"
+#include "ncx_cli/mcp/projectsession.h"
+#include "ncx_cli/mcp/toolcatalogue.h"
+#include "support/mcpdriver.h"
+#include "support/projectbuilder.h"
+#include "support/testhome.h"
+
+#include <gtest/gtest.h>
+
+#include <QJsonDocument>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+
+using namespace Qt::StringLiterals;
+using namespace TestSupport;
+
+namespace {
+
+/// Tools on a project, without the wire and so without the schemas.
+class Tools : public testing::Test
+{
+protected:
+    Tools()
+    {
+        ProjectBuilder project;
+        project.object(0x2000, u"List"_s).sub(0, u"Entries"_s, [](auto &sub) { sub.defaultvalue = u"2"_s; });
+        project.object(0x2001, u"Other"_s).sub(0, u"Other"_s);
+        const QString path = folder_.filePath(u"device.ncxp"_s);
+        EXPECT_TRUE(project.save(path));
+        EXPECT_EQ(run(u"open_project"_s, {{u"path"_s, path}}), u"Project opened: "_s + path);
+    }
+
+    QString run(const QString &tool, const QJsonObject &arguments = {})
+    {
+        const Reply reply = catalogue_.find(tool)->run(session_, arguments);
+        return McpDriver::told(QJsonDocument::fromJson(reply.line(1)).object());
+    }
+    /// The sentences of an edit, without its check summary.
+    QString edit(const QString &tool, const QJsonObject &arguments)
+    {
+        return run(tool, arguments).section(u"\n\ncheck_model: "_s, 0, 0);
+    }
+    /// Makes the store behave otherwise than it does by itself.
+    void trigger(const QString &event, const QString &action)
+    {
+        QSqlQuery query = session_.store().newQuery();
+        EXPECT_TRUE(session_.store().execQuery(
+            query, u"create trigger t%1 after %2 begin %3; end"_s.arg(QString::number(++triggers_), event, action)));
+    }
+
+    QTemporaryDir folder_;
+    ProjectSession session_;
+    ToolCatalogue catalogue_;
+    int triggers_ = 0;
+};
+
+const QJsonObject object2000{{u"line"_s, 0}, {u"index"_s, 0x2000}};
+
+QJsonObject with(QJsonObject object, const QJsonObject &more)
+{
+    for (auto it = more.begin(); it != more.end(); ++it)
+        object.insert(it.key(), it.value());
+    return object;
+}
+
+TEST_F(Tools, TellMissingArgumentsByTheirGroup)
+{
+    const QList<std::pair<QString, QString>> rows{
+        {u"open_project"_s, u"path"_s},
+        {u"import_file"_s, u"path"_s},
+        {u"get_line"_s, u"line"_s},
+        {u"add_line"_s, u"line"_s},
+        {u"delete_line"_s, u"line"_s},
+        {u"list_indices"_s, u"line"_s},
+        {u"get_index"_s, u"line and/or index"_s},
+        {u"get_subindex"_s, u"line, index and/or sub"_s},
+        {u"find_indices"_s, u"line and/or globPattern"_s},
+        {u"add_index"_s, u"line, index, name, objectType and/or dataType"_s},
+        {u"delete_index"_s, u"line and/or index"_s},
+        {u"add_subindex"_s, u"line, index, sub, name and/or dataType"_s},
+        {u"delete_subindex"_s, u"line, index and/or sub"_s},
+        {u"set_subindex_value"_s, u"line, index, sub and/or defaultValue"_s},
+        {u"set_index_name"_s, u"line, index and/or name"_s},
+        {u"copy_index"_s, u"srcLine, srcIndex, destLine and/or destIndex"_s},
+    };
+    for (const auto &[tool, keys] : rows)
+        EXPECT_EQ(run(tool), u"-32602 Missing required argument: "_s + keys) << qPrintable(tool);
+}
+
+TEST_F(Tools, TellThatTheStoreIsGone)
+{
+    session_.store().closeDatabase();
+    const QString gone = u"! Internal error: no database available."_s;
+    const QJsonObject sub = with(object2000, {{u"sub"_s, 0}});
+    EXPECT_EQ(run(u"list_lines"_s), gone);
+    EXPECT_EQ(run(u"get_line"_s, {{u"line"_s, 0}}), u"! Line 0 does not exist."_s);
+    EXPECT_EQ(run(u"add_line"_s, {{u"line"_s, 0}}), gone);
+    EXPECT_EQ(run(u"delete_line"_s, {{u"line"_s, 0}}), gone);
+    EXPECT_EQ(run(u"list_indices"_s, {{u"line"_s, 0}}), gone);
+    EXPECT_EQ(run(u"find_indices"_s, {{u"line"_s, 0}, {u"globPattern"_s, u""_s}}),
+              u"-32602 Argument globPattern must not be empty"_s);
+    EXPECT_EQ(run(u"find_indices"_s, {{u"line"_s, 0}, {u"globPattern"_s, u"*"_s}}), gone);
+    EXPECT_EQ(run(u"get_index"_s, object2000), gone);
+    EXPECT_EQ(run(u"delete_index"_s, object2000), gone);
+    EXPECT_EQ(run(u"get_subindex"_s, sub), gone);
+    EXPECT_EQ(run(u"delete_subindex"_s, sub), gone);
+    EXPECT_EQ(run(u"set_subindex_value"_s, with(sub, {{u"defaultValue"_s, u"1"_s}})), gone);
+    EXPECT_EQ(run(u"set_index_name"_s, with(object2000, {{u"name"_s, u"x"_s}})), gone);
+}
+
+TEST_F(Tools, TellWhatTheStoreDidWithAnEdit)
+{
+    const QJsonObject newObject{{u"line"_s, 0},
+                                {u"index"_s, 0x3000},
+                                {u"name"_s, u"New"_s},
+                                {u"dataType"_s, 5},
+                                {u"objectType"_s, u"Record"_s}};
+    trigger(u"insert on Objects0 when new.objectindex = 0x3000"_s,
+            u"delete from Objects0 where objectindex = 0x3000"_s);
+    EXPECT_EQ(run(u"add_index"_s, newObject), u"! Failed to add index 0x3000 on line 0."_s);
+    trigger(u"insert on SubObjects0 when new.objectindex = 0x3001"_s, u"select raise(abort, 'no')"_s);
+    EXPECT_EQ(run(u"add_index"_s, with(newObject, {{u"index"_s, 0x3001}})),
+              u"! Index 0x3001 was added on line 0, but its subindex 0 could not be created."_s);
+    EXPECT_TRUE(session_.store().indexExists(0, 0x3001));
+
+    const QJsonObject newSub = with(object2000, {{u"name"_s, u"Third"_s}, {u"dataType"_s, 7}});
+    trigger(u"insert on SubObjects0 when new.subindex = 3"_s,
+            u"update SubObjects0 set defaultvalue = '3' where objectindex = new.objectindex and subindex = 0"_s);
+    EXPECT_EQ(edit(u"add_subindex"_s, with(newSub, {{u"sub"_s, 3}})),
+              u"Subindex 0x2000:3 added on line 0.\nNote: the value of subindex 0 changed from \"2\" to \"3\". Use "
+              "set_subindex_value on subindex 0 if the object needs a different value."_s);
+    trigger(u"insert on SubObjects0 when new.subindex = 4"_s, u"delete from SubObjects0 where subindex = 4"_s);
+    EXPECT_EQ(run(u"add_subindex"_s, with(newSub, {{u"sub"_s, 4}})), u"! Failed to add subindex 0x2000:4 on line 0."_s);
+    // Without a subindex 0 before, there is nothing to compare with.
+    session_.store().removeSubIndex(0, 0x2000, 0);
+    EXPECT_EQ(edit(u"add_subindex"_s, with(newSub, {{u"sub"_s, 5}})), u"Subindex 0x2000:5 added on line 0."_s);
+
+    trigger(u"update on Objects0 when new.objectindex = 0x2000"_s,
+            u"update Objects0 set name = (select name from Objects0 where objectindex = 0x2001) "
+            "where objectindex = 0x2000"_s);
+    EXPECT_EQ(run(u"set_index_name"_s, with(object2000, {{u"name"_s, u"Mine"_s}})),
+              u"! Rename may have failed: index 0x2000 on line 0 now reads \"Other\"."_s);
+    EXPECT_EQ(run(u"copy_index"_s,
+                  {{u"srcLine"_s, 0}, {u"srcIndex"_s, 0x2000}, {u"destLine"_s, 0}, {u"destIndex"_s, 0x3000}}),
+              u"! Failed to copy index 0x2000 (line 0) to 0x3000 (line 0)."_s);
+}
+
+TEST_F(Tools, GiveANewObjectTheLimitsOfItsType)
+{
+    const QJsonObject newObject{{u"line"_s, 0}, {u"name"_s, u"New"_s}, {u"dataType"_s, 3}};
+    edit(u"add_index"_s, with(newObject, {{u"index"_s, 0x3000}, {u"objectType"_s, u"Variable"_s}}));
+    edit(u"add_index"_s, with(newObject, {{u"index"_s, 0x3001}, {u"objectType"_s, u"Array"_s}}));
+    ObjectDataBase::SUBINDEX_DATA_T value;
+    ASSERT_TRUE(session_.store().getSubIndex(0, 0x3000, 0, value));
+    EXPECT_EQ(value.lowlimit, u"-32768"_s);
+    EXPECT_EQ(value.uplimit, u"32767"_s);
+    EXPECT_EQ(value.implementation, 0);
+    ObjectDataBase::SUBINDEX_DATA_T entries;
+    ASSERT_TRUE(session_.store().getSubIndex(0, 0x3001, 0, entries));
+    EXPECT_EQ(entries.lowlimit, u"0"_s);
+    EXPECT_EQ(entries.uplimit, u"255"_s);
+    EXPECT_EQ(entries.implementation, 1);
+    EXPECT_TRUE(entries.defaultineds);
+}
+
+TEST_F(Tools, EndEditsWithWhatTheCheckSays)
+{
+    session_.handler().setCheckRules({});
+    EXPECT_EQ(run(u"set_index_name"_s, with(object2000, {{u"name"_s, u"x"_s}})),
+              u"Index 0x2000 on line 0 renamed to \"x\".\n\ncheck_model: OK (0 errors)."_s);
+
+    const auto reportTwo = [](ModelChecker &checker, const CheckSubject &) {
+        checker.reportInfo(u"<b>An info</b>"_s);
+        checker.reportError(u"An %1 error"_s);
+    };
+    const CheckRule rule{reportTwo, onceForCheck};
+    const CheckRules rules{.common = {&rule, 1}, .canOpen = {}, .j1939 = {}, .rawCan = {}};
+    session_.handler().setCheckRules(rules);
+    EXPECT_EQ(run(u"set_index_name"_s, with(object2000, {{u"name"_s, u"y"_s}})),
+              u"Index 0x2000 on line 0 renamed to \"y\".\n\ncheck_model: 1 error(s):\n<b>An info</b>\nAn %1 error"_s);
+    EXPECT_EQ(run(u"check_model"_s), u"! {\"errorCount\":1,\"errors\":[\"<b>An info</b>\",\"An %1 error\"]}"_s);
+    EXPECT_TRUE(run(u"generate"_s).startsWith("! Generation failed.\n"_L1));
+    EXPECT_TRUE(run(u"generate"_s, {{u"disableCheck"_s, true}}).startsWith("Generation completed.\n"_L1));
+}
+
+TEST_F(Tools, HoldTheReaderBackDuringAGeneration)
+{
+    QStringList events;
+    session_.setReadingEnabled = [&](bool enabled) { events.append(enabled ? u"on"_s : u"off"_s); };
+    QObject::connect(&session_.handler(), &GeneratorMainHandler::finished, &session_, [&] { events.append(u"run"_s); });
+    const QString usual = session_.handler().outputFolder();
+    run(u"generate"_s, {{u"outputPath"_s, folder_.filePath(u"missing"_s)}});
+    EXPECT_EQ(events, (QStringList{u"off"_s, u"run"_s, u"on"_s}));
+    EXPECT_EQ(session_.handler().outputFolder(), usual);
+}
+
+TEST_F(Tools, SayOnlyWhatTheirOwnOperationSaid)
+{
+    session_.output().message(u"<i>left</i> over"_s);
+    EXPECT_EQ(session_.output().collectedText(), u" over\n"_s);
+    EXPECT_EQ(run(u"save_project"_s), u"Project saved."_s);
+    EXPECT_EQ(session_.output().takeOutput(), QString());
+}
+
+TEST(Arguments, FitTheirSchemas)
+{
+    const Property number{.name = "n"_L1, .types = Properties::Types::scalar};
+    const Property element = Properties::integer({}, 0, 65535, {});
+    const Property list = Properties::array("list"_L1, element, {});
+    const QList<std::pair<QByteArray, QString>> rows{
+        {"{'n':1}", {}},
+        {"{'n':1.5}", {}},
+        {"{'n':'x'}", {}},
+        {"{'n':false}", {}},
+        {"{'n':[]}", u"Argument \"n\" must be of type string or number or boolean, got array."_s},
+        {"{'list':[]}", {}},
+        {"{'list':[0,7.0,65535]}", {}},
+        {"{'list':[0,65536,-1]}", u"Argument \"list[1]\" is out of range (maximum 65535, got 65536)."_s},
+        {"{'list':[0,1,null]}", u"Argument \"list[2]\" must be of type integer, got null."_s},
+        {"{'list':{}}", u"Argument \"list\" must be of type array, got object."_s},
+        {"{'list':9223372036854775807}", u"Argument \"list\" must be of type array, got integer."_s},
+    };
+    const Property optional[]{number, list};
+    for (const auto &[json, problem] : rows) {
+        const QJsonObject arguments = QJsonDocument::fromJson(QByteArray(json).replace('\'', '"')).object();
+        EXPECT_FALSE(arguments.isEmpty());
+        EXPECT_EQ(argumentProblem(arguments, {}, optional).value_or(QString()), problem) << json.constData();
+    }
+}
+
+} // namespace

@@ -38,6 +38,8 @@ const TypeCase typeCases[] = {
     {27, u"UNSIGNED64"_s, u"U64"_s, 64, u"0"_s, u"18446744073709551615"_s},
     {100, u"UNSIGNED2"_s, u"U2"_s, 2, u"0"_s, u"3"_s},
     {105, u"UNSIGNED7"_s, u"U7"_s, 7, u"0"_s, u"127"_s},
+    {109, u"UNSIGNED12"_s, u"U12"_s, 12, u"0"_s, u"4095"_s},
+    {119, u"UNSIGNED23"_s, u"U23"_s, 23, u"0"_s, u"8388607"_s},
     {121, u"STRING_ASTERISK"_s, u"SA"_s, 0, {}, {}},
     {124, u"UTF8_STRING"_s, u"UTF8"_s, 0, {}, {}},
 };
@@ -63,7 +65,7 @@ TEST(COHelper, DataTypes)
         if (const QString name = COHelper::index2DataTypeShortString(code); !name.isEmpty())
             names << name << COHelper::index2DataTypeString(code);
     }
-    EXPECT_EQ(names.size(), 2 * 34);
+    EXPECT_EQ(names.size(), 2 * 48);
     EXPECT_EQ(names.removeDuplicates(), 0);
 }
 

@@ -39,6 +39,13 @@ TEST(Helper, AddLowerCaseUtoNumberLists)
         EXPECT_EQ(Helper::addLowerCaseUtoNumberLists(list), result) << list.toStdString();
 }
 
+TEST(Helper, UTF8String2ArrayString)
+{
+    EXPECT_EQ(Helper::UTF8String2ArrayString(u"plain"_s), u"\"plain\"");
+    EXPECT_EQ(Helper::UTF8String2ArrayString(u"Gr\u00f61 \"?\?=\\\n"_s), u"\"Gr\\303\\2661 \\\"?\\?=\\\\\\012\"");
+    EXPECT_EQ(Helper::UTF8String2ArrayString(u"|x41C3b67"_s), u"\"A\\303\\266\\007\"");
+}
+
 TEST(Helper, ModifyLineEnding)
 {
     const QTemporaryDir folder;

@@ -1,5 +1,7 @@
 #include "support/projectbuilder.h"
 
+#include "store/lineprotocols.h"
+
 using namespace Qt::StringLiterals;
 using namespace TestSupport;
 
@@ -15,6 +17,24 @@ ProjectBuilder &ProjectBuilder::line(quint8 line, int type)
     if (!store_->nodeExists(line))
         store_->addNode(line, {});
     return general(u"line%1type"_s.arg(line), QString::number(type));
+}
+
+ProjectBuilder &ProjectBuilder::checked()
+{
+    general(u"co_timer_interval"_s, u"1000"_s);
+    const LineProtocols protocols = LineProtocols::ofLine(*store_, line_);
+    if (protocols.j1939) {
+        for (const char *key : {"identitynumber", "manufacturercode", "ecuinstance", "functioninstance", "function",
+                                "vehiclesystem", "vehicleinstance", "industrygroup", "startaddress"})
+            j1939(QString::fromLatin1(key), u"1"_s);
+    }
+    if (!protocols.canOpen)
+        return *this;
+    general(u"co_node_id"_s, u"32"_s);
+    for (const auto &[index, name] : {std::pair{0x1000, u"Device type"_s}, std::pair{0x1001, u"Error register"_s},
+                                      std::pair{0x1017, u"Producer heartbeat"_s}})
+        object(static_cast<quint16>(index), name).sub(0, name);
+    return *this;
 }
 
 ProjectBuilder &ProjectBuilder::object(quint16 index, const QString &name, const StoreRecords::Metadata &metadata)

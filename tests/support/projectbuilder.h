@@ -16,6 +16,9 @@ public:
 
     /// Adds the line, or names it, and sets its type code.
     ProjectBuilder &line(quint8 line, int type);
+    /// Gives the project and its line what the check asks for: the timer, and for CANopen a node-id, 0x1000, 0x1001 and
+    /// 0x1017, for J1939 a NAME and an address.
+    ProjectBuilder &checked();
     ProjectBuilder &object(quint16 index, const QString &name, const StoreRecords::Metadata &metadata = {});
     ProjectBuilder &sub(quint8 subindex, const QString &name,
                         const std::function<void(StoreRecords::SubIndexData &)> &change = {});

@@ -45,29 +45,70 @@ typedef UNSIGNED8 BOOL_T;
 #define CO_TRUE 1u
 
 /* Types without a counterpart in C: their bytes, the most significant one first. */
-typedef struct { UNSIGNED8 byte[3]; } UNSIGNED24;
-typedef struct { UNSIGNED8 byte[3]; } INTEGER24;
-typedef struct { UNSIGNED8 byte[5]; } UNSIGNED40;
-typedef struct { UNSIGNED8 byte[6]; } UNSIGNED48;
-typedef struct { UNSIGNED8 byte[8]; } UNSIGNED64;
+typedef struct
+{
+    UNSIGNED8 byte[3];
+} UNSIGNED24;
+typedef struct
+{
+    UNSIGNED8 byte[3];
+} INTEGER24;
+typedef struct
+{
+    UNSIGNED8 byte[5];
+} UNSIGNED40;
+typedef struct
+{
+    UNSIGNED8 byte[6];
+} UNSIGNED48;
+typedef struct
+{
+    UNSIGNED8 byte[8];
+} UNSIGNED64;
 
-#define U24_SET(a, b, c) {{ a, b, c }}
-#define I24_SET(a, b, c) {{ a, b, c }}
-#define U40_SET(a, b, c, d, e) {{ a, b, c, d, e }}
-#define U48_SET(a, b, c, d, e, f) {{ a, b, c, d, e, f }}
-#define U64_SET(a, b, c, d, e, f, g, h) {{ a, b, c, d, e, f, g, h }}
+#define U24_SET(a, b, c)                                                                                               \
+    {                                                                                                                  \
+        {                                                                                                              \
+            a, b, c                                                                                                    \
+        }                                                                                                              \
+    }
+#define I24_SET(a, b, c)                                                                                               \
+    {                                                                                                                  \
+        {                                                                                                              \
+            a, b, c                                                                                                    \
+        }                                                                                                              \
+    }
+#define U40_SET(a, b, c, d, e)                                                                                         \
+    {                                                                                                                  \
+        {                                                                                                              \
+            a, b, c, d, e                                                                                              \
+        }                                                                                                              \
+    }
+#define U48_SET(a, b, c, d, e, f)                                                                                      \
+    {                                                                                                                  \
+        {                                                                                                              \
+            a, b, c, d, e, f                                                                                           \
+        }                                                                                                              \
+    }
+#define U64_SET(a, b, c, d, e, f, g, h)                                                                                \
+    {                                                                                                                  \
+        {                                                                                                              \
+            a, b, c, d, e, f, g, h                                                                                     \
+        }                                                                                                              \
+    }
 
 typedef const char *VIS_STRING;
 typedef const char *UTF8_STRING;
 typedef UNSIGNED8 OCTET_STRING;
 typedef UNSIGNED8 *CO_DOMAIN_PTR;
 
-typedef enum {
-	RET_OK,
-	RET_PARAMETER_INVALID,
-	RET_INVALID_PARAMETER,
-	RET_NOT_INITIALIZED,
-	RET_SERVICE_FAILED /* what the recorder fails a call with */
+typedef enum
+{
+    RET_OK,
+    RET_PARAMETER_INVALID,
+    RET_INVALID_PARAMETER,
+    RET_NOT_INITIALIZED,
+    RET_SERVICE_FAILED /* what the recorder fails a call with */
 } RET_T;
 
 typedef UNSIGNED8 CAN_LINE_TYPE;

@@ -1,0 +1,173 @@
+#include "generate/j1939/pgngenerator.h"
+
+#include "generate/codewriter.h"
+#include "generate/dialect.h"
+#include "generate/j1939/pgnsections.h"
+#include "generate/stack/commoninit.h"
+#include "generate/stack/linesettings.h"
+#include "generate/stack/udsblocks.h"
+#include "store/objectdatabase.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// What the file tells beyond its tables.
+struct Content
+{
+    PgnTables tables = {};
+    CommonInit commonInit = {};
+    std::optional<UdsBlocks> uds = {};
+    bool stdlib = false;
+    bool externDeclarations = false;
+    bool formerServiceValues = false;
+};
+
+Content collect(ObjectDataBase &store, const Dialect &dialect, bool multiLine)
+{
+    using LineSettings::number;
+    Content content{
+        .tables = PgnTables::collect(store, dialect, multiLine, PgnTables::Scope::J1939Only),
+        .commonInit = CommonInit::collect(store),
+        .uds = UdsBlocks::collect(store),
+        .formerServiceValues = dialect.has(Point::FormerServiceValues) && number(store, u"new_init_structure"_s) != 1,
+    };
+    // A bootloader gets no gen_extern_decl.h; if it maps variables all the same, it has to bring a header of its own.
+    const bool bootloader =
+        store.getGeneralSetting(u"uds_bl_setting"_s) == "1"_L1 && content.commonInit.lines.size() == 1;
+    content.externDeclarations = !bootloader || content.tables.usesApplicationVariables;
+    return content;
+}
+
+void writeOpening(CodeWriter &out, const Content &content, const Dialect &dialect)
+{
+    if (content.stdlib)
+        out(u"#include <stdlib.h>\n");
+    out(uR"(
+        #include <gen_define.h>
+        #include <j1939_j1939.h>
+        )");
+    if (content.uds)
+        out(uR"(
+            #include <${ISOTP}>
+            #include <uds_uds.h>
+            )",
+            {{"ISOTP", dialect.isoTpHeader}});
+    if (content.externDeclarations)
+        out(u"#include <gen_extern_decl.h>");
+    out(uR"(
+        /* definition of memory specifier */
+        #ifndef ${CORE}CONST
+        #define ${CORE}CONST const
+        #endif
+
+        /* definition of watchdog handle during initialization */
+        #ifndef ${CORE}HANDLE_WATCHDOG
+        #define ${CORE}HANDLE_WATCHDOG
+        #endif /* ${CORE}HANDLE_WATCHDOG */
+
+
+        )",
+        {{"CORE", dialect.core}});
+}
+
+void writeCheck(CodeWriter &out, const Dialect &dialect)
+{
+    out(uR"(
+            if (retVal != RET_OK) {
+                return(retVal);
+            }
+            ${CORE}HANDLE_WATCHDOG
+        )",
+        {{"CORE", dialect.core}});
+}
+
+/// Copies the modes of the caller into the common structure.
+void writeModes(CodeWriter &out, bool multiLine)
+{
+    out(u"\tif (pModes != NULL) {");
+    if (multiLine)
+        out(uR"(
+            		for (i = 0; i < CO_MULTI_LINE_CNT; i++)  {
+            			commonInitVars.fdMode[i] = pModes[i];
+            		}
+            )");
+    else
+        out(u"\t\tcommonInitVars.fdMode[0] = pModes[0];");
+    out(u"\t}");
+}
+
+void writeInitFunction(CodeWriter &out, const Content &content, const Dialect &dialect)
+{
+    const bool fd = content.commonInit.fd;
+    const bool multiLine = content.tables.multiLine;
+    out(uR"(
+        /*  J1939 stack initialization function */
+        RET_T j1939StackInit(
+        	${PARAMETER}
+        )
+        {
+        RET_T retVal;
+        )",
+        {{"PARAMETER", fd ? u"BOOL_T *pModes"_s : u"void"_s}});
+    if (fd && multiLine)
+        out(u"UNSIGNED8 i;");
+    PgnSections::writeServiceValues(out,
+                                    {.name = u"serviceInitVars"_s,
+                                     .former = content.formerServiceValues,
+                                     .safety = content.tables.safety,
+                                     .fd = fd},
+                                    dialect);
+    out(u"");
+    if (fd)
+        writeModes(out, multiLine);
+    out(u"\tretVal = ${INIT}(&commonInitVars);", {{"INIT", dialect.stackInit}});
+    writeCheck(out, dialect);
+    if (content.uds)
+        writeUdsInitCalls(out, *content.uds);
+    out(u"\tretVal = j1939StackInit_common(&serviceInitVars);");
+    writeCheck(out, dialect);
+    if (!content.tables.initialised)
+        PgnSections::writeNameFields(out, content.tables);
+    for (const PgnTables::Line &line : content.tables.lines) {
+        out(u"\tretVal = j1939StackInit_line(&j1939Config${SUFFIX});", {{"SUFFIX", line.suffix}});
+        writeCheck(out, dialect);
+    }
+    out(uR"(
+        return(RET_OK);
+        }
+        )");
+}
+
+} // namespace
+
+QString PGNGenerator::fileName() const
+{
+    return u"gen_pgn.c"_s;
+}
+
+void PGNGenerator::write(QTextStream &stream)
+{
+    const Dialect &dialect = Dialect::of(form_);
+    Content content = collect(*database(), dialect, isMultiLine() || generatesMultiLine());
+    content.stdlib = !QFileInfo::exists(QDir(outputFolder()).filePath(u"no_stdlib_include.txt"_s));
+
+    CodeWriter out(stream);
+    writeFileHeader(out, SourceFile::GenPgn, form_, baseName());
+    writeOpening(out, content, dialect);
+    PgnSections::writeManagedVariables(out, content.tables);
+    PgnSections::writeMappings(out, content.tables, dialect);
+    PgnSections::writeTransmitConfigs(out, content.tables, dialect);
+    PgnSections::writeReceiveConfigs(out, content.tables, dialect);
+    PgnSections::writeIdentities(out, content.tables, dialect);
+    PgnSections::writeConfigs(out, content.tables);
+    writeCommonInit(out, content.commonInit, dialect);
+    if (content.uds)
+        writeUdsBlocks(out, *content.uds, dialect);
+    writeInitFunction(out, content, dialect);
+}

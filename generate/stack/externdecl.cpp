@@ -1,0 +1,239 @@
+#include "generate/stack/externdecl.h"
+
+#include "generate/codewriter.h"
+#include "generate/j1939/linemessages.h"
+#include "generate/runcontext.h"
+#include "generate/stack/linesettings.h"
+#include "store/objectdatabase.h"
+
+#include <QHash>
+#include <QRegularExpression>
+#include <QStringList>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+using Code::dec;
+using Code::hex;
+
+namespace {
+
+using Variable = ExternDeclarations::Variable;
+
+/// A step from a variable into it: a member, or an element.
+struct Step
+{
+    bool isElement = false;
+    QString text = {};
+};
+
+struct Path
+{
+    QString root = {};
+    QList<Step> steps = {};
+};
+
+/// The parts of a name such as "a.b[2]"; nothing for any other expression.
+std::optional<Path> pathOf(const QString &name)
+{
+    static const QRegularExpression whole(
+        u"^([A-Za-z_][A-Za-z0-9_]*)((?:\\s*\\.\\s*[A-Za-z_][A-Za-z0-9_]*|\\s*\\[[^\\[\\]()]+\\])*)$"_s);
+    static const QRegularExpression step(u"\\.\\s*([A-Za-z_][A-Za-z0-9_]*)|\\[([^\\]]+)\\]"_s);
+    const auto match = whole.match(name);
+    if (!match.hasMatch())
+        return {};
+    Path path{.root = match.captured(1)};
+    for (auto it = step.globalMatch(match.captured(2)); it.hasNext();) {
+        const auto part = it.next();
+        const bool isElement = part.hasCaptured(2);
+        path.steps.append(Step{.isElement = isElement, .text = part.captured(isElement ? 2 : 1).trimmed()});
+    }
+    return path;
+}
+
+/// The size an array needs to have an element; the index may be a macro.
+QString sizeFor(const QString &index, const QString &sizeSoFar)
+{
+    constexpr int automaticBase = 0;
+    bool isNumber = false;
+    const quint32 number = index.toUInt(&isNumber, automaticBase);
+    if (!isNumber)
+        return u"%1 + 1"_s.arg(index);
+    return dec(std::max<quint64>(quint64{number} + 1, sizeSoFar.toULongLong()));
+}
+
+class Collector
+{
+public:
+    explicit Collector(ObjectDataBase &store)
+        : store_(store)
+        , safety_(LineSettings::number(store.getJ1939Setting(u"safetysupport"_s)) > 0)
+        , sendersApart_(LineSettings::number(store.getJ1939Setting(u"sdm_rec_addr_cnt"_s)) > 1)
+    {
+    }
+
+    ExternDeclarations collect();
+
+private:
+    void addMessage(const LineMessage &message);
+    void addSignal(const LineMessage &message, const StoreRecords::SPN &signal);
+    void describe(Variable &variable, const LineMessage &message, const StoreRecords::SPN &signal) const;
+
+    ObjectDataBase &store_;
+    bool safety_;
+    bool sendersApart_; ///< a received safety data group is kept once for each sender
+    ExternDeclarations result_;
+    QHash<QString, qsizetype> positions_; ///< of the variables, by name
+};
+
+/// The member of that name, made where it is missing.
+Variable &memberOf(Variable &variable, const QString &name)
+{
+    const auto it = std::ranges::find(variable.members, name, &Variable::name);
+    if (it != variable.members.end())
+        return *it;
+    variable.members.append(Variable{.name = name});
+    return variable.members.last();
+}
+
+void Collector::describe(Variable &variable, const LineMessage &message, const StoreRecords::SPN &signal) const
+{
+    variable.type = SignalType::cType(signal.datatype);
+    if (SignalType::isArray(signal.datatype)) {
+        constexpr quint32 bitsPerByte = 8;
+        const quint32 bytes = (signal.bitsize + bitsPerByte - 1) / bitsPerByte;
+        variable.isOpenArray = bytes == 0;
+        variable.size = bytes == 0 ? QString() : dec(bytes);
+    } else if (safety_ && sendersApart_ && message.head.issafe && message.head.direction == ObjectDataBase::receive) {
+        variable.size = u"J1939_SDG_REC_ADDR_CNT"_s;
+    }
+}
+
+void Collector::addSignal(const LineMessage &message, const StoreRecords::SPN &signal)
+{
+    const auto path = pathOf(LineMessages::variable(signal));
+    if (!path)
+        return;
+    const bool isNew = !positions_.contains(path->root);
+    if (isNew) {
+        positions_.insert(path->root, result_.variables.size());
+        result_.lines.last().messages.last().variables.append(result_.variables.size());
+        result_.variables.append(Variable{.name = path->root, .signal = signal.spnnumber});
+    }
+    Variable *variable = &result_.variables[positions_.value(path->root)];
+    if (path->steps.isEmpty() && !isNew)
+        return;
+    for (const Step &step : path->steps) {
+        if (step.isElement)
+            variable->size = sizeFor(step.text, variable->size);
+        else
+            variable = &memberOf(*variable, step.text);
+    }
+    if (variable->members.isEmpty() && variable->type.isEmpty()) {
+        const QString size = variable->size;
+        describe(*variable, message, signal);
+        if (!size.isEmpty())
+            variable->size = size;
+    }
+}
+
+void Collector::addMessage(const LineMessage &message)
+{
+    result_.lines.last().messages.append(
+        ExternDeclarations::Message{.number = message.head.number, .isCanId = message.isCanId});
+    for (const StoreRecords::SPN &signal : message.items)
+        addSignal(message, signal);
+}
+
+ExternDeclarations Collector::collect()
+{
+    constexpr std::array directions{ObjectDataBase::receive, ObjectDataBase::transmit};
+    for (const quint8 line : LineSettings::stackLines(store_)) {
+        result_.lines.append(ExternDeclarations::Line{.number = line});
+        const LineProtocols protocols = RunContext::protocolsOf(store_, line);
+        if (protocols.j1939) {
+            store_.cacheSPNs(line);
+            for (const quint8 direction : directions)
+                std::ranges::for_each(LineMessages::parameterGroups(store_, line, direction),
+                                      [this](const LineMessage &message) { addMessage(message); });
+            store_.clearSPNCache();
+        }
+        if (protocols.rawCan) {
+            for (const quint8 direction : directions)
+                std::ranges::for_each(LineMessages::canIds(store_, line, direction),
+                                      [this](const LineMessage &message) { addMessage(message); });
+        }
+    }
+    return result_;
+}
+
+/// The brackets behind a variable's name. An array of unknown size is defined with room for the data of one frame.
+QString arrayPart(const Variable &variable, DeclarationForm form)
+{
+    if (!variable.size.isEmpty())
+        return u"[%1]"_s.arg(variable.size);
+    if (!variable.isOpenArray)
+        return {};
+    return form == DeclarationForm::Declaration ? u"[]"_s : u"[8]"_s;
+}
+
+void writeMembers(CodeWriter &out, const Variable &variable, const QString &indent)
+{
+    for (const Variable &member : variable.members) {
+        // Within a structure an array has a size in either form.
+        const QString array = arrayPart(member, DeclarationForm::Definition);
+        if (member.members.isEmpty()) {
+            out(u"${INDENT}${TYPE}\t${NAME}${ARRAY};",
+                {{"INDENT", indent}, {"TYPE", member.type}, {"NAME", member.name}, {"ARRAY", array}});
+            continue;
+        }
+        out(u"${INDENT}struct {", {{"INDENT", indent}});
+        writeMembers(out, member, indent + u'\t');
+        out(u"${INDENT}}\t${NAME}${ARRAY};", {{"INDENT", indent}, {"NAME", member.name}, {"ARRAY", array}});
+    }
+}
+
+void writeVariable(CodeWriter &out, const Variable &variable, DeclarationForm form)
+{
+    const QString storage = form == DeclarationForm::Declaration ? u"extern "_s : QString();
+    QString type = variable.type;
+    if (!variable.members.isEmpty()) {
+        type = u"struct %1_s"_s.arg(variable.name);
+        out(u"${TYPE} {", {{"TYPE", type}});
+        writeMembers(out, variable, u"\t"_s);
+        out(u"};");
+    }
+    out(u"${STORAGE}${TYPE}\t${NAME}${ARRAY};\t/* SPN${SIGNAL} */", {{"STORAGE", storage},
+                                                                     {"TYPE", type},
+                                                                     {"NAME", variable.name},
+                                                                     {"ARRAY", arrayPart(variable, form)},
+                                                                     {"SIGNAL", dec(variable.signal)}});
+}
+
+} // namespace
+
+ExternDeclarations ExternDeclarations::collect(ObjectDataBase &store)
+{
+    return Collector(store).collect();
+}
+
+void writeVariables(CodeWriter &out, const ExternDeclarations &declarations, DeclarationForm form)
+{
+    for (const ExternDeclarations::Line &line : declarations.lines) {
+        out(uR"(
+
+            /* line ${NUMBER}${NOTE}*/
+            )",
+            {{"NUMBER", dec(line.number)},
+             {"NOTE",
+              line.number == 0 ? QString() : u": (variables that exist in multiple lines are only declared once)"_s}});
+        for (const ExternDeclarations::Message &message : line.messages) {
+            out(u"/* ${KIND} 0x${NUMBER}*/",
+                {{"KIND", message.isCanId ? u"CAN-ID"_s : u"PGN"_s}, {"NUMBER", hex(message.number)}});
+            for (const qsizetype position : message.variables)
+                writeVariable(out, declarations.variables.at(position), form);
+        }
+    }
+}

@@ -1,0 +1,143 @@
+#include "generate/stack/indicationgenerator.h"
+
+#include "generate/codewriter.h"
+#include "generate/dialect.h"
+#include "generate/stack/indications.h"
+#include "generate/stack/linesettings.h"
+#include "store/objectdatabase.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Prototype
+{
+    QString guard; ///< empty for none
+    QString note;  ///< empty for none
+    QString result;
+    QString function;
+    QString parameters;
+};
+
+/// The prototypes in the order of the file.
+class Collector
+{
+public:
+    Collector(ObjectDataBase &store, const Dialect &dialect)
+        : store_(store)
+        , dialect_(dialect)
+    {
+    }
+
+    QList<Prototype> collect()
+    {
+        addAll(Indications::canOpenEvents());
+        if (Indications::hasUsdoServer(store_))
+            addAll(Indications::usdoServerEvents());
+        if (Indications::hasUsdoClient(store_))
+            addAll(Indications::usdoClientEvents());
+        if (dialect_.has(Point::UdsIndications) && Indications::hasUdsEvents(store_)) {
+            for (const Indications::UdsEvent &event : Indications::udsEvents())
+                add(event.key, event.guard, event.result, event.parameters);
+        }
+        return prototypes_;
+    }
+
+private:
+    void addAll(std::span<const Indications::Event> events)
+    {
+        for (const Indications::Event &event : events) {
+            const QString parameters = event.parametersIn(dialect_);
+            if (event.existsIn(dialect_.form) && !parameters.isEmpty())
+                add(event.key, {}, event.result, parameters);
+        }
+    }
+
+    void add(QLatin1StringView key, QLatin1StringView guard, QLatin1StringView result, const QString &parameters)
+    {
+        const QString function = Indications::functionOf(store_, key);
+        if (function.isEmpty())
+            return;
+        const QString note = store_.getGeneralSetting("note_"_L1 + key);
+        prototypes_.append({.guard = guard,
+                            .note = note.trimmed().isEmpty() ? QString() : Code::commentText(note),
+                            .result = result,
+                            .function = function,
+                            .parameters = parameters});
+    }
+
+    ObjectDataBase &store_;
+    const Dialect &dialect_;
+    QList<Prototype> prototypes_;
+};
+
+void writePrototype(CodeWriter &out, const Prototype &prototype, const QString &lineParameter)
+{
+    if (!prototype.guard.isEmpty())
+        out(u"#if ${GUARD}", {{"GUARD", prototype.guard}});
+    if (!prototype.note.isEmpty())
+        out(u"/* ${NOTE} */", {{"NOTE", prototype.note}});
+    out(u"${RESULT} ${FUNCTION}(${LINE}${PARAMETERS});", {{"RESULT", prototype.result},
+                                                          {"FUNCTION", prototype.function},
+                                                          {"LINE", lineParameter},
+                                                          {"PARAMETERS", prototype.parameters}});
+    if (!prototype.guard.isEmpty())
+        out(u"#endif");
+}
+
+bool hasObjectsOnSeveralLines(ObjectDataBase &store)
+{
+    constexpr quint16 firstObject = 0x1000;
+    constexpr quint16 lastObject = 0xFFFF;
+    const QList<quint8> lines = LineSettings::stackLines(store);
+    return std::ranges::count_if(
+               lines, [&](quint8 line) { return !store.getIndexList(line, firstObject, lastObject).isEmpty(); }) > 1;
+}
+
+} // namespace
+
+QString IndicationHeaderGenerator::fileName() const
+{
+    return u"gen_indication.h"_s;
+}
+
+void IndicationHeaderGenerator::write(QTextStream &stream)
+{
+    const QList<Prototype> prototypes = Collector(*database(), dialect_).collect();
+    const bool multiLine = generatesMultiLine() || hasObjectsOnSeveralLines(*database());
+    CodeWriter out(stream);
+    // The file has no date: it stays the same for as long as its functions do.
+    out(uR"(
+        /*
+         * ${TITLE}
+         */
+
+        /* protect against multiple inclusion of the file */
+        #ifndef GEN_INDICATION
+        #define GEN_INDICATION 1
+
+        )",
+        {{"TITLE", sourceTitle(SourceFile::GenIndication, dialect_.form, baseName())}});
+    if (prototypes.isEmpty())
+        out(uR"(
+            /* 
+               There are not any static indication functions defined.
+               If there were some, they would be declared here. 
+            */
+            )");
+    for (const Prototype &prototype : prototypes)
+        writePrototype(out, prototype, multiLine ? dialect_.lineParameter : QString());
+    out(u"#endif /* GEN_INDICATION*/");
+}
+
+indicationgenerator::indicationgenerator()
+    : IndicationHeaderGenerator(Dialect::classic())
+{
+}
+
+indicationgeneratorv4::indicationgeneratorv4()
+    : IndicationHeaderGenerator(Dialect::v4())
+{
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "check/checkrules.h"
+#include "store/objectdatabase.h"
+
+#include <QTemporaryDir>
+
+#include <memory>
+
+/// A project and what the check is to say about it, as tests/data/check/ tells them; see the README there.
+struct RuleCase
+{
+    QString file;
+    int lineNumber = 0;
+    QString rule; ///< that speaks; "-" for none
+    QStringList commands;
+    QStringList messages;
+
+    QString place() const { return QStringLiteral("%1:%2 %3").arg(file).arg(lineNumber).arg(rule); }
+};
+
+/// All cases of all files but the clean projects that they start from, whose commands each of them holds in front.
+QList<RuleCase> ruleCases();
+
+/// A project built from commands, in a folder of its own.
+class CaseProject
+{
+public:
+    explicit CaseProject(const QStringList &commands);
+    ~CaseProject();
+    Q_DISABLE_COPY_MOVE(CaseProject)
+
+    struct Outcome
+    {
+        QStringList messages;
+        QStringList rules; ///< one per message
+        qint32 errors = 0;
+        bool corrected = false;
+        QString summary;
+    };
+    /// The whole check, as a run does it.
+    Outcome check();
+
+    const std::shared_ptr<ObjectDataBase> &store() const { return store_; }
+
+private:
+    void run(const QString &command);
+    void runOnLine(const QString &word, const QString &rest);
+
+    QTemporaryDir folder_;
+    std::shared_ptr<ObjectDataBase> store_ = std::make_shared<ObjectDataBase>();
+    quint8 line_ = 0;
+};

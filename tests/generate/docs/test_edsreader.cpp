@@ -1,0 +1,167 @@
+#include "generate/docs/edsgenerator.h"
+#include "generate/docs/generatorjob.h"
+#include "generate/docs/objectrecords.h"
+#include "import/importproject.h"
+#include "nodedict/cohelper.h"
+#include "store/objectdatabase.h"
+#include "support/nodepackage.h"
+
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace Qt::StringLiterals;
+
+// The descriptions that the program writes are read by a CANopen library for node.js (tests/eds_reader), which finds
+// what the project has.
+
+namespace {
+
+using Store = std::shared_ptr<ObjectDataBase>;
+
+/// The description without what the library refuses though files in the field have it: the mapping flag and limits of
+/// a DOMAIN, and hexadecimal limits, which it compares without regard to the sign that they stand for.
+QString forReader(const QString &eds)
+{
+    QStringList lines;
+    bool isDomain = false;
+    for (const QString &line : eds.split(u'\n')) {
+        if (line.startsWith(u'['))
+            isDomain = false;
+        if (line == "ObjectType=2"_L1)
+            isDomain = true;
+        const bool isLimit = line.startsWith("LowLimit="_L1) || line.startsWith("HighLimit="_L1);
+        const bool isRefused = isDomain ? isLimit || line.startsWith("PDOMapping="_L1)
+                                        : isLimit && line.contains("=0x"_L1, Qt::CaseInsensitive);
+        if (!isRefused)
+            lines.append(line);
+    }
+    return lines.join(u'\n');
+}
+
+/// A text that the library's reader of INI files takes as it stands: it knows quotes, escapes and remarks.
+bool isPlain(const QString &text)
+{
+    return std::ranges::none_of(text, [](QChar c) { return u";#\"'\\"_s.contains(c); });
+}
+
+QString rowOf(const QJsonArray &row, bool withTexts)
+{
+    const auto place = u"%1:%2"_s.arg(row.at(0).toInt(), 4, 16, QLatin1Char('0')).arg(row.at(1).toInt());
+    const auto attributes =
+        u" type %1, %2, mapping %3"_s.arg(row.at(3).toInt()).arg(row.at(4).toString()).arg(row.at(5).toInt());
+    return place + attributes +
+           (withTexts ? u", '%1' = '%2'"_s.arg(row.at(2).toString(), row.at(6).toString()) : QString());
+}
+
+/// What the library must find of a project, by index and subindex. It makes a subindex 0 where a group has none.
+class Expectation
+{
+public:
+    explicit Expectation(ObjectDataBase &store)
+    {
+        const ObjectReader reader(store, 0, 0x1000);
+        for (const quint16 index : reader.indices()) {
+            const ObjectRecords object = reader.read(index);
+            for (const ObjectRecords::Sub &sub : object.subs)
+                add(object, sub);
+        }
+    }
+
+    void compare(const QJsonArray &found)
+    {
+        QHash<QString, QString> rows;
+        for (const QJsonValue &value : found) {
+            const QJsonArray row = value.toArray();
+            const QString place = rowOf(row, false).section(u' ', 0, 0);
+            rows.insert(place, rowOf(row, plain_.contains(place)));
+        }
+        for (auto it = rows_.cbegin(); it != rows_.cend(); ++it)
+            EXPECT_EQ(rows.value(it.key()), it.value());
+    }
+
+private:
+    void add(const ObjectRecords &object, const ObjectRecords::Sub &sub)
+    {
+        const bool isDomain = object.object.objecttype == CANopen::Domain;
+        const bool counts = object.isGroup() && sub.subindex == 0 && object.index >= 0x2000;
+        const bool mapped = !isDomain && sub.data.pdomapping.toBinary() != 0;
+        const QString name = object.isGroup() ? object.name(sub) : object.name();
+        const QString value = counts ? QString::number(object.highestSubindex()) : sub.data.defaultvalue;
+        const bool shown =
+            sub.data.writedefaulttoeds == 2 || (sub.data.writedefaulttoeds == 1 && sub.data.defaultineds);
+        const QJsonArray row{object.index,
+                             sub.subindex,
+                             name.trimmed(),
+                             sub.data.datatype,
+                             sub.data.accesstype,
+                             mapped ? 1 : 0,
+                             shown ? value.trimmed() : QString()};
+        const QString place = rowOf(row, false).section(u' ', 0, 0);
+        const bool plain = isPlain(name) && isPlain(value);
+        if (plain)
+            plain_.insert(place);
+        rows_.insert(place, rowOf(row, plain));
+    }
+
+    QHash<QString, QString> rows_;
+    QSet<QString> plain_;
+};
+
+/// The projects of the examples and goldens whose objects and subindices all have types, and the real device files.
+QMap<QString, Store> projects()
+{
+    QMap<QString, Store> result;
+    for (const QString &root : {u"/examples"_s, u"/tests/data/golden"_s}) {
+        const QDir parent(QStringLiteral(NCX_SOURCE_DIR) + root);
+        for (const QString &name : parent.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+            const QDir folder(parent.filePath(name));
+            const auto store = std::make_shared<ObjectDataBase>();
+            EXPECT_TRUE(store->openTextDatabase(folder.filePath(folder.entryList({u"*.ncxt"_s}).value(0))));
+            if (store->findSubIndices(0, u"datatype"_s, u"0"_s).isEmpty())
+                result.insert(name, store);
+        }
+    }
+    const QString corpus = TestSupport::corpusFolder();
+    for (const QString &file : QDir(corpus).entryList({u"*.eds"_s, u"*.dcf"_s}, QDir::Files)) {
+        if (corpus.isEmpty())
+            break;
+        const Store store = ImportTest::emptyProject();
+        EXPECT_TRUE(ImportTest::importEds(store, corpus + u'/' + file));
+        result.insert(file, store);
+    }
+    return result;
+}
+
+} // namespace
+
+TEST(EdsReader, AnIndependentLibraryFindsWhatTheProjectHas)
+{
+    const QTemporaryDir folder;
+    const TestSupport::NodePackage reader(u"eds_reader"_s, folder.path());
+    if (!reader.isInstalled())
+        GTEST_SKIP() << reader.reason().toStdString();
+
+    const QMap<QString, Store> stores = projects();
+    ASSERT_GE(stores.size(), 3);
+    QStringList arguments;
+    for (auto it = stores.cbegin(); it != stores.cend(); ++it) {
+        EDSGenerator generator;
+        generator.setVariant({.extended = true});
+        const QString eds = forReader(DocsTest::textOf(generator, it.value()));
+        ASSERT_TRUE(TestSupport::writeFile(folder.filePath(it.key()), eds.toUtf8()));
+        arguments.append(it.key());
+    }
+    const auto result = reader.run(arguments);
+    ASSERT_EQ(result.exitCode, 0) << qPrintable(result.errors);
+    const QStringList answers = result.output.split(u'\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(answers.size(), stores.size());
+    for (const QString &line : answers) {
+        const QJsonObject answer = QJsonDocument::fromJson(line.toUtf8()).object();
+        const QString file = answer.value("file"_L1).toString();
+        SCOPED_TRACE(file.toStdString());
+        EXPECT_EQ(answer.value("error"_L1).toString(), QString());
+        Expectation(*stores.value(file)).compare(answer.value("rows"_L1).toArray());
+    }
+}

@@ -1,0 +1,123 @@
+#include "ncx_cli/mcp/settingscatalogue.h"
+#include "ncx_cli/mcp/toolfamilies.h"
+#include "support/testhome.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace TestSupport;
+
+// The tables of the documents are written from the catalogues of the program. scripts/server-docs renews them.
+
+namespace {
+
+QString row(const QStringList &cells)
+{
+    QStringList escaped;
+    for (const QString &cell : cells)
+        escaped.append(QString(cell).replace(u'|', "\\|"_L1).replace(u'<', "&lt;"_L1));
+    return u"| %1 |\n"_s.arg(escaped.join(" | "_L1));
+}
+
+QString code(const QString &text)
+{
+    return text.isEmpty() ? text : u"`%1`"_s.arg(text);
+}
+
+QString argumentsOf(const Tool &tool)
+{
+    QStringList arguments;
+    for (const Property &property : tool.required)
+        arguments.append(code(property.name));
+    for (const Property &property : tool.optional)
+        arguments.append(u"[%1]"_s.arg(code(property.name)));
+    return arguments.join(", "_L1);
+}
+
+QString toolTables()
+{
+    struct Family
+    {
+        QString title;
+        QList<std::span<const Tool>> tables;
+    };
+    const QList<Family> families{
+        {u"Project"_s, {ToolFamilies::project()}},
+        {u"Lines"_s, {ToolFamilies::lines(), ToolFamilies::lineEdits()}},
+        {u"Object dictionary (CANopen lines)"_s, {ToolFamilies::dictionary(), ToolFamilies::dictionaryEdits()}},
+        {u"Reference profiles"_s, {ToolFamilies::profiles()}},
+        {u"PGNs and SPNs (J1939 lines)"_s, {ToolFamilies::j1939()}},
+        {u"CAN-IDs and data elements (raw CAN lines)"_s, {ToolFamilies::rawCan()}},
+        {u"Settings"_s, {ToolFamilies::settings()}},
+    };
+    QString text;
+    for (const auto &[title, tables] : families) {
+        text += u"\n### %1\n\n| tool | arguments | what it does |\n|---|---|---|\n"_s.arg(title);
+        for (const auto table : tables) {
+            for (const Tool &tool : table)
+                text += row({code(tool.name), argumentsOf(tool), tool.description});
+        }
+    }
+    return text + u'\n';
+}
+
+QString valuesOf(const Setting &setting)
+{
+    switch (setting.type) {
+    case Setting::Type::Bool:
+        return u"yes or no"_s;
+    case Setting::Type::Enum:
+        return setting.enumValues.join(", "_L1);
+    case Setting::Type::String:
+        return u"text"_s;
+    case Setting::Type::UInt:
+        break;
+    }
+    return setting.min || setting.max ? u"%1 to %2"_s.arg(setting.min.value_or(0)).arg(setting.max.value_or(0xFFFFFFFF))
+                                      : u"number"_s;
+}
+
+QString settingsTables()
+{
+    QString text;
+    QString heading;
+    for (const Setting &setting : SettingsCatalogue::settings()) {
+        const QString here = u"\n## %1: %2\n\n"_s.arg(setting.group, setting.section);
+        if (here != heading)
+            text += here + u"| setting | label | values | needs | what it does |\n|---|---|---|---|---|\n"_s;
+        heading = here;
+        const QStringList marks{setting.isPerLine() ? u"per line"_s : u""_s, setting.readOnly ? u"read only"_s : u""_s};
+        const QString notes = (QStringList{valuesOf(setting)} + marks).join(u' ').simplified();
+        text += row({code(setting.key), setting.label, notes, code(setting.requiredKey), setting.description});
+    }
+    return text + u'\n';
+}
+
+/// Compares the part of a document between two marks, or writes it.
+void expectInDocument(const QString &name, const QString &tables)
+{
+    const QString path = QStringLiteral(NCX_SOURCE_DIR "/docs/") + name;
+    const QString document = QString::fromUtf8(readFile(path));
+    const QString begin = u"<!-- begin: written by scripts/server-docs -->\n"_s;
+    const QString end = u"<!-- end -->"_s;
+    const qsizetype from = document.indexOf(begin) + begin.size();
+    const qsizetype to = document.indexOf(end);
+    ASSERT_TRUE(from >= begin.size() && to >= from) << qPrintable(name);
+    if (qEnvironmentVariableIntValue("NCX_ACCEPT") == 1)
+        writeFile(path, (document.first(from) + tables + document.sliced(to)).toUtf8());
+    else
+        EXPECT_TRUE(document.sliced(from, to - from) == tables)
+            << qPrintable(name) << " is stale: run scripts/server-docs";
+}
+
+TEST(Documents, ListAllTools)
+{
+    expectInDocument(u"server.md"_s, toolTables());
+}
+
+TEST(Documents, ListAllSettings)
+{
+    expectInDocument(u"settings.md"_s, settingsTables());
+}
+
+} // namespace

@@ -1,0 +1,309 @@
+#include "stack/generatedsources.h"
+
+#include "generate/generatormainhandler.h"
+#include "generate/outputhandlerbase.h"
+#include "store/objectdatabase.h"
+#include "support/processrunner.h"
+#include "support/testhome.h"
+#include "texttools/helper.h"
+
+#include <QDir>
+#include <QFile>
+#include <QMap>
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace TestSupport;
+
+namespace {
+
+class Silent : public OutputHandlerBase
+{
+public:
+    void message(const QVariant & /*value*/) override {}
+    void forwardMessage(const QVariant & /*value*/) override {}
+    QString collectedText() const override { return {}; }
+};
+
+const QString stackFolder = QStringLiteral(NCX_SOURCE_DIR "/tests/stack");
+
+/// The 24 bit arrays with a sign have no member in the structure of all arrays. Before version 2 the structure of a UDS
+/// line does not refer to its tables.
+const QRegularExpression &requiredWarnings()
+{
+    static const QRegularExpression pattern(
+        u"warning: .(od_i24|od_const_i24|od_ptr_i24|(sessionTbl|securityLvlTbl|authenticationTable)_\\d+). defined but "
+        "not used"_s);
+    return pattern;
+}
+
+QString cType(quint16 dataType)
+{
+    static const QMap<quint16, QString> names{
+        {1, u"UNSIGNED8"_s},   {2, u"INTEGER8"_s},    {3, u"INTEGER16"_s},   {4, u"INTEGER32"_s},
+        {5, u"UNSIGNED8"_s},   {6, u"UNSIGNED16"_s},  {7, u"UNSIGNED32"_s},  {8, u"REAL32"_s},
+        {9, u"char"_s},        {10, u"UNSIGNED8"_s},  {12, u"UNSIGNED48"_s}, {16, u"INTEGER24"_s},
+        {22, u"UNSIGNED24"_s}, {24, u"UNSIGNED40"_s}, {25, u"UNSIGNED48"_s}, {27, u"UNSIGNED64"_s},
+        {100, u"UNSIGNED8"_s}, {101, u"UNSIGNED8"_s}, {102, u"UNSIGNED8"_s}, {103, u"UNSIGNED8"_s},
+        {104, u"UNSIGNED8"_s}, {105, u"UNSIGNED8"_s}, {124, u"char"_s},
+    };
+    return names.value(dataType);
+}
+
+bool isString(quint16 dataType)
+{
+    return dataType == 9 || dataType == 10 || dataType == 124;
+}
+
+/// A variable of the application; `elements` is 0 for a single value.
+struct Variable
+{
+    QString type;
+    quint32 elements = 0;
+};
+
+/// The variables that a project names, and their names as the tables have them.
+struct Variables
+{
+    QMap<QString, Variable> declared;
+    QMap<QString, bool> names; ///< true for a text
+
+    void add(const QString &name, const ObjectDataBase::SUBINDEX_DATA_T &sub)
+    {
+        static const QRegularExpression element(u"^([A-Za-z_]\\w*)\\[(\\d+)\\]$"_s);
+        static const QRegularExpression plain(u"^[A-Za-z_]\\w*$"_s);
+        const QString type = cType(sub.datatype);
+        if (type.isEmpty() || name.isEmpty())
+            return;
+        names.insert(name, isString(sub.datatype));
+        if (const auto match = element.match(name); match.hasMatch()) {
+            Variable &variable = declared[match.captured(1)];
+            variable.type = type;
+            variable.elements = std::max(variable.elements, match.captured(2).toUInt() + 1);
+        } else if (plain.match(name).hasMatch()) {
+            declared.insert(name, {type, isString(sub.datatype) ? std::max(sub.size, 1U) : 0});
+        }
+    }
+};
+
+Variables variablesOf(ObjectDataBase &store)
+{
+    Variables variables;
+    for (const quint8 line : store.getNodeList()) {
+        for (const auto &key : store.findSubIndices(line, u"implementation"_s, u"2"_s)) {
+            ObjectDataBase::SUBINDEX_DATA_T sub;
+            if (key.index >= 0x1000 && store.getSubIndex(line, key.index, key.subindex, sub))
+                variables.add(Helper::substituteVariables(sub.varname, key.index, key.subindex, line), sub);
+        }
+    }
+    return variables;
+}
+
+QString declaration(const QString &name, const Variable &variable)
+{
+    return variable.type + u' ' + name +
+           (variable.elements > 0 ? u'[' + QString::number(variable.elements) + u']' : QString());
+}
+
+/// A table of the counts that a header defines, lists and single ones.
+QString countTable(const QString &header)
+{
+    static const QRegularExpression macro(u"^#define\\s+(\\w+_(?:CNT|COUNTS))\\b"_s,
+                                          QRegularExpression::MultilineOption);
+    QString arrays;
+    QString rows;
+    for (auto it = macro.globalMatch(header); it.hasNext();) {
+        const QString name = it.next().captured(1);
+        if (rows.contains(u'"' + name + u'"'))
+            continue;
+        arrays += u"static const UNSIGNED32 values_%1[] = { %1 };\n"_s.arg(name);
+        rows += u"\t{ \"%1\", sizeof(values_%1) / sizeof(values_%1[0]), values_%1 },\n"_s.arg(name);
+    }
+    return arrays +
+           u"typedef struct { const char *name; unsigned count; const UNSIGNED32 *pValues; } COUNTS_T;\n"
+           "extern const COUNTS_T walkerCounts[];\nconst COUNTS_T walkerCounts[] = {\n"_s +
+           rows + u"\t{ NULL, 0, NULL }\n};\n"_s;
+}
+
+} // namespace
+
+class GeneratedSources::Private
+{
+public:
+    Silent output;
+    GeneratorMainHandler handler{&output};
+    QStringList objects;
+};
+
+GeneratedSources::GeneratedSources(bool classic)
+    : classic_(classic)
+    , folder_(QDir::tempPath() + u"/ncx-stack-XXXXXX"_s)
+    , d_(std::make_unique<Private>())
+{
+}
+
+GeneratedSources::~GeneratedSources()
+{
+    if (testing::Test::HasFailure())
+        folder_.setAutoRemove(false);
+}
+
+ObjectDataBase &GeneratedSources::store() const
+{
+    return *d_->handler.database();
+}
+
+bool GeneratedSources::has(const QString &fileName) const
+{
+    return QFile::exists(folder_.filePath(fileName));
+}
+
+QByteArray GeneratedSources::text(const QString &fileName) const
+{
+    return readFile(folder_.filePath(fileName));
+}
+
+bool GeneratedSources::openFolder(const QString &folder)
+{
+    const QDir source(folder);
+    for (const QString &name : source.entryList(QDir::Files))
+        QFile::copy(source.filePath(name), folder_.filePath(name));
+    if (!openProject(folder_.filePath(source.entryList({u"*.ncxt"_s}).value(0))))
+        return false;
+    const QStringList args = QString::fromUtf8(text(u"args"_s)).split(u'\n', Qt::SkipEmptyParts);
+    for (qsizetype i = 0; i + 1 < args.size(); ++i) {
+        if (args.at(i) == "-import"_L1 && !importFile(folder_.filePath(args.at(i + 1))))
+            return false;
+    }
+    return true;
+}
+
+bool GeneratedSources::openProject(const QString &path)
+{
+    return d_->handler.openProject(path);
+}
+
+bool GeneratedSources::importFile(const QString &path)
+{
+    return d_->handler.importFile(path);
+}
+
+bool GeneratedSources::generate()
+{
+    if (classic_)
+        store().setGeneralSetting(u"use_core_headers"_s, u"classic"_s);
+    d_->handler.setOutputFolder(folder_.path());
+    bool done = false;
+    const auto connection = QObject::connect(&d_->handler, &GeneratorMainHandler::finished,
+                                             [&done](GeneratorMainHandler::GeneratorResult result) {
+                                                 done = result == GeneratorMainHandler::GenerationDone;
+                                             });
+    d_->handler.generate(true);
+    QObject::disconnect(connection);
+    return done;
+}
+
+QStringList GeneratedSources::compilerArguments() const
+{
+    return {u"-Wall"_s,
+            u"-Wextra"_s,
+            u"-I"_s + stackFolder + u"/include"_s,
+            u"-I"_s + stackFolder,
+            u"-I"_s + folder_.path(),
+            u"-include"_s,
+            folder_.filePath(u"application_variables.h"_s)};
+}
+
+QString GeneratedSources::compileFile(const QString &path, const QStringList &more)
+{
+    const bool cpp = path.endsWith(".cpp"_L1);
+    const QString object = folder_.filePath(QFileInfo(path).fileName() + u".o"_s);
+    QStringList arguments{cpp ? u"c++"_s : u"cc"_s, cpp ? u"-std=c++17"_s : u"-std=c99"_s};
+    arguments += compilerArguments() + more + QStringList{u"-c"_s, path, u"-o"_s, object};
+    const ProcessResult result = ProcessRunner(u"/usr/bin/env"_s).arguments(arguments).run();
+    d_->objects.append(object);
+    QString complaints;
+    for (const QString &line : result.errors.split(u'\n')) {
+        const bool complaint = line.contains(": warning:"_L1) || line.contains(": error:"_L1);
+        if (complaint && !requiredWarnings().match(line).hasMatch())
+            complaints += line + u'\n';
+    }
+    return result.exitCode != 0 && complaints.isEmpty() ? result.errors : complaints;
+}
+
+/// Declares and defines what the application would, unless the project brings its own headers; and tells the walker the
+/// names.
+void GeneratedSources::writeVariables() const
+{
+    const Variables variables = variablesOf(store());
+    QString header = u"#include <core_datatype.h>\n"_s;
+    QString source = u"#include <stddef.h>\n"_s;
+    QStringList ownHeaders = store().getGeneralSetting(u"applicationheader"_s).split(u' ', Qt::SkipEmptyParts);
+    if (ownHeaders.isEmpty()) {
+        for (auto it = variables.declared.cbegin(); it != variables.declared.cend(); ++it) {
+            header += u"extern "_s + declaration(it.key(), it.value()) + u";\n"_s;
+            source += declaration(it.key(), it.value()) + u";\n"_s;
+        }
+        for (const QString &function : store().getGeneralSetting(u"co_node_id_fct"_s).split(u',', Qt::SkipEmptyParts))
+            header += u"UNSIGNED8 "_s + function.trimmed() + u"(STACK_LINE_ONLY);\n"_s;
+    }
+    for (const QString &own : ownHeaders)
+        source += u"#include \""_s + own + u"\"\n"_s;
+    source += u"typedef struct { const char *name; const void *pVar; } VARIABLE_T;\n"
+              "extern const VARIABLE_T walkerVariables[];\nconst VARIABLE_T walkerVariables[] = {\n"_s;
+    for (auto it = variables.names.cbegin(); it != variables.names.cend(); ++it) {
+        const QString address = it.value() ? u"&(%1[0])"_s : it.key().contains(u'(') ? u"%1"_s : u"&(%1)"_s;
+        source += u"\t{ \""_s + it.key() + u"\", (const void *)"_s + address.arg(it.key()) + u" },\n"_s;
+    }
+    source += u"\t{ NULL, NULL }\n};\n"_s + countTable(QString::fromUtf8(text(u"gen_define.h"_s)));
+    writeFile(folder_.filePath(u"application_variables.h"_s), header.toUtf8());
+    writeFile(folder_.filePath(u"walker_variables.c"_s), source.toUtf8());
+}
+
+QString GeneratedSources::compile()
+{
+    writeVariables();
+    d_->objects.clear();
+    QString complaints;
+    for (const QString &name : QDir(folder_.path()).entryList({u"*.c"_s, u"*.cpp"_s}, QDir::Files)) {
+        if (name.startsWith("gen_"_L1))
+            complaints += compileFile(folder_.filePath(name));
+    }
+    return complaints;
+}
+
+QString GeneratedSources::link()
+{
+    const QByteArray code = text(u"gen_objdict.c"_s);
+    QStringList switches;
+    if (code.contains("j1939OdInit("))
+        switches += u"-DWALK_SERVER_MODE"_s;
+    if (code.contains("RET_T coCanOpenStackInitPara("))
+        switches += u"-DWALK_OPTIONS"_s;
+    if (code.contains("RET_T genLoadIndication(") && text(u"gen_define.h"_s).contains("GEN_OVERWRITE_PREDEF_CONN_SET"))
+        switches += u"-DWALK_LOAD_INDICATION"_s;
+    if (code.contains("RET_T userOverwriteCobIdSettings("))
+        switches += u"-DWALK_OVERWRITE_FUNCTION"_s;
+    d_->objects = {folder_.filePath(u"gen_objdict.c.o"_s)};
+    QString complaints = compileFile(stackFolder + u"/stack.c"_s) + compileFile(stackFolder + u"/walker.c"_s, switches);
+    for (const QString &name : QDir(folder_.path()).entryList({u"*.c"_s}, QDir::Files)) {
+        if (!name.startsWith("gen_"_L1))
+            complaints += compileFile(folder_.filePath(name));
+    }
+    // The functions of the application are never called here.
+    const ProcessResult result =
+        ProcessRunner(u"/usr/bin/env"_s)
+            .arguments(QStringList{u"cc"_s, u"-no-pie"_s, u"-Wl,--unresolved-symbols=ignore-all"_s, u"-o"_s,
+                                   folder_.filePath(u"walker"_s)} +
+                       d_->objects)
+            .run();
+    return result.exitCode == 0 ? complaints : complaints + result.errors;
+}
+
+QString GeneratedSources::walk(const QStringList &arguments) const
+{
+    const ProcessResult result = ProcessRunner(folder_.filePath(u"walker"_s)).arguments(arguments).run();
+    return result.exitCode == 0 ? result.output : u"the walker ends with %1\n"_s.arg(result.exitCode) + result.output;
+}

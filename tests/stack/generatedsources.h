@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <memory>
+
+class ObjectDataBase;
+
+namespace TestSupport {
+
+/// The C sources of a project: generated, compiled against the headers of this folder, and linked with the walker.
+class GeneratedSources
+{
+public:
+    /// `classic` selects the classic form of the sources, as a modifier file does.
+    explicit GeneratedSources(bool classic = false);
+    ~GeneratedSources();
+    Q_DISABLE_COPY_MOVE(GeneratedSources)
+
+    /// Copies the files of a folder with one project, opens that, and imports what its `args` name. False on failure.
+    bool openFolder(const QString &folder);
+    /// Opens a project file in place.
+    bool openProject(const QString &path);
+    bool importFile(const QString &path);
+    /// Runs all generators, whatever the model check says.
+    bool generate();
+
+    ObjectDataBase &store() const;
+    bool isClassic() const { return classic_; }
+    QString folder() const { return folder_.path(); }
+    bool has(const QString &fileName) const;
+    QByteArray text(const QString &fileName) const;
+
+    /// Compiles all C and C++ sources, C as C99 with all warnings. What the compiler says is returned, without the
+    /// warnings that the required text itself provokes; empty if all is well.
+    QString compile();
+    /// Links gen_objdict.c with the walker; what the linker says.
+    QString link();
+    /// What the walker prints.
+    QString walk(const QStringList &arguments) const;
+
+private:
+    class Private;
+
+    QStringList compilerArguments() const;
+    QString compileFile(const QString &path, const QStringList &more = {});
+    void writeVariables() const;
+
+    bool classic_;
+    QTemporaryDir folder_;
+    std::unique_ptr<Private> d_;
+};
+
+} // namespace TestSupport

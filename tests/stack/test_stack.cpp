@@ -1,0 +1,157 @@
+#include "stack/expecteddump.h"
+#include "stack/generatedsources.h"
+#include "support/printing.h"
+#include "support/testhome.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+using namespace TestSupport;
+
+// Every project of the goldens and examples is generated in both forms, compiled, and read back out of the compiled
+// tables. What its start-up calls is held against startup.txt in its folder, where that exists; NCX_ACCEPT=1 takes the
+// calls of this build.
+
+namespace {
+
+QStringList projectFolders()
+{
+    QStringList folders;
+    for (const QString &root : {u"/tests/data/golden"_s, u"/examples"_s}) {
+        const QDir parent(QStringLiteral(NCX_SOURCE_DIR) + root);
+        for (const QString &name : parent.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
+            folders.append(parent.filePath(name));
+    }
+    return folders;
+}
+
+/// The first lines that differ, so that a failure shows these and not the whole dictionary. "*" stands for anything.
+QString difference(const QStringList &expected, const QStringList &actual)
+{
+    QString text;
+    int shown = 0;
+    for (qsizetype i = 0; i < std::max(expected.size(), actual.size()) && shown < 8; ++i) {
+        const QString want = expected.value(i, u"nothing"_s);
+        const QString have = actual.value(i, u"nothing"_s);
+        const bool same = want.endsWith(u'*') ? have.startsWith(want.chopped(1)) : want == have;
+        if (same)
+            continue;
+        text += u"expected %1\n     got %2\n"_s.arg(want, have);
+        ++shown;
+    }
+    return text;
+}
+
+void readBack(const GeneratedSources &sources)
+{
+    const QStringList expected = expectedDump(sources.store(), sources.isClassic());
+    const QStringList actual = sources.walk({u"dump"_s}).split(u'\n', Qt::SkipEmptyParts);
+    EXPECT_EQ(difference(expected, actual), QString());
+}
+
+/// The counts that both the header and the store know.
+void compareCounts(const GeneratedSources &sources)
+{
+    const QMap<QString, QString> expected = expectedCounts(sources.store());
+    int compared = 0;
+    for (const QString &line : sources.walk({u"counts"_s}).split(u'\n', Qt::SkipEmptyParts)) {
+        const QString macro = line.section(u' ', 0, 0);
+        // The classic form takes the routed PDOs from a setting.
+        if (!expected.contains(macro) || (sources.isClassic() && macro == "CO_NETWORK_ROUTING_COUNTS"_L1))
+            continue;
+        EXPECT_EQ(line.section(u' ', 1), expected.value(macro)) << qPrintable(macro);
+        ++compared;
+    }
+    EXPECT_GT(compared, 8);
+}
+
+void compareStart(const GeneratedSources &sources, const QString &folder)
+{
+    const QString path = folder + u"/startup.txt"_s;
+    const QString calls = sources.walk({u"start"_s}) + sources.walk({u"predefined"_s});
+    if (qEnvironmentVariableIntValue("NCX_ACCEPT") == 1 && !sources.isClassic() && QFile::exists(path))
+        writeFile(path, calls.toUtf8());
+    if (QFile::exists(path)) {
+        EXPECT_EQ(difference(QString::fromUtf8(readFile(path)).split(u'\n'), calls.split(u'\n')), QString());
+    }
+}
+
+void checkSources(GeneratedSources &sources)
+{
+    ASSERT_TRUE(sources.generate());
+    ASSERT_EQ(sources.compile(), QString());
+    if (!sources.has(u"gen_objdict.c"_s))
+        return;
+    ASSERT_EQ(sources.link(), QString());
+    readBack(sources);
+    compareCounts(sources);
+}
+
+TEST(CompiledSources, ReadBackAsTheProjectHasThem)
+{
+    for (const QString &folder : projectFolders()) {
+        for (const bool classic : {false, true}) {
+            SCOPED_TRACE(qPrintable(folder + (classic ? u", classic form"_s : u", V4 form"_s)));
+            GeneratedSources sources(classic);
+            ASSERT_TRUE(sources.openFolder(folder));
+            checkSources(sources);
+            if (sources.has(u"walker"_s))
+                compareStart(sources, folder);
+        }
+    }
+}
+
+/// The calls of a start-up, without what is printed about their arguments.
+QStringList callsOf(const QString &text)
+{
+    QStringList calls;
+    for (const QString &line : text.split(u'\n', Qt::SkipEmptyParts)) {
+        if (!line.startsWith(u' ') && !line.startsWith("returns"_L1))
+            calls.append(line);
+    }
+    return calls;
+}
+
+TEST(CompiledSources, StartUpEndsWithTheFirstError)
+{
+    for (const QString &name : {u"/examples/io_module"_s, u"/examples/two_lines"_s}) {
+        SCOPED_TRACE(qPrintable(name));
+        GeneratedSources sources;
+        ASSERT_TRUE(sources.openFolder(QStringLiteral(NCX_SOURCE_DIR) + name));
+        checkSources(sources);
+        const QStringList calls = callsOf(sources.walk({u"start"_s}));
+        EXPECT_GT(calls.size(), 5);
+        for (qsizetype failing = 1; failing <= calls.size(); ++failing) {
+            if (calls.at(failing - 1).endsWith("LED"_L1) || calls.at(failing - 1).endsWith("ID negotiation"_L1))
+                continue;
+            const QString text = sources.walk({u"start"_s, QString::number(failing)});
+            EXPECT_EQ(callsOf(text), calls.first(failing));
+            EXPECT_TRUE(text.endsWith("returns the error\n"_L1)) << qPrintable(text);
+        }
+    }
+}
+
+TEST(CompiledSources, RealDevicesReadBack)
+{
+    const QString corpus = corpusFolder();
+    if (corpus.isEmpty())
+        GTEST_SKIP() << "no device files";
+    const QStringList files = QDir(corpus).entryList({u"*.eds"_s, u"*.dcf"_s}, QDir::Files);
+    ASSERT_FALSE(files.isEmpty());
+    for (const QString &file : files) {
+        SCOPED_TRACE(qPrintable(file));
+        GeneratedSources sources;
+        const QString project = sources.folder() + u"/device.ncxt"_s;
+        ASSERT_TRUE(writeFile(project, "[GeneralSettings]\nco_node_id=1\nco_timer_interval=1000\nline0type=1\n"
+                                       "init_static_variables=1\nlimit_check=1\n[Nodes]\n0\\name=can0\n"));
+        ASSERT_TRUE(sources.openProject(project));
+        ASSERT_TRUE(sources.importFile(QDir(corpus).filePath(file)));
+        checkSources(sources);
+    }
+}
+
+} // namespace

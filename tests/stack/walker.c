@@ -1,0 +1,555 @@
+/*
+ * Reads an object dictionary back out of the compiled tables, the way a stack does: it bisects a line's part of the
+ * assignments, searches the subindex among the object's descriptions, and follows the positions into the arrays.
+ *
+ * walker dump          prints each subindex of each line
+ * walker start [N]     prints the calls of the start-up, of which the Nth fails, and what that returns
+ * walker predefined    prints the calls that overwrite the predefined connection set
+ * walker counts        prints the counts of gen_define.h
+ */
+
+#include "stack.h"
+
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+/* The variables of the application and their names; the last one has no name. */
+typedef struct
+{
+    const char *name;
+    const void *pVar;
+} VARIABLE_T;
+extern const VARIABLE_T walkerVariables[];
+
+/* The counts of gen_define.h; the last one has no name. */
+typedef struct
+{
+    const char *name;
+    unsigned count;
+    const UNSIGNED32 *pValues;
+} COUNTS_T;
+extern const COUNTS_T walkerCounts[];
+
+#if defined(WALK_SERVER_MODE)
+#ifdef STACK_MULTI_LINE
+RET_T j1939OdInit(UNSIGNED8 canLine);
+#else
+RET_T j1939OdInit(void);
+#endif
+#else
+#ifdef WALK_OPTIONS
+#define START_NAME coCanOpenStackInitPara
+#define OPTIONS_PARAMETER , CO_INIT_OPTION_T *pCoOptions
+#define OPTIONS_ARGUMENT , options
+#else
+#define START_NAME coCanOpenStackInit
+#define OPTIONS_PARAMETER
+#define OPTIONS_ARGUMENT
+#endif
+#ifdef STACK_FD
+#define MODES_PARAMETER , BOOL_T *pModes
+#define MODES_ARGUMENT , NULL
+#else
+#define MODES_PARAMETER
+#define MODES_ARGUMENT
+#endif
+RET_T START_NAME(CO_EVENT_STORE_T pLoadFunction OPTIONS_PARAMETER MODES_PARAMETER);
+#endif
+
+#ifdef WALK_LOAD_INDICATION
+#ifdef STACK_MULTI_LINE
+RET_T genLoadIndication(UNSIGNED8 canLine, UNSIGNED8 subIndex);
+#else
+RET_T genLoadIndication(UNSIGNED8 subIndex);
+#endif
+#endif
+#ifdef WALK_OVERWRITE_FUNCTION
+RET_T userOverwriteCobIdSettings(void);
+#endif
+
+static RET_T start(void)
+{
+#if defined(WALK_SERVER_MODE) && defined(STACK_MULTI_LINE)
+    UNSIGNED8 line;
+
+    for (line = 0; line < STACK_LINES; ++line)
+        j1939OdInit(line);
+    return RET_OK;
+#elif defined(WALK_SERVER_MODE)
+    return j1939OdInit();
+#else
+#ifdef WALK_OPTIONS
+    CO_INIT_OPTION_T options[STACK_LINES];
+
+    memset(options, 0, sizeof(options));
+    options[0].master = 1;
+#endif
+    return START_NAME(NULL OPTIONS_ARGUMENT MODES_ARGUMENT);
+#endif
+}
+
+/* ---- The search of a stack --------------------------------------------------------------------------------------- */
+
+static const CO_OD_ASSIGN_T *findObject(const STACK_DICTIONARY_T *pDictionary, UNSIGNED16 index)
+{
+    unsigned low = 0;
+    unsigned high = pDictionary->assignCnt;
+
+    while (low < high) {
+        unsigned middle = (low + high) / 2;
+
+        if (pDictionary->pAssign[middle].index < index)
+            low = middle + 1;
+        else
+            high = middle;
+    }
+    return low < pDictionary->assignCnt && pDictionary->pAssign[low].index == index ? &pDictionary->pAssign[low] : NULL;
+}
+
+/* A compact row stands for all subindices behind it, up to the object's last. */
+static const CO_OBJECT_DESC_T *findSub(const STACK_DICTIONARY_T *pDictionary, const CO_OD_ASSIGN_T *pObject,
+                                       unsigned subIndex)
+{
+    unsigned i;
+
+    for (i = 0; i < pObject->numberOfDesc; ++i) {
+        const CO_OBJECT_DESC_T *pDesc = &pDictionary->pDesc[pObject->firstDesc + i];
+
+        if (pDesc->subIndex == subIndex)
+            return pDesc;
+        if ((pDesc->attributes & CO_ATTR_COMPACT) != 0 && pDesc->subIndex < subIndex && subIndex <= pObject->highestSub)
+            return pDesc;
+    }
+    return NULL;
+}
+
+/* ---- Values ------------------------------------------------------------------------------------------------------ */
+
+static int typeOf(const CO_OBJECT_DESC_T *pDesc)
+{
+#ifdef STACK_V4
+    return (int)pDesc->type;
+#else
+    return (int)pDesc->type / 32;
+#endif
+}
+
+static int specifierOf(const CO_OBJECT_DESC_T *pDesc)
+{
+#ifdef STACK_V4
+    return (int)pDesc->specifier;
+#else
+    return (int)pDesc->type % 32;
+#endif
+}
+
+static const char *typeName(int type)
+{
+    switch (type) {
+#define X(name)                                                                                                        \
+    case STACK_TYPE_##name:                                                                                            \
+        return #name;
+        STACK_TYPES(X)
+#undef X
+    case STACK_TYPE_DOMAIN:
+        return "DOMAIN";
+    case STACK_TYPE_STRING_NULL:
+        return "VS";
+    case STACK_TYPE_OCTET_STRING:
+        return "OS";
+    default:
+        return "?";
+    }
+}
+
+static const char *specifierName(int specifier)
+{
+    switch (specifier) {
+#define X(name)                                                                                                        \
+    case CO_DSPEC_##name:                                                                                              \
+        return #name;
+        STACK_SPECIFIERS(X)
+#undef X
+    default:
+        return "-";
+    }
+}
+
+static const char *objectTypeName(int type)
+{
+    static const char *const names[] = {"DOMAIN", "VAR", "ARRAY", "RECORD"};
+
+    return type <= CO_ODTYPE_STRUCT ? names[type] : "?";
+}
+
+#ifdef CO_EXTENDED_DATA_TYPES
+static void printBytes(const UNSIGNED8 *pBytes, unsigned count)
+{
+    unsigned long long value = 0;
+    unsigned i;
+
+    for (i = 0; i < count; ++i)
+        value = value << 8 | pBytes[i];
+    printf("%llu", value);
+}
+#endif
+
+typedef enum
+{
+    ARRAY_CONST,
+    ARRAY_MANAGED,
+    ARRAY_POINTER
+} ARRAY_T;
+
+/* A missing array is a fault of the tables: some row has a position in it. */
+#define PICK(pArray, format, cast)                                                                                     \
+    do {                                                                                                               \
+        if ((pArray) == NULL)                                                                                          \
+            printf("missing");                                                                                         \
+        else                                                                                                           \
+            printf(format, (cast)(pArray)[position]);                                                                  \
+    } while (0)
+
+#define PICK_BYTES(pArray)                                                                                             \
+    do {                                                                                                               \
+        if ((pArray) == NULL)                                                                                          \
+            printf("missing");                                                                                         \
+        else                                                                                                           \
+            printBytes((pArray)[position].byte, sizeof((pArray)[position].byte));                                      \
+    } while (0)
+
+#define PICK_KIND(type, format, cast) PICK(array == ARRAY_CONST ? p->od_const_##type : p->od_##type, format, cast)
+#define PICK_KIND_BYTES(type) PICK_BYTES(array == ARRAY_CONST ? p->od_const_##type : p->od_##type)
+
+static void printNumber(const CO_OD_DATA_VARIABLES_T *p, int type, ARRAY_T array, unsigned position)
+{
+    switch (type) {
+    case STACK_TYPE_BOOL:
+    case STACK_TYPE_U8:
+        PICK_KIND(u8, "%u", unsigned);
+        break;
+    case STACK_TYPE_U16:
+        PICK_KIND(u16, "%u", unsigned);
+        break;
+    case STACK_TYPE_U32:
+        PICK_KIND(u32, "%lu", unsigned long);
+        break;
+    case STACK_TYPE_I8:
+        PICK_KIND(i8, "%d", int);
+        break;
+    case STACK_TYPE_I16:
+        PICK_KIND(i16, "%d", int);
+        break;
+    case STACK_TYPE_I32:
+        PICK_KIND(i32, "%ld", long);
+        break;
+    case STACK_TYPE_R32:
+        PICK_KIND(r32, "%.6g", double);
+        break;
+#ifdef CO_EXTENDED_DATA_TYPES
+    case STACK_TYPE_U24:
+        PICK_KIND_BYTES(u24);
+        break;
+    case STACK_TYPE_U40:
+        PICK_KIND_BYTES(u40);
+        break;
+    case STACK_TYPE_U48:
+        PICK_KIND_BYTES(u48);
+        break;
+    case STACK_TYPE_U64:
+        PICK_KIND_BYTES(u64);
+        break;
+#endif
+    default: /* a text, or a type that the stack keeps in no array it is told of */
+        printf("-");
+        break;
+    }
+}
+
+static void printText(const VIS_STRING *pTexts, const UNSIGNED32 *pSizes, unsigned position)
+{
+    if (pTexts == NULL || pSizes == NULL)
+        printf("missing");
+    else
+        printf("\"%s\"/%lu", pTexts[position], (unsigned long)pSizes[position]);
+}
+
+static void printConstant(const CO_OD_DATA_VARIABLES_T *p, int type, unsigned position)
+{
+    switch (type) {
+    case STACK_TYPE_VS:
+    case STACK_TYPE_STRING_NULL:
+    case STACK_TYPE_OS:
+    case STACK_TYPE_OCTET_STRING:
+        printText(p->od_const_vis_string, p->od_const_vis_string_len, position);
+        break;
+#ifdef CO_UTF8_DATA_TYPE
+    case STACK_TYPE_UTF8:
+        printText(p->od_const_utf8_string, p->od_const_utf8_string_len, position);
+        break;
+#endif
+    default:
+        printNumber(p, type, ARRAY_CONST, position);
+        break;
+    }
+}
+
+static void printName(const void *pVar)
+{
+    const VARIABLE_T *p;
+
+    for (p = walkerVariables; p->name != NULL; ++p) {
+        if (p->pVar == pVar) {
+            printf("%s", p->name);
+            return;
+        }
+    }
+    printf("unknown");
+}
+
+#define NAME(pArray)                                                                                                   \
+    do {                                                                                                               \
+        if ((pArray) == NULL)                                                                                          \
+            printf("missing");                                                                                         \
+        else                                                                                                           \
+            printName((pArray)[position]);                                                                             \
+    } while (0)
+
+#define NAME_AND_SIZE(name)                                                                                            \
+    do {                                                                                                               \
+        NAME(p->name);                                                                                                 \
+        printf("/%lu", p->name##_len == NULL ? 0ul : (unsigned long)p->name##_len[position]);                          \
+    } while (0)
+
+static void printVariable(const CO_OD_DATA_VARIABLES_T *p, int type, unsigned position)
+{
+    switch (type) {
+    case STACK_TYPE_BOOL:
+    case STACK_TYPE_U8:
+        NAME(p->od_ptr_u8);
+        break;
+    case STACK_TYPE_U16:
+        NAME(p->od_ptr_u16);
+        break;
+    case STACK_TYPE_U32:
+        NAME(p->od_ptr_u32);
+        break;
+    case STACK_TYPE_I8:
+        NAME(p->od_ptr_i8);
+        break;
+    case STACK_TYPE_I16:
+        NAME(p->od_ptr_i16);
+        break;
+    case STACK_TYPE_I32:
+        NAME(p->od_ptr_i32);
+        break;
+    case STACK_TYPE_R32:
+        NAME(p->od_ptr_r32);
+        break;
+#ifdef CO_EXTENDED_DATA_TYPES
+    case STACK_TYPE_U24:
+        NAME(p->od_ptr_u24);
+        break;
+    case STACK_TYPE_U40:
+        NAME(p->od_ptr_u40);
+        break;
+    case STACK_TYPE_U48:
+        NAME(p->od_ptr_u48);
+        break;
+    case STACK_TYPE_U64:
+        NAME(p->od_ptr_u64);
+        break;
+#endif
+    case STACK_TYPE_VS:
+    case STACK_TYPE_STRING_NULL:
+        NAME_AND_SIZE(od_vis_string);
+        break;
+    case STACK_TYPE_OS:
+    case STACK_TYPE_OCTET_STRING:
+        NAME_AND_SIZE(od_octet_string);
+        break;
+#ifdef CO_UTF8_DATA_TYPE
+    case STACK_TYPE_UTF8:
+        NAME_AND_SIZE(od_utf8_string);
+        break;
+#endif
+    case STACK_TYPE_DOMAIN:
+        printf("domain %u%s", position, p->od_domain == NULL ? " missing" : "");
+        break;
+    default:
+        printf("-");
+        break;
+    }
+}
+
+/* ---- The dump ---------------------------------------------------------------------------------------------------- */
+
+static void printAttributes(unsigned attributes)
+{
+    static const struct
+    {
+        unsigned mask;
+        const char *name;
+    } names[] = {
+        {CO_ATTR_NUM, "num"},      {CO_ATTR_READ, "read"},      {CO_ATTR_WRITE, "write"}, {CO_ATTR_MAP_TR, "tpdo"},
+        {CO_ATTR_MAP_REC, "rpdo"}, {CO_ATTR_DEFVAL, "default"}, {CO_ATTR_LIMIT, "limit"}, {CO_ATTR_STORE, "store"},
+    };
+    const char *separator = "";
+    size_t i;
+
+    for (i = 0; i < sizeof(names) / sizeof(names[0]); ++i) {
+        if ((attributes & names[i].mask) != 0) {
+            printf("%s%s", separator, names[i].name);
+            separator = ",";
+        }
+    }
+}
+
+#ifdef CO_CONFIG_LIMIT_CHECK
+static int hasLimits(int type)
+{
+    switch (type) {
+    case STACK_TYPE_BOOL:
+    case STACK_TYPE_U8:
+    case STACK_TYPE_U16:
+    case STACK_TYPE_U32:
+    case STACK_TYPE_I8:
+    case STACK_TYPE_I16:
+    case STACK_TYPE_I32:
+    case STACK_TYPE_R32:
+        return 1;
+    default:
+        return 0;
+    }
+}
+#endif
+
+static void printSub(const STACK_DICTIONARY_T *pDictionary, unsigned line, const CO_OD_ASSIGN_T *pObject,
+                     unsigned subIndex)
+{
+    const CO_OBJECT_DESC_T *pDesc = findSub(pDictionary, pObject, subIndex);
+    const CO_OD_DATA_VARIABLES_T *p = pDictionary->pVariables;
+    int type;
+
+    if (pDesc == NULL)
+        return;
+    type = typeOf(pDesc);
+    printf("%u 0x%04x:%u %s %s %s ", line, pObject->index, subIndex, objectTypeName(pObject->odType), typeName(type),
+           specifierName(specifierOf(pDesc)));
+    printAttributes(pDesc->attributes);
+    printf(" default ");
+    printNumber(p, type, ARRAY_CONST, pDesc->defaultValue);
+#ifdef CO_CONFIG_LIMIT_CHECK
+    if (hasLimits(type) && (pDesc->attributes & CO_ATTR_LIMIT) != 0 && (pDesc->attributes & CO_ATTR_WRITE) != 0) {
+        printf(" limits ");
+        printNumber(p, type, ARRAY_CONST, pDesc->lowerLimit);
+        printf(" to ");
+        printNumber(p, type, ARRAY_CONST, pDesc->upperLimit);
+    }
+#endif
+    printf(" value ");
+    switch (specifierOf(pDesc)) {
+    case CO_DSPEC_CONST:
+        printConstant(p, type, pDesc->value);
+        break;
+    case CO_DSPEC_VAR:
+        printNumber(p, type, ARRAY_MANAGED, pDesc->value);
+        break;
+    case CO_DSPEC_PTR:
+        printVariable(p, type, pDesc->value);
+        break;
+    default:
+        if (type == STACK_TYPE_DOMAIN)
+            printVariable(p, type, pDesc->value);
+        else
+            printf("%u", pDesc->value);
+        break;
+    }
+    putchar('\n');
+}
+
+static void dump(void)
+{
+    unsigned line;
+    unsigned index;
+    unsigned subIndex;
+
+    for (line = 0; line < STACK_LINES; ++line) {
+        const STACK_DICTIONARY_T *pDictionary = &stackDictionaries[line];
+
+        if (!pDictionary->present)
+            continue;
+        printf("line %u: %u objects\n", line, pDictionary->assignCnt);
+        for (index = 0x1000; index <= 0xffff; ++index) {
+            const CO_OD_ASSIGN_T *pObject = findObject(pDictionary, (UNSIGNED16)index);
+
+            for (subIndex = 0; pObject != NULL && subIndex <= pObject->highestSub; ++subIndex)
+                printSub(pDictionary, line, pObject, subIndex);
+        }
+    }
+}
+
+#if defined(WALK_LOAD_INDICATION) || defined(WALK_OVERWRITE_FUNCTION)
+static void report(RET_T ret)
+{
+    if (ret != RET_OK)
+        printf("returns %d\n", (int)ret);
+}
+#endif
+
+static void predefined(void)
+{
+#if defined(WALK_LOAD_INDICATION) && defined(STACK_MULTI_LINE)
+    UNSIGNED8 line;
+
+    for (line = 0; line < 3; ++line)
+        report(genLoadIndication(line, 1));
+    report(genLoadIndication(0, 3));
+#elif defined(WALK_LOAD_INDICATION)
+    report(genLoadIndication(2));
+    report(genLoadIndication(3));
+#elif defined(WALK_OVERWRITE_FUNCTION)
+    report(userOverwriteCobIdSettings());
+#endif
+}
+
+static void counts(void)
+{
+    const COUNTS_T *p;
+    unsigned i;
+
+    for (p = walkerCounts; p->name != NULL; ++p) {
+        printf("%s", p->name);
+        for (i = 0; i < p->count; ++i)
+            printf(" %lu", (unsigned long)p->pValues[i]);
+        putchar('\n');
+    }
+}
+
+int main(int argc, char **argv)
+{
+    const char *mode = argc > 1 ? argv[1] : "";
+    RET_T ret;
+
+    if (strcmp(mode, "dump") == 0) {
+        ret = start();
+        if (ret != RET_OK)
+            return 1;
+        dump();
+        return 0;
+    }
+    if (strcmp(mode, "counts") == 0) {
+        counts();
+        return 0;
+    }
+    stackTrace = 1;
+    stackFailAt = argc > 2 ? atoi(argv[2]) : 0;
+    if (strcmp(mode, "predefined") == 0) {
+        predefined();
+        return 0;
+    }
+    ret = start();
+    printf("returns %s\n", ret == RET_OK ? "OK" : ret == RET_SERVICE_FAILED ? "the error" : "another error");
+    return 0;
+}
