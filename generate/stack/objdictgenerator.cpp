@@ -4,6 +4,7 @@
 #include "generate/dialect.h"
 #include "generate/fileheader.h"
 #include "generate/stack/dictionarytables.h"
+#include "generate/stack/indicationpointers.h"
 #include "generate/stack/objdictsections.h"
 #include "generate/stack/sourceopening.h"
 #include "generate/stack/stackinit.h"
@@ -16,7 +17,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-void writeOpening(CodeWriter &out, const SourceOpening &opening, const DictionaryTables &tables, const Dialect &dialect)
+void writeOpening(CodeWriter &out, ObjectDataBase &store, const SourceOpening &opening, const DictionaryTables &tables,
+                  const Dialect &dialect)
 {
     SourceSections::stackIncludes(out, opening, tables, dialect);
     if (tables.stringDefaults)
@@ -28,6 +30,8 @@ void writeOpening(CodeWriter &out, const SourceOpening &opening, const Dictionar
     SourceSections::applicationIncludes(out, opening);
     SourceSections::specifierGuards(out, dialect);
     SourceSections::watchdogGuard(out, dialect);
+    writeIndicationPointers(out, store, dialect);
+    writeUdsIndicationPointers(out, store, dialect);
     ObjDictSections::objectCounts(out, tables);
 }
 
@@ -72,7 +76,7 @@ void ObjDictGenerator::write(QTextStream &stream)
 
     CodeWriter out(stream);
     writeFileHeader(out, SourceFile::GenObjdict, dialect_.form, baseName());
-    writeOpening(out, SourceOpening::of(*database(), outputFolder()), tables, dialect_);
+    writeOpening(out, *database(), SourceOpening::of(*database(), outputFolder()), tables, dialect_);
     ObjDictSections::managedVariables(out, tables, dialect_);
     ObjDictSections::constants(out, tables, dialect_);
     ObjDictSections::stringDefaults(out, tables, dialect_);

@@ -27,13 +27,13 @@ const QString helpText = u"--- CANopen NodeComposer 4.3.3  Help ---\n"
                          "\t-stackpath\t\tSets the path to the stack. It is required for SRDO generation; "
                          "otherwise optional.\n"_s;
 
-/// What a run of a project without findings says; %1 is the folder.
+/// What the check says of a project that names no stack.
 const QString noStackPath =
     u"Info: Path to protocol stack not specified. Cannot check if generated code fits to installed stack/framework.\n"
     "Specify path to protocol stack at Options -> Settings.\n"_s;
+/// What a run of a project without findings says; %1 is the folder.
 const QString runText = u"\nCheck of model consistency started\n"_s + noStackPath +
-                        u"                        "\nCheck of model consistency finished.\n\n
-                        "
+                        u"\nCheck of model consistency finished.\n\n"
                         "Generation of gen_indices.h in %1 started\n"
                         "Generation of gen_indices.h generator completed. \n"
                         "Generation finished.\n"
