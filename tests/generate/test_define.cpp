@@ -1,4 +1,6 @@
 #include "generate/dialect.h"
+#include "generate/generatormainhandler.h"
+#include "generate/outputhandlerbase.h"
 #include "generate/stack/definegenerator.h"
 #include "generate/stack/projectprops.h"
 #include "generate/stack/usersection.h"
@@ -614,6 +616,44 @@ TEST_F(Define, CountsGenerations)
     EXPECT_EQ(count(), u"1ul");
     project.general(u"generate_generation_counter"_s, u"0"_s);
     EXPECT_EQ(count(), u"none");
+}
+
+class Recorder : public OutputHandlerBase
+{
+public:
+    void message(const QVariant &value) override { messages.append(value.toString()); }
+    void forwardMessage(const QVariant & /*value*/) override {}
+    QString collectedText() const override { return {}; }
+
+    QStringList messages;
+};
+
+TEST_F(Define, TellsTheRunAboutTheUserSectionAndTheProps)
+{
+    ProjectBuilder project;
+    project.general(u"gen_csharp_props"_s, u"1"_s);
+    ASSERT_TRUE(project.save(folder_.filePath(u"device.ncxp"_s)));
+    Recorder output;
+    GeneratorMainHandler handler(&output);
+    ASSERT_TRUE(handler.openProject(folder_.filePath(u"device.ncxp"_s)));
+    const auto said = [&] {
+        output.messages.clear();
+        handler.generate(true);
+        return output.messages.filter(QRegularExpression(u"gen_define"_s)).replaceInStrings(folder_.path(), u"DIR"_s);
+    };
+    const QString started = u"Generation of gen_define.h in DIR started"_s;
+    const QString completed = u"Generation of gen_define.h completed. "_s;
+    const QString props = u"Generation of gen_define.props and Directory.Build.props in DIR finished"_s;
+    EXPECT_EQ(said(), (QStringList{started, completed, props}));
+    QByteArray file = readFile(path());
+    ASSERT_TRUE(writeFile(path(), file.replace("section: start */\n", "section: start */\n#define MINE\n")));
+    EXPECT_EQ(said(),
+              (QStringList{started, completed, u"gen_define.h contains user section:\n#define MINE\n\n"_s, props}));
+    EXPECT_TRUE(readFile(folder_.filePath(u"gen_define.props"_s)).contains(";MINE</DefineConstants>"));
+
+    QFile::remove(folder_.filePath(u"gen_define.props"_s));
+    QDir(folder_.path()).mkdir(u"gen_define.props"_s);
+    EXPECT_EQ(said().last(), u"The files gen_define.props and Directory.Build.props in DIR are not writable");
 }
 
 TEST_F(Define, CompilesInAllGoldens)
