@@ -44,9 +44,9 @@ const Dialect &Dialect::v4()
         .stackInit = u"coreStackInit"_s,
         .dataTypeHeader = u"core_datatype.h"_s,
         .parameterError = u"RET_PARAMETER_INVALID"_s,
-        .points = {Point::SplitTypeColumns, Point::MappedTypeColumn, Point::CoreDatatypeHeader,
-                   Point::UdsIndicationHeader, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication,
-                   Point::PointerTables, Point::ReceiveConfigs, Point::BootloaderBuffers, Point::UdsIndications},
+        .points = {Point::SplitTypeColumns, Point::MappedTypeColumn, Point::UdsIndicationHeader, Point::CoreCommonInit,
+                   Point::LinePrototypesOnly, Point::LoadIndication, Point::PointerTables, Point::ReceiveConfigs,
+                   Point::BootloaderBuffers, Point::UdsIndications},
     };
     return dialect;
 }
