@@ -87,14 +87,17 @@ private:
         const bool isDomain = object.object.objecttype == CANopen::Domain;
         const bool counts = object.isGroup() && sub.subindex == 0 && object.index >= 0x2000;
         const bool mapped = !isDomain && sub.data.pdomapping.toBinary() != 0;
+        const int type = sub.data.datatype < 100 ? sub.data.datatype : 5; // types of the program's own
         const QString name = object.isGroup() ? object.name(sub) : object.name();
-        const QString value = counts ? QString::number(object.highestSubindex()) : sub.data.defaultvalue;
+        QString value = counts ? QString::number(object.highestSubindex()) : sub.data.defaultvalue;
+        if (value.startsWith("|x"_L1))
+            value.remove(0, 2);
         const bool shown =
             sub.data.writedefaulttoeds == 2 || (sub.data.writedefaulttoeds == 1 && sub.data.defaultineds);
         const QJsonArray row{object.index,
                              sub.subindex,
                              name.trimmed(),
-                             sub.data.datatype,
+                             type,
                              sub.data.accesstype,
                              mapped ? 1 : 0,
                              shown ? value.trimmed() : QString()};
