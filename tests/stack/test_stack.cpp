@@ -137,6 +137,19 @@ TEST(CompiledSources, StartUpEndsWithTheFirstError)
     }
 }
 
+TEST(CompiledSources, OfADamagedProjectAreWhole)
+{
+    for (const bool classic : {false, true}) {
+        GeneratedSources sources(classic);
+        const QString project = sources.folder() + u"/damaged.ncxt"_s;
+        ASSERT_TRUE(QFile::copy(QStringLiteral(NCX_SOURCE_DIR "/tests/data/stack/damaged.ncxt"), project));
+        ASSERT_TRUE(sources.openProject(project));
+        ASSERT_TRUE(sources.generate());
+        EXPECT_EQ(sources.compile(), QString());
+        EXPECT_EQ(sources.link(), QString());
+    }
+}
+
 TEST(CompiledSources, RealDevicesReadBack)
 {
     const QString corpus = corpusFolder();
