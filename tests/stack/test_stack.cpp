@@ -90,7 +90,8 @@ void checkSources(GeneratedSources &sources)
         return;
     ASSERT_EQ(sources.link(), QString());
     readBack(sources);
-    compareCounts(sources);
+    if (sources.has(u"gen_objdict.c"_s))
+        compareCounts(sources);
 }
 
 TEST(CompiledSources, ReadBackAsTheProjectHasThem)
