@@ -4,21 +4,21 @@
 
 namespace TestSupport {
 
-/// A program for node.js among the tests (tests/NAME/read.js), with the libraries that its lock file names.
+/// A program for node.js among the tests (tests/NAME/read.js), with the libraries that its lock file names. The set-up
+/// of the tests installs these beside it.
 class NodePackage
 {
 public:
-    /// Puts the program and its libraries into a folder.
-    NodePackage(const QString &name, const QString &folder);
+    explicit NodePackage(const QString &name);
 
     bool isInstalled() const { return reason_.isEmpty(); }
     /// Why it cannot be run here.
     QString reason() const { return reason_; }
-    ProcessResult run(const QStringList &arguments) const;
+    ProcessResult run(const QString &workingFolder, const QStringList &arguments) const;
 
 private:
     QString node_;
-    QString folder_;
+    QString program_;
     QString reason_;
 };
 
