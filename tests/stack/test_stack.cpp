@@ -23,8 +23,10 @@ QStringList projectFolders()
     QStringList folders;
     for (const QString &root : {u"/tests/data/golden"_s, u"/examples"_s}) {
         const QDir parent(QStringLiteral(NCX_SOURCE_DIR) + root);
-        for (const QString &name : parent.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
-            folders.append(parent.filePath(name));
+        for (const QString &name : parent.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
+            if (!QDir(parent.filePath(name)).entryList({u"*.ncxt"_s}).isEmpty())
+                folders.append(parent.filePath(name));
+        }
     }
     return folders;
 }
@@ -84,7 +86,7 @@ void checkSources(GeneratedSources &sources)
 {
     ASSERT_TRUE(sources.generate());
     ASSERT_EQ(sources.compile(), QString());
-    if (!sources.has(u"gen_objdict.c"_s))
+    if (!sources.has(u"gen_objdict.c"_s) && !sources.text(u"gen_mp.c"_s).contains("od_assign["))
         return;
     ASSERT_EQ(sources.link(), QString());
     readBack(sources);
@@ -99,7 +101,7 @@ TEST(CompiledSources, ReadBackAsTheProjectHasThem)
             GeneratedSources sources(classic);
             ASSERT_TRUE(sources.openFolder(folder));
             checkSources(sources);
-            if (sources.has(u"walker"_s))
+            if (sources.has(u"gen_objdict.c"_s))
                 compareStart(sources, folder);
         }
     }

@@ -4,16 +4,14 @@
 #include "import/importproject.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
-#include "support/processrunner.h"
+#include "support/nodepackage.h"
 
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
-using TestSupport::ProcessRunner;
 
 // The descriptions that the program writes are read by a CANopen library for node.js (tests/eds_reader), which finds
 // what the project has.
@@ -140,20 +138,18 @@ QMap<QString, Store> projects()
     return result;
 }
 
-const QString readerFolder = QStringLiteral(NCX_SOURCE_DIR "/tests/eds_reader");
-
 } // namespace
 
 TEST(EdsReader, AnIndependentLibraryFindsWhatTheProjectHas)
 {
-    const QString node = QStandardPaths::findExecutable(u"node"_s);
-    if (node.isEmpty() || !QDir(readerFolder + u"/node_modules"_s).exists())
-        GTEST_SKIP() << "node.js or the library is missing; scripts/test installs both (npm ci in tests/eds_reader)";
+    const TestSupport::NodePackage reader(u"eds_reader"_s);
+    if (!reader.isInstalled())
+        GTEST_SKIP() << reader.reason().toStdString();
 
     const QTemporaryDir folder;
     const QMap<QString, Store> stores = projects();
     ASSERT_GE(stores.size(), 3);
-    QStringList arguments{readerFolder + u"/read.js"_s};
+    QStringList arguments;
     for (auto it = stores.cbegin(); it != stores.cend(); ++it) {
         EDSGenerator generator;
         generator.setVariant({.extended = true});
@@ -161,7 +157,7 @@ TEST(EdsReader, AnIndependentLibraryFindsWhatTheProjectHas)
         ASSERT_TRUE(TestSupport::writeFile(folder.filePath(it.key()), eds.toUtf8()));
         arguments.append(it.key());
     }
-    const auto result = ProcessRunner(node).arguments(arguments).workingFolder(folder.path()).run();
+    const auto result = reader.run(folder.path(), arguments);
     ASSERT_EQ(result.exitCode, 0) << qPrintable(result.errors);
     const QStringList answers = result.output.split(u'\n', Qt::SkipEmptyParts);
     ASSERT_EQ(answers.size(), stores.size());
