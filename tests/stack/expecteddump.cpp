@@ -74,6 +74,9 @@ constexpr std::array services{
     ServiceRow{0x1F90, 0x1F90, Subs::All, "FLYMA", Value::Any},
 };
 
+/// The module of safety-relevant data serves what it carries.
+constexpr ServiceRow safetyModule{0, 0, Subs::All, "SRDO", Value::Index};
+
 struct TypeRow
 {
     quint16 code;
@@ -160,12 +163,19 @@ QString attributes(const Sub &sub)
 }
 
 /// A text constant: characters, or pairs of hexadecimal digits behind "|x".
+/// A text constant as the walker prints it: control characters in hexadecimal. What a visible string escapes for C, it
+/// escapes by itself.
 QString textConstant(const Sub &sub)
 {
-    const QString text = sub.defaultvalue.startsWith("|x"_L1)
-                             ? QString::fromUtf8(QByteArray::fromHex(sub.defaultvalue.mid(2).toLatin1()))
-                             : sub.defaultvalue;
-    return u"\"%1\"/%2"_s.arg(text, QString::number(sub.size));
+    QString text = sub.defaultvalue;
+    if (text.startsWith("|x"_L1))
+        text = QString::fromUtf8(QByteArray::fromHex(text.mid(2).toLatin1()));
+    else if (sub.datatype != 124)
+        text.replace(u"\\\""_s, u"\""_s);
+    QString printed;
+    for (const QChar character : text)
+        printed += character < u' ' ? u"\\x%1"_s.arg(character.unicode(), 2, 16, '0'_L1) : QString(character);
+    return u"\"%1\"/%2"_s.arg(printed, QString::number(sub.size));
 }
 
 class Dump
@@ -176,6 +186,7 @@ public:
         , classic_(classic)
         , limitCheck_(store.getGeneralSetting(u"limit_check"_s).toInt() > 0)
         , initialised_(store.getGeneralSetting(u"init_static_variables"_s).toInt() == 1)
+        , safetyData_(staticSafetyData(store))
     {
     }
 
@@ -232,6 +243,8 @@ private:
     QString lineOf(quint8 line, quint8 owner, quint16 index, quint8 subindex, const Sub &sub) const
     {
         const ServiceRow *service = serviceOf(index, subindex);
+        if (service == nullptr && safetyData_.contains(quint32{owner} << 24 | quint32{index} << 8 | subindex))
+            service = &safetyModule;
         const bool constant = sub.implementation == Constant;
         QString specifier = constant                         ? u"CONST"_s
                             : service != nullptr             ? QString::fromLatin1(service->name)
@@ -328,6 +341,7 @@ private:
     bool classic_;
     bool limitCheck_;
     bool initialised_;
+    QSet<quint32> safetyData_;
     int objectCount_ = 0;
     QMap<quint32, int> domains_;
     int domainCount_ = 0;
@@ -398,6 +412,21 @@ QMap<QString, QString> TestSupport::expectedCounts(ObjectDataBase &store)
     expected[u"CAN_MULTI_LINE_CNT"_s] = QString::number(lines.size());
     expected[u"CO_MULTI_LINE_CNT"_s] = QString::number(lines.size());
     return expected;
+}
+
+QSet<quint32> TestSupport::staticSafetyData(ObjectDataBase &store)
+{
+    QSet<quint32> keys;
+    if (store.getGeneralSetting(u"static_srdo_data"_s).toInt() != 1)
+        return keys;
+    for (const quint8 line : store.getNodeList()) {
+        for (const quint16 index : store.getIndexList(line, 0x1380, 0x13B0)) {
+            for (const quint8 subindex : store.getSubIndexList(line, index, 1))
+                keys.insert(quint32{line} << 24 |
+                            store.getSubIndexDefaultValue(line, index, subindex).toUInt(nullptr, 0) >> 8);
+        }
+    }
+    return keys;
 }
 
 QStringList TestSupport::expectedDump(ObjectDataBase &store, bool classic)
