@@ -176,7 +176,11 @@ void writeAuthenticationTable(CodeWriter &out, const UdsBlocks::Line &line)
         {{"LINE", Code::dec(line.line)}});
     for (const quint8 sid : sids)
         out(u"\t{ 0x${SID} },", {{"SID", Code::hex(sid, 2)}});
-    out(u"\n};\n");
+    out(uR"(
+
+        };
+
+        )");
 }
 
 /// A pointer to a table and the number of its rows.

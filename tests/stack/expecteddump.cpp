@@ -160,12 +160,19 @@ QString attributes(const Sub &sub)
 }
 
 /// A text constant: characters, or pairs of hexadecimal digits behind "|x".
+/// A text constant as the walker prints it: control characters in hexadecimal. What a visible string escapes for C, it
+/// escapes by itself.
 QString textConstant(const Sub &sub)
 {
-    const QString text = sub.defaultvalue.startsWith("|x"_L1)
-                             ? QString::fromUtf8(QByteArray::fromHex(sub.defaultvalue.mid(2).toLatin1()))
-                             : sub.defaultvalue;
-    return u"\"%1\"/%2"_s.arg(text, QString::number(sub.size));
+    QString text = sub.defaultvalue;
+    if (text.startsWith("|x"_L1))
+        text = QString::fromUtf8(QByteArray::fromHex(text.mid(2).toLatin1()));
+    else if (sub.datatype != 124)
+        text.replace(u"\\\""_s, u"\""_s);
+    QString printed;
+    for (const QChar character : text)
+        printed += character < u' ' ? u"\\x%1"_s.arg(character.unicode(), 2, 16, '0'_L1) : QString(character);
+    return u"\"%1\"/%2"_s.arg(printed, QString::number(sub.size));
 }
 
 class Dump

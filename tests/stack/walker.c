@@ -267,12 +267,27 @@ static void printNumber(const CO_OD_DATA_VARIABLES_T *p, int type, ARRAY_T array
     }
 }
 
+/* A text as a project has it: what cannot be printed in hexadecimal. */
+static void printQuoted(const char *pText)
+{
+    putchar('"');
+    for (; *pText != '\0'; ++pText) {
+        if ((unsigned char)*pText < ' ')
+            printf("\\x%02x", (unsigned)(unsigned char)*pText);
+        else
+            putchar(*pText);
+    }
+    putchar('"');
+}
+
 static void printText(const VIS_STRING *pTexts, const UNSIGNED32 *pSizes, unsigned position)
 {
-    if (pTexts == NULL || pSizes == NULL)
+    if (pTexts == NULL || pSizes == NULL) {
         printf("missing");
-    else
-        printf("\"%s\"/%lu", pTexts[position], (unsigned long)pSizes[position]);
+        return;
+    }
+    printQuoted(pTexts[position]);
+    printf("/%lu", (unsigned long)pSizes[position]);
 }
 
 static void printConstant(const CO_OD_DATA_VARIABLES_T *p, int type, unsigned position)
@@ -430,11 +445,14 @@ static void printSub(const STACK_DICTIONARY_T *pDictionary, unsigned line, const
 {
     const CO_OBJECT_DESC_T *pDesc = findSub(pDictionary, pObject, subIndex);
     const CO_OD_DATA_VARIABLES_T *p = pDictionary->pVariables;
+    unsigned position;
     int type;
 
     if (pDesc == NULL)
         return;
     type = typeOf(pDesc);
+    /* The subindices that share a row have elements of their own, one behind the other. */
+    position = pDesc->value + (subIndex - pDesc->subIndex);
     printf("%u 0x%04x:%u %s %s %s ", line, pObject->index, subIndex, objectTypeName(pObject->odType), typeName(type),
            specifierName(specifierOf(pDesc)));
     printAttributes(pDesc->attributes);
@@ -454,10 +472,10 @@ static void printSub(const STACK_DICTIONARY_T *pDictionary, unsigned line, const
         printConstant(p, type, pDesc->value);
         break;
     case CO_DSPEC_VAR:
-        printNumber(p, type, ARRAY_MANAGED, pDesc->value);
+        printNumber(p, type, ARRAY_MANAGED, position);
         break;
     case CO_DSPEC_PTR:
-        printVariable(p, type, pDesc->value);
+        printVariable(p, type, position);
         break;
     default:
         if (type == STACK_TYPE_DOMAIN)
