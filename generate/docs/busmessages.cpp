@@ -63,19 +63,19 @@ QList<BusMessage> BusMessage::pgns(ObjectDataBase &store, quint8 line)
 QList<BusMessage> BusMessage::canIds(ObjectDataBase &store, quint8 line)
 {
     QHash<quint64, QList<StoreRecords::DataElement>> elements;
-    const auto key = [](quint32 id, quint8 direction) { return quint64{id} << 8 | direction; };
+    const auto key = [](quint32 number, quint8 direction) { return quint64{number} << 8 | direction; };
     for (const StoreRecords::DataElement &element : store.getDataElements(line))
         elements[key(element.pgnnumber, element.direction)].append(withTextsFilled(element, element.pgnnumber, line));
 
     QList<BusMessage> messages;
     for (const quint8 direction : directions) {
-        const QList<quint32> ids = store.getCANIDList(line, direction);
-        for (const quint32 id : ids) {
+        const QList<quint32> numbers = store.getCANIDList(line, direction);
+        for (const quint32 number : numbers) {
             StoreRecords::CANID record;
-            if (!store.getCANID(line, id, direction, record))
+            if (!store.getCANID(line, number, direction, record))
                 continue;
-            BusMessage message = messageOf(record, id, line);
-            message.signalList = elements.value(key(id, direction));
+            BusMessage message = messageOf(record, number, line);
+            message.signalList = elements.value(key(number, direction));
             messages.append(message);
         }
     }
