@@ -26,8 +26,10 @@ QStringList projectFolders()
     QStringList folders;
     for (const QString &root : {u"/tests/data/golden"_s, u"/examples"_s}) {
         const QDir parent(QStringLiteral(NCX_SOURCE_DIR) + root);
-        for (const QString &name : parent.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
-            folders.append(parent.filePath(name));
+        for (const QString &name : parent.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
+            if (!QDir(parent.filePath(name)).entryList({u"*.ncxt"_s}).isEmpty())
+                folders.append(parent.filePath(name));
+        }
     }
     return folders;
 }
@@ -87,11 +89,12 @@ void checkSources(GeneratedSources &sources)
 {
     ASSERT_TRUE(sources.generate());
     ASSERT_EQ(sources.compile(), QString());
-    if (!sources.has(u"gen_objdict.c"_s))
+    if (!sources.has(u"gen_objdict.c"_s) && !sources.text(u"gen_mp.c"_s).contains("od_assign["))
         return;
     ASSERT_EQ(sources.link(), QString());
     readBack(sources);
-    compareCounts(sources);
+    if (sources.has(u"gen_objdict.c"_s))
+        compareCounts(sources);
 }
 
 TEST(CompiledSources, ReadBackAsTheProjectHasThem)
@@ -102,7 +105,7 @@ TEST(CompiledSources, ReadBackAsTheProjectHasThem)
             GeneratedSources sources(classic);
             ASSERT_TRUE(sources.openFolder(folder));
             checkSources(sources);
-            if (sources.has(u"walker"_s))
+            if (sources.has(u"gen_objdict.c"_s))
                 compareStart(sources, folder);
         }
     }
@@ -135,6 +138,19 @@ TEST(CompiledSources, StartUpEndsWithTheFirstError)
             EXPECT_EQ(callsOf(text), calls.first(failing));
             EXPECT_TRUE(text.endsWith("returns the error\n"_L1)) << qPrintable(text);
         }
+    }
+}
+
+TEST(CompiledSources, OfADamagedProjectAreWhole)
+{
+    for (const bool classic : {false, true}) {
+        GeneratedSources sources(classic);
+        const QString project = sources.folder() + u"/damaged.ncxt"_s;
+        ASSERT_TRUE(QFile::copy(QStringLiteral(NCX_SOURCE_DIR "/tests/data/stack/damaged.ncxt"), project));
+        ASSERT_TRUE(sources.openProject(project));
+        ASSERT_TRUE(sources.generate());
+        EXPECT_EQ(sources.compile(), QString());
+        EXPECT_EQ(sources.link(), QString());
     }
 }
 

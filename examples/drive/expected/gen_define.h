@@ -66,7 +66,6 @@
 /* Hardware settings */
 #define TARGET_0 1u
 #define CORE_TIMER_INTERVAL	1000u
-#define GEN_OVERWRITE_PREDEF_CONN_SET	1u
 /* do not modify comments starting with 'user-specific section:' */
 /* user-specific section: start */
 

@@ -582,61 +582,6 @@ RET_T coCanOpenStackInit(
     return(RET_OK);
 }
 
-/* Please be careful - this function overwrite the COB-Ids of the
-* predefined connection set with values setting up by the NCX
-* It can be passed as load indication to the stack initialization.
-*/
-#ifdef GEN_OVERWRITE_PREDEF_CONN_SET
-RET_T genLoadIndication(UNSIGNED8 subIndex)
-{
-	RET_T ret = RET_OK;
-	UNSIGNED32 cobId = 0ul;
-	UNSIGNED8 nodeId = coNmtGetNodeId();
-
-	if ((subIndex == 1) || (subIndex == 2)) {
-
-		/* SDO server COB IDs */
-		ret = coOdGetDefaultVal_u32(0x1201, 1, &cobId);
-		if (ret == RET_OK) {
-			ret = coOdSetCobid(0x1201, 1, cobId);
-		}
-		ret = coOdGetDefaultVal_u32(0x1201, 2, &cobId);
-		if (ret == RET_OK) {
-			ret = coOdSetCobid(0x1201, 2, cobId);
-		}
-		ret = coOdGetDefaultVal_u32(0x1202, 1, &cobId);
-		if (ret == RET_OK) {
-			ret = coOdSetCobid(0x1202, 1, cobId);
-		}
-		ret = coOdGetDefaultVal_u32(0x1202, 2, &cobId);
-		if (ret == RET_OK) {
-			ret = coOdSetCobid(0x1202, 2, cobId);
-		}
-
-		/* RxPDO COB IDs */
-		cobId = nodeId + 0x200;
-		ret = coOdSetCobid(0x1400, 1, cobId);
-		cobId = nodeId + 0x300;
-		ret = coOdSetCobid(0x1401, 1, cobId);
-		cobId = nodeId + 0x400;
-		ret = coOdSetCobid(0x1402, 1, cobId);
-		ret = coOdGetDefaultVal_u32(0x1403, 1, &cobId);
-		if (ret == RET_OK) {
-			ret = coOdSetCobid(0x1403, 1, cobId);
-		}
-
-		/* TxPDO COB IDs */
-		cobId = nodeId + 0x180;
-		ret = coOdSetCobid(0x1800, 1, cobId);
-		cobId = nodeId + 0x280;
-		ret = coOdSetCobid(0x1801, 1, cobId);
-		cobId = nodeId + 0x380;
-		ret = coOdSetCobid(0x1802, 1, cobId);
-	}
-	return ret;
-}
-#endif /* GEN_OVERWRITE_PREDEF_CONN_SET */
-
 RET_T userOverwriteStringDefaultvalues(void)
 {
     /* 0: 100a - 0 */

@@ -87,14 +87,17 @@ private:
         const bool isDomain = object.object.objecttype == CANopen::Domain;
         const bool counts = object.isGroup() && sub.subindex == 0 && object.index >= 0x2000;
         const bool mapped = !isDomain && sub.data.pdomapping.toBinary() != 0;
+        const int type = sub.data.datatype < 100 ? sub.data.datatype : 5; // types of the program's own
         const QString name = object.isGroup() ? object.name(sub) : object.name();
-        const QString value = counts ? QString::number(object.highestSubindex()) : sub.data.defaultvalue;
+        QString value = counts ? QString::number(object.highestSubindex()) : sub.data.defaultvalue;
+        if (value.startsWith("|x"_L1))
+            value.remove(0, 2);
         const bool shown =
             sub.data.writedefaulttoeds == 2 || (sub.data.writedefaulttoeds == 1 && sub.data.defaultineds);
         const QJsonArray row{object.index,
                              sub.subindex,
                              name.trimmed(),
-                             sub.data.datatype,
+                             type,
                              sub.data.accesstype,
                              mapped ? 1 : 0,
                              shown ? value.trimmed() : QString()};
@@ -119,7 +122,8 @@ QMap<QString, Store> projects()
             const QDir folder(parent.filePath(name));
             const auto store = std::make_shared<ObjectDataBase>();
             EXPECT_TRUE(store->openTextDatabase(folder.filePath(folder.entryList({u"*.ncxt"_s}).value(0))));
-            if (store->findSubIndices(0, u"datatype"_s, u"0"_s).isEmpty())
+            const bool hasCodes = !store->getObjectTypes(0, 0x1000, 0xffff).values().contains(0U);
+            if (hasCodes && store->findSubIndices(0, u"datatype"_s, u"0"_s).isEmpty())
                 result.insert(name, store);
         }
     }

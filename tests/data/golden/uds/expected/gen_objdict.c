@@ -203,7 +203,9 @@ static UDS_SECURITY_LEVEL_TABLE_T	securityLvlTbl_0[] = {
 /* UDS Authentication table (line 0) */
 static UDS_AUTHENT_TABLE_T	authenticationTable_0[] = {
 	{ 0x31 },
+
 };
+
 /* UDS Service in Sessions table (line 1) */
 static UDS_REQ_SESSION_TYPE_TABLE_T	sessionTbl_1[] = {
 	{ 0x10u, 0u, { 0u }, 1u, { UDS_SUB_SESSION_DS } }, /* DiagnosticSessionControl */
