@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <ostream>
 #include <random>
 
 using namespace Qt::StringLiterals;
@@ -208,6 +209,15 @@ struct Form
     bool hasRawCan() const { return has({4, 6, 7}); }
     bool isMultiProtocol() const { return hasRawCan() || hasCanOpen(); }
 };
+
+/// The name of a case: line types, form and switches.
+void PrintTo(const Form &form, std::ostream *out)
+{
+    for (const int type : form.lineTypes)
+        *out << type;
+    *out << (form.v4 ? "_v4" : "_classic") << (form.fd ? "_fd" : "") << (form.safety ? "_safety" : "")
+         << (form.dynamic ? "_dynamic" : "") << (form.initialised ? "" : "_uninitialised");
+}
 
 /// What a walk over the stack's tables has to print for a signal, by the store alone.
 QString expectedSignal(const StoreRecords::SPN &signal, quint32 number, const Form &form)
