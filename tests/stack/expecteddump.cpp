@@ -4,6 +4,7 @@
 #include "texttools/helper.h"
 
 #include <QMap>
+#include <QRegularExpression>
 
 #include <array>
 
@@ -159,13 +160,21 @@ QString attributes(const Sub &sub)
     return words.join(u',');
 }
 
-/// A text constant: characters, or pairs of hexadecimal digits behind "|x".
+/// The bytes of a text constant: characters with the escapes of C, or pairs of hexadecimal digits behind "|x". What a
+/// device serves behind the end of its text is open.
 QString textConstant(const Sub &sub)
 {
-    const QString text = sub.defaultvalue.startsWith("|x"_L1)
-                             ? QString::fromUtf8(QByteArray::fromHex(sub.defaultvalue.mid(2).toLatin1()))
-                             : sub.defaultvalue;
-    return u"\"%1\"/%2"_s.arg(text, QString::number(sub.size));
+    QByteArray bytes;
+    if (sub.defaultvalue.startsWith("|x"_L1)) {
+        bytes = QByteArray::fromHex(sub.defaultvalue.mid(2).toLatin1());
+    } else {
+        static const QRegularExpression escape(u"\\\\([\"\\\\])"_s);
+        bytes = QString(sub.defaultvalue).replace(escape, u"\\1"_s).toUtf8();
+    }
+    const qsizetype size = sub.size;
+    if (bytes.size() < size)
+        return u"text "_s + QString::fromLatin1((bytes + '\0').toHex()) + u'*';
+    return u"text "_s + QString::fromLatin1(bytes.first(size).toHex());
 }
 
 class Dump

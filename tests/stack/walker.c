@@ -107,7 +107,10 @@ static const CO_OD_ASSIGN_T *findObject(const STACK_DICTIONARY_T *pDictionary, U
     return low < pDictionary->assignCnt && pDictionary->pAssign[low].index == index ? &pDictionary->pAssign[low] : NULL;
 }
 
-/* A compact row stands for all subindices behind it, up to the object's last. */
+/*
+ * A compact row stands for all subindices behind it, up to the object's last. Their variables follow one another in the
+ * table that the row points into.
+ */
 static const CO_OBJECT_DESC_T *findSub(const STACK_DICTIONARY_T *pDictionary, const CO_OD_ASSIGN_T *pObject,
                                        unsigned subIndex)
 {
@@ -267,12 +270,18 @@ static void printNumber(const CO_OD_DATA_VARIABLES_T *p, int type, ARRAY_T array
     }
 }
 
+/* The bytes of a text, as many as the device serves. */
 static void printText(const VIS_STRING *pTexts, const UNSIGNED32 *pSizes, unsigned position)
 {
-    if (pTexts == NULL || pSizes == NULL)
+    UNSIGNED32 i;
+
+    if (pTexts == NULL || pSizes == NULL) {
         printf("missing");
-    else
-        printf("\"%s\"/%lu", pTexts[position], (unsigned long)pSizes[position]);
+        return;
+    }
+    printf("text ");
+    for (i = 0; i < pSizes[position]; ++i)
+        printf("%02x", (unsigned char)pTexts[position][i]);
 }
 
 static void printConstant(const CO_OD_DATA_VARIABLES_T *p, int type, unsigned position)
@@ -430,6 +439,7 @@ static void printSub(const STACK_DICTIONARY_T *pDictionary, unsigned line, const
 {
     const CO_OBJECT_DESC_T *pDesc = findSub(pDictionary, pObject, subIndex);
     const CO_OD_DATA_VARIABLES_T *p = pDictionary->pVariables;
+    unsigned position;
     int type;
 
     if (pDesc == NULL)
@@ -448,20 +458,21 @@ static void printSub(const STACK_DICTIONARY_T *pDictionary, unsigned line, const
         printNumber(p, type, ARRAY_CONST, pDesc->upperLimit);
     }
 #endif
+    position = pDesc->value + (subIndex - pDesc->subIndex);
     printf(" value ");
     switch (specifierOf(pDesc)) {
     case CO_DSPEC_CONST:
         printConstant(p, type, pDesc->value);
         break;
     case CO_DSPEC_VAR:
-        printNumber(p, type, ARRAY_MANAGED, pDesc->value);
+        printNumber(p, type, ARRAY_MANAGED, position);
         break;
     case CO_DSPEC_PTR:
-        printVariable(p, type, pDesc->value);
+        printVariable(p, type, position);
         break;
     default:
         if (type == STACK_TYPE_DOMAIN)
-            printVariable(p, type, pDesc->value);
+            printVariable(p, type, position);
         else
             printf("%u", pDesc->value);
         break;

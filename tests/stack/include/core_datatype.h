@@ -28,6 +28,9 @@
 #ifndef CORE_CONST
 #define CORE_CONST const
 #endif
+#ifndef CORE_CONST_STORAGE_CLASS
+#define CORE_CONST_STORAGE_CLASS
+#endif
 #ifndef CO_CONST
 #define CO_CONST const
 #endif
