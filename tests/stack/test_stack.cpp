@@ -1,6 +1,8 @@
 #include "stack/expecteddump.h"
 #include "stack/generatedsources.h"
 #include "support/printing.h"
+#include "support/processrunner.h"
+#include "support/projectbuilder.h"
 #include "support/testhome.h"
 
 #include <gtest/gtest.h>
@@ -132,6 +134,122 @@ TEST(CompiledSources, StartUpEndsWithTheFirstError)
             const QString text = sources.walk({u"start"_s, QString::number(failing)});
             EXPECT_EQ(callsOf(text), calls.first(failing));
             EXPECT_TRUE(text.endsWith("returns the error\n"_L1)) << qPrintable(text);
+        }
+    }
+}
+
+/// gen_objdict.c with the words of the classic form replaced by those of V4.
+QStringList inWordsOfV4(const QByteArray &text)
+{
+    struct Word
+    {
+        QRegularExpression classic;
+        QString v4;
+    };
+    static const QList<Word> words{
+        {QRegularExpression(
+             u"\\bCO_((CONST_)?STORAGE_CLASS|CONST|HANDLE_WATCHDOG|(REC|TR)_BUFFER_COUNTS|COB_COUNTS)\\b"_s),
+         u"CORE_\\1"_s},
+        {QRegularExpression(u"\\bCO_DTYPE_([A-Z]*\\d*)_(\\w+) *,"_s), u"CORE_DTYPE_\\1, CO_DSPEC_\\2,"_s},
+        {QRegularExpression(u"\\bCORE_DTYPE_(VS), "_s), u"CORE_DTYPE_STRING_NULL, "_s},
+        {QRegularExpression(u"\\bCO_(LINE(_TYPE)?|MULTI_LINE_CNT)\\b"_s), u"CAN_\\1"_s},
+        {QRegularExpression(u"\\bMP_PROT_TYPE_"_s), u"CORE_PROT_TYPE_"_s},
+        {QRegularExpression(u"\\bcommonStackInit\\b"_s), u"coreStackInit"_s},
+        {QRegularExpression(u"\\bRET_INVALID_PARAMETER\\b"_s), u"RET_PARAMETER_INVALID"_s},
+    };
+    QString mapped = QString::fromUtf8(text);
+    for (const Word &word : words)
+        mapped.replace(word.classic, word.v4);
+    return mapped.split(u'\n');
+}
+
+// What is left between the forms, apart from their words, stands in forms.txt: "<" begins a line of the classic form,
+// ">" one of V4. Nothing else may differ.
+TEST(CompiledSources, FormsDifferInKnownPointsOnly)
+{
+    const QString folder = QStringLiteral(NCX_SOURCE_DIR "/examples/two_lines");
+    QTemporaryDir scratch;
+    for (const bool classic : {false, true}) {
+        GeneratedSources sources(classic);
+        ASSERT_TRUE(sources.openFolder(folder));
+        ASSERT_TRUE(sources.generate());
+        QStringList lines = classic ? inWordsOfV4(sources.text(u"gen_objdict.c"_s))
+                                    : QString::fromUtf8(sources.text(u"gen_objdict.c"_s)).split(u'\n');
+        lines.remove(2); // the date
+        writeFile(scratch.filePath(classic ? u"classic"_s : u"v4"_s), lines.join(u'\n').toUtf8());
+    }
+    const ProcessResult result = ProcessRunner(u"/usr/bin/env"_s)
+                                     .arguments({u"diff"_s, scratch.filePath(u"classic"_s), scratch.filePath(u"v4"_s)})
+                                     .run();
+    if (qEnvironmentVariableIntValue("NCX_ACCEPT") == 1)
+        writeFile(folder + u"/forms.txt"_s, result.output.toUtf8());
+    EXPECT_EQ(difference(QString::fromUtf8(readFile(folder + u"/forms.txt"_s)).split(u'\n'), result.lines()),
+              QString());
+}
+
+/// What no device should have.
+void addOddities(ProjectBuilder &project)
+{
+    const auto sub = [](quint16 type, const QString &value, quint8 implementation = 0) {
+        return [=](ObjectDataBase::SUBINDEX_DATA_T &data) {
+            data.datatype = type;
+            data.defaultvalue = value;
+            data.lowlimit = u"low"_s;
+            data.uplimit = u"99999999999999999999"_s;
+            data.limitineds = true;
+            data.accesstype = u"rw"_s;
+            data.implementation = implementation;
+        };
+    };
+    project.object(0x1005, u""_s).object(0x1016, u""_s).sub(7, u""_s).object(0x1028, u""_s);
+    project.object(0x1012, u""_s).sub(0, u""_s, sub(9, u"text"_s, 1));
+    project.object(0x1017, u""_s).sub(0, u""_s, sub(27, u"0x1FFFFFFFFFFFFFFFF"_s));
+    project.object(0x1014, u""_s).sub(0, u""_s, sub(7, u"$NODEID+"_s)).object(0x1301, u""_s).sub(0, u""_s);
+    project.object(0x1400, u""_s).sub(2, u""_s, sub(15, u""_s)).object(0x1401, u""_s).object(0x1601, u""_s);
+    project.object(0x1800, u""_s).sub(0, u""_s).sub(3, u""_s, sub(24, u"7"_s));
+    project.object(0x1A00, u""_s).sub(0, u""_s, sub(5, u"200"_s, 1)).sub(1, u""_s, sub(7, u"0x77770120"_s, 1));
+    project.object(0x2000, u""_s);
+    for (quint16 type = 0; type < 130; ++type) {
+        if (type > 105 && type < 120) // numbers of 9 bits and more are signals of messages, never objects
+            continue;
+        project.object(static_cast<quint16>(0x2100 + type), u""_s)
+            .sub(0, u""_s, sub(type, u"no number"_s))
+            .sub(1, u""_s, sub(type, u"-300"_s, 1))
+            .sub(9, u""_s, sub(type, QString(), 3));
+    }
+    project.object(0x2300, u""_s);
+    for (int subindex = 0; subindex <= 255; ++subindex)
+        project.sub(static_cast<quint8>(subindex), u""_s, sub(4, QString::number(-subindex)));
+    project.object(0x2301, u""_s).sub(3, u""_s).sub(255, u""_s);
+    project.object(0xFFFF, u""_s).sub(0, u""_s, sub(8, u"1e999"_s));
+    ObjectDataBase &store = *project.store();
+    store.addSubIndex(0, 0x3000, 4, {});
+    ObjectDataBase::INDEX_DATA_T object;
+    object.objecttype = 5;
+    store.addIndex(0, 0x3001, object);
+    for (const char *key : {"limit_check", "compact_array_description", "overwrite_predef", "init_static_variables",
+                            "generate_string_defaults", "lss_supported", "udsserver_supported", "isotp_supported"})
+        project.general(QString::fromLatin1(key), u"1"_s);
+    project.general(u"uds_physical_request_id"_s, u"no number,,"_s).general(u"co_node_id"_s, u",,"_s);
+}
+
+TEST(CompiledSources, OddProjectsAreValidC)
+{
+    for (const bool classic : {false, true}) {
+        for (const bool severalLines : {false, true}) {
+            SCOPED_TRACE(testing::Message() << (classic ? "classic" : "V4") << (severalLines ? ", several lines" : ""));
+            ProjectBuilder project;
+            addOddities(project);
+            if (severalLines)
+                addOddities(project.line(1, 1));
+            GeneratedSources sources(classic);
+            const QString path = sources.folder() + u"/odd.ncxp"_s;
+            ASSERT_TRUE(project.save(path));
+            ASSERT_TRUE(sources.openProject(path));
+            ASSERT_TRUE(sources.generate());
+            ASSERT_EQ(sources.compile(), QString());
+            ASSERT_EQ(sources.link(), QString());
+            EXPECT_TRUE(sources.walk({u"start"_s}).endsWith("returns OK\n"_L1));
         }
     }
 }
