@@ -254,6 +254,29 @@ TEST(CompiledSources, OddProjectsAreValidC)
     }
 }
 
+TEST(CompiledSources, ServerBesideJ1939ReadsBack)
+{
+    for (const bool severalLines : {false, true}) {
+        SCOPED_TRACE(severalLines);
+        ProjectBuilder project;
+        for (quint8 line = 0; line <= (severalLines ? 1 : 0); ++line)
+            project.line(line, 2)
+                .object(0x1000, u"Device type"_s)
+                .sub(0, u"Device type"_s)
+                .object(0x2000, u"Speed"_s)
+                .sub(0, u"Speed"_s, [](auto &sub) { sub.defaultvalue = u"17"_s; });
+        project.j1939(u"cia510serversupport"_s, u"1"_s);
+        GeneratedSources sources;
+        const QString path = sources.folder() + u"/server.ncxp"_s;
+        ASSERT_TRUE(project.save(path));
+        ASSERT_TRUE(sources.openProject(path));
+        ASSERT_TRUE(sources.generate());
+        ASSERT_EQ(sources.compile(), QString());
+        ASSERT_EQ(sources.link(), QString());
+        readBack(sources);
+    }
+}
+
 TEST(CompiledSources, RealDevicesReadBack)
 {
     const QString corpus = corpusFolder();
