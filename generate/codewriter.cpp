@@ -18,6 +18,16 @@ void CodeWriter::operator()(QStringView text, std::initializer_list<Hole> holes)
     Q_ASSERT_X(used == (quint64{1} << holes.size()) - 1, "CodeWriter", "a value without a hole");
 }
 
+QString CodeWriter::textOf(const std::function<void(CodeWriter &)> &write)
+{
+    QString text;
+    QTextStream stream(&text);
+    CodeWriter out(stream);
+    write(out);
+    stream.flush();
+    return text;
+}
+
 void CodeWriter::writeBlock(QStringView text, std::initializer_list<Hole> holes, quint64 &used)
 {
     const qsizetype lastBreak = text.lastIndexOf(u'\n');

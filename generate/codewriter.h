@@ -3,6 +3,7 @@
 #include <QString>
 #include <QTextStream>
 
+#include <functional>
 #include <initializer_list>
 #include <string_view>
 
@@ -38,6 +39,9 @@ public:
     }
 
     void operator()(QStringView text, std::initializer_list<Hole> holes = {});
+
+    /// What a function prints, as a text.
+    static QString textOf(const std::function<void(CodeWriter &)> &write);
 
 private:
     void writeBlock(QStringView text, std::initializer_list<Hole> holes, quint64 &used);

@@ -20,11 +20,13 @@ const Dialect &Dialect::classic()
         .line = u"CO_"_s,
         .lineParameter = u"UNSIGNED8 CO_LINE, "_s,
         .protocol = u"MP_PROT_TYPE_"_s,
+        .protocolType = u"MP_PROTOCOL_TYPE_T"_s,
         .commonInitType = u"CO_COMMON_INIT_VAL_T    "_s,
         .stackInit = u"commonStackInit"_s,
         .dataTypeHeader = u"co_datatype.h"_s,
+        .safetyBuffer = u"pBuffer"_s,
         .parameterError = u"RET_INVALID_PARAMETER"_s,
-        .points = {Point::ReservedNameField, Point::FormerServiceValues, Point::VirtualGuards},
+        .points = {Point::ReservedNameField, Point::FixedUnpacking, Point::FormerServiceValues, Point::VirtualGuards},
     };
     return dialect;
 }
@@ -40,13 +42,16 @@ const Dialect &Dialect::v4()
         .line = u"CAN_"_s,
         .lineParameter = u"CAN_LINE_TYPE CAN_LINE, "_s,
         .protocol = u"CORE_PROT_TYPE_"_s,
+        .protocolType = u"CORE_PROTOCOL_TYPE_T"_s,
         .commonInitType = u"CORE_COMMON_INIT_VAL_T "_s,
         .stackInit = u"coreStackInit"_s,
         .dataTypeHeader = u"core_datatype.h"_s,
+        .safetyBuffer = u"pData"_s,
         .parameterError = u"RET_PARAMETER_INVALID"_s,
         .points = {Point::SplitTypeColumns, Point::MappedTypeColumn, Point::CoreDatatypeHeader,
                    Point::UdsIndicationHeader, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication,
-                   Point::PointerTables, Point::ReceiveConfigs, Point::BootloaderBuffers, Point::UdsIndications},
+                   Point::PointerTables, Point::ReceiveConfigs, Point::SafetySenders, Point::BootloaderBuffers,
+                   Point::UdsIndications},
     };
     return dialect;
 }

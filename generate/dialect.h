@@ -22,6 +22,8 @@ enum class Point
     PointerTables,     ///< the pointers of a message's mapping are a table of their own, and a row tells its data type
     ReservedNameField, ///< the NAME of a J1939 device is told with its reserved bit
     ReceiveConfigs,    ///< configured and received J1939 groups are counted apart
+    SafetySenders,     ///< gen_define.h counts the senders of safety data groups
+    FixedUnpacking,    ///< whole bytes and parts of one byte of a safety data group are read in one form each
     FormerServiceValues, ///< there is an older structure of the J1939 services' counts
     BootloaderBuffers,   ///< gen_define.h of a bootloader has the buffer counts in place of its raw CAN section
     UdsIndications,      ///< functions of the UDS server can be named at compile time
@@ -38,9 +40,11 @@ struct Dialect
     QString line;           ///< prefix of the words for one of several lines: "CAN_" or "CO_"
     QString lineParameter;  ///< what an indication's parameters begin with in a project of several lines
     QString protocol;       ///< prefix of the protocol words: "CORE_PROT_TYPE_" or "MP_PROT_TYPE_"
+    QString protocolType;   ///< type of a mask of protocols
     QString commonInitType; ///< type of `commonInitVars`, with the blanks behind it
     QString stackInit;      ///< name of the stack's common initialisation
     QString dataTypeHeader; ///< the header of the basic types
+    QString safetyBuffer;   ///< what the data of a safety data group are written into
     QString parameterError; ///< return code for an argument that may not be given
     std::vector<Point> points;
 

@@ -11,19 +11,23 @@
 #include "generate/docs/xddgenerator.h"
 #include "generate/generationrun.h"
 #include "generate/j1939/pgngenerator.h"
+#include "generate/j1939/sdmgenerator.h"
 #include "generate/stack/cppcopies.h"
 #include "generate/stack/definegenerator.h"
 #include "generate/stack/externdeclgenerator.h"
 #include "generate/stack/indicationgenerator.h"
 #include "generate/stack/indicesgenerator.h"
+#include "generate/stack/multiprogenerator.h"
 #include "generate/stack/objdictgenerator.h"
 #include "generate/stack/projectprops.h"
+#include "generate/stack/srdogenerator.h"
 #include "generate/stack/virtualtables.h"
 #include "generate/stack/vobjdictgenerator.h"
 #include "store/objectdatabase.h"
 
 #include <QFile>
 
+#include <algorithm>
 #include <array>
 
 using namespace Qt::StringLiterals;
@@ -57,6 +61,24 @@ bool isMultiProtocol(const RunContext &run)
     return run.isMultiProtocol();
 }
 
+bool hasSrdos(const RunContext &run)
+{
+    constexpr quint16 first = 0x1301;
+    constexpr quint16 last = 0x137F;
+    return std::ranges::any_of(run.lines,
+                               [&run](quint8 line) { return !run.store->getIndexList(line, first, last).isEmpty(); });
+}
+
+bool isMultiProtocolV4(const RunContext &run)
+{
+    return run.isMultiProtocol() && run.usesV4();
+}
+
+bool isMultiProtocolClassic(const RunContext &run)
+{
+    return run.isMultiProtocol() && !run.usesV4();
+}
+
 bool isJ1939Only(const RunContext &run)
 {
     return run.isJ1939Only();
@@ -70,6 +92,11 @@ bool hasSdoServer(const RunContext &run)
 bool hasMessages(const RunContext &run)
 {
     return (run.hasJ1939 || run.hasRawCAN) && !run.bootloaderMode;
+}
+
+bool hasSafetyGroups(const RunContext &run)
+{
+    return hasMessages(run) && run.store->getJ1939Setting(u"safetysupport"_s).toInt() > 0;
 }
 
 bool hasIndications(const RunContext &run)
@@ -130,6 +157,15 @@ std::unique_ptr<FileGenerator> makeDictionary(const RunContext &run, quint8 /*li
     return newDictionary<ObjDictGenerator, ObjDictGeneratorV4>(run);
 }
 
+std::unique_ptr<FileGenerator> makeMultiProtocol(const RunContext &run, quint8 /*line*/)
+{
+    const MultiProtocols protocols = MultiProtocols::of(run);
+    const bool compact = run.generalSetting(u"compact_array_description"_s).toInt() == 1;
+    if (run.usesV4())
+        return std::make_unique<MultiProGeneratorV4>(protocols, compact);
+    return std::make_unique<MultiProGenerator>(protocols, compact);
+}
+
 /// The dictionary that a J1939 device serves over CAM11 and CAM21.
 std::unique_ptr<FileGenerator> makeServerDictionary(const RunContext &run, quint8 /*line*/)
 {
@@ -162,6 +198,13 @@ std::unique_ptr<FileGenerator> makeIcsv(const RunContext &run, quint8 /*line*/)
 {
     auto generator = std::make_unique<ICSVGenerator>();
     generator->setDocumentation(run.store->getMiscSetting(u"disableDocu"_s) != "true"_L1);
+    return generator;
+}
+
+std::unique_ptr<FileGenerator> makeSrdo(const RunContext &run, quint8 /*line*/)
+{
+    auto generator = std::make_unique<SrdoGeneratorStatic>();
+    generator->setStaticData(run.generalSetting(u"static_srdo_data"_s).toInt() == 1);
     return generator;
 }
 
@@ -200,6 +243,15 @@ RunFlow tellUserSection(GenerationRun &run, FileGenerator &generator)
     if (defines && !defines->userSection().trimmed().isEmpty())
         run.message(u"gen_define.h contains user section:\n%1"_s.arg(defines->userSection()));
     return RunFlow::Continue;
+}
+
+/// Without its template the device has no safety module, and nothing else of it is to be built.
+RunFlow endWithoutTemplate(GenerationRun &run, FileGenerator &generator)
+{
+    if (generator.errorCode() != AbstractGenerator::TemplateError)
+        return RunFlow::Continue;
+    run.message(generator.errorText());
+    return RunFlow::EndWithTemplateFailure;
 }
 
 RunFlow writeProps(GenerationRun &run, quint8 /*line*/)
@@ -257,6 +309,15 @@ constexpr std::array rows{
            .started = "Generation of gen_objdict.c in %1 started",
            .notWritable = "The file gen_objdict.c in %1 is not writable"},
     RunRow{.applies = isPlainCANopen, .step = writeVirtualDictionary},
+    // The forms differ in what they say of a file that they cannot write.
+    RunRow{.applies = isMultiProtocolV4,
+           .make = makeMultiProtocol,
+           .started = "Generation of gen_mp.c in %1 started",
+           .notWritable = fileNotWritable},
+    RunRow{.applies = isMultiProtocolClassic,
+           .make = makeMultiProtocol,
+           .started = "Generation of gen_mp.c in %1 started",
+           .notWritable = "The file gen_mp.c in %1 is not writable"},
     RunRow{.applies = isMultiProtocol,
            .lines = RunLines::J1939,
            .lineByLine = true,
@@ -295,6 +356,11 @@ constexpr std::array rows{
            .make = makeGenerator<DBCGenerator>,
            .started = "Generation of DBC_file in %1 started",
            .notWritable = fileNotWritable},
+    RunRow{.applies = hasSrdos,
+           .make = makeSrdo,
+           .started = "Generation of gen_srdo.c in %1 started",
+           .notWritable = "The file gen_srdo.c in %1 is not writable",
+           .after = endWithoutTemplate},
     RunRow{.applies = always,
            .make = makeDefines,
            .started = "Generation of gen_define.h in %1 started",
@@ -335,6 +401,10 @@ constexpr std::array rows{
            .make = makeInForm<ExtDeclGenerator, ExtDeclGeneratorV4>,
            .started = "Generation of gen_extern_decl.h in %1 started",
            .notWritable = "The file gen_extern_decl.h in %1 is not writable"},
+    RunRow{.applies = hasSafetyGroups,
+           .make = makeInForm<SDMGenerator, SDMGeneratorV4>,
+           .started = "Generation of file in %1 started",
+           .notWritable = "The file in %1 is not writable"},
     RunRow{.applies = hasIndications,
            .make = makeIndications,
            .started = "Generation of gen_indication in %1 started",

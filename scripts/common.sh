@@ -2,7 +2,7 @@
 
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-packages="g++ cmake ninja-build ccache qt6-base-dev libqt6sql6-sqlite libgtest-dev"
+packages="g++ cmake ninja-build ccache qt6-base-dev libqt6sql6-sqlite libgtest-dev libxml2-utils"
 
 # Installs the packages that are missing; asks the package lists only if there are any.
 install_packages() {
@@ -25,13 +25,15 @@ install_packages() {
         apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# Installs node and the client that drives the server in the tests, as its lock file tells.
-install_client() {
-    local folder="$top/tests/mcp_client"
+# Installs node and the packages that the tests use, as their lock files tell.
+install_node_packages() {
     # A node of another origin than the distribution's brings its own npm.
     command -v npm >/dev/null || install_packages nodejs npm
-    [ "$folder/node_modules/.package-lock.json" -nt "$folder/package-lock.json" ] && return
-    (cd "$folder" && npm ci --no-audit --no-fund --loglevel=error)
+    local folder
+    for folder in "$top/tests/mcp_client" "$top/tests/eds_reader" "$top/tests/dbc_reader"; do
+        [ "$folder/node_modules/.package-lock.json" -nt "$folder/package-lock.json" ] && continue
+        (cd "$folder" && npm ci --ignore-scripts --no-audit --no-fund --loglevel=error)
+    done
 }
 
 # Configures a preset where that has not been done yet, and builds the named targets, or all.

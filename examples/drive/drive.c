@@ -6,4 +6,4 @@ DRIVE_T drive;
 INTEGER8 driveMode;
 UNSIGNED32 drive_serialNumber;
 char drive_softwareVersion[8];
-char drive_motorName[16];
+char drive_motorName[7];

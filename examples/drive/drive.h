@@ -17,7 +17,7 @@ extern DRIVE_T drive;
 extern INTEGER8 driveMode;
 extern UNSIGNED32 drive_serialNumber;
 extern char drive_softwareVersion[8];
-extern char drive_motorName[16];
+extern char drive_motorName[7];
 
 /* The object dictionary takes an expression in place of a variable's name. */
 #define drive_modeDisplay() (&driveMode)

@@ -1,5 +1,8 @@
 #include "generate/docs/dbcreader.h"
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -160,7 +163,12 @@ QString DbcReader::expect(Kind kind, QLatin1StringView fault)
 double DbcReader::expectNumber(QLatin1StringView fault)
 {
     bool isNumber = token_.kind == Kind::Number;
-    const double number = isNumber ? token_.text.toDouble(&isNumber) : 0;
+    double number = isNumber ? token_.text.toDouble(&isNumber) : 0;
+    // The range of a signal of many bytes may be beyond that of the type.
+    if (!isNumber && std::isinf(number)) {
+        number = std::copysign(std::numeric_limits<double>::max(), number);
+        isNumber = true;
+    }
     if (isNumber)
         advance();
     else

@@ -91,7 +91,7 @@ QString TableFields::field(const QString &text)
 {
     const bool isPlain =
         std::ranges::none_of(text, [](QChar c) { return c == u',' || c == u'"' || c == u'\n' || c == u'\r'; });
-    return isPlain ? text : u'"' + QString(text).replace(u'"', "\"\""_L1) + u'"';
+    return isPlain ? text : u'"' + QString(text).replace(u'"', R"("")"_L1) + u'"';
 }
 
 QString TableFields::value(quint16 dataType, const QString &text)

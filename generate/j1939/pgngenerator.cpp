@@ -5,11 +5,9 @@
 #include "generate/j1939/pgnsections.h"
 #include "generate/stack/commoninit.h"
 #include "generate/stack/linesettings.h"
+#include "generate/stack/sourceopening.h"
 #include "generate/stack/udsblocks.h"
 #include "store/objectdatabase.h"
-
-#include <QDir>
-#include <QFileInfo>
 
 #include <optional>
 
@@ -20,18 +18,19 @@ namespace {
 /// What the file tells beyond its tables.
 struct Content
 {
+    SourceOpening opening = {};
     PgnTables tables = {};
     CommonInit commonInit = {};
     std::optional<UdsBlocks> uds = {};
-    bool stdlib = false;
     bool externDeclarations = false;
     bool formerServiceValues = false;
 };
 
-Content collect(ObjectDataBase &store, const Dialect &dialect, bool multiLine)
+Content collect(ObjectDataBase &store, const QString &outputFolder, const Dialect &dialect, bool multiLine)
 {
     using LineSettings::number;
     Content content{
+        .opening = SourceOpening::of(store, outputFolder),
         .tables = PgnTables::collect(store, dialect, multiLine, PgnTables::Scope::J1939Only),
         .commonInit = CommonInit::collect(store),
         .uds = UdsBlocks::collect(store),
@@ -46,34 +45,16 @@ Content collect(ObjectDataBase &store, const Dialect &dialect, bool multiLine)
 
 void writeOpening(CodeWriter &out, const Content &content, const Dialect &dialect)
 {
-    if (content.stdlib)
-        out(u"#include <stdlib.h>\n");
+    SourceSections::stdlibInclude(out, content.opening);
     out(uR"(
         #include <gen_define.h>
         #include <j1939_j1939.h>
         )");
-    if (content.uds)
-        out(uR"(
-            #include <${ISOTP}>
-            #include <uds_uds.h>
-            )",
-            {{"ISOTP", dialect.isoTpHeader}});
+    SourceSections::udsIncludes(out, content.opening, dialect);
     if (content.externDeclarations)
         out(u"#include <gen_extern_decl.h>");
-    out(uR"(
-        /* definition of memory specifier */
-        #ifndef ${CORE}CONST
-        #define ${CORE}CONST const
-        #endif
-
-        /* definition of watchdog handle during initialization */
-        #ifndef ${CORE}HANDLE_WATCHDOG
-        #define ${CORE}HANDLE_WATCHDOG
-        #endif /* ${CORE}HANDLE_WATCHDOG */
-
-
-        )",
-        {{"CORE", dialect.core}});
+    SourceSections::memoryGuard(out, dialect);
+    SourceSections::watchdogGuard(out, dialect);
 }
 
 void writeCheck(CodeWriter &out, const Dialect &dialect)
@@ -154,8 +135,7 @@ QString PGNGenerator::fileName() const
 void PGNGenerator::write(QTextStream &stream)
 {
     const Dialect &dialect = Dialect::of(form_);
-    Content content = collect(*database(), dialect, isMultiLine() || generatesMultiLine());
-    content.stdlib = !QFileInfo::exists(QDir(outputFolder()).filePath(u"no_stdlib_include.txt"_s));
+    const Content content = collect(*database(), outputFolder(), dialect, isMultiLine() || generatesMultiLine());
 
     CodeWriter out(stream);
     writeFileHeader(out, SourceFile::GenPgn, form_, baseName());

@@ -140,7 +140,12 @@ void Writer::writeTarget(int number, bool isOnly, bool conditional, bool active)
     }
     const QString defines = setting("hw_defines"_L1, "defines"_L1);
     if (!defines.isEmpty())
-        out_(u"\n/* target-specific defines */\n${DEFINES}", {{"DEFINES", defines}});
+        out_(uR"(
+
+            /* target-specific defines */
+            ${DEFINES}
+            )",
+             {{"DEFINES", defines}});
     if (conditional)
         out_(u"#endif /* ${ID}*/ \n", {{"ID", id}});
 }

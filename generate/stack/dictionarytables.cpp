@@ -89,7 +89,7 @@ void readLines(DictionaryTables &tables, ObjectDataBase &store)
     }
     if (tables.lineList.empty())
         tables.lineList.push_back(0);
-    tables.multiLine = tables.line(1) || store.getMiscSetting(u"generateML"_s) == "true"_L1;
+    tables.multiLine = tables.options.multiLine || tables.line(1) || store.getMiscSetting(u"generateML"_s) == "true"_L1;
 }
 
 /// The objects that the mapping of SRDOs names: 0xIIIISSLL in each subindex of a mapping object.

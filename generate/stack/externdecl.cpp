@@ -2,6 +2,7 @@
 
 #include "generate/codewriter.h"
 #include "generate/j1939/linemessages.h"
+#include "generate/j1939/safetygroups.h"
 #include "generate/runcontext.h"
 #include "generate/stack/linesettings.h"
 #include "store/objectdatabase.h"
@@ -67,10 +68,10 @@ QString sizeFor(const QString &index, const QString &sizeSoFar)
 class Collector
 {
 public:
-    explicit Collector(ObjectDataBase &store)
+    Collector(ObjectDataBase &store, const Dialect &dialect)
         : store_(store)
         , safety_(LineSettings::number(store.getJ1939Setting(u"safetysupport"_s)) > 0)
-        , sendersApart_(LineSettings::number(store.getJ1939Setting(u"sdm_rec_addr_cnt"_s)) > 1)
+        , sendersApart_(SafetyGroups::keepsSendersApart(store, dialect))
     {
     }
 
@@ -214,9 +215,9 @@ void writeVariable(CodeWriter &out, const Variable &variable, DeclarationForm fo
 
 } // namespace
 
-ExternDeclarations ExternDeclarations::collect(ObjectDataBase &store)
+ExternDeclarations ExternDeclarations::collect(ObjectDataBase &store, const Dialect &dialect)
 {
-    return Collector(store).collect();
+    return Collector(store, dialect).collect();
 }
 
 void writeVariables(CodeWriter &out, const ExternDeclarations &declarations, DeclarationForm form)

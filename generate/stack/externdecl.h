@@ -5,6 +5,7 @@
 
 class CodeWriter;
 class ObjectDataBase;
+struct Dialect;
 
 /// The application's variables that J1939 and raw CAN mappings refer to, each once, under the message that needs it
 /// first.
@@ -14,7 +15,7 @@ class ObjectDataBase;
 /// element. What is no such name (a call, a pointer, an expression) is left to the application.
 struct ExternDeclarations
 {
-    static ExternDeclarations collect(ObjectDataBase &store);
+    static ExternDeclarations collect(ObjectDataBase &store, const Dialect &dialect);
 
     /// A variable, or a member of one.
     struct Variable

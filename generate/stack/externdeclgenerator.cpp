@@ -36,7 +36,7 @@ void ExtDeclGenerator::write(QTextStream &stream)
         )");
     writeIncludes(out);
     out(u"/* external variables */");
-    writeVariables(out, ExternDeclarations::collect(*database()), DeclarationForm::Declaration);
+    writeVariables(out, ExternDeclarations::collect(*database(), Dialect::of(form_)), DeclarationForm::Declaration);
     out(uR"(
 
         #endif /* GEN_EXTERN_DECL_H */
@@ -56,7 +56,7 @@ void ExtDeclGenerator::writeCompanions()
                     u"(This file may be used optionally if variables are not defined yet by the application.)"_s);
     writeIncludes(out);
     out(u"#ifdef NJX_USE_GENERATED_VARIABLES");
-    writeVariables(out, ExternDeclarations::collect(*database()), DeclarationForm::Definition);
+    writeVariables(out, ExternDeclarations::collect(*database(), Dialect::of(form_)), DeclarationForm::Definition);
     out(u"#endif /* NJX_USE_GENERATED_VARIABLES */");
     stream.flush();
     if (!file.commit())

@@ -92,7 +92,7 @@ void SourceSections::applicationIncludes(CodeWriter &out, const SourceOpening &o
     out(u"");
 }
 
-void SourceSections::specifierGuards(CodeWriter &out, const Dialect &dialect)
+void SourceSections::memoryGuard(CodeWriter &out, const Dialect &dialect)
 {
     out(uR"(
         /* definition of memory specifier */
@@ -100,6 +100,14 @@ void SourceSections::specifierGuards(CodeWriter &out, const Dialect &dialect)
         #define ${CORE}CONST const
         #endif
 
+        )",
+        {{"CORE", dialect.core}});
+}
+
+void SourceSections::specifierGuards(CodeWriter &out, const Dialect &dialect)
+{
+    memoryGuard(out, dialect);
+    out(uR"(
         /* definition of compiler-specific storage classes */
         #ifndef ${CORE}STORAGE_CLASS
         #define ${CORE}STORAGE_CLASS

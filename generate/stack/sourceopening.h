@@ -30,6 +30,8 @@ void stackIncludes(CodeWriter &out, const SourceOpening &opening, const Dictiona
 /// With several lines: the functions that start a part of them.
 void linePrototypes(CodeWriter &out, const DictionaryTables &tables, const Dialect &dialect);
 void applicationIncludes(CodeWriter &out, const SourceOpening &opening);
+/// The memory specifier, as far as the stack's headers leave it open.
+void memoryGuard(CodeWriter &out, const Dialect &dialect);
 /// Memory specifier and storage classes, as far as the stack's headers leave them open.
 void specifierGuards(CodeWriter &out, const Dialect &dialect);
 void watchdogGuard(CodeWriter &out, const Dialect &dialect);

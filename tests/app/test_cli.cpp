@@ -31,7 +31,8 @@ const QString helpText = u"--- CANopen NodeComposer 4.3.3  Help ---\n"
 const QString noStackPath =
     u"Info: Path to protocol stack not specified. Cannot check if generated code fits to installed stack/framework.\n"
     "Specify path to protocol stack at Options -> Settings.\n"_s;
-/// What a run of a project without findings says; %1 is the folder.
+
+/// What a run of a project without other findings says; %1 is the folder.
 const QString runText = u"\nCheck of model consistency started\n"_s + noStackPath +
                         u"\nCheck of model consistency finished.\n\n"
                         "Generation of gen_indices.h in %1 started\n"

@@ -15,7 +15,7 @@ using namespace TestSupport;
 
 // A case is a folder under tests/data/golden/ or examples/. It holds one project (.ncxt), whatever that needs, and
 // perhaps
-//   args        further arguments, one a line
+//   args        further arguments, one a line, with ${EXAMPLES} for the folder of the examples
 //   rawcan.csv  raw CAN messages, which a text project cannot hold: the run then takes the project as .ncxp
 //   console.txt what the run says after its banner, with ${FOLDER} for its folder
 //   expected/   the files that the run writes, and nothing else
@@ -23,13 +23,18 @@ using namespace TestSupport;
 
 namespace {
 
+/// The templates that the examples share.
+constexpr auto stackFolder = "stack"_L1;
+
 QStringList cases()
 {
     QStringList folders;
     for (const QString &root : {u"/tests/data/golden"_s, u"/examples"_s}) {
         const QDir parent(QStringLiteral(NCX_SOURCE_DIR) + root);
-        for (const QString &name : parent.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
-            folders.append(parent.filePath(name));
+        for (const QString &name : parent.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
+            if (name != stackFolder)
+                folders.append(parent.filePath(name));
+        }
     }
     return folders;
 }
@@ -136,7 +141,9 @@ private:
         if (input_.contains(u"rawcan.csv"_s))
             project = withRawCan(project);
         QStringList arguments{u"-project"_s, scratch_.filePath(project)};
-        arguments += QString::fromUtf8(readFile(folder_ + u"/args"_s)).split(u'\n', Qt::SkipEmptyParts);
+        arguments += QString::fromUtf8(readFile(folder_ + u"/args"_s))
+                         .replace(u"${EXAMPLES}"_s, QStringLiteral(NCX_SOURCE_DIR "/examples"))
+                         .split(u'\n', Qt::SkipEmptyParts);
         return ProcessRunner(u"ncx_cli"_s)
             .arguments(arguments)
             .workingFolder(scratch_.path())

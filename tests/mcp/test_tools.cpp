@@ -173,7 +173,7 @@ TEST_F(Tools, EndEditsWithWhatTheCheckSays)
         checker.reportInfo(u"<b>An info</b>"_s);
         checker.reportError(u"An %1 error"_s);
     };
-    const CheckRule rule{reportTwo, onceForCheck};
+    const CheckRule rule{"reportTwo"_L1, reportTwo};
     const CheckRules rules{.common = {&rule, 1}, .canOpen = {}, .j1939 = {}, .rawCan = {}};
     session_.handler().setCheckRules(rules);
     EXPECT_EQ(run(u"set_index_name"_s, with(object2000, {{u"name"_s, u"y"_s}})),

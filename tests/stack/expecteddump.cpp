@@ -169,7 +169,9 @@ QString textConstant(const Sub &sub)
         bytes = QByteArray::fromHex(sub.defaultvalue.mid(2).toLatin1());
     } else {
         static const QRegularExpression escape(u"\\\\([\"\\\\])"_s);
-        bytes = QString(sub.defaultvalue).replace(escape, u"\\1"_s).toUtf8();
+        bytes = sub.defaultvalue.toUtf8();
+        if (sub.datatype != 124) // UTF-8 text is escaped when it is written
+            bytes = QString(sub.defaultvalue).replace(escape, u"\\1"_s).toUtf8();
     }
     const qsizetype size = sub.size;
     if (bytes.size() < size)

@@ -175,8 +175,12 @@ bool GeneratedSources::openFolder(const QString &folder)
         QFile::copy(source.filePath(name), folder_.filePath(name));
     if (!openProject(folder_.filePath(source.entryList({u"*.ncxt"_s}).value(0))))
         return false;
-    const QStringList args = QString::fromUtf8(text(u"args"_s)).split(u'\n', Qt::SkipEmptyParts);
+    const QStringList args = QString::fromUtf8(text(u"args"_s))
+                                 .replace(u"${EXAMPLES}"_s, QStringLiteral(NCX_SOURCE_DIR "/examples"))
+                                 .split(u'\n', Qt::SkipEmptyParts);
     for (qsizetype i = 0; i + 1 < args.size(); ++i) {
+        if (args.at(i) == "-stackpath"_L1)
+            d_->handler.setStackPath(args.at(i + 1));
         if (args.at(i) == "-import"_L1 && !importFile(folder_.filePath(args.at(i + 1))))
             return false;
     }
@@ -279,7 +283,8 @@ QString GeneratedSources::compile()
 
 QString GeneratedSources::link()
 {
-    const QByteArray code = text(u"gen_objdict.c"_s);
+    const QString source = has(u"gen_objdict.c"_s) ? u"gen_objdict.c"_s : u"gen_mp.c"_s;
+    const QByteArray code = text(source);
     QStringList switches;
     if (code.contains("j1939OdInit("))
         switches += u"-DWALK_SERVER_MODE"_s;
@@ -289,7 +294,7 @@ QString GeneratedSources::link()
         switches += u"-DWALK_LOAD_INDICATION"_s;
     if (code.contains("RET_T userOverwriteCobIdSettings("))
         switches += u"-DWALK_OVERWRITE_FUNCTION"_s;
-    d_->objects = {folder_.filePath(u"gen_objdict.c.o"_s)};
+    d_->objects = {folder_.filePath(source + u".o"_s)};
     QString complaints = compileFile(stackFolder + u"/stack.c"_s) + compileFile(stackFolder + u"/walker.c"_s, switches);
     for (const QString &name : QDir(folder_.path()).entryList({u"*.c"_s}, QDir::Files)) {
         if (!name.startsWith("gen_"_L1))

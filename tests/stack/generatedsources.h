@@ -35,7 +35,7 @@ public:
     /// Compiles all C and C++ sources, C as C99 with all warnings. What the compiler says is returned, without the
     /// warnings that the required text itself provokes; empty if all is well.
     QString compile();
-    /// Links gen_objdict.c with the walker; what the linker says.
+    /// Links gen_objdict.c, or gen_mp.c where that holds the dictionary, with the walker; what the linker says.
     QString link();
     /// What the walker prints.
     QString walk(const QStringList &arguments) const;

@@ -445,6 +445,8 @@ static void printSub(const STACK_DICTIONARY_T *pDictionary, unsigned line, const
     if (pDesc == NULL)
         return;
     type = typeOf(pDesc);
+    /* The subindices that share a row have elements of their own, one behind the other. */
+    position = pDesc->value + (subIndex - pDesc->subIndex);
     printf("%u 0x%04x:%u %s %s %s ", line, pObject->index, subIndex, objectTypeName(pObject->odType), typeName(type),
            specifierName(specifierOf(pDesc)));
     printAttributes(pDesc->attributes);

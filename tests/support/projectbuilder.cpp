@@ -58,7 +58,8 @@ ProjectBuilder &ProjectBuilder::sub(quint8 subindex, const QString &name,
     return *this;
 }
 
-ProjectBuilder &ProjectBuilder::pgn(quint32 number, quint8 direction, const QString &name)
+ProjectBuilder &ProjectBuilder::pgn(quint32 number, quint8 direction, const QString &name,
+                                    const std::function<void(StoreRecords::PGN &)> &change)
 {
     message_ = number;
     direction_ = direction;
@@ -66,22 +67,28 @@ ProjectBuilder &ProjectBuilder::pgn(quint32 number, quint8 direction, const QStr
     data.name = name;
     data.number = number;
     data.direction = direction;
+    if (change)
+        change(data);
     store_->addPGN(line_, number, data);
     return *this;
 }
 
-ProjectBuilder &ProjectBuilder::spn(quint32 number, const QString &name)
+ProjectBuilder &ProjectBuilder::spn(quint32 number, const QString &name,
+                                    const std::function<void(StoreRecords::SPN &)> &change)
 {
     StoreRecords::SPN data;
     data.name = name;
     data.pos = signalCount_++;
     data.direction = direction_;
     data.spnnumber = number;
+    if (change)
+        change(data);
     store_->addSPN(line_, message_, direction_, number, data);
     return *this;
 }
 
-ProjectBuilder &ProjectBuilder::canId(quint32 id, quint8 direction, const QString &name)
+ProjectBuilder &ProjectBuilder::canId(quint32 id, quint8 direction, const QString &name,
+                                      const std::function<void(StoreRecords::CANID &)> &change)
 {
     message_ = id;
     direction_ = direction;
@@ -89,16 +96,21 @@ ProjectBuilder &ProjectBuilder::canId(quint32 id, quint8 direction, const QStrin
     data.name = name;
     data.id = id;
     data.direction = direction;
+    if (change)
+        change(data);
     store_->addCANID(line_, id, data);
     return *this;
 }
 
-ProjectBuilder &ProjectBuilder::element(quint32 number, const QString &name)
+ProjectBuilder &ProjectBuilder::element(quint32 number, const QString &name,
+                                        const std::function<void(StoreRecords::DataElement &)> &change)
 {
     StoreRecords::DataElement data;
     data.name = name;
     data.pos = signalCount_++;
     data.direction = direction_;
+    if (change)
+        change(data);
     store_->addDataElement(line_, message_, direction_, number, data);
     return *this;
 }

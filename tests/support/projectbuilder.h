@@ -22,10 +22,14 @@ public:
     ProjectBuilder &object(quint16 index, const QString &name, const StoreRecords::Metadata &metadata = {});
     ProjectBuilder &sub(quint8 subindex, const QString &name,
                         const std::function<void(StoreRecords::SubIndexData &)> &change = {});
-    ProjectBuilder &pgn(quint32 number, quint8 direction, const QString &name);
-    ProjectBuilder &spn(quint32 number, const QString &name);
-    ProjectBuilder &canId(quint32 id, quint8 direction, const QString &name);
-    ProjectBuilder &element(quint32 number, const QString &name);
+    ProjectBuilder &pgn(quint32 number, quint8 direction, const QString &name,
+                        const std::function<void(StoreRecords::PGN &)> &change = {});
+    ProjectBuilder &spn(quint32 number, const QString &name,
+                        const std::function<void(StoreRecords::SPN &)> &change = {});
+    ProjectBuilder &canId(quint32 id, quint8 direction, const QString &name,
+                          const std::function<void(StoreRecords::CANID &)> &change = {});
+    ProjectBuilder &element(quint32 number, const QString &name,
+                            const std::function<void(StoreRecords::DataElement &)> &change = {});
     ProjectBuilder &general(const QString &key, const QString &value);
     ProjectBuilder &j1939(const QString &key, const QString &value);
     ProjectBuilder &misc(const QString &key, const QString &value);

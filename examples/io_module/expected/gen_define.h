@@ -42,6 +42,7 @@
 #define CO_MAX_MAP_ENTRIES	4u
 #define CO_TR_PDO_DYN_MAP_ENTRIES	1u
 #define CO_EMCY_PRODUCER	1u
+#define CO_CONFIG_LIMIT_CHECK	1u
 /* number of used COB objects */
 #define CORE_COB_CNT	6u
 /* Definition of number of call-back functions for each service*/

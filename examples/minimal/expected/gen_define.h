@@ -19,8 +19,9 @@
 #define CORE_REC_BUFFER_COUNTS	10u
 #define CORE_TR_BUFFER_COUNTS	5u
 /* Number of objects per line */
-#define CO_OBJECT_COUNTS	0u
-#define CORE_COB_COUNTS	0u
+#define CO_OBJECTS_LINE_0_CNT	3u
+#define CO_OBJECT_COUNTS	3u
+#define CORE_COB_COUNTS	4u
 #define CO_TXPDO_COUNTS	0u
 #define CO_RXPDO_COUNTS	0u
 #define CO_SSDO_COUNTS	1u
@@ -32,12 +33,12 @@
 #define CO_ERR_HIST_COUNTS	0u
 #define CO_ACT_ERR_HIST_COUNTS	0u
 #define CO_EMCY_CONS_COUNTS	0u
-#define CO_NODE_IDS	0
+#define CO_NODE_IDS	32
 #define CO_NODE_ID_FUNCTIONS	NULL
 /* Definition of numbers of CANopen services */
 #define CO_SDO_SERVER_CNT	1u
 /* number of used COB objects */
-#define CORE_COB_CNT	0u
+#define CORE_COB_CNT	4u
 /* Definition of number of call-back functions for each service*/
 /* Definition of CAN queue sizes */
 #define CORE_CONFIG_REC_BUFFER_CNT	10u
@@ -47,7 +48,7 @@
 /* number of virtual objects */
 /* Hardware settings */
 #define TARGET_0 1u
-#define CORE_TIMER_INTERVAL	0u
+#define CORE_TIMER_INTERVAL	1000u
 /* do not modify comments starting with 'user-specific section:' */
 /* user-specific section: start */
 

@@ -7,6 +7,15 @@
 #ifndef GEN_INDICES_H
 #define GEN_INDICES_H 1
 
+#define I_DEVICE_TYPE            	0x1000u
+#define  S_DEVICE_TYPE            	0x0u
+
+#define I_ERROR_REGISTER         	0x1001u
+#define  S_ERROR_REGISTER         	0x0u
+
+#define I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  S_PRODUCER_HEARTBEAT_TIME	0x0u
+
 #define  S_NUMBER_OF_ENTRIES      	0x0u
 
 #endif /* GEN_INDICES_H */

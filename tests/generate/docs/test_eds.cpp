@@ -283,3 +283,22 @@ TEST(Eds, EndsWithTheSectionsOfTheUser)
     project.store()->setDescriptionSetting(u"AdditionalSections"_s, u"[Tools]\r\nItems=0"_s);
     EXPECT_TRUE(edsOf(project).endsWith("\nPDOMapping=0\n\n[Tools]\nItems=0\n"_L1));
 }
+
+TEST(Eds, EndsEarlyWhenItIsCancelled)
+{
+    ProjectBuilder project;
+    project.object(0x2000, u"Object"_s).sub(0, u"Sub"_s);
+    EDSGenerator generator;
+    QList<int> heard;
+    QObject::connect(
+        &generator, &EDSGenerator::progress, &generator,
+        [&](quint8 percent) {
+            heard.append(percent);
+            if (percent == 25)
+                generator.cancelJob();
+        },
+        Qt::DirectConnection);
+    const QString eds = DocsTest::textOf(generator, project.store());
+    EXPECT_TRUE(eds.endsWith("[OptionalObjects]\nSupportedObjects=0\n\n"_L1));
+    EXPECT_EQ(heard, (QList<int>{25, 98, 100}));
+}

@@ -4,16 +4,14 @@
 #include "import/importproject.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
-#include "support/processrunner.h"
+#include "support/nodepackage.h"
 
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
-using TestSupport::ProcessRunner;
 
 // The descriptions that the program writes are read by a CANopen library for node.js (tests/eds_reader), which finds
 // what the project has.
@@ -89,14 +87,17 @@ private:
         const bool isDomain = object.object.objecttype == CANopen::Domain;
         const bool counts = object.isGroup() && sub.subindex == 0 && object.index >= 0x2000;
         const bool mapped = !isDomain && sub.data.pdomapping.toBinary() != 0;
+        const int type = sub.data.datatype < 100 ? sub.data.datatype : 5; // types of the program's own
         const QString name = object.isGroup() ? object.name(sub) : object.name();
-        const QString value = counts ? QString::number(object.highestSubindex()) : sub.data.defaultvalue;
+        QString value = counts ? QString::number(object.highestSubindex()) : sub.data.defaultvalue;
+        if (value.startsWith("|x"_L1))
+            value.remove(0, 2);
         const bool shown =
             sub.data.writedefaulttoeds == 2 || (sub.data.writedefaulttoeds == 1 && sub.data.defaultineds);
         const QJsonArray row{object.index,
                              sub.subindex,
                              name.trimmed(),
-                             sub.data.datatype,
+                             type,
                              sub.data.accesstype,
                              mapped ? 1 : 0,
                              shown ? value.trimmed() : QString()};
@@ -136,36 +137,18 @@ QMap<QString, Store> projects()
     return result;
 }
 
-/// Puts the reader and what it needs into a folder; the reason where that is not possible.
-QString install(const QString &node, const QString &npm, const QString &folder)
-{
-    if (node.isEmpty() || npm.isEmpty())
-        return u"node.js or npm is missing"_s;
-    for (const char *name : {"package.json", "package-lock.json", "read.js"}) {
-        const QString file = QString::fromLatin1(name);
-        QFile::copy(QStringLiteral(NCX_SOURCE_DIR "/tests/eds_reader/") + file, folder + u'/' + file);
-    }
-    // Its scripts would build what only a bus needs.
-    const auto result = ProcessRunner(npm)
-                            .arguments({u"ci"_s, u"--ignore-scripts"_s, u"--no-audit"_s, u"--no-fund"_s})
-                            .workingFolder(folder)
-                            .run();
-    return result.exitCode == 0 ? QString() : u"the library cannot be installed: "_s + result.errors;
-}
-
 } // namespace
 
 TEST(EdsReader, AnIndependentLibraryFindsWhatTheProjectHas)
 {
-    const QString node = QStandardPaths::findExecutable(u"node"_s);
-    const QTemporaryDir folder;
-    const QString reason = install(node, QStandardPaths::findExecutable(u"npm"_s), folder.path());
-    if (!reason.isEmpty())
-        GTEST_SKIP() << reason.toStdString();
+    const TestSupport::NodePackage reader(u"eds_reader"_s);
+    if (!reader.isInstalled())
+        GTEST_SKIP() << reader.reason().toStdString();
 
+    const QTemporaryDir folder;
     const QMap<QString, Store> stores = projects();
     ASSERT_GE(stores.size(), 3);
-    QStringList arguments{u"read.js"_s};
+    QStringList arguments;
     for (auto it = stores.cbegin(); it != stores.cend(); ++it) {
         EDSGenerator generator;
         generator.setVariant({.extended = true});
@@ -173,7 +156,7 @@ TEST(EdsReader, AnIndependentLibraryFindsWhatTheProjectHas)
         ASSERT_TRUE(TestSupport::writeFile(folder.filePath(it.key()), eds.toUtf8()));
         arguments.append(it.key());
     }
-    const auto result = ProcessRunner(node).arguments(arguments).workingFolder(folder.path()).run();
+    const auto result = reader.run(folder.path(), arguments);
     ASSERT_EQ(result.exitCode, 0) << qPrintable(result.errors);
     const QStringList answers = result.output.split(u'\n', Qt::SkipEmptyParts);
     ASSERT_EQ(answers.size(), stores.size());

@@ -7,6 +7,9 @@
 #include <co_odaccess.h>
 #include <core_common.h>
 #include <core_isotp.h>
+#ifdef CO_SRDO_SUPPORTED
+#include <co_srdo.h>
+#endif
 
 /* One entry of a mapping: the variable, its length, its kind and its mapping value. */
 #ifdef STACK_V4

@@ -6,16 +6,27 @@
 #include <co_odaccess.h>
 #include <core_common.h>
 
+/* X(types that only signals have) */
+#define STACK_SIGNAL_TYPES(X) \
+	X(B) X(U2) X(U3) X(U4) X(U5) X(U6) X(U7) \
+	X(U9) X(U10) X(U11) X(U12) X(U13) X(U14) X(U15) \
+	X(U17) X(U18) X(U19) X(U20) X(U21) X(U22) X(U23) X(STRING_ASTERIKS)
+
 #ifdef STACK_V4
-/* Types that only signals have. */
 typedef enum {
-	CORE_DTYPE_B = 0x100,
-	CORE_DTYPE_U2, CORE_DTYPE_U3, CORE_DTYPE_U4, CORE_DTYPE_U5, CORE_DTYPE_U6, CORE_DTYPE_U7,
-	CORE_DTYPE_U9, CORE_DTYPE_U10, CORE_DTYPE_U11, CORE_DTYPE_U12, CORE_DTYPE_U13, CORE_DTYPE_U14, CORE_DTYPE_U15,
-	CORE_DTYPE_U17, CORE_DTYPE_U18, CORE_DTYPE_U19, CORE_DTYPE_U20, CORE_DTYPE_U21, CORE_DTYPE_U22, CORE_DTYPE_U23,
-	CORE_DTYPE_STRING_ASTERIKS
+	STACK_FIRST_SIGNAL_TYPE = 0x100,
+#define X(name) CORE_DTYPE_##name,
+	STACK_SIGNAL_TYPES(X)
+#undef X
+	STACK_SIGNAL_TYPE_END
 } STACK_SIGNAL_TYPE_T;
 #endif
+
+#define STACK_MAP_NONE 0u
+#define STACK_MAP_NUMERIC 1u
+/* The classic flags are the same for all protocols. */
+#define J1939_MAP_FLAG_NONE STACK_MAP_NONE
+#define J1939_MAP_FLAG_NUMERIC STACK_MAP_NUMERIC
 
 /* A row of a mapping. The V4 stack has the pointers in a table of their own. */
 typedef struct {

@@ -4,6 +4,9 @@
 /* The parameter groups of a J1939 device and its start-up. */
 
 #include <core_mapping.h>
+#ifdef J1939_SDG_SUPPORTED
+#include <j1939_sdg.h>
+#endif
 
 /* Configurations may leave out what their stack sets to 0. */
 #pragma GCC diagnostic ignored "-Wmissing-field-initializers"
@@ -12,9 +15,6 @@
 #if defined(CAN_MULTI_LINE_CNT) && !defined(CO_MULTI_LINE_CNT)
 #define CO_MULTI_LINE_CNT CAN_MULTI_LINE_CNT
 #endif
-
-#define J1939_MAP_FLAG_NONE 0u
-#define J1939_MAP_FLAG_NUMERIC 1u
 
 typedef STACK_MAPPING_T J1939_MAPPING_T;
 

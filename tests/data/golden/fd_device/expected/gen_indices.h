@@ -18,9 +18,14 @@
 #define I_MANUFACTURER_DEVICE_NAME	0x1008u
 #define  S_MANUFACTURER_DEVICE_NAME	0x0u
 
+#define I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  S_PRODUCER_HEARTBEAT_TIME	0x0u
+
 #define I_IDENTITY_OBJECT        	0x1018u
 #define  S_NUMBER_OF_ENTRIES      	0x0u
 #define  S_VENDOR_ID              	0x1u
+#define  S_PRODUCT_CODE           	0x2u
+#define  S_REVISION_NUMBER        	0x3u
 
 #define I_LIST_OF_FD_TYPES       	0x1030u
 #define  S_LIST_OF_FD_TYPES       	0x0u

@@ -41,7 +41,7 @@
 /* number of virtual objects */
 /* Hardware settings */
 #define TARGET_0 1u
-#define CORE_TIMER_INTERVAL	0u
+#define CORE_TIMER_INTERVAL	1000u
 /* do not modify comments starting with 'user-specific section:' */
 /* user-specific section: start */
 

@@ -19,8 +19,8 @@
 #define CORE_REC_BUFFER_COUNTS	10u
 #define CORE_TR_BUFFER_COUNTS	5u
 /* Number of objects per line */
-#define CO_OBJECTS_LINE_0_CNT	7u
-#define CO_OBJECT_COUNTS	7u
+#define CO_OBJECTS_LINE_0_CNT	9u
+#define CO_OBJECT_COUNTS	9u
 #define CORE_COB_COUNTS	4u
 #define CO_TXPDO_COUNTS	0u
 #define CO_RXPDO_COUNTS	0u
@@ -33,7 +33,7 @@
 #define CO_ERR_HIST_COUNTS	0u
 #define CO_ACT_ERR_HIST_COUNTS	0u
 #define CO_EMCY_CONS_COUNTS	0u
-#define CO_NODE_IDS	0
+#define CO_NODE_IDS	32
 #define CO_NODE_ID_FUNCTIONS	NULL
 /* Definition of numbers of CANopen services */
 #define CO_SDO_SERVER_CNT	1u
@@ -48,7 +48,7 @@
 /* number of virtual objects */
 /* Hardware settings */
 #define TARGET_0 1u
-#define CORE_TIMER_INTERVAL	0u
+#define CORE_TIMER_INTERVAL	1000u
 /* do not modify comments starting with 'user-specific section:' */
 /* user-specific section: start */
 

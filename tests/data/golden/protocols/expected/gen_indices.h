@@ -13,9 +13,14 @@
 #define L0_I_ERROR_REGISTER         	0x1001u
 #define  L0_S_ERROR_REGISTER         	0x0u
 
+#define L0_I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  L0_S_PRODUCER_HEARTBEAT_TIME	0x0u
+
 #define L0_I_IDENTITY_OBJECT        	0x1018u
 #define  L0_S_HIGHEST_SUB_INDEX_SUPPORTED	0x0u
 #define  L0_S_VENDOR_ID              	0x1u
+#define  L0_S_PRODUCT_CODE           	0x2u
+#define  L0_S_REVISION_NUMBER        	0x3u
 
 #define L0_I_I_INPUTS_I_6000        	0x6000u
 #define  L0_S_HIGHEST_SUB_INDEX_SUPPORTED1	0x0u
@@ -25,8 +30,8 @@
 #define L0_SPN_TEXT                 	1u
 
 #define L0_PGN_ELECTRONIC_ENGINE_CONTROLLER_1	61444u /* 0xf004 */
-#define L0_SPN_ENGINE_SPEED         	190u
 #define L0_SPN_DRIVER_S_DEMAND      	512u
+#define L0_SPN_ENGINE_SPEED         	190u
 
 #define L0_PGN_ADDRESS_CLAIM        	60928u /* 0xee00 */
 #define L0_SPN_NAME_OF_CONTROLLER_APPLICATION	2848u
@@ -46,9 +51,14 @@
 #define L1_I_ERROR_REGISTER         	0x1001u
 #define  L1_S_ERROR_REGISTER         	0x0u
 
+#define L1_I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  L1_S_PRODUCER_HEARTBEAT_TIME	0x0u
+
 #define L1_I_IDENTITY_OBJECT        	0x1018u
 #define  L1_S_HIGHEST_SUB_INDEX_SUPPORTED	0x0u
 #define  L1_S_VENDOR_ID              	0x1u
+#define  L1_S_PRODUCT_CODE           	0x2u
+#define  L1_S_REVISION_NUMBER        	0x3u
 
 #define L1_ID_MACHINE_STATE         	1u
 #define L1_ID_0200                  	1u

@@ -22,9 +22,9 @@
 #define CORE_REC_BUFFER_COUNTS	10u, 10u
 #define CORE_TR_BUFFER_COUNTS	5u, 5u
 /* Number of objects per line */
-#define CO_OBJECTS_LINE_0_CNT	3u
-#define CO_OBJECTS_LINE_1_CNT	2u
-#define CO_OBJECT_COUNTS	3u, 2u
+#define CO_OBJECTS_LINE_0_CNT	7u
+#define CO_OBJECTS_LINE_1_CNT	5u
+#define CO_OBJECT_COUNTS	7u, 5u
 #define CO_TXPDO_COUNTS	1u, 0u
 #define CO_RXPDO_COUNTS	1u, 1u
 #define CO_SSDO_COUNTS	1u, 0u
@@ -36,10 +36,12 @@
 #define CO_ERR_HIST_COUNTS	0u, 0u
 #define CO_ACT_ERR_HIST_COUNTS	0u, 0u
 #define CO_EMCY_CONS_COUNTS	0u, 0u
-#define CO_NODE_IDS	0,0
+#define CO_NODE_IDS	32,33
 #define CO_NODE_ID_FUNCTIONS	NULL,NULL
 /* Definition of numbers of CANopen services */
 #define CO_SDO_SERVER_CNT	1u
+#define CO_PDO_TRANSMIT_CNT	1u
+#define CO_PDO_RECEIVE_CNT	2u
 /* Definition of number of call-back functions for each service*/
 /* Definition of CAN queue sizes */
 #define CORE_CONFIG_REC_BUFFER_CNT	20u
@@ -59,10 +61,10 @@
 /* number of virtual objects */
 /* Hardware settings */
 #define TARGET_0 1u
-#define CORE_TIMER_INTERVAL	0u
+#define CORE_TIMER_INTERVAL	1000u
 /* COB Definitions */
-#define CORE_COB_COUNTS 4u, 4u
-#define CORE_COB_CNT 8u
+#define CORE_COB_COUNTS 6u, 5u
+#define CORE_COB_CNT 11u
 /* do not modify comments starting with 'user-specific section:' */
 /* user-specific section: start */
 

@@ -10,16 +10,35 @@
 #define L0_I_DEVICE_TYPE            	0x1000u
 #define  L0_S_DEVICE_TYPE            	0x0u
 
+#define L0_I_ERROR_REGISTER         	0x1001u
+#define  L0_S_ERROR_REGISTER         	0x0u
+
+#define L0_I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  L0_S_PRODUCER_HEARTBEAT_TIME	0x0u
+
 #define L0_I_RPDO_COMM_PAR_2_FOR_NODE_5_DRIVE	0x1401u
 #define L0_RPDO_5_DRIVE_2           	2u
+
+#define L0_I_RPDO_MAP_PAR_2         	0x1601u
 
 #define L0_I_TPDO_COMM_PAR_1_FOR_NODE_5_DRIVE	0x1800u
 #define L0_TPDO_5_DRIVE_1           	1u
 
+#define L0_I_TPDO_MAP_PAR_1         	0x1a00u
+
 #define L1_I_DEVICE_TYPE            	0x1000u
+#define  L1_S_DEVICE_TYPE            	0x0u
+
+#define L1_I_ERROR_REGISTER         	0x1001u
+#define  L1_S_ERROR_REGISTER         	0x0u
+
+#define L1_I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  L1_S_PRODUCER_HEARTBEAT_TIME	0x0u
 
 #define L1_I_RPDO_COMM_PAR_2_FOR_NODE_5_DRIVE	0x1401u
 #define L1_RPDO_5_DRIVE_2           	2u
+
+#define L1_I_RPDO_MAP_PAR_2         	0x1601u
 
 #define L1_PGN_ELECTRONIC_ENGINE_CONTROLLER_1	61444u /* 0xf004 */
 #define L1_SPN_ENGINE_SPEED         	190u

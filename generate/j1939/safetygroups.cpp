@@ -1,0 +1,119 @@
+#include "generate/j1939/safetygroups.h"
+
+#include "check/safetytypes.h"
+#include "generate/dialect.h"
+#include "generate/j1939/linemessages.h"
+#include "generate/runcontext.h"
+#include "generate/stack/linesettings.h"
+#include "nodedict/cohelper.h"
+#include "store/objectdatabase.h"
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// What the stack calls the safety types of the project. The first is a safety data message behind its header; those of
+/// CAN FD follow the profile for functional safety. A group without a type that is known counts as the first.
+struct TypeWord
+{
+    quint8 type;
+    QLatin1StringView word;
+    QLatin1StringView profile;
+};
+
+constexpr std::array typeWords{
+    TypeWord{1, "SDG_TYPE_0"_L1, "0u"_L1},
+    TypeWord{2, "SDG_TYPE_1"_L1, "SDG_FUSA_PROFILE_1"_L1},
+    TypeWord{3, "SDG_TYPE_2"_L1, "SDG_FUSA_PROFILE_1"_L1},
+};
+
+TypeWord typeWord(quint8 type)
+{
+    const auto row = std::ranges::find(typeWords, type, &TypeWord::type);
+    return row == typeWords.end() ? typeWords.front() : *row;
+}
+
+/// The width of the types that safety data may have, numbers without sign; 0 for all others.
+quint32 safetyBits(quint32 dataType)
+{
+    const COHelper::Limits limits = COHelper::getDefaultLimits(dataType);
+    return limits.low == "0"_L1 ? COHelper::getDataLengthBits(dataType) : 0;
+}
+
+SafetyGroups::Group groupOf(const LineMessage &message, bool canFd)
+{
+    constexpr int dataPageBit = 16;
+    constexpr quint32 dataPageMask = 3;
+    const StoreRecords::PGN &head = message.head;
+    const TypeWord word = typeWord(head.safetytype);
+    const SafetyType *type = safetyType(head.safetytype);
+    SafetyGroups::Group group{.pgn = head.number | (head.edp_dp_key & dataPageMask) << dataPageBit,
+                              .cycleMs = head.cycletime_ms,
+                              .validationMs = head.srvt_ms,
+                              .type = word.word,
+                              .profile = word.profile,
+                              .frame = {.isClassical = !canFd || (type && type->isSDM)}};
+    for (const StoreRecords::SPN &signal : message.items) {
+        const QString variable = LineMessages::variable(signal);
+        group.frame.items.append(
+            {.variable = variable, .bits = safetyBits(signal.datatype), .position = signal.bitposition});
+        if (!variable.isEmpty())
+            group.variables.append({.name = variable, .cType = SignalType::cType(signal.datatype)});
+    }
+    return group;
+}
+
+QList<SafetyGroups::Group> groupsOf(ObjectDataBase &store, quint8 line, quint8 direction, bool canFd)
+{
+    QList<SafetyGroups::Group> groups;
+    for (const LineMessage &message :
+         LineMessages::parameterGroups(store, line, direction, LineMessages::Groups::Safety))
+        groups.append(groupOf(message, canFd));
+    return groups;
+}
+
+} // namespace
+
+bool SafetyGroups::keepsSendersApart(ObjectDataBase &store, const Dialect &dialect)
+{
+    return dialect.has(Point::SafetySenders) && LineSettings::number(store.getJ1939Setting(u"sdm_rec_addr_cnt"_s)) > 1;
+}
+
+SafetyGroups SafetyGroups::collect(ObjectDataBase &store, const Dialect &dialect, bool multiLine)
+{
+    using LineSettings::number;
+    const bool canFd = number(store, u"canfd_supported"_s) > 0;
+    SafetyGroups result{.multiLine = multiLine,
+                        .sendersApart = keepsSendersApart(store, dialect),
+                        .loopCounter = number(store.getJ1939Setting(u"sdm_loop_counter"_s))};
+    for (const quint8 line : LineSettings::stackLines(store)) {
+        Line groups{.number = line};
+        if (RunContext::protocolsOf(store, line).j1939) {
+            store.cacheSPNs(line);
+            groups.received = groupsOf(store, line, ObjectDataBase::receive, canFd);
+            groups.transmitted = groupsOf(store, line, ObjectDataBase::transmit, canFd);
+            store.clearSPNCache();
+        }
+        result.lines.append(groups);
+    }
+    return result;
+}
+
+qsizetype SafetyGroups::receivedCount() const
+{
+    qsizetype count = 0;
+    for (const Line &line : lines)
+        count += line.received.size();
+    return count;
+}
+
+qsizetype SafetyGroups::transmittedCount() const
+{
+    qsizetype count = 0;
+    for (const Line &line : lines)
+        count += line.transmitted.size();
+    return count;
+}

@@ -1,0 +1,181 @@
+#include "generate/stack/multiprogenerator.h"
+
+#include "generate/codewriter.h"
+#include "generate/dialect.h"
+#include "generate/j1939/pgnsections.h"
+#include "generate/stack/commongeneratorhelper.h"
+#include "generate/stack/indicationpointers.h"
+#include "generate/stack/linesettings.h"
+#include "generate/stack/loadindication.h"
+#include "generate/stack/objdictsections.h"
+#include "generate/stack/rawcansections.h"
+#include "generate/stack/sourceopening.h"
+#include "generate/stack/userheader.h"
+#include "store/objectdatabase.h"
+
+#include <QTextStream>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// What the file is written from.
+struct Content
+{
+    SourceOpening opening = {};
+    bool externDeclarations = true;
+    bool stringDefaults = false;
+    PgnTables pgns = {};
+    DictionaryTables dictionary = {};
+};
+
+/// A bootloader gets no gen_extern_decl.h.
+bool hasExternDeclarations(ObjectDataBase &store, const MultiProtocols &protocols, const PgnTables &pgns)
+{
+    const bool bootloader = store.getGeneralSetting(u"uds_bl_setting"_s) == "1"_L1 && !pgns.multiLine;
+    return !protocols.udsOnly && (!bootloader || pgns.usesApplicationVariables);
+}
+
+void writeIncludes(CodeWriter &out, ObjectDataBase &store, const Content &content, const MultiProtocols &protocols,
+                   const Dialect &dialect)
+{
+    const SourceOpening &opening = content.opening;
+    SourceSections::stdlibInclude(out, opening);
+    out(u"#include <gen_define.h>");
+    if (protocols.rawCanOnly())
+        out(u"#include <rawcan_rawcan.h>");
+    else
+        out(uR"(
+            #include <core_common.h>
+            #include <mp_mp.h>
+            )");
+    SourceSections::udsIncludes(out, opening, dialect);
+    const bool staticUds = opening.staticUdsIndications && dialect.has(Point::UdsIndicationHeader);
+    if (staticUds)
+        out(u"#include <uds_indication.h>");
+    // The functions that the static pointers of the UDS server name are declared there too.
+    if (protocols.canOpen || staticUds)
+        out(u"#include <gen_indication.h>");
+    out(uR"(
+        #include <icore_commtask.h>
+        #include <icore_cobhandler.h>
+        #include <icore_queue.h>
+        )");
+    if (content.externDeclarations)
+        out(u"#include <gen_extern_decl.h>");
+    if (LineSettings::number(store.getJ1939Setting(u"cia510serversupport"_s)) > 0)
+        out(uR"(
+            #include <j1939_cam11_cam21.h>
+            #include <ico_odaccess.h>
+            )");
+    if (content.stringDefaults)
+        out(u"#include <gen_user.h>");
+    out(u"");
+}
+
+void writeGuards(CodeWriter &out, ObjectDataBase &store, const Content &content, const MultiProtocols &protocols,
+                 const Dialect &dialect)
+{
+    if (protocols.canOpen)
+        SourceSections::applicationIncludes(out, content.opening);
+    SourceSections::specifierGuards(out, dialect);
+    SourceSections::watchdogGuard(out, dialect);
+    if (protocols.canOpen)
+        writeIndicationPointers(out, store, dialect);
+    writeUdsIndicationPointers(out, store, dialect);
+    if (protocols.canOpen)
+        ObjDictSections::objectCounts(out, content.dictionary);
+}
+
+void writePgnTables(CodeWriter &out, const PgnTables &pgns, const Dialect &dialect)
+{
+    PgnSections::writeManagedVariables(out, pgns);
+    PgnSections::writeMappings(out, pgns, dialect);
+    if (!pgns.hasJ1939())
+        return;
+    PgnSections::writeIdentities(out, pgns, dialect);
+    PgnSections::writeTransmitConfigs(out, pgns, dialect);
+    PgnSections::writeReceiveConfigs(out, pgns, dialect);
+    PgnSections::writeConfigs(out, pgns);
+}
+
+void writeDictionary(CodeWriter &out, const DictionaryTables &dictionary, const Dialect &dialect)
+{
+    ObjDictSections::managedVariables(out, dictionary, dialect);
+    ObjDictSections::constants(out, dictionary, dialect);
+    ObjDictSections::applicationVariables(out, dictionary, dialect);
+    ObjDictSections::description(out, dictionary, dialect);
+    ObjDictSections::assign(out, dictionary, dialect);
+    ObjDictSections::mappingTables(out, dictionary, dialect);
+    ObjDictSections::dataVariables(out, dictionary, dialect);
+}
+
+} // namespace
+
+QString MultiProGenerator::fileName() const
+{
+    switch (sourceFile()) {
+    case SourceFile::GenMpInit:
+        return u"gen_uds.c"_s;
+    case SourceFile::GenMpCanIds:
+        return u"gen_rawcan.c"_s;
+    default:
+        return u"gen_mp.c"_s;
+    }
+}
+
+SourceFile MultiProGenerator::sourceFile() const
+{
+    if (protocols_.udsOnly)
+        return SourceFile::GenMpInit;
+    return protocols_.rawCanOnly() ? SourceFile::GenMpCanIds : SourceFile::GenMp;
+}
+
+void MultiProGenerator::write(QTextStream &stream)
+{
+    const Dialect &dialect = Dialect::of(form_);
+    ObjectDataBase &store = *database();
+    const bool multiLine = isMultiLine() || generatesMultiLine();
+    Content content{.opening = SourceOpening::of(store, outputFolder()),
+                    .pgns = PgnTables::collect(store, dialect, multiLine, PgnTables::Scope::AllMessages)};
+    content.dictionary =
+        collectDictionaryTables(store, {.compactDescription = compactDescription_, .multiLine = multiLine});
+    if (!content.dictionary.error.isEmpty()) {
+        fail(OutputError, content.dictionary.error);
+        return;
+    }
+    content.externDeclarations = hasExternDeclarations(store, protocols_, content.pgns);
+    content.stringDefaults = protocols_.canOpen && content.dictionary.stringDefaults;
+
+    CodeWriter out(stream);
+    const CommonGeneratorHelper common(database(), dialect);
+    StackInit canOpen = StackInit::collect(store, content.dictionary);
+    settleMasters(canOpen);
+    const MpStartUp startUp = MpStartUp::collect(store, protocols_, content.pgns, content.dictionary, canOpen);
+    const MpStartUpWriter startUpWriter(out, startUp, common, dialect);
+
+    writeFileHeader(out, sourceFile(), form_, baseName());
+    writeIncludes(out, store, content, protocols_, dialect);
+    startUpWriter.writePrototypes();
+    writeGuards(out, store, content, protocols_, dialect);
+    Q_EMIT progress(25);
+    if (!protocols_.udsOnly)
+        writePgnTables(out, content.pgns, dialect);
+    if (protocols_.canOpen)
+        writeDictionary(out, content.dictionary, dialect);
+    if (protocols_.rawCan && !protocols_.udsOnly)
+        RawCanSections::writeConfigs(out, content.pgns, dialect);
+    Q_EMIT progress(75);
+    startUpWriter.write();
+    if (protocols_.canOpen)
+        writePredefinedSet(out, PredefinedSet::collect(store, content.dictionary), dialect);
+}
+
+void MultiProGenerator::writeCompanions()
+{
+    const bool multiLine = isMultiLine() || generatesMultiLine();
+    const bool wanted = protocols_.canOpen && LineSettings::number(*database(), u"generate_string_defaults"_s) > 0;
+    const QString error = updateUserHeader(outputFolder(), baseName(), wanted, multiLine);
+    if (!error.isEmpty())
+        fail(OutputError, error);
+}

@@ -1,0 +1,416 @@
+#include "generate/docs/candbdbc.h"
+#include "generate/docs/dbcframes.h"
+#include "generate/docs/dbcgenerator.h"
+#include "generate/docs/dbcreader.h"
+#include "generate/docs/dbcwriter.h"
+#include "generate/docs/generatorjob.h"
+#include "nodedict/canopendatatype.h"
+#include "support/nodepackage.h"
+#include "support/processrunner.h"
+#include "support/projectbuilder.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QTextStream>
+
+using namespace Qt::StringLiterals;
+using TestSupport::ProjectBuilder;
+
+namespace {
+
+void addElement(ProjectBuilder &project, quint32 canId, quint32 number, StoreRecords::DataElement element)
+{
+    element.direction = element.direction == 0 ? ObjectDataBase::transmit : element.direction;
+    element.pos = number;
+    EXPECT_TRUE(project.store()->addDataElement(0, canId, element.direction, number, element));
+}
+
+void addSpn(ProjectBuilder &project, quint32 pgn, quint8 direction, quint32 number, StoreRecords::SPN spn)
+{
+    spn.direction = direction;
+    EXPECT_TRUE(project.store()->addSPN(0, pgn, direction, number, spn));
+}
+
+QString text(const CANdb::Database &database)
+{
+    QString result;
+    QTextStream stream(&result);
+    writeDbc(stream, database);
+    return result;
+}
+
+/// "name start|size sign" of each signal.
+QStringList layout(const DbcFrame &frame)
+{
+    QStringList rows;
+    for (const DbcSignal &signal : frame.signalList)
+        rows.append(u"%1 %2|%3%4"_s.arg(signal.name)
+                        .arg(signal.startBit)
+                        .arg(signal.bits)
+                        .arg(signal.isSigned ? u"-"_s : u"+"_s));
+    return rows;
+}
+
+/// The DBC files that the goldens expect.
+QStringList goldenFiles()
+{
+    QStringList files;
+    for (const char *root : {"/tests/data/golden", "/examples"}) {
+        QDirIterator it(QStringLiteral(NCX_SOURCE_DIR) + QString::fromLatin1(root), {u"*.dbc"_s}, QDir::Files,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext())
+            files.append(it.next());
+    }
+    return files;
+}
+
+QStringList corpusFiles()
+{
+    QStringList files;
+    const QString folder = TestSupport::corpusFolder();
+    if (folder.isEmpty())
+        return files;
+    for (const QString &name : QDir(folder).entryList({u"*.dbc"_s}, QDir::Files))
+        files.append(folder + u'/' + name);
+    return files;
+}
+
+} // namespace
+
+TEST(DbcFrames, MakeTheIdentifierOfAPGN)
+{
+    struct Case
+    {
+        quint32 pgn;
+        quint8 priority;
+        quint8 address;
+        quint32 id;
+    };
+    constexpr Case cases[] = {
+        {61444, 3, 0x00, 0x8CF00400}, // EEC1 of the engine
+        {65265, 6, 0x31, 0x98FEF131},
+        {59904, 6, 0xF9, 0x98EAFEF9}, // a request: a destination in place of the low byte
+        {0xEF12, 6, 0x20, 0x98EFFE20},
+        {0x1EF00, 6, 0x20, 0x99EFFE20}, // Proprietary A2, data page 1
+        {0x1F004, 2, 0x20, 0x89F00420},
+        {0x3FFFF, 7, 0xFF, 0x9FFFFFFF},
+    };
+    for (const Case &c : cases)
+        EXPECT_EQ(DbcFrames::idOfPGN(c.pgn, c.priority, c.address), c.id) << std::hex << c.pgn;
+}
+
+TEST(DbcFrames, HaveNamesThatAreFreeIdentifiers)
+{
+    ProjectBuilder project;
+    project.line(0, 4);
+    project.canId(0x10, ObjectDataBase::transmit, u"Motor speed"_s)
+        .canId(0x11, ObjectDataBase::transmit, u"Motorspeed!"_s)
+        .canId(0x9FFFFFFF, ObjectDataBase::transmit, u"ÄÖÜ"_s)
+        .canId(0x12, ObjectDataBase::receive, u"3rd*"_s);
+    addElement(project, 0x10, 1, {.name = u"a b"_s, .datatype = CAN::Integer8});
+    addElement(project, 0x10, 2, {.name = u"ab"_s, .datatype = CAN::Real64, .bitposition = 8});
+    addElement(project, 0x10, 3, {.name = u"ab"_s, .datatype = CAN::Boolean, .bitposition = 72});
+    addElement(project, 0x10, 4, {.name = u"?"_s, .datatype = CAN::OctetString, .bitsize = 12, .bitposition = 73});
+    addElement(project, 0x10, 5, {.name = u"nothing"_s, .datatype = CAN::VisibleString, .bitposition = 90});
+    DbcFrames frames;
+    frames.addCanIds(*project.store(), 0);
+    ASSERT_EQ(frames.frames().size(), 4);
+    EXPECT_EQ(frames.frames().at(0).name, u"Motorspeed");
+    EXPECT_EQ(frames.frames().at(0).length, 11U);
+    EXPECT_EQ(layout(frames.frames().at(0)),
+              (QStringList{u"ab 0|8-"_s, u"ab_2 8|64-"_s, u"ab_3 72|1+"_s, u"SIG_4 73|12+"_s}));
+    EXPECT_EQ(frames.frames().at(1).name, u"Motorspeed_2");
+    EXPECT_EQ(frames.frames().at(2).name, u"MSG_536870911");
+    EXPECT_EQ(frames.frames().at(2).id, 0x9FFFFFFF);
+    EXPECT_EQ(frames.frames().at(3).name, u"_3rd");
+}
+
+TEST(DbcFrames, JoinWhatHasOneIdentifier)
+{
+    ProjectBuilder project;
+    project.line(0, 2);
+    for (const quint8 direction : {ObjectDataBase::transmit, ObjectDataBase::receive}) {
+        StoreRecords::PGN pgn{.name = u"Proprietary"_s, .priority = 6, .direction = direction};
+        pgn.cycletime_ms = direction == ObjectDataBase::receive ? 50 : 0;
+        pgn.desc = u"Text of\n%1"_s.arg(direction);
+        project.store()->addPGN(0, 0xEF00, pgn);
+        addSpn(project, 0xEF00, direction, 1, {.name = u"Shared"_s, .datatype = CAN::Unsigned8});
+    }
+    addSpn(project, 0xEF00, ObjectDataBase::receive, 2,
+           {.pos = 1, .name = u"Own"_s, .datatype = CAN::Unsigned8, .varname = u"own"_s, .bitposition = 8});
+    DbcFrames frames;
+    frames.addPGNs(*project.store(), 0, 0x20);
+    ASSERT_EQ(frames.frames().size(), 1);
+    const DbcFrame &frame = frames.frames().first();
+    EXPECT_EQ(layout(frame), (QStringList{u"Shared 0|8+"_s, u"Own 8|8+"_s}));
+    EXPECT_EQ(frame.cycleTimeMs, 50U);
+    EXPECT_EQ(frame.comment, u"Text of 85");
+
+    frames.addStackMessages(0x20, true);
+    ASSERT_EQ(frames.frames().size(), 4);
+    EXPECT_EQ(frames.frames().at(1).id, 0x98EEFE20);
+    EXPECT_EQ(frames.frames().at(1).signalList.size(), 10);
+    EXPECT_EQ(frames.frames().at(3).name, u"Diagnostic_Message_1");
+}
+
+TEST(Dbc, KeepsFramesOfBothProtocolsOfALine)
+{
+    ProjectBuilder project;
+    project.line(0, 7).j1939(u"startaddress"_s, u"0x21"_s);
+    project.pgn(61444, ObjectDataBase::transmit, u"Engine"_s).canId(0x123, ObjectDataBase::receive, u"Raw"_s);
+    addSpn(project, 61444, ObjectDataBase::transmit, 190,
+           {.name = u"Speed"_s,
+            .desc = u"a \"b\" \\"_s,
+            .datatype = CAN::StringAsterisk,
+            .varname = u"v"_s,
+            .bitsize = 24});
+    const QTemporaryDir folder;
+    RawCANDBCGenerator raw;
+    const QString path = DocsTest::runJob(raw, project.store(), folder.path());
+    DBCGenerator j1939;
+    EXPECT_EQ(DocsTest::runJob(j1939, project.store(), folder.path()), path);
+    CANdbDBC dbc;
+    ASSERT_TRUE(dbc.readFile(path)) << qPrintable(dbc.errorText());
+    QStringList names;
+    for (const CANdb::Message &message : dbc.database().messages)
+        names.append(message.name);
+    EXPECT_EQ(names, (QStringList{u"Engine"_s, u"AddressClaiming"_s, u"Acknowledge_Message"_s, u"Raw"_s}));
+    const CANdb::Message &engine = dbc.database().messages.first();
+    EXPECT_EQ(engine.id, 0x80F00421);
+    EXPECT_EQ(engine.attributes, (CANdb::Attributes{{u"VFrameFormat"_s, u"3"_s}}));
+    const CANdb::Signal &speed = engine.signalList.first();
+    EXPECT_EQ(speed.comment, u"a \"b\" \\ ");
+    EXPECT_EQ(speed.attributes, (CANdb::Attributes{{u"SigType"_s, u"3"_s},
+                                                   {u"norvane_implementation_type"_s, u"1"_s},
+                                                   {u"norvane_variable_name"_s, u"v"_s},
+                                                   {u"norvane_bitsize"_s, u"24"_s}}));
+    EXPECT_EQ(dbc.database().attributes, (CANdb::Attributes{{u"ProtocolType"_s, u"J1939"_s}}));
+}
+
+TEST(Dbc, TellsWhyTheFileCannotBeMade)
+{
+    ProjectBuilder project;
+    project.line(0, 2);
+    const QTemporaryDir folder;
+    const auto errorOf = [&](const QString &baseName) {
+        DBCGenerator generator;
+        generator.setDatabase(project.store());
+        generator.setOutputFolder(folder.path());
+        generator.setBaseName(baseName);
+        generator.startJob();
+        generator.waitForJob();
+        return generator.errorText();
+    };
+    ASSERT_TRUE(QDir(folder.path()).mkpath(u"taken.dbc/x"_s));
+    EXPECT_EQ(errorOf({}), u"Empty target file name");
+    const QString error = errorOf(u"taken"_s);
+    EXPECT_TRUE(error.startsWith(u"Could not copy output file. /"_s)) << qPrintable(error);
+    EXPECT_TRUE(error.endsWith(u" - "_s + folder.filePath(u"taken.dbc"_s))) << qPrintable(error);
+    CANdbDBC dbc;
+    EXPECT_FALSE(dbc.writeFile({}));
+    EXPECT_EQ(dbc.errorText(), u"Empty target file name");
+}
+
+TEST(CANdbDBC, RefusesWhatAFileCannotHold)
+{
+    using Type = CANdb::AttributeDefinition::Type;
+    CANdbDBC dbc;
+    EXPECT_TRUE(dbc.defineAttribute({u"Time"_s, CANdb::Owner::Message, Type::Integer, 0, 10, {}, {}}));
+    EXPECT_FALSE(dbc.defineAttribute({u"Time"_s, CANdb::Owner::Message, Type::String, 0, 0, {}, {}}));
+    EXPECT_TRUE(dbc.defineAttribute({u"Kind"_s, CANdb::Owner::Signal, Type::Enumeration, 0, 0, {u"a"_s, u"b"_s}, {}}));
+    EXPECT_FALSE(dbc.setAttribute(u"Time"_s, u"5"_s));
+
+    CANdbDBC::MessageRef message = dbc.addMessage(1);
+    EXPECT_FALSE(dbc.addMessage(1).isValid());
+    EXPECT_FALSE(dbc.addMessage(1).setName(u"x"_s));
+    EXPECT_FALSE(message.setName(u"two words"_s) || message.setName(u"1st"_s) || message.setName({}));
+    EXPECT_TRUE(message.setName(u"First"_s));
+    EXPECT_FALSE(dbc.addMessage(2).setName(u"First"_s));
+    EXPECT_TRUE(message.setLength(2) && message.setAttribute(u"Time"_s, u"10"_s));
+    EXPECT_FALSE(message.setAttribute(u"Time"_s, u"11"_s) || message.setAttribute(u"Kind"_s, u"0"_s));
+
+    CANdbDBC::SignalRef signal = message.addSignal();
+    EXPECT_TRUE(signal.setName(u"s"_s) && signal.setValueSize(8, 8, true) && signal.setAttribute(u"Kind"_s, u"1"_s));
+    EXPECT_FALSE(signal.setValueSize(0, 0, false) || signal.setValueSize(9, 8, false));
+    EXPECT_FALSE(signal.setAttribute(u"Kind"_s, u"2"_s) || signal.setAttribute(u"Kind"_s, u"b"_s));
+    EXPECT_FALSE(message.addSignal().setName(u"s"_s));
+}
+
+TEST(DbcReader, ReadsEachStatement)
+{
+    const QString source =
+        u"VERSION \"1.0\"\n\nNS_ :\n\tCM_\n\tBA_\nBS_: 500 : 1,2\nBU_: A B\n"
+        "VAL_TABLE_ T 0 \"off\" 1 \"on\" ;\n"
+        "BO_ 2147483649 M: 8 A\n"
+        " SG_ Mux M : 0|4@1+ (1,0) [0|15] \"\" B,A\n"
+        " SG_ Temp m3 : 23|16@0- (0.5,-40) [-40|1.5e3] \"°C\" B\n"
+        "BO_TX_BU_ 2147483649 : A,B;\n"
+        "EV_ Env: 0 [0|1] \"x;y\" 0 1 DUMMY_NODE_VECTOR0 Vector__XXX;\n"
+        "CM_ \"all;\";\nCM_ BU_ A \"node\";\nCM_ BO_ 2147483649 \"two\nlines \\\"q\\\"\";\n"
+        "CM_ SG_ 2147483649 Temp \"signal\";\nCM_ EV_ Env \"kept\";\nCM_ BO_ 7 \"no such\";\n"
+        "BA_DEF_ BO_ \"Kind\" ENUM \"a\",\"b\";\nBA_DEF_ SG_ \"F\" FLOAT -1.5 1E2;\n"
+        "BA_DEF_ \"S\" STRING ;\nBA_DEF_ BU_ \"H\" HEX 0 255;\nBA_DEF_REL_ BU_SG_REL_ \"R\" INT 0 1;\n"
+        "BA_DEF_DEF_ \"Kind\" \"a\";\nBA_DEF_DEF_ \"F\" 0;\nBA_DEF_DEF_ \"Lost\" 1;\n"
+        "BA_ \"S\" \"12\";\nBA_ \"H\" BU_ B 16;\nBA_ \"Kind\" BO_ 2147483649 \"b\";\n"
+        "BA_ \"F\" SG_ 2147483649 Temp 0.25;\n"
+        "VAL_ 2147483649 Temp -1 \"cold\" 2 \"hot\" ;\nSIG_VALTYPE_ 2147483649 Temp : 1;\n"
+        "SG_MUL_VAL_ 2147483649 Temp Mux 3-3, 5-7;\n"_s;
+    DbcReader reader;
+    const auto database = reader.read(source);
+    ASSERT_TRUE(database) << qPrintable(reader.errorText());
+    EXPECT_EQ(database->version, u"1.0");
+    EXPECT_EQ(database->newSymbols, (QStringList{u"CM_"_s, u"BA_"_s}));
+    EXPECT_EQ(database->bitTiming, u"500 : 1,2");
+    EXPECT_EQ(database->nodes, (QList<CANdb::Node>{{u"A"_s, u"node"_s, {}}, {u"B"_s, {}, {{u"H"_s, u"16"_s}}}}));
+    ASSERT_EQ(database->messages.size(), 1);
+    const CANdb::Message &message = database->messages.first();
+    EXPECT_EQ(message.id, 0x80000001);
+    EXPECT_EQ(message.comment, u"two\nlines \"q\"");
+    EXPECT_EQ(message.attributes, (CANdb::Attributes{{u"Kind"_s, u"1"_s}}));
+    EXPECT_EQ(message.signalList.at(0).receivers, (QStringList{u"B"_s, u"A"_s}));
+    const CANdb::Signal temperature{.name = u"Temp"_s,
+                                    .multiplexing = u"m3"_s,
+                                    .startBit = 23,
+                                    .size = 16,
+                                    .isLittleEndian = false,
+                                    .isSigned = true,
+                                    .factor = 0.5,
+                                    .offset = -40,
+                                    .minimum = -40,
+                                    .maximum = 1500,
+                                    .unit = u"°C"_s,
+                                    .receivers = {u"B"_s},
+                                    .comment = u"signal"_s,
+                                    .values = {{-1, u"cold"_s}, {2, u"hot"_s}},
+                                    .valueType = 1,
+                                    .multiplexer = u"Mux"_s,
+                                    .multiplexRanges = {u"3-3"_s, u"5-7"_s},
+                                    .attributes = {{u"F"_s, u"0.25"_s}}};
+    EXPECT_TRUE(message.signalList.at(1) == temperature);
+    EXPECT_EQ(database->definitions.size(), 4);
+    EXPECT_EQ(database->otherStatements.size(), 6);
+
+    const auto again = reader.read(text(*database));
+    ASSERT_TRUE(again) << qPrintable(reader.errorText());
+    EXPECT_TRUE(*again == *database) << qPrintable(text(*again));
+}
+
+TEST(DbcReader, TellsLineAndFault)
+{
+    struct Case
+    {
+        QString source;
+        QString error;
+    };
+    const Case cases[] = {
+        {u"BO_ 1 2: 8 A"_s, u"Line 1: Message name missing or invalid"_s},
+        {u"\nBO_ x M: 8 A"_s, u"Line 2: Message id missing or invalid"_s},
+        {u"BO_ 4294967296 M: 8 A"_s, u"Line 1: Message id missing or invalid"_s},
+        {u"BO_ 1 M: 8 A\n SG_ S : |8@1+ (1,0) [0|0] \"\" A"_s, u"Line 2: Signal bit position expected"_s},
+        {u"BO_ 1 M: 8 A\n SG_ S : 0|8@1 (1,0)"_s, u"Line 2: '+' expected (signal sign)"_s},
+        {u"BA_ \"X\" 5\nBA_ \"Y\" 6;"_s, u"Line 2: ';' expected (attribute value)"_s},
+        {u"BA_DEF_ \"X\" NUMBER 1 2;"_s, u"Line 1: Unknown attribute type"_s},
+        {u"VERSION \"open"_s, u"Line 1: Text without end"_s},
+        {u"EV_ without end"_s, u"Line 1: ';' expected (statement)"_s},
+        {u"; BO_"_s, u"Line 1: Keyword expected"_s},
+    };
+    for (const Case &c : cases) {
+        DbcReader reader;
+        EXPECT_FALSE(reader.read(c.source));
+        EXPECT_EQ(reader.errorText(), c.error);
+    }
+    // Any part of a file is read or refused, and never more.
+    for (const QString &path : goldenFiles().mid(0, 1)) {
+        const QString whole = QString::fromUtf8(TestSupport::readFile(path));
+        for (qsizetype size = 0; size < whole.size(); ++size)
+            DbcReader().read(whole.first(size));
+    }
+}
+
+namespace {
+
+/// In the files at hand each frame and signal begins a line.
+void expectAllFrames(const CANdb::Database &database, const QString &source)
+{
+    static const QRegularExpression frame(u"^BO_ "_s, QRegularExpression::MultilineOption);
+    static const QRegularExpression signal(u"^ *SG_ "_s, QRegularExpression::MultilineOption);
+    qsizetype signalCount = 0;
+    for (const CANdb::Message &message : database.messages)
+        signalCount += message.signalList.size();
+    EXPECT_EQ(database.messages.size(), source.count(frame));
+    EXPECT_EQ(signalCount, source.count(signal));
+    EXPECT_GT(signalCount, 0);
+}
+
+} // namespace
+
+TEST(DbcReader, RealFilesComeOutAsTheyCameIn)
+{
+    const QStringList files = corpusFiles();
+    if (files.isEmpty())
+        GTEST_SKIP() << "the folder of real device files is missing (NCX_CORPUS)";
+    const QTemporaryDir folder;
+    for (const QString &file : files + goldenFiles()) {
+        SCOPED_TRACE(file.toStdString());
+        CANdbDBC first;
+        ASSERT_TRUE(first.readFile(file)) << qPrintable(first.errorText());
+        expectAllFrames(first.database(), QString::fromLatin1(TestSupport::readFile(file)));
+        ASSERT_TRUE(first.writeFile(folder.filePath(u"copy.dbc"_s))) << qPrintable(first.errorText());
+        CANdbDBC second;
+        ASSERT_TRUE(second.readFile(folder.filePath(u"copy.dbc"_s))) << qPrintable(second.errorText());
+        EXPECT_TRUE(first.database() == second.database());
+    }
+}
+
+namespace {
+
+/// What a reader finds of a frame, in one line.
+QStringList rowsOf(const CANdb::Database &database)
+{
+    QStringList rows;
+    for (const CANdb::Message &message : database.messages) {
+        QString row = u"%1 %2 %3"_s.arg(QString::number(message.id), message.name, QString::number(message.length));
+        for (const CANdb::Attribute &attribute : message.attributes) {
+            if (attribute.name == "GenMsgCycleTime"_L1)
+                row += u" every "_s + attribute.value;
+        }
+        for (const CANdb::Signal &signal : message.signalList)
+            row += u" | %1 %2 %3 %4"_s.arg(signal.name, QString::number(signal.startBit), QString::number(signal.size),
+                                           signal.isSigned ? u"signed"_s : u"unsigned"_s);
+        rows.append(row);
+    }
+    rows.sort();
+    return rows;
+}
+
+} // namespace
+
+TEST(Dbc, AnIndependentReaderFindsTheSame)
+{
+    const TestSupport::NodePackage reader(u"dbc_reader"_s);
+    if (!reader.isInstalled())
+        GTEST_SKIP() << reader.reason().toStdString();
+    const QStringList files = goldenFiles();
+    ASSERT_FALSE(files.isEmpty());
+    const auto result = reader.run(QDir::tempPath(), files);
+    ASSERT_EQ(result.exitCode, 0) << qPrintable(result.errors);
+    const QStringList answers = result.output.split(u'\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(answers.size(), files.size());
+    for (const QString &line : answers) {
+        const QJsonObject answer = QJsonDocument::fromJson(line.toUtf8()).object();
+        const QString file = answer.value("file"_L1).toString();
+        SCOPED_TRACE(file.toStdString());
+        EXPECT_EQ(QJsonDocument(answer.value("errors"_L1).toArray()).toJson(QJsonDocument::Compact), "[]");
+        QStringList rows;
+        for (const QJsonValue &row : answer.value("rows"_L1).toArray())
+            rows.append(row.toString());
+        rows.sort();
+        CANdbDBC dbc;
+        ASSERT_TRUE(dbc.readFile(file)) << qPrintable(dbc.errorText());
+        EXPECT_EQ(rows, rowsOf(dbc.database()));
+    }
+}

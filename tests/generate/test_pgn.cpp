@@ -1,0 +1,487 @@
+#include "generate/codewriter.h"
+#include "generate/dialect.h"
+#include "generate/j1939/pgngenerator.h"
+#include "generate/j1939/pgntables.h"
+#include "generate/stack/externdeclgenerator.h"
+#include "generate/stack/multiprogenerator.h"
+#include "generatedc.h"
+#include "nodedict/cohelper.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+using namespace Qt::StringLiterals;
+using namespace TestSupport;
+
+namespace {
+
+constexpr quint8 tx = ObjectDataBase::transmit;
+constexpr quint8 rx = ObjectDataBase::receive;
+
+PgnTables collected(const ProjectBuilder &project, const Dialect &dialect = Dialect::v4(), bool multiLine = false)
+{
+    return PgnTables::collect(*project.store(), dialect, multiLine, PgnTables::Scope::AllMessages);
+}
+
+TEST(PgnTables, PlaceSignalsByTheirType)
+{
+    struct Case
+    {
+        quint32 dataType;
+        quint16 bitSize;
+        quint32 bits;
+        QString type;
+        QString pointer; ///< of a managed signal with the default 0x12
+        QString value;
+    };
+    const QList<Case> cases{
+        {1, 8, 1, u"B"_s, u"&mv_u8[0]"_s, u"18"_s},
+        {2, 8, 8, u"I8"_s, u"&mv_i8[0]"_s, u"18"_s},
+        {6, 3, 16, u"U16"_s, u"&mv_u16[0]"_s, u"18"_s},
+        {8, 0, 32, u"R32"_s, u"NULL"_s, {}},
+        {10, 40, 40, u"NON_NUMERIC"_s, u"NULL"_s, {}},
+        {15, 16, 16, u"NON_NUMERIC"_s, u"NULL"_s, {}},
+        {22, 0, 24, u"U24"_s, u"&mv_u32[0]"_s, u"18"_s},
+        {27, 0, 64, u"U64"_s, u"&mv_u64[0]"_s, u"U64_SET(0x00,0x00,0x00,0x00,0x00,0x00,0x00,0x12)"_s},
+        {102, 0, 4, u"U4"_s, u"&mv_u8[0]"_s, u"18"_s},
+        {109, 0, 12, u"U12"_s, u"&mv_u16[0]"_s, u"18"_s},
+        {120, 24, 24, u"STRING_NULL"_s, u"NULL"_s, {}},
+        {121, 48, 48, u"STRING_ASTERIKS"_s, u"NULL"_s, {}},
+    };
+    for (const Case &row : cases) {
+        ProjectBuilder project;
+        project.line(0, 4).canId(0x123, rx, u"Any"_s).element(1, u"Signal"_s, [&row](auto &signal) {
+            signal.datatype = row.dataType;
+            signal.bitsize = row.bitSize;
+            signal.implementation = 0;
+            signal.defaultvalue = u"0x12"_s;
+        });
+        const PgnTables tables = collected(project);
+        const PgnTables::Signal &signal = tables.lines.first().receivedCanIds.first().items.first();
+        EXPECT_EQ(signal.bits, row.bits) << row.dataType;
+        EXPECT_EQ(signal.type, row.type) << row.dataType;
+        EXPECT_EQ(signal.pointer, row.pointer) << row.dataType;
+        EXPECT_EQ(tables.arrays.isEmpty() ? QString() : tables.arrays.first().elements.first().value, row.value);
+    }
+}
+
+TEST(PgnTables, CutValuesToTheirType)
+{
+    ProjectBuilder project;
+    project.line(0, 2).pgn(256, tx, u"Any"_s);
+    const QList<std::pair<quint32, QString>> values{
+        {5, u"0x1ff"_s}, {2, u"-1"_s}, {4, u"-2147483648"_s}, {7, u"4294967295"_s}, {3, u"oops"_s}};
+    for (qsizetype i = 0; i < values.size(); ++i)
+        project.spn(static_cast<quint32>(i), u"S"_s, [&](auto &signal) {
+            signal.datatype = values.at(i).first;
+            signal.defaultvalue = values.at(i).second;
+            signal.implementation = 0;
+        });
+    QStringList firsts;
+    for (const PgnTables::ManagedArray &array : collected(project).arrays)
+        firsts.append(array.name + u' ' + array.elements.first().value);
+    EXPECT_EQ(firsts, (QStringList{u"mv_u8 255"_s, u"mv_i8 -1"_s, u"mv_u16 0"_s, u"mv_i16 0"_s, u"mv_u32 4294967295"_s,
+                                   u"mv_i32 -2147483648"_s}));
+}
+
+TEST(PgnTables, ClaimTheAddressWithoutTouchingTheProject)
+{
+    ProjectBuilder project;
+    project.line(0, 2).j1939(u"identitynumber"_s, u"1,0x123456"_s).j1939(u"startaddress"_s, u"128,129"_s);
+    project.j1939(u"manufacturercode"_s, u"346"_s).j1939(u"addresscapable"_s, u"1"_s).line(1, 2);
+    const PgnTables v4 = collected(project, Dialect::v4(), true);
+    const PgnTables::Line &line = v4.lines.last();
+    EXPECT_EQ(line.sourceAddress, 129);
+    QStringList fields;
+    quint32 end = 0;
+    for (qsizetype i = 0; i < line.nameFields.size(); ++i) {
+        const PgnTables::Signal &signal = line.addressClaim.items.at(i);
+        fields.append(u"%1@%2+%3=%4"_s.arg(signal.number)
+                          .arg(signal.bitPosition)
+                          .arg(signal.bits)
+                          .arg(line.nameFields.at(i).value));
+        end = signal.bitPosition + signal.bits;
+    }
+    EXPECT_EQ(fields,
+              (QStringList{u"2837@0+21=1193046"_s, u"2838@21+11=346"_s, u"2840@32+3=0"_s, u"2839@35+5=0"_s,
+                           u"2841@40+8=0"_s, u"2842@49+7=0"_s, u"2843@56+4=0"_s, u"2846@60+3=0"_s, u"2844@63+1=1"_s}));
+    EXPECT_EQ(end, 64U);
+    EXPECT_EQ(line.addressClaim.mapping, u"l1_tx_mapping_60928");
+    EXPECT_EQ(collected(project, Dialect::classic(), true).lines.last().addressClaim.items.size(), 10);
+    EXPECT_TRUE(project.store()->getPGNList(0, 0).isEmpty());
+}
+
+TEST(PgnTables, LeaveSafetyGroupsToTheirOwnModule)
+{
+    ProjectBuilder project;
+    project.line(0, 2).pgn(256, tx, u"Safe"_s, [](auto &pgn) { pgn.issafe = true; }).pgn(512, tx, u"Any"_s);
+    EXPECT_EQ(collected(project).lines.first().transmittedPgns.size(), 2);
+    project.j1939(u"safetysupport"_s, u"1"_s);
+    EXPECT_EQ(collected(project).lines.first().transmittedPgns.size(), 1);
+}
+
+TEST(PgnTables, GiveACanIdWithTheNumberOfAGroupItsOwnTables)
+{
+    ProjectBuilder project;
+    project.line(0, 7).pgn(256, tx, u"Group"_s).canId(256, tx, u"Frame"_s).canId(256, rx, u"Frame"_s);
+    const PgnTables::Line line = collected(project).lines.first();
+    EXPECT_EQ(line.transmittedPgns.first().mapping, u"tx_mapping_256");
+    EXPECT_EQ(line.transmittedCanIds.first().mapping, u"tx_mapping_256_canid");
+    EXPECT_EQ(line.receivedCanIds.first().mapping, u"rx_mapping_256");
+}
+
+// ---- What the stack reads ------------------------------------------------------------------------------------------
+
+constexpr std::array dataTypes{1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 22U, 27U, 100U, 105U, 109U, 118U, 121U, 10U, 15U};
+
+/// Makes a signal of any type and kind, with a variable of that name where it has one.
+auto randomSignal(std::mt19937 &random, const QString &variable)
+{
+    return [&random, variable](StoreRecords::SPN &signal) {
+        signal.datatype = dataTypes.at(random() % dataTypes.size());
+        signal.bitposition = static_cast<quint16>(random());
+        signal.bitsize = static_cast<quint16>(8 * (1 + random() % 40));
+        signal.defaultvalue = QString::number(random() % 2);
+        signal.implementation = static_cast<quint8>(random() % 4);
+        if (signal.implementation == 2)
+            signal.varname = variable;
+    };
+}
+
+quint8 randomDirection(std::mt19937 &random)
+{
+    return random() % 2 == 0 ? tx : rx;
+}
+
+/// Groups with signals of all types and kinds, on the builder's line.
+void addRandomGroups(ProjectBuilder &project, std::mt19937 &random, quint8 line, quint32 count)
+{
+    for (quint32 i = 0; i < count; ++i) {
+        project.pgn(256U * i + line, randomDirection(random), u"Group */ %1"_s.arg(i), [&](auto &pgn) {
+            pgn.cycletime_ms = static_cast<quint16>(random());
+            pgn.inhibittime_ms = static_cast<quint16>(random());
+            pgn.priority = static_cast<quint8>(random() % 8);
+            pgn.FD_TrailerFormat = static_cast<quint8>(random() % 6);
+            pgn.FD_AssuranceType = static_cast<quint8>(random() % 4);
+            pgn.FD_AssuranceDataSize = static_cast<quint8>(random());
+        });
+        const auto signalCount = static_cast<quint32>(random() % 6);
+        for (quint32 spn = 0; spn < signalCount; ++spn)
+            project.spn(1000U * i + spn, u"Signal"_s, randomSignal(random, u"v_%1_%2_%3"_s.arg(line).arg(i).arg(spn)));
+    }
+}
+
+void addRandomCanIds(ProjectBuilder &project, std::mt19937 &random, quint8 line, quint32 count)
+{
+    for (quint32 i = 0; i < count; ++i) {
+        // Some have the number of a group of the line.
+        const quint32 id = i % 3 == 0 ? 256U * i + line : 0x80000000U | static_cast<quint32>(random() % 0x20000000U);
+        project.canId(id, randomDirection(random), u"Frame %1"_s.arg(i), [&](auto &canId) {
+            canId.cycletime_ms = static_cast<quint16>(random());
+            canId.inhibittime_ms = static_cast<quint16>(random());
+        });
+        const auto signalCount = static_cast<quint32>(random() % 5);
+        for (quint32 number = 1; number <= signalCount; ++number)
+            project.element(number, u"Signal"_s,
+                            randomSignal(random, u"v_can_%1_%2_%3"_s.arg(line).arg(i).arg(number)));
+    }
+}
+
+struct Form
+{
+    QList<int> lineTypes;
+    bool v4;
+    bool fd = false;
+    bool safety = false;
+    bool dynamic = false;
+    bool initialised = true;
+
+    bool multiLine() const { return lineTypes.size() > 1; }
+    bool has(const QList<int> &types) const
+    {
+        return std::ranges::any_of(lineTypes, [&types](int type) { return types.contains(type); });
+    }
+    bool hasCanOpen() const { return has({1, 5, 6}); }
+    bool hasJ1939() const { return has({2, 5, 7}); }
+    bool hasRawCan() const { return has({4, 6, 7}); }
+    bool isMultiProtocol() const { return hasRawCan() || hasCanOpen(); }
+};
+
+/// What a walk over the stack's tables has to print for a signal, by the store alone.
+QString expectedSignal(const StoreRecords::SPN &signal, quint32 number, const Form &form)
+{
+    const bool text = signal.datatype == 121 || signal.datatype == 10 || signal.datatype == 15;
+    QString word = text ? u"NONE"_s : u"NUMERIC"_s;
+    if (form.v4)
+        word = signal.datatype == 121 ? u"STRING_ASTERIKS"_s
+               : text                 ? u"NON_NUMERIC"_s
+                                      : COHelper::index2DataTypeShortString(signal.datatype);
+    const bool managed = signal.implementation < 2 && !text && signal.datatype != 8;
+    // Without static values the variables of groups begin with 0.
+    const quint64 value = form.initialised ? signal.defaultvalue.toULongLong() : 0;
+    const QString digits = signal.datatype == 27 ? Code::hex(value, 16) : QString::number(value);
+    const QString target = managed ? u"managed "_s + digits : signal.implementation == 2 ? signal.varname : u"NULL"_s;
+    return u"  %1 at %2 bits %3 %4 %5"_s.arg(number)
+        .arg(signal.bitposition)
+        .arg(text ? signal.bitsize : COHelper::getDataLengthBits(signal.datatype))
+        .arg(word, target);
+}
+
+QStringList expectedGroup(ObjectDataBase &store, quint8 line, quint32 number, quint8 direction, const Form &form)
+{
+    ObjectDataBase::PGN pgn;
+    store.getPGN(line, number, direction, pgn);
+    const QList<quint32> spns = store.getSPNList(line, number, direction);
+    const int assurance = pgn.FD_TrailerFormat == 0 ? 3 : pgn.FD_AssuranceType;
+    const QString safety =
+        form.safety ? u"%1 %2 %3"_s.arg(pgn.FD_TrailerFormat).arg(assurance).arg(pgn.FD_AssuranceDataSize) : u"0 0 0"_s;
+    QStringList lines{
+        u"%1 %2 cycle %3 inhibit %4 priority %5 count %6 trailer %7"_s.arg(direction == tx ? "TX"_L1 : "RX"_L1)
+            .arg(number)
+            .arg(pgn.cycletime_ms)
+            .arg(pgn.inhibittime_ms)
+            .arg(pgn.priority)
+            .arg(spns.size())
+            .arg(safety)};
+    for (const quint32 spn : spns) {
+        ObjectDataBase::SPN signal;
+        store.getSPN(line, number, direction, spn, signal);
+        lines.append(expectedSignal(signal, spn, form));
+    }
+    return lines;
+}
+
+QStringList expectedFrame(ObjectDataBase &store, quint8 line, quint32 id, quint8 direction, const Form &form)
+{
+    ObjectDataBase::CANID canId;
+    store.getCANID(line, id, direction, canId);
+    const QList<quint32> elements = store.getDataElementList(line, id, direction);
+    const QString times = direction == tx ? u"cycle %1 inhibit %2"_s.arg(canId.cycletime_ms).arg(canId.inhibittime_ms)
+                                          : u"monitoring %1"_s.arg(canId.cycletime_ms);
+    QStringList lines{
+        u"%1 %2 %3 count %4"_s.arg(direction == tx ? "TXID"_L1 : "RXID"_L1).arg(id).arg(times).arg(elements.size())};
+    for (const quint32 number : elements) {
+        ObjectDataBase::DataElement element;
+        store.getDataElement(line, id, direction, number, element);
+        lines.append(expectedSignal(element, number, form));
+    }
+    return lines;
+}
+
+QStringList expectedWalk(ObjectDataBase &store, const Form &form)
+{
+    QStringList lines;
+    for (const quint8 line : store.getNodeList()) {
+        for (const quint8 direction : {rx, tx}) {
+            for (const quint32 number : store.getPGNList(line, direction))
+                lines += expectedGroup(store, line, number, direction, form);
+        }
+        for (const quint8 direction : {rx, tx}) {
+            for (const quint32 id : store.getCANIDList(line, direction))
+                lines += expectedFrame(store, line, id, direction, form);
+        }
+    }
+    return lines;
+}
+
+/// As much of gen_define.h as the messages need.
+QString defines(ObjectDataBase &store, const Form &form)
+{
+    qsizetype sent = 0;
+    qsizetype received = 0;
+    for (const quint8 line : store.getNodeList()) {
+        sent += store.getPGNList(line, tx).size();
+        received += store.getPGNList(line, rx).size();
+    }
+    QStringList lines{u"J1939_TRANSMIT_PGN_CNT %1u"_s.arg(sent),
+                      u"J1939_RECEIVE_PGN_CNT %1u"_s.arg(received),
+                      u"J1939_TRANSMIT_PGN_COUNTS %1u"_s.arg(sent),
+                      u"J1939_RECEIVE_PGN_COUNTS %1u"_s.arg(received),
+                      u"J1939_SSDO_COUNTS 0u"_s,
+                      u"J1939_CSDO_COUNTS 0u"_s,
+                      u"J1939_DEST_BUFFER_COUNTS 1u"_s,
+                      u"RAWCAN_RECEIVE_COUNTS 0u"_s,
+                      u"RAWCAN_TRANSMIT_COUNTS 0u"_s};
+    const QString core = form.v4 ? u"CORE_"_s : u"CO_"_s;
+    const QString can = form.v4 ? u"CAN_"_s : u"CO_"_s;
+    lines += {core + u"REC_BUFFER_COUNTS 10u"_s, core + u"TR_BUFFER_COUNTS 5u"_s, core + u"COB_COUNTS 8u"_s};
+    if (form.hasJ1939())
+        lines += u"J1939_SUPPORTED 1u"_s;
+    if (form.hasRawCan())
+        lines += u"RAWCAN_SUPPORTED 1u"_s;
+    if (form.v4)
+        lines += {u"J1939_RECEIVE_PGN_CFG_CNT %1u"_s.arg(received), u"J1939_RECEIVE_PGN_CFG_COUNTS 1u"_s};
+    if (form.multiLine())
+        lines += {can + u"MULTI_LINE 1u"_s, can + u"MULTI_LINE_CNT %1u"_s.arg(form.lineTypes.size())};
+    if (form.fd)
+        lines += core + u"CANFD_SUPPORTED 1u"_s;
+    if (form.safety)
+        lines += {u"J1939_SDG_SUPPORTED 1u"_s, u"J1939_SDG_TRANS_COUNTS 0u"_s, u"J1939_SDG_REC_COUNTS 0u"_s};
+    if (form.dynamic)
+        lines += u"J1939_DYNAMIC_PGN 1u"_s;
+    return "#define "_L1 + lines.join("\n#define "_L1) + u'\n';
+}
+
+ProjectBuilder randomProject(const Form &form)
+{
+    std::mt19937 random(1939);
+    ProjectBuilder project;
+    for (quint8 line = 0; line < form.lineTypes.size(); ++line) {
+        const int type = form.lineTypes.at(line);
+        project.line(line, type);
+        if (type == 2 || type == 7)
+            addRandomGroups(project, random, line, line == 0 ? 12 : 8);
+        if (type == 4 || type == 7)
+            addRandomCanIds(project, random, line, 9);
+    }
+    const auto flag = [](bool on) { return on ? u"1"_s : u"0"_s; };
+    project.general(u"new_init_structure"_s, u"1"_s).general(u"canfd_supported"_s, flag(form.fd));
+    project.general(u"init_static_variables"_s, flag(form.initialised)).j1939(u"identitynumber"_s, u"4711"_s);
+    project.j1939(u"safetysupport"_s, flag(form.safety)).j1939(u"dynsupport"_s, flag(form.dynamic));
+    project.j1939(u"startaddress"_s, u"128"_s);
+    return project;
+}
+
+void generateAll(const GeneratedC &folder, const ProjectBuilder &project, const Form &form)
+{
+    const MultiProtocols protocols{.canOpen = form.hasCanOpen(), .j1939 = form.hasJ1939(), .rawCan = form.hasRawCan()};
+    std::unique_ptr<AbstractGenerator> messages;
+    std::unique_ptr<AbstractGenerator> variables;
+    if (form.v4) {
+        variables = std::make_unique<ExtDeclGeneratorV4>();
+        messages = std::make_unique<PGNGeneratorV4>();
+        if (form.isMultiProtocol())
+            messages = std::make_unique<MultiProGeneratorV4>(protocols, false);
+    } else {
+        variables = std::make_unique<ExtDeclGenerator>();
+        messages = std::make_unique<PGNGenerator>();
+        if (form.isMultiProtocol())
+            messages = std::make_unique<MultiProGenerator>(protocols, false);
+    }
+    folder.generate(*messages, project, form.multiLine());
+    folder.generate(*variables, project, form.multiLine());
+    folder.add(u"gen_define.h"_s, defines(*project.store(), form));
+    QStringList symbols;
+    for (const QString &row : expectedWalk(*project.store(), form)) {
+        if (const QString name = row.section(u' ', -1); name.startsWith("v_"_L1))
+            symbols.append(u"SYMBOL(%1)\n"_s.arg(name));
+    }
+    folder.add(u"symbols.h"_s, symbols.join(QString()));
+}
+
+class MessageWalk : public testing::TestWithParam<Form>
+{
+};
+
+TEST_P(MessageWalk, FindsWhatTheStoreHolds)
+{
+    const Form &form = GetParam();
+    const ProjectBuilder project = randomProject(form);
+    const GeneratedC folder;
+    generateAll(folder, project, form);
+    const bool rawCanOnly = form.isMultiProtocol() && !form.hasJ1939();
+    const QString source = !form.isMultiProtocol() ? u"gen_pgn.c"_s : rawCanOnly ? u"gen_rawcan.c"_s : u"gen_mp.c"_s;
+    QStringList options{u"-DNJX_USE_GENERATED_VARIABLES"_s};
+    if (form.isMultiProtocol())
+        options.append(rawCanOnly ? u"-DWALK_RAWCAN"_s : u"-DWALK_MP"_s);
+    const ProcessResult build = folder.build({source, u"gen_var_decl.c"_s, u"pgn_walker.c"_s}, options);
+    ASSERT_EQ(build.exitCode, 0) << qPrintable(build.errors);
+    const ProcessResult walk = folder.run();
+    EXPECT_EQ(walk.exitCode, 0);
+
+    QStringList names;
+    QStringList found;
+    bool inName = false;
+    for (const QString &row : walk.output.split(u'\n', Qt::SkipEmptyParts)) {
+        if (!row.startsWith(u' '))
+            inName = row.startsWith("NAME"_L1);
+        if (inName)
+            names.append(row);
+        else if (row.startsWith("TX"_L1) || row.startsWith("RX"_L1) || row.startsWith(u' '))
+            found.append(row);
+    }
+    EXPECT_EQ(found, expectedWalk(*project.store(), form));
+    if (!form.hasJ1939())
+        return;
+    const qsizetype fieldCount = form.v4 ? 9 : 10;
+    const auto j1939Lines = std::ranges::count_if(form.lineTypes, [](int type) { return type == 2 || type == 7; });
+    ASSERT_EQ(names.size(), j1939Lines * (fieldCount + 1));
+    EXPECT_EQ(names.first(), u"NAME 60928 cycle 0 inhibit 250 priority 6 count %1 trailer 0 3 0"_s.arg(fieldCount));
+    EXPECT_TRUE(names.at(1).endsWith(" managed 4711"_L1)) << qPrintable(names.at(1));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Forms, MessageWalk,
+    testing::Values(
+        Form{.lineTypes = {2}, .v4 = true},
+        Form{.lineTypes = {2, 2}, .v4 = true, .fd = true, .safety = true, .initialised = false},
+        Form{.lineTypes = {2}, .v4 = true, .fd = true, .safety = true, .dynamic = true, .initialised = false},
+        Form{.lineTypes = {2}, .v4 = false, .dynamic = true},
+        Form{.lineTypes = {2, 2}, .v4 = false, .fd = true, .safety = true, .initialised = false},
+        Form{.lineTypes = {7}, .v4 = true}, Form{.lineTypes = {7}, .v4 = false, .initialised = false},
+        Form{.lineTypes = {2, 4, 7}, .v4 = true, .fd = true, .initialised = false},
+        Form{.lineTypes = {7, 2}, .v4 = false}, Form{.lineTypes = {4}, .v4 = true, .fd = true},
+        Form{.lineTypes = {4, 4}, .v4 = false}));
+
+TEST(PgnGenerator, WritesTheFormerServiceValues)
+{
+    ProjectBuilder project;
+    project.line(0, 2);
+    const GeneratedC folder;
+    PGNGenerator generator;
+    folder.generate(generator, project);
+    const QString text = folder.text(u"gen_pgn.c"_s);
+    EXPECT_TRUE(text.contains(u"const J1939_SERVICE_INIT_VAL_T\tserviceInitVars = {\n\t3u,\n"_s)) << qPrintable(text);
+    EXPECT_TRUE(text.contains(u"\t0, \n\tJ1939_TRANSMIT_PGN_CNT,\n\t0, \n\tJ1939_RECEIVE_PGN_CNT,\n"_s));
+    EXPECT_FALSE(text.contains(u"jPgnReceiveConfig"_s));
+    EXPECT_TRUE(text.contains(u"\tmv_u16[0] = 0;\n"_s));
+}
+
+TEST(ExternDeclarations, TellEachVariableOnce)
+{
+    ProjectBuilder project;
+    const auto named = [](const QString &name, quint32 type = 5, quint16 bits = 8) {
+        return [=](StoreRecords::SPN &signal) {
+            signal.varname = name;
+            signal.datatype = type;
+            signal.bitsize = bits;
+        };
+    };
+    project.line(0, 2).pgn(256, tx, u"A"_s);
+    project.spn(1, u"S"_s, named(u"speed"_s, 6))
+        .spn(2, u"S"_s, named(u"tank.level[2]"_s))
+        .spn(3, u"S"_s, named(u"get(1)"_s));
+    project.spn(4, u"S"_s, named(u"name"_s, 121, 20)).spn(5, u"S"_s, named(u"text"_s, 9, 0));
+    project.spn(6, u"S"_s, [](auto &signal) {
+        signal.varname = u"managed"_s;
+        signal.implementation = 0;
+    });
+    project.line(1, 4).canId(0x80000123, rx, u"B"_s);
+    project.element(1, u"E"_s, named(u"speed"_s, 6)).element(2, u"E"_s, named(u"tank.temperature"_s, 3));
+    project.element(3, u"E"_s, named(u"row[0x10].on"_s, 100));
+    project.line(2, 1);
+
+    const GeneratedC folder;
+    ExtDeclGeneratorV4 generator;
+    folder.generate(generator, project, true);
+    const QString declarations = folder.text(u"gen_extern_decl.h"_s).section(u"/* external variables */"_s, 1);
+    EXPECT_EQ(declarations, u"\n\n/* line 0*/\n/* PGN 0x100*/\n"
+                            "extern UNSIGNED16\tspeed;\t/* SPN1 */\n"
+                            "struct tank_s {\n\tUNSIGNED8\tlevel[3];\n\tINTEGER16\ttemperature;\n};\n"
+                            "extern struct tank_s\ttank;\t/* SPN2 */\n"
+                            "extern char\tname[3];\t/* SPN4 */\n"
+                            "extern char\ttext[];\t/* SPN5 */\n"
+                            "\n/* line 1: (variables that exist in multiple lines are only declared once)*/\n"
+                            "/* CAN-ID 0x80000123*/\n"
+                            "struct row_s {\n\tUNSIGNED8\ton;\n};\n"
+                            "extern struct row_s\trow[17];\t/* SPN3 */\n"
+                            "\n/* line 2: (variables that exist in multiple lines are only declared once)*/\n"
+                            "\n#endif /* GEN_EXTERN_DECL_H */\n"_s);
+    const QString definitions = folder.text(u"gen_var_decl.c"_s).section(u"NJX_USE_GENERATED_VARIABLES\n"_s, 1, 1);
+    EXPECT_FALSE(definitions.contains(u"extern"_s));
+    EXPECT_TRUE(definitions.contains(u"\nchar\ttext[8];\t/* SPN5 */\n"_s)) << qPrintable(definitions);
+}
+
+} // namespace
