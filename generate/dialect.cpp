@@ -48,10 +48,9 @@ const Dialect &Dialect::v4()
         .dataTypeHeader = u"core_datatype.h"_s,
         .safetyBuffer = u"pData"_s,
         .parameterError = u"RET_PARAMETER_INVALID"_s,
-        .points = {Point::SplitTypeColumns, Point::MappedTypeColumn, Point::CoreDatatypeHeader,
-                   Point::UdsIndicationHeader, Point::CoreCommonInit, Point::LinePrototypesOnly, Point::LoadIndication,
-                   Point::PointerTables, Point::ReceiveConfigs, Point::SafetySenders, Point::BootloaderBuffers,
-                   Point::UdsIndications},
+        .points = {Point::SplitTypeColumns, Point::MappedTypeColumn, Point::UdsIndicationHeader, Point::CoreCommonInit,
+                   Point::LinePrototypesOnly, Point::LoadIndication, Point::PointerTables, Point::ReceiveConfigs,
+                   Point::SafetySenders, Point::BootloaderBuffers, Point::UdsIndications},
     };
     return dialect;
 }

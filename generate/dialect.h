@@ -13,7 +13,6 @@ enum class Point
 {
     SplitTypeColumns,    ///< a description row has its data type and its specifier in columns of their own
     MappedTypeColumn,    ///< a mapping row tells the data type, not whether it is a number
-    CoreDatatypeHeader,  ///< the data types come from the core's header alone
     UdsIndicationHeader, ///< static UDS indications have a header
     VirtualGuards,       ///< gen_vobjdict.c has guards for the memory specifier and storage classes
     CoreCommonInit,      ///< the common initialisation structure has a heading, and a comma behind its last ISO-TP row

@@ -1,9 +1,10 @@
 #include "generate/docs/busmessages.h"
 
-#include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 #include "texttools/helper.h"
+
+#include <QHash>
 
 #include <array>
 
@@ -11,75 +12,70 @@ namespace {
 
 constexpr std::array directions{ObjectDataBase::transmit, ObjectDataBase::receive};
 
-/// Takes what PGN and CAN-ID have alike.
-template <typename Record>
-BusMessage messageOf(const Record &record, quint32 number, quint8 line)
+/// A message is its number in one direction.
+constexpr quint64 keyOf(quint32 number, quint8 direction)
 {
-    return {.number = number,
-            .direction = record.direction,
-            .name = Helper::substituteVariables(record.name, number, 0, line),
-            .description = Helper::substituteVariables(record.desc, number, 0, line),
-            .cycleTimeMs = record.cycletime_ms,
-            .inhibitTimeMs = record.inhibittime_ms};
+    return quint64{number} << 8 | direction;
 }
 
-StoreRecords::SPN withTextsFilled(StoreRecords::SPN signal, quint32 message, quint8 line)
+quint32 numberOf(const StoreRecords::PGN &record)
 {
-    signal.name = Helper::substituteVariables(signal.name, message, signal.spnnumber, line);
-    signal.desc = Helper::substituteVariables(signal.desc, message, signal.spnnumber, line);
-    return signal;
+    return record.number;
+}
+
+quint32 numberOf(const StoreRecords::CANID &record)
+{
+    return record.id;
+}
+
+using SignalsByMessage = QHash<quint64, QList<StoreRecords::SPN>>;
+
+/// The signals of a line by their messages, in the order that they come in.
+SignalsByMessage byMessage(const QList<StoreRecords::SPN> &signalList, quint8 line)
+{
+    SignalsByMessage result;
+    for (StoreRecords::SPN signal : signalList) {
+        signal.name = Helper::substituteVariables(signal.name, signal.pgnnumber, signal.spnnumber, line);
+        signal.desc = Helper::substituteVariables(signal.desc, signal.pgnnumber, signal.spnnumber, line);
+        result[keyOf(signal.pgnnumber, signal.direction)].append(signal);
+    }
+    return result;
+}
+
+template <typename Record>
+QList<BusMessage> messagesOf(const QList<Record> &records, const SignalsByMessage &signalsByMessage, quint8 line)
+{
+    QList<BusMessage> messages;
+    for (const quint8 direction : directions) {
+        for (const Record &record : records) {
+            if (record.direction != direction)
+                continue;
+            const quint32 number = numberOf(record);
+            BusMessage &message = messages.emplaceBack();
+            message = {.number = number,
+                       .direction = direction,
+                       .name = Helper::substituteVariables(record.name, number, 0, line),
+                       .description = Helper::substituteVariables(record.desc, number, 0, line),
+                       .cycleTimeMs = record.cycletime_ms,
+                       .inhibitTimeMs = record.inhibittime_ms,
+                       .signalList = signalsByMessage.value(keyOf(number, direction))};
+            if constexpr (std::is_same_v<Record, StoreRecords::PGN>)
+                message.priority = record.priority;
+        }
+    }
+    return messages;
 }
 
 } // namespace
 
 QList<BusMessage> BusMessage::pgns(ObjectDataBase &store, quint8 line)
 {
-    QList<BusMessage> messages;
-    store.cacheSPNs(line);
-    for (const quint8 direction : directions) {
-        const QList<quint32> numbers = store.getPGNList(line, direction);
-        for (const quint32 number : numbers) {
-            StoreRecords::PGN record;
-            if (!store.getPGN(line, number, direction, record))
-                continue;
-            record.direction = direction;
-            BusMessage message = messageOf(record, number, line);
-            message.priority = record.priority;
-            const QList<quint32> spns = store.getSPNList(line, number, direction);
-            for (const quint32 spn : spns) {
-                StoreRecords::SPN signal;
-                if (!store.getSPN(line, number, direction, spn, signal))
-                    continue;
-                signal.spnnumber = spn;
-                message.signalList.append(withTextsFilled(signal, number, line));
-            }
-            messages.append(message);
-        }
-    }
-    store.clearSPNCache();
-    return messages;
+    return messagesOf(store.getAllPGNs(line), byMessage(store.getAllSPNs(line), line), line);
 }
 
 QList<BusMessage> BusMessage::canIds(ObjectDataBase &store, quint8 line)
 {
-    QHash<quint64, QList<StoreRecords::DataElement>> elements;
-    const auto key = [](quint32 id, quint8 direction) { return quint64{id} << 8 | direction; };
-    for (const StoreRecords::DataElement &element : store.getDataElements(line))
-        elements[key(element.pgnnumber, element.direction)].append(withTextsFilled(element, element.pgnnumber, line));
-
-    QList<BusMessage> messages;
-    for (const quint8 direction : directions) {
-        const QList<quint32> ids = store.getCANIDList(line, direction);
-        for (const quint32 id : ids) {
-            StoreRecords::CANID record;
-            if (!store.getCANID(line, id, direction, record))
-                continue;
-            BusMessage message = messageOf(record, id, line);
-            message.signalList = elements.value(key(id, direction));
-            messages.append(message);
-        }
-    }
-    return messages;
+    return messagesOf(store.getAllCANIDs(line), byMessage(store.getAllDataElements(line), line), line);
 }
 
 quint32 BusMessage::bitsOf(const StoreRecords::SPN &signal)

@@ -194,11 +194,11 @@ constexpr std::array queueBlocks{
 constexpr char server[] = "udsserver_supported";
 constexpr char client[] = "udsclient_supported";
 
-/// UDS runs over ISO-TP (ISO 14229-3), whether or not the application has connections of its own.
+/// A UDS server runs over ISO-TP (ISO 14229-3), whether or not the application has connections of its own. The common
+/// initialisation structure of the stack has its ISO-TP counts on the same condition.
 bool usesIsoTp(const DefineModel &model)
 {
-    return model.number(u"isotp_supported"_s) == 1 || model.isSet(QLatin1StringView(server)) ||
-           model.isSet(QLatin1StringView(client));
+    return model.number(u"isotp_supported"_s) == 1 || model.number(QLatin1StringView(server)) == 1;
 }
 
 QString isoTp(const DefineModel &model, Key /*key*/)
@@ -219,8 +219,8 @@ QString authentication(const DefineModel &model, Key /*key*/)
 
 constexpr std::array isoTpMacros{
     Macro{"ISOTP_SUPPORTED"_L1, isoTp},
-    Macro{"ISOTP_CLIENT_CONNECTION_CNT"_L1, totalIfAny<&Counts::isoTpClients>},
-    Macro{"ISOTP_SERVER_CONNECTION_CNT"_L1, totalIfAny<&Counts::isoTpServers>},
+    Macro{"ISOTP_CLIENT_CONNECTION_CNT"_L1, withIsoTp<totalIfAny<&Counts::isoTpClients>>},
+    Macro{"ISOTP_SERVER_CONNECTION_CNT"_L1, withIsoTp<totalIfAny<&Counts::isoTpServers>>},
     Macro{"ISOTP_CLIENT_COUNTS"_L1, withIsoTp<perLine<&Counts::isoTpClients>>},
     Macro{"ISOTP_SERVER_COUNTS"_L1, withIsoTp<perLine<&Counts::isoTpServers>>},
     Macro{"ISOTP_EVENT_DYNAMIC_SERVER"_L1, withIsoTp<count>, "isotp_dyn_server_ind"_L1},

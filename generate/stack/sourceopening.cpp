@@ -13,12 +13,11 @@ using namespace Qt::StringLiterals;
 SourceOpening SourceOpening::of(ObjectDataBase &store, const QString &outputFolder)
 {
     const auto isSet = [&store](const QString &key) { return store.getGeneralSetting(key).toInt() == 1; };
-    const QString coreHeaders = store.getGeneralSetting(u"use_core_headers"_s);
     return {
         .stdlib = !QFile::exists(QDir(outputFolder).filePath(u"no_stdlib_include.txt"_s)),
         .uds = isSet(u"udsserver_supported"_s) || isSet(u"udsclient_supported"_s),
         .staticUdsIndications = isSet(u"uds_static_indication"_s),
-        .coreHeaders = !coreHeaders.isEmpty() && coreHeaders != "0"_L1,
+        .coreHeaders = store.getGeneralSetting(u"use_core_headers"_s).toInt() > 0,
         .applicationHeaders = store.getGeneralSetting(u"applicationheader"_s).trimmed().split(u' ', Qt::SkipEmptyParts),
     };
 }
@@ -46,15 +45,12 @@ void SourceSections::stackIncludes(CodeWriter &out, const SourceOpening &opening
     stdlibInclude(out, opening);
     out(u"#include <gen_define.h>");
     if (tables.options.serverMode) {
-        const bool core = dialect.has(Point::CoreDatatypeHeader) || opening.coreHeaders;
-        if (!dialect.has(Point::CoreDatatypeHeader))
-            out(u"#include <co_datatype.h>");
-        if (core)
-            out(u"#include <core_datatype.h>");
         out(uR"(
+            #include <${TYPES}>
             #include <co_odaccess.h>
             #include <j1939_cam11_cam21.h>
-            )");
+            )",
+            {{"TYPES", opening.coreHeaders ? Dialect::v4().dataTypeHeader : dialect.dataTypeHeader}});
         udsIncludes(out, opening, dialect);
         return;
     }

@@ -13,7 +13,7 @@ struct SourceOpening
     bool stdlib = true;                ///< no file no_stdlib_include.txt lies in the output folder
     bool uds = false;                  ///< the device is UDS server or client
     bool staticUdsIndications = false; ///< and its indications are bound at compile time
-    bool coreHeaders = false;          ///< the classic form takes the data types of the core
+    bool coreHeaders = false;          ///< the classic form, too, takes the data types of the core
     QStringList applicationHeaders;
 
     static SourceOpening of(ObjectDataBase &store, const QString &outputFolder);

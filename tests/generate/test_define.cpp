@@ -1,18 +1,13 @@
-#include "generate/dialect.h"
-#include "generate/stack/definegenerator.h"
+#include "generate/defineheader.h"
+#include "generate/generatormainhandler.h"
+#include "generate/outputhandlerbase.h"
 #include "generate/stack/projectprops.h"
 #include "generate/stack/usersection.h"
-#include "support/processrunner.h"
-#include "support/projectbuilder.h"
 #include "support/testhome.h"
 
-#include <gtest/gtest.h>
-
-#include <QCoreApplication>
 #include <QDir>
 #include <QDirIterator>
 #include <QRegularExpression>
-#include <QSet>
 
 using namespace Qt::StringLiterals;
 using namespace TestSupport;
@@ -21,249 +16,6 @@ namespace {
 
 constexpr quint8 tx = ObjectDataBase::transmit;
 constexpr quint8 rx = ObjectDataBase::receive;
-
-/// What the compiler has to say about a header that is compiled alone.
-QString compilerErrors(const QString &path)
-{
-    return ProcessRunner(u"/usr/bin/env"_s)
-        .arguments(
-            {u"cc"_s, u"-std=c99"_s, u"-Wall"_s, u"-Wextra"_s, u"-Werror"_s, u"-x"_s, u"c"_s, u"-fsyntax-only"_s, path})
-        .run()
-        .errors;
-}
-
-/// A generated gen_define.h; every one is compiled.
-class Header
-{
-public:
-    Header(const ProjectBuilder &project, SourceForm form, const QString &folder)
-    {
-        const RunContext run = RunContext::ofProject(project.store());
-        if (form == SourceForm::V4)
-            write<GenDefineGenerator>(run, folder);
-        else
-            write<CoDefineGenerator>(run, folder);
-    }
-
-    const QString &text() const { return text_; }
-    /// Text behind the name; "none" if the macro is not defined.
-    QString value(const QString &name) const { return values_.value(name, u"none"_s); }
-    QStringList names() const { return values_.keys(); }
-    QString userSection() const { return userSection_; }
-
-private:
-    template <typename Generator>
-    void write(const RunContext &run, const QString &folder)
-    {
-        Generator generator;
-        generator.setDatabase(run.store);
-        generator.setOutputFolder(folder);
-        generator.setBaseName(u"device"_s);
-        generator.setJ1939Mode(run.hasJ1939);
-        generator.setMultiProtocol(run.isMultiProtocol());
-        generator.startJob();
-        generator.waitForJob();
-        EXPECT_EQ(generator.errorText(), QString());
-        userSection_ = generator.userSection();
-        const QString path = folder + u"/gen_define.h"_s;
-        text_ = QString::fromUtf8(readFile(path));
-        static const QRegularExpression define(u"^#define (\\w+)[ \\t](.*)$"_s, QRegularExpression::MultilineOption);
-        for (auto match = define.globalMatch(text_); match.hasNext();) {
-            const auto found = match.next();
-            values_.insert(found.captured(1), found.captured(2));
-        }
-        EXPECT_EQ(compilerErrors(path), QString());
-    }
-
-    QString text_;
-    QMap<QString, QString> values_;
-    QString userSection_;
-};
-
-class Define : public testing::Test
-{
-protected:
-    Header v4(const ProjectBuilder &project) const { return {project, SourceForm::V4, folder_.path()}; }
-    Header classic(const ProjectBuilder &project) const { return {project, SourceForm::Classic, folder_.path()}; }
-    QString path() const { return folder_.filePath(u"gen_define.h"_s); }
-
-    QTemporaryDir folder_;
-};
-
-using Values = QMap<QString, QString>;
-
-void expectValues(const Header &header, const Values &expected)
-{
-    for (auto it = expected.begin(); it != expected.end(); ++it)
-        EXPECT_EQ(header.value(it.key()), it.value()) << qPrintable(it.key());
-}
-
-ProjectBuilder &objects(ProjectBuilder &project, const QList<quint16> &indices)
-{
-    for (const quint16 index : indices)
-        project.object(index, u"o"_s).sub(0, u"s"_s);
-    return project;
-}
-
-/// Subindices 0 to the last of the object that was named last.
-ProjectBuilder &subs(ProjectBuilder &project, quint8 last)
-{
-    for (quint8 sub = 0; sub <= last; ++sub)
-        project.sub(sub, u"s"_s);
-    return project;
-}
-
-auto withDefault(const QString &value, quint16 dataType = 7)
-{
-    return [value, dataType](StoreRecords::SubIndexData &sub) {
-        sub.defaultvalue = value;
-        sub.datatype = dataType;
-        sub.accesstype = u"rw"_s;
-    };
-}
-
-QStringList sorted(QStringList names)
-{
-    names.removeDuplicates();
-    names.sort();
-    return names;
-}
-
-QStringList listed(SourceForm form)
-{
-    const QString file = form == SourceForm::V4 ? u"macros_v4.txt"_s : u"macros_classic.txt"_s;
-    const QByteArray text = readFile(QStringLiteral(NCX_SOURCE_DIR "/tests/data/define/") + file);
-    return sorted(QString::fromUtf8(text).split(u'\n', Qt::SkipEmptyParts));
-}
-
-// ---- Names -------------------------------------------------------------------------------------------------------
-
-TEST_F(Define, KnowsTheMacrosOfTheStack)
-{
-    for (const SourceForm form : {SourceForm::V4, SourceForm::Classic})
-        EXPECT_EQ(sorted(DefineMacros::allNames(Dialect::of(form))), listed(form));
-}
-
-/// A project that has everything: all objects that count, and 1 for every setting that a macro is read from.
-void fill(ProjectBuilder &project)
-{
-    for (const auto &blocks :
-         {DefineMacros::canOpen(), DefineMacros::events(), DefineMacros::queues(), DefineMacros::j1939(),
-          DefineMacros::rawCan(), DefineMacros::diagnostics(), DefineMacros::hardware(), DefineMacros::application()}) {
-        for (const DefineMacros::Block &block : blocks) {
-            for (const DefineMacros::Macro &macro : block.macros) {
-                for (const QString &key : QString(macro.key).split(u' ', Qt::SkipEmptyParts))
-                    project.general(key, u"1"_s).j1939(key, u"1"_s);
-            }
-        }
-    }
-    for (const DefineMacros::TargetMacro &macro : DefineMacros::targets())
-        project.general(macro.key, u"1"_s);
-    for (const QString &key :
-         {u"usdo_server_enabled"_s, u"usdo_server_cnt"_s, u"usdo_client_cnt"_s, u"static_srdo_data"_s, u"user_tx_cob"_s,
-          u"isotp_client_con"_s, u"uds_client_cnt"_s, u"uds_static_indication"_s})
-        project.general(key, u"1"_s);
-    for (const QString &key :
-         {u"cia510serversupport"_s, u"diagsupport_dm1"_s, u"diagsupport_dmtool1"_s, u"j1939fd_multipgbuffer"_s})
-        project.j1939(key, u"1"_s);
-
-    for (const quint16 index : QList<quint16>{0x1003, 0x1005, 0x100C, 0x1010, 0x1012, 0x1014, 0x1016, 0x1028, 0x1032,
-                                              0x1280, 0x1300, 0x1301, 0x1F10, 0x1F2C, 0x1F80, 0x1F81})
-        subs(project.object(index, u"o"_s), 1);
-    project.object(0x1000, u"o"_s).sub(1, u"s"_s, withDefault(u"447"_s));
-    project.object(0x6000, u"o"_s).sub(1, u"s"_s, withDefault(u"7"_s));
-    subs(project.object(0x1400, u"o"_s), 5);
-    subs(project.object(0x1800, u"o"_s), 5);
-    for (const quint16 index : QList<quint16>{0x1600, 0x1A00}) {
-        project.object(index, u"o"_s).sub(0, u"s"_s, withDefault(index == 0x1600 ? u"254"_s : u"255"_s));
-        project.sub(1, u"s"_s);
-    }
-    const QList<quint16> types{5, 6, 7, 27, 2, 3, 4, 8, 22, 15, 10, 9, 124};
-    project.object(0x2000, u"o"_s);
-    for (quint8 sub = 0; sub < types.size(); ++sub)
-        project.sub(sub, u"s"_s, withDefault(u"0"_s, types.at(sub)));
-    project.object(0x1381, u"o"_s);
-    for (quint8 sub = 1; sub <= 8; ++sub)
-        project.sub(sub, u"s"_s, withDefault(u"0x20000008"_s.replace(6, 2, u"%1"_s.arg(sub - 1, 2, 16, '0'_L1))));
-    project.object(0x2001, u"o"_s);
-    for (quint8 sub = 0; sub < types.size(); ++sub) {
-        project.sub(sub, u"s"_s, [&](auto &data) {
-            data.datatype = types.at(sub);
-            data.implementation = 3;
-        });
-    }
-    project.store()->setUDSServiceAuthentication(0, 0x10, u"1"_s);
-}
-
-QStringList filledNames(Define &, SourceForm form, const QString &folder, const QList<int> &types,
-                        const std::function<void(ProjectBuilder &)> &change)
-{
-    ProjectBuilder project;
-    fill(project);
-    for (quint8 line = 0; line < types.size(); ++line)
-        project.line(line, types.at(line));
-    const quint8 last = static_cast<quint8>(types.size() - 1);
-    for (const quint8 direction : {tx, rx}) {
-        StoreRecords::PGN group{.number = 100, .inhibittime_ms = 5, .direction = direction, .multisourceaddress = true};
-        project.store()->addPGN(last, 100, group);
-        group.issafe = true;
-        project.store()->addPGN(last, 101, group);
-        project.canId(0x100, direction, u"id"_s);
-    }
-    change(project);
-    return Header(project, form, folder).names();
-}
-
-TEST_F(Define, WritesEachMacroInSomeProject)
-{
-    const QString application = QCoreApplication::applicationName();
-    for (const SourceForm form : {SourceForm::V4, SourceForm::Classic}) {
-        const auto names = [&](const QList<int> &types, const std::function<void(ProjectBuilder &)> &change) {
-            return filledNames(*this, form, folder_.path(), types, change);
-        };
-        QStringList written = names({1}, [](auto &project) { project.general(u"nmtmaster"_s, u"0"_s); });
-        written += names({1}, [](auto &project) {
-            project.object(0x1000, u"o"_s).sub(1, u"s"_s, withDefault(u"454"_s));
-            project.general(u"sleep_mode_selection"_s, u"2"_s);
-        });
-        written += names({1, 2}, [](auto & /*project*/) {});
-        written += names({2}, [](auto & /*project*/) {});
-        written += names({4}, [](auto &project) { project.general(u"uds_bl_setting"_s, u"0"_s); });
-        QCoreApplication::setApplicationName(u"EnergyBus NodeAssistant"_s);
-        written += names({1}, [](auto &project) {
-            int number = 0;
-            for (const QString &kind :
-                 {u"EnergyBus Controller"_s, u"Battery"_s, u"Display"_s, u"Voltage Converter"_s,
-                  u"Motor Controller Unit"_s, u"Load Monitoring Device"_s, u"Manufacturer specific device (passive)"_s,
-                  u"Manufacturer specific device (active)"_s, u"Security Device/Extension"_s}) {
-                ++number;
-                project.store()->setEnergyBusSetting(u"device_%1"_s.arg(number), u"d%1"_s.arg(number));
-                project.store()->setEnergyBusSetting(u"sec_d%1_kind"_s.arg(number), kind);
-            }
-            for (const QString &kind :
-                 {u"bat"_s, u"hmi"_s, u"lmd"_s, u"manua"_s, u"manup"_s, u"mcu"_s, u"sec"_s, u"vc"_s})
-                project.store()->setEnergyBusSetting(u"int_offset_%1"_s.arg(kind), u"1"_s);
-            project.store()->setEnergyBusSetting(u"ebc_tool_supported"_s, u"1"_s);
-        });
-        QCoreApplication::setApplicationName(application);
-
-        static const QRegularExpression lineCount(u"^CO_OBJECTS_LINE_0_CNT$"_s);
-        static const QRegularExpression profile(u"^CO_PROFILE_44[0-9]$"_s);
-        static const QRegularExpression group(u"^CO_P447_VDFG_7$"_s);
-        static const QRegularExpression message(u"_DM1_SUPPORTED$"_s);
-        written.replaceInStrings(lineCount, u"CO_OBJECTS_LINE_%1_CNT"_s)
-            .replaceInStrings(profile, u"CO_PROFILE_%1"_s)
-            .replaceInStrings(group, u"CO_P447_VDFG_%1"_s)
-            .replaceInStrings(message, u"_DM%1_SUPPORTED"_s);
-        const QStringList all = sorted(written);
-        QStringList missing;
-        for (const QString &name : listed(form)) {
-            if (!all.contains(name))
-                missing.append(name);
-        }
-        EXPECT_EQ(missing, QStringList());
-    }
-}
 
 // ---- Counts ------------------------------------------------------------------------------------------------------
 
@@ -614,6 +366,44 @@ TEST_F(Define, CountsGenerations)
     EXPECT_EQ(count(), u"1ul");
     project.general(u"generate_generation_counter"_s, u"0"_s);
     EXPECT_EQ(count(), u"none");
+}
+
+class Recorder : public OutputHandlerBase
+{
+public:
+    void message(const QVariant &value) override { messages.append(value.toString()); }
+    void forwardMessage(const QVariant & /*value*/) override {}
+    QString collectedText() const override { return {}; }
+
+    QStringList messages;
+};
+
+TEST_F(Define, TellsTheRunAboutTheUserSectionAndTheProps)
+{
+    ProjectBuilder project;
+    project.general(u"gen_csharp_props"_s, u"1"_s);
+    ASSERT_TRUE(project.save(folder_.filePath(u"device.ncxp"_s)));
+    Recorder output;
+    GeneratorMainHandler handler(&output);
+    ASSERT_TRUE(handler.openProject(folder_.filePath(u"device.ncxp"_s)));
+    const auto said = [&] {
+        output.messages.clear();
+        handler.generate(true);
+        return output.messages.filter(QRegularExpression(u"gen_define"_s)).replaceInStrings(folder_.path(), u"DIR"_s);
+    };
+    const QString started = u"Generation of gen_define.h in DIR started"_s;
+    const QString completed = u"Generation of gen_define.h completed. "_s;
+    const QString props = u"Generation of gen_define.props and Directory.Build.props in DIR finished"_s;
+    EXPECT_EQ(said(), (QStringList{started, completed, props}));
+    QByteArray file = readFile(path());
+    ASSERT_TRUE(writeFile(path(), file.replace("section: start */\n", "section: start */\n#define MINE\n")));
+    EXPECT_EQ(said(),
+              (QStringList{started, completed, u"gen_define.h contains user section:\n#define MINE\n\n"_s, props}));
+    EXPECT_TRUE(readFile(folder_.filePath(u"gen_define.props"_s)).contains(";MINE</DefineConstants>"));
+
+    QFile::remove(folder_.filePath(u"gen_define.props"_s));
+    QDir(folder_.path()).mkdir(u"gen_define.props"_s);
+    EXPECT_EQ(said().last(), u"The files gen_define.props and Directory.Build.props in DIR are not writable");
 }
 
 TEST_F(Define, CompilesInAllGoldens)

@@ -208,7 +208,7 @@ static void put(UNSIGNED8 *pBytes, unsigned position, unsigned bits, uint64_t va
 
 TEST(SafetyMapping, CarriesRandomLayoutsThereAndBack)
 {
-    constexpr int layouts = 400;
+    constexpr int layouts = 300;
     std::mt19937 random(76);
     QString source = QString::fromUtf16(oracle);
     QString calls;
@@ -226,6 +226,148 @@ TEST(SafetyMapping, CarriesRandomLayoutsThereAndBack)
     ASSERT_EQ(build.exitCode, 0) << qPrintable(build.errors.left(2000));
     const ProcessResult result = folder.run();
     EXPECT_EQ(result.exitCode, 0) << "layout and step: " << qPrintable(result.output);
+}
+
+// ---- A whole device ------------------------------------------------------------------------------------------------
+
+const QString stackFolder = QStringLiteral(NCX_SOURCE_DIR "/examples/stack");
+
+/// The classic template data as they would lie beside the program.
+class ExampleTemplates : public PlainTemplateSource
+{
+public:
+    std::optional<QString> text(const QString &path) const override
+    {
+        return PlainTemplateSource::text(stackFolder + u'/' + path.section(u'/', -2));
+    }
+};
+
+void addGroup(ProjectBuilder &project, quint32 number, quint8 direction, quint8 type,
+              const QList<std::pair<quint32, QString>> &items)
+{
+    project.pgn(number, direction, u"Group"_s, [type](auto &pgn) {
+        pgn.issafe = true;
+        pgn.safetytype = type;
+        pgn.cycletime_ms = 50;
+        pgn.srvt_ms = 120;
+        pgn.edp_dp_key = 1;
+    });
+    quint32 spn = 100;
+    for (const auto &[dataType, variable] : items)
+        project.spn(spn++, variable, [&](auto &signal) {
+            signal.datatype = dataType;
+            signal.varname = variable;
+        });
+}
+
+/// A device that sends one group, behind another on the same line, and receives one, from up to two senders.
+ProjectBuilder safetyDevice()
+{
+    ProjectBuilder project;
+    project.misc(u"costackpath"_s, stackFolder).j1939(u"safetysupport"_s, u"1"_s);
+    project.j1939(u"sdm_rec_addr_cnt"_s, u"2"_s).j1939(u"sdm_loop_counter"_s, u"7"_s).line(0, 2);
+    project.pgn(61000, tx, u"Ordinary"_s).spn(1, u"Any"_s);
+    addGroup(project, 61440, tx, 1, {{100, u"twoBits"_s}});
+    addGroup(project, 61441, tx, 3, {{102, u"four"_s}, {109, u"twelve"_s}, {22, u"long24"_s}, {1, u"flag"_s}});
+    addGroup(project, 61442, rx, 2, {{103, u"five"_s}, {115, u"nineteen"_s}});
+    return project;
+}
+
+const QString exchange = uR"(
+#include <stdio.h>
+#include <gen_extern_decl.h>
+#include <j1939_j1939.h>
+int main(void)
+{
+	const UNSIGNED8 received[8] = { 0x55, 0xaa, 0x7e, 0xff, 0xff, 0xff, 0xff, 0xff };
+	UNSIGNED8 sent[8] = { 0 };
+	unsigned i, length;
+
+	four = 0x5; twelve = 0xabc; long24 = 0x123456; flag = 1;
+	length = genSdgTransmitMapping(LINE 1, sent);
+	printf("sent %u:", length);
+	for (i = 0; i < length; i++) printf(" %02x", sent[i]);
+	printf("\npgn %lx %lx sct %lu none %lu\n", (unsigned long)genSdgGetTxPgn(LINE 1), (unsigned long)genSdgGetRxPgn(LINE 0),
+		(unsigned long)genSdgGetTxSct(LINE 1), (unsigned long)genSdgGetTxPgn(LINE 2));
+	printf("index %u %u\n", getRecSdgIdx(LINE 0x1f002), getRecSdgIdx(LINE 0x1f003));
+	printf("config %lu %d %u, records %d %d\n", (unsigned long)getRecSdgConfig(LINE 0)->validationTime,
+		(int)getRecSdgConfig(LINE 0)->type, getRecSdgConfig(LINE 0)->profile, getRecSdg(LINE SENDERS - 1) != NULL,
+		getRecSdg(LINE SENDERS) != NULL);
+	printf("got %d:", genSdgReceiveMapping(LINE 0, SENDERS - 1, received) == RET_OK);
+	printf(" %x %lx\n", VALUE(five), (unsigned long)VALUE(nineteen));
+	printf("unknown %d %d\n", genSdgTransmitMapping(LINE 2, sent) == 0, genSdgReceiveMapping(LINE 1, 0, received) != RET_OK);
+	return 0;
+}
+)"_s;
+
+QString safetyDefines(bool v4, bool multiLine)
+{
+    QString text = u"#define J1939_SUPPORTED 1u\n#define J1939_SDG_SUPPORTED 1u\n#define J1939_SDG_TRANS_CNT 2u\n"
+                   "#define J1939_SDG_REC_CNT 1u\n"_s;
+    if (v4)
+        text += u"#define CORE_REC_BUFFER_CNT 1u\n#define J1939_SDG_REC_ADDR_CNT 2u\n#define SENDERS 2u\n"
+                "#define VALUE(name) name[1]\n"_s;
+    else
+        text += u"#define SENDERS 1u\n#define VALUE(name) name\n"_s;
+    if (multiLine)
+        return text + (v4 ? u"#define CAN_MULTI_LINE 1u\n#define CAN_MULTI_LINE_CNT 1u\n#define LINE 0,\n"_s
+                          : u"#define CO_MULTI_LINE 1u\n#define CO_MULTI_LINE_CNT 1u\n#define LINE 0,\n"_s);
+    return text + u"#define LINE\n"_s;
+}
+
+TEST(SdmGenerator, MakesADeviceThatExchangesItsData)
+{
+    const ProjectBuilder project = safetyDevice();
+    for (const bool v4 : {true, false}) {
+        for (const bool multiLine : {false, true}) {
+            SCOPED_TRACE(v4 ? "V4" : "classic");
+            const GeneratedC folder;
+            const auto variables = v4 ? std::make_unique<ExtDeclGeneratorV4>() : std::make_unique<ExtDeclGenerator>();
+            const auto module = v4 ? std::make_unique<SDMGeneratorV4>() : std::make_unique<SDMGenerator>();
+            if (!v4)
+                module->setTemplateSource(std::make_unique<ExampleTemplates>());
+            folder.generate(*variables, project, multiLine);
+            folder.generate(*module, project, multiLine);
+            ASSERT_EQ(module->errorText(), QString());
+            EXPECT_EQ(module->infoText(), u"2 transmitted, 1 received safety data groups");
+            folder.add(u"gen_define.h"_s, safetyDefines(v4, multiLine));
+            folder.add(u"exchange.c"_s, exchange);
+            const ProcessResult build = folder.build({u"gen_sdg.c"_s, u"gen_var_decl.c"_s, u"exchange.c"_s},
+                                                     {u"-DNJX_USE_GENERATED_VARIABLES"_s});
+            ASSERT_EQ(build.exitCode, 0) << qPrintable(build.errors);
+            EXPECT_EQ(folder.run().output,
+                      u"sent 8: c5 ab 56 34 12 ff ff ff\npgn 1f001 1f002 sct 50 none 0\nindex 0 1\n"
+                      "config 120 1 1, records 1 0\ngot 1: 15 3f552\nunknown 1 1\n");
+        }
+    }
+}
+
+TEST(SdmGenerator, TellsWhichTemplateItMisses)
+{
+    struct Case
+    {
+        QString stackPath;
+        QString canFd;
+        bool multiLine;
+        QString expected;
+    };
+    const GeneratedC folder;
+    const QList<Case> cases{
+        {{}, u"0"_s, false, u"/j1939_lib_sl/src/gen_sdg.tpl (configured stack path: )"_s},
+        {u"/none"_s, u"1"_s, false, u"/none/j1939_lib_fd_sl/src/gen_sdg.tpl (configured stack path: /none)"_s},
+        {u"/none"_s, u"1"_s, true, u"/none/j1939_lib_fd_ml/src/gen_sdg.tpl (configured stack path: /none)"_s},
+        {u"none"_s, u"0"_s, true,
+         folder.path(u"none"_s) + u"/j1939_lib_ml/src/gen_sdg.tpl (configured stack path: none)"_s},
+    };
+    for (const Case &row : cases) {
+        ProjectBuilder project = safetyDevice();
+        project.misc(u"costackpath"_s, row.stackPath).general(u"canfd_supported"_s, row.canFd);
+        SDMGeneratorV4 generator;
+        folder.generate(generator, project, row.multiLine);
+        EXPECT_EQ(generator.errorText(), u"Could not find template file: "_s + row.expected);
+        EXPECT_NE(generator.errorCode(), 0);
+        EXPECT_FALSE(QFile::exists(folder.path(u"gen_sdg.c"_s)));
+    }
 }
 
 } // namespace

@@ -83,6 +83,10 @@ void playSession(const Build &build, const QString &project)
 
 TEST(Session, WorksOnEachExampleInEachBuild)
 {
+    // The safety devices need the templates of a stack; whoever serves them has named its folder once for all projects.
+    const QString settings = home().filePath(u".config/norvane.ini"_s);
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(settings).path()));
+    ASSERT_TRUE(writeFile(settings, "[General]\ncostackpath=" NCX_SOURCE_DIR "/examples/stack\n"));
     const QStringList projects = exampleProjects();
     EXPECT_FALSE(projects.isEmpty());
     for (const Build &build : builds) {
@@ -91,6 +95,7 @@ TEST(Session, WorksOnEachExampleInEachBuild)
             playSession(build, project);
         }
     }
+    EXPECT_TRUE(QFile::remove(settings));
 }
 
 TEST(Session, IsRefusedByTheBuildForEnergyBus)

@@ -75,6 +75,9 @@ constexpr std::array services{
     ServiceRow{0x1F90, 0x1F90, Subs::All, "FLYMA", Value::Any},
 };
 
+/// The module of safety-relevant data serves what it carries.
+constexpr ServiceRow safetyModule{0, 0, Subs::All, "SRDO", Value::Index};
+
 struct TypeRow
 {
     quint16 code;
@@ -187,6 +190,7 @@ public:
         , classic_(classic)
         , limitCheck_(store.getGeneralSetting(u"limit_check"_s).toInt() > 0)
         , initialised_(store.getGeneralSetting(u"init_static_variables"_s).toInt() == 1)
+        , safetyData_(staticSafetyData(store))
     {
     }
 
@@ -243,6 +247,8 @@ private:
     QString lineOf(quint8 line, quint8 owner, quint16 index, quint8 subindex, const Sub &sub) const
     {
         const ServiceRow *service = serviceOf(index, subindex);
+        if (service == nullptr && safetyData_.contains(quint32{owner} << 24 | quint32{index} << 8 | subindex))
+            service = &safetyModule;
         const bool constant = sub.implementation == Constant;
         QString specifier = constant                         ? u"CONST"_s
                             : service != nullptr             ? QString::fromLatin1(service->name)
@@ -339,6 +345,7 @@ private:
     bool classic_;
     bool limitCheck_;
     bool initialised_;
+    QSet<quint32> safetyData_;
     int objectCount_ = 0;
     QMap<quint32, int> domains_;
     int domainCount_ = 0;
@@ -409,6 +416,21 @@ QMap<QString, QString> TestSupport::expectedCounts(ObjectDataBase &store)
     expected[u"CAN_MULTI_LINE_CNT"_s] = QString::number(lines.size());
     expected[u"CO_MULTI_LINE_CNT"_s] = QString::number(lines.size());
     return expected;
+}
+
+QSet<quint32> TestSupport::staticSafetyData(ObjectDataBase &store)
+{
+    QSet<quint32> keys;
+    if (store.getGeneralSetting(u"static_srdo_data"_s).toInt() != 1)
+        return keys;
+    for (const quint8 line : store.getNodeList()) {
+        for (const quint16 index : store.getIndexList(line, 0x1380, 0x13B0)) {
+            for (const quint8 subindex : store.getSubIndexList(line, index, 1))
+                keys.insert(quint32{line} << 24 |
+                            store.getSubIndexDefaultValue(line, index, subindex).toUInt(nullptr, 0) >> 8);
+        }
+    }
+    return keys;
 }
 
 QStringList TestSupport::expectedDump(ObjectDataBase &store, bool classic)

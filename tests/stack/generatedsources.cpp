@@ -2,6 +2,7 @@
 
 #include "generate/generatormainhandler.h"
 #include "generate/outputhandlerbase.h"
+#include "stack/expecteddump.h"
 #include "store/objectdatabase.h"
 #include "support/processrunner.h"
 #include "support/testhome.h"
@@ -94,9 +95,12 @@ struct Variables
 Variables variablesOf(ObjectDataBase &store)
 {
     Variables variables;
+    const QSet<quint32> safetyData = staticSafetyData(store);
     for (const quint8 line : store.getNodeList()) {
         for (const auto &key : store.findSubIndices(line, u"implementation"_s, u"2"_s)) {
             ObjectDataBase::SUBINDEX_DATA_T sub;
+            if (safetyData.contains(quint32{line} << 24 | quint32{key.index} << 8 | key.subindex))
+                continue;
             if (key.index >= 0x1000 && store.getSubIndex(line, key.index, key.subindex, sub))
                 variables.add(Helper::substituteVariables(sub.varname, key.index, key.subindex, line), sub);
         }
@@ -286,7 +290,9 @@ QString GeneratedSources::link()
     const QString source = has(u"gen_objdict.c"_s) ? u"gen_objdict.c"_s : u"gen_mp.c"_s;
     const QByteArray code = text(source);
     QStringList switches;
-    if (code.contains("j1939OdInit("))
+    if (code.contains("RET_T mpStackInit("))
+        switches += u"-DWALK_MP"_s;
+    else if (code.contains("j1939OdInit("))
         switches += u"-DWALK_SERVER_MODE"_s;
     if (code.contains("RET_T coCanOpenStackInitPara("))
         switches += u"-DWALK_OPTIONS"_s;

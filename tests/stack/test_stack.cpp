@@ -92,7 +92,8 @@ void checkSources(GeneratedSources &sources)
         return;
     ASSERT_EQ(sources.link(), QString());
     readBack(sources);
-    compareCounts(sources);
+    if (sources.has(u"gen_objdict.c"_s))
+        compareCounts(sources);
 }
 
 TEST(CompiledSources, ReadBackAsTheProjectHasThem)
@@ -226,6 +227,19 @@ TEST(CompiledSources, ServerBesideJ1939ReadsBack)
         ASSERT_EQ(sources.compile(), QString());
         ASSERT_EQ(sources.link(), QString());
         readBack(sources);
+    }
+}
+
+TEST(CompiledSources, OfADamagedProjectAreWhole)
+{
+    for (const bool classic : {false, true}) {
+        GeneratedSources sources(classic);
+        const QString project = sources.folder() + u"/damaged.ncxt"_s;
+        ASSERT_TRUE(QFile::copy(QStringLiteral(NCX_SOURCE_DIR "/tests/data/stack/damaged.ncxt"), project));
+        ASSERT_TRUE(sources.openProject(project));
+        ASSERT_TRUE(sources.generate());
+        EXPECT_EQ(sources.compile(), QString());
+        EXPECT_EQ(sources.link(), QString());
     }
 }
 

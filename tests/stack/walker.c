@@ -31,7 +31,9 @@ typedef struct
 } COUNTS_T;
 extern const COUNTS_T walkerCounts[];
 
-#if defined(WALK_SERVER_MODE)
+#if defined(WALK_MP)
+#include <mp_mp.h>
+#elif defined(WALK_SERVER_MODE)
 #ifdef STACK_MULTI_LINE
 RET_T j1939OdInit(UNSIGNED8 canLine);
 #else
@@ -70,7 +72,17 @@ RET_T userOverwriteCobIdSettings(void);
 
 static RET_T start(void)
 {
-#if defined(WALK_SERVER_MODE) && defined(STACK_MULTI_LINE)
+#if defined(WALK_MP)
+    /* Of a device of several protocols only CANopen is asked for. */
+    CORE_PROTOCOL_TYPE_T protocols[STACK_LINES];
+
+    memset(protocols, CORE_PROT_TYPE_CANOPEN, sizeof(protocols));
+#ifdef STACK_FD
+    return mpStackInit(protocols, NULL, NULL);
+#else
+    return mpStackInit(protocols, NULL);
+#endif
+#elif defined(WALK_SERVER_MODE) && defined(STACK_MULTI_LINE)
     UNSIGNED8 line;
 
     for (line = 0; line < STACK_LINES; ++line)

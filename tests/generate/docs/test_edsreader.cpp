@@ -122,7 +122,8 @@ QMap<QString, Store> projects()
             const QDir folder(parent.filePath(name));
             const auto store = std::make_shared<ObjectDataBase>();
             EXPECT_TRUE(store->openTextDatabase(folder.filePath(folder.entryList({u"*.ncxt"_s}).value(0))));
-            if (store->findSubIndices(0, u"datatype"_s, u"0"_s).isEmpty())
+            const bool hasCodes = !store->getObjectTypes(0, 0x1000, 0xffff).values().contains(0U);
+            if (hasCodes && store->findSubIndices(0, u"datatype"_s, u"0"_s).isEmpty())
                 result.insert(name, store);
         }
     }

@@ -5,10 +5,7 @@
 
 #include <co_indication.h>
 #include <core_common.h>
-
-#ifndef CO_LINE_ARRAY_DECL
-#define CO_LINE_ARRAY_DECL CAN_LINE_ARRAY_DECL
-#endif
+#include <stack_indication_types.h>
 
 #ifndef CO_NMT_STATE_PREOP
 #define CO_NMT_STATE_PREOP 0x7fu

@@ -117,6 +117,7 @@ typedef enum
 typedef UNSIGNED8 CAN_LINE_TYPE;
 typedef UNSIGNED8 CO_LINE_TYPE;
 #define CAN_LINE_ARRAY_DECL STACK_LINES
+#define CO_LINE_ARRAY_DECL STACK_LINES
 
 /* What the functions of a stack of several lines have before their own parameters. */
 #ifdef STACK_MULTI_LINE
