@@ -190,7 +190,7 @@ public:
         , classic_(classic)
         , limitCheck_(store.getGeneralSetting(u"limit_check"_s).toInt() > 0)
         , initialised_(store.getGeneralSetting(u"init_static_variables"_s).toInt() == 1)
-        , safetyData_(staticSafetyData(store))
+        , safetyData_(TestSupport::staticSafetyData(store))
     {
     }
 
@@ -308,6 +308,8 @@ private:
     {
         if (classic_ && typeOf(sub.datatype).code == 0)
             return u"*"_s;
+        if (index >= 0x1301 && index <= 0x13ff && sub.implementation != Constant)
+            return QString::number(index);
         if (service != nullptr) {
             switch (service->value) {
             case Value::Index:

@@ -157,7 +157,7 @@ void addOddities(ProjectBuilder &project)
     project.object(0x1005, u""_s).object(0x1016, u""_s).sub(7, u""_s).object(0x1028, u""_s);
     project.object(0x1012, u""_s).sub(0, u""_s, sub(9, u"text"_s, 1));
     project.object(0x1017, u""_s).sub(0, u""_s, sub(27, u"0x1FFFFFFFFFFFFFFFF"_s));
-    project.object(0x1014, u""_s).sub(0, u""_s, sub(7, u"$NODEID+"_s)).object(0x1301, u""_s).sub(0, u""_s);
+    project.object(0x1014, u""_s).sub(0, u""_s, sub(7, u"$NODEID+"_s));
     project.object(0x1400, u""_s).sub(2, u""_s, sub(15, u""_s)).object(0x1401, u""_s).object(0x1601, u""_s);
     project.object(0x1800, u""_s).sub(0, u""_s).sub(3, u""_s, sub(24, u"7"_s));
     project.object(0x1A00, u""_s).sub(0, u""_s, sub(5, u"200"_s, 1)).sub(1, u""_s, sub(7, u"0x77770120"_s, 1));

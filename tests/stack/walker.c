@@ -119,10 +119,7 @@ static const CO_OD_ASSIGN_T *findObject(const STACK_DICTIONARY_T *pDictionary, U
     return low < pDictionary->assignCnt && pDictionary->pAssign[low].index == index ? &pDictionary->pAssign[low] : NULL;
 }
 
-/*
- * A compact row stands for all subindices behind it, up to the object's last. Their variables follow one another in the
- * table that the row points into.
- */
+/* A compact row stands for all subindices behind it, up to the object's last. */
 static const CO_OBJECT_DESC_T *findSub(const STACK_DICTIONARY_T *pDictionary, const CO_OD_ASSIGN_T *pObject,
                                        unsigned subIndex)
 {
@@ -472,8 +469,12 @@ static void printSub(const STACK_DICTIONARY_T *pDictionary, unsigned line, const
         printNumber(p, type, ARRAY_CONST, pDesc->upperLimit);
     }
 #endif
-    position = pDesc->value + (subIndex - pDesc->subIndex);
     printf(" value ");
+    if (pDesc->value == pObject->index && specifierOf(pDesc) != CO_DSPEC_CONST) {
+        /* No position: a service of the stack has the data, whatever the specifier says. */
+        printf("%u\n", pDesc->value);
+        return;
+    }
     switch (specifierOf(pDesc)) {
     case CO_DSPEC_CONST:
         printConstant(p, type, pDesc->value);
