@@ -103,7 +103,7 @@ void eventTimerTooShort(ModelChecker &checker, const CheckSubject &subject)
 
 void cobIdDeviates(ModelChecker &checker, const CheckSubject &subject)
 {
-    if (followsPredefinedSet(checker) && deviates(checker, subject))
+    if (deviates(checker, subject) && followsPredefinedSet(checker))
         checker.reportWarning(WG_IDS, u"Warning: Object 0x%1-0x01: The COB-ID for this PDO does not follow the "
                                       "pre-defined connection set."_s.arg(hex4(subject.object->index)));
 }

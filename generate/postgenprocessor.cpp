@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <csignal>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -171,6 +172,11 @@ bool PostGenProcessor::startProcess(const Command &command)
     connect(process_.get(), &QProcess::readyReadStandardOutput, this,
             &PostGenProcessor::postGenProcessReadyReadStandardOutput);
     connect(process_.get(), &QProcess::finished, this, &PostGenProcessor::postGenProcessFinished);
+#ifdef Q_OS_UNIX
+    // A command that outlives this program finds nobody to read what it writes. That is no reason to die.
+    if (!command.wait)
+        process_->setChildProcessModifier([] { std::signal(SIGPIPE, SIG_IGN); });
+#endif
     process_->setWorkingDirectory(outputFolder_);
     process_->setStandardInputFile(QProcess::nullDevice());
     process_->start(command.program, command.arguments);

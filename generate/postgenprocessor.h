@@ -22,7 +22,7 @@ class PostGenProgressHandler;
 /// .ncxp, %D the output folder and %N the name of that file.
 ///
 /// A command without the wait flag is on its own: a run does not wait for it, and it goes on when the processor is
-/// deleted. Its output is passed on as long as the processor lives and the event loop turns.
+/// deleted, or the whole program ends. Its output is passed on as long as the processor lives and the event loop turns.
 class PostGenProcessor : public QObject
 {
     Q_OBJECT

@@ -106,13 +106,13 @@ QString ProfileDatabases::description(const QString &id) const
 std::shared_ptr<ObjectDataBase> ProfileDatabases::load(const QString &id)
 {
     lastError_.clear();
+    if (loaded_ && id == loadedId_)
+        return loaded_;
     const QString path = filePath(id);
     if (path.isEmpty()) {
         lastError_ = u"Unknown profile \"%1\" - call list_profiles for the available ids."_s.arg(id);
         return nullptr;
     }
-    if (loaded_ && path == loadedPath_)
-        return loaded_;
     const auto store = newScratchStore();
     if (!store) {
         lastError_ = u"Internal error: no database available."_s;
@@ -125,6 +125,6 @@ std::shared_ptr<ObjectDataBase> ProfileDatabases::load(const QString &id)
     importer.startImport();
     importer.waitForEnd();
     loaded_ = store;
-    loadedPath_ = path;
+    loadedId_ = id;
     return loaded_;
 }

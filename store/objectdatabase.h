@@ -280,8 +280,6 @@ public:
     bool getDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number, DataElement &data);
     QString getDataElementName(quint8 line, quint32 canid, quint8 direction, quint32 number);
     QList<quint32> getDataElementList(quint8 line, quint32 canid, quint8 direction);
-    /// All data elements of a line in one scan, those of a message by their numbers; `pgnnumber` holds the identifier.
-    QList<DataElement> getDataElements(quint8 line);
 
     // ---- UDS services (udstables.cpp) ------------------------------------------------------------------------------
     // Services are those of ISO 14229-1; the lists are comma lists of numbers. Setting a column of a service without a

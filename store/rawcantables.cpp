@@ -43,7 +43,6 @@ constexpr std::array<Column<DataElement>, 9> elementColumnTable = {
     number<&DataElement::bitposition>("bitpos"_L1),
 };
 constexpr std::span<const Column<DataElement>> elementColumns = elementColumnTable;
-constexpr int elementKeyColumns = 3;
 
 Row canidRow(quint8 line, quint32 id, quint8 direction)
 {
@@ -207,23 +206,4 @@ QList<quint32> ObjectDataBase::getDataElementList(quint8 line, quint32 canid, qu
     return selectNumbers(
         u"select number from DataElements%1 where canid = %2 and direction= %3 order by number asc"_s.arg(
             QString::number(line), QString::number(canid), QString::number(direction)));
-}
-
-QList<DataElement> ObjectDataBase::getDataElements(quint8 line)
-{
-    QList<DataElement> elements;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (!run("getDataElements", query,
-             u"select canid, direction, number, %1 from DataElements%2 order by canid asc, direction asc, number asc"_s
-                 .arg(RecordColumns::names(elementColumns), QString::number(line))))
-        return elements;
-    while (query.next()) {
-        DataElement &element = elements.emplaceBack();
-        element.pgnnumber = static_cast<quint32>(query.value(0).toLongLong());
-        element.direction = static_cast<quint8>(query.value(1).toLongLong());
-        element.spnnumber = static_cast<quint32>(query.value(2).toLongLong());
-        RecordColumns::readRow(elementColumns, query, element, strings_, elementKeyColumns);
-    }
-    return elements;
 }

@@ -7,6 +7,7 @@
 #include "generate/stack/usersection.h"
 
 #include <QCoreApplication>
+#include <QIODevice>
 #include <QSet>
 #include <QTextStream>
 

@@ -79,10 +79,9 @@ StoreRecords::SPN MessageTools::newSignal(const ToolCall &call)
     signal.name = call.text("name"_L1);
     signal.desc = call.text(Arguments::description.name);
     signal.datatype = call.number<quint32>(Arguments::dataType.name);
-    // These two go into the statement as they stand.
-    signal.defaultvalue =
-        ObjectDataBase::withQuotesDoubled(call.text(Arguments::defaultValue.name, signal.defaultvalue));
-    signal.varname = ObjectDataBase::withQuotesDoubled(call.text(Arguments::varname.name));
+    // The store takes no single quote in these two: adding the signal fails then.
+    signal.defaultvalue = call.text(Arguments::defaultValue.name, signal.defaultvalue);
+    signal.varname = call.text(Arguments::varname.name);
     signal.pos = call.number<quint32>("pos"_L1);
     signal.bitsize = call.number<quint16>(Arguments::bitSize.name);
     signal.bitposition = call.number<quint16>(Arguments::bitPosition.name);

@@ -14,8 +14,8 @@ using namespace Guards;
 
 namespace {
 
-constexpr Property profile = Properties::string(
-    "profile"_L1, "Profile id as returned by list_profiles, e.g. \"402\", \"402_v3\" or \"454-2\""_L1);
+constexpr Property profile =
+    Properties::string("profile"_L1, R"(Profile id as returned by list_profiles, e.g. "402", "402_v3" or "454-2")"_L1);
 constexpr Property indexNumber = Properties::integer({}, 0, 65535, {});
 constexpr Property indices =
     Properties::array("indices"_L1, indexNumber,

@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
+#include <QThread>
 
 #include <unistd.h>
 
@@ -311,6 +312,26 @@ TEST_F(Cli, RunsTwiceAtTheSameMoment)
         EXPECT_EQ(second.finish().exitCode, 0);
     }
     EXPECT_EQ(saved()->getIndexName(0, 0x1000), u"Device type");
+}
+
+TEST_F(Cli, LeavesTheUsersCommandRunning)
+{
+    written(u"slow.sh"_s, "#!/bin/sh\nwhile [ ! -e go ]; do sleep 0.05; done\necho late\necho done > ended\n");
+    QFile::setPermissions(path(u"slow.sh"_s), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    {
+        const auto store = saved();
+        store->setMiscSetting(u"postGenEnabled"_s, u"true"_s);
+        store->setMiscSetting(u"postgencmd"_s, u"./slow.sh"_s);
+        ASSERT_TRUE(store->saveDatabase({}));
+    }
+    const ProcessResult result = run({u"-project"_s, project_});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_TRUE(result.output.endsWith(u"Post generation process running ... \nGeneration completed.\n"_s));
+    EXPECT_FALSE(QFile::exists(path(u"ended"_s)));
+    written(u"go"_s, {});
+    for (int i = 0; i < 400 && !QFile::exists(path(u"ended"_s)); ++i)
+        QThread::msleep(50);
+    EXPECT_TRUE(QFile::exists(path(u"ended"_s)));
 }
 
 TEST_F(Cli, SavesEvenIfNobodyReadsItsOutput)

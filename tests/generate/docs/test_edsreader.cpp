@@ -116,16 +116,12 @@ private:
 QMap<QString, Store> projects()
 {
     QMap<QString, Store> result;
-    for (const QString &root : {u"/examples"_s, u"/tests/data/golden"_s}) {
-        const QDir parent(QStringLiteral(NCX_SOURCE_DIR) + root);
-        for (const QString &name : parent.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-            const QDir folder(parent.filePath(name));
-            const auto store = std::make_shared<ObjectDataBase>();
-            EXPECT_TRUE(store->openTextDatabase(folder.filePath(folder.entryList({u"*.ncxt"_s}).value(0))));
-            const bool hasCodes = !store->getObjectTypes(0, 0x1000, 0xffff).values().contains(0U);
-            if (hasCodes && store->findSubIndices(0, u"datatype"_s, u"0"_s).isEmpty())
-                result.insert(name, store);
-        }
+    for (const QString &file : DocsTest::projectFiles()) {
+        const auto store = std::make_shared<ObjectDataBase>();
+        EXPECT_TRUE(store->openTextDatabase(file));
+        const bool hasCodes = !store->getObjectTypes(0, 0x1000, 0xffff).values().contains(0U);
+        if (hasCodes && store->findSubIndices(0, u"datatype"_s, u"0"_s).isEmpty())
+            result.insert(file.section(u'/', -3).replace(u'/', u'-'), store);
     }
     const QString corpus = TestSupport::corpusFolder();
     for (const QString &file : QDir(corpus).entryList({u"*.eds"_s, u"*.dcf"_s}, QDir::Files)) {

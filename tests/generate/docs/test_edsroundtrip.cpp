@@ -116,19 +116,17 @@ TEST(EdsRoundTrip, RealFilesComeBackEqual)
 
 TEST(EdsRoundTrip, ExamplesComeBackEqual)
 {
-    for (const QString &root : {u"/examples"_s, u"/tests/data/golden"_s}) {
-        const QDir parent(QStringLiteral(NCX_SOURCE_DIR) + root);
-        for (const QString &name : parent.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-            SCOPED_TRACE(name.toStdString());
-            const QDir folder(parent.filePath(name));
-            const auto project = std::make_shared<ObjectDataBase>();
-            ASSERT_TRUE(project->openTextDatabase(folder.filePath(folder.entryList({u"*.ncxt"_s}).value(0))));
-            const Store first = described(project);
-            const Store second = described(first);
-            for (const quint16 index : project->getIndexList(0, 0x1000, 0xbfff))
-                EXPECT_TRUE(first->indexExists(0, index)) << index;
-            expectEqual(first, second);
-        }
+    const QStringList files = DocsTest::projectFiles();
+    ASSERT_FALSE(files.isEmpty());
+    for (const QString &file : files) {
+        SCOPED_TRACE(file.toStdString());
+        const auto project = std::make_shared<ObjectDataBase>();
+        ASSERT_TRUE(project->openTextDatabase(file));
+        const Store first = described(project);
+        const Store second = described(first);
+        for (const quint16 index : project->getIndexList(0, 0x1000, 0xbfff))
+            EXPECT_TRUE(first->indexExists(0, index)) << index;
+        expectEqual(first, second);
     }
 }
 
