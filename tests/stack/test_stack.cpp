@@ -196,8 +196,12 @@ TEST(CompiledSources, OddProjectsAreValidC)
             SCOPED_TRACE(testing::Message() << (classic ? "classic" : "V4") << (severalLines ? ", several lines" : ""));
             ProjectBuilder project;
             addOddities(project);
-            if (severalLines)
+            if (severalLines) {
                 addOddities(project.line(1, 1));
+                for (const char *key : {"canfd_supported", "usdo_server_enabled", "usdo_client_enabled",
+                                        "usdo_server_cnt", "usdo_client_cnt"})
+                    project.general(QString::fromLatin1(key), u"1"_s);
+            }
             GeneratedSources sources(classic);
             const QString path = sources.folder() + u"/odd.ncxp"_s;
             ASSERT_TRUE(project.save(path));
