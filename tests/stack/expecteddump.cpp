@@ -186,7 +186,7 @@ public:
         , classic_(classic)
         , limitCheck_(store.getGeneralSetting(u"limit_check"_s).toInt() > 0)
         , initialised_(store.getGeneralSetting(u"init_static_variables"_s).toInt() == 1)
-        , safetyData_(staticSafetyData(store))
+        , safetyData_(TestSupport::staticSafetyData(store))
     {
     }
 
