@@ -316,6 +316,7 @@ void makeDevice(const Device &device, const QString &path)
     EXPECT_TRUE(check.startsWith("{\"errorCount\":0,"_L1)) << qPrintable(check);
     EXPECT_TRUE(server.ask(u"generate"_s).startsWith("Generation completed.\n"_L1));
     EXPECT_EQ(server.ask(u"save_project"_s), u"Project saved."_s);
+    EXPECT_EQ(server.close().exitCode, 0);
 }
 
 TEST(CompiledSources, OfDevicesThatAServersClientMadeFromProfiles)
