@@ -26,7 +26,11 @@ MCPMainApp &server()
     static QCoreApplication application(count, arguments.data());
     QCoreApplication::setApplicationName(QStringLiteral("CAN NodeComposer"));
     static MCPMainApp server({}, {});
-    server.session().store().setGeneralSetting(QStringLiteral("line0type"), QStringLiteral("5"));
+    // CANopen and J1939, and one with raw CAN
+    ObjectDataBase &store = server.session().store();
+    store.setGeneralSetting(QStringLiteral("line0type"), QStringLiteral("5"));
+    store.addNode(1, ObjectDataBase::NODE_DATA_T());
+    store.setGeneralSetting(QStringLiteral("line1type"), QStringLiteral("6"));
     server.session().setProjectOpen(true);
     return server;
 }

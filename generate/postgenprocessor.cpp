@@ -12,6 +12,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
+#include <array>
 #include <csignal>
 #include <vector>
 

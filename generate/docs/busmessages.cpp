@@ -7,6 +7,7 @@
 #include <QHash>
 
 #include <array>
+#include <type_traits>
 
 namespace {
 

@@ -1,6 +1,5 @@
 #include "generate/docs/candbdbc.h"
 
-#include "generate/codewriter.h"
 #include "generate/docs/dbcreader.h"
 #include "generate/docs/dbcwriter.h"
 #include "generate/outputfile.h"
@@ -8,6 +7,8 @@
 
 #include <QRegularExpression>
 #include <QTextStream>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using CANdb::AttributeDefinition;

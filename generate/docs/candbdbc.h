@@ -5,8 +5,6 @@
 #include <QHash>
 #include <QSet>
 
-class CodeWriter;
-
 /// A CAN database in the form DBC: read, built frame by frame, and written.
 ///
 /// The operations that build refuse what a DBC file cannot hold: names that are no identifiers or not unique, a second

@@ -8,6 +8,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <span>
 
 using namespace Qt::StringLiterals;
 

@@ -5,6 +5,8 @@
 #include <QHash>
 #include <QSet>
 
+#include <utility>
+
 /// A signal of a frame as a bus database knows it.
 struct DbcSignal
 {

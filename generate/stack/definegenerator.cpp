@@ -225,7 +225,7 @@ void DefineHeaderGenerator::write(QTextStream &stream)
         {{"START", QString::fromLatin1(FormerDefines::startMark)}});
     stream.flush();
     stream.device()->write(userSection_.isEmpty() ? QByteArray("\n") : userSection_);
-    if (!userSection_.isEmpty() && !userSection_.endsWith('\n'))
+    if (!userSection_.isEmpty() && !userSection_.endsWith('\n') && !userSection_.endsWith('\r'))
         stream.device()->write("\n");
     out(u"${END}\n\n#endif /* GEN_DEFINE_H */", {{"END", QString::fromLatin1(FormerDefines::endMark)}});
 }

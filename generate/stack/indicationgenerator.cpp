@@ -45,12 +45,19 @@ public:
         return prototypes_;
     }
 
+    /// Some function is named, if only one that the application declares itself.
+    bool isNamed() const { return isNamed_; }
+
 private:
     void addAll(std::span<const Indications::Event> events)
     {
         for (const Indications::Event &event : events) {
             const QString parameters = event.parametersIn(dialect_);
-            if (event.existsIn(dialect_.form) && !parameters.isEmpty())
+            if (!event.existsIn(dialect_.form))
+                continue;
+            if (parameters.isEmpty())
+                isNamed_ |= !Indications::functionOf(store_, event.key).isEmpty();
+            else
                 add(event.key, {}, event.result, parameters);
         }
     }
@@ -60,6 +67,7 @@ private:
         const QString function = Indications::functionOf(store_, key);
         if (function.isEmpty())
             return;
+        isNamed_ = true;
         const QString note = store_.getGeneralSetting("note_"_L1 + key);
         prototypes_.append({.guard = guard,
                             .note = note.trimmed().isEmpty() ? QString() : Code::commentText(note),
@@ -71,6 +79,7 @@ private:
     ObjectDataBase &store_;
     const Dialect &dialect_;
     QList<Prototype> prototypes_;
+    bool isNamed_ = false;
 };
 
 void writePrototype(CodeWriter &out, const Prototype &prototype, const QString &lineParameter)
@@ -105,7 +114,8 @@ QString IndicationHeaderGenerator::fileName() const
 
 void IndicationHeaderGenerator::write(QTextStream &stream)
 {
-    const QList<Prototype> prototypes = Collector(*database(), dialect_).collect();
+    Collector collector(*database(), dialect_);
+    const QList<Prototype> prototypes = collector.collect();
     const bool multiLine = generatesMultiLine() || hasObjectsOnSeveralLines(*database());
     CodeWriter out(stream);
     // The file has no date: it stays the same for as long as its functions do.
@@ -120,7 +130,7 @@ void IndicationHeaderGenerator::write(QTextStream &stream)
 
         )",
         {{"TITLE", sourceTitle(SourceFile::GenIndication, dialect_.form, baseName())}});
-    if (prototypes.isEmpty())
+    if (!collector.isNamed())
         out(uR"(
             /* 
                There are not any static indication functions defined.

@@ -66,7 +66,8 @@ QStringList ProjectProps::macroNames(const QByteArray &header)
     static const QRegularExpression define(u"^#[ \\t]*define[ \\t]+([A-Za-z_][A-Za-z0-9_]*)"_s);
     QStringList names;
     QSet<QString> seen;
-    for (const QByteArray &line : header.split('\n')) {
+    // The user-specific section keeps line ends of its own.
+    for (const QByteArray &line : QByteArray(header).replace('\r', '\n').split('\n')) {
         const QString name = define.match(QString::fromUtf8(line.trimmed())).captured(1);
         if (name.isEmpty() || seen.contains(name))
             continue;

@@ -4,23 +4,37 @@
 #include <QFileInfo>
 #include <QList>
 
+#include <algorithm>
+
 namespace {
 
 constexpr char counterName[] = "GEN_GENERATION_COUNT";
-constexpr int suffixLength = 2; // "ul"
+constexpr qsizetype suffixLength = 2; // "ul"
 constexpr int automaticBase = 0;
 
-/// The lines with their ends.
+/// The lines with their ends, whichever of the line ends that a project can ask for the file has.
 QList<QByteArray> linesOf(const QByteArray &content)
 {
     QList<QByteArray> lines;
     for (qsizetype start = 0; start < content.size();) {
-        const qsizetype end = content.indexOf('\n', start);
-        const qsizetype next = end < 0 ? content.size() : end + 1;
+        qsizetype end = start;
+        while (end < content.size() && content.at(end) != '\n' && content.at(end) != '\r')
+            ++end;
+        if (QByteArrayView(content).sliced(end).startsWith("\r\n"))
+            ++end;
+        const qsizetype next = std::min(end + 1, content.size());
         lines.append(content.sliced(start, next - start));
         start = next;
     }
     return lines;
+}
+
+/// The number in the last field of the counter's line; `counted` tells whether there is one.
+quint32 generationsOf(const QByteArray &line, bool &counted)
+{
+    QByteArray number = line.trimmed().split('\t').last();
+    number.chop(suffixLength);
+    return number.toUInt(&counted, automaticBase);
 }
 
 /// Without its end mark the section would take the end of the file with it.
@@ -67,8 +81,7 @@ FormerDefines FormerDefines::parse(const QByteArray &content)
         else if (place == Place::Inside)
             former.userSection += line;
         else if (!counted && line.contains(counterName))
-            former.generations =
-                line.trimmed().split('\t').last().chopped(suffixLength).toUInt(&counted, automaticBase);
+            former.generations = generationsOf(line, counted);
     }
     if (place == Place::Inside)
         former.userSection = withoutEndOfFile(former.userSection);

@@ -345,6 +345,16 @@ TEST_F(Define, KeepsTheUserSectionByteForByte)
         file = readFile(path());
         EXPECT_TRUE(file.endsWith(start + mine + end));
     }
+    // A project may have its line ends converted to those of another system, carriage returns alone included.
+    project.general(u"generate_generation_counter"_s, u"1"_s);
+    file = readFile(path());
+    ASSERT_TRUE(
+        writeFile(path(), file.replace(start + mine + end, start + "#define MINE\n" + end).replace('\n', '\r')));
+    EXPECT_EQ(v4(project).value(u"GEN_GENERATION_COUNT"_s), u"1ul");
+    EXPECT_TRUE(readFile(path()).endsWith(start + "#define MINE\r" + end));
+    ASSERT_TRUE(writeFile(path(), readFile(path()).replace('\n', '\r')));
+    EXPECT_EQ(v4(project).value(u"GEN_GENERATION_COUNT"_s), u"2ul");
+    EXPECT_TRUE(readFile(path()).endsWith(start + "#define MINE\r" + end));
     // Without its end mark the section ends where the file does.
     EXPECT_EQ(FormerDefines::parse(start + mine + "\n#endif /* GEN_DEFINE_H */\n").userSection, mine + "\n");
     EXPECT_EQ(FormerDefines::parse(mine).userSection, "\t \n#define X\n");
@@ -362,6 +372,8 @@ TEST_F(Define, CountsGenerations)
     QByteArray file = readFile(path());
     ASSERT_TRUE(writeFile(path(), file.replace("GEN_GENERATION_COUNT\t2ul\n", "GEN_GENERATION_COUNT\t0x1Ful\r\n")));
     EXPECT_EQ(count(), u"32ul");
+    ASSERT_TRUE(writeFile(path(), "#define GEN_GENERATION_COUNT\t5\n")); // shorter than the suffix
+    EXPECT_EQ(count(), u"1ul");
     ASSERT_TRUE(QFile::remove(path()));
     EXPECT_EQ(count(), u"1ul");
     project.general(u"generate_generation_counter"_s, u"0"_s);
@@ -421,8 +433,8 @@ TEST_F(Define, CompilesInAllGoldens)
 TEST_F(Define, FeedsTheBuildOfACSharpWrapper)
 {
     EXPECT_EQ(ProjectProps::macroNames("#define A 1\r\n  # \tdefine\t B2_(x) x\n#define A 2\n#define 1C\n#defineD\n"
-                                       "// #define E\n#define F"),
-              (QStringList{u"A"_s, u"B2_"_s, u"F"_s}));
+                                       "// #define E\n#define F\r#define G\r"),
+              (QStringList{u"A"_s, u"B2_"_s, u"F"_s, u"G"_s}));
 
     EXPECT_TRUE(ProjectProps::write(folder_.path()));
     EXPECT_FALSE(QFile::exists(folder_.filePath(u"gen_define.props"_s)));

@@ -95,6 +95,8 @@ TEST_F(Indication, SaysWhereThereAreNoFunctions)
               "#endif /* GEN_INDICATION*/\n"_s.arg(QCoreApplication::applicationName(),
                                                    QCoreApplication::applicationVersion()));
     EXPECT_EQ(pointers(project), QStringList());
+    // A function that is bound without a prototype is there all the same.
+    EXPECT_EQ(body(project.general(u"fct_manager"_s, u"onManager"_s)), QStringList());
 }
 
 TEST_F(Indication, DeclaresAndBindsFunctionsInTheirOrder)
@@ -174,7 +176,8 @@ TEST_F(Indication, CompilesWithAFunctionForEachEvent)
             const ProcessResult result =
                 ProcessRunner(u"/usr/bin/env"_s)
                     .arguments({u"cc"_s, u"-std=c99"_s, u"-Wall"_s, u"-Wextra"_s, u"-Werror"_s, u"-fsyntax-only"_s,
-                                u"-I"_s + folder_.path(), u"-I"_s + QStringLiteral(NCX_SOURCE_DIR "/tests/stack/include"),
+                                u"-I"_s + folder_.path(),
+                                u"-I"_s + QStringLiteral(NCX_SOURCE_DIR "/tests/stack/include"),
                                 folder_.filePath(u"pointers.c"_s)})
                     .run();
             EXPECT_EQ(result.errors, QString());

@@ -272,6 +272,28 @@ TEST(StackInit, GivesEachLineItsOwnServices)
                                             "        serviceInitVars.fdMode[CAN_LINE] = CO_TRUE;\n"_s));
 }
 
+TEST(StackInit, TakesTheModesOfAllLines)
+{
+    ProjectBuilder project;
+    for (const quint8 line : std::initializer_list<quint8>{0, 1})
+        project.line(line, 1)
+            .object(0x1000, u"type"_s)
+            .sub(0, u"value"_s)
+            .object(0x1001, u"error"_s)
+            .sub(0, u"value"_s);
+    project.general(u"canfd_supported"_s, u"1"_s).general(u"usdo_client_enabled"_s, u"0,1"_s);
+    project.general(u"usdo_client_cnt"_s, u"1"_s);
+    const QString text = startUpOf(project);
+    EXPECT_TRUE(
+        text.contains(u"RET_T coCanOpenStackInit(\n    CO_EVENT_STORE_T pLoadFunction\n    , BOOL_T *pModes\n)"_s));
+    EXPECT_TRUE(text.contains(u"    retVal = coCanOpenStackInit_common(pLoadFunction, pModes);\n"_s));
+    EXPECT_TRUE(text.contains(u"        retVal = coCanOpenStackInit_line1(1, pCoInitOpt, pModes);\n"_s));
+    EXPECT_TRUE(text.contains(u"    if (pModes != NULL) {\n        if (pModes[canLine] == CO_TRUE) {\n"
+                              "            retVal = coUsdoServerInit(canLine);\n"_s));
+    EXPECT_EQ(text.count(u"coUsdoClientInit(canLine)"_s), 1); // of line 1 alone
+    EXPECT_TRUE(text.section(u"<<1>>"_s, 1).contains(u"    if (commonInitVars.fdMode[canLine] == CO_TRUE) {\n"_s));
+}
+
 TEST(StackInit, TellsMasterFromSlave)
 {
     struct Case

@@ -17,6 +17,8 @@
 #include <QRegularExpression>
 #include <QTextStream>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 using TestSupport::ProjectBuilder;
 
