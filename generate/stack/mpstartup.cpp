@@ -45,6 +45,7 @@ MpStartUp MpStartUp::collect(ObjectDataBase &store, const MultiProtocols &protoc
                       .canOpen = &canOpen};
     for (const quint8 number : LineSettings::stackLines(store)) {
         Line line{.number = number, .protocols = RunContext::protocolsOf(store, number)};
+        line.protocols.rawCan = line.protocols.rawCan && protocols.rawCan;
         if (!line.protocols.any())
             continue;
         const auto messages = std::ranges::find(pgns.lines, number, &PgnTables::Line::number);

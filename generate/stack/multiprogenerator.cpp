@@ -36,6 +36,16 @@ bool hasExternDeclarations(ObjectDataBase &store, const MultiProtocols &protocol
     return !protocols.udsOnly && (!bootloader || pgns.usesApplicationVariables);
 }
 
+/// The protocols that the file starts. A bootloader's header leaves out raw CAN, which its stack then does not have.
+MultiProtocols startedProtocols(ObjectDataBase &store, MultiProtocols protocols, const Dialect &dialect)
+{
+    const bool withoutRawCan =
+        dialect.has(Point::BootloaderBuffers) && store.getGeneralSetting(u"uds_bl_setting"_s) == "1"_L1;
+    if (withoutRawCan && (protocols.canOpen || protocols.j1939))
+        protocols.rawCan = false;
+    return protocols;
+}
+
 void writeIncludes(CodeWriter &out, ObjectDataBase &store, const Content &content, const MultiProtocols &protocols,
                    const Dialect &dialect)
 {
@@ -136,38 +146,40 @@ void MultiProGenerator::write(QTextStream &stream)
     const Dialect &dialect = Dialect::of(form_);
     ObjectDataBase &store = *database();
     const bool multiLine = isMultiLine() || generatesMultiLine();
+    const MultiProtocols protocols = startedProtocols(store, protocols_, dialect);
+    const auto scope = protocols.rawCan ? PgnTables::Scope::AllMessages : PgnTables::Scope::J1939Only;
     Content content{.opening = SourceOpening::of(store, outputFolder()),
-                    .pgns = PgnTables::collect(store, dialect, multiLine, PgnTables::Scope::AllMessages)};
+                    .pgns = PgnTables::collect(store, dialect, multiLine, scope)};
     content.dictionary =
         collectDictionaryTables(store, {.compactDescription = compactDescription_, .multiLine = multiLine});
     if (!content.dictionary.error.isEmpty()) {
         fail(OutputError, content.dictionary.error);
         return;
     }
-    content.externDeclarations = hasExternDeclarations(store, protocols_, content.pgns);
-    content.stringDefaults = protocols_.canOpen && content.dictionary.stringDefaults;
+    content.externDeclarations = hasExternDeclarations(store, protocols, content.pgns);
+    content.stringDefaults = protocols.canOpen && content.dictionary.stringDefaults;
 
     CodeWriter out(stream);
     const CommonGeneratorHelper common(database(), dialect);
     StackInit canOpen = StackInit::collect(store, content.dictionary);
     settleMasters(canOpen);
-    const MpStartUp startUp = MpStartUp::collect(store, protocols_, content.pgns, content.dictionary, canOpen);
+    const MpStartUp startUp = MpStartUp::collect(store, protocols, content.pgns, content.dictionary, canOpen);
     const MpStartUpWriter startUpWriter(out, startUp, common, dialect);
 
     writeFileHeader(out, sourceFile(), form_, baseName());
-    writeIncludes(out, store, content, protocols_, dialect);
+    writeIncludes(out, store, content, protocols, dialect);
     startUpWriter.writePrototypes();
-    writeGuards(out, store, content, protocols_, dialect);
+    writeGuards(out, store, content, protocols, dialect);
     Q_EMIT progress(25);
-    if (!protocols_.udsOnly)
+    if (!protocols.udsOnly)
         writePgnTables(out, content.pgns, dialect);
-    if (protocols_.canOpen)
+    if (protocols.canOpen)
         writeDictionary(out, content.dictionary, dialect);
-    if (protocols_.rawCan && !protocols_.udsOnly)
+    if (protocols.rawCan && !protocols.udsOnly)
         RawCanSections::writeConfigs(out, content.pgns, dialect);
     Q_EMIT progress(75);
     startUpWriter.write();
-    if (protocols_.canOpen)
+    if (protocols.canOpen)
         writePredefinedSet(out, PredefinedSet::collect(store, content.dictionary), dialect);
 }
 

@@ -61,8 +61,9 @@ QString ObjDictGenerator::fileName() const
 
 void ObjDictGenerator::write(QTextStream &stream)
 {
-    const DictionaryTables tables =
-        collectDictionaryTables(*database(), {.compactDescription = compactDescription_, .serverMode = serverMode_});
+    const DictionaryTables tables = collectDictionaryTables(*database(), {.compactDescription = compactDescription_,
+                                                                          .serverMode = serverMode_,
+                                                                          .multiLine = serverMode_ && isMultiLine()});
     if (!tables.error.isEmpty()) {
         fail(OutputError, tables.error);
         return;

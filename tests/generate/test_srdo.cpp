@@ -57,8 +57,8 @@ ProjectBuilder safetyDevice()
 }
 
 const QString defines = u"#define CORE_REC_BUFFER_CNT 1u\n#define CO_SRDO_SUPPORTED 1u\n"
-                         "#define SRDO_OD_ENTRY_U8_CNT 4u\n#define SRDO_OD_ENTRY_I16_CNT 4u\n"
-                         "#define SRDO_OD_ENTRY_R32_CNT 4u\n"_s;
+                        "#define SRDO_OD_ENTRY_U8_CNT 4u\n#define SRDO_OD_ENTRY_I16_CNT 4u\n"
+                        "#define SRDO_OD_ENTRY_R32_CNT 4u\n"_s;
 
 const QString exchange = uR"(
 #include <stdio.h>
