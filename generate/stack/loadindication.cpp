@@ -33,8 +33,10 @@ std::vector<CobId> pdoCobIds(std::span<const DictionaryObject> objects)
         const QString text = sub == nullptr ? QString() : sub->data.defaultvalue;
         const qsizetype mark = text.indexOf(nodeIdMark, 0, Qt::CaseInsensitive);
         cobId.addsNodeId = mark >= 0;
-        if (cobId.addsNodeId)
-            cobId.offset = text.sliced(mark + nodeIdMark.size()).trimmed();
+        if (cobId.addsNodeId) {
+            const QString offset = text.sliced(mark + nodeIdMark.size()).trimmed();
+            cobId.offset = offset.isEmpty() ? u"0"_s : offset;
+        }
         cobIds.push_back(cobId);
     }
     return cobIds;

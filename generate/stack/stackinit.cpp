@@ -285,21 +285,24 @@ void StackInitWriter::writeCommonFunction() const
 
         )",
          {{"MODES", modesParameter()}, {"CAN", dialect_.line}});
-    if (init_.fd)
+    if (init_.fd) {
         out_(uR"(
                 for (${CAN}LINE = 0; ${CAN}LINE < ${CAN}MULTI_LINE_CNT; ${CAN}LINE ++)
                 {
-                    commonInitVars.fdMode[${CAN}LINE] = CO_TRUE;
-                    serviceInitVars.fdMode[${CAN}LINE] = CO_TRUE;
-                    if (pModes != NULL) {
-                        commonInitVars.fdMode[${CAN}LINE] = pModes[${CAN}LINE];
-                        serviceInitVars.fdMode[${CAN}LINE] = pModes[${CAN}LINE];
-                    }
-                }
             )",
              {{"CAN", dialect_.line}});
-    else
+        for (const auto structure : {"commonInitVars"_L1, "serviceInitVars"_L1})
+            out_(uR"(
+                        ${STRUCTURE}.fdMode[${CAN}LINE] = CO_TRUE;
+                        if (pModes != NULL) {
+                            ${STRUCTURE}.fdMode[${CAN}LINE] = pModes[${CAN}LINE];
+                        }
+                )",
+                 {{"STRUCTURE", structure}, {"CAN", dialect_.line}});
+        out_(u"    }");
+    } else {
         out_(u"    (void)${CAN}LINE;", {{"CAN", dialect_.line}});
+    }
     out_(uR"(
             /* common initialization */
             retVal = ${INIT}(&commonInitVars);

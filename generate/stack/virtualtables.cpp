@@ -39,18 +39,31 @@ private:
                       .objectType = DictionaryCollect::objectTypeWord(object.objectType)};
         starts_.insert(objectKey(line, object.index), static_cast<quint32>(result_.description.size()));
         for (const DictionarySub &sub : object.subs) {
-            if (sub.data.implementation != VirtualObject || sub.subindex > object.compactLimit)
+            if (sub.data.implementation != VirtualObject)
+                continue;
+            const bool owned = line == 0 || !sub.data.sharedlines;
+            const quint16 number = owned ? nextNumber(sub.data.datatype) : quint16{0};
+            // A row that stands for a tail leaves the numbers behind its own to that tail.
+            if (sub.subindex > object.compactLimit)
                 continue;
             ++row.subs;
-            if (line == 0 || !sub.data.sharedlines)
-                result_.description.push_back(description(line, object, sub));
+            if (owned)
+                result_.description.push_back(description(line, object, sub, number));
         }
         const quint8 owner = object.subs.front().data.sharedlines ? quint8{0} : line;
         row.start = starts_.value(objectKey(owner, object.index));
         result_.assign.push_back(row);
     }
 
-    VirtualDescriptionRow description(quint8 line, const DictionaryObject &object, const DictionarySub &sub)
+    /// BOOLEAN and small numbers are stored as bytes, so that all of these count together.
+    quint16 nextNumber(quint16 dataType)
+    {
+        const auto type = valueTypeOf(dataType);
+        return type ? valueCounts_[static_cast<std::size_t>(*type)]++ : otherCounts_[dataType]++;
+    }
+
+    VirtualDescriptionRow description(quint8 line, const DictionaryObject &object, const DictionarySub &sub,
+                                      quint16 number)
     {
         const quint32 key = subKey(line, object.index, sub.subindex);
         VirtualDescriptionRow row{.index = object.index,
@@ -60,7 +73,6 @@ private:
                                   .defaultPosition = tables_.defaultIndexMap.value(key),
                                   .lowerPosition = tables_.lowerLimitIndexMap.value(key),
                                   .upperPosition = tables_.upperLimitIndexMap.value(key)};
-        const quint16 number = typeCounts_[sub.data.datatype]++;
         row.valueIsIndex = DictionaryCollect::serviceValue(object.index, sub.subindex) == object.index;
         row.value = row.valueIsIndex ? object.index : number;
         if (dynamic_)
@@ -74,7 +86,8 @@ private:
     bool dynamic_;
     VirtualTables result_;
     QHash<quint32, quint32> starts_;
-    QHash<quint16, quint16> typeCounts_;
+    std::array<quint16, valueTypeCount> valueCounts_{};
+    QHash<quint16, quint16> otherCounts_; ///< by data type
 };
 
 } // namespace

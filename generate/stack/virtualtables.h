@@ -9,7 +9,7 @@ struct VirtualDescriptionRow
     quint8 subindex = 0;
     quint16 dataType = 0;
     /// The index for an object that a service of the stack uses, else the number of the subindex, from 0, among the
-    /// virtual ones of its data type.
+    /// virtual ones that are stored alike, those without a row of their own included.
     quint16 value = 0;
     bool valueIsIndex = false;
     QString attributes{};        ///< joined by " | "

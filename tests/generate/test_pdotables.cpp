@@ -155,4 +155,20 @@ TEST(VirtualTables, HoldTheVirtualSubindicesOfVirtualObjects)
     EXPECT_EQ(tables.assign.at(1).start, 1U);
 }
 
+TEST(VirtualTables, NumberWhatIsStoredAlike)
+{
+    ProjectBuilder project;
+    project.object(0x3000, u"any"_s);
+    for (quint8 subindex = 0; subindex <= 3; ++subindex)
+        add(project, subindex, CAN::Unsigned8, VirtualObject, subindex == 0 ? u"3"_s : u"7"_s);
+    project.object(0x3001, u"any"_s);
+    add(project, 0, CAN::Boolean, VirtualObject);
+
+    const VirtualTables tables = collectVirtualTables(collected(project, {.compactDescription = true}), false);
+    QStringList rows;
+    for (const VirtualDescriptionRow &row : tables.description)
+        rows.append(u"%1 %2"_s.arg(row.dataName()).arg(row.value));
+    EXPECT_EQ(rows, (QStringList{u"V_3000_0 0"_s, u"V_3000_1 1"_s, u"V_3001_0 4"_s}));
+}
+
 } // namespace

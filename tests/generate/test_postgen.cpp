@@ -151,8 +151,8 @@ TEST_F(PostGen, TakesTheUsersCommandWhereTheProjectHasNone)
     EXPECT_EQ(run(),
               (QStringList{u"Post generation process running ... "_s, u"Post generation process finished with code 3"_s,
                            u"<b>Warning: Generation completed, but post gen process returned 3.</b>"_s}));
-    command(program, u"0"_s, true);
-    EXPECT_EQ(run().last(), completed); // nothing is left of the code before
+    command(program, u"3"_s, false);
+    EXPECT_EQ(run().last(), completed); // not waited for, and nothing is left of the code before
 }
 
 TEST_F(PostGen, PassesBothStreamsOn)

@@ -264,6 +264,34 @@ TEST(StackInit, GivesEachLineItsOwnServices)
               "coEmcyConsumerInit coTimeInit coPdoTransmitInit coPdoReceiveInit coSrdInit isoTpInit coIdNegoInit "
               "coGuardingInit coGfcInit coSrdoInit coLedInit coLssInit coNmtInit"_s.split(u' '));
     EXPECT_TRUE(lineOne.contains(u"coOdInitOdPtr(canLine, &od_assign[2], "_s));
+    project.general(u"canfd_supported"_s, u"1"_s);
+    EXPECT_TRUE(startUpOf(project).contains(u"        commonInitVars.fdMode[CAN_LINE] = CO_TRUE;\n"
+                                            "        if (pModes != NULL) {\n"
+                                            "            commonInitVars.fdMode[CAN_LINE] = pModes[CAN_LINE];\n"
+                                            "        }\n"
+                                            "        serviceInitVars.fdMode[CAN_LINE] = CO_TRUE;\n"_s));
+}
+
+TEST(StackInit, TakesTheModesOfAllLines)
+{
+    ProjectBuilder project;
+    for (const quint8 line : std::initializer_list<quint8>{0, 1})
+        project.line(line, 1)
+            .object(0x1000, u"type"_s)
+            .sub(0, u"value"_s)
+            .object(0x1001, u"error"_s)
+            .sub(0, u"value"_s);
+    project.general(u"canfd_supported"_s, u"1"_s).general(u"usdo_client_enabled"_s, u"0,1"_s);
+    project.general(u"usdo_client_cnt"_s, u"1"_s);
+    const QString text = startUpOf(project);
+    EXPECT_TRUE(
+        text.contains(u"RET_T coCanOpenStackInit(\n    CO_EVENT_STORE_T pLoadFunction\n    , BOOL_T *pModes\n)"_s));
+    EXPECT_TRUE(text.contains(u"    retVal = coCanOpenStackInit_common(pLoadFunction, pModes);\n"_s));
+    EXPECT_TRUE(text.contains(u"        retVal = coCanOpenStackInit_line1(1, pCoInitOpt, pModes);\n"_s));
+    EXPECT_TRUE(text.contains(u"    if (pModes != NULL) {\n        if (pModes[canLine] == CO_TRUE) {\n"
+                              "            retVal = coUsdoServerInit(canLine);\n"_s));
+    EXPECT_EQ(text.count(u"coUsdoClientInit(canLine)"_s), 1); // of line 1 alone
+    EXPECT_TRUE(text.section(u"<<1>>"_s, 1).contains(u"    if (commonInitVars.fdMode[canLine] == CO_TRUE) {\n"_s));
 }
 
 TEST(StackInit, TellsMasterFromSlave)
@@ -310,12 +338,15 @@ TEST(PredefinedSet, NeedsItsSettingAndHasEachFormsFunction)
     ProjectBuilder project;
     project.object(0x1000, u"type"_s).sub(0, u"value"_s);
     project.object(0x1800, u"tpdo"_s).sub(0, u"count"_s).sub(1, u"id"_s, number(u32, u"$NodeId+0x180"_s));
+    project.object(0x1801, u"tpdo"_s).sub(0, u"count"_s).sub(1, u"id"_s, number(u32, u"$NODEID+ "_s));
     EXPECT_FALSE(startUpOf(project).contains(u"genLoadIndication"_s));
     project.general(u"overwrite_predef"_s, u"1"_s);
     EXPECT_TRUE(startUpOf(project).contains(u"\tif ((subIndex == 1) || (subIndex == 2)) {\n"
                                             "\n\t\t/* TxPDO COB IDs */\n"
                                             "\t\tcobId = nodeId + 0x180;\n"
-                                            "\t\tret = coOdSetCobid(0x1800, 1, cobId);\n\t}\n\treturn ret;\n}\n"_s));
+                                            "\t\tret = coOdSetCobid(0x1800, 1, cobId);\n"
+                                            "\t\tcobId = nodeId + 0;\n"
+                                            "\t\tret = coOdSetCobid(0x1801, 1, cobId);\n\t}\n\treturn ret;\n}\n"_s));
     EXPECT_TRUE(startUpOf(project, Dialect::classic()).contains(u"RET_T userOverwriteCobIdSettings(void)\n"_s));
     project.line(1, 1).object(0x1000, u"type"_s).sub(0, u"value"_s).object(0x1001, u"error"_s).sub(0, u"value"_s);
     project.general(u"overwrite_predef"_s, u"1,0"_s);

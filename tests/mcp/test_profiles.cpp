@@ -47,6 +47,7 @@ TEST(Profiles, EnterAProjectWithValuesThatTheCheckUnderstands)
                     .ask(u"set_subindex_value"_s,
                          {{u"line"_s, 0}, {u"index"_s, 0x1000}, {u"sub"_s, 0}, {u"defaultValue"_s, u"0xy"_s}})
                     .contains(conversionFailed + u"0x1000-0x00."_s));
+    EXPECT_EQ(server.close().exitCode, 0);
 }
 
 } // namespace

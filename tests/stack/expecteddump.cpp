@@ -4,6 +4,7 @@
 #include "texttools/helper.h"
 
 #include <QMap>
+#include <QRegularExpression>
 
 #include <array>
 
@@ -162,20 +163,23 @@ QString attributes(const Sub &sub)
     return words.join(u',');
 }
 
-/// A text constant: characters, or pairs of hexadecimal digits behind "|x".
-/// A text constant as the walker prints it: control characters in hexadecimal. What a visible string escapes for C, it
-/// escapes by itself.
+/// The bytes of a text constant: characters with the escapes of C, or pairs of hexadecimal digits behind "|x". What a
+/// device serves behind the end of its text is open.
 QString textConstant(const Sub &sub)
 {
-    QString text = sub.defaultvalue;
-    if (text.startsWith("|x"_L1))
-        text = QString::fromUtf8(QByteArray::fromHex(text.mid(2).toLatin1()));
-    else if (sub.datatype != 124)
-        text.replace(u"\\\""_s, u"\""_s);
-    QString printed;
-    for (const QChar character : text)
-        printed += character < u' ' ? u"\\x%1"_s.arg(character.unicode(), 2, 16, '0'_L1) : QString(character);
-    return u"\"%1\"/%2"_s.arg(printed, QString::number(sub.size));
+    QByteArray bytes;
+    if (sub.defaultvalue.startsWith("|x"_L1)) {
+        bytes = QByteArray::fromHex(sub.defaultvalue.mid(2).toLatin1());
+    } else {
+        static const QRegularExpression escape(u"\\\\([\"\\\\])"_s);
+        bytes = sub.defaultvalue.toUtf8();
+        if (sub.datatype != 124) // UTF-8 text is escaped when it is written
+            bytes = QString(sub.defaultvalue).replace(escape, u"\\1"_s).toUtf8();
+    }
+    const qsizetype size = sub.size;
+    if (bytes.size() < size)
+        return u"text "_s + QString::fromLatin1((bytes + '\0').toHex()) + u'*';
+    return u"text "_s + QString::fromLatin1(bytes.first(size).toHex());
 }
 
 class Dump
@@ -304,6 +308,8 @@ private:
     {
         if (classic_ && typeOf(sub.datatype).code == 0)
             return u"*"_s;
+        if (index >= 0x1301 && index <= 0x13ff && sub.implementation != Constant)
+            return QString::number(index);
         if (service != nullptr) {
             switch (service->value) {
             case Value::Index:

@@ -2,6 +2,7 @@
 #include "stack/generatedsources.h"
 #include "support/mcpdriver.h"
 #include "support/printing.h"
+#include "support/projectbuilder.h"
 #include "support/testhome.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +18,7 @@ using namespace TestSupport;
 
 // Every project of the goldens and examples is generated in both forms, compiled, and read back out of the compiled
 // tables. What its start-up calls is held against startup.txt in its folder, where that exists; NCX_ACCEPT=1 takes the
-// calls of this build.
+// calls of this build. A project with a file uncompilable.txt, which says why, is passed over.
 
 namespace {
 
@@ -27,8 +28,9 @@ QStringList projectFolders()
     for (const QString &root : {u"/tests/data/golden"_s, u"/examples"_s}) {
         const QDir parent(QStringLiteral(NCX_SOURCE_DIR) + root);
         for (const QString &name : parent.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
-            if (!QDir(parent.filePath(name)).entryList({u"*.ncxt"_s}).isEmpty())
-                folders.append(parent.filePath(name));
+            const QDir folder(parent.filePath(name));
+            if (!folder.entryList({u"*.ncxt"_s}).isEmpty() && !folder.exists(u"uncompilable.txt"_s))
+                folders.append(folder.path());
         }
     }
     return folders;
@@ -141,6 +143,100 @@ TEST(CompiledSources, StartUpEndsWithTheFirstError)
     }
 }
 
+/// What no device should have.
+void addOddities(ProjectBuilder &project)
+{
+    const auto sub = [](quint16 type, const QString &value, quint8 implementation = 0) {
+        return [=](ObjectDataBase::SUBINDEX_DATA_T &data) {
+            data.datatype = type;
+            data.defaultvalue = value;
+            data.lowlimit = u"low"_s;
+            data.uplimit = u"99999999999999999999"_s;
+            data.limitineds = true;
+            data.accesstype = u"rw"_s;
+            data.implementation = implementation;
+        };
+    };
+    project.object(0x1005, u""_s).object(0x1016, u""_s).sub(7, u""_s).object(0x1028, u""_s);
+    project.object(0x1012, u""_s).sub(0, u""_s, sub(9, u"text"_s, 1));
+    project.object(0x1017, u""_s).sub(0, u""_s, sub(27, u"0x1FFFFFFFFFFFFFFFF"_s));
+    project.object(0x1014, u""_s).sub(0, u""_s, sub(7, u"$NODEID+"_s));
+    project.object(0x1400, u""_s).sub(2, u""_s, sub(15, u""_s)).object(0x1401, u""_s).object(0x1601, u""_s);
+    project.object(0x1800, u""_s).sub(0, u""_s).sub(3, u""_s, sub(24, u"7"_s));
+    project.object(0x1A00, u""_s).sub(0, u""_s, sub(5, u"200"_s, 1)).sub(1, u""_s, sub(7, u"0x77770120"_s, 1));
+    project.object(0x2000, u""_s);
+    for (quint16 type = 0; type < 130; ++type) {
+        if (type > 105 && type < 120) // numbers of 9 bits and more are signals of messages, never objects
+            continue;
+        project.object(static_cast<quint16>(0x2100 + type), u""_s)
+            .sub(0, u""_s, sub(type, u"no number"_s))
+            .sub(1, u""_s, sub(type, u"-300"_s, 1))
+            .sub(9, u""_s, sub(type, QString(), 3));
+    }
+    project.object(0x2300, u""_s);
+    for (int subindex = 0; subindex <= 255; ++subindex)
+        project.sub(static_cast<quint8>(subindex), u""_s, sub(4, QString::number(-subindex)));
+    project.object(0x2301, u""_s).sub(3, u""_s).sub(255, u""_s);
+    project.object(0xFFFF, u""_s).sub(0, u""_s, sub(8, u"1e999"_s));
+    ObjectDataBase &store = *project.store();
+    store.addSubIndex(0, 0x3000, 4, {});
+    ObjectDataBase::INDEX_DATA_T object;
+    object.objecttype = 5;
+    store.addIndex(0, 0x3001, object);
+    for (const char *key : {"limit_check", "compact_array_description", "overwrite_predef", "init_static_variables",
+                            "generate_string_defaults", "lss_supported", "udsserver_supported", "isotp_supported"})
+        project.general(QString::fromLatin1(key), u"1"_s);
+    project.general(u"uds_physical_request_id"_s, u"no number,,"_s).general(u"co_node_id"_s, u",,"_s);
+}
+
+TEST(CompiledSources, OddProjectsAreValidC)
+{
+    for (const bool classic : {false, true}) {
+        for (const bool severalLines : {false, true}) {
+            SCOPED_TRACE(testing::Message() << (classic ? "classic" : "V4") << (severalLines ? ", several lines" : ""));
+            ProjectBuilder project;
+            addOddities(project);
+            if (severalLines) {
+                addOddities(project.line(1, 1));
+                for (const char *key : {"canfd_supported", "usdo_server_enabled", "usdo_client_enabled",
+                                        "usdo_server_cnt", "usdo_client_cnt"})
+                    project.general(QString::fromLatin1(key), u"1"_s);
+            }
+            GeneratedSources sources(classic);
+            const QString path = sources.folder() + u"/odd.ncxp"_s;
+            ASSERT_TRUE(project.save(path));
+            ASSERT_TRUE(sources.openProject(path));
+            ASSERT_TRUE(sources.generate());
+            ASSERT_EQ(sources.compile(), QString());
+            ASSERT_EQ(sources.link(), QString());
+            EXPECT_TRUE(sources.walk({u"start"_s}).endsWith("returns OK\n"_L1));
+        }
+    }
+}
+
+TEST(CompiledSources, ServerBesideJ1939ReadsBack)
+{
+    for (const bool severalLines : {false, true}) {
+        SCOPED_TRACE(severalLines);
+        ProjectBuilder project;
+        for (quint8 line = 0; line <= (severalLines ? 1 : 0); ++line)
+            project.line(line, 2)
+                .object(0x1000, u"Device type"_s)
+                .sub(0, u"Device type"_s)
+                .object(0x2000, u"Speed"_s)
+                .sub(0, u"Speed"_s, [](auto &sub) { sub.defaultvalue = u"17"_s; });
+        project.j1939(u"cia510serversupport"_s, u"1"_s);
+        GeneratedSources sources;
+        const QString path = sources.folder() + u"/server.ncxp"_s;
+        ASSERT_TRUE(project.save(path));
+        ASSERT_TRUE(sources.openProject(path));
+        ASSERT_TRUE(sources.generate());
+        ASSERT_EQ(sources.compile(), QString());
+        ASSERT_EQ(sources.link(), QString());
+        readBack(sources);
+    }
+}
+
 TEST(CompiledSources, OfADamagedProjectAreWhole)
 {
     for (const bool classic : {false, true}) {
@@ -220,6 +316,7 @@ void makeDevice(const Device &device, const QString &path)
     EXPECT_TRUE(check.startsWith("{\"errorCount\":0,"_L1)) << qPrintable(check);
     EXPECT_TRUE(server.ask(u"generate"_s).startsWith("Generation completed.\n"_L1));
     EXPECT_EQ(server.ask(u"save_project"_s), u"Project saved."_s);
+    EXPECT_EQ(server.close().exitCode, 0);
 }
 
 TEST(CompiledSources, OfDevicesThatAServersClientMadeFromProfiles)

@@ -279,27 +279,18 @@ static void printNumber(const CO_OD_DATA_VARIABLES_T *p, int type, ARRAY_T array
     }
 }
 
-/* A text as a project has it: what cannot be printed in hexadecimal. */
-static void printQuoted(const char *pText)
-{
-    putchar('"');
-    for (; *pText != '\0'; ++pText) {
-        if ((unsigned char)*pText < ' ')
-            printf("\\x%02x", (unsigned)(unsigned char)*pText);
-        else
-            putchar(*pText);
-    }
-    putchar('"');
-}
-
+/* The bytes of a text, as many as the device serves. */
 static void printText(const VIS_STRING *pTexts, const UNSIGNED32 *pSizes, unsigned position)
 {
+    UNSIGNED32 i;
+
     if (pTexts == NULL || pSizes == NULL) {
         printf("missing");
         return;
     }
-    printQuoted(pTexts[position]);
-    printf("/%lu", (unsigned long)pSizes[position]);
+    printf("text ");
+    for (i = 0; i < pSizes[position]; ++i)
+        printf("%02x", (unsigned char)pTexts[position][i]);
 }
 
 static void printConstant(const CO_OD_DATA_VARIABLES_T *p, int type, unsigned position)
@@ -479,6 +470,11 @@ static void printSub(const STACK_DICTIONARY_T *pDictionary, unsigned line, const
     }
 #endif
     printf(" value ");
+    if (pDesc->value == pObject->index && specifierOf(pDesc) != CO_DSPEC_CONST) {
+        /* No position: a service of the stack has the data, whatever the specifier says. */
+        printf("%u\n", pDesc->value);
+        return;
+    }
     switch (specifierOf(pDesc)) {
     case CO_DSPEC_CONST:
         printConstant(p, type, pDesc->value);
@@ -491,7 +487,7 @@ static void printSub(const STACK_DICTIONARY_T *pDictionary, unsigned line, const
         break;
     default:
         if (type == STACK_TYPE_DOMAIN)
-            printVariable(p, type, pDesc->value);
+            printVariable(p, type, position);
         else
             printf("%u", pDesc->value);
         break;
