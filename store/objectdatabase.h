@@ -242,8 +242,8 @@ public:
     QString getPGNName(quint8 line, quint32 number, quint8 direction);
     quint16 getPGNMappingCount(quint8 line, quint32 number, quint8 direction);
     QList<quint32> getPGNList(quint8 line, quint8 direction, bool leaveOutSafe = false);
-    /// All PGNs of a line, receive before transmit and ascending in each, and all its SPNs in the order of their places;
-    /// one scan each.
+    /// All PGNs of a line, receive before transmit and ascending in each, and all its SPNs in the order of their
+    /// places; one scan each.
     QList<PGN> getAllPGNs(quint8 line);
     QList<SPN> getAllSPNs(quint8 line);
     /// The names of all PGNs of one direction, by number, from one scan.

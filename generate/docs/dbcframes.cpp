@@ -24,13 +24,15 @@ QString identifier(QString text, const QString &fallback)
     return text.front().isDigit() ? u'_' + text : text;
 }
 
-/// The name, with the first number behind it that makes it free.
+/// The name, with the first number behind it that makes it free. `last` is the highest number that was behind it.
 template <typename IsTaken>
-QString freeName(const QString &name, IsTaken isTaken)
+QString freeName(const QString &name, int &last, IsTaken isTaken)
 {
     QString candidate = name;
-    for (int count = 2; isTaken(candidate); ++count)
-        candidate = u"%1_%2"_s.arg(name).arg(count);
+    while (isTaken(candidate)) {
+        last = std::max(last + 1, 2);
+        candidate = u"%1_%2"_s.arg(name).arg(last);
+    }
     return candidate;
 }
 
@@ -152,7 +154,8 @@ void DbcFrames::add(DbcFrame frame, const BusMessage &message)
 {
     auto place = frameById_.constFind(frame.id);
     if (place == frameById_.constEnd()) {
-        frame.name = freeName(frame.name, [this](const QString &name) { return frameNames_.contains(name); });
+        frame.name = freeName(frame.name, frameNumbers_[frame.name],
+                              [this](const QString &name) { return frameNames_.contains(name); });
         frameNames_.insert(frame.name);
         place = frameById_.insert(frame.id, frames_.size());
         frames_.append(frame);
@@ -185,7 +188,9 @@ void DbcFrames::addSignal(qsizetype frame, DbcSignal signal)
     }
     if (signal.bits == 0)
         return;
-    signal.name = freeName(signal.name, [&](const QString &name) { return signalByName_.contains({frame, name}); });
+    signal.name = freeName(signal.name, signalNumbers_[{frame, signal.name}], [&](const QString &name) {
+        return signalByName_.contains({frame, name});
+    });
     signalByName_.insert({frame, signal.name}, target.signalList.size());
     target.length = std::max(target.length, (signal.startBit + signal.bits + 7) / 8);
     target.signalList.append(signal);

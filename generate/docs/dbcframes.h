@@ -60,5 +60,7 @@ private:
     QList<DbcFrame> frames_;
     QHash<quint32, qsizetype> frameById_;
     QSet<QString> frameNames_;
+    QHash<QString, int> frameNumbers_;                             ///< the highest numbers behind names
     QHash<std::pair<qsizetype, QString>, qsizetype> signalByName_; ///< by the place of the frame
+    QHash<std::pair<qsizetype, QString>, int> signalNumbers_;
 };

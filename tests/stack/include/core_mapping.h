@@ -7,18 +7,19 @@
 #include <core_common.h>
 
 /* X(types that only signals have) */
-#define STACK_SIGNAL_TYPES(X) \
-	X(B) X(U2) X(U3) X(U4) X(U5) X(U6) X(U7) \
-	X(U9) X(U10) X(U11) X(U12) X(U13) X(U14) X(U15) \
-	X(U17) X(U18) X(U19) X(U20) X(U21) X(U22) X(U23) X(STRING_ASTERIKS)
+#define STACK_SIGNAL_TYPES(X)                                                                                          \
+    X(B)                                                                                                               \
+    X(U2) X(U3) X(U4) X(U5) X(U6) X(U7) X(U9) X(U10) X(U11) X(U12) X(U13) X(U14) X(U15) X(U17) X(U18) X(U19) X(U20)    \
+        X(U21) X(U22) X(U23) X(STRING_ASTERIKS)
 
 #ifdef STACK_V4
-typedef enum {
-	STACK_FIRST_SIGNAL_TYPE = 0x100,
+typedef enum
+{
+    STACK_FIRST_SIGNAL_TYPE = 0x100,
 #define X(name) CORE_DTYPE_##name,
-	STACK_SIGNAL_TYPES(X)
+    STACK_SIGNAL_TYPES(X)
 #undef X
-	STACK_SIGNAL_TYPE_END
+        STACK_SIGNAL_TYPE_END
 } STACK_SIGNAL_TYPE_T;
 #endif
 
@@ -29,16 +30,17 @@ typedef enum {
 #define J1939_MAP_FLAG_NUMERIC STACK_MAP_NUMERIC
 
 /* A row of a mapping. The V4 stack has the pointers in a table of their own. */
-typedef struct {
-	UNSIGNED32 number;
-	UNSIGNED16 bitPosition;
-	UNSIGNED16 bits;
-	UNSIGNED16 type;
+typedef struct
+{
+    UNSIGNED32 number;
+    UNSIGNED16 bitPosition;
+    UNSIGNED16 bits;
+    UNSIGNED16 type;
 #ifndef STACK_V4
-	UNSIGNED8 *pVar;
+    UNSIGNED8 *pVar;
 #endif
 #ifdef J1939_DYNAMIC_PGN
-	UNSIGNED8 state;
+    UNSIGNED8 state;
 #endif
 } STACK_MAPPING_T;
 

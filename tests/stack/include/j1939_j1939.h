@@ -19,63 +19,68 @@
 typedef STACK_MAPPING_T J1939_MAPPING_T;
 
 /* Formats of the trailer that carries assurance data (SAE J1939-22), and what the data assure. */
-typedef enum {
-	J1939_ATF_SAE_NONE,
-	J1939_ATF_MANU_CYBERSEC_32,
-	J1939_ATF_MANU_CYBERSEC_64,
-	J1939_ATF_MANU_FUNC_SAFETY_32,
-	J1939_ATF_MANU_FUNC_SAFETY_64,
-	J1939_ATF_MANU_FUNC_CYB_SAFE_32
+typedef enum
+{
+    J1939_ATF_SAE_NONE,
+    J1939_ATF_MANU_CYBERSEC_32,
+    J1939_ATF_MANU_CYBERSEC_64,
+    J1939_ATF_MANU_FUNC_SAFETY_32,
+    J1939_ATF_MANU_FUNC_SAFETY_64,
+    J1939_ATF_MANU_FUNC_CYB_SAFE_32
 } J1939_ATF_T;
 
-typedef enum {
-	J1939_ADT_MANU_FUNC_CYB_SAFE,
-	J1939_ADT_MANU_FUNC_SAFETY,
-	J1939_ADT_MANU_CYBERSEC,
-	J1939_ADT_NONE
+typedef enum
+{
+    J1939_ADT_MANU_FUNC_CYB_SAFE,
+    J1939_ADT_MANU_FUNC_SAFETY,
+    J1939_ADT_MANU_CYBERSEC,
+    J1939_ADT_NONE
 } J1939_ADT_T;
 
-typedef struct {
-	UNSIGNED32 number;
-	const J1939_MAPPING_T *pMapping;
+typedef struct
+{
+    UNSIGNED32 number;
+    const J1939_MAPPING_T *pMapping;
 #ifdef STACK_V4
-	UNSIGNED8 **pData;
+    UNSIGNED8 **pData;
 #endif
-	UNSIGNED16 mappingCnt;
+    UNSIGNED16 mappingCnt;
 #ifdef J1939_MULTI_SRC_ADDR
-	UNSIGNED8 multiSourceAddress;
+    UNSIGNED8 multiSourceAddress;
 #endif
-	UNSIGNED16 cycleTime;
-	UNSIGNED16 inhibitTime;
-	UNSIGNED8 priority;
-	J1939_ATF_T trailerFormat;
-	J1939_ADT_T assuranceType;
-	UNSIGNED8 assuranceSize;
+    UNSIGNED16 cycleTime;
+    UNSIGNED16 inhibitTime;
+    UNSIGNED8 priority;
+    J1939_ATF_T trailerFormat;
+    J1939_ADT_T assuranceType;
+    UNSIGNED8 assuranceSize;
 } J1939_PGN_CONFIG_T;
 
-typedef struct {
-	const J1939_PGN_CONFIG_T *pTransmit;
-	UNSIGNED16 transmitCnt;
-	const J1939_PGN_CONFIG_T *pReceive;
-	UNSIGNED16 receiveCnt;
-	const J1939_PGN_CONFIG_T *pAddressClaim;
-	UNSIGNED8 sourceAddress;
+typedef struct
+{
+    const J1939_PGN_CONFIG_T *pTransmit;
+    UNSIGNED16 transmitCnt;
+    const J1939_PGN_CONFIG_T *pReceive;
+    UNSIGNED16 receiveCnt;
+    const J1939_PGN_CONFIG_T *pAddressClaim;
+    UNSIGNED8 sourceAddress;
 } J1939_CONFIG_T;
 
-typedef struct {
+typedef struct
+{
 #ifdef STACK_V4
-	UNSIGNED16 receiveConfigCnt[STACK_LINES];
+    UNSIGNED16 receiveConfigCnt[STACK_LINES];
 #endif
-	UNSIGNED16 receiveCnt[STACK_LINES];
-	UNSIGNED16 transmitCnt[STACK_LINES];
-	UNSIGNED16 sdoServerCnt[STACK_LINES];
-	UNSIGNED16 sdoClientCnt[STACK_LINES];
+    UNSIGNED16 receiveCnt[STACK_LINES];
+    UNSIGNED16 transmitCnt[STACK_LINES];
+    UNSIGNED16 sdoServerCnt[STACK_LINES];
+    UNSIGNED16 sdoClientCnt[STACK_LINES];
 #ifdef J1939_SDG_SUPPORTED
-	UNSIGNED16 sdgTransmitCnt[STACK_LINES];
-	UNSIGNED16 sdgReceiveCnt[STACK_LINES];
+    UNSIGNED16 sdgTransmitCnt[STACK_LINES];
+    UNSIGNED16 sdgReceiveCnt[STACK_LINES];
 #endif
 #ifdef STACK_FD
-	UNSIGNED16 destinationBufferCnt[STACK_LINES];
+    UNSIGNED16 destinationBufferCnt[STACK_LINES];
 #endif
 } J1939_SERVICE_INIT_VAL_T;
 

@@ -5,36 +5,41 @@
 
 #include <core_common.h>
 
-typedef enum {
-	SDG_TYPE_0,
-	SDG_TYPE_1,
-	SDG_TYPE_2
+typedef enum
+{
+    SDG_TYPE_0,
+    SDG_TYPE_1,
+    SDG_TYPE_2
 } SDG_TYPE_T;
 
 #define SDG_FUSA_PROFILE_1 1u
 
-typedef struct {
-	UNSIGNED32 pgn;
-	UNSIGNED32 cycleTime;
-	UNSIGNED32 validationTime;
-	SDG_TYPE_T type;
-	UNSIGNED8 profile;
+typedef struct
+{
+    UNSIGNED32 pgn;
+    UNSIGNED32 cycleTime;
+    UNSIGNED32 validationTime;
+    SDG_TYPE_T type;
+    UNSIGNED8 profile;
 } SDG_REC_CONFIG_T;
 
-typedef struct {
-	UNSIGNED32 pgn;
-	UNSIGNED32 cycleTime;
-	SDG_TYPE_T type;
+typedef struct
+{
+    UNSIGNED32 pgn;
+    UNSIGNED32 cycleTime;
+    SDG_TYPE_T type;
 } SDG_TR_CONFIG_T;
 
-typedef struct {
-	UNSIGNED8 sequence;
-	UNSIGNED32 timer;
+typedef struct
+{
+    UNSIGNED8 sequence;
+    UNSIGNED32 timer;
 } SDG_REC_T;
 
-typedef struct {
-	UNSIGNED8 sequence;
-	UNSIGNED32 timer;
+typedef struct
+{
+    UNSIGNED8 sequence;
+    UNSIGNED32 timer;
 } SDG_TR_T;
 
 UNSIGNED32 genSdgGetTxPgn(STACK_LINE_FIRST UNSIGNED16 sdgNr);

@@ -14,15 +14,16 @@
 #include <rawcan_rawcan.h>
 #endif
 
-RET_T mpStackInit(
-	CORE_PROTOCOL_TYPE_T *pProtType
+RET_T mpStackInit(CORE_PROTOCOL_TYPE_T *pProtType
 #ifdef CANOPEN_SUPPORTED
-	, CO_EVENT_STORE_T pLoadFunction
+                  ,
+                  CO_EVENT_STORE_T pLoadFunction
 #endif
 #ifdef STACK_FD
-	, BOOL_T *pModes
+                  ,
+                  BOOL_T *pModes
 #endif
-	);
+);
 RET_T udsStackInit(void);
 
 #endif /* MP_MP_H */

@@ -5,38 +5,42 @@
 
 #include <core_mapping.h>
 
-typedef struct {
-	UNSIGNED32 id;
-	const STACK_MAPPING_T *pMapping;
+typedef struct
+{
+    UNSIGNED32 id;
+    const STACK_MAPPING_T *pMapping;
 #ifdef STACK_V4
-	UNSIGNED8 **pData;
+    UNSIGNED8 **pData;
 #endif
-	UNSIGNED16 cycleTime;
-	UNSIGNED16 inhibitTime;
-	UNSIGNED16 mappingCnt;
+    UNSIGNED16 cycleTime;
+    UNSIGNED16 inhibitTime;
+    UNSIGNED16 mappingCnt;
 } RAWCAN_TR_CONFIG_T;
 
-typedef struct {
-	UNSIGNED32 id;
-	UNSIGNED32 ignoreMask;
-	const STACK_MAPPING_T *pMapping;
+typedef struct
+{
+    UNSIGNED32 id;
+    UNSIGNED32 ignoreMask;
+    const STACK_MAPPING_T *pMapping;
 #ifdef STACK_V4
-	UNSIGNED8 **pData;
+    UNSIGNED8 **pData;
 #endif
-	UNSIGNED16 monitoringTime;
-	UNSIGNED16 mappingCnt;
+    UNSIGNED16 monitoringTime;
+    UNSIGNED16 mappingCnt;
 } RAWCAN_REC_CONFIG_T;
 
-typedef struct {
-	const RAWCAN_TR_CONFIG_T *pTransmit;
-	UNSIGNED16 transmitCnt;
-	const RAWCAN_REC_CONFIG_T *pReceive;
-	UNSIGNED16 receiveCnt;
+typedef struct
+{
+    const RAWCAN_TR_CONFIG_T *pTransmit;
+    UNSIGNED16 transmitCnt;
+    const RAWCAN_REC_CONFIG_T *pReceive;
+    UNSIGNED16 receiveCnt;
 } RAWCAN_CONFIG_T;
 
-typedef struct {
-	UNSIGNED16 receiveCnt[STACK_LINES];
-	UNSIGNED16 transmitCnt[STACK_LINES];
+typedef struct
+{
+    UNSIGNED16 receiveCnt[STACK_LINES];
+    UNSIGNED16 transmitCnt[STACK_LINES];
 } RAWCAN_SERVICE_INIT_VAL_T;
 
 #ifdef STACK_FD
