@@ -34,7 +34,7 @@ QDir stackFolder(ModelChecker &checker)
 /// The version of this tool as a stack names it: without its patch level, "4.3" of "4.3.3".
 QString comparableToolVersion()
 {
-    const QString version = QCoreApplication::applicationVersion();
+    QString version = QCoreApplication::applicationVersion();
     switch (version.count(u'.')) {
     case 2:
         return version.first(version.lastIndexOf(u'.'));
