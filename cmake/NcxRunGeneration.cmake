@@ -5,7 +5,12 @@ cmake_minimum_required(VERSION 3.20)
 # What an earlier run wrote must not pass for an output of this one.
 list(TRANSFORM OUTPUTS PREPEND "${FOLDER}/" OUTPUT_VARIABLE outputs)
 file(REMOVE ${outputs})
-file(COPY ${COPIED} DESTINATION "${FOLDER}" NO_SOURCE_PERMISSIONS)
+file(MAKE_DIRECTORY "${FOLDER}")
+# Not file(COPY), which takes two versions of the same second for one.
+execute_process(COMMAND "${CMAKE_COMMAND}" -E copy ${COPIED} "${FOLDER}" RESULT_VARIABLE result)
+if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${COPIED} cannot be copied to ${FOLDER}.")
+endif()
 
 # Working copies stay in the build folder: the user of a pipeline may have no home.
 execute_process(COMMAND "${CMAKE_COMMAND}" -E env "XDG_DATA_HOME=${FOLDER}/working_copy"
