@@ -26,48 +26,6 @@ PgnTables collected(const ProjectBuilder &project, const Dialect &dialect = Dial
     return PgnTables::collect(*project.store(), dialect, multiLine, PgnTables::Scope::AllMessages);
 }
 
-TEST(PgnTables, PlaceSignalsByTheirType)
-{
-    struct Case
-    {
-        quint32 dataType;
-        quint16 bitSize;
-        quint32 bits;
-        QString type;
-        QString pointer; ///< of a managed signal with the default 0x12
-        QString value;
-    };
-    const QList<Case> cases{
-        {1, 8, 1, u"B"_s, u"&mv_u8[0]"_s, u"18"_s},
-        {2, 8, 8, u"I8"_s, u"&mv_i8[0]"_s, u"18"_s},
-        {6, 3, 16, u"U16"_s, u"&mv_u16[0]"_s, u"18"_s},
-        {8, 0, 32, u"R32"_s, u"NULL"_s, {}},
-        {10, 40, 40, u"NON_NUMERIC"_s, u"NULL"_s, {}},
-        {15, 16, 16, u"NON_NUMERIC"_s, u"NULL"_s, {}},
-        {22, 0, 24, u"U24"_s, u"&mv_u32[0]"_s, u"18"_s},
-        {27, 0, 64, u"U64"_s, u"&mv_u64[0]"_s, u"U64_SET(0x00,0x00,0x00,0x00,0x00,0x00,0x00,0x12)"_s},
-        {102, 0, 4, u"U4"_s, u"&mv_u8[0]"_s, u"18"_s},
-        {109, 0, 12, u"U12"_s, u"&mv_u16[0]"_s, u"18"_s},
-        {120, 24, 24, u"STRING_NULL"_s, u"NULL"_s, {}},
-        {121, 48, 48, u"STRING_ASTERIKS"_s, u"NULL"_s, {}},
-    };
-    for (const Case &row : cases) {
-        ProjectBuilder project;
-        project.line(0, 4).canId(0x123, rx, u"Any"_s).element(1, u"Signal"_s, [&row](auto &signal) {
-            signal.datatype = row.dataType;
-            signal.bitsize = row.bitSize;
-            signal.implementation = 0;
-            signal.defaultvalue = u"0x12"_s;
-        });
-        const PgnTables tables = collected(project);
-        const PgnTables::Signal &signal = tables.lines.first().receivedCanIds.first().items.first();
-        EXPECT_EQ(signal.bits, row.bits) << row.dataType;
-        EXPECT_EQ(signal.type, row.type) << row.dataType;
-        EXPECT_EQ(signal.pointer, row.pointer) << row.dataType;
-        EXPECT_EQ(tables.arrays.isEmpty() ? QString() : tables.arrays.first().elements.first().value, row.value);
-    }
-}
-
 TEST(PgnTables, CutValuesToTheirType)
 {
     ProjectBuilder project;
@@ -87,33 +45,6 @@ TEST(PgnTables, CutValuesToTheirType)
                                    u"mv_i32 -2147483648"_s}));
 }
 
-TEST(PgnTables, ClaimTheAddressWithoutTouchingTheProject)
-{
-    ProjectBuilder project;
-    project.line(0, 2).j1939(u"identitynumber"_s, u"1,0x123456"_s).j1939(u"startaddress"_s, u"128,129"_s);
-    project.j1939(u"manufacturercode"_s, u"346"_s).j1939(u"addresscapable"_s, u"1"_s).line(1, 2);
-    const PgnTables v4 = collected(project, Dialect::v4(), true);
-    const PgnTables::Line &line = v4.lines.last();
-    EXPECT_EQ(line.sourceAddress, 129);
-    QStringList fields;
-    quint32 end = 0;
-    for (qsizetype i = 0; i < line.nameFields.size(); ++i) {
-        const PgnTables::Signal &signal = line.addressClaim.items.at(i);
-        fields.append(u"%1@%2+%3=%4"_s.arg(signal.number)
-                          .arg(signal.bitPosition)
-                          .arg(signal.bits)
-                          .arg(line.nameFields.at(i).value));
-        end = signal.bitPosition + signal.bits;
-    }
-    EXPECT_EQ(fields,
-              (QStringList{u"2837@0+21=1193046"_s, u"2838@21+11=346"_s, u"2840@32+3=0"_s, u"2839@35+5=0"_s,
-                           u"2841@40+8=0"_s, u"2842@49+7=0"_s, u"2843@56+4=0"_s, u"2846@60+3=0"_s, u"2844@63+1=1"_s}));
-    EXPECT_EQ(end, 64U);
-    EXPECT_EQ(line.addressClaim.mapping, u"l1_tx_mapping_60928");
-    EXPECT_EQ(collected(project, Dialect::classic(), true).lines.last().addressClaim.items.size(), 10);
-    EXPECT_TRUE(project.store()->getPGNList(0, 0).isEmpty());
-}
-
 TEST(PgnTables, LeaveSafetyGroupsToTheirOwnModule)
 {
     ProjectBuilder project;
@@ -123,19 +54,9 @@ TEST(PgnTables, LeaveSafetyGroupsToTheirOwnModule)
     EXPECT_EQ(collected(project).lines.first().transmittedPgns.size(), 1);
 }
 
-TEST(PgnTables, GiveACanIdWithTheNumberOfAGroupItsOwnTables)
-{
-    ProjectBuilder project;
-    project.line(0, 7).pgn(256, tx, u"Group"_s).canId(256, tx, u"Frame"_s).canId(256, rx, u"Frame"_s);
-    const PgnTables::Line line = collected(project).lines.first();
-    EXPECT_EQ(line.transmittedPgns.first().mapping, u"tx_mapping_256");
-    EXPECT_EQ(line.transmittedCanIds.first().mapping, u"tx_mapping_256_canid");
-    EXPECT_EQ(line.receivedCanIds.first().mapping, u"rx_mapping_256");
-}
-
 // ---- What the stack reads ------------------------------------------------------------------------------------------
 
-constexpr std::array dataTypes{1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 22U, 27U, 100U, 105U, 109U, 118U, 121U, 10U, 15U};
+constexpr std::array dataTypes{1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 22U, 27U, 100U, 105U, 109U, 118U, 120U, 121U, 10U, 15U};
 
 /// Makes a signal of any type and kind, with a variable of that name where it has one.
 auto randomSignal(std::mt19937 &random, const QString &variable)
@@ -222,12 +143,13 @@ void PrintTo(const Form &form, std::ostream *out)
 /// What a walk over the stack's tables has to print for a signal, by the store alone.
 QString expectedSignal(const StoreRecords::SPN &signal, quint32 number, const Form &form)
 {
-    const bool text = signal.datatype == 121 || signal.datatype == 10 || signal.datatype == 15;
+    const bool text = signal.datatype >= 120 || signal.datatype == 10 || signal.datatype == 15;
     QString word = text ? u"NONE"_s : u"NUMERIC"_s;
     if (form.v4)
-        word = signal.datatype == 121 ? u"STRING_ASTERIKS"_s
-               : text                 ? u"NON_NUMERIC"_s
-                                      : COHelper::index2DataTypeShortString(signal.datatype);
+        word = signal.datatype == 121   ? u"STRING_ASTERIKS"_s
+               : signal.datatype == 120 ? u"STRING_NULL"_s
+               : text                   ? u"NON_NUMERIC"_s
+                                        : COHelper::index2DataTypeShortString(signal.datatype);
     const bool managed = signal.implementation < 2 && !text && signal.datatype != 8;
     // Without static values the variables of groups begin with 0.
     const quint64 value = form.initialised ? signal.defaultvalue.toULongLong() : 0;
@@ -445,8 +367,9 @@ TEST(PgnGenerator, WritesTheFormerServiceValues)
     const QString text = folder.text(u"gen_pgn.c"_s);
     EXPECT_TRUE(text.contains(u"const J1939_SERVICE_INIT_VAL_T\tserviceInitVars = {\n\t3u,\n"_s)) << qPrintable(text);
     EXPECT_TRUE(text.contains(u"\t0, \n\tJ1939_TRANSMIT_PGN_CNT,\n\t0, \n\tJ1939_RECEIVE_PGN_CNT,\n"_s));
-    EXPECT_FALSE(text.contains(u"jPgnReceiveConfig"_s));
-    EXPECT_TRUE(text.contains(u"\tmv_u16[0] = 0;\n"_s));
+    PGNGenerator fd;
+    folder.generate(fd, project.general(u"canfd_supported"_s, u"1"_s));
+    EXPECT_TRUE(folder.text(u"gen_pgn.c"_s).contains(u"RET_T retVal;\nUNSIGNED8 i;\n"_s));
 }
 
 TEST(ExternDeclarations, TellEachVariableOnce)
@@ -492,6 +415,13 @@ TEST(ExternDeclarations, TellEachVariableOnce)
     const QString definitions = folder.text(u"gen_var_decl.c"_s).section(u"NJX_USE_GENERATED_VARIABLES\n"_s, 1, 1);
     EXPECT_FALSE(definitions.contains(u"extern"_s));
     EXPECT_TRUE(definitions.contains(u"\nchar\ttext[8];\t/* SPN5 */\n"_s)) << qPrintable(definitions);
+
+    for (const QString &coreHeaders : {u"0"_s, u"1"_s}) {
+        ExtDeclGenerator classic;
+        folder.generate(classic, project.general(u"use_core_headers"_s, coreHeaders));
+        EXPECT_EQ(folder.text(u"gen_extern_decl.h"_s).contains(u"#include <core_datatype.h>\n"_s),
+                  coreHeaders == "1"_L1);
+    }
 }
 
 } // namespace
