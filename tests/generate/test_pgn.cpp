@@ -2,6 +2,7 @@
 #include "generate/dialect.h"
 #include "generate/j1939/pgngenerator.h"
 #include "generate/j1939/pgntables.h"
+#include "generate/stack/definegenerator.h"
 #include "generate/stack/externdeclgenerator.h"
 #include "generate/stack/multiprogenerator.h"
 #include "generatedc.h"
@@ -218,44 +219,6 @@ QStringList expectedWalk(ObjectDataBase &store, const Form &form)
     return lines;
 }
 
-/// As much of gen_define.h as the messages need.
-QString defines(ObjectDataBase &store, const Form &form)
-{
-    qsizetype sent = 0;
-    qsizetype received = 0;
-    for (const quint8 line : store.getNodeList()) {
-        sent += store.getPGNList(line, tx).size();
-        received += store.getPGNList(line, rx).size();
-    }
-    QStringList lines{u"J1939_TRANSMIT_PGN_CNT %1u"_s.arg(sent),
-                      u"J1939_RECEIVE_PGN_CNT %1u"_s.arg(received),
-                      u"J1939_TRANSMIT_PGN_COUNTS %1u"_s.arg(sent),
-                      u"J1939_RECEIVE_PGN_COUNTS %1u"_s.arg(received),
-                      u"J1939_SSDO_COUNTS 0u"_s,
-                      u"J1939_CSDO_COUNTS 0u"_s,
-                      u"J1939_DEST_BUFFER_COUNTS 1u"_s,
-                      u"RAWCAN_RECEIVE_COUNTS 0u"_s,
-                      u"RAWCAN_TRANSMIT_COUNTS 0u"_s};
-    const QString core = form.v4 ? u"CORE_"_s : u"CO_"_s;
-    const QString can = form.v4 ? u"CAN_"_s : u"CO_"_s;
-    lines += {core + u"REC_BUFFER_COUNTS 10u"_s, core + u"TR_BUFFER_COUNTS 5u"_s, core + u"COB_COUNTS 8u"_s};
-    if (form.hasJ1939())
-        lines += u"J1939_SUPPORTED 1u"_s;
-    if (form.hasRawCan())
-        lines += u"RAWCAN_SUPPORTED 1u"_s;
-    if (form.v4)
-        lines += {u"J1939_RECEIVE_PGN_CFG_CNT %1u"_s.arg(received), u"J1939_RECEIVE_PGN_CFG_COUNTS 1u"_s};
-    if (form.multiLine())
-        lines += {can + u"MULTI_LINE 1u"_s, can + u"MULTI_LINE_CNT %1u"_s.arg(form.lineTypes.size())};
-    if (form.fd)
-        lines += core + u"CANFD_SUPPORTED 1u"_s;
-    if (form.safety)
-        lines += {u"J1939_SDG_SUPPORTED 1u"_s, u"J1939_SDG_TRANS_COUNTS 0u"_s, u"J1939_SDG_REC_COUNTS 0u"_s};
-    if (form.dynamic)
-        lines += u"J1939_DYNAMIC_PGN 1u"_s;
-    return "#define "_L1 + lines.join("\n#define "_L1) + u'\n';
-}
-
 ProjectBuilder randomProject(const Form &form)
 {
     std::mt19937 random(1939);
@@ -276,25 +239,29 @@ ProjectBuilder randomProject(const Form &form)
     return project;
 }
 
-void generateAll(const GeneratedC &folder, const ProjectBuilder &project, const Form &form)
+template <typename Defines, typename Variables, typename Groups, typename Messages>
+void generateForm(const GeneratedC &folder, const ProjectBuilder &project, const Form &form)
 {
     const MultiProtocols protocols{.canOpen = form.hasCanOpen(), .j1939 = form.hasJ1939(), .rawCan = form.hasRawCan()};
-    std::unique_ptr<AbstractGenerator> messages;
-    std::unique_ptr<AbstractGenerator> variables;
-    if (form.v4) {
-        variables = std::make_unique<ExtDeclGeneratorV4>();
-        messages = std::make_unique<PGNGeneratorV4>();
-        if (form.isMultiProtocol())
-            messages = std::make_unique<MultiProGeneratorV4>(protocols, false);
-    } else {
-        variables = std::make_unique<ExtDeclGenerator>();
-        messages = std::make_unique<PGNGenerator>();
-        if (form.isMultiProtocol())
-            messages = std::make_unique<MultiProGenerator>(protocols, false);
-    }
-    folder.generate(*messages, project, form.multiLine());
-    folder.generate(*variables, project, form.multiLine());
-    folder.add(u"gen_define.h"_s, defines(*project.store(), form));
+    Defines defines;
+    defines.setJ1939Mode(form.hasJ1939());
+    defines.setMultiProtocol(form.isMultiProtocol());
+    Variables variables;
+    Groups groups;
+    Messages messages(protocols, false);
+    AbstractGenerator &source = form.isMultiProtocol() ? static_cast<AbstractGenerator &>(messages) : groups;
+    for (AbstractGenerator *generator :
+         {static_cast<AbstractGenerator *>(&defines), static_cast<AbstractGenerator *>(&variables), &source})
+        folder.generate(*generator, project, form.multiLine());
+}
+
+void generateAll(const GeneratedC &folder, const ProjectBuilder &project, const Form &form)
+{
+    if (form.v4)
+        generateForm<GenDefineGenerator, ExtDeclGeneratorV4, PGNGeneratorV4, MultiProGeneratorV4>(folder, project,
+                                                                                                  form);
+    else
+        generateForm<CoDefineGenerator, ExtDeclGenerator, PGNGenerator, MultiProGenerator>(folder, project, form);
     QStringList symbols;
     for (const QString &row : expectedWalk(*project.store(), form)) {
         if (const QString name = row.section(u' ', -1); name.startsWith("v_"_L1))
