@@ -400,16 +400,10 @@ TEST_F(TextForm, SingleQuotesSurvive)
     ObjectDataBase project;
     ASSERT_TRUE(open(project, text));
     EXPECT_EQ(project.getGeneralSetting(u"hw_defines"_s), u"#define C 'x'"_s);
-    ObjectDataBase::NODE_DATA_T node;
-    ASSERT_TRUE(project.getNode(0, node));
-    EXPECT_EQ(node.prefix, u"a'b"_s);
-    ObjectDataBase::SPN spn;
-    ASSERT_TRUE(project.getSPN(0, 5, ObjectDataBase::transmit, 7, spn));
-    EXPECT_EQ(spn.varname, u"c['0']"_s);
-    for (const QString &again : {u"first"_s, u"again"_s}) {
-        ObjectDataBase::SUBINDEX_DATA_T sub;
-        ASSERT_TRUE(project.getSubIndex(0, 0x2000, 0, sub)) << again.toStdString();
-        EXPECT_EQ(sub.defaultvalue + sub.varname, u"it'sa['b']"_s);
+    EXPECT_EQ(rowsOf(project, u"select prefix from Nodes"_s), QStringList{u"a'b"_s});
+    EXPECT_EQ(rowsOf(project, u"select direction, varname from SPNs0"_s), QStringList{u"85|c['0']"_s});
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(rowsOf(project, u"select defaultvalue, varname from SubObjects0"_s), QStringList{u"it's|a['b']"_s});
         project.saveDatabaseAsText(path(u"again.ncxt"_s));
         ASSERT_TRUE(project.openTextDatabase(path(u"again.ncxt"_s)));
     }
@@ -417,18 +411,13 @@ TEST_F(TextForm, SingleQuotesSurvive)
 
 TEST_F(TextForm, SmallProjectsThatAPersonWroteOpen)
 {
-    ASSERT_TRUE(store.openDataBase([&] {
-        TestSupport::writeFile(path(u"a.ncxt"_s),
-                               "[GeneralSettings]\nline0type=1\nco_node_id=1,2\n\n[Nodes]\n0\\name=Motor\n"
-                               "1\\name = second line\n300\\name=x\n[Objects1]\n0x1000\\name=Device type\n"
-                               "[SubObjects1]\n0x1000\\0\\datatype=7\n[Unknown]\nx=1\n");
-        return path(u"a.ncxt"_s);
-    }()));
-    EXPECT_EQ(store.getNodeList(), (QList<quint8>{0, 1}));
-    ObjectDataBase::NODE_DATA_T node;
-    ASSERT_TRUE(store.getNode(1, node));
-    EXPECT_EQ(node.name, u"second line"_s);
-    EXPECT_EQ(node.outputpath, u"C:/"_s);
+    TestSupport::writeFile(path(u"a.ncxt"_s),
+                           "[GeneralSettings]\nline0type=1\nco_node_id=1,2\n\n[Nodes]\n0\\name=Motor\n"
+                           "1\\name = second line\n300\\name=x\n[Objects1]\n0x1000\\name=Device type\n"
+                           "[SubObjects1]\n0x1000\\0\\datatype=7\n[Unknown]\nx=1\n");
+    ASSERT_TRUE(store.openDataBase(path(u"a.ncxt"_s)));
+    EXPECT_EQ(rows(u"select nodeId, name, outputpath from Nodes"_s),
+              (QStringList{u"0|Motor|C:/"_s, u"1|second line|C:/"_s}));
     EXPECT_EQ(store.getGeneralSetting(u"co_node_id"_s), u"1,2"_s);
     EXPECT_EQ(store.getIndexName(1, 0x1000), u"Device type"_s);
     EXPECT_EQ(store.getSubIndexDataType(1, 0x1000, 0), 7);
