@@ -353,72 +353,7 @@ private:
     int domainCount_ = 0;
 };
 
-/// What a macro of gen_define.h counts: objects of a range, or the subindices of one object.
-struct CountRow
-{
-    const char *macro;
-    quint16 first;
-    quint16 last;
-    bool ofSubs = false;
-    bool isSum = false;
-};
-
-constexpr std::array counts{
-    CountRow{"CO_OBJECT_COUNTS", 0x1000, 0xffff},
-    CountRow{"CO_TXPDO_COUNTS", 0x1800, 0x19ff},
-    CountRow{"CO_RXPDO_COUNTS", 0x1400, 0x15ff},
-    CountRow{"CO_CSDO_COUNTS", 0x1280, 0x12ff},
-    CountRow{"CO_SRDO_COUNTS", 0x1301, 0x137f},
-    CountRow{"CO_ASSIGN_COUNTS", 0x1f81, 0x1f81, true},
-    CountRow{"CO_ERR_CTRL_COUNTS", 0x1016, 0x1016, true},
-    CountRow{"CO_ERR_HIST_COUNTS", 0x1003, 0x1003, true},
-    CountRow{"CO_ACT_ERR_HIST_COUNTS", 0x1032, 0x1032, true},
-    CountRow{"CO_EMCY_CONS_COUNTS", 0x1028, 0x1028, true},
-    CountRow{"CO_NETWORK_ROUTING_COUNTS", 0x1f2c, 0x1f2c, true},
-    CountRow{"CO_PDO_TRANSMIT_CNT", 0x1a00, 0x1bff, false, true},
-    CountRow{"CO_PDO_RECEIVE_CNT", 0x1600, 0x17ff, false, true},
-    CountRow{"CO_SRDO_CNT", 0x1301, 0x137f, false, true},
-    CountRow{"CO_SDO_CLIENT_CNT", 0x1280, 0x12ff, false, true},
-};
-
-int countOf(ObjectDataBase &store, quint8 line, const CountRow &row)
-{
-    return static_cast<int>(row.ofSubs ? store.getSubIndexList(line, row.first).size()
-                                       : store.getIndexList(line, row.first, row.last).size());
-}
-
 } // namespace
-
-QMap<QString, QString> TestSupport::expectedCounts(ObjectDataBase &store)
-{
-    const bool fd = store.getGeneralSetting(u"canfd_supported"_s).toInt() > 0;
-    QList<quint8> lines = store.getNodeList();
-    lines.removeIf([&store](quint8 line) { return store.getIndexList(line, 0x1000, 0xffff).isEmpty(); });
-    if (lines.isEmpty())
-        lines.append(0);
-    QMap<QString, QString> expected;
-    for (const CountRow &row : counts) {
-        QStringList entries;
-        int sum = 0;
-        for (const quint8 line : lines) {
-            const int count = countOf(store, line, row);
-            entries << QString::number(count);
-            sum += count;
-        }
-        expected[QString::fromLatin1(row.macro)] = row.isSum ? QString::number(sum) : entries.join(u' ');
-    }
-    QStringList servers;
-    for (const quint8 line : lines) {
-        const qsizetype objects = store.getIndexList(line, 0x1000, 0xffff).size();
-        const qsizetype count = store.getIndexList(line, 0x1200, 0x127f).size();
-        servers << QString::number(count == 0 && !fd ? 1 : count);
-        expected[u"CO_OBJECTS_LINE_%1_CNT"_s.arg(line)] = QString::number(objects);
-    }
-    expected[u"CO_SSDO_COUNTS"_s] = servers.join(u' ');
-    expected[u"CAN_MULTI_LINE_CNT"_s] = QString::number(lines.size());
-    expected[u"CO_MULTI_LINE_CNT"_s] = QString::number(lines.size());
-    return expected;
-}
 
 QSet<quint32> TestSupport::staticSafetyData(ObjectDataBase &store)
 {
