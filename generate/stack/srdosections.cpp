@@ -104,7 +104,10 @@ void writeTransmitted(CodeWriter &out, const QString &buffer, const Mapped &mapp
         {{"BUFFER", buffer}, {"BYTE", dec(firstByte)}, {"VALUE", value}});
     for (quint32 i = 1; i < mapped.bytes; ++i)
         out(u"\t\t${BUFFER}[${BYTE}] = (UNSIGNED8)((${VALUE} >> ${SHIFT}u) & 0xffu);",
-            {{"BUFFER", buffer}, {"BYTE", dec(firstByte + i)}, {"VALUE", value}, {"SHIFT", dec(i * bitsPerByte)}});
+            {{"BUFFER", buffer},
+             {"BYTE", dec(firstByte + i)},
+             {"VALUE", value},
+             {"SHIFT", dec(quint64{i} * bitsPerByte)}});
 }
 
 void writeGap(CodeWriter &out, const QString &buffer, const Mapped &mapped, quint32 firstByte)

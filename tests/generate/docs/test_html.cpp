@@ -85,37 +85,6 @@ TEST(HtmlDictionary, ShowsObjectsAsTheyAre)
     EXPECT_EQ(rowsBelow(page, u"<th>0x02</th>"_s).size(), 3);
 }
 
-TEST(HtmlDictionary, SetsTheAreasApart)
-{
-    const auto linksOf = [](std::initializer_list<quint16> indices) {
-        ProjectBuilder project;
-        for (const quint16 index : indices)
-            project.object(index, u"N"_s);
-        HTMLGenerator generator;
-        QStringList lines = contents(DocsTest::textOf(generator, project.store())).mid(2);
-        return lines.replaceInStrings(QRegularExpression(u"^ *<a href=\"#(\\d+)\">.*</a><br>$"_s), u"\\1"_s);
-    };
-    const QString apart = u"<br>"_s;
-    EXPECT_EQ(linksOf({0x1000, 0x1FFF}), (QStringList{u"4096"_s, u"8191"_s}));
-    EXPECT_EQ(linksOf({0x1000, 0x2000, 0x2001, 0x5FFF, 0x6000, 0xFFFF}),
-              (QStringList{u"4096"_s, apart, u"8192"_s, u"8193"_s, u"24575"_s, apart, u"24576"_s, u"65535"_s}));
-    EXPECT_EQ(linksOf({0x1000, 0x6000}), (QStringList{u"4096"_s, apart, apart, u"24576"_s}));
-}
-
-TEST(HtmlDictionary, ReadsTheSettingsOfItsLine)
-{
-    ProjectBuilder project;
-    project.line(1, 1);
-    for (const quint8 line : {quint8{1}, quint8{0}}) {
-        project.store()->setCurrentLine(line);
-        project.store()->setDescriptionSetting(u"ProductName"_s, u"Line %1"_s.arg(line));
-    }
-    HTMLGenerator generator;
-    const QString page = DocsTest::textOf(generator, project.store(), {.line = 1, .multiLine = true});
-    EXPECT_EQ(rowsBelow(page, u"<th id=\"gen\""_s).value(2), u"*Product name:: Line 1");
-    EXPECT_EQ(project.store()->currentLine(), 0);
-}
-
 TEST(HtmlMessages, TellDirectionsApart)
 {
     ProjectBuilder project;
