@@ -67,6 +67,7 @@ bool ObjectDataBase::saveDatabaseAsSql(const QString &path)
     // A backup without its project is all that a failed save left, and stays until there is something to replace it.
     const QString backup = target + ".bak"_L1;
     const bool replaces = QFile::exists(target);
+    const QFile::Permissions permissions = QFile::permissions(target);
     if (replaces) {
         QFile::remove(backup);
         QFile::rename(target, backup);
@@ -77,7 +78,7 @@ bool ObjectDataBase::saveDatabaseAsSql(const QString &path)
         return false;
     }
     if (replaces)
-        QFile::setPermissions(target, QFile::permissions(backup));
+        QFile::setPermissions(target, permissions);
     projectPath_ = target;
     return true;
 }
