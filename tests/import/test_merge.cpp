@@ -177,21 +177,6 @@ TEST_F(Merge, ReplacesTheLayoutOfAMessage)
     EXPECT_EQ(messages(*target.store()), messages(*withElement(16, 1).store()));
 }
 
-TEST_F(Merge, IntoItselfChangesNothing)
-{
-    for (const int type : {5, 6, 7}) {
-        const Store store = full(type).store();
-        ASSERT_TRUE(store->saveDatabase(path(u"self.ncxp"_s)));
-        const Store reopened = std::make_shared<ObjectDataBase>();
-        ASSERT_TRUE(reopened->openDataBase(path(u"self.ncxp"_s)));
-        const QString before = contents(*reopened);
-        const QByteArray file = TestSupport::readFile(path(u"self.ncxp"_s));
-        ASSERT_TRUE(ImportDispatch::importFile(reopened, path(u"self.ncxp"_s)));
-        EXPECT_EQ(contents(*reopened), before);
-        EXPECT_EQ(TestSupport::readFile(path(u"self.ncxp"_s)), file);
-    }
-}
-
 TEST_F(Merge, GoesByTheLinesOfTheOpenProject)
 {
     ProjectBuilder other;
