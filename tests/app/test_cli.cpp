@@ -20,7 +20,7 @@ using namespace TestSupport;
 
 namespace {
 
-const QString helpText = u"--- CANopen NodeComposer 4.3.3  Help ---\n"
+const QString helpText = u"--- CANopen NodeComposer " NCX_VERSION "  Help ---\n"
                          "\t-dbmod\t\tApply a db modification. Only for internal use.\n"
                          "\t-import\t\tSets an importfile. This argument is optional.\n"
                          "\t-project\t\tSets the project file to use. This argument is mandatory.\n"
@@ -294,7 +294,7 @@ TEST_F(Cli, OpensByWhatTheBuildMayOpen)
     for (const auto &[program, name, exitCode] : builds) {
         const ProcessResult result = run({u"-project"_s, path(u"j.ncxp"_s)}, program);
         EXPECT_EQ(result.exitCode, exitCode) << qPrintable(program);
-        EXPECT_TRUE(result.output.startsWith(name + u" 4.3.3 Build: "_s));
+        EXPECT_TRUE(result.output.startsWith(name + u" " NCX_VERSION " Build: "_s));
         EXPECT_TRUE(QDir(dataFolder() + u"/../"_s + name).isEmpty());
         const ProcessResult server = run({u"-project"_s, u"--mcp"_s}, program);
         const bool serves = name != "EnergyBus NodeAssistant"_L1;
