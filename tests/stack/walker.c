@@ -5,7 +5,6 @@
  * walker dump          prints each subindex of each line
  * walker start [N]     prints the calls of the start-up, of which the Nth fails, and what that returns
  * walker predefined    prints the calls that overwrite the predefined connection set
- * walker counts        prints the counts of gen_define.h
  */
 
 #include "stack.h"
@@ -21,15 +20,6 @@ typedef struct
     const void *pVar;
 } VARIABLE_T;
 extern const VARIABLE_T walkerVariables[];
-
-/* The counts of gen_define.h; the last one has no name. */
-typedef struct
-{
-    const char *name;
-    unsigned count;
-    const UNSIGNED32 *pValues;
-} COUNTS_T;
-extern const COUNTS_T walkerCounts[];
 
 #if defined(WALK_MP)
 #include <mp_mp.h>
@@ -462,19 +452,6 @@ static void predefined(void)
 #endif
 }
 
-static void counts(void)
-{
-    const COUNTS_T *p;
-    unsigned i;
-
-    for (p = walkerCounts; p->name != NULL; ++p) {
-        printf("%s", p->name);
-        for (i = 0; i < p->count; ++i)
-            printf(" %lu", (unsigned long)p->pValues[i]);
-        putchar('\n');
-    }
-}
-
 int main(int argc, char **argv)
 {
     const char *mode = argc > 1 ? argv[1] : "";
@@ -485,10 +462,6 @@ int main(int argc, char **argv)
         if (ret != RET_OK)
             return 1;
         dump();
-        return 0;
-    }
-    if (strcmp(mode, "counts") == 0) {
-        counts();
         return 0;
     }
     stackTrace = 1;
