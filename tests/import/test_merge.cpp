@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
 #include <QSqlQuery>
 #include <QTemporaryDir>
 
@@ -312,7 +311,7 @@ TEST_F(Documentation, LeavesOutWhatCannotBeRead)
                                 "  6 'last' type=5 pos=1 bits=0 at=0 implementation=0 variable='' default='0'\n"_s);
 }
 
-TEST_F(Documentation, AndMergeGrowLinearly)
+TEST_F(Documentation, AndMergeTakeManyMessages)
 {
     QByteArray text;
     for (int pgn = 0; pgn < 200; ++pgn) {
@@ -322,14 +321,9 @@ TEST_F(Documentation, AndMergeGrowLinearly)
             text += "\tSPN:\t" + QByteArray::number(pgn * 50 + spn) + "\tName:\tS\tData type:\tU8\n";
     }
     const Store source = ProjectBuilder().line(0, 2).store();
-    QElapsedTimer timer;
-    timer.start();
     ASSERT_TRUE(importText(source, text));
-    EXPECT_LT(timer.elapsed(), 3000);
     ASSERT_TRUE(source->saveDatabase(path(u"large.ncxp"_s)));
     const Store target = ProjectBuilder().line(0, 2).store();
-    timer.restart();
     ASSERT_TRUE(ImportDispatch::importFile(target, path(u"large.ncxp"_s)));
-    EXPECT_LT(timer.elapsed(), 3000);
     EXPECT_EQ(messages(*target), messages(*source));
 }
