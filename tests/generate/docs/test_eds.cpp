@@ -114,27 +114,6 @@ TEST(Eds, HeadTellsOfTheDevice)
     EXPECT_EQ(valueOf(empty, u"DeviceInfo"_s, u"GroupMessaging"_s), u"0");
 }
 
-TEST(Eds, ListsObjectsByAreas)
-{
-    ProjectBuilder project;
-    for (const int index :
-         {0x0005, 0x1000, 0x1005, 0x1018, 0x1030, 0x1032, 0x2000, 0x5fff, 0x6000, 0xcfff, 0xd000, 0xe000})
-        project.object(static_cast<quint16>(index), {}).sub(0, {});
-    const QString plain = edsOf(project);
-    EXPECT_EQ(section(plain, u"MandatoryObjects"_s),
-              (QStringList{u"SupportedObjects=3"_s, u"1=0x1000"_s, u"2=0x1001"_s, u"3=0x1018"_s}));
-    EXPECT_EQ(section(plain, u"ManufacturerObjects"_s),
-              (QStringList{u"SupportedObjects=2"_s, u"1=0x2000"_s, u"2=0x5fff"_s}));
-    EXPECT_EQ(section(plain, u"OptionalObjects"_s),
-              (QStringList{u"SupportedObjects=3"_s, u"1=0x1005"_s, u"2=0x6000"_s, u"3=0xcfff"_s}));
-    EXPECT_TRUE(plain.contains("\n[e000]\n"_L1));
-    EXPECT_FALSE(plain.contains("[0005]"_L1) || plain.contains("1030"_L1) || plain.contains("1032"_L1));
-
-    const QString extended = edsOf(project, {.extended = true});
-    EXPECT_EQ(section(extended, u"OptionalObjects"_s).value(0), u"SupportedObjects=5");
-    EXPECT_TRUE(extended.contains("\n[1030]\n"_L1) && extended.contains("\n[1032]\n"_L1));
-}
-
 TEST(Eds, HoldsWhatTheTagSays)
 {
     const StoreRecords::Metadata a{{u"eds_define"_s, u"A"_s}};
