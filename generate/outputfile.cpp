@@ -1,5 +1,7 @@
 #include "generate/outputfile.h"
 
+#include "texttools/wholefile.h"
+
 #include <QFileInfo>
 #include <QSaveFile>
 
@@ -18,7 +20,7 @@ bool OutputFile::open()
 bool OutputFile::commit()
 {
     if (auto *whole = qobject_cast<QSaveFile *>(file_.get()))
-        return whole->commit() || failed();
+        return TextTools::commitWhole(*whole) || failed();
     if (file_->error() != QFileDevice::NoError)
         return failed();
     file_->close();

@@ -3,6 +3,7 @@
 #include "store/objectdatabase.h"
 #include "store/objectrowwriter.h"
 #include "store/settingstext.h"
+#include "texttools/wholefile.h"
 
 #include <QDebug>
 #include <QRegularExpression>
@@ -258,9 +259,7 @@ bool DatabaseTextConverter::convertSqlToText()
         else
             qDebug().noquote() << "unhandled table" << table;
     }
-    if (!writer.flush())
-        file.cancelWriting();
-    writeFailed_ = !file.commit();
+    writeFailed_ = !writer.flush() || !TextTools::commitWhole(file);
     if (writeFailed_)
         qDebug().noquote() << "convertSqlToText" << *file_ << file.errorString();
     return true;

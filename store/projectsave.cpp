@@ -3,11 +3,15 @@
 #include "store/objectdatabase.h"
 
 #include "store/databasetextconverter.h"
+#include "texttools/wholefile.h"
 
 #include <QCoreApplication>
 #include <QDebug>
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
+
+#include <filesystem>
 
 using namespace Qt::StringLiterals;
 
@@ -19,6 +23,34 @@ constexpr quint8 scratchLines[] = {254, 255};
 QString cannotWrite(const QString &path)
 {
     return u"The project cannot be written to %1."_s.arg(path);
+}
+
+/// Where a folder takes no new files, the one that is there can only be written over.
+bool overwrite(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    return QFile::exists(path) && file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+           file.write(content) == content.size() && file.flush();
+}
+
+/// Puts a file in the place of another, which becomes its backup; without one, a backup that is there stays. Where the
+/// file system knows links, the place is never empty.
+bool replaceFile(const QString &target, const QString &fresh)
+{
+    const std::filesystem::path path = QFileInfo(target).filesystemFilePath();
+    std::error_code error;
+    if (QFile::exists(target)) {
+        QFile::setPermissions(fresh, QFile::permissions(target));
+        const QString backup = target + ".bak"_L1;
+        QFile::remove(backup);
+        std::filesystem::create_hard_link(path, QFileInfo(backup).filesystemFilePath(), error);
+        if (error)
+            QFile::rename(target, backup);
+    }
+    std::filesystem::rename(QFileInfo(fresh).filesystemFilePath(), path, error);
+    if (error)
+        QFile::remove(fresh);
+    return !error;
 }
 
 } // namespace
@@ -64,36 +96,33 @@ bool ObjectDataBase::saveDatabaseAsSql(const QString &path)
     if (refusesDamaged())
         return false;
 
-    // A backup without its project is all that a failed save left, and stays until there is something to replace it.
-    const QString backup = target + ".bak"_L1;
-    const bool replaces = QFile::exists(target);
-    if (replaces) {
-        QFile::remove(backup);
-        QFile::rename(target, backup);
-    }
     if (!copyWorkingCopyTo(target)) {
         qDebug().noquote() << "ERROR copy " << database_.databaseName() << "to " << target;
         lastError_ = cannotWrite(target);
         return false;
     }
-    if (replaces)
-        QFile::setPermissions(target, QFile::permissions(backup));
     projectPath_ = target;
     return true;
 }
 
+/// The new file is complete, on disk and under a name of its own before the old one moves away, so that at any moment
+/// the project or its backup is whole.
 bool ObjectDataBase::copyWorkingCopyTo(const QString &target)
 {
     QFile source(database_.databaseName());
-    QFile file(target);
-    if (target.isEmpty() || !source.open(QIODevice::ReadOnly) || !file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    if (target.isEmpty() || !source.open(QIODevice::ReadOnly))
         return false;
     const QByteArray content = source.readAll();
-    if (content.size() == source.size() && file.write(content) == content.size() && file.flush())
-        return true;
-    // Part of a database might open as a whole one; without the file, the next save leaves the backup alone.
-    file.remove();
-    return false;
+    if (content.size() != source.size())
+        return false;
+
+    const QString folder = QFileInfo(target).path();
+    QSaveFile file(u"%1/.ncxsave%2"_s.arg(folder, QString::number(QCoreApplication::applicationPid())));
+    if (!file.open(QIODevice::WriteOnly))
+        return !QFileInfo(folder).isWritable() && overwrite(target, content);
+    if (file.write(content) != content.size() || !TextTools::commitWhole(file))
+        return false;
+    return replaceFile(target, file.fileName());
 }
 
 bool ObjectDataBase::saveDatabaseAsText(const QString &path)

@@ -1,5 +1,7 @@
 #include "texttools/helper.h"
 
+#include "texttools/wholefile.h"
+
 #include <QFile>
 #include <QSaveFile>
 #include <QStringList>
@@ -51,6 +53,7 @@ QString Helper::substituteVariables(const QString &text, quint32 index, quint32 
         const qsizetype close = text.indexOf(u'}', open);
         if (close < 0)
             break;
+        open = text.lastIndexOf("${"_L1, close); // no word holds another beginning
         const QString value = valueOf(view.mid(open + 2, close - open - 2),
                                       {{"index"_L1, index, 4}, {"subindex"_L1, subindex, 2}, {"line"_L1, line, 1}});
         if (value.isNull()) {
@@ -113,5 +116,6 @@ bool Helper::modifyLineEnding(const QString &path, const QString &ending)
         content.replace("\n", ending.toUtf8());
 
     QSaveFile target(path);
-    return target.open(QIODevice::WriteOnly) && target.write(content) == content.size() && target.commit();
+    return target.open(QIODevice::WriteOnly) && target.write(content) == content.size() &&
+           TextTools::commitWhole(target);
 }
