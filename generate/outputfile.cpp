@@ -3,7 +3,6 @@
 #include "texttools/wholefile.h"
 
 #include <QFileInfo>
-#include <QSaveFile>
 
 using namespace Qt::StringLiterals;
 
@@ -13,14 +12,14 @@ bool OutputFile::open()
     if (info.exists() && !info.isFile())
         file_ = std::make_unique<QFile>(path_);
     else
-        file_ = std::make_unique<QSaveFile>(path_);
+        file_ = std::make_unique<WholeFile>(path_);
     return file_->open(QIODevice::WriteOnly | QIODevice::Truncate) || failed();
 }
 
 bool OutputFile::commit()
 {
-    if (auto *whole = qobject_cast<QSaveFile *>(file_.get()))
-        return TextTools::commitWhole(*whole) || failed();
+    if (auto *whole = qobject_cast<WholeFile *>(file_.get()))
+        return whole->commitWhole() || failed();
     if (file_->error() != QFileDevice::NoError)
         return failed();
     file_->close();

@@ -7,7 +7,6 @@
 
 #include <QDebug>
 #include <QRegularExpression>
-#include <QSaveFile>
 #include <QSqlError>
 #include <QSqlQuery>
 
@@ -243,7 +242,7 @@ bool DatabaseTextConverter::convertSqlToText()
     writeFailed_ = tables.isEmpty();
     if (writeFailed_)
         return true;
-    QSaveFile file(*file_);
+    WholeFile file(*file_);
     if (!file.open(QIODevice::WriteOnly)) {
         qDebug().noquote() << "convertSqlToText" << *file_ << file.errorString();
         writeFailed_ = true;
@@ -259,7 +258,7 @@ bool DatabaseTextConverter::convertSqlToText()
         else
             qDebug().noquote() << "unhandled table" << table;
     }
-    writeFailed_ = !writer.flush() || !TextTools::commitWhole(file);
+    writeFailed_ = !writer.flush() || !file.commitWhole();
     if (writeFailed_)
         qDebug().noquote() << "convertSqlToText" << *file_ << file.errorString();
     return true;

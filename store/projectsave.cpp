@@ -9,7 +9,6 @@
 #include <QDebug>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <filesystem>
 
@@ -117,10 +116,10 @@ bool ObjectDataBase::copyWorkingCopyTo(const QString &target)
         return false;
 
     const QString folder = QFileInfo(target).path();
-    QSaveFile file(u"%1/.ncxsave%2"_s.arg(folder, QString::number(QCoreApplication::applicationPid())));
+    WholeFile file(u"%1/.ncxsave%2"_s.arg(folder, QString::number(QCoreApplication::applicationPid())));
     if (!file.open(QIODevice::WriteOnly))
         return !QFileInfo(folder).isWritable() && overwrite(target, content);
-    if (file.write(content) != content.size() || !TextTools::commitWhole(file))
+    if (file.write(content) != content.size() || !file.commitWhole())
         return false;
     return replaceFile(target, file.fileName());
 }

@@ -3,7 +3,6 @@
 #include "texttools/wholefile.h"
 
 #include <QFile>
-#include <QSaveFile>
 #include <QStringList>
 
 using namespace Qt::StringLiterals;
@@ -115,7 +114,6 @@ bool Helper::modifyLineEnding(const QString &path, const QString &ending)
     if (ending != "\n"_L1)
         content.replace("\n", ending.toUtf8());
 
-    QSaveFile target(path);
-    return target.open(QIODevice::WriteOnly) && target.write(content) == content.size() &&
-           TextTools::commitWhole(target);
+    WholeFile target(path);
+    return target.open(QIODevice::WriteOnly) && target.write(content) == content.size() && target.commitWhole();
 }

@@ -1,11 +1,22 @@
 #pragma once
 
-class QSaveFile;
+#include <QSaveFile>
 
-namespace TextTools {
+/// A file that takes the place of a former one if all of it could be written. QSaveFile alone commits what is left of
+/// a file when the disk was full for a part of it only, or for the rest of its buffer.
+class WholeFile : public QSaveFile
+{
+    Q_OBJECT
 
-/// Puts a new file in its place if all of it could be written. False, with the error of the file set, leaves the former
-/// one there. A commit alone overlooks that the rest of the buffer found no room on the disk.
-bool commitWhole(QSaveFile &file);
+public:
+    using QSaveFile::QSaveFile;
 
-} // namespace TextTools
+    /// False, with the error of the file set, leaves the former file in its place.
+    bool commitWhole();
+
+protected:
+    qint64 writeData(const char *data, qint64 length) override;
+
+private:
+    bool lost_ = false; ///< some data never came to the disk, whatever came behind it
+};
