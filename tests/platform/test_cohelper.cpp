@@ -58,8 +58,9 @@ TEST(COHelper, DataTypes)
     QStringList names;
     for (quint32 code = 0; code < 200; ++code) {
         const QString name = COHelper::index2DataTypeString(code);
-        if (const auto match = sized.match(name); match.hasMatch())
+        if (const auto match = sized.match(name); match.hasMatch()) {
             EXPECT_EQ(COHelper::getDataLengthBits(code), match.captured(2).toUInt()) << name.toStdString();
+        }
         if (!name.startsWith("0x"_L1))
             names << name << COHelper::index2DataTypeShortString(code);
     }
