@@ -1,10 +1,25 @@
 #include "generate/codewriter.h"
 
 #include <QList>
+#include <QVarLengthArray>
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Place of the first "${"; -1 if there is none. Every line of the output passes here, and a search for two
+/// characters costs several times one for a single character.
+qsizetype nextHole(QStringView text)
+{
+    qsizetype at = text.indexOf(u'$');
+    while (at >= 0 && !text.sliced(at + 1).startsWith(u'{'))
+        at = text.indexOf(u'$', at + 1);
+    return at;
+}
+
+} // namespace
 
 void CodeWriter::operator()(QStringView text, std::initializer_list<Hole> holes)
 {
@@ -44,7 +59,7 @@ void CodeWriter::writeBlock(QStringView text, std::initializer_list<Hole> holes,
 void CodeWriter::writeFilled(QStringView text, std::initializer_list<Hole> holes, quint64 &used)
 {
     for (;;) {
-        const qsizetype start = text.indexOf("${"_L1);
+        const qsizetype start = nextHole(text);
         const qsizetype end = start < 0 ? -1 : text.indexOf(u'}', start);
         if (end < 0)
             break;
@@ -65,7 +80,13 @@ void CodeWriter::writeFilled(QStringView text, std::initializer_list<Hole> holes
 
 QString Code::hex(quint64 value, int digits)
 {
-    return u"%1"_s.arg(value, digits, 16, '0'_L1);
+    QVarLengthArray<QChar, 16> reversed;
+    do {
+        reversed.append(QLatin1Char("0123456789abcdef"[value & 0xf]));
+        value >>= 4;
+    } while (value != 0 || reversed.size() < digits);
+    std::ranges::reverse(reversed);
+    return QString(reversed.constData(), reversed.size());
 }
 
 QString Code::dec(quint64 value)

@@ -85,6 +85,7 @@ ObjectDataBase::~ObjectDataBase()
 void ObjectDataBase::closeDatabase()
 {
     gate_.waitUntilIdle(closeTimeoutMs);
+    indexStatements_.reset();
     database_.close();
 }
 
@@ -134,6 +135,7 @@ void ObjectDataBase::forgetCaches()
     subCache_.clear();
     denotations_.clear();
     spnCache_.clear();
+    indexStatements_.reset();
     transactionDepth_ = 0;
 }
 
@@ -243,6 +245,25 @@ bool ObjectDataBase::run(const char *operation, const QString &statement)
     return run(operation, query, statement);
 }
 
+bool ObjectDataBase::prepare(const char *operation, QSqlQuery &query, const QString &statement)
+{
+    const StoreGate::Passage passage(gate_);
+    if (query.prepare(statement))
+        return true;
+    damaged_ = damaged_ || leavesDamage(query.lastError());
+    qDebug().noquote() << operation << statement << query.lastError().text();
+    return false;
+}
+
+/// Executes a prepared query whose values are bound.
+bool ObjectDataBase::runPrepared(const char *operation, QSqlQuery &query)
+{
+    if (execPrepared(query))
+        return true;
+    qDebug().noquote() << operation << query.lastQuery() << query.lastError().text();
+    return false;
+}
+
 QVariant ObjectDataBase::selectValue(const QString &statement)
 {
     QSqlQuery query = newQuery();
@@ -316,6 +337,8 @@ ObjectDataBase::Transaction::Transaction(ObjectDataBase &store)
 
 ObjectDataBase::Transaction::~Transaction()
 {
-    if (--store_.transactionDepth_ == 0)
-        store_.run("Transaction", u"commit"_s);
+    if (--store_.transactionDepth_ != 0)
+        return;
+    store_.indexStatements_.reset();
+    store_.run("Transaction", u"commit"_s);
 }

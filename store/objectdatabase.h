@@ -340,6 +340,8 @@ private:
     // Statements
     bool run(const char *operation, QSqlQuery &query, const QString &statement);
     bool run(const char *operation, const QString &statement);
+    bool prepare(const char *operation, QSqlQuery &query, const QString &statement);
+    bool runPrepared(const char *operation, QSqlQuery &query);
     QVariant selectValue(const QString &statement);
     bool selectsRow(const QString &statement);
     bool writeRow(const char *operation, const RecordColumns::Row &row, const QString &insert, const QString &update);
@@ -365,8 +367,10 @@ private:
     bool setAndNotify(QLatin1StringView table, const QString &key, const QString &literal, const QString &value,
                       Change change, ChangeSet fields = {});
     void dropListPart(QLatin1StringView table, quint8 line);
-    bool storeSubIndex(const SubEntry &entry, QSqlQuery *prepared);
-    bool writeSubRow(const SubEntry &entry, QSqlQuery *prepared);
+    struct IndexStatements;
+    class SubInsertion;
+    bool storeSubIndex(const SubEntry &entry, SubInsertion *prepared);
+    bool writeSubRow(const SubEntry &entry, SubInsertion *prepared);
     void ensurePGNColumns(quint8 line);
     bool setMetadata(const QString &statement, quint16 index, std::optional<quint8> subindex, const Metadata &metadata);
     void writeColumn(const QString &table, const QString &condition, const QString &insert, const QString &column,
@@ -383,6 +387,7 @@ private:
     bool damaged_ = false; ///< a statement failed so that the working copy cannot be trusted any more
     bool writeTracking_ = false;
     int transactionDepth_ = 0;
+    std::shared_ptr<IndexStatements> indexStatements_;
     quint8 currentLine_ = 0;
     StoreGate gate_;
     StringPool strings_{*this};
