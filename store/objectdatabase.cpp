@@ -133,6 +133,7 @@ void ObjectDataBase::forgetCaches()
 {
     strings_.clear();
     subCache_.clear();
+    keptSubs_.reset();
     denotations_.clear();
     spnCache_.clear();
     indexStatements_.reset();
@@ -209,16 +210,22 @@ bool ObjectDataBase::execute(QSqlQuery &query, const QString *statement)
         const StoreGate::Passage passage(gate_);
         done = statement ? query.exec(*statement) : query.exec();
     }
-    if (done)
+    if (done && (writeTracking_ || keptSubs_))
         tellWrite(statement ? *statement : query.lastQuery());
-    else
+    if (!done) {
+        keptSubs_.reset();
         damaged_ = damaged_ || leavesDamage(query.lastError());
+    }
     return done;
 }
 
 void ObjectDataBase::tellWrite(const QString &statement)
 {
-    if (writeTracking_ && isWriting(statement))
+    if (!isWriting(statement))
+        return;
+    if (statement.contains("SubObjects"_L1, Qt::CaseInsensitive))
+        keptSubs_.reset();
+    if (writeTracking_)
         Q_EMIT databaseWriteExecuted();
 }
 

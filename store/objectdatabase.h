@@ -14,6 +14,9 @@
 #include <QSqlDatabase>
 #include <QStringList>
 
+#include <memory>
+#include <optional>
+
 class QSqlQuery;
 namespace RecordColumns {
 class Row;
@@ -150,6 +153,13 @@ public:
     /// All objects of a line, ascending, and all its subindices, by index and subindex; one scan each.
     QList<IndexEntry> getAllIndices(quint8 line);
     QList<SubEntry> getAllSubIndices(quint8 line);
+    /// Keeps what `getAllSubIndices` has read last until something else than `addSubIndex` writes subindices: for a
+    /// server, which checks a whole line after each edit of one subindex.
+    void keepSubIndices(bool keep)
+    {
+        keepsSubs_ = keep;
+        keptSubs_.reset();
+    }
     /// Object codes (column `objecttype`) of the indices from `first` to `last`.
     QMap<quint16, quint32> getObjectTypes(quint8 line, quint16 first, quint16 last);
     /// The subindices of all objects of a line by index and subindex, those that have no object included.
@@ -367,6 +377,7 @@ private:
     bool setAndNotify(QLatin1StringView table, const QString &key, const QString &literal, const QString &value,
                       Change change, ChangeSet fields = {});
     void dropListPart(QLatin1StringView table, quint8 line);
+    void followWrite(const SubEntry &entry, std::optional<QList<SubEntry>> kept);
     struct IndexStatements;
     class SubInsertion;
     bool storeSubIndex(const SubEntry &entry, SubInsertion *prepared);
@@ -393,6 +404,9 @@ private:
     StringPool strings_{*this};
     QMutex cacheMutex_;
     SubObjectCache subCache_;
+    bool keepsSubs_ = false;
+    quint8 keptLine_ = 0;
+    std::optional<QList<SubEntry>> keptSubs_; ///< all of `keptLine_`, as its table is
     QHash<quint32, QString> denotations_;
     SpnCache spnCache_;
 };

@@ -12,6 +12,9 @@
 #include <QSqlError>
 #include <QSqlQuery>
 
+#include <algorithm>
+#include <utility>
+
 using namespace Qt::StringLiterals;
 using RecordColumns::Column;
 using RecordColumns::number;
@@ -69,6 +72,11 @@ constexpr std::array<Column<Sub>, 28> subColumnTable = {
     number<&Sub::nvstorage>("nvstorage"_L1),
 };
 constexpr std::span<const Column<Sub>> subColumns = subColumnTable;
+
+quint32 keyOf(const ObjectDataBase::SubEntry &entry)
+{
+    return SubObjectCache::key(entry.index, entry.subindex);
+}
 
 QString placeholders(std::size_t count)
 {
@@ -252,7 +260,32 @@ bool ObjectDataBase::storeSubIndex(const SubEntry &entry, SubInsertion *prepared
 
 bool ObjectDataBase::addSubIndex(quint8 line, quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data)
 {
-    return !blocked_ && storeSubIndex({line, index, subindex, data}, nullptr);
+    if (blocked_)
+        return false;
+    const SubEntry entry{line, index, subindex, data};
+    std::optional<QList<SubEntry>> kept = std::exchange(keptSubs_, std::nullopt);
+    const bool done = storeSubIndex(entry, nullptr);
+    if (kept && keptLine_ == line)
+        followWrite(entry, std::move(kept));
+    return done;
+}
+
+/// Goes on keeping the subindices of a line of which one was written, with that one as its row is now.
+void ObjectDataBase::followWrite(const SubEntry &entry, std::optional<QList<SubEntry>> kept)
+{
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    const QString condition = u" where objectindex = %1 and subindex = %2"_s.arg(entry.index).arg(entry.subindex);
+    if (!execQuery(query, subSelect(entry.line, condition)) || !query.next())
+        return;
+    SubEntry row{entry.line, entry.index, entry.subindex, {}};
+    readSub(query, row.data, strings_);
+    const auto place = std::ranges::lower_bound(*kept, keyOf(row), {}, keyOf);
+    if (place != kept->end() && keyOf(*place) == keyOf(row))
+        *place = row;
+    else
+        kept->insert(place, row);
+    keptSubs_ = std::move(kept);
 }
 
 bool ObjectDataBase::addSubIndices(const QList<SubEntry> &entries)
@@ -441,6 +474,8 @@ QList<ObjectDataBase::IndexEntry> ObjectDataBase::getAllIndices(quint8 line)
 
 QList<ObjectDataBase::SubEntry> ObjectDataBase::getAllSubIndices(quint8 line)
 {
+    if (keptSubs_ && keptLine_ == line)
+        return *keptSubs_;
     strings_.loadTexts();
     QList<SubEntry> entries;
     QSqlQuery query = newQuery();
@@ -453,6 +488,10 @@ QList<ObjectDataBase::SubEntry> ObjectDataBase::getAllSubIndices(quint8 line)
         entry.index = static_cast<quint16>(query.value(0).toUInt());
         entry.subindex = static_cast<quint8>(query.value(1).toUInt());
         readSub(query, entry.data, strings_);
+    }
+    if (keepsSubs_ && std::ranges::is_sorted(entries, {}, keyOf)) {
+        keptLine_ = line;
+        keptSubs_ = entries;
     }
     return entries;
 }
@@ -520,9 +559,9 @@ QList<ObjectDataBase::SubKey> ObjectDataBase::findSubIndices(quint8 line, const 
         QSqlQuery query = newQuery();
         query.setForwardOnly(true);
         const QString statement =
-            u"select objectindex,subindex from SubObjects%1 where (%2 = %3) and objectindex in (select objectindex "
-            u"from "
-            "Objects%1) order by objectindex,subindex ASC"_s.arg(QString::number(line), column, literal);
+            u"select objectindex,subindex from SubObjects%1 as sub where (%2 = %3) and exists (select 1 from Objects%1 "
+            "where Objects%1.objectindex = sub.objectindex) order by objectindex,subindex ASC"_s.arg(
+                QString::number(line), column, literal);
         if (!execQuery(query, statement))
             continue;
         while (query.next()) {

@@ -26,6 +26,7 @@ QString cannotWrite(const QString &path)
 bool ObjectDataBase::saveDatabase(const QString &path)
 {
     lastError_.clear();
+    keptSubs_.reset();
     const QString target = path.isEmpty() ? projectPath_ : path;
     return target.endsWith("ncxt"_L1) ? saveDatabaseAsText(target) : saveDatabaseAsSql(target);
 }
