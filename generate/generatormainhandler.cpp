@@ -69,6 +69,8 @@ bool GeneratorMainHandler::openProject(const QString &filePath)
         isUnreadText_ = !database_->openTextDatabase(path) && file.size() > 0;
     else if (!database_->openDataBase(path))
         return false;
+    if (!database_->isOpen()) // there is no place for a working copy
+        return false;
     correctProject(database_);
     outputFolder_ = file.absolutePath();
     projectBaseName_ = file.completeBaseName();

@@ -343,8 +343,3 @@ PgnTables PgnTables::collect(ObjectDataBase &store, const Dialect &dialect, bool
     collector.takeArrays();
     return tables;
 }
-
-bool PgnTables::hasJ1939() const
-{
-    return std::ranges::any_of(lines, &Line::hasJ1939);
-}

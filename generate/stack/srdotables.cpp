@@ -135,7 +135,7 @@ void Collector::declare(QList<SrdoTables::Variable> &variables, const QString &n
     const QString place = u"0x%1:%2"_s.arg(hex(mapped.index, 4), hex(mapped.subindex, 2));
     variables.append({.name = name,
                       .cType = mapped.kind.cType,
-                      .comment = tables_.multiLine ? u"%1-%2"_s.arg(mapped.line).arg(place) : place});
+                      .comment = tables_.multiLine ? u"%1 line %2"_s.arg(place).arg(mapped.line) : place});
 }
 
 void Collector::nameVariable(SrdoTables::Mapped &mapped, const ObjectDataBase::SUBINDEX_DATA_T &sub, bool exchanged)

@@ -122,10 +122,16 @@ TEST(EdsParser, TakesTimeInProportionToTheFile)
         EdsParser parser;
         const QStringList events = raised(parser, [&] { parser.loadContent(pattern.repeated(size / pattern.size())); });
         EXPECT_LE(events.size(), 2);
-        parser.comments();
+        EXPECT_LE(parser.comments().size(), 1);
         parser.commentText();
         parser.getCompactSubObjNames(0x2000);
     }
+
+    QByteArray array = "[2000]\nObjectType=8\n" + QByteArray("x=1\n").repeated(size / 4);
+    for (int sub = 0; sub <= 0xff; ++sub)
+        array += "[2000sub" + QByteArray::number(sub, 16) + "]\n";
+    EdsParser parser;
+    EXPECT_EQ(raised(parser, [&] { parser.loadContent(array); }).size(), 257);
 }
 
 // The seeds of the fuzz target and the cases of the importer, cut off at every byte.

@@ -87,7 +87,10 @@ TEST(Tables, ValuesHaveTheFormOfTheirType)
                           {CAN::Integer32, "0x80000000", "-2147483648"},
                           {CAN::Integer32, "2147483648", ""},
                           {CAN::Integer24, "0xFFFFFF", "-1"},
-                          {CAN::Integer40, "0x123456789", "4886718345"},
+                          {CAN::Integer40, "0xffff", "65535"},
+                          {CAN::Integer40, "-1", ""},
+                          {CAN::Integer40, "65536", ""},
+                          {CAN::Integer48, "0x123456789", "4886718345"},
                           {CAN::Integer64, "-9223372036854775808", "-9223372036854775808"},
                           {CAN::Unsigned8, " 0x10 ", "16"},
                           {CAN::Unsigned8, "010", "8"},
@@ -271,7 +274,7 @@ private:
         static constexpr std::array<quint16, 28> types{
             CAN::Boolean,    CAN::Integer8,      CAN::Integer16,     CAN::Integer32,     CAN::Unsigned8,
             CAN::Unsigned16, CAN::Unsigned32,    CAN::Real32,        CAN::VisibleString, CAN::OctetString,
-            CAN::Domain,     CAN::UnicodeString, CAN::Integer24,     CAN::Real64,        CAN::Integer40,
+            CAN::Domain,     CAN::UnicodeString, CAN::Integer24,     CAN::Real64,        CAN::Integer48,
             CAN::Integer48,  CAN::Integer56,     CAN::Integer64,     CAN::Unsigned24,    CAN::Unsigned40,
             CAN::Unsigned48, CAN::Unsigned56,    CAN::Unsigned64,    CAN::Unsigned2,     CAN::Unsigned7,
             CAN::StringNull, CAN::Utf8String,    CAN::StringAsterisk};
