@@ -110,6 +110,16 @@ void readSub(const QSqlQuery &query, Sub &data, StringPool &pool)
     RecordColumns::readRow(subColumns, query, data, pool, 3);
 }
 
+ObjectDataBase::SubEntry subOfRow(const QSqlQuery &query, quint8 line, StringPool &pool)
+{
+    ObjectDataBase::SubEntry entry{.line = line,
+                                   .index = static_cast<quint16>(query.value(0).toUInt()),
+                                   .subindex = static_cast<quint8>(query.value(1).toUInt()),
+                                   .data = {}};
+    readSub(query, entry.data, pool);
+    return entry;
+}
+
 } // namespace
 
 /// What writes the objects of a line, prepared; kept for the time of a transaction.
@@ -278,8 +288,7 @@ void ObjectDataBase::followWrite(const SubEntry &entry, std::optional<QList<SubE
     const QString condition = u" where objectindex = %1 and subindex = %2"_s.arg(entry.index).arg(entry.subindex);
     if (!execQuery(query, subSelect(entry.line, condition)) || !query.next())
         return;
-    SubEntry row{entry.line, entry.index, entry.subindex, {}};
-    readSub(query, row.data, strings_);
+    const SubEntry row = subOfRow(query, entry.line, strings_);
     const auto place = std::ranges::lower_bound(*kept, keyOf(row), {}, keyOf);
     if (place != kept->end() && keyOf(*place) == keyOf(row))
         *place = row;
@@ -482,13 +491,8 @@ QList<ObjectDataBase::SubEntry> ObjectDataBase::getAllSubIndices(quint8 line)
     query.setForwardOnly(true);
     if (!run("getAllSubIndices", query, subSelect(line, u" order by objectindex, subindex"_s)))
         return entries;
-    while (query.next()) {
-        SubEntry &entry = entries.emplace_back();
-        entry.line = line;
-        entry.index = static_cast<quint16>(query.value(0).toUInt());
-        entry.subindex = static_cast<quint8>(query.value(1).toUInt());
-        readSub(query, entry.data, strings_);
-    }
+    while (query.next())
+        entries.append(subOfRow(query, line, strings_));
     if (keepsSubs_ && std::ranges::is_sorted(entries, {}, keyOf)) {
         keptLine_ = line;
         keptSubs_ = entries;
@@ -580,17 +584,16 @@ QList<ObjectDataBase::SubKey> ObjectDataBase::findSubIndices(quint8 line, const 
 void ObjectDataBase::cacheAllSubs(quint8 line, quint16 index)
 {
     SubObjectCache::Line entries;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    const QString condition = index != 0 ? u" where objectindex = %1"_s.arg(index) : QString();
-    if (execQuery(query, subSelect(line, condition))) {
-        while (query.next()) {
-            Sub data;
-            readSub(query, data, strings_);
-            entries.insert(SubObjectCache::key(static_cast<quint16>(query.value(0).toUInt()),
-                                               static_cast<quint8>(query.value(1).toUInt())),
-                           data);
-        }
+    const auto insert = [&entries](const SubEntry &entry) { entries.insert(entries.cend(), keyOf(entry), entry.data); };
+    if (index == 0) {
+        const QList<SubEntry> all = getAllSubIndices(line);
+        std::ranges::for_each(all, insert);
+    } else {
+        QSqlQuery query = newQuery();
+        query.setForwardOnly(true);
+        const bool done = execQuery(query, subSelect(line, u" where objectindex = %1"_s.arg(index)));
+        while (done && query.next())
+            insert(subOfRow(query, line, strings_));
     }
     const QMutexLocker locker(&cacheMutex_);
     subCache_.setLine(line, entries);

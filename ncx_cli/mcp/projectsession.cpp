@@ -10,7 +10,6 @@ ProjectSession::ProjectSession(QObject *parent)
     : QObject(parent)
 {
     connect(&handler_, &GeneratorMainHandler::finished, this, &ProjectSession::onGeneratorFinished);
-    store().keepSubIndices(true);
 }
 
 void ProjectSession::setProfilePath(const QString &path)

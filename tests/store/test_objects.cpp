@@ -10,6 +10,7 @@ namespace {
 
 using Index = ObjectDataBase::INDEX_DATA_T;
 using Sub = ObjectDataBase::SUBINDEX_DATA_T;
+using SubEntry = ObjectDataBase::SubEntry;
 
 class Objects : public StoreTest
 {
