@@ -52,6 +52,7 @@ GeneratorMainHandler::GeneratorMainHandler(OutputHandlerBase *output, QObject *p
     , database_(std::make_shared<ObjectDataBase>())
     , output_(output)
 {
+    database_->keepSubIndices(true);
     database_->createNewDataBase();
     database_->addNode(0, ObjectDataBase::NODE_DATA_T());
 }

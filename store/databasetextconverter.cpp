@@ -344,10 +344,10 @@ void DatabaseTextConverter::writeRows(const QString &table, const TableForm &for
         return;
     }
     while (query.next()) {
-        const QByteArray path = SettingsText::escapedKey(query.value(0).toString());
+        writer.setRow(SettingsText::escapedKey(query.value(0).toString()));
         for (int column = 1; column <= keys.size(); ++column) {
             const QVariant value = query.value(column);
-            const QByteArray key = path + keys.at(column - 1);
+            const QByteArray &key = keys.at(column - 1);
             if (column == metadataColumn) {
                 const QByteArray bytes = value.toByteArray();
                 writer.writeBytes(key, bytes.isEmpty() ? "0"_ba : bytes);
@@ -358,6 +358,7 @@ void DatabaseTextConverter::writeRows(const QString &table, const TableForm &for
             }
         }
     }
+    writer.setRow({});
 }
 
 bool DatabaseTextConverter::convertTextToSql()

@@ -61,6 +61,7 @@ bool replaceFile(const QString &target, const QString &fresh)
 bool ObjectDataBase::saveDatabase(const QString &path)
 {
     lastError_.clear();
+    keptSubs_.reset();
     const QString target = path.isEmpty() ? projectPath_ : path;
     return target.endsWith("ncxt"_L1) ? saveDatabaseAsText(target) : saveDatabaseAsSql(target);
 }
