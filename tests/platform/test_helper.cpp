@@ -8,6 +8,10 @@
 #include <QSet>
 #include <QTemporaryDir>
 
+#include <csignal>
+
+#include <sys/resource.h>
+
 using namespace Qt::StringLiterals;
 
 TEST(Helper, SubstituteVariables)
@@ -51,6 +55,24 @@ TEST(Helper, ModifyLineEnding)
     }
     EXPECT_FALSE(Helper::modifyLineEnding(folder.filePath(u"missing.c"_s), u"\n"_s));
     EXPECT_FALSE(QFile::exists(folder.filePath(u"missing.c"_s)));
+}
+
+/// A limit on the size of files stands in for a full disk. What the system would not take only shows at the end, when
+/// the buffer is written.
+TEST(Helper, WithoutRoomAFileStaysAsItIs)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"text.c"_s);
+    const QByteArray content(8000, '\n');
+    ASSERT_TRUE(TestSupport::writeFile(path, content));
+    rlimit former{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &former), 0);
+    const rlimit small{4096, former.rlim_max};
+    std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    EXPECT_FALSE(Helper::modifyLineEnding(path, u"\r"_s));
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &former), 0);
+    EXPECT_EQ(TestSupport::readFile(path), content);
 }
 
 TEST(UDSSIDDefinitions, EveryServiceHasItsOwnName)

@@ -10,6 +10,7 @@ namespace {
 
 using Index = ObjectDataBase::INDEX_DATA_T;
 using Sub = ObjectDataBase::SUBINDEX_DATA_T;
+using SubEntry = ObjectDataBase::SubEntry;
 
 class Objects : public StoreTest
 {
@@ -144,6 +145,59 @@ TEST_F(Objects, NotificationsFollowTheWrites)
     store.removeIndex(0, 0x2000);
     EXPECT_EQ(changes, (QStringList{u"1:2000.0@0"_s, u"2:2000.0@0"_s, u"2:2000.1@0"_s, u"4:2000.1@0"_s, u"3:2000.0@0"_s,
                                     u"3:2000.0@0"_s}));
+}
+
+TEST_F(Objects, KeptSubindicesFollowEveryWrite)
+{
+    const auto text = [](const SubEntry &entry) {
+        return u"%1.%2 %3 %4 %5"_s.arg(entry.index)
+            .arg(entry.subindex)
+            .arg(entry.data.name, entry.data.defaultvalue)
+            .arg(entry.data.metadata.size());
+    };
+    const auto expectCurrent = [&](const char *after) {
+        QStringList kept;
+        QStringList current;
+        for (const auto &entry : store.getAllSubIndices(0))
+            kept.append(text(entry));
+        for (const auto &key : store.getSubKeys(0)) {
+            SubEntry entry{0, key.index, key.subindex, {}};
+            store.getSubIndex(0, key.index, key.subindex, entry.data);
+            current.append(text(entry));
+        }
+        EXPECT_EQ(kept, current) << after;
+    };
+    Sub sub;
+    sub.name = u"it's"_s;
+    sub.defaultvalue = u"7"_s;
+    Sub broken;
+    broken.varname = u"'"_s;
+    store.keepSubIndices(true);
+    add(0x2000, {0, 1, 2});
+    add(0x3000, {0});
+    expectCurrent("first read");
+    const std::pair<const char *, std::function<void()>> writes[] = {
+        {"update", [&] { store.addSubIndex(0, 0x2000, 1, sub); }},
+        {"insertion", [&] { store.addSubIndex(0, 0x2000, 5, sub); }},
+        {"failure", [&] { store.addSubIndex(0, 0x2000, 6, broken); }},
+        {"batch",
+         [&] {
+             store.addSubIndices({{0, 0x2000, 7, sub}});
+         }},
+        {"single column", [&] { store.setSubIndexDefaultValue(0, 0x2000, 0, u"9"_s); }},
+        {"attributes",
+         [&] {
+             store.setSubObjectMetadata(0, 0x2000, 2, {{u"a"_s, u"b"_s}});
+         }},
+        {"removal", [&] { store.removeSubIndex(0, 0x2000, 1); }},
+        {"copy", [&] { store.copyIndex(0, 0x2000, 0, 0x3000); }},
+        {"removal of an object", [&] { store.removeIndex(0, 0x2000); }},
+        {"another project", [&] { store.createNewDataBase(); }},
+    };
+    for (const auto &[name, write] : writes) {
+        write();
+        expectCurrent(name);
+    }
 }
 
 TEST_F(Objects, BatchGoesOnAfterAFailure)
