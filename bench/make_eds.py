@@ -14,10 +14,11 @@ def section(out, head, name, data_type, extra=""):
 
 
 def main():
+    first = 0x2100  # leaves room for the objects of the project that it goes into
     count, path = int(sys.argv[1]), sys.argv[2]
     out = ["[FileInfo]\nFileName=bench.eds\n\n[DeviceInfo]\nVendorName=Bench\nNrOfRXPDO=0\nNrOfTXPDO=0\n\n"]
     for number in range(count):
-        index = 0x2000 + number
+        index = first + number
         if number % 10 < 6:
             section(out, f"{index:04X}", f"Value {number}", TYPES[number % 5], "LowLimit=0\nHighLimit=100\n")
             continue

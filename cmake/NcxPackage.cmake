@@ -68,7 +68,7 @@ install(FILES "${PROJECT_SOURCE_DIR}/cmake/NcxGenerate.cmake" "${PROJECT_SOURCE_
 
 set(CPACK_PACKAGE_NAME "${package_name}")
 set(CPACK_PACKAGE_VENDOR "${PROJECT_NAME}")
-set(CPACK_PACKAGE_CONTACT "The ${PROJECT_NAME} team <ncx-cli@localhost>")
+set(CPACK_PACKAGE_CONTACT "The ${PROJECT_NAME} team <ncx-cli@norvane.example>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Describes a CAN device (CANopen, J1939, raw CAN) in a project file, checks the
 model and writes the C sources of its protocol stack, EDS, XDD, DBC, HTML and

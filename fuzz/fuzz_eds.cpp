@@ -1,20 +1,11 @@
 // The reader of device descriptions on anything at all: it must end, and what it raises must keep its promises.
 
+#include "fuzz/scratch.h"
 #include "nodedict/edsparser.h"
 
 #include <QSet>
 
-#include <cstdlib>
-
-namespace {
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
-
-} // namespace
+using Fuzz::require;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {

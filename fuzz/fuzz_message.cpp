@@ -1,51 +1,75 @@
-// The server on any line at all, with a project open: no reply, or one line of JSON that is a reply. Tools write where
-// they are told to, so run it in an empty folder.
+// The server on a session of any lines, with a project of two lines open: no reply, or one line of JSON that is a
+// reply. Tools read and write where they are told to, so run it as a user who may do no harm, in an empty folder.
 
+#include "fuzz/scratch.h"
 #include "ncx_cli/mcp/mcpmainapp.h"
 #include "store/objectdatabase.h"
 
-#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 #include <QJsonDocument>
 
-#include <array>
-#include <cstdlib>
+using namespace Qt::StringLiterals;
 
 namespace {
 
-void require(bool condition)
+QString baseProject()
 {
-    if (!condition)
-        std::abort();
+    static const QString path = [] {
+        QString made = Fuzz::scratch().filePath(u"base.ncxp"_s);
+        ObjectDataBase store;
+        const QString example = QStringLiteral(NCX_SOURCE_DIR "/examples/co_j1939/device.ncxt");
+        Fuzz::require(store.openTextDatabase(example));
+        store.addNode(1, ObjectDataBase::NODE_DATA_T());
+        store.setGeneralSetting(u"line1type"_s, u"4"_s);
+        Fuzz::require(store.saveDatabase(made));
+        return made;
+    }();
+    return path;
 }
 
+/// A server with the project open as it is on disk. One that has written is not used again.
 MCPMainApp &server()
 {
-    static std::array<char, 5> name{"fuzz"};
-    static std::array<char *, 2> arguments{name.data(), nullptr};
-    static int count = 1;
-    static QCoreApplication application(count, arguments.data());
-    QCoreApplication::setApplicationName(QStringLiteral("CAN NodeComposer"));
-    static MCPMainApp server({}, {});
-    // CANopen and J1939, and one with raw CAN
-    ObjectDataBase &store = server.session().store();
-    store.setGeneralSetting(QStringLiteral("line0type"), QStringLiteral("5"));
-    store.addNode(1, ObjectDataBase::NODE_DATA_T());
-    store.setGeneralSetting(QStringLiteral("line1type"), QStringLiteral("6"));
-    server.session().setProjectOpen(true);
-    return server;
+    static MCPMainApp *app = nullptr; // never deleted at the end, when the application has gone
+    static bool written = true;
+    if (!written)
+        return *app;
+    delete app;
+    const QString path = Fuzz::emptyFolder(u"project"_s) + u"/device.ncxp"_s;
+    Fuzz::require(QFile::copy(baseProject(), path));
+    app = new MCPMainApp(QStringList(), QString());
+    ProjectSession &session = app->session();
+    Fuzz::require(session.handler().openProject(path));
+    session.setProjectOpen(true);
+    written = false;
+    session.store().setWriteTracking(true);
+    QObject::connect(&session.store(), &ObjectDataBase::databaseWriteExecuted, app, [] { written = true; });
+    return *app;
+}
+
+void answer(MCPMainApp &app, const QByteArray &line)
+{
+    const auto reply = app.answer(line);
+    if (!reply)
+        return;
+    Fuzz::require(reply->endsWith('\n') && reply->count('\n') == 1);
+    const QJsonObject object = QJsonDocument::fromJson(*reply).object();
+    Fuzz::require(object.contains("id"_L1) && object.contains("jsonrpc"_L1));
+    Fuzz::require(object.contains("result"_L1) != object.contains("error"_L1));
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    static MCPMainApp &app = server();
-    const auto reply = app.answer(QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size)));
-    if (!reply)
+    const QByteArray input(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
+    // The command of a project is run as it stands, and is none of ours.
+    if (input.toLower().contains("postgen"))
         return 0;
-    require(reply->endsWith('\n') && reply->count('\n') == 1);
-    const QJsonObject object = QJsonDocument::fromJson(*reply).object();
-    require(object.contains(QLatin1StringView("id")) && object.contains(QLatin1StringView("jsonrpc")));
-    require(object.contains(QLatin1StringView("result")) != object.contains(QLatin1StringView("error")));
+    Fuzz::scratch();
+    MCPMainApp &app = server();
+    for (const QByteArray &line : input.split('\n'))
+        answer(app, line);
     return 0;
 }

@@ -1,20 +1,39 @@
 #include "generate/codewriter.h"
 
 #include <QList>
+#include <QVarLengthArray>
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// Every line of every output passes here, so that what it searches and compares does so without a call.
+qsizetype placeOf(char16_t ch, QStringView text)
+{
+    return std::ranges::find(text.utf16(), text.utf16() + text.size(), ch) - text.utf16();
+}
+
+bool equal(QStringView text, std::string_view name)
+{
+    return std::equal(text.utf16(), text.utf16() + text.size(), name.begin(), name.end(),
+                      [](char16_t left, char right) { return left == static_cast<uchar>(right); });
+}
+
+} // namespace
+
 void CodeWriter::operator()(QStringView text, std::initializer_list<Hole> holes)
 {
     quint64 used = 0;
+    text_.resize(0);
     if (text.startsWith(u'\n')) {
         writeBlock(text.sliced(1), holes, used);
     } else {
         writeFilled(text, holes, used);
-        stream_ << '\n';
+        text_ += u'\n';
     }
+    stream_ << text_;
     Q_ASSERT_X(used == (quint64{1} << holes.size()) - 1, "CodeWriter", "a value without a hole");
 }
 
@@ -37,35 +56,43 @@ void CodeWriter::writeBlock(QStringView text, std::initializer_list<Hole> holes,
     for (const QStringView line : text.first(lastBreak).split(u'\n')) {
         Q_ASSERT_X(line.isEmpty() || line.startsWith(margin), "CodeWriter", "a line begins inside the margin");
         writeFilled(line.sliced(std::min(line.size(), margin.size())), holes, used);
-        stream_ << '\n';
+        text_ += u'\n';
     }
 }
 
 void CodeWriter::writeFilled(QStringView text, std::initializer_list<Hole> holes, quint64 &used)
 {
-    for (;;) {
-        const qsizetype start = text.indexOf("${"_L1);
-        const qsizetype end = start < 0 ? -1 : text.indexOf(u'}', start);
-        if (end < 0)
-            break;
-        const QStringView name = text.sliced(start + 2, end - start - 2);
-        const auto hole = std::ranges::find_if(holes, [name](const Hole &candidate) {
-            return name == QLatin1StringView(candidate.name.data(), static_cast<qsizetype>(candidate.name.size()));
-        });
+    for (qsizetype start = placeOf(u'$', text); start < text.size(); start = placeOf(u'$', text)) {
+        const QStringView word = text.sliced(start + 1);
+        const qsizetype end = placeOf(u'}', word);
+        if (!word.startsWith(u'{') || end == word.size()) {
+            text_ += text.first(start + 1);
+            text = word;
+            continue;
+        }
+        const QStringView name = word.sliced(1, end - 1);
+        const auto hole =
+            std::ranges::find_if(holes, [name](const Hole &candidate) { return equal(name, candidate.name); });
         Q_ASSERT_X(hole != holes.end(), "CodeWriter", "a hole without a value");
-        stream_ << text.first(start);
+        text_ += text.first(start);
         if (hole != holes.end()) {
-            stream_ << hole->value;
+            text_ += hole->value;
             used |= quint64{1} << (hole - holes.begin());
         }
-        text = text.sliced(end + 1);
+        text = word.sliced(end + 1);
     }
-    stream_ << text;
+    text_ += text;
 }
 
 QString Code::hex(quint64 value, int digits)
 {
-    return u"%1"_s.arg(value, digits, 16, '0'_L1);
+    QVarLengthArray<QChar, 16> reversed;
+    do {
+        reversed.append(QLatin1Char("0123456789abcdef"[value & 0xf]));
+        value >>= 4;
+    } while (value != 0 || reversed.size() < digits);
+    std::ranges::reverse(reversed);
+    return QString(reversed.constData(), reversed.size());
 }
 
 QString Code::dec(quint64 value)

@@ -48,6 +48,7 @@ private:
     void writeFilled(QStringView text, std::initializer_list<Hole> holes, quint64 &used);
 
     QTextStream &stream_;
+    QString text_; ///< what a call prints
 };
 
 /// Numbers as the generated sources have them.

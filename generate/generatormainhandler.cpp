@@ -52,6 +52,7 @@ GeneratorMainHandler::GeneratorMainHandler(OutputHandlerBase *output, QObject *p
     , database_(std::make_shared<ObjectDataBase>())
     , output_(output)
 {
+    database_->keepSubIndices(true);
     database_->createNewDataBase();
     database_->addNode(0, ObjectDataBase::NODE_DATA_T());
 }
@@ -66,7 +67,7 @@ bool GeneratorMainHandler::openProject(const QString &filePath)
     const QString path = file.absoluteFilePath();
     isUnreadText_ = false;
     if (path.endsWith("ncxt"_L1)) // an open of the text form cannot fail
-        isUnreadText_ = !database_->openTextDatabase(path) && file.size() > 0;
+        isUnreadText_ = !database_->openTextDatabase(path) && (file.size() > 0 || !file.isFile());
     else if (!database_->openDataBase(path))
         return false;
     if (!database_->isOpen()) // there is no place for a working copy

@@ -1,7 +1,8 @@
 #include "generate/outputfile.h"
 
+#include "texttools/wholefile.h"
+
 #include <QFileInfo>
-#include <QSaveFile>
 
 using namespace Qt::StringLiterals;
 
@@ -11,14 +12,14 @@ bool OutputFile::open()
     if (info.exists() && !info.isFile())
         file_ = std::make_unique<QFile>(path_);
     else
-        file_ = std::make_unique<QSaveFile>(path_);
+        file_ = std::make_unique<WholeFile>(path_);
     return file_->open(QIODevice::WriteOnly | QIODevice::Truncate) || failed();
 }
 
 bool OutputFile::commit()
 {
-    if (auto *whole = qobject_cast<QSaveFile *>(file_.get()))
-        return whole->commit() || failed();
+    if (auto *whole = qobject_cast<WholeFile *>(file_.get()))
+        return whole->commitWhole() || failed();
     if (file_->error() != QFileDevice::NoError)
         return failed();
     file_->close();

@@ -1,39 +1,51 @@
 #include "import/tablerows.h"
 
-#include <optional>
-
 namespace {
 
 /// More lines than a person writes into one field; a quote that is open for longer was not meant as one.
 constexpr int maxLinesOfRow = 100;
 
-/// The fields of a line with quotes; none if the last quote is open.
-std::optional<QStringList> quotedFields(const QString &line, QChar separator)
+/// Takes a row with quotes apart, piece by piece.
+class QuotedRow
 {
-    QStringList fields;
-    QString field;
-    bool atStart = true;
-    bool quoted = false;
-    for (qsizetype i = 0; i < line.size(); ++i) {
-        const QChar c = line[i];
-        if (quoted && c == u'"' && i + 1 < line.size() && line[i + 1] == u'"') {
-            field += c;
-            ++i;
-        } else if (c == u'"' && (quoted || atStart)) {
-            quoted = !quoted;
-        } else if (c == separator && !quoted) {
-            fields.append(field);
-            field.clear();
-            atStart = true;
-            continue;
-        } else {
-            field += c;
-        }
-        atStart = false;
+public:
+    explicit QuotedRow(QChar separator)
+        : separator_(separator)
+    {
     }
-    fields.append(field);
-    return quoted ? std::nullopt : std::optional(fields);
-}
+
+    void add(QStringView text)
+    {
+        for (qsizetype i = 0; i < text.size(); ++i) {
+            const QChar c = text[i];
+            if (quoted_ && c == u'"' && i + 1 < text.size() && text[i + 1] == u'"') {
+                field_ += c;
+                ++i;
+            } else if (c == u'"' && (quoted_ || atStart_)) {
+                quoted_ = !quoted_;
+            } else if (c == separator_ && !quoted_) {
+                fields_.append(field_);
+                field_.clear();
+                atStart_ = true;
+                continue;
+            } else {
+                field_ += c;
+            }
+            atStart_ = false;
+        }
+    }
+
+    /// Whether the last quote is open.
+    bool isOpen() const { return quoted_; }
+    QStringList fields() const { return fields_ + QStringList{field_}; }
+
+private:
+    QChar separator_;
+    QStringList fields_;
+    QString field_;
+    bool atStart_ = true;
+    bool quoted_ = false;
+};
 
 } // namespace
 
@@ -63,18 +75,20 @@ bool TableRows::next(QString &line)
 {
     if (!nextLine(lines_, line))
         return false;
-    if (line.startsWith(u'#') || !line.contains(u'"') || quotedFields(line, separator_))
+    if (line.startsWith(u'#') || !line.contains(u'"'))
         return true;
+    QuotedRow row(separator_);
+    row.add(line);
     EdsLines ahead = lines_;
     QString joined = line;
     QString more;
-    for (int count = 1; count < maxLinesOfRow && nextLine(ahead, more); ++count) {
-        joined += u'\n' + more;
-        // Only a quote can end what a quote began.
-        if (more.contains(u'"') && quotedFields(joined, separator_)) {
+    for (int count = 1; row.isOpen() && count < maxLinesOfRow && nextLine(ahead, more); ++count) {
+        more.prepend(u'\n');
+        joined += more;
+        row.add(more);
+        if (!row.isOpen()) {
             line = joined;
             lines_ = ahead;
-            break;
         }
     }
     return true;
@@ -83,8 +97,10 @@ bool TableRows::next(QString &line)
 QStringList TableRows::fieldsOf(const QString &line) const
 {
     if (line.contains(u'"')) {
-        if (const auto fields = quotedFields(line, separator_))
-            return *fields;
+        QuotedRow row(separator_);
+        row.add(line);
+        if (!row.isOpen())
+            return row.fields();
     }
     return line.split(separator_);
 }

@@ -3,10 +3,10 @@
 #include "store/objectdatabase.h"
 #include "store/objectrowwriter.h"
 #include "store/settingstext.h"
+#include "texttools/wholefile.h"
 
 #include <QDebug>
 #include <QRegularExpression>
-#include <QSaveFile>
 #include <QSqlError>
 #include <QSqlQuery>
 
@@ -242,7 +242,7 @@ bool DatabaseTextConverter::convertSqlToText()
     writeFailed_ = tables.isEmpty();
     if (writeFailed_)
         return true;
-    QSaveFile file(*file_);
+    WholeFile file(*file_);
     if (!file.open(QIODevice::WriteOnly)) {
         qDebug().noquote() << "convertSqlToText" << *file_ << file.errorString();
         writeFailed_ = true;
@@ -258,9 +258,7 @@ bool DatabaseTextConverter::convertSqlToText()
         else
             qDebug().noquote() << "unhandled table" << table;
     }
-    if (!writer.flush())
-        file.cancelWriting();
-    writeFailed_ = !file.commit();
+    writeFailed_ = !writer.flush() || !file.commitWhole();
     if (writeFailed_)
         qDebug().noquote() << "convertSqlToText" << *file_ << file.errorString();
     return true;
@@ -346,10 +344,10 @@ void DatabaseTextConverter::writeRows(const QString &table, const TableForm &for
         return;
     }
     while (query.next()) {
-        const QByteArray path = SettingsText::escapedKey(query.value(0).toString());
+        writer.setRow(SettingsText::escapedKey(query.value(0).toString()));
         for (int column = 1; column <= keys.size(); ++column) {
             const QVariant value = query.value(column);
-            const QByteArray key = path + keys.at(column - 1);
+            const QByteArray &key = keys.at(column - 1);
             if (column == metadataColumn) {
                 const QByteArray bytes = value.toByteArray();
                 writer.writeBytes(key, bytes.isEmpty() ? "0"_ba : bytes);
@@ -360,6 +358,7 @@ void DatabaseTextConverter::writeRows(const QString &table, const TableForm &for
             }
         }
     }
+    writer.setRow({});
 }
 
 bool DatabaseTextConverter::convertTextToSql()

@@ -13,14 +13,20 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Any value as text; a blob counts as the text that its bytes are in UTF-8.
-QByteArray hashedForm(const QVariant &value)
+/// Appends any value as text; a blob counts as the text that its bytes are in UTF-8.
+void appendHashedForm(QByteArray &row, const QVariant &value)
 {
-    if (value.isNull())
-        return {};
-    if (value.metaType().id() == QMetaType::QByteArray)
-        return QString::fromUtf8(value.toByteArray()).toUtf8();
-    return value.toString().toUtf8();
+    switch (value.typeId()) {
+    case QMetaType::LongLong:
+        if (!value.isNull())
+            row += QByteArray::number(value.toLongLong());
+        break;
+    case QMetaType::QByteArray:
+        row += QString::fromUtf8(value.toByteArray()).toUtf8();
+        break;
+    default:
+        row += value.toString().toUtf8();
+    }
 }
 
 } // namespace
@@ -45,7 +51,7 @@ QString ObjectDataBase::computeFileHash()
         while (query.next()) {
             row.clear();
             for (int column = 0; column < columns; ++column) {
-                row += hashedForm(query.value(column));
+                appendHashedForm(row, query.value(column));
                 row += '|';
             }
             row += '\n';

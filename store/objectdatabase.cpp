@@ -85,6 +85,7 @@ ObjectDataBase::~ObjectDataBase()
 void ObjectDataBase::closeDatabase()
 {
     gate_.waitUntilIdle(closeTimeoutMs);
+    indexStatements_.reset();
     database_.close();
 }
 
@@ -132,8 +133,10 @@ void ObjectDataBase::forgetCaches()
 {
     strings_.clear();
     subCache_.clear();
+    keptSubs_.reset();
     denotations_.clear();
     spnCache_.clear();
+    indexStatements_.reset();
     transactionDepth_ = 0;
 }
 
@@ -207,16 +210,22 @@ bool ObjectDataBase::execute(QSqlQuery &query, const QString *statement)
         const StoreGate::Passage passage(gate_);
         done = statement ? query.exec(*statement) : query.exec();
     }
-    if (done)
+    if (done && (writeTracking_ || keptSubs_))
         tellWrite(statement ? *statement : query.lastQuery());
-    else
+    if (!done) {
+        keptSubs_.reset();
         damaged_ = damaged_ || leavesDamage(query.lastError());
+    }
     return done;
 }
 
 void ObjectDataBase::tellWrite(const QString &statement)
 {
-    if (writeTracking_ && isWriting(statement))
+    if (!isWriting(statement))
+        return;
+    if (statement.contains("SubObjects"_L1, Qt::CaseInsensitive))
+        keptSubs_.reset();
+    if (writeTracking_)
         Q_EMIT databaseWriteExecuted();
 }
 
@@ -241,6 +250,25 @@ bool ObjectDataBase::run(const char *operation, const QString &statement)
 {
     QSqlQuery query = newQuery();
     return run(operation, query, statement);
+}
+
+bool ObjectDataBase::prepare(const char *operation, QSqlQuery &query, const QString &statement)
+{
+    const StoreGate::Passage passage(gate_);
+    if (query.prepare(statement))
+        return true;
+    damaged_ = damaged_ || leavesDamage(query.lastError());
+    qDebug().noquote() << operation << statement << query.lastError().text();
+    return false;
+}
+
+/// Executes a prepared query whose values are bound.
+bool ObjectDataBase::runPrepared(const char *operation, QSqlQuery &query)
+{
+    if (execPrepared(query))
+        return true;
+    qDebug().noquote() << operation << query.lastQuery() << query.lastError().text();
+    return false;
 }
 
 QVariant ObjectDataBase::selectValue(const QString &statement)
@@ -316,6 +344,8 @@ ObjectDataBase::Transaction::Transaction(ObjectDataBase &store)
 
 ObjectDataBase::Transaction::~Transaction()
 {
-    if (--store_.transactionDepth_ == 0)
-        store_.run("Transaction", u"commit"_s);
+    if (--store_.transactionDepth_ != 0)
+        return;
+    store_.indexStatements_.reset();
+    store_.run("Transaction", u"commit"_s);
 }

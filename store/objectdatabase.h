@@ -14,6 +14,9 @@
 #include <QSqlDatabase>
 #include <QStringList>
 
+#include <memory>
+#include <optional>
+
 class QSqlQuery;
 namespace RecordColumns {
 class Row;
@@ -150,6 +153,13 @@ public:
     /// All objects of a line, ascending, and all its subindices, by index and subindex; one scan each.
     QList<IndexEntry> getAllIndices(quint8 line);
     QList<SubEntry> getAllSubIndices(quint8 line);
+    /// Keeps what `getAllSubIndices` has read last until something else than `addSubIndex` writes subindices: a run
+    /// asks for them several times, and a server checks a whole line after each edit of one subindex.
+    void keepSubIndices(bool keep)
+    {
+        keepsSubs_ = keep;
+        keptSubs_.reset();
+    }
     /// Object codes (column `objecttype`) of the indices from `first` to `last`.
     QMap<quint16, quint32> getObjectTypes(quint8 line, quint16 first, quint16 last);
     /// The subindices of all objects of a line by index and subindex, those that have no object included.
@@ -340,6 +350,8 @@ private:
     // Statements
     bool run(const char *operation, QSqlQuery &query, const QString &statement);
     bool run(const char *operation, const QString &statement);
+    bool prepare(const char *operation, QSqlQuery &query, const QString &statement);
+    bool runPrepared(const char *operation, QSqlQuery &query);
     QVariant selectValue(const QString &statement);
     bool selectsRow(const QString &statement);
     bool writeRow(const char *operation, const RecordColumns::Row &row, const QString &insert, const QString &update);
@@ -365,8 +377,11 @@ private:
     bool setAndNotify(QLatin1StringView table, const QString &key, const QString &literal, const QString &value,
                       Change change, ChangeSet fields = {});
     void dropListPart(QLatin1StringView table, quint8 line);
-    bool storeSubIndex(const SubEntry &entry, QSqlQuery *prepared);
-    bool writeSubRow(const SubEntry &entry, QSqlQuery *prepared);
+    void followWrite(const SubEntry &entry, std::optional<QList<SubEntry>> kept);
+    struct IndexStatements;
+    class SubInsertion;
+    bool storeSubIndex(const SubEntry &entry, SubInsertion *prepared);
+    bool writeSubRow(const SubEntry &entry, SubInsertion *prepared);
     void ensurePGNColumns(quint8 line);
     bool setMetadata(const QString &statement, quint16 index, std::optional<quint8> subindex, const Metadata &metadata);
     void writeColumn(const QString &table, const QString &condition, const QString &insert, const QString &column,
@@ -383,11 +398,15 @@ private:
     bool damaged_ = false; ///< a statement failed so that the working copy cannot be trusted any more
     bool writeTracking_ = false;
     int transactionDepth_ = 0;
+    std::shared_ptr<IndexStatements> indexStatements_;
     quint8 currentLine_ = 0;
     StoreGate gate_;
     StringPool strings_{*this};
     QMutex cacheMutex_;
     SubObjectCache subCache_;
+    bool keepsSubs_ = false;
+    quint8 keptLine_ = 0;
+    std::optional<QList<SubEntry>> keptSubs_; ///< all of `keptLine_`, as its table is
     QHash<quint32, QString> denotations_;
     SpnCache spnCache_;
 };

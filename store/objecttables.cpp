@@ -12,6 +12,9 @@
 #include <QSqlError>
 #include <QSqlQuery>
 
+#include <algorithm>
+#include <utility>
+
 using namespace Qt::StringLiterals;
 using RecordColumns::Column;
 using RecordColumns::number;
@@ -70,11 +73,14 @@ constexpr std::array<Column<Sub>, 28> subColumnTable = {
 };
 constexpr std::span<const Column<Sub>> subColumns = subColumnTable;
 
-bool holdsQuote(const Sub &sub)
+quint32 keyOf(const ObjectDataBase::SubEntry &entry)
 {
-    return std::any_of(subColumns.begin(), subColumns.end(), [&](const Column<Sub> &column) {
-        return column.value && column.value(sub).toString().contains(u'\'');
-    });
+    return SubObjectCache::key(entry.index, entry.subindex);
+}
+
+QString placeholders(std::size_t count)
+{
+    return QStringList(static_cast<qsizetype>(count), u"?"_s).join(u',');
 }
 
 QString subSelect(quint8 line, const QString &condition)
@@ -104,7 +110,88 @@ void readSub(const QSqlQuery &query, Sub &data, StringPool &pool)
     RecordColumns::readRow(subColumns, query, data, pool, 3);
 }
 
+ObjectDataBase::SubEntry subOfRow(const QSqlQuery &query, quint8 line, StringPool &pool)
+{
+    ObjectDataBase::SubEntry entry{.line = line,
+                                   .index = static_cast<quint16>(query.value(0).toUInt()),
+                                   .subindex = static_cast<quint8>(query.value(1).toUInt()),
+                                   .data = {}};
+    readSub(query, entry.data, pool);
+    return entry;
+}
+
 } // namespace
+
+/// What writes the objects of a line, prepared; kept for the time of a transaction.
+struct ObjectDataBase::IndexStatements
+{
+    IndexStatements(ObjectDataBase &store, quint8 ofLine)
+        : line(ofLine)
+        , select(store.newQuery())
+        , insert(store.newQuery())
+        , update(store.newQuery())
+    {
+        const QString table = u"Objects%1"_s.arg(line);
+        const QString names = RecordColumns::names(indexColumns);
+        select.setForwardOnly(true);
+        usable = store.prepare("addIndex", select, u"select objectindex from %1 where objectindex = ?"_s.arg(table)) &&
+                 store.prepare("addIndex", insert,
+                               u"insert into %1 (%2, objectindex, metadata) values(%3, 0)"_s.arg(
+                                   table, names, placeholders(indexColumns.size() + 1))) &&
+                 store.prepare("addIndex", update,
+                               u"update %1 set %2 = ? where objectindex = ?"_s.arg(
+                                   table, QString(names).replace(", "_L1, " = ?, "_L1)));
+    }
+
+    quint8 line;
+    bool usable = false;
+    QSqlQuery select;
+    QSqlQuery insert; ///< the columns, then the index; as in `update`
+    QSqlQuery update;
+};
+
+/// The prepared insertion of the subindices of a line. A value that is the one of the row before stays bound, which
+/// most are.
+class ObjectDataBase::SubInsertion
+{
+public:
+    SubInsertion(ObjectDataBase &store, quint8 line)
+        : store_(store)
+        , query_(store.newQuery())
+    {
+        const QString columns = RecordColumns::names(subColumns);
+        usable_ = store.prepare(
+            "addSubIndex", query_,
+            u"insert or replace into SubObjects%1 (objectindex, subindex, %2, metadata) values(%3, 0)"_s.arg(
+                QString::number(line), columns, placeholders(subColumns.size() + 2)));
+    }
+
+    /// Nothing for a row in which a text holds a quote.
+    std::optional<bool> write(const SubEntry &entry, const RecordColumns::TextIds &ids)
+    {
+        QVariantList values{entry.index, entry.subindex};
+        values.reserve(2 + static_cast<qsizetype>(subColumns.size()));
+        for (const Column<Sub> &column : subColumns) {
+            values.append(RecordColumns::valueOf(column, entry.data, ids));
+            if (values.last().typeId() == QMetaType::QString && values.last().toString().contains(u'\''))
+                return std::nullopt;
+        }
+        if (!usable_)
+            return std::nullopt;
+        for (int place = 0; place < values.size(); ++place) {
+            if (bound_.isEmpty() || bound_.at(place) != values.at(place))
+                query_.bindValue(place, values.at(place));
+        }
+        bound_ = std::move(values);
+        return store_.execPrepared(query_);
+    }
+
+private:
+    ObjectDataBase &store_;
+    QSqlQuery query_;
+    QVariantList bound_;
+    bool usable_ = false;
+};
 
 void ObjectDataBase::escapeQuotes(QString &text)
 {
@@ -123,38 +210,37 @@ bool ObjectDataBase::addIndex(quint8 line, quint16 index, const INDEX_DATA_T &da
         return false;
     const auto ids =
         RecordColumns::intern(indexColumns, data, strings_, {"description"_L1, "name"_L1, "device_class"_L1});
-    QSqlQuery query = newQuery();
-    if (!run("addIndex", query, u"select objectindex from Objects%2 where objectindex = %1"_s.arg(index).arg(line)))
+    std::shared_ptr<IndexStatements> own;
+    std::shared_ptr<IndexStatements> &statements = transactionDepth_ > 0 ? indexStatements_ : own;
+    if (!statements || !statements->usable || statements->line != line)
+        statements = std::make_shared<IndexStatements>(*this, line);
+    QSqlQuery &select = statements->select;
+    select.bindValue(0, index);
+    if (!statements->usable || !runPrepared("addIndex", select))
         return false;
-    const QString statement =
-        query.next()
-            ? u"update Objects%1 set %2 where objectindex = %3"_s.arg(
-                  QString::number(line), RecordColumns::assignments(indexColumns, data, ids), QString::number(index))
-            : u"insert into Objects%1 (objectindex, %2, metadata) values(%3, %4, 0)"_s.arg(
-                  QString::number(line), RecordColumns::names(indexColumns), QString::number(index),
-                  RecordColumns::values(indexColumns, data, ids));
-    query.finish();
-    const bool done = run("addIndex", query, statement);
+    const bool exists = select.next();
+    select.finish();
+    QSqlQuery &write = exists ? statements->update : statements->insert;
+    int place = 0;
+    for (const Column<Index> &column : indexColumns)
+        write.bindValue(place++, RecordColumns::valueOf(column, data, ids));
+    write.bindValue(place, index);
+    const bool done = runPrepared("addIndex", write);
     if (!data.metadata.isEmpty())
         setObjectMetadata(line, index, data.metadata);
     notify(Change::ObjectWritten, {.index = index, .line = line});
     return done;
 }
 
-/// Writes the row of an entry. With a prepared query, that takes the values of a row in which no text holds a quote;
-/// any other row goes as text, in which a quote where none belongs fails.
-bool ObjectDataBase::writeSubRow(const SubEntry &entry, QSqlQuery *prepared)
+/// Writes the row of an entry. A row goes as text where it has to, and then a quote where none belongs fails.
+bool ObjectDataBase::writeSubRow(const SubEntry &entry, SubInsertion *prepared)
 {
     static const QString columns = RecordColumns::names(subColumns);
     const auto ids =
         RecordColumns::intern(subColumns, entry.data, strings_, {"description"_L1, "name"_L1, "denotation"_L1});
-    if (prepared && !holdsQuote(entry.data)) {
-        int place = 0;
-        prepared->bindValue(place++, entry.index);
-        prepared->bindValue(place++, entry.subindex);
-        for (const Column<Sub> &column : subColumns)
-            prepared->bindValue(place++, RecordColumns::valueOf(column, entry.data, ids));
-        return execPrepared(*prepared);
+    if (prepared) {
+        if (const std::optional<bool> done = prepared->write(entry, ids))
+            return *done;
     }
     Sub row = entry.data;
     if (row.datatype == CAN::VisibleString) {
@@ -167,7 +253,7 @@ bool ObjectDataBase::writeSubRow(const SubEntry &entry, QSqlQuery *prepared)
                    RecordColumns::values(subColumns, row, ids)));
 }
 
-bool ObjectDataBase::storeSubIndex(const SubEntry &entry, QSqlQuery *prepared)
+bool ObjectDataBase::storeSubIndex(const SubEntry &entry, SubInsertion *prepared)
 {
     if (entry.data.datatype == CAN::VisibleString && entry.index == 0x1000 && entry.subindex == 1)
         qDebug().noquote() << "ODB:aSI 0x1000:1 = " << entry.data.defaultvalue;
@@ -184,7 +270,31 @@ bool ObjectDataBase::storeSubIndex(const SubEntry &entry, QSqlQuery *prepared)
 
 bool ObjectDataBase::addSubIndex(quint8 line, quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data)
 {
-    return !blocked_ && storeSubIndex({line, index, subindex, data}, nullptr);
+    if (blocked_)
+        return false;
+    const SubEntry entry{line, index, subindex, data};
+    std::optional<QList<SubEntry>> kept = std::exchange(keptSubs_, std::nullopt);
+    const bool done = storeSubIndex(entry, nullptr);
+    if (kept && keptLine_ == line)
+        followWrite(entry, std::move(kept));
+    return done;
+}
+
+/// Goes on keeping the subindices of a line of which one was written, with that one as its row is now.
+void ObjectDataBase::followWrite(const SubEntry &entry, std::optional<QList<SubEntry>> kept)
+{
+    QSqlQuery query = newQuery();
+    query.setForwardOnly(true);
+    const QString condition = u" where objectindex = %1 and subindex = %2"_s.arg(entry.index).arg(entry.subindex);
+    if (!execQuery(query, subSelect(entry.line, condition)) || !query.next())
+        return;
+    const SubEntry row = subOfRow(query, entry.line, strings_);
+    const auto place = std::ranges::lower_bound(*kept, keyOf(row), {}, keyOf);
+    if (place != kept->end() && keyOf(*place) == keyOf(row))
+        *place = row;
+    else
+        kept->insert(place, row);
+    keptSubs_ = std::move(kept);
 }
 
 bool ObjectDataBase::addSubIndices(const QList<SubEntry> &entries)
@@ -194,14 +304,10 @@ bool ObjectDataBase::addSubIndices(const QList<SubEntry> &entries)
     const Transaction transaction(*this);
     const StringPool::Batch batch(strings_);
     const quint8 line = entries.first().line;
-    QSqlQuery insert = newQuery();
-    const bool prepared =
-        insert.prepare(u"insert or replace into SubObjects%1 (objectindex, subindex, %2, metadata) values(%3, 0)"_s.arg(
-            QString::number(line), RecordColumns::names(subColumns),
-            QStringList(static_cast<qsizetype>(subColumns.size()) + 2, u"?"_s).join(u',')));
+    SubInsertion insertion(*this, line);
     bool done = true;
     for (const SubEntry &entry : entries)
-        done = storeSubIndex(entry, prepared && entry.line == line ? &insert : nullptr);
+        done = storeSubIndex(entry, entry.line == line ? &insertion : nullptr);
     return done;
 }
 
@@ -299,11 +405,12 @@ void ObjectDataBase::setIndexName(quint8 line, quint16 index, const QString &nam
 QList<quint16> ObjectDataBase::getIndexList(quint8 line, quint16 first, quint16 last)
 {
     QList<quint16> indices;
-    for (const quint32 index :
-         selectNumbers(u"select objectindex from Objects%1 order by objectindex asc"_s.arg(line))) {
-        if (index >= first && index <= last)
-            indices.append(static_cast<quint16>(index));
-    }
+    for (const quint32 index : selectNumbers(
+             u"select objectindex from Objects%1 where objectindex between %2 and %3 order by objectindex asc"_s
+                 .arg(line)
+                 .arg(first)
+                 .arg(last)))
+        indices.append(static_cast<quint16>(index));
     return indices;
 }
 
@@ -361,33 +468,31 @@ QList<ObjectDataBase::IndexEntry> ObjectDataBase::getAllIndices(quint8 line)
     QList<IndexEntry> entries;
     QSqlQuery query = newQuery();
     query.setForwardOnly(true);
-    if (!run("getAllIndices", query,
-             u"select objectindex, metadata, %1 from Objects%2 order by objectindex"_s.arg(
-                 RecordColumns::names(indexColumns), QString::number(line))))
+    if (!run("getAllIndices", query, indexSelect(line) + " order by objectindex"_L1))
         return entries;
     while (query.next()) {
         IndexEntry &entry = entries.emplace_back();
         entry.index = static_cast<quint16>(query.value(0).toUInt());
-        entry.data.metadata = MetadataBlob::parse(query.value(1).toByteArray());
-        RecordColumns::readRow(indexColumns, query, entry.data, strings_, 2);
+        readIndex(query, entry.data, strings_);
     }
     return entries;
 }
 
 QList<ObjectDataBase::SubEntry> ObjectDataBase::getAllSubIndices(quint8 line)
 {
+    if (keptSubs_ && keptLine_ == line)
+        return *keptSubs_;
     strings_.loadTexts();
     QList<SubEntry> entries;
     QSqlQuery query = newQuery();
     query.setForwardOnly(true);
     if (!run("getAllSubIndices", query, subSelect(line, u" order by objectindex, subindex"_s)))
         return entries;
-    while (query.next()) {
-        SubEntry &entry = entries.emplace_back();
-        entry.line = line;
-        entry.index = static_cast<quint16>(query.value(0).toUInt());
-        entry.subindex = static_cast<quint8>(query.value(1).toUInt());
-        readSub(query, entry.data, strings_);
+    while (query.next())
+        entries.append(subOfRow(query, line, strings_));
+    if (keepsSubs_ && std::ranges::is_sorted(entries, {}, keyOf)) {
+        keptLine_ = line;
+        keptSubs_ = entries;
     }
     return entries;
 }
@@ -449,15 +554,14 @@ bool ObjectDataBase::setSubIndexDefaultValue(quint8 line, quint16 index, quint8 
 
 QList<ObjectDataBase::SubKey> ObjectDataBase::findSubIndices(quint8 line, const QString &column, const QString &value)
 {
-    const QList<quint32> indices = selectNumbers(u"select objectindex from Objects%1"_s.arg(line));
-    const QSet<quint32> objects(indices.begin(), indices.end());
     QSet<quint32> seen;
     QList<SubKey> found;
     for (const QString &literal : {value, u'\'' + value + u'\''}) {
         QSqlQuery query = newQuery();
         query.setForwardOnly(true);
         const QString statement =
-            u"select objectindex,subindex from SubObjects%1 where %2 = %3 order by objectindex,subindex ASC"_s.arg(
+            u"select objectindex,subindex from SubObjects%1 as sub where (%2 = %3) and exists (select 1 from Objects%1 "
+            "where Objects%1.objectindex = sub.objectindex) order by objectindex,subindex ASC"_s.arg(
                 QString::number(line), column, literal);
         if (!execQuery(query, statement))
             continue;
@@ -465,7 +569,7 @@ QList<ObjectDataBase::SubKey> ObjectDataBase::findSubIndices(quint8 line, const 
             const quint32 index = query.value(0).toUInt();
             const auto sub = static_cast<quint8>(query.value(1).toUInt());
             const quint32 key = SubObjectCache::key(static_cast<quint16>(index), sub);
-            if (objects.contains(index) && !seen.contains(key)) {
+            if (!seen.contains(key)) {
                 seen.insert(key);
                 found.append({static_cast<quint16>(index), sub, line});
             }
@@ -477,17 +581,16 @@ QList<ObjectDataBase::SubKey> ObjectDataBase::findSubIndices(quint8 line, const 
 void ObjectDataBase::cacheAllSubs(quint8 line, quint16 index)
 {
     SubObjectCache::Line entries;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    const QString condition = index != 0 ? u" where objectindex = %1"_s.arg(index) : QString();
-    if (execQuery(query, subSelect(line, condition))) {
-        while (query.next()) {
-            Sub data;
-            readSub(query, data, strings_);
-            entries.insert(SubObjectCache::key(static_cast<quint16>(query.value(0).toUInt()),
-                                               static_cast<quint8>(query.value(1).toUInt())),
-                           data);
-        }
+    const auto insert = [&entries](const SubEntry &entry) { entries.insert(entries.cend(), keyOf(entry), entry.data); };
+    if (index == 0) {
+        const QList<SubEntry> all = getAllSubIndices(line);
+        std::ranges::for_each(all, insert);
+    } else {
+        QSqlQuery query = newQuery();
+        query.setForwardOnly(true);
+        const bool done = execQuery(query, subSelect(line, u" where objectindex = %1"_s.arg(index)));
+        while (done && query.next())
+            insert(subOfRow(query, line, strings_));
     }
     const QMutexLocker locker(&cacheMutex_);
     subCache_.setLine(line, entries);
@@ -517,17 +620,14 @@ void ObjectDataBase::cacheDenotations(quint8 line, quint16 index)
 
 void ObjectDataBase::removeUnusedStrings()
 {
+    const QList<quint8> lines = getNodeList();
     QSet<quint32> used;
     const auto collect = [&](QLatin1StringView table, std::initializer_list<QLatin1StringView> columns) {
-        QStringList names(columns.begin(), columns.end());
-        for (const quint8 line : getNodeList()) {
-            QSqlQuery query = newQuery();
-            query.setForwardOnly(true);
-            if (!execQuery(query, u"select %1 from %2%3"_s.arg(names.join(u','), table, QString::number(line))))
-                continue;
-            while (query.next()) {
-                for (int column = 0; column < names.size(); ++column)
-                    used.insert(query.value(column).toUInt());
+        // Each column by itself: a table that lacks one still needs the texts of the others.
+        for (const quint8 line : lines) {
+            for (const QLatin1StringView column : columns) {
+                for (const quint32 id : selectNumbers(u"select %1 from %2%3"_s.arg(column, table).arg(line)))
+                    used.insert(id);
             }
         }
     };

@@ -3,11 +3,14 @@
 #include "store/objectdatabase.h"
 
 #include "store/databasetextconverter.h"
+#include "texttools/wholefile.h"
 
 #include <QCoreApplication>
 #include <QDebug>
 #include <QFile>
 #include <QFileInfo>
+
+#include <filesystem>
 
 using namespace Qt::StringLiterals;
 
@@ -21,11 +24,44 @@ QString cannotWrite(const QString &path)
     return u"The project cannot be written to %1."_s.arg(path);
 }
 
+/// Where a folder takes no new files, the one that is there can only be written over.
+bool overwrite(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    return QFile::exists(path) && file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+           file.write(content) == content.size() && file.flush();
+}
+
+/// Makes the file that a save is going to replace its own backup, too, so that the place is never empty; without one, a
+/// backup that is there stays. False where the file system knows no links.
+bool backUp(const QString &target, const QString &backup)
+{
+    if (!QFile::exists(target))
+        return true;
+    std::error_code error;
+    QFile::remove(backup);
+    std::filesystem::create_hard_link(QFileInfo(target).filesystemFilePath(), QFileInfo(backup).filesystemFilePath(),
+                                      error);
+    return !error;
+}
+
+bool replaceFile(const QString &target, const QString &fresh)
+{
+    if (QFile::exists(target))
+        QFile::setPermissions(fresh, QFile::permissions(target));
+    std::error_code error;
+    std::filesystem::rename(QFileInfo(fresh).filesystemFilePath(), QFileInfo(target).filesystemFilePath(), error);
+    if (error)
+        QFile::remove(fresh);
+    return !error;
+}
+
 } // namespace
 
 bool ObjectDataBase::saveDatabase(const QString &path)
 {
     lastError_.clear();
+    keptSubs_.reset();
     const QString target = path.isEmpty() ? projectPath_ : path;
     return target.endsWith("ncxt"_L1) ? saveDatabaseAsText(target) : saveDatabaseAsSql(target);
 }
@@ -64,36 +100,40 @@ bool ObjectDataBase::saveDatabaseAsSql(const QString &path)
     if (refusesDamaged())
         return false;
 
-    // A backup without its project is all that a failed save left, and stays until there is something to replace it.
-    const QString backup = target + ".bak"_L1;
-    const bool replaces = QFile::exists(target);
-    if (replaces) {
-        QFile::remove(backup);
-        QFile::rename(target, backup);
-    }
     if (!copyWorkingCopyTo(target)) {
         qDebug().noquote() << "ERROR copy " << database_.databaseName() << "to " << target;
         lastError_ = cannotWrite(target);
         return false;
     }
-    if (replaces)
-        QFile::setPermissions(target, QFile::permissions(backup));
     projectPath_ = target;
     return true;
 }
 
+/// The new file is complete, on disk and under a name of its own before it takes the place of the old one, so that at any
+/// moment the project or its backup is whole.
 bool ObjectDataBase::copyWorkingCopyTo(const QString &target)
 {
     QFile source(database_.databaseName());
-    QFile file(target);
-    if (target.isEmpty() || !source.open(QIODevice::ReadOnly) || !file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    if (target.isEmpty() || !source.open(QIODevice::ReadOnly))
         return false;
     const QByteArray content = source.readAll();
-    if (content.size() == source.size() && file.write(content) == content.size() && file.flush())
-        return true;
-    // Part of a database might open as a whole one; without the file, the next save leaves the backup alone.
-    file.remove();
-    return false;
+    if (content.size() != source.size())
+        return false;
+
+    const QString backup = target + ".bak"_L1;
+    const bool isBackedUp = backUp(target, backup);
+    const QString folder = QFileInfo(target).path();
+    WholeFile file(u"%1/.ncxsave%2"_s.arg(folder, QString::number(QCoreApplication::applicationPid())));
+    if (!file.open(QIODevice::WriteOnly))
+        return !QFileInfo(folder).isWritable() && overwrite(target, content);
+    if (file.write(content) != content.size() || !file.commitWhole())
+        return false;
+    if (!isBackedUp) {
+        const QFile::Permissions permissions = QFile::permissions(target);
+        QFile::rename(target, backup);
+        QFile::setPermissions(file.fileName(), permissions);
+    }
+    return replaceFile(target, file.fileName());
 }
 
 bool ObjectDataBase::saveDatabaseAsText(const QString &path)

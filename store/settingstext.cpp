@@ -9,6 +9,8 @@
 #include <QStringEncoder>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <utility>
 #include <vector>
 
@@ -66,6 +68,22 @@ bool isPlainText(const QString &text)
 bool separates(QChar ch)
 {
     return ch == u';' || ch == u',' || ch == u'=';
+}
+
+/// Copies a text that stands in a file exactly as it is, which nearly all do; false for any other.
+bool appendVerbatim(QByteArray &out, const QString &text)
+{
+    const bool isVerbatim = !text.startsWith(u'@') && !text.startsWith(u' ') && !text.endsWith(u' ') &&
+                            std::all_of(text.begin(), text.end(), [](QChar qch) {
+                                const char16_t ch = qch.unicode();
+                                return ch >= ' ' && ch < 0x7f && ch != '"' && ch != '\\' && !separates(qch);
+                            });
+    if (!isVerbatim)
+        return false;
+    const qsizetype start = out.size();
+    out.resize(start + text.size());
+    std::transform(text.begin(), text.end(), out.begin() + start, [](QChar ch) { return ch.toLatin1(); });
+    return true;
 }
 
 /// Writes a text with its escapes; bytes are one character each and stay ASCII in the file.
@@ -308,6 +326,8 @@ QByteArray escapedKey(QStringView key)
 
 void appendText(QByteArray &out, const QString &text)
 {
+    if (appendVerbatim(out, text))
+        return;
     // Read back, "@" marks what is no text, and a zero character would end one.
     if (text.contains(QChar::Null))
         appendEscaped(out, "@String("_L1 + text + u')', true);
@@ -334,6 +354,7 @@ void Writer::beginKey(const QByteArray &escapedKey)
         openSection_ = section_;
         anySection_ = true;
     }
+    buffer_ += row_;
     buffer_ += escapedKey;
     buffer_ += '=';
 }
@@ -362,7 +383,9 @@ void Writer::writeBytes(const QByteArray &escapedKey, const QByteArray &value)
 void Writer::writeNumber(const QByteArray &escapedKey, qint64 value)
 {
     beginKey(escapedKey);
-    buffer_ += QByteArray::number(value);
+    std::array<char, 24> digits{};
+    const auto end = std::to_chars(digits.begin(), digits.end(), value).ptr;
+    buffer_.append(digits.data(), end - digits.data());
     endKey();
 }
 

@@ -36,6 +36,8 @@ public:
 
     /// The section of the keys that follow; a section without keys leaves nothing in the file.
     void setSection(const QString &name) { section_ = name; }
+    /// What stands before each of the keys that follow, escaped.
+    void setRow(const QByteArray &escapedPath) { row_ = escapedPath; }
     void writeText(const QByteArray &escapedKey, const QString &value);
     void writeBytes(const QByteArray &escapedKey, const QByteArray &value);
     void writeNumber(const QByteArray &escapedKey, qint64 value);
@@ -50,6 +52,7 @@ private:
     QByteArray buffer_;
     QString section_;
     QString openSection_;
+    QByteArray row_;
     bool anySection_ = false;
     bool failed_ = false;
 };

@@ -155,7 +155,7 @@ QString DbcReader::expect(Kind kind, QLatin1StringView fault)
         fail(fault);
         return {};
     }
-    const QString text = token_.text;
+    QString text = token_.text;
     advance();
     return text;
 }
@@ -332,7 +332,7 @@ void DbcReader::readSignal()
     // Of equal names the first is the one that others refer to.
     const std::pair key(message.id, signal.name);
     if (!signalByName_.contains(key))
-        signalByName_.insert(key, message.signalList.size());
+        signalByName_.insert(key, {database_.messages.size() - 1, message.signalList.size()});
     message.signalList.append(signal);
 }
 
@@ -347,7 +347,7 @@ CANdb::Signal *DbcReader::expectSignal()
     const quint32 id = expectUnsigned("Message id expected"_L1);
     const QString name = expect(Kind::Word, "Signal name expected"_L1);
     const auto place = signalByName_.constFind({id, name});
-    return place == signalByName_.constEnd() ? nullptr : &message(id)->signalList[*place];
+    return place == signalByName_.constEnd() ? nullptr : &database_.messages[place->first].signalList[place->second];
 }
 
 DbcReader::Target DbcReader::readTarget()

@@ -87,6 +87,7 @@ private:
     QString error_;
     CANdb::Database database_;
     QHash<quint32, qsizetype> messageById_;
-    QHash<std::pair<quint32, QString>, qsizetype> signalByName_;
+    /// Places of message and signal, by the identifier of the one and the name of the other.
+    QHash<std::pair<quint32, QString>, std::pair<qsizetype, qsizetype>> signalByName_;
     QHash<QString, qsizetype> nodeByName_;
 };

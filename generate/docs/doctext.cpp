@@ -1,5 +1,7 @@
 #include "generate/docs/doctext.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -25,6 +27,9 @@ bool isXmlCharacter(QChar c)
 
 QString DocText::oneLine(const QString &text)
 {
+    // Nearly every text is plain, and goes out without a copy.
+    if (std::ranges::all_of(text, [](QChar c) { return c >= u' ' && c < u'\x7f'; }))
+        return text;
     QString line = withLineFeeds(text);
     for (QChar &c : line) {
         if (breaksLine(c))

@@ -173,10 +173,8 @@ HTMLDocumentGenerator::Titles HTMLGenerator::titles() const
 
 void HTMLGenerator::collect()
 {
-    for (const quint16 index : database()->getIndexList(line(), 0x1000, 0xFFFF)) {
-        StoreRecords::IndexData object;
-        if (!database()->getIndex(line(), index, object))
-            continue;
+    reader_.emplace(*database(), line(), quint16{0x1000});
+    for (const auto &[index, object] : reader_->objects().asKeyValueRange()) {
         objects_.append({.index = index,
                          .name = Helper::substituteVariables(object.name, index, 0, line()),
                          .code = object.objecttype,
@@ -214,20 +212,19 @@ void HTMLGenerator::writeObject(HtmlPage &page, const Object &object)
     page.row(u"Object Code"_s, COHelper::objectCode2String(object.code));
     page.description(object.description);
     page.endTable();
-    for (const quint8 subindex : database()->getSubIndexList(line(), object.index))
-        writeSubIndex(page, object.index, subindex);
+    const ObjectRecords records = reader_->read(object.index);
+    for (const ObjectRecords::Sub &sub : records.subs)
+        writeSubIndex(page, records, sub);
     page.out(u"  <hr />");
 }
 
-void HTMLGenerator::writeSubIndex(HtmlPage &page, quint16 index, quint8 subindex)
+void HTMLGenerator::writeSubIndex(HtmlPage &page, const ObjectRecords &object, const ObjectRecords::Sub &record)
 {
-    StoreRecords::SubIndexData sub;
-    if (!database()->getSubIndex(line(), index, subindex, sub))
-        return;
+    const StoreRecords::SubIndexData &sub = record.data;
     page.out(u" <br/>");
     page.beginTable();
-    page.headRow(u"Sub "_s, u"0x%1"_s.arg(hex(subindex, 2)));
-    page.row(u"Name "_s, Helper::substituteVariables(sub.name, index, subindex, line()));
+    page.headRow(u"Sub "_s, u"0x%1"_s.arg(hex(record.subindex, 2)));
+    page.row(u"Name "_s, object.name(record));
     page.row(u"Data Type"_s, COHelper::index2DataTypeString(sub.datatype));
     page.row(u"Access "_s, HtmlPage::escaped(sub.accesstype));
     if (sub.defaultineds || sub.implementation == managedConst)
@@ -236,6 +233,6 @@ void HTMLGenerator::writeSubIndex(HtmlPage &page, quint16 index, quint8 subindex
         page.row(u"Low Limit "_s, HtmlPage::escaped(sub.lowlimit));
         page.row(u"High Limit "_s, HtmlPage::escaped(sub.uplimit));
     }
-    page.description(Helper::substituteVariables(sub.description, index, subindex, line()));
+    page.description(Helper::substituteVariables(sub.description, object.index, record.subindex, object.line));
     page.endTable();
 }

@@ -2,6 +2,9 @@
 
 #include "generate/docs/documentgenerator.h"
 #include "generate/docs/htmlpage.h"
+#include "generate/docs/objectrecords.h"
+
+#include <optional>
 
 /// Base of the HTML documents: one self-contained page with what is known about the project, a table of contents and
 /// the contents.
@@ -61,7 +64,8 @@ private:
         QString description;
     };
     void writeObject(HtmlPage &page, const Object &object);
-    void writeSubIndex(HtmlPage &page, quint16 index, quint8 subindex);
+    static void writeSubIndex(HtmlPage &page, const ObjectRecords &object, const ObjectRecords::Sub &record);
 
+    std::optional<ObjectReader> reader_;
     QList<Object> objects_;
 };

@@ -1,5 +1,6 @@
 #include "generate/docs/htmlpage.h"
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -70,6 +71,10 @@ QString HtmlPage::escaped(QString text)
         {u'Ä', "&Auml;"_L1}, {u'ö', "&ouml;"_L1},  {u'Ö', "&Ouml;"_L1}, {u'ü', "&uuml;"_L1},
         {u'Ü', "&Uuml;"_L1}, {u'ß', "&szlig;"_L1}, {u'\n', "<br>"_L1},
     };
+    // Nearly every text is plain.
+    if (std::ranges::all_of(text,
+                            [](QChar c) { return c >= u' ' && c < u'\x7f' && c != u'&' && c != u'<' && c != u'>'; }))
+        return text;
     for (const auto &[character, markup] : replacements)
         text.replace(character, markup);
     return text;

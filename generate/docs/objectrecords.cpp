@@ -7,24 +7,18 @@
 #include <algorithm>
 
 ObjectReader::ObjectReader(ObjectDataBase &store, quint8 line, quint16 first)
-    : store_(store)
-    , line_(line)
+    : line_(line)
     , objects_(store.getIndices(line, first, 0xffff))
+    , subs_(store.getAllSubIndices(line))
 {
-    for (const ObjectDataBase::SubKey &key : store.getSubKeys(line))
-        subs_[key.index].append(key.subindex);
 }
 
 ObjectRecords ObjectReader::read(quint16 index) const
 {
     ObjectRecords records{.line = line_, .index = index, .object = objects_.value(index), .subs = {}};
-    const QList<quint8> subindices = subs_.value(index);
-    records.subs.reserve(subindices.size());
-    for (const quint8 subindex : subindices) {
-        ObjectRecords::Sub &sub = records.subs.emplaceBack();
-        sub.subindex = subindex;
-        store_.getSubIndex(line_, index, subindex, sub.data);
-    }
+    for (const ObjectDataBase::SubEntry &entry :
+         std::ranges::equal_range(subs_, index, {}, &ObjectDataBase::SubEntry::index))
+        records.subs.append({entry.subindex, entry.data});
     return records;
 }
 

@@ -2,7 +2,6 @@
 
 #include "store/storerecords.h"
 
-#include <QHash>
 #include <QList>
 #include <QMap>
 
@@ -49,8 +48,7 @@ public:
     ObjectRecords read(quint16 index) const;
 
 private:
-    ObjectDataBase &store_;
     const quint8 line_;
     QMap<quint16, StoreRecords::IndexData> objects_;
-    QHash<quint16, QList<quint8>> subs_;
+    const QList<StoreRecords::SubEntry> subs_; ///< by index and subindex
 };

@@ -2,6 +2,7 @@
 
 #include "generate/codewriter.h"
 #include "generate/docs/busmessages.h"
+#include "generate/docs/objectrecords.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 #include "texttools/helper.h"
@@ -16,12 +17,11 @@ namespace {
 
 constexpr auto textEnding = "_doc.txt"_L1;
 
-void writeSubIndex(CodeWriter &out, ObjectDataBase &store, quint8 line, quint16 index, quint8 subindex)
+void writeSubIndex(CodeWriter &out, const ObjectRecords &object, const ObjectRecords::Sub &record)
 {
-    StoreRecords::SubIndexData sub;
-    store.getSubIndex(line, index, subindex, sub);
+    const StoreRecords::SubIndexData &sub = record.data;
     out(u"  Sub:          0x${subindex} - ${name}",
-        {{"subindex", hex(subindex, 2)}, {"name", Helper::substituteVariables(sub.name, index, subindex, line)}});
+        {{"subindex", hex(record.subindex, 2)}, {"name", object.name(record)}});
     out(u"  DataType:     ${type}", {{"type", COHelper::index2DataTypeString(sub.datatype)}});
     if (!sub.defaultvalue.isEmpty())
         out(u"  DefaultValue: ${value}", {{"value", sub.defaultvalue}});
@@ -29,27 +29,27 @@ void writeSubIndex(CodeWriter &out, ObjectDataBase &store, quint8 line, quint16 
     out(u"  PDOMapping:   ${mapping}", {{"mapping", dec(sub.pdomapping.toUInt())}});
     if (!sub.description.isEmpty())
         out(u"  Description:  ${text}",
-            {{"text", Helper::substituteVariables(sub.description, index, subindex, line)}});
+            {{"text", Helper::substituteVariables(sub.description, object.index, record.subindex, object.line)}});
 }
 
-void writeObject(CodeWriter &out, ObjectDataBase &store, quint8 line, quint16 index)
+void writeObject(CodeWriter &out, const ObjectRecords &records)
 {
-    StoreRecords::IndexData object;
-    store.getIndex(line, index, object);
+    const StoreRecords::IndexData &object = records.object;
     out(uR"(
 
         Index:       0x${index} - ${name}
         DataType:    ${type}
         ObjectCode:  ${code}
         )",
-        {{"index", hex(index, 4)},
-         {"name", Helper::substituteVariables(object.name, index, 0, line)},
+        {{"index", hex(records.index, 4)},
+         {"name", records.name()},
          {"type", COHelper::index2DataTypeString(object.datatype)},
          {"code", COHelper::objectCode2String(object.objecttype)}});
     if (!object.description.isEmpty())
-        out(u"Description: ${text}", {{"text", Helper::substituteVariables(object.description, index, 0, line)}});
-    for (const quint8 subindex : store.getSubIndexList(line, index))
-        writeSubIndex(out, store, line, index, subindex);
+        out(u"Description: ${text}",
+            {{"text", Helper::substituteVariables(object.description, records.index, 0, records.line)}});
+    for (const ObjectRecords::Sub &sub : records.subs)
+        writeSubIndex(out, records, sub);
 }
 
 /// The text as one field of a line whose fields tabs separate.
@@ -149,10 +149,11 @@ void TextDocGenerator::write(QTextStream &stream)
 
         )",
         {{"project", baseName()}});
-    for (const quint16 index : database()->getIndexList(line(), 0x1000, 0xFFFF)) {
+    const ObjectReader reader(*database(), line(), 0x1000);
+    for (const quint16 index : reader.indices()) {
         if (!goesOn())
             return;
-        writeObject(out, *database(), line(), index);
+        writeObject(out, reader.read(index));
     }
 }
 

@@ -4,6 +4,8 @@
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 
+#include <QHash>
+
 #include <algorithm>
 #include <array>
 
@@ -11,11 +13,17 @@ using namespace Qt::StringLiterals;
 
 QList<LineMessage> LineMessages::parameterGroups(ObjectDataBase &store, quint8 line, quint8 direction, Groups groups)
 {
+    QHash<quint32, StoreRecords::PGN> heads;
+    for (const StoreRecords::PGN &pgn : store.getAllPGNs(line)) {
+        if (pgn.direction == direction)
+            heads.insert(pgn.number, pgn);
+    }
     QList<LineMessage> messages;
     for (const quint32 number : store.getPGNList(line, direction, groups == Groups::Ordinary)) {
-        LineMessage message;
-        if (number == addressClaim || !store.getPGN(line, number, direction, message.head))
+        const auto head = heads.constFind(number);
+        if (number == addressClaim || head == heads.constEnd())
             continue;
+        LineMessage message{.head = *head};
         if (groups == Groups::Safety && !message.head.issafe)
             continue;
         for (const quint32 spn : store.getSPNList(line, number, direction)) {
@@ -30,24 +38,21 @@ QList<LineMessage> LineMessages::parameterGroups(ObjectDataBase &store, quint8 l
 
 QList<LineMessage> LineMessages::canIds(ObjectDataBase &store, quint8 line, quint8 direction)
 {
+    QHash<quint32, QList<StoreRecords::DataElement>> elements;
+    for (const StoreRecords::DataElement &element : store.getAllDataElements(line)) {
+        if (element.direction == direction)
+            elements[element.pgnnumber].append(element);
+    }
     QList<LineMessage> messages;
-    for (const quint32 id : store.getCANIDList(line, direction)) {
-        StoreRecords::CANID canId;
-        if (!store.getCANID(line, id, direction, canId))
+    for (const StoreRecords::CANID &canId : store.getAllCANIDs(line)) {
+        if (canId.direction != direction)
             continue;
-        LineMessage message{.isCanId = true};
-        message.head.number = id;
+        LineMessage message{.isCanId = true, .items = elements.value(canId.id)};
+        message.head.number = canId.id;
         message.head.direction = direction;
         message.head.name = canId.name;
         message.head.cycletime_ms = canId.cycletime_ms;
         message.head.inhibittime_ms = canId.inhibittime_ms;
-        for (const quint32 number : store.getDataElementList(line, id, direction)) {
-            StoreRecords::DataElement item;
-            if (!store.getDataElement(line, id, direction, number, item))
-                continue;
-            item.spnnumber = number;
-            message.items.append(item);
-        }
         messages.append(message);
     }
     return messages;

@@ -189,7 +189,7 @@ QString Collector::pointerTo(const StoreRecords::SPN &signal, const QString &com
     constexpr quint8 lastManagedImplementation = 1;
     if (signal.implementation <= lastManagedImplementation)
         return addManaged(signal.datatype, signal.defaultvalue, comment);
-    const QString variable = LineMessages::variable(signal);
+    QString variable = LineMessages::variable(signal);
     if (variable.isEmpty())
         return u"NULL"_s;
     tables_.usesApplicationVariables = true;

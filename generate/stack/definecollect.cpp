@@ -201,18 +201,15 @@ void DefineCollector::countConnections(LineCounts &line) const
 void DefineCollector::countGroups(LineCounts &line)
 {
     const bool safety = LineSettings::number(store_.getJ1939Setting(u"safetysupport"_s, line.number)) > 0;
-    for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
-        const bool received = direction == ObjectDataBase::receive;
+    for (const ObjectDataBase::PGN &group : store_.getAllPGNs(line.number)) {
+        const bool received = group.direction == ObjectDataBase::receive;
+        if (group.number == addressClaim || (!received && group.direction != ObjectDataBase::transmit))
+            continue;
         quint32 &groups = received ? line.receivedPgns : line.transmittedPgns;
         quint32 &safetyGroups = received ? line.receivedSafetyGroups : line.transmittedSafetyGroups;
-        for (const quint32 number : store_.getPGNList(line.number, direction)) {
-            ObjectDataBase::PGN group;
-            if (number == addressClaim || !store_.getPGN(line.number, number, direction, group))
-                continue;
-            ++(safety && group.issafe ? safetyGroups : groups);
-            model_.multiSourceGroups |= received && group.multisourceaddress;
-            model_.inhibitedGroups |= !received && group.inhibittime_ms > 0;
-        }
+        ++(safety && group.issafe ? safetyGroups : groups);
+        model_.multiSourceGroups |= received && group.multisourceaddress;
+        model_.inhibitedGroups |= !received && group.inhibittime_ms > 0;
     }
     line.destinationBuffers = LineSettings::number(store_.getJ1939Setting(u"j1939fd_multipgbuffer"_s, line.number));
 }
@@ -224,11 +221,8 @@ void DefineCollector::countCanIds(LineCounts &line)
     };
     line.receivedCanIds = count(ObjectDataBase::receive);
     line.transmittedCanIds = count(ObjectDataBase::transmit);
-    for (const quint32 id : store_.getCANIDList(line.number, ObjectDataBase::transmit)) {
-        ObjectDataBase::CANID canId;
-        if (store_.getCANID(line.number, id, ObjectDataBase::transmit, canId))
-            model_.inhibitedCanIds |= canId.inhibittime_ms > 0;
-    }
+    for (const ObjectDataBase::CANID &canId : store_.getAllCANIDs(line.number))
+        model_.inhibitedCanIds |= canId.direction == ObjectDataBase::transmit && canId.inhibittime_ms > 0;
 }
 
 quint32 DefineCollector::cobs(const LineCounts &line, const LineDictionary &dictionary) const

@@ -10,6 +10,8 @@ LineDictionary::LineDictionary(ObjectDataBase &store, quint8 line)
     , line_(line)
     , indices_(store.getIndexList(line, ObjectRange::all.first, ObjectRange::all.last))
 {
+    for (const ObjectDataBase::SubKey &key : store.getSubKeys(line))
+        subs_[key.index].append(key.subindex);
 }
 
 bool LineDictionary::has(quint16 index) const
@@ -24,7 +26,7 @@ QList<quint16> LineDictionary::range(quint16 first, quint16 last) const
 
 QList<quint8> LineDictionary::subs(quint16 index) const
 {
-    return has(index) ? store_.getSubIndexList(line_, index) : QList<quint8>();
+    return has(index) ? subs_.value(index) : QList<quint8>();
 }
 
 quint32 LineDictionary::value(quint16 index, quint8 subindex) const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QString>
 
@@ -29,6 +30,7 @@ private:
     ObjectDataBase &store_;
     quint8 line_;
     QList<quint16> indices_;
+    QHash<quint16, QList<quint8>> subs_;
 };
 
 /// Indices of CiA 301, 302, 304 and 1301 by their first and last.

@@ -1,7 +1,8 @@
 #include "texttools/helper.h"
 
+#include "texttools/wholefile.h"
+
 #include <QFile>
-#include <QSaveFile>
 #include <QStringList>
 
 using namespace Qt::StringLiterals;
@@ -51,6 +52,7 @@ QString Helper::substituteVariables(const QString &text, quint32 index, quint32 
         const qsizetype close = text.indexOf(u'}', open);
         if (close < 0)
             break;
+        open = text.lastIndexOf("${"_L1, close); // no word holds another beginning
         const QString value = valueOf(view.mid(open + 2, close - open - 2),
                                       {{"index"_L1, index, 4}, {"subindex"_L1, subindex, 2}, {"line"_L1, line, 1}});
         if (value.isNull()) {
@@ -112,6 +114,6 @@ bool Helper::modifyLineEnding(const QString &path, const QString &ending)
     if (ending != "\n"_L1)
         content.replace("\n", ending.toUtf8());
 
-    QSaveFile target(path);
-    return target.open(QIODevice::WriteOnly) && target.write(content) == content.size() && target.commit();
+    WholeFile target(path);
+    return target.open(QIODevice::WriteOnly) && target.write(content) == content.size() && target.commitWhole();
 }

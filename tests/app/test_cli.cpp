@@ -9,8 +9,10 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -228,6 +230,10 @@ TEST_F(Cli, LeavesATextThatIsNoProjectAsItIs)
         EXPECT_TRUE(result.output.contains(u"ERROR - %1 is no project and is left as it is.\n"_s.arg(file)));
         EXPECT_EQ(readFile(file), text);
     }
+
+    ASSERT_EQ(mkfifo(qPrintable(path(u"pipe.ncxt"_s)), 0600), 0);
+    run({u"-project"_s, path(u"pipe.ncxt"_s), u"-save"_s});
+    EXPECT_FALSE(QFileInfo(path(u"pipe.ncxt"_s)).isFile());
 
     run({u"-project"_s, written(u"new.ncxt"_s, ""), u"-save"_s});
     EXPECT_TRUE(readFile(path(u"new.ncxt"_s)).contains("[MiscSettings]"));

@@ -316,6 +316,13 @@ TEST(SdmGenerator, MakesADeviceThatExchangesItsData)
     }
 }
 
+/// A template wherever one is looked for.
+class AnyTemplate : public TemplateSource
+{
+public:
+    std::optional<QString> text(const QString & /*path*/) const override { return u"__GEN_SDG_INCLUDES__"_s; }
+};
+
 TEST(SdmGenerator, TellsWhichTemplateItMisses)
 {
     struct Case
@@ -337,6 +344,8 @@ TEST(SdmGenerator, TellsWhichTemplateItMisses)
         ProjectBuilder project = safetyDevice();
         project.misc(u"costackpath"_s, row.stackPath).general(u"canfd_supported"_s, row.canFd);
         SDMGeneratorV4 generator;
+        if (row.stackPath.isEmpty())
+            generator.setTemplateSource(std::make_unique<AnyTemplate>());
         folder.generate(generator, project, row.multiLine);
         EXPECT_EQ(generator.errorText(), u"Could not find template file: "_s + row.expected);
         EXPECT_NE(generator.errorCode(), 0);

@@ -53,11 +53,16 @@ ProjectBuilder safetyDevice()
     addSrdo(project, 2, 2,
             {u"0x20200008"_s, u"0x20300008"_s, u"0x00050008"_s, u"0x00050008"_s, u"0x20210010"_s, u"0x20310010"_s,
              u"0x20220020"_s, u"0x20320020"_s});
+    // One that shares its data, and one that is switched off: the dictionary has its object in the module all the same.
+    addSrdo(project, 4, 2, {u"0x20200008"_s, u"0x20300008"_s});
+    addVariable(project, 0x2040, 5, u"spare"_s);
+    addSrdo(project, 5, 2, {u"0x20400008"_s});
+    project.sub(0, u"Entries"_s);
     return project;
 }
 
 const QString defines = u"#define CORE_REC_BUFFER_CNT 1u\n#define CO_SRDO_SUPPORTED 1u\n"
-                        "#define SRDO_OD_ENTRY_U8_CNT 4u\n#define SRDO_OD_ENTRY_I16_CNT 4u\n"
+                        "#define SRDO_OD_ENTRY_U8_CNT 5u\n#define SRDO_OD_ENTRY_I16_CNT 4u\n"
                         "#define SRDO_OD_ENTRY_R32_CNT 4u\n"_s;
 
 const QString exchange = uR"(
@@ -99,7 +104,8 @@ int main(void)
 	printf(" %d", *(INTEGER16 *)srdoGetObject(LINE 0x2021, 0));
 	printf(" %.1f", (double)*(REAL32 *)srdoGetObject(LINE 0x2022, 0));
 	printf(" %d\n", *(INTEGER16 *)srdoGetObject(LINE 0x2031, 0));
-	printf("unknown %d %d\n", srdoGetObject(LINE 0x2040, 0) == NULL, srdoReceive(LINE 3, normal, inverted, 8) != RET_OK);
+	printf("off %d\n", srdoGetObject(LINE 0x2040, 0) != NULL);
+	printf("unknown %d %d\n", srdoGetObject(LINE 0x2050, 0) == NULL, srdoReceive(LINE 3, normal, inverted, 8) != RET_OK);
 	return 0;
 }
 )"_s;
@@ -118,7 +124,7 @@ void checkExchange(bool multiLine)
     const ProcessResult build = folder.build({u"gen_srdo.c"_s, u"exchange.c"_s});
     ASSERT_EQ(build.exitCode, 0) << qPrintable(build.errors);
     EXPECT_EQ(folder.run().output, u"too early 1\nunlike 1\nsent 1: 05 fe ff 00 00 20 40\nspoilt 1 0\n"
-                                   "got 1 7 -2 10.0 1\nunknown 1 1\n");
+                                   "got 1 7 -2 10.0 1\noff 1\nunknown 1 1\n");
 }
 
 TEST(SrdoGenerator, MakesADeviceThatExchangesItsData)

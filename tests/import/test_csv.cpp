@@ -82,14 +82,6 @@ TEST(CsvImport, Cases)
     }
 }
 
-TEST(CsvImport, TheGuideShowsTheTableOfATest)
-{
-    const QString guide = QString::fromUtf8(TestSupport::readFile(QStringLiteral(NCX_SOURCE_DIR "/docs/import.md")));
-    const QString table = QString::fromUtf8(TestSupport::readFile(cases().filePath(u"docs.csv"_s)));
-    for (const QString &line : table.split(u'\n', Qt::SkipEmptyParts))
-        EXPECT_TRUE(guide.contains("\n    "_L1 + line + u'\n')) << qPrintable(line);
-}
-
 TEST(CsvImport, ReadsLatin1)
 {
     ObjectDataBase::INDEX_DATA_T object;

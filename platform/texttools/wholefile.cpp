@@ -1,0 +1,21 @@
+#include "texttools/wholefile.h"
+
+#include <cerrno>
+#include <system_error>
+
+qint64 WholeFile::writeData(const char *data, qint64 length)
+{
+    const qint64 written = QSaveFile::writeData(data, length);
+    lost_ = lost_ || written != length;
+    return written;
+}
+
+bool WholeFile::commitWhole()
+{
+    // The file gives itself up if it is not committed; a commit that fails would also forget why.
+    if (!flush() || error() != NoError)
+        return false;
+    if (lost_) // a part was taken, which the framework counts as no error
+        setErrorString(QString::fromLocal8Bit(std::generic_category().message(ENOSPC)));
+    return !lost_ && commit();
+}

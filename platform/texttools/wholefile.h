@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QSaveFile>
+
+/// A file that takes the place of a former one if all of it could be written. QSaveFile alone commits what is left of
+/// a file when the disk was full for a part of it only, or for the rest of its buffer.
+class WholeFile : public QSaveFile
+{
+    Q_OBJECT
+
+public:
+    using QSaveFile::QSaveFile;
+
+    /// False, with the error of the file set, leaves the former file in its place.
+    bool commitWhole();
+
+protected:
+    qint64 writeData(const char *data, qint64 length) override;
+
+private:
+    bool lost_ = false; ///< some data never came to the disk, whatever came behind it
+};
