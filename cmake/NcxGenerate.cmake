@@ -1,52 +1,90 @@
-# ncx_generate(TARGET <target> PROJECT <file> OUTPUTS <name>... [IMPORTS <file>...] [STACKPATH <folder>]
-#              [PROGRAM <program>] [FOLDER <folder>])
+# ncx_generate(TARGET <target> PROJECT <file> OUTPUTS <name>... [IMPORTS <file>...] [STACKPATH <folder>] [DBMOD <file>]
+#              [DEPENDS <file>...] [PROGRAM <program>] [FOLDER <folder>])
 #
 # Generates the C sources of a device and adds them to a target: `OUTPUTS` names the generated files that the target is
-# built from or includes, for example gen_objdict.c gen_define.h. They are made anew when the project or an imported file
-# changes. The generation works on a copy in `FOLDER` (below the build folder unless told), so that nothing is written
-# beside the project. A model that does not pass its check fails the build, with its messages on the console.
+# built from or includes, for example gen_objdict.c gen_define.h. They are made anew when the project, an imported file,
+# the modifier file, one of `DEPENDS` (a template of the stack, say) or the program itself changes.
 #
-# `PROGRAM` is ncx_cli, or another of the programs; where it is not found beside this file's own build it is looked for in
-# the PATH.
+# The generation works on a copy in `FOLDER` (<target>_can in the build folder of the calling CMakeLists.txt unless told),
+# so that nothing is written beside the project. All that the run writes is there; the folder is an include folder of the
+# target. A model that does not pass its check fails the build, with its messages on the console.
+#
+# `PROGRAM` is a target, a name to look for in the PATH, or a path: ncx_cli unless told.
+#
+# Call it in the CMakeLists.txt that makes the target.
+set(NCX_GENERATE_SCRIPT "${CMAKE_CURRENT_LIST_DIR}/NcxRunGeneration.cmake")
+
+# The target, or the path, of the program that a caller named.
+function(ncx_find_program name result)
+    if(TARGET ncx_cli::${name})
+        set(name ncx_cli::${name})
+    endif()
+    if(TARGET ${name})
+        set(${result} "$<TARGET_FILE:${name}>" PARENT_SCOPE)
+        return()
+    endif()
+    find_program(NCX_PROGRAM_${name} "${name}")
+    if(NOT NCX_PROGRAM_${name})
+        message(FATAL_ERROR "ncx_generate: there is no program ${name}")
+    endif()
+    set(${result} "${NCX_PROGRAM_${name}}" PARENT_SCOPE)
+endfunction()
+
 function(ncx_generate)
-    cmake_parse_arguments(ARG "" "TARGET;PROJECT;STACKPATH;PROGRAM;FOLDER" "OUTPUTS;IMPORTS" ${ARGN})
+    cmake_parse_arguments(PARSE_ARGV 0 ARG "" "TARGET;PROJECT;STACKPATH;DBMOD;PROGRAM;FOLDER" "OUTPUTS;IMPORTS;DEPENDS")
     foreach(needed IN ITEMS TARGET PROJECT OUTPUTS)
         if(NOT ARG_${needed})
             message(FATAL_ERROR "ncx_generate: ${needed} is missing")
         endif()
     endforeach()
+    if(ARG_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "ncx_generate: unknown arguments: ${ARG_UNPARSED_ARGUMENTS}")
+    endif()
+    get_target_property(home ${ARG_TARGET} SOURCE_DIR)
+    if(NOT home STREQUAL CMAKE_CURRENT_SOURCE_DIR)
+        message(FATAL_ERROR "ncx_generate: call it in ${home}, where the target ${ARG_TARGET} is made")
+    endif()
     if(NOT ARG_PROGRAM)
         set(ARG_PROGRAM ncx_cli)
     endif()
-    if(NOT TARGET ${ARG_PROGRAM})
-        find_program(NCX_PROGRAM_${ARG_PROGRAM} ${ARG_PROGRAM} REQUIRED)
-        set(ARG_PROGRAM "${NCX_PROGRAM_${ARG_PROGRAM}}")
-    endif()
+    ncx_find_program("${ARG_PROGRAM}" program)
     if(NOT ARG_FOLDER)
-        set(ARG_FOLDER "${CMAKE_CURRENT_BINARY_DIR}/${ARG_TARGET}_can")
+        set(ARG_FOLDER "${ARG_TARGET}_can")
     endif()
-    cmake_path(ABSOLUTE_PATH ARG_PROJECT NORMALIZE)
-    cmake_path(GET ARG_PROJECT FILENAME project_name)
+    cmake_path(ABSOLUTE_PATH ARG_FOLDER BASE_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}" NORMALIZE)
+    foreach(path IN ITEMS ARG_PROJECT ARG_STACKPATH ARG_DBMOD)
+        if(${path})
+            cmake_path(ABSOLUTE_PATH ${path} NORMALIZE)
+        endif()
+    endforeach()
 
-    set(options -project "${ARG_FOLDER}/${project_name}")
-    set(imports)
+    # A run looks beside its project for these: the one says to leave stdlib.h out, the other has the user's own section.
+    cmake_path(GET ARG_PROJECT PARENT_PATH project_folder)
+    file(GLOB copied CONFIGURE_DEPENDS "${project_folder}/no_stdlib_include.txt" "${project_folder}/gen_define.h")
+    list(PREPEND copied "${ARG_PROJECT}")
+
+    set(arguments)
+    set(inputs ${copied} ${ARG_DEPENDS})
     foreach(import IN LISTS ARG_IMPORTS)
         cmake_path(ABSOLUTE_PATH import NORMALIZE)
-        list(APPEND imports "${import}")
-        list(APPEND options -import "${import}")
+        list(APPEND arguments -import "${import}")
+        list(APPEND inputs "${import}")
     endforeach()
     if(ARG_STACKPATH)
-        list(APPEND options -stackpath "${ARG_STACKPATH}")
+        list(APPEND arguments -stackpath "${ARG_STACKPATH}")
     endif()
-    list(TRANSFORM ARG_OUTPUTS PREPEND "${ARG_FOLDER}/" OUTPUT_VARIABLE outputs)
+    if(ARG_DBMOD)
+        list(APPEND arguments -dbmod "${ARG_DBMOD}")
+        list(APPEND inputs "${ARG_DBMOD}")
+    endif()
 
-    file(MAKE_DIRECTORY "${ARG_FOLDER}")
+    cmake_path(GET ARG_PROJECT FILENAME name)
+    list(TRANSFORM ARG_OUTPUTS PREPEND "${ARG_FOLDER}/" OUTPUT_VARIABLE outputs)
     add_custom_command(OUTPUT ${outputs}
-        COMMAND "${CMAKE_COMMAND}" -E copy "${ARG_PROJECT}" "${ARG_FOLDER}/${project_name}"
-        COMMAND ${ARG_PROGRAM} ${options}
-        COMMAND "${CMAKE_COMMAND}" -E touch_nocreate ${outputs}
-        DEPENDS "${ARG_PROJECT}" ${imports}
-        COMMENT "Generating the CAN sources of ${project_name}"
+        COMMAND "${CMAKE_COMMAND}" "-DPROGRAM=${program}" "-DFOLDER=${ARG_FOLDER}" "-DPROJECT=${name}"
+            "-DCOPIED=${copied}" "-DARGUMENTS=${arguments}" "-DOUTPUTS=${ARG_OUTPUTS}" -P "${NCX_GENERATE_SCRIPT}"
+        DEPENDS ${inputs} "${program}" "${NCX_GENERATE_SCRIPT}"
+        COMMENT "Generating the CAN sources of ${name}"
         VERBATIM)
     target_sources(${ARG_TARGET} PRIVATE ${outputs})
     target_include_directories(${ARG_TARGET} PRIVATE "${ARG_FOLDER}")

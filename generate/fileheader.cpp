@@ -70,7 +70,7 @@ void writeFileHeader(CodeWriter &out, SourceFile file, SourceForm form, const QS
          * ${TITLE}
          * ${DATE}
         )",
-        {{"TITLE", sourceTitle(file, form, baseName)}, {"DATE", TextTools::currentDateTime().toString(Qt::TextDate)}});
+        {{"TITLE", sourceTitle(file, form, baseName)}, {"DATE", TextTools::currentDateText()}});
     if (!note.isEmpty())
         out(u" * ${NOTE}", {{"NOTE", note}});
     out(uR"(

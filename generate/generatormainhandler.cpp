@@ -66,8 +66,10 @@ bool GeneratorMainHandler::openProject(const QString &filePath)
     const QString path = file.absoluteFilePath();
     isUnreadText_ = false;
     if (path.endsWith("ncxt"_L1)) // an open of the text form cannot fail
-        isUnreadText_ = !database_->openTextDatabase(path) && file.size() > 0;
+        isUnreadText_ = !database_->openTextDatabase(path) && (file.size() > 0 || !file.isFile());
     else if (!database_->openDataBase(path))
+        return false;
+    if (!database_->isOpen()) // there is no place for a working copy
         return false;
     correctProject(database_);
     outputFolder_ = file.absolutePath();

@@ -38,7 +38,7 @@ std::optional<QString> Templates::fill(const QString &text, const TemplateValues
 
 QString Templates::pathInStack(const QString &stackPath, const QString &outputFolder, const QString &file)
 {
-    const QString path = stackPath + file;
+    QString path = stackPath + file;
     if (stackPath.isEmpty() || QDir::isAbsolutePath(path))
         return path;
     return QDir::cleanPath(QDir(outputFolder).absoluteFilePath(path));

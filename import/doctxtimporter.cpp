@@ -1,9 +1,9 @@
 #include "import/doctxtimporter.h"
 
-#include "import/messageindex.h"
 #include "nodedict/cohelper.h"
 #include "nodedict/edstext.h"
 #include "store/objectdatabase.h"
+#include "store/temporaryindex.h"
 
 #include <QDebug>
 
@@ -74,7 +74,7 @@ void DOCTXTImporter::doImport()
         qDebug().noquote() << "Importing " << filePath_;
         const ObjectDataBase::Transaction transaction(*store_);
         importFile();
-        repairMappingCounts();
+        store_->repairMappingCounts();
     }
     qDebug() << "Import completeted";
     finish();
@@ -87,7 +87,7 @@ void DOCTXTImporter::importFile()
     EdsText text;
     if (filePath_.isEmpty() || !text.load(filePath_))
         return;
-    const MessageIndex index(*store_, line_, MessageIndex::SPNs);
+    const TemporaryIndex index(*store_, line_, TemporaryIndex::spnKeys);
     EdsLines lines(text.bytes());
     QByteArrayView line;
     while (lines.next(line))
@@ -174,23 +174,4 @@ void DOCTXTImporter::importSPN(const QStringList &fields)
     record.direction = direction_;
     record.pos = position_++;
     store_->addSPN(line_, pgn_, direction_, *number, record);
-}
-
-/// Lets each PGN of the project have the number of its SPNs as its mapping count.
-void DOCTXTImporter::repairMappingCounts()
-{
-    for (const quint8 line : store_->getNodeList()) {
-        store_->cacheSPNs(line);
-        for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
-            for (const quint32 number : store_->getPGNList(line, direction)) {
-                StoreRecords::PGN record;
-                const auto count = static_cast<quint16>(store_->getSPNList(line, number, direction).size());
-                if (!store_->getPGN(line, number, direction, record) || record.mappingcount == count)
-                    continue;
-                record.mappingcount = count;
-                store_->addPGN(line, number, record);
-            }
-        }
-    }
-    store_->clearSPNCache();
 }

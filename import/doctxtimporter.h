@@ -29,7 +29,6 @@ private:
     bool importPGN(const QStringList &fields);
     void importDescription(const QStringList &fields);
     void importSPN(const QStringList &fields);
-    void repairMappingCounts();
 
     quint32 pgn_ = 0;
     quint8 direction_ = 0; ///< of the current PGN; 0 if there is none

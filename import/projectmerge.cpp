@@ -1,8 +1,8 @@
 #include "import/projectmerge.h"
 
-#include "import/messageindex.h"
 #include "import/recordquotes.h"
 #include "store/objectdatabase.h"
+#include "store/temporaryindex.h"
 
 #include <QSet>
 
@@ -92,7 +92,7 @@ void ProjectMerge::copyPGNs(ObjectDataBase &target, quint8 line, ObjectDataBase 
     if (!source.nodeExists(sourceLine))
         return;
     const ObjectDataBase::Transaction transaction(target);
-    const MessageIndex index(target, line, MessageIndex::SPNs);
+    const TemporaryIndex index(target, line, TemporaryIndex::spnKeys);
     source.cacheSPNs(sourceLine);
     for (const quint8 direction : directions) {
         for (const quint32 number : source.getPGNList(sourceLine, direction)) {
@@ -110,8 +110,8 @@ void ProjectMerge::copyCANIDs(ObjectDataBase &target, quint8 line, ObjectDataBas
         return;
     const ObjectDataBase::Transaction transaction(target);
     const ObjectDataBase::Transaction reading(source);
-    const MessageIndex index(target, line, MessageIndex::DataElements);
-    const MessageIndex sourceIndex(source, sourceLine, MessageIndex::DataElements);
+    const TemporaryIndex index(target, line, TemporaryIndex::elementKeys);
+    const TemporaryIndex sourceIndex(source, sourceLine, TemporaryIndex::elementKeys);
     for (const quint8 direction : directions) {
         for (const quint32 id : source.getCANIDList(sourceLine, direction)) {
             if (isBetween(id & identifierBits, first, last))

@@ -361,15 +361,12 @@ QList<ObjectDataBase::IndexEntry> ObjectDataBase::getAllIndices(quint8 line)
     QList<IndexEntry> entries;
     QSqlQuery query = newQuery();
     query.setForwardOnly(true);
-    if (!run("getAllIndices", query,
-             u"select objectindex, metadata, %1 from Objects%2 order by objectindex"_s.arg(
-                 RecordColumns::names(indexColumns), QString::number(line))))
+    if (!run("getAllIndices", query, indexSelect(line) + " order by objectindex"_L1))
         return entries;
     while (query.next()) {
         IndexEntry &entry = entries.emplace_back();
         entry.index = static_cast<quint16>(query.value(0).toUInt());
-        entry.data.metadata = MetadataBlob::parse(query.value(1).toByteArray());
-        RecordColumns::readRow(indexColumns, query, entry.data, strings_, 2);
+        readIndex(query, entry.data, strings_);
     }
     return entries;
 }
@@ -517,17 +514,14 @@ void ObjectDataBase::cacheDenotations(quint8 line, quint16 index)
 
 void ObjectDataBase::removeUnusedStrings()
 {
+    const QList<quint8> lines = getNodeList();
     QSet<quint32> used;
     const auto collect = [&](QLatin1StringView table, std::initializer_list<QLatin1StringView> columns) {
-        QStringList names(columns.begin(), columns.end());
-        for (const quint8 line : getNodeList()) {
-            QSqlQuery query = newQuery();
-            query.setForwardOnly(true);
-            if (!execQuery(query, u"select %1 from %2%3"_s.arg(names.join(u','), table, QString::number(line))))
-                continue;
-            while (query.next()) {
-                for (int column = 0; column < names.size(); ++column)
-                    used.insert(query.value(column).toUInt());
+        // Each column by itself: a table that lacks one still needs the texts of the others.
+        for (const quint8 line : lines) {
+            for (const QLatin1StringView column : columns) {
+                for (const quint32 id : selectNumbers(u"select %1 from %2%3"_s.arg(column, table).arg(line)))
+                    used.insert(id);
             }
         }
     };

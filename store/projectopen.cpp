@@ -156,22 +156,21 @@ void ObjectDataBase::migrateLine(quint8 line)
 }
 
 /// Rebuilds the table of a line so that a subindex can stand in it only once. An old file may hold its columns in
-/// another order, and may hold a subindex twice, of which the first has always been the one that counted.
+/// another order, NULL where no row may have it now, and a subindex twice, of which the first has always counted.
 bool ObjectDataBase::addUniqueColumnsToSubDatabase(quint8 line, QSqlQuery &query)
 {
     const QString table = ProjectSchema::tableName(LineTable::SubObjects, line);
-    QStringList columns;
-    for (const QLatin1StringView name : ProjectSchema::columnNames(LineTable::SubObjects))
-        columns.append(name);
-    const QString list = columns.join(u',');
+    const QString columns = ProjectSchema::columnNames(LineTable::SubObjects).join(u',');
+    const QString values = ProjectSchema::columnsWithoutNull(LineTable::SubObjects).join(u',');
 
     execQuery(query, u"drop table if exists %1_old"_s.arg(table));
     if (!run("addUniqueColumnsToSubDatabase", query, u"alter table %1 rename to %1_old"_s.arg(table)))
         return false;
-    const bool copied = run("addUniqueColumnsToSubDatabase", query,
-                            ProjectSchema::createStatement(LineTable::SubObjects, line, false)) &&
-                        run("addUniqueColumnsToSubDatabase", query,
-                            u"INSERT OR IGNORE INTO %1 (%2) SELECT %2 FROM %1_old ORDER BY rowid"_s.arg(table, list));
+    const bool copied =
+        run("addUniqueColumnsToSubDatabase", query,
+            ProjectSchema::createStatement(LineTable::SubObjects, line, false)) &&
+        run("addUniqueColumnsToSubDatabase", query,
+            u"INSERT OR IGNORE INTO %1 (%2) SELECT %3 FROM %1_old ORDER BY rowid"_s.arg(table, columns, values));
     if (!copied) {
         execQuery(query, u"drop table if exists %1"_s.arg(table));
         execQuery(query, u"alter table %1_old rename to %1"_s.arg(table));

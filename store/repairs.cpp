@@ -4,6 +4,7 @@
 
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
+#include "store/temporaryindex.h"
 
 #include <QDebug>
 #include <QSet>
@@ -54,29 +55,6 @@ void placeBehindEachOther(QList<ObjectDataBase::SPN> &message)
     }
 }
 
-/// An index for the time of a repair that writes every signal by its key, so that each write need not read the table.
-class TemporaryIndex
-{
-public:
-    TemporaryIndex(ObjectDataBase &store, const QString &tableAndColumns)
-        : store_(store)
-    {
-        exec(u"create index if not exists repairindex on "_s + tableAndColumns);
-    }
-    ~TemporaryIndex() { exec(u"drop index if exists repairindex"_s); }
-    Q_DISABLE_COPY_MOVE(TemporaryIndex)
-
-private:
-    void exec(const QString &statement)
-    {
-        QSqlQuery query = store_.newQuery();
-        if (!store_.execQuery(query, statement))
-            qDebug().noquote() << "TemporaryIndex" << statement << query.lastError().text();
-    }
-
-    ObjectDataBase &store_;
-};
-
 } // namespace
 
 void ObjectDataBase::repairMappingCounts()
@@ -102,7 +80,7 @@ void ObjectDataBase::repairMappingCounts()
         }
         if (wrong.isEmpty())
             continue;
-        const TemporaryIndex index(*this, u"PGNs%1 (number, direction)"_s.arg(line));
+        const TemporaryIndex index(*this, line, "PGNs%1 (number, direction)"_L1);
         for (const auto &[key, count] : wrong.asKeyValueRange())
             run("repairMappingCounts", query,
                 u"update PGNs%1 SET mappingcount = %2 where number = %3 AND direction = %4 "_s.arg(
@@ -136,7 +114,7 @@ void ObjectDataBase::repairSPNDirections(quint8 line)
     if (wrong.isEmpty())
         return;
     query.finish();
-    const TemporaryIndex index(*this, u"SPNs%1 (pgnnumber)"_s.arg(line));
+    const TemporaryIndex index(*this, line, "SPNs%1 (pgnnumber)"_L1);
     query.prepare(u"update SPNs%1 SET direction = :direction where pgnnumber = :pgnnumber"_s.arg(line));
     for (const quint32 number : std::as_const(wrong)) {
         query.bindValue(u":direction"_s, directions.value(number));
@@ -150,11 +128,11 @@ void ObjectDataBase::repairBitPositions(quint8 line)
 {
     const Transaction transaction(*this);
     {
-        const TemporaryIndex index(*this, u"DataElements%1 (canid, number, direction)"_s.arg(line));
+        const TemporaryIndex index(*this, line, TemporaryIndex::elementKeys);
         for (const quint8 direction : bothDirections)
             repairDataElementPositions(line, direction);
     }
-    const TemporaryIndex index(*this, u"SPNs%1 (pgnnumber, spnnumber, direction)"_s.arg(line));
+    const TemporaryIndex index(*this, line, TemporaryIndex::spnKeys);
     for (const quint8 direction : bothDirections)
         repairSPNPositions(line, direction);
 }

@@ -331,11 +331,25 @@ QString createStatement(LineTable family, quint8 line, bool ifNotExists)
     return createStatement(tableName(family, line), layoutOf(family).columns, layoutOf(family).constraint, ifNotExists);
 }
 
-QList<QLatin1StringView> columnNames(LineTable family)
+QStringList columnNames(LineTable family)
 {
-    QList<QLatin1StringView> names;
+    QStringList names;
     for (const Column &column : layoutOf(family).columns)
         names.append(column.name);
+    return names;
+}
+
+QStringList columnsWithoutNull(LineTable family)
+{
+    QStringList names;
+    for (const Column &column : layoutOf(family).columns) {
+        if (column.type == integerNotNull)
+            names.append(u"ifnull(%1, 0)"_s.arg(column.name));
+        else if (column.type == textNotNull)
+            names.append(u"ifnull(%1, '')"_s.arg(column.name));
+        else
+            names.append(column.name);
+    }
     return names;
 }
 

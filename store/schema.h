@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 /// The layout of a project file, as data: tables, their columns, and the columns that older files lack.
 namespace ProjectSchema {
@@ -47,7 +48,9 @@ QString tableName(LineTable family, quint8 line);
 /// "create table ..." or, with `ifNotExists`, "create table if not exists ...".
 QString createStatement(Table table, bool ifNotExists = false);
 QString createStatement(LineTable family, quint8 line, bool ifNotExists = true);
-QList<QLatin1StringView> columnNames(LineTable family);
+QStringList columnNames(LineTable family);
+/// The columns as a select from a table of another layout takes them: 0 or an empty text for a NULL where none may be.
+QStringList columnsWithoutNull(LineTable family);
 
 /// A column that a file of an older version may lack.
 struct AddedColumn

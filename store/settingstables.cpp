@@ -69,8 +69,8 @@ bool ObjectDataBase::settingExists(QLatin1StringView table, const QString &key)
     return selectsRow(u"select item from %1 where item = '%2'"_s.arg(table, key));
 }
 
-/// Writes a value, whose quotes are doubled by now where the table wants that. Of a row that holds the value already
-/// nothing is written; the result then is true and `changed` tells.
+/// Writes a value, which `literal` gives as it stands in a statement: with its quotes doubled where the table wants
+/// that. Of a row that holds the value already nothing is written.
 ObjectDataBase::SettingWrite ObjectDataBase::writeSetting(QLatin1StringView table, const QString &key,
                                                           const QString &literal, const QString &value)
 {

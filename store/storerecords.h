@@ -28,6 +28,8 @@ struct IndexData
     QString device_class = {};
     bool fwsupported = false;
     Metadata metadata = {};
+
+    friend bool operator==(const IndexData &, const IndexData &) = default;
 };
 
 /// One subindex of an object. Values and limits are text: decimal, "0x" hexadecimal, or "$NODEID+" and a number
@@ -63,6 +65,8 @@ struct SubIndexData
     quint32 signalid = 0;
     bool nvstorage = false;
     Metadata metadata = {};
+
+    friend bool operator==(const SubIndexData &, const SubIndexData &) = default;
 };
 
 /// An object and its address.
@@ -119,6 +123,8 @@ struct NodeData
     bool excludepdolinking = false;
     qint32 multilinedata = 0;
     bool lssslave = false;
+
+    friend bool operator==(const NodeData &, const NodeData &) = default;
 };
 
 /// A parameter group (SAE J1939-21), identified by number and direction.
@@ -141,6 +147,8 @@ struct PGN
     bool multisourceaddress = false;
     quint8 safetytype = 0;
     quint32 FD_DataID = 0;
+
+    friend bool operator==(const PGN &, const PGN &) = default;
 };
 
 /// A signal in a message: an SPN of a PGN, or a data element of a raw CAN-ID.
@@ -159,6 +167,8 @@ struct SPN
     quint16 bitsize = 0;
     quint16 slot_df = 0; ///< scaling of an SPN (SLOT, SAE J1939-71); a data element has none
     quint16 bitposition = 0;
+
+    friend bool operator==(const SPN &, const SPN &) = default;
 };
 
 using DataElement = SPN;
@@ -173,6 +183,8 @@ struct CANID
     quint16 inhibittime_ms = 0;
     quint16 mappingcount = 0;
     quint8 direction = 0;
+
+    friend bool operator==(const CANID &, const CANID &) = default;
 };
 
 /// A service of a line's UDS server (ISO 14229-1).

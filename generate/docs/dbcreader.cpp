@@ -155,7 +155,7 @@ QString DbcReader::expect(Kind kind, QLatin1StringView fault)
         fail(fault);
         return {};
     }
-    const QString text = token_.text;
+    QString text = token_.text;
     advance();
     return text;
 }

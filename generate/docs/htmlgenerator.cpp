@@ -151,7 +151,7 @@ void HTMLDocumentGenerator::writeProject(HtmlPage &page, const QString &project)
     page.out(u"  <div class=\"left\">");
     page.beginTable();
     page.head(u"gen"_s, u"Generation information "_s + project);
-    page.row(u"Generation time:"_s, TextTools::currentDateTime().toString());
+    page.row(u"Generation time:"_s, TextTools::currentDateText());
     for (const ProjectRow &row : projectRows)
         page.row(row.word, HtmlPage::escaped(database()->getDescriptionSetting(row.setting)));
     page.endTable();

@@ -30,15 +30,11 @@ struct FormRow
 };
 
 constexpr std::array formRows{
-    FormRow{CAN::Integer8, CAN::Integer32, {true, 32}},
-    FormRow{CAN::Unsigned8, CAN::Unsigned8, {false, 16}},
-    FormRow{CAN::Unsigned16, CAN::Unsigned32, {false, 32}},
-    FormRow{CAN::Integer24, CAN::Integer24, {true, 32}},
-    FormRow{CAN::Integer40, CAN::Integer64, {true, 64}},
-    FormRow{CAN::Unsigned24, CAN::Unsigned24, {false, 32}},
-    FormRow{CAN::Unsigned40, CAN::Unsigned64, {false, 64}},
-    FormRow{CAN::Unsigned2, CAN::Unsigned7, {false, 16}},
-    FormRow{106, 0xffff, {false, 32}},
+    FormRow{CAN::Integer8, CAN::Integer32, {true, 32}},     FormRow{CAN::Unsigned8, CAN::Unsigned8, {false, 16}},
+    FormRow{CAN::Unsigned16, CAN::Unsigned32, {false, 32}}, FormRow{CAN::Integer24, CAN::Integer24, {true, 32}},
+    FormRow{CAN::Integer40, CAN::Integer40, {false, 16}},   FormRow{CAN::Integer48, CAN::Integer64, {true, 64}},
+    FormRow{CAN::Unsigned24, CAN::Unsigned24, {false, 32}}, FormRow{CAN::Unsigned40, CAN::Unsigned64, {false, 64}},
+    FormRow{CAN::Unsigned2, CAN::Unsigned7, {false, 16}},   FormRow{106, 0xffff, {false, 32}},
 };
 
 constexpr auto nodeId = "$NODEID+"_L1;

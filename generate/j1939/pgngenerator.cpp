@@ -81,6 +81,8 @@ void writeModes(CodeWriter &out, bool multiLine)
     else
         out(u"\t\tcommonInitVars.fdMode[0] = pModes[0];");
     out(u"\t}");
+    if (!multiLine)
+        out(u"\t(void)i;");
 }
 
 void writeInitFunction(CodeWriter &out, const Content &content, const Dialect &dialect)
@@ -96,7 +98,7 @@ void writeInitFunction(CodeWriter &out, const Content &content, const Dialect &d
         RET_T retVal;
         )",
         {{"PARAMETER", fd ? u"BOOL_T *pModes"_s : u"void"_s}});
-    if (fd && multiLine)
+    if (fd)
         out(u"UNSIGNED8 i;");
     PgnSections::writeServiceValues(out,
                                     {.name = u"serviceInitVars"_s,

@@ -189,7 +189,7 @@ QString Collector::pointerTo(const StoreRecords::SPN &signal, const QString &com
     constexpr quint8 lastManagedImplementation = 1;
     if (signal.implementation <= lastManagedImplementation)
         return addManaged(signal.datatype, signal.defaultvalue, comment);
-    const QString variable = LineMessages::variable(signal);
+    QString variable = LineMessages::variable(signal);
     if (variable.isEmpty())
         return u"NULL"_s;
     tables_.usesApplicationVariables = true;
@@ -342,9 +342,4 @@ PgnTables PgnTables::collect(ObjectDataBase &store, const Dialect &dialect, bool
     }
     collector.takeArrays();
     return tables;
-}
-
-bool PgnTables::hasJ1939() const
-{
-    return std::ranges::any_of(lines, &Line::hasJ1939);
 }

@@ -95,6 +95,4 @@ struct PgnTables
     QList<ManagedArray> arrays = {}; ///< those that have elements
     QList<Line> lines = {};
     bool usesApplicationVariables = false; ///< some mapping points to a variable of the application
-
-    bool hasJ1939() const;
 };

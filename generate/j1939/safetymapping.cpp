@@ -73,9 +73,9 @@ Shift downwards(quint32 from, quint32 to)
 class Packer
 {
 public:
-    Packer(CodeWriter &out, const QString &buffer)
+    Packer(CodeWriter &out, QString buffer)
         : out_(out)
-        , buffer_(buffer)
+        , buffer_(std::move(buffer))
     {
     }
 
@@ -180,9 +180,9 @@ QString castTo(quint32 bits)
 class Unpacker
 {
 public:
-    Unpacker(CodeWriter &out, const QString &element, bool fixedForms)
+    Unpacker(CodeWriter &out, QString element, bool fixedForms)
         : out_(out)
-        , element_(element)
+        , element_(std::move(element))
         , fixedForms_(fixedForms)
     {
     }

@@ -24,7 +24,7 @@ QString includes(const SourceOpening &opening, const Dialect &dialect)
             #include <j1939_j1939.h>
             #include <gen_extern_decl.h>
             )",
-            {{"TYPES", dialect.dataTypeHeader}});
+            {{"TYPES", SourceSections::dataTypeHeader(opening, dialect)}});
         SourceSections::applicationIncludes(out, opening);
     });
 }
@@ -77,12 +77,13 @@ void SDMGenerator::write(QTextStream &stream)
     const bool multiLine = isMultiLine() || generatesMultiLine();
     const SafetyGroups groups = SafetyGroups::collect(*database(), dialect, multiLine);
     const QString information = u"%1\n * %2\n"_s.arg(sourceTitle(SourceFile::GenSdg, form_, baseName()),
-                                                     TextTools::currentDateTime().toString(Qt::TextDate));
+                                                     TextTools::currentDateText());
     const SourceOpening opening = SourceOpening::of(*database(), outputFolder());
     const TemplateValues values = valuesOf(groups, information, includes(opening, dialect), dialect);
 
     const QString path = templatePath(multiLine, LineSettings::number(*database(), u"canfd_supported"_s) > 0);
-    const std::optional<QString> text = source_->text(path);
+    const bool hasSource = form_ == SourceForm::Classic || !database()->getMiscSetting(u"costackpath"_s).isEmpty();
+    const std::optional<QString> text = hasSource ? source_->text(path) : std::nullopt;
     const std::optional<QString> module = text ? Templates::fill(*text, values) : std::nullopt;
     if (!module) {
         failWithout(path);

@@ -81,10 +81,12 @@ QString guardingCounts(const DefineModel & /*model*/, Key /*key*/)
     return u"CO_MAX_ASSIGN_COUNTS"_s;
 }
 
-QString nodeIds(const DefineModel &model, Key /*key*/)
+/// The setting is the list already; only where nothing stands between its commas it gets numbers.
+QString nodeIds(const DefineModel &model, Key key)
 {
-    return listOf(
-        model, [](const LineCounts &line) { return line.nodeId.trimmed().isEmpty() ? u"0"_s : line.nodeId; }, ","_L1);
+    const QString list = model.general(key);
+    const bool isEmpty = list.count(u',') == list.size();
+    return isEmpty ? QStringList(list.size() + 1, u"0"_s).join(u',') : list;
 }
 
 QString nodeIdFunctions(const DefineModel &model, Key /*key*/)
@@ -154,7 +156,7 @@ constexpr std::array countMacros{
     Macro{"CO_ERR_HIST_COUNTS"_L1, perLine<&Counts::errorHistory>},
     Macro{"CO_ACT_ERR_HIST_COUNTS"_L1, perLine<&Counts::activeErrors>},
     Macro{"CO_EMCY_CONS_COUNTS"_L1, perLine<&Counts::emergencyConsumers>},
-    Macro{"CO_NODE_IDS"_L1, nodeIds},
+    Macro{"CO_NODE_IDS"_L1, nodeIds, "co_node_id"_L1},
     Macro{"CO_NODE_ID_FUNCTIONS"_L1, nodeIdFunctions},
     Macro{"CO_NETWORK_ID"_L1, optionalValue, "co_network_id"_L1},
 };

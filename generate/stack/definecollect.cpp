@@ -125,7 +125,6 @@ void DefineCollector::countLine(const LineDictionary &dictionary)
     LineCounts line{.number = dictionary.line(), .protocols = RunContext::protocolsOf(store_, dictionary.line())};
     line.receiveBuffer = text(u"receivebuffersize"_s, line);
     line.transmitBuffer = text(u"transmitbuffersize"_s, line);
-    line.nodeId = text(u"co_node_id"_s, line);
     line.nodeIdFunction = text(u"co_node_id_fct"_s, line);
     countObjects(line, dictionary);
     countSdo(line, dictionary);

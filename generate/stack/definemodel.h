@@ -55,7 +55,6 @@ struct LineCounts
 
     QString receiveBuffer = {}; ///< as the project has it
     QString transmitBuffer = {};
-    QString nodeId = {};
     QString nodeIdFunction = {};
 };
 

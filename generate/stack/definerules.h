@@ -57,11 +57,6 @@ inline QString isSetOnALine(const DefineModel &model, Key key)
     return flag(model.isSetOnALine(key));
 }
 
-inline QString isOne(const DefineModel &model, Key key)
-{
-    return flag(model.number(key) == 1);
-}
-
 /// A switch: the setting names a function.
 inline QString isFunction(const DefineModel &model, Key key)
 {

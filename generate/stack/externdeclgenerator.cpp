@@ -4,6 +4,7 @@
 #include "generate/dialect.h"
 #include "generate/outputfile.h"
 #include "generate/stack/externdecl.h"
+#include "generate/stack/sourceopening.h"
 
 #include <QDir>
 #include <QTextStream>
@@ -21,7 +22,8 @@ void ExtDeclGenerator::writeIncludes(CodeWriter &out) const
         #include <gen_define.h>
         #include <${TYPES}>
         )",
-        {{"TYPES", Dialect::of(form_).dataTypeHeader}});
+        {{"TYPES",
+          SourceSections::dataTypeHeader(SourceOpening::of(*database(), outputFolder()), Dialect::of(form_))}});
 }
 
 void ExtDeclGenerator::write(QTextStream &stream)

@@ -1,6 +1,7 @@
 #include "generate/stack/indexdefines.h"
 
 #include "generate/codewriter.h"
+#include "store/lineprotocols.h"
 #include "store/objectdatabase.h"
 #include "texttools/helper.h"
 
@@ -8,7 +9,10 @@
 #include <QRegularExpression>
 #include <QThread>
 
+#include <algorithm>
 #include <array>
+#include <span>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using Code::dec;
@@ -16,7 +20,23 @@ using Code::hex;
 
 namespace {
 
-constexpr std::array directions{ObjectDataBase::receive, ObjectDataBase::transmit};
+using Signal = StoreRecords::SPN;
+
+/// Signals of a line by their message, number and direction.
+using SignalsByMessage = QHash<std::pair<quint32, quint8>, QList<Signal>>;
+
+SignalsByMessage byMessage(const QList<Signal> &list)
+{
+    SignalsByMessage messages;
+    for (const Signal &signal : list)
+        messages[{signal.pgnnumber, signal.direction}].append(signal);
+    return messages;
+}
+
+bool hasDirection(quint8 direction)
+{
+    return direction == ObjectDataBase::receive || direction == ObjectDataBase::transmit;
+}
 
 /// An identifier made of a text: upper case, "_" for all that C does not allow and never two of them in a row, none at
 /// either end.
@@ -158,13 +178,14 @@ public:
     }
 
     void collectObjects(const std::function<bool()> &cancelled);
-    void collectCanIds(quint8 direction);
-    void collectPgns(quint8 direction);
+    void collectCanIds();
+    void collectPgns();
     void collectAddressClaim();
 
 private:
     void add(IndexDefines::Block block);
-    IndexDefines::Block objectBlock(quint16 index);
+    IndexDefines::Block objectBlock(const StoreRecords::IndexEntry &object,
+                                    std::span<const StoreRecords::SubEntry> subs);
     void addShortPdoName(IndexDefines::Block &block, quint16 index);
 
     ObjectDataBase &store_;
@@ -181,36 +202,40 @@ void LineCollector::add(IndexDefines::Block block)
 
 void LineCollector::collectObjects(const std::function<bool()> &cancelled)
 {
-    const QList<quint16> indices = store_.getIndexList(line_, 0x1000, 0xFFFF);
-    for (const quint16 index : indices) {
+    constexpr quint16 firstNamed = 0x1000;
+    const QList<StoreRecords::SubEntry> subs = store_.getAllSubIndices(line_);
+    auto next = subs.begin();
+    for (const StoreRecords::IndexEntry &object : store_.getAllIndices(line_)) {
+        if (object.index < firstNamed)
+            continue;
         if (cancelled())
             return;
-        add(objectBlock(index));
+        const auto isBefore = [](const StoreRecords::SubEntry &sub, quint32 index) { return sub.index < index; };
+        const auto first = std::lower_bound(next, subs.end(), quint32{object.index}, isBefore);
+        next = std::lower_bound(first, subs.end(), object.index + 1U, isBefore);
+        add(objectBlock(object, {first, next}));
     }
 }
 
-IndexDefines::Block LineCollector::objectBlock(quint16 index)
+IndexDefines::Block LineCollector::objectBlock(const StoreRecords::IndexEntry &object,
+                                               std::span<const StoreRecords::SubEntry> subs)
 {
-    ObjectDataBase::INDEX_DATA_T object;
-    store_.getIndex(line_, index, object);
     const auto nameOf = [&](QLatin1StringView prefix, const QString &text, quint8 subindex) {
-        return identifier(prefix, Helper::substituteVariables(text, index, subindex, line_));
+        return identifier(prefix, Helper::substituteVariables(text, object.index, subindex, line_));
     };
 
-    QString name = customName(object.metadata, u"objectdefine"_s);
+    QString name = customName(object.data.metadata, u"objectdefine"_s);
     if (name.isEmpty())
-        name = nameOf("I_"_L1, object.name.isEmpty() ? u"unnamed object"_s : object.name, 0);
-    const QString value = hexadecimal(index);
+        name = nameOf("I_"_L1, object.data.name.isEmpty() ? u"unnamed object"_s : object.data.name, 0);
+    const QString value = hexadecimal(object.index);
     IndexDefines::Block block{{.name = names_.counted(name, value), .value = value}};
-    addShortPdoName(block, index);
+    addShortPdoName(block, object.index);
 
-    for (const quint8 subindex : store_.getSubIndexList(line_, index)) {
-        ObjectDataBase::SUBINDEX_DATA_T sub;
-        store_.getSubIndex(line_, index, subindex, sub);
-        QString subName = customName(sub.metadata, u"subdefine"_s);
+    for (const StoreRecords::SubEntry &sub : subs) {
+        QString subName = customName(sub.data.metadata, u"subdefine"_s);
         if (subName.isEmpty())
-            subName = nameOf("S_"_L1, sub.name, subindex);
-        const QString subValue = hexadecimal(subindex);
+            subName = nameOf("S_"_L1, sub.data.name, sub.subindex);
+        const QString subValue = hexadecimal(sub.subindex);
         block.append({.name = names_.counted(subName, subValue), .value = subValue, .ofSubindex = true});
     }
     return block;
@@ -234,43 +259,43 @@ void LineCollector::addShortPdoName(IndexDefines::Block &block, quint16 index)
     }
 }
 
-void LineCollector::collectCanIds(quint8 direction)
+void LineCollector::collectCanIds()
 {
-    quint32 position = 0;
-    for (const quint32 id : store_.getCANIDList(line_, direction)) {
-        ObjectDataBase::CANID canId;
-        store_.getCANID(line_, id, direction, canId);
-        const QString value = decimal(++position);
-        const QString end = u"_%1"_s.arg(hex(id, 4));
+    const SignalsByMessage elements = byMessage(store_.getAllDataElements(line_));
+    QHash<quint8, quint32> positions;
+    for (const StoreRecords::CANID &canId : store_.getAllCANIDs(line_)) {
+        if (!hasDirection(canId.direction))
+            continue;
+        const QString value = decimal(++positions[canId.direction]);
+        const QString end = u"_%1"_s.arg(hex(canId.id, 4));
         IndexDefines::Block block{
             {.name = names_.tagged(identifier("ID_"_L1, canId.name), value, {end}), .value = value}};
         if (const QString fixedName = "ID"_L1 + end; names_.takeFixed(fixedName, value))
             block.append({.name = fixedName, .value = value});
-        for (const quint32 number : store_.getDataElementList(line_, id, direction)) {
-            const QString name = identifier("S_"_L1, store_.getDataElementName(line_, id, direction, number));
-            const QString elementValue = decimal(quint64{number} + 1);
-            block.append({.name = names_.tagged(name, elementValue, {end}), .value = elementValue});
+        for (const Signal &element : elements.value({canId.id, canId.direction})) {
+            const QString elementValue = decimal(quint64{element.spnnumber} + 1);
+            block.append(
+                {.name = names_.tagged(identifier("S_"_L1, element.name), elementValue, {end}), .value = elementValue});
         }
         add(std::move(block));
     }
 }
 
-void LineCollector::collectPgns(quint8 direction)
+void LineCollector::collectPgns()
 {
-    for (const quint32 number : store_.getPGNList(line_, direction)) {
-        ObjectDataBase::PGN pgn;
-        store_.getPGN(line_, number, direction, pgn);
-        const QString value = decimal(number);
+    const SignalsByMessage spns = byMessage(store_.getAllSPNs(line_));
+    for (const StoreRecords::PGN &pgn : store_.getAllPGNs(line_)) {
+        if (!hasDirection(pgn.direction))
+            continue;
+        const QString value = decimal(pgn.number);
+        const QString end = u"_%1"_s.arg(hex(pgn.number, 4));
         IndexDefines::Block block{{.name = names_.counted(identifier("PGN_"_L1, pgn.name), value),
                                    .value = value,
-                                   .comment = u" /* 0x%1 */"_s.arg(hex(number, 4))}};
-        for (const quint32 spnNumber : store_.getSPNList(line_, number, direction)) {
-            ObjectDataBase::SPN spn;
-            store_.getSPN(line_, number, direction, spnNumber, spn);
-            const QString spnValue = decimal(spnNumber);
-            const QString end = u"_%1"_s.arg(hex(number, 4));
+                                   .comment = u" /* 0x%1 */"_s.arg(hex(pgn.number, 4))}};
+        for (const Signal &spn : spns.value({pgn.number, pgn.direction})) {
+            const QString spnValue = decimal(spn.spnnumber);
             block.append({.name = names_.tagged(identifier("SPN_"_L1, spn.name), spnValue,
-                                                {end, u"%1_%2"_s.arg(end, dec(spnNumber))}),
+                                                {end, u"%1_%2"_s.arg(end, dec(spn.spnnumber))}),
                           .value = spnValue});
         }
         add(std::move(block));
@@ -296,8 +321,8 @@ void LineCollector::collectAddressClaim()
 /// left to the application.
 bool claimsAddress(ObjectDataBase &store, quint8 line)
 {
-    const QString type = store.getGeneralSetting(u"line%1type"_s.arg(line));
-    return (type == "2"_L1 || type == "5"_L1) && !store.pgnExists(line, addressClaim, ObjectDataBase::transmit);
+    const LineProtocols protocols = LineProtocols::ofLine(store, line);
+    return protocols.j1939 && !protocols.rawCan && !store.pgnExists(line, addressClaim, ObjectDataBase::transmit);
 }
 
 } // namespace
@@ -313,14 +338,10 @@ IndexDefines collectIndexDefines(ObjectDataBase &store, const QList<quint8> &lin
             result.prefix = u"L%1_"_s.arg(line);
         LineCollector collector(store, names, line, result);
         collector.collectObjects(cancelled);
-        for (const quint8 direction : directions)
-            collector.collectCanIds(direction);
-        store.cacheSPNs(line);
-        for (const quint8 direction : directions)
-            collector.collectPgns(direction);
+        collector.collectCanIds();
+        collector.collectPgns();
         if (claimsAddress(store, line))
             collector.collectAddressClaim();
     }
-    store.clearSPNCache();
     return defines;
 }

@@ -101,8 +101,6 @@ void writePgnTables(CodeWriter &out, const PgnTables &pgns, const Dialect &diale
 {
     PgnSections::writeManagedVariables(out, pgns);
     PgnSections::writeMappings(out, pgns, dialect);
-    if (!pgns.hasJ1939())
-        return;
     PgnSections::writeIdentities(out, pgns, dialect);
     PgnSections::writeTransmitConfigs(out, pgns, dialect);
     PgnSections::writeReceiveConfigs(out, pgns, dialect);

@@ -39,6 +39,11 @@ void SourceSections::udsIncludes(CodeWriter &out, const SourceOpening &opening, 
         {{"ISOTP", dialect.isoTpHeader}});
 }
 
+QString SourceSections::dataTypeHeader(const SourceOpening &opening, const Dialect &dialect)
+{
+    return opening.coreHeaders ? Dialect::v4().dataTypeHeader : dialect.dataTypeHeader;
+}
+
 void SourceSections::stackIncludes(CodeWriter &out, const SourceOpening &opening, const DictionaryTables &tables,
                                    const Dialect &dialect)
 {
@@ -50,7 +55,7 @@ void SourceSections::stackIncludes(CodeWriter &out, const SourceOpening &opening
             #include <co_odaccess.h>
             #include <j1939_cam11_cam21.h>
             )",
-            {{"TYPES", opening.coreHeaders ? Dialect::v4().dataTypeHeader : dialect.dataTypeHeader}});
+            {{"TYPES", dataTypeHeader(opening, dialect)}});
         udsIncludes(out, opening, dialect);
         return;
     }

@@ -22,6 +22,8 @@ struct SourceOpening
 /// The sections, each with the empty lines behind it.
 namespace SourceSections {
 
+/// The header of the basic types.
+QString dataTypeHeader(const SourceOpening &opening, const Dialect &dialect);
 void stdlibInclude(CodeWriter &out, const SourceOpening &opening);
 void udsIncludes(CodeWriter &out, const SourceOpening &opening, const Dialect &dialect);
 /// Includes of gen_objdict.c up to gen_indication.h, or of its form beside J1939.

@@ -2,6 +2,7 @@
 
 #include "generate/codewriter.h"
 #include "generate/fileheader.h"
+#include "generate/stack/linesettings.h"
 #include "generate/stack/sourceopening.h"
 #include "generate/stack/srdosections.h"
 #include "store/objectdatabase.h"
@@ -13,9 +14,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// Timer interrupts within which the application has to come to its safety data once.
-constexpr auto srdoLoopCounter = "5u"_L1;
 
 struct Placeholder
 {
@@ -71,8 +69,9 @@ QString SrdoGenerator::prototypePath(bool multiLine) const
 
 QString SrdoGeneratorStatic::templatePath(bool multiLine) const
 {
+    const QString stack = database()->getMiscSetting(u"costackpath"_s);
     const QString file = multiLine ? u"/co_lib_ml/src/gen_srdo.tpl"_s : u"/co_lib_sl/src/gen_srdo.tpl"_s;
-    return Templates::pathInStack(database()->getMiscSetting(u"costackpath"_s), outputFolder(), file);
+    return stack.isEmpty() ? QString() : Templates::pathInStack(stack, outputFolder(), file);
 }
 
 QString SrdoGeneratorStatic::prototypePath(bool /*multiLine*/) const
@@ -112,10 +111,10 @@ void SrdoGenerator::write(QTextStream &stream)
             /*
             * SRDO_LOOP_COUNTER defines, how many srdo timer interrupts are allowed
             */
-            #define SRDO_LOOP_COUNTER	${COUNT}
+            #define SRDO_LOOP_COUNTER	${COUNT}u
 
             )",
-            {{"COUNT", srdoLoopCounter}});
+            {{"COUNT", Code::dec(LineSettings::number(*database(), u"srdo_loop_counter"_s))}});
         stream << Templates::fill(*functions, values).value_or(*functions);
     }
 }

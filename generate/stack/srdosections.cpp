@@ -5,7 +5,6 @@
 #include <QMap>
 
 #include <algorithm>
-#include <iterator>
 
 using namespace Qt::StringLiterals;
 using Code::dec;
@@ -104,7 +103,10 @@ void writeTransmitted(CodeWriter &out, const QString &buffer, const Mapped &mapp
         {{"BUFFER", buffer}, {"BYTE", dec(firstByte)}, {"VALUE", value}});
     for (quint32 i = 1; i < mapped.bytes; ++i)
         out(u"\t\t${BUFFER}[${BYTE}] = (UNSIGNED8)((${VALUE} >> ${SHIFT}u) & 0xffu);",
-            {{"BUFFER", buffer}, {"BYTE", dec(firstByte + i)}, {"VALUE", value}, {"SHIFT", dec(i * bitsPerByte)}});
+            {{"BUFFER", buffer},
+             {"BYTE", dec(firstByte + i)},
+             {"VALUE", value},
+             {"SHIFT", dec(quint64{i} * bitsPerByte)}});
 }
 
 void writeGap(CodeWriter &out, const QString &buffer, const Mapped &mapped, quint32 firstByte)
@@ -152,17 +154,6 @@ void writeTaken(CodeWriter &out, const QList<Mapped> &objects)
     }
 }
 
-QList<Mapped> allMapped(const SrdoTables &tables)
-{
-    QList<Mapped> objects;
-    for (const Srdo &srdo : tables.srdos) {
-        for (const QList<Mapped> *list : {&srdo.normal, &srdo.inverted})
-            std::ranges::copy_if(*list, std::back_inserter(objects),
-                                 [](const Mapped &mapped) { return mapped.isSupported && !mapped.isDummy; });
-    }
-    return objects;
-}
-
 } // namespace
 
 void SrdoSections::writeConfigurationValid(CodeWriter &out, const SrdoTables &tables)
@@ -201,26 +192,24 @@ void SrdoSections::writeDataDefinitions(CodeWriter &out, const SrdoTables &table
 
 void SrdoSections::writeVariables(CodeWriter &out, const SrdoTables &tables)
 {
-    const QString storage = tables.staticData ? u"static"_s : u"extern"_s;
-    for (const SrdoTables::Variable &variable : tables.variables)
-        out(u"${STORAGE} ${TYPE}\t${NAME}; /* ${PLACE} */",
-            {{"STORAGE", storage}, {"TYPE", variable.cType}, {"NAME", variable.name}, {"PLACE", variable.comment}});
-    for (const SrdoTables::Variable &shadow : tables.shadows)
-        out(u"static ${TYPE}\t${NAME}; /* ${PLACE} */",
-            {{"TYPE", shadow.cType}, {"NAME", shadow.name}, {"PLACE", shadow.comment}});
+    for (const QList<SrdoTables::Variable> *variables : {&tables.variables, &tables.shadows}) {
+        for (const SrdoTables::Variable &variable : *variables)
+            out(u"${STORAGE} ${TYPE}\t${NAME}; /* ${PLACE} */",
+                {{"STORAGE", variable.isStatic ? u"static"_s : u"extern"_s},
+                 {"TYPE", variable.cType},
+                 {"NAME", variable.name},
+                 {"PLACE", variable.comment}});
+    }
 }
 
 void SrdoSections::writeEntries(CodeWriter &out, const SrdoTables &tables)
 {
-    if (!tables.staticData)
-        return;
-    const QList<Mapped> objects = allMapped(tables);
     for (const SrdoTables::TypeKind &kind : SrdoTables::typeKinds()) {
         const auto ofKind = [&kind](const Mapped &mapped) { return mapped.kind.tag == kind.tag; };
-        if (std::ranges::none_of(objects, ofKind))
+        if (std::ranges::none_of(tables.entries, ofKind))
             continue;
         out(u"static const SRDO_OD_ENTRY_${TAG}_T\todEntry_${TAG}[SRDO_OD_ENTRY_${TAG}_CNT] = {", {{"TAG", kind.tag}});
-        for (const Mapped &mapped : objects) {
+        for (const Mapped &mapped : tables.entries) {
             if (ofKind(mapped))
                 out(u"\t{ ${LINE}0x${INDEX}u, 0x${SUB}u, &${VARIABLE} },",
                     {{"LINE", tables.multiLine ? u"0x%1u, "_s.arg(hex(mapped.line, 2)) : QString()},

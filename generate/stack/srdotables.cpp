@@ -2,6 +2,7 @@
 
 #include "generate/codewriter.h"
 #include "generate/runcontext.h"
+#include "generate/stack/linedictionary.h"
 #include "generate/stack/linesettings.h"
 #include "nodedict/canopendatatype.h"
 #include "store/objectdatabase.h"
@@ -57,6 +58,8 @@ constexpr std::array typeTags{
 
 std::optional<SrdoTables::TypeKind> kindOf(quint16 dataType)
 {
+    if (dataType >= CAN::Unsigned2 && dataType <= CAN::Unsigned7)
+        dataType = CAN::Unsigned8;
     const auto tag = std::ranges::find(typeTags, dataType, &TypeTag::dataType);
     if (tag == typeTags.end())
         return {};
@@ -78,6 +81,8 @@ public:
     {
     }
 
+    /// The objects of a line whose data belong to the module, whether or not an SRDO exchanges them.
+    void collectStatic(quint8 line);
     void collectSrdo(quint8 line, quint16 index);
 
 private:
@@ -90,13 +95,20 @@ private:
     QString cobId(const SrdoTables::Srdo &srdo, quint8 subindex, const QString &predefined) const;
     SrdoTables::Mapped mappedOf(quint32 entry, bool exchanged);
     void nameVariable(SrdoTables::Mapped &mapped, const ObjectDataBase::SUBINDEX_DATA_T &sub, bool exchanged);
-    void declare(QList<SrdoTables::Variable> &variables, const QString &name, const SrdoTables::Mapped &mapped);
+    void declare(QList<SrdoTables::Variable> &variables, const QString &name, const SrdoTables::Mapped &mapped,
+                 bool isStatic);
 
     ObjectDataBase &store_;
     SrdoTables &tables_;
     quint8 line_ = 0;
     QSet<QString> declared_;
+    QSet<quint32> static_; ///< line, index and subindex
 };
+
+quint32 keyOf(const SrdoTables::Mapped &mapped)
+{
+    return quint32{mapped.line} << 24 | quint32{mapped.index} << 8 | mapped.subindex;
+}
 
 QList<quint32> Collector::mappingOf(quint16 index) const
 {
@@ -127,7 +139,8 @@ QString Collector::cobId(const SrdoTables::Srdo &srdo, quint8 subindex, const QS
     return ofNode ? value + u" + ownNodeId"_s : value;
 }
 
-void Collector::declare(QList<SrdoTables::Variable> &variables, const QString &name, const SrdoTables::Mapped &mapped)
+void Collector::declare(QList<SrdoTables::Variable> &variables, const QString &name, const SrdoTables::Mapped &mapped,
+                        bool isStatic)
 {
     if (declared_.contains(name))
         return;
@@ -135,7 +148,8 @@ void Collector::declare(QList<SrdoTables::Variable> &variables, const QString &n
     const QString place = u"0x%1:%2"_s.arg(hex(mapped.index, 4), hex(mapped.subindex, 2));
     variables.append({.name = name,
                       .cType = mapped.kind.cType,
-                      .comment = tables_.multiLine ? u"%1-%2"_s.arg(mapped.line).arg(place) : place});
+                      .comment = tables_.multiLine ? u"%1 line %2"_s.arg(place).arg(mapped.line) : place,
+                      .isStatic = isStatic});
 }
 
 void Collector::nameVariable(SrdoTables::Mapped &mapped, const ObjectDataBase::SUBINDEX_DATA_T &sub, bool exchanged)
@@ -147,7 +161,8 @@ void Collector::nameVariable(SrdoTables::Mapped &mapped, const ObjectDataBase::S
         sub.implementation == applicationVariable
             ? Helper::substituteVariables(sub.varname.trimmed(), mapped.index, mapped.subindex, mapped.line)
             : QString();
-    if (tables_.staticData)
+    const bool isStatic = static_.contains(keyOf(mapped));
+    if (isStatic)
         mapped.variable = isPlainName(own) ? own : u"srdoData_%1"_s.arg(place);
     else
         mapped.variable = own;
@@ -158,9 +173,33 @@ void Collector::nameVariable(SrdoTables::Mapped &mapped, const ObjectDataBase::S
     const bool plain = isPlainName(mapped.variable);
     mapped.shadow = plain ? mapped.variable + u"_temp"_s : u"srdoData_%1_temp"_s.arg(place);
     if (plain)
-        declare(tables_.variables, mapped.variable, mapped);
+        declare(tables_.variables, mapped.variable, mapped, isStatic);
     if (exchanged)
-        declare(tables_.shadows, mapped.shadow, mapped);
+        declare(tables_.shadows, mapped.shadow, mapped, true);
+}
+
+void Collector::collectStatic(quint8 line)
+{
+    line_ = line;
+    for (const quint16 index :
+         store_.getIndexList(line, ObjectRange::srdoMappings.first, ObjectRange::srdoMappings.last)) {
+        for (const quint8 entrySub : store_.getSubIndexList(line, index, 1)) {
+            const quint32 entry = LineSettings::number(defaultOf(index, entrySub));
+            SrdoTables::Mapped mapped{
+                .line = line, .index = static_cast<quint16>(entry >> 16), .subindex = static_cast<quint8>(entry >> 8)};
+            ObjectDataBase::SUBINDEX_DATA_T sub;
+            if (mapped.index < firstObject || static_.contains(keyOf(mapped)) ||
+                !store_.getSubIndex(line, mapped.index, mapped.subindex, sub))
+                continue;
+            const auto kind = kindOf(sub.datatype);
+            if (!kind)
+                continue;
+            static_.insert(keyOf(mapped));
+            mapped.kind = *kind;
+            nameVariable(mapped, sub, false);
+            tables_.entries.append(mapped);
+        }
+    }
 }
 
 SrdoTables::Mapped Collector::mappedOf(quint32 entry, bool exchanged)
@@ -233,11 +272,13 @@ const QList<SrdoTables::TypeKind> &SrdoTables::typeKinds()
 SrdoTables SrdoTables::collect(ObjectDataBase &store, bool multiLine, bool staticData)
 {
     const QList<quint8> lines = LineSettings::stackLines(store);
-    SrdoTables tables{.multiLine = multiLine, .staticData = staticData, .lineCount = lines.size()};
+    SrdoTables tables{.multiLine = multiLine, .lineCount = lines.size()};
     Collector collector(store, tables);
     for (const quint8 line : lines) {
         if (!RunContext::protocolsOf(store, line).canOpen)
             continue;
+        if (staticData)
+            collector.collectStatic(line);
         for (const quint16 index : store.getIndexList(line, firstSrdo, lastSrdo))
             collector.collectSrdo(line, index);
     }

@@ -11,6 +11,7 @@ class ObjectDataBase;
 /// data inverted, the second.
 struct SrdoTables
 {
+    /// With `staticData` the module owns the variables of the objects that the dictionary takes for its own.
     static SrdoTables collect(ObjectDataBase &store, bool multiLine, bool staticData);
 
     /// Groups of C types; the stack reaches the variables of each through a table of their own.
@@ -61,14 +62,15 @@ struct SrdoTables
         QString name = {};
         QString cType = {};
         QString comment = {};
+        bool isStatic = false; ///< the module owns it
     };
 
     bool multiLine = false;
-    bool staticData = false; ///< the module owns the variables, and the dictionary reaches them through it
     qsizetype lineCount = 0;
     QList<Srdo> srdos = {};
     QList<Variable> variables = {};
     QList<Variable> shadows = {};
+    QList<Mapped> entries = {}; ///< static data: objects that the dictionary reaches through the module, each once
 
     static const QList<TypeKind> &typeKinds();
 };

@@ -36,7 +36,12 @@ std::optional<Reply> Guards::keysAreGiven(const ToolCall &call)
     const auto isGiven = [&](const Property &property) { return call.has(property.name); };
     if (std::ranges::all_of(call.tool().required, isGiven))
         return {};
-    return Reply::invalidParams(u"Missing required argument: %1"_s.arg(call.tool().keys));
+    QStringList names;
+    for (const Property &property : call.tool().required)
+        names.append(property.name);
+    const QString last = names.takeLast();
+    return Reply::invalidParams(u"Missing required argument: %1"_s.arg(
+        names.isEmpty() ? last : u"%1 and/or %2"_s.arg(names.join(", "_L1), last)));
 }
 
 std::optional<Reply> Guards::storeIsReachable(const ToolCall &call)

@@ -117,16 +117,9 @@ constexpr Tool readers[] = {
      "other values are combined types)"_L1,
      {},
      {},
-     {},
      {projectIsOpen, storeIsReachable},
      listLines},
-    {"get_line"_L1,
-     "Get details of a single line"_L1,
-     {Arguments::line},
-     {},
-     "line"_L1,
-     {projectIsOpen, keysAreGiven},
-     getLine},
+    {"get_line"_L1, "Get details of a single line"_L1, {Arguments::line}, {}, {projectIsOpen, keysAreGiven}, getLine},
 };
 
 constexpr Tool editors[] = {
@@ -135,14 +128,12 @@ constexpr Tool editors[] = {
      "lineType isn't supported by this build."_L1,
      {Arguments::line},
      {isMaster, lineType, name},
-     "line"_L1,
      {projectIsOpen, keysAreGiven, storeIsReachable, lineIsNew},
      addLine},
     {"delete_line"_L1,
      "Delete a line and all its object dictionary entries from the currently open project."_L1,
      {Arguments::line},
      {},
-     "line"_L1,
      {projectIsOpen, keysAreGiven, storeIsReachable, lineExists},
      deleteLine},
 };

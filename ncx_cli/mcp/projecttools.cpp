@@ -88,13 +88,7 @@ Reply checkModel(const ToolCall &call)
 }
 
 constexpr Tool tools[] = {
-    {"open_project"_L1,
-     "Open a .ncxp project file"_L1,
-     {path},
-     {},
-     "path"_L1,
-     {keysAreGiven, pathIsGiven},
-     openProject},
+    {"open_project"_L1, "Open a .ncxp project file"_L1, {path}, {}, {keysAreGiven, pathIsGiven}, openProject},
     {"import_file"_L1,
      "Import a file into the currently open project. Format is auto-detected: .csv, .eds, .dcf, a .txt file whose name "
      "contains \"doc\" (text documentation), or .ncxp (merges matching-line-type entities from another native "
@@ -102,7 +96,6 @@ constexpr Tool tools[] = {
      "ncx_cli/MCP_PLAN.md Phase 6)."_L1,
      {path},
      {},
-     "path"_L1,
      {projectIsOpen, keysAreGiven, pathIsGiven},
      importFile},
     {"generate"_L1,
@@ -110,13 +103,11 @@ constexpr Tool tools[] = {
      "project's line type(s), there is no per-format selection."_L1,
      {},
      {disableCheck, outputPath},
-     {},
      {projectIsOpen},
      generate},
-    {"save_project"_L1, "Save the currently open project to disk"_L1, {}, {}, {}, {projectIsOpen}, saveProject},
+    {"save_project"_L1, "Save the currently open project to disk"_L1, {}, {}, {projectIsOpen}, saveProject},
     {"check_model"_L1,
      "Run the model consistency check on the currently open project, without generating output"_L1,
-     {},
      {},
      {},
      {projectIsOpen},

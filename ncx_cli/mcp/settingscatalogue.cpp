@@ -214,7 +214,9 @@ constexpr Row lineRows[]{
     {u"overwrite_predef", PerLine, Bool, u"Overwrite pre-defined connection set",
      u"Generates a load function that sets the COB-IDs of the project in place of the pre-defined connection set - "
      u"GEN_OVERWRITE_PREDEF_CONN_SET."},
-    {u"usdo_server_enabled", PerLine, Bool, u"USDO Server", u"The line has a USDO server - CO_USDO_SUPPORTED.",
+    {u"usdo_server_enabled", PerLine, Bool, u"USDO Server",
+     u"The line has a USDO server with connections of its own - CO_USDO_SERVER_MAX_CONN_COUNTS. CO_USDO_SUPPORTED "
+     u"comes with canfd_supported.",
      needs(u"canfd_supported")},
     {u"usdo_server_cnt", PerLine, UInt, u"USDO Server Connection count",
      u"Number of connections of the USDO server at a time - CO_USDO_SERVER_MAX_CONN_COUNTS.",

@@ -312,7 +312,6 @@ constexpr Tool tools[] = {
      "\"0x7e0\"). Per-line values of the group \"stack\" are listed for CANopen lines only."_L1,
      {group},
      {readLine},
-     "group"_L1,
      {projectIsOpen, keysAreGiven},
      getSettings},
     {"get_setting"_L1,
@@ -320,7 +319,6 @@ constexpr Tool tools[] = {
      "the bool setting it requires (if any), enum values and whether it is read-only."_L1,
      {key},
      {readLine},
-     "key"_L1,
      {projectIsOpen, keysAreGiven},
      getSetting},
     {"set_setting"_L1,
@@ -330,7 +328,6 @@ constexpr Tool tools[] = {
      "the given line and the isotp_dyn_* settings, like the GUI. Not saved to disk - call save_project."_L1,
      {key, value},
      {writeLine},
-     "key and/or value"_L1,
      {projectIsOpen, keysAreGiven},
      setSetting},
 };

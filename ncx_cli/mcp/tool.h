@@ -65,8 +65,6 @@ struct Tool
     QLatin1StringView description;
     std::initializer_list<Property> required;
     std::initializer_list<Property> optional;
-    /// Names the required arguments where one of them is missing.
-    QLatin1StringView keys;
     /// Tested in their order before the handler runs.
     std::initializer_list<Guard> guards;
     Handler handler;

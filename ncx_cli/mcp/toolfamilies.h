@@ -13,7 +13,6 @@
 ///         {"delete_line"_L1, "Delete a line ...",
 ///          {Arguments::line},                                   // required arguments
 ///          {},                                                  // optional ones
-///          "line"_L1,                                           // how a missing one is told
 ///          {projectIsOpen, keysAreGiven, storeIsReachable, lineExists},
 ///          deleteLine},
 ///     };

@@ -120,6 +120,7 @@ void EdsParser::raiseAll()
 {
     raised_.reset();
     hasOwnSub_.reset();
+    arrayTypes_.clear();
     noteLists();
     for (const Head &head : sections_.heads()) {
         if (head.topic != EdsSections::Object && !head.isSub())
@@ -160,6 +161,8 @@ void EdsParser::raiseObject(quint32 index)
     raised_.set(index);
     const Fields fields = fieldsOf(head);
     const CANopen::CANopenIndex object = readObject(index, fields);
+    if (object.objecttype == CANopen::Array)
+        arrayTypes_.insert(index, dataType(fields).value_or(CAN::NoType));
     Q_EMIT newIndex(object);
 
     if (object.compactcount > 0) {
@@ -257,12 +260,7 @@ quint32 EdsParser::objectTypeOf(quint32 index, const Fields &fields) const
 /// The type of a sub-object whose section names none.
 quint32 EdsParser::missingTypeOfSub(quint32 index, quint8 subindex) const
 {
-    if (subindex == 0)
-        return CAN::Unsigned8;
-    const Fields object = fieldsOf({index, EdsSections::Object});
-    if (objectTypeOf(index, object) != CANopen::Array)
-        return CAN::NoType;
-    return dataType(object).value_or(CAN::NoType);
+    return subindex == 0 ? quint32{CAN::Unsigned8} : arrayTypes_.value(index, CAN::NoType);
 }
 
 CANopen::CANopenIndex EdsParser::readObject(quint32 index, const Fields &fields) const

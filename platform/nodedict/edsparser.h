@@ -4,6 +4,7 @@
 #include "nodedict/canopensubindex.h"
 #include "nodedict/edssections.h"
 
+#include <QHash>
 #include <QList>
 #include <QMap>
 #include <QObject>
@@ -116,5 +117,6 @@ private:
     std::bitset<0x10000> hasSubs_;   ///< objects with sections of sub-objects
     std::bitset<0x10000> mandatory_; ///< objects in the list of these
     std::bitset<0x10000> raised_;
-    std::bitset<0x10000> hasOwnSub_; ///< raised objects whose own section was raised as sub-index 0, too
+    std::bitset<0x10000> hasOwnSub_;     ///< raised objects whose own section was raised as sub-index 0, too
+    QHash<quint32, quint32> arrayTypes_; ///< data types of the raised ARRAYs
 };

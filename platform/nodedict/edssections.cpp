@@ -162,8 +162,14 @@ void EdsSections::add(const Head &head, const Occurrence &place)
 
 QList<EdsSections::Comment> EdsSections::comments() const
 {
+    QHash<quint32, size_t> last;
+    for (size_t i = 0; i < commented_.size(); ++i)
+        last[commented_[i].head.key()] = i;
     QList<Comment> result;
-    for (const auto &[head, place] : commented_) {
+    for (size_t i = 0; i < commented_.size(); ++i) {
+        const auto &[head, place] = commented_[i];
+        if (last.value(head.key()) != i)
+            continue;
         Comment comment{static_cast<quint16>(head.index), std::nullopt, QString()};
         if (head.isSub())
             comment.subindex = static_cast<quint8>(head.topic);

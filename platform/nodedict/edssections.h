@@ -62,7 +62,8 @@ public:
     void eachEntry(const Head &head, Visitor visit) const;
     QString decode(QByteArrayView part) const { return text_.decode(part); }
 
-    /// The ";;" lines, joined by line feeds, one entry for each section that holds any, in file order.
+    /// The ";;" lines, joined by line feeds, one entry for each section that holds any, in file order. Where a section
+    /// stands more than once, its last occurrence with such lines counts.
     QList<Comment> comments() const;
 
 private:

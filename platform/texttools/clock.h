@@ -8,4 +8,7 @@ namespace TextTools {
 /// SOURCE_DATE_EPOCH holds a number of seconds, that moment in UTC, so that a build can be repeated byte for byte.
 QDateTime currentDateTime();
 
+/// That moment as generated files tell it, "Sun Nov 15 09:12:00 2026": without a zone, in English everywhere.
+QString currentDateText();
+
 } // namespace TextTools

@@ -109,33 +109,6 @@ TEST(ModelChecker, CountsErrorsAnewAndSuppressedWarningsOverAllLines)
     EXPECT_EQ(ModelChecker().suppressedSummary(), QString());
 }
 
-TEST(ModelChecker, CorrectionsReachTheStoreAndTheRulesBehindThem)
-{
-    ProjectBuilder project;
-    project.object(0x1A00, u"Mapping"_s).sub(0, u"Number"_s);
-    const CheckRule rules[] = {
-        {"first"_L1,
-         [](ModelChecker &checker, const CheckSubject &subject) {
-             StoreRecords::SubIndexData data = subject.object->sub(0)->data;
-             data.defaultvalue = u"3"_s;
-             checker.correct(subject.object->index, 0, data, u"<i>Corrected"_s);
-             checker.noteCorrection();
-         },
-         eachObject},
-        {"second"_L1,
-         [](ModelChecker &checker, const CheckSubject &subject) { checker.reportInfo(subject.sub->data.defaultvalue); },
-         eachObject, itsSubindices, true},
-    };
-    ModelChecker checker({.common = {}, .canOpen = rules, .j1939 = {}, .rawCan = {}});
-    QStringList texts;
-    QObject::connect(&checker, &ModelChecker::newError, [&texts](const QString &text) { texts.append(text); });
-    bool corrected = false;
-    EXPECT_EQ(checker.checkCANopenLine(0, project.store(), corrected), 0);
-    EXPECT_TRUE(corrected);
-    EXPECT_EQ(texts, (QStringList{u"<i>Corrected"_s, u"3"_s}));
-    EXPECT_EQ(project.store()->getSubIndexDefaultValue(0, 0x1A00, 0), u"3");
-}
-
 TEST(SpecialPGNs, FollowTheDiagnosticMessagesThatAreOn)
 {
     ProjectBuilder project;

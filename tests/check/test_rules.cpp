@@ -146,24 +146,6 @@ TEST_F(Rules, AreDocumentedWithTheirMessagesAndGroups)
         EXPECT_TRUE(provoked.contains(row.message)) << "nobody says " << qPrintable(row.message);
 }
 
-TEST_F(Rules, SuppressOneGroupEach)
-{
-    const auto groupsOf = [](const QString &group) {
-        return CaseProject({u"line 0 = 4"_s, u"general co_timer_interval = 1"_s, u"canid 0x10 rx name=A"_s,
-                            u"canid 0x10 tx name=A"_s, u"general uds_static_indication = 1"_s,
-                            u"misc PreviousToolVersion = 3.8"_s, u"signal 0x10 rx 0 type=5; var=a"_s,
-                            u"signal 0x10 tx 0 type=5; var=a"_s, u"misc SuppressedWarningGroups = "_s + group})
-            .check();
-    };
-    EXPECT_EQ(groupsOf(u""_s).messages.size(), 4);
-    for (const QString &group : {u"WG_CONFIG"_s, u"wg_ids"_s, u" Wg_Naming ,nonsense"_s}) {
-        EXPECT_EQ(groupsOf(group).messages.size(), 3) << qPrintable(group);
-        EXPECT_TRUE(groupsOf(group).summary.contains(u" 1 warning(s)"_s.trimmed())) << qPrintable(group);
-    }
-    EXPECT_EQ(groupsOf(u"WG_TOOLCHAIN"_s).messages.size(), 3);
-    EXPECT_EQ(groupsOf(u"WG_TOOLCHAIN"_s).summary, QString());
-}
-
 const QStringList emptyPdo{u"line 0 = 1"_s,
                            u"object 0x1800 name=TPDO; code=9"_s,
                            u"sub 0x1800:1 type=7; access=rw; value=$NodeID+0x181"_s,

@@ -28,11 +28,8 @@ public:
         stream << u"Zähler\n"_s;
         if (losingFolder)
             QDir(outputFolder()).removeRecursively();
-        if (failing)
-            fail(TemplateError, u"no template"_s);
     }
 
-    bool failing = false;
     bool losingFolder = false;
     bool onMainThread = true;
     bool storeWasBlocked = false;
@@ -105,18 +102,6 @@ TEST_F(Generator, IsWaitedForToItsVeryEnd)
     generator_.startJob();
     generator_.waitForJob();
     EXPECT_TRUE(sent);
-}
-
-TEST_F(Generator, KeepsTheFormerFileWhenItFails)
-{
-    TestSupport::writeFile(filePath(u"out.txt"_s), "former");
-    generator_.failing = true;
-    runJob();
-    EXPECT_EQ(generator_.errorCode(), AbstractGenerator::TemplateError);
-    EXPECT_EQ(generator_.errorText(), u"no template");
-    EXPECT_EQ(TestSupport::readFile(filePath(u"out.txt"_s)), "former");
-    EXPECT_EQ(QDir(folder_.path()).entryList(QDir::Files).size(), 1);
-    EXPECT_FALSE(project_.store()->isBlocked());
 }
 
 TEST_F(Generator, ReportsAFileThatCannotBeOpenedFilledOrPutInPlace)

@@ -7,28 +7,12 @@ using namespace DictionaryTest;
 
 namespace {
 
-QStringList constants(const DictionaryTables &tables, ValueType type)
-{
-    QStringList result;
-    for (const PoolValue &value : tables.constants.array(type).values)
-        result.append(value.initialiser());
-    return result;
-}
-
 QStringList managed(const DictionaryTables &tables, ValueType type)
 {
     QStringList result;
     for (const PoolValue &value : tables.managed[static_cast<std::size_t>(type)].values)
         result.append(value.initialiser());
     return result;
-}
-
-const DescriptionRow *rowOf(const DictionaryTables &tables, quint8 line, quint16 index, quint8 subindex)
-{
-    const auto row = std::ranges::find_if(tables.description, [&](const DescriptionRow &each) {
-        return each.line == line && each.index == index && each.subindex == subindex;
-    });
-    return row == tables.description.end() ? nullptr : &*row;
 }
 
 /// The rows of od_assign as "index subs highest start".
@@ -38,6 +22,26 @@ QStringList assignRows(const DictionaryTables &tables)
     for (const AssignRow &row : tables.assign)
         rows.append(u"%1 %2 %3 %4"_s.arg(QString::number(row.index, 16)).arg(row.subs).arg(row.highest).arg(row.start));
     return rows;
+}
+
+/// An address as "1018:2", and a hexadecimal value behind it as "=2F".
+struct Place
+{
+    quint16 index;
+    quint8 subindex;
+    int value;
+};
+
+QList<Place> places(const char *list)
+{
+    QList<Place> result;
+    for (const QString &text : QString::fromLatin1(list).split(u' ')) {
+        const QString address = text.section(u'=', 0, 0);
+        result.append({address.section(u':', 0, 0).toUShort(nullptr, 16),
+                       static_cast<quint8>(address.section(u':', 1).toUShort()),
+                       text.section(u'=', 1).toInt(nullptr, 16)});
+    }
+    return result;
 }
 
 TEST(ValuePools, ReadAndPrintNumbers)
@@ -91,110 +95,21 @@ TEST(ValuePools, HoldEachConstantOnce)
     EXPECT_EQ(pool.array(ValueType::U24).values.size(), 3U);
 }
 
-TEST(DictionaryTables, PoolDefaultsOfEveryImplementationAndKeepManagedValuesApart)
-{
-    ProjectBuilder project;
-    project.object(0x2000, u"any"_s);
-    add(project, 0, CAN::Unsigned8, ManagedVariable, u"0x10"_s);
-    add(project, 1, CAN::Unsigned8, ManagedVariable, u"16"_s);
-    add(project, 2, CAN::Unsigned32, ManagedVariable, u"$NodeId+0x200"_s);
-    add(project, 3, CAN::Boolean, VirtualObject, u"1"_s);
-    add(project, 4, CAN::Unsigned7, Variable, u"7"_s, u"v"_s);
-    add(project, 5, CAN::TimeOfDay, ManagedConst, u"5"_s);
-    add(project, 6, CAN::VisibleString, ManagedConst, u"text"_s, {}, [](Sub &sub) { sub.size = 4; });
-    add(project, 7, CAN::OctetString, ManagedConst, u"text"_s, {}, [](Sub &sub) { sub.size = 9; });
-    add(project, 8, CAN::Utf8String, ManagedConst, u"ü"_s);
-    add(project, 9, CAN::VisibleString, Variable, u"no constant"_s, u"s"_s);
-    add(project, 10, CAN::Real64, ManagedConst, u"1"_s);
-    add(project, 11, CAN::NoType, ManagedConst, u"1"_s);
-    const DictionaryTables tables = collected(project);
-
-    EXPECT_EQ(constants(tables, ValueType::U8),
-              (QStringList{u"(UNSIGNED8)16u"_s, u"(UNSIGNED8)1u"_s, u"(UNSIGNED8)7u"_s}));
-    EXPECT_EQ(constants(tables, ValueType::U32), QStringList{u"(UNSIGNED32)512UL"_s});
-    EXPECT_EQ(constants(tables, ValueType::U48).size(), 1);
-    EXPECT_EQ(managed(tables, ValueType::U8), (QStringList{u"(UNSIGNED8)16u"_s, u"(UNSIGNED8)16u"_s}));
-    EXPECT_EQ(managed(tables, ValueType::U32), QStringList{u"(UNSIGNED32)0UL"_s});
-    EXPECT_EQ(tables.visibleStrings.texts, (std::vector<QString>{u"text"_s, u"text"_s}));
-    EXPECT_EQ(tables.visibleStrings.sizes, (std::vector<quint32>{4, 9}));
-    EXPECT_EQ(tables.utf8Strings.texts, std::vector<QString>{u"ü"_s});
-    EXPECT_EQ(tables.defaultPosition(0, 0x2000, 4), 2);
-    EXPECT_EQ(tables.defaultPosition(0, 0x2000, 7), 1);
-    EXPECT_FALSE(tables.defaultIndexMap.contains(subKey(0, 0x2000, 9)));
-    EXPECT_FALSE(tables.defaultIndexMap.contains(subKey(0, 0x2000, 10)));
-    EXPECT_FALSE(tables.defaultIndexMap.contains(subKey(0, 0x2000, 11)));
-}
-
 TEST(DictionaryTables, LeaveToTheStackWhatItServes)
 {
-    struct Case
-    {
-        quint16 index;
-        quint8 subindex;
-        bool kept;
-    };
-    for (const Case &c : {
-             Case{0x1003, 0, true},  Case{0x1005, 0, false}, Case{0x1006, 0, false}, Case{0x100C, 0, false},
-             Case{0x100D, 0, false}, Case{0x1010, 0, true},  Case{0x1010, 1, false}, Case{0x1011, 1, false},
-             Case{0x1012, 0, false}, Case{0x1013, 0, true},  Case{0x1014, 0, true},  Case{0x1016, 0, false},
-             Case{0x1016, 1, false}, Case{0x1017, 0, false}, Case{0x1018, 1, true},  Case{0x1019, 0, false},
-             Case{0x1028, 0, true},  Case{0x1028, 1, false}, Case{0x1029, 1, false}, Case{0x1029, 2, true},
-             Case{0x102A, 0, false}, Case{0x1200, 0, true},  Case{0x12FF, 1, false}, Case{0x1300, 0, false},
-             Case{0x1301, 0, true},  Case{0x13FF, 1, false}, Case{0x1400, 0, true},  Case{0x1400, 1, false},
-             Case{0x1BFF, 1, false}, Case{0x1C00, 1, true},  Case{0x1F10, 0, false}, Case{0x1F11, 1, false},
-             Case{0x1F80, 1, true},  Case{0x1F81, 0, true},  Case{0x1F81, 1, false}, Case{0x1F82, 1, false},
-         }) {
+    const auto isKept = [](const Place &place) {
         ProjectBuilder project;
-        project.object(c.index, u"any"_s);
-        add(project, c.subindex, CAN::Unsigned8, ManagedVariable);
-        EXPECT_EQ(managed(collected(project), ValueType::U8).size(), c.kept ? 1 : 0)
-            << std::hex << c.index << ":" << int{c.subindex};
-    }
-}
-
-TEST(DictionaryTables, TakeLimitsOfWritableNumbers)
-{
-    struct Case
-    {
-        quint16 dataType;
-        QString access;
-        bool inEds;
-        std::optional<std::pair<QString, QString>> limits;
+        project.object(place.index, u"any"_s);
+        add(project, place.subindex, CAN::Unsigned8, ManagedVariable);
+        return managed(collected(project), ValueType::U8).size() == 1;
     };
-    const auto project = [](const Case &c) {
-        ProjectBuilder result;
-        result.general(u"limit_check"_s, u"1"_s).object(0x2000, u"any"_s);
-        add(result, 0, c.dataType, ManagedVariable, {}, {}, [&](Sub &sub) {
-            sub.accesstype = c.access;
-            sub.limitineds = c.inEds;
-            sub.lowlimit = u"3"_s;
-            sub.uplimit = u"0x20"_s;
-        });
-        return collected(result);
-    };
-    using Limits = std::pair<QString, QString>;
-    for (const Case &c : {
-             Case{CAN::Unsigned16, u"rw"_s, true, Limits{u"(UNSIGNED16)3u"_s, u"(UNSIGNED16)32u"_s}},
-             Case{CAN::Unsigned16, u"wo"_s, true, Limits{u"(UNSIGNED16)3u"_s, u"(UNSIGNED16)32u"_s}},
-             Case{CAN::Integer16, u"rwr"_s, true, Limits{u"(INTEGER16)3"_s, u"(INTEGER16)0"_s}},
-             Case{CAN::Integer24, u"rww"_s, true, Limits{u"I24_SET(0x00,0x00,0x03)"_s, u"I24_SET(0x00,0x00,0x00)"_s}},
-             Case{CAN::Real32, u"rw"_s, true, Limits{u"(REAL32)3.0f"_s, u"(REAL32)0.0f"_s}},
-             Case{CAN::Unsigned7, u"rw"_s, true, Limits{u"(UNSIGNED8)3u"_s, u"(UNSIGNED8)32u"_s}},
-             Case{CAN::Unsigned16, u"ro"_s, true, {}},
-             Case{CAN::Unsigned16, u"rw"_s, false, {}},
-             Case{CAN::Unsigned24, u"rw"_s, true, {}},
-             Case{CAN::Unsigned64, u"rw"_s, true, {}},
-         }) {
-        const DictionaryTables tables = project(c);
-        const quint32 key = subKey(0, 0x2000, 0);
-        ASSERT_EQ(tables.lowerLimitIndexMap.contains(key), c.limits.has_value()) << c.dataType;
-        if (!c.limits)
-            continue;
-        const QStringList pool = constants(tables, *valueTypeOf(c.dataType));
-        EXPECT_EQ(pool.at(tables.lowerLimitIndexMap.value(key)), c.limits->first);
-        EXPECT_EQ(pool.at(tables.upperLimitIndexMap.value(key)), c.limits->second);
-        EXPECT_EQ(rowOf(tables, 0, 0x2000, 0)->lowerPosition, tables.lowerLimitIndexMap.value(key));
-    }
+    for (const Place &place :
+         places("1003:0 1010:0 1013:0 1014:0 1018:1 1028:0 1029:2 1200:0 1301:0 1400:0 1C00:1 1F80:1 1F81:0"))
+        EXPECT_TRUE(isKept(place)) << std::hex << place.index;
+    for (const Place &place :
+         places("1005:0 1006:0 100C:0 100D:0 1010:1 1011:1 1012:0 1016:0 1016:1 1017:0 1019:0 1028:1 1029:1 "
+                "102A:0 12FF:1 1300:0 13FF:1 1400:1 1BFF:1 1F10:0 1F11:1 1F81:1 1F82:1"))
+        EXPECT_FALSE(isKept(place)) << std::hex << place.index;
 }
 
 TEST(DictionaryTables, ShortenTailsOfEqualSubindices)
@@ -276,153 +191,39 @@ TEST(DictionaryTables, CompareWhatTheStackSeesForCompaction)
 
 TEST(DictionaryTables, NameTheServiceOfASubindex)
 {
-    struct Case
-    {
-        quint16 index;
-        quint8 subindex;
-        const char *specifier;
-        int value;
-    };
-    for (const Case &c : {
-             Case{0x1003, 0, "_EMCY", 0x1003},    Case{0x1005, 0, "_SYNC", 0x1005},
-             Case{0x1006, 0, "_SYNC", 0x1006},    Case{0x100C, 0, "_ERRCTRL", 0x100C},
-             Case{0x1010, 0, "_VAR", 0},          Case{0x1010, 1, "_STORE", 0x1010},
-             Case{0x1012, 0, "_TIME", 0},         Case{0x1014, 0, "_EMCY", 0x1014},
-             Case{0x1016, 0, "_VAR", 0},          Case{0x1016, 3, "_ERRCTRL", 0x1016},
-             Case{0x1017, 0, "_ERRCTRL", 0x1017}, Case{0x1018, 1, "_VAR", 0},
-             Case{0x1019, 0, "_SYNC", 0x1019},    Case{0x1028, 1, "_EMCY", 0x1028},
-             Case{0x1029, 1, "_ERRCTRL", 0x1029}, Case{0x1029, 2, "_VAR", 0},
-             Case{0x102A, 0, "_NMT", 0x102A},     Case{0x1032, 1, "_EMCY", 0x1032},
-             Case{0x1200, 1, "_SDO_SERVER", 1},   Case{0x127F, 2, "_SDO_SERVER", 0x80},
-             Case{0x1280, 1, "_SDO_CLIENT", 1},   Case{0x12FF, 3, "_SDO_CLIENT", 0x80},
-             Case{0x1300, 0, "_GFC", 0},          Case{0x1301, 0, "_VAR", 0x1301},
-             Case{0x1301, 1, "_SRDO", 0x1301},    Case{0x13F1, 1, "_VAR", 0x13F1},
-             Case{0x13FE, 0, "_SRDO", 0x13FE},    Case{0x1400, 0, "_VAR", 0},
-             Case{0x1400, 1, "_RPDO", 1},         Case{0x15FF, 2, "_RPDO", 0x200},
-             Case{0x1600, 0, "_RMAP", 1},         Case{0x17FF, 1, "_RMAP", 0x200},
-             Case{0x1801, 5, "_TPDO", 2},         Case{0x1A01, 0, "_TMAP", 2},
-             Case{0x1F10, 1, "_SRD", 0},          Case{0x1F2C, 0, "_VAR", 0},
-             Case{0x1F2C, 1, "_NETWORK", 0x1F2C}, Case{0x1F80, 0, "_NMT", 0x1F80},
-             Case{0x1F82, 1, "_NMT", 0x1F82},     Case{0x1F90, 0, "_FLYMA", 0},
-             Case{0x1F90, 1, "_FLYMA", 0x1F90},   Case{0x6000, 1, "_VAR", 0},
+    for (const auto &[specifier, list] : {
+             std::pair("_EMCY", "1003:0=1003 1014:0=1014 1028:1=1028 1032:1=1032"),
+             {"_SYNC", "1005:0=1005 1006:0=1006 1019:0=1019"},
+             {"_ERRCTRL", "100C:0=100C 1016:3=1016 1017:0=1017 1029:1=1029"},
+             {"_VAR", "1010:0=0 1016:0=0 1018:1=0 1029:2=0 1301:0=1301 13F1:1=13F1 1400:0=0 1F2C:0=0 6000:1=0"},
+             {"_STORE", "1010:1=1010"},
+             {"_TIME", "1012:0=0"},
+             {"_NMT", "102A:0=102A 1F80:0=1F80 1F82:1=1F82"},
+             {"_SDO_SERVER", "1200:1=1 127F:2=80"},
+             {"_SDO_CLIENT", "1280:1=1 12FF:3=80"},
+             {"_GFC", "1300:0=0"},
+             {"_SRDO", "1301:1=1301 13FE:0=13FE"},
+             {"_RPDO", "1400:1=1 15FF:2=200"},
+             {"_RMAP", "1600:0=1 17FF:1=200"},
+             {"_TPDO", "1801:5=2"},
+             {"_TMAP", "1A01:0=2"},
+             {"_SRD", "1F10:1=0"},
+             {"_NETWORK", "1F2C:1=1F2C"},
+             {"_FLYMA", "1F90:0=0 1F90:1=1F90"},
          }) {
-        ProjectBuilder project;
-        project.object(c.index, u"any"_s);
-        add(project, c.subindex, CAN::Unsigned8, ManagedVariable);
-        const DictionaryTables tables = collected(project);
-        EXPECT_EQ(tables.description.front().specifier, QLatin1StringView(c.specifier)) << std::hex << c.index;
-        EXPECT_EQ(tables.description.front().value, c.value) << std::hex << c.index << ":" << int{c.subindex};
-
-        add(project, c.subindex, CAN::Unsigned8, ManagedConst);
-        EXPECT_EQ(collected(project).description.front().specifier, "_CONST"_L1);
-        EXPECT_EQ(collected(project).description.front().value, 0);
+        for (const Place &place : places(list)) {
+            SCOPED_TRACE(testing::Message() << std::hex << place.index << ':' << int{place.subindex});
+            ProjectBuilder project;
+            project.object(place.index, u"any"_s);
+            add(project, place.subindex, CAN::Unsigned8, ManagedVariable);
+            const DictionaryTables tables = collected(project);
+            EXPECT_EQ(tables.description.front().specifier, QLatin1StringView(specifier));
+            EXPECT_EQ(tables.description.front().value, place.value);
+            add(project, place.subindex, CAN::Unsigned8, ManagedConst);
+            EXPECT_EQ(collected(project).description.front().specifier, "_CONST"_L1);
+            EXPECT_EQ(collected(project).description.front().value, 0);
+        }
     }
-}
-
-TEST(DictionaryTables, TellAccessAndUse)
-{
-    struct Case
-    {
-        quint16 dataType;
-        const char *access;
-        const char *attributes;
-    };
-    for (const Case &c : {
-             Case{CAN::Real32, "const", "CO_ATTR_NUM | CO_ATTR_READ | CO_ATTR_MAP_TR"},
-             Case{CAN::Unsigned24, "ro", "CO_ATTR_NUM | CO_ATTR_READ | CO_ATTR_MAP_TR"},
-             Case{CAN::VisibleString, "wo", "CO_ATTR_WRITE | CO_ATTR_MAP_REC"},
-             Case{CAN::Unsigned40, "rw", "CO_ATTR_READ | CO_ATTR_WRITE | CO_ATTR_MAP_TR | CO_ATTR_MAP_REC"},
-             Case{CAN::Integer24, "rwr", "CO_ATTR_READ | CO_ATTR_WRITE | CO_ATTR_MAP_TR"},
-             Case{CAN::Domain, "rww", "CO_ATTR_READ | CO_ATTR_WRITE | CO_ATTR_MAP_REC"},
-             Case{CAN::Domain, "odd", "CO_ATTR_READ | CO_ATTR_WRITE"},
-         }) {
-        ProjectBuilder project;
-        project.object(0x2000, u"any"_s);
-        add(project, 0, c.dataType, ManagedVariable, {}, {}, [&](Sub &sub) {
-            sub.accesstype = QString::fromLatin1(c.access);
-            sub.pdomapping = PDOMapping::Allowed;
-            sub.defaultineds = false;
-        });
-        add(project, 1, CAN::Unsigned32, ManagedVariable, {}, {}, [](Sub &sub) {
-            sub.limitineds = true;
-            sub.nvstorage = true;
-        });
-        const DictionaryTables tables = collected(project);
-        EXPECT_EQ(tables.description.at(0).attributes, QLatin1StringView(c.attributes));
-        EXPECT_EQ(tables.description.at(1).attributes,
-                  u"CO_ATTR_NUM | CO_ATTR_READ | CO_ATTR_DEFVAL | CO_ATTR_LIMIT | CO_ATTR_STORE"_s);
-    }
-}
-
-TEST(DictionaryTables, GiveEachApplicationVariableItsPlace)
-{
-    ProjectBuilder project;
-    project.object(0x2000, u"any"_s);
-    add(project, 0, CAN::Unsigned8, Variable, {}, u"count"_s);
-    add(project, 1, CAN::Unsigned5, Variable, {}, u"tab[${subindex}]"_s);
-    add(project, 2, CAN::VisibleString, Variable, {}, u"first"_s, [](Sub &sub) { sub.size = 8; });
-    add(project, 3, CAN::VisibleString, Variable, {}, u"second"_s);
-    add(project, 4, CAN::Utf8String, Variable, {}, u"third"_s);
-    add(project, 5, CAN::OctetString, Variable, {}, u"fourth"_s);
-    add(project, 6, CAN::Domain, Variable, {}, u"fifth"_s);
-    add(project, 7, CAN::Domain, Variable, {}, u"sixth"_s);
-    add(project, 8, CAN::Real64, Variable, {}, u"nowhere"_s);
-    const DictionaryTables tables = collected(project);
-    EXPECT_EQ(tables.pointers[0].names, (std::vector<QString>{u"count"_s, u"tab[1]"_s}));
-    EXPECT_EQ(tables.textVariables[0].sizes, (std::vector<quint32>{8, 0}));
-    QStringList values;
-    for (const DescriptionRow &row : tables.description)
-        values.append(row.specifier + QString::number(row.value));
-    EXPECT_EQ(values, (QStringList{u"_PTR0"_s, u"_PTR1"_s, u"_PTR0"_s, u"_PTR1"_s, u"_PTR0"_s, u"_PTR0"_s, u"_PTR0"_s,
-                                   u"_PTR1"_s, u"_PTR0"_s}));
-}
-
-TEST(DictionaryTables, LeaveTheDataOfSrdosToTheirTables)
-{
-    ProjectBuilder project;
-    project.general(u"static_srdo_data"_s, u"1"_s).object(0x1381, u"any"_s);
-    add(project, 0, CAN::Unsigned8, ManagedConst, u"1"_s);
-    add(project, 1, CAN::Unsigned32, ManagedVariable, u"0x20000208"_s);
-    project.object(0x2000, u"any"_s);
-    add(project, 1, CAN::Unsigned8, Variable, {}, u"one"_s);
-    add(project, 2, CAN::Unsigned8, Variable, {}, u"two"_s);
-    const DictionaryTables tables = collected(project);
-    EXPECT_EQ(tables.staticSrdoObjects, QSet<quint32>{subKey(0, 0x2000, 2)});
-    EXPECT_EQ(tables.pointers[0].names, std::vector<QString>{u"one"_s});
-    EXPECT_EQ(rowOf(tables, 0, 0x2000, 2)->specifier, "_SRDO"_L1);
-    EXPECT_EQ(rowOf(tables, 0, 0x2000, 2)->value, 0x2000);
-}
-
-TEST(DictionaryTables, KeepSharedObjectsOnLineZero)
-{
-    ProjectBuilder project;
-    const auto share = [](Sub &sub) { sub.sharedlines = true; };
-    project.object(0x1000, u"any"_s);
-    add(project, 0, CAN::Unsigned8, ManagedVariable);
-    project.object(0x2000, u"any"_s);
-    add(project, 0, CAN::Unsigned8, ManagedVariable, u"5"_s, {}, share);
-    add(project, 1, CAN::Unsigned8, ManagedVariable, u"6"_s, {}, share);
-    project.line(1, 1).object(0x1000, u"any"_s);
-    add(project, 0, CAN::Unsigned8, ManagedVariable);
-    project.object(0x2000, u"any"_s);
-    add(project, 0, CAN::Unsigned8, ManagedVariable, u"5"_s, {}, share);
-    add(project, 1, CAN::Unsigned8, ManagedVariable, u"6"_s, {}, share);
-    project.object(0x2001, u"any"_s);
-    add(project, 0, CAN::Unsigned8, ManagedVariable);
-    const DictionaryTables tables = collected(project);
-
-    EXPECT_EQ(assignRows(tables),
-              (QStringList{u"1000 1 0 0"_s, u"2000 2 1 1"_s, u"1000 1 0 3"_s, u"2000 2 1 1"_s, u"2001 1 0 4"_s}));
-    EXPECT_EQ(tables.assignCount, 5U);
-    EXPECT_EQ(tables.descriptionCount, 7U);
-    ASSERT_EQ(tables.description.size(), 5U);
-    EXPECT_EQ(managed(tables, ValueType::U8).size(), 5);
-    EXPECT_EQ(rowOf(tables, 0, 0x2000, 1)->value, 2);
-    const DictionaryLine &second = *tables.line(1);
-    EXPECT_EQ(second.assignStart, 2U);
-    EXPECT_EQ(second.assignCount, 3U);
-    EXPECT_EQ(second.descriptionStart, 3U);
-    EXPECT_EQ(second.descriptionCount, 2U);
 }
 
 TEST(DictionaryTables, FindTheLinesOfTheDevice)
@@ -458,25 +259,6 @@ TEST(DictionaryTables, FindTheLinesOfTheDevice)
     EXPECT_EQ(always.lineSuffix(25), u"z"_s);
     EXPECT_EQ(always.lineSuffix(26), u"B"_s);
     EXPECT_EQ(withObjects({{0, 2}}).lineSuffix(0), QString());
-}
-
-TEST(DictionaryTables, PlaceStringDefaultsBySize)
-{
-    ProjectBuilder project;
-    project.object(0x2000, u"any"_s).object(0x2001, u"any"_s);
-    add(project, 1, CAN::VisibleString, Variable, u"Grün"_s, u"a"_s, [](Sub &sub) { sub.size = 10; });
-    add(project, 2, CAN::OctetString, Variable, u"|x0aFf1"_s, u"b"_s, [](Sub &sub) { sub.size = 3; });
-    add(project, 3, CAN::Utf8String, Variable, u"none"_s, u"c"_s);
-    add(project, 4, CAN::VisibleString, ManagedConst, u"none"_s);
-    add(project, 5, CAN::VisibleString, Variable, {}, u"d"_s, [](Sub &sub) { sub.size = 4; });
-    EXPECT_TRUE(collected(project).stringOffsetMap.isEmpty());
-    project.general(u"generate_string_defaults"_s, u"2"_s);
-    const DictionaryTables tables = collected(project);
-    EXPECT_EQ(tables.stringOffsetMap.values(), (QList<quint32>{0, 10, 13}));
-    EXPECT_EQ(tables.stringSizeMap.values(), (QList<quint32>{10, 3, 4}));
-    const auto bytes = [&](quint8 subindex) { return tables.stringDefaultMap[subKey(0, 0x2001, subindex)].bytes; };
-    EXPECT_EQ(bytes(1), QByteArray("Gr\xc3\xbcn"));
-    EXPECT_EQ(bytes(2), QByteArray::fromHex("0aff01"));
 }
 
 TEST(DictionaryTables, TakeDamagedObjectsAsTheyAre)

@@ -66,53 +66,43 @@ TEST(MultiProtocol, NamesItsFileByTheKindOfDevice)
         QString title;
         QString function;
     };
+    const QString allTables = u" * object dictionary + PGN/SPN table + CAN-ID table + initialization for device - "_s;
+    const QString canIds = u" * CAN-ID table + initialization for device - "_s;
     const QList<Case> cases{
-        {{4},
-         false,
-         u"gen_rawcan.c"_s,
-         u" * CAN-ID table + initialization for device - "_s,
-         u"rawcanStackInit(void)"_s},
+        {{4}, false, u"gen_rawcan.c"_s, canIds, u"RET_T rawcanStackInit(void) {"_s},
         {{4}, true, u"gen_uds.c"_s, u" * Initialization for device - "_s, u"RET_T udsStackInit(void) {"_s},
-        {{4, 4},
-         true,
-         u"gen_rawcan.c"_s,
-         u" * CAN-ID table + initialization for device - "_s,
-         u"rawcanStackInit(void)"_s},
-        {{6},
-         true,
-         u"gen_mp.c"_s,
-         u" * object dictionary + PGN/SPN table + CAN-ID table + initialization for device"_s,
-         u"RET_T mpStackInit("_s},
-        {{1, 2},
-         false,
-         u"gen_mp.c"_s,
-         u" * object dictionary + PGN/SPN table + CAN-ID table + initialization"_s,
-         u"RET_T mpStackInit_line1(UNSIGNED8 canLine)\n{"_s},
+        {{4, 4}, true, u"gen_rawcan.c"_s, canIds, u"RET_T rawcanStackInit(void) {"_s},
+        {{6}, true, u"gen_mp.c"_s, allTables, u"RET_T mpStackInit("_s},
+        {{7}, false, u"gen_mp.c"_s, allTables, u"RET_T mpStackInit("_s},
+        {{1, 2}, false, u"gen_mp.c"_s, allTables, u"RET_T mpStackInit_line1(UNSIGNED8 canLine)\n{"_s},
         {{2, 2}, false, u"gen_pgn.c"_s, u" * J1939 PGN definitions for device - "_s, u"RET_T j1939StackInit("_s},
-        {{1}, false, {}, {}, {}},
+        {{1}, false, u"gen_objdict.c"_s, u" * object dictionary for device - "_s, u"RET_T coCanOpenStackInit("_s},
     };
-    const QStringList sources{u"gen_mp.c"_s, u"gen_rawcan.c"_s, u"gen_uds.c"_s, u"gen_pgn.c"_s};
+    const QStringList sources{u"gen_mp.c"_s, u"gen_rawcan.c"_s, u"gen_uds.c"_s, u"gen_pgn.c"_s, u"gen_objdict.c"_s};
     for (const Case &row : cases) {
         ProjectBuilder project;
         for (quint8 line = 0; line < row.lineTypes.size(); ++line)
             project.line(line, row.lineTypes.at(line));
         project.general(u"uds_bl_setting"_s, row.bootloader ? u"1"_s : u"0"_s);
         DeviceRun run(project);
+        // What the device had when it was of another kind stays.
+        for (const QString &source : sources)
+            writeFile(run.path(source), "old");
         const QStringList messages = run.generate();
         SCOPED_TRACE(qPrintable(messages.join(u'\n')));
         EXPECT_EQ(run.result, 0);
         for (const QString &source : sources)
-            EXPECT_EQ(run.has(source), source == row.file) << qPrintable(source);
+            EXPECT_EQ(readFile(run.path(source)) != "old", source == row.file) << qPrintable(source);
         const QString text = QString::fromUtf8(readFile(run.path(row.file)));
         EXPECT_TRUE(text.contains(row.title) && text.contains(row.function)) << qPrintable(text);
-        EXPECT_EQ(messages.contains(u"Generation of gen_mp.c in DIR started"_s),
-                  !row.file.isEmpty() && row.file != u"gen_pgn.c"_s);
+        const bool severalKinds = row.file != "gen_pgn.c"_L1 && row.file != "gen_objdict.c"_L1;
+        EXPECT_EQ(messages.contains(u"Generation of gen_mp.c in DIR started"_s), severalKinds);
+        EXPECT_TRUE(messages.contains(u"Generation of %1 completed. "_s.arg(row.file)));
         const bool oneLineBootloader = row.bootloader && row.lineTypes.size() == 1;
-        EXPECT_EQ(run.has(u"gen_extern_decl.h"_s), !oneLineBootloader && row.lineTypes != QList<int>{1});
-        EXPECT_EQ(run.has(u"gen_extern_decl.h"_s), run.has(u"gen_var_decl.c"_s));
-        if (!row.file.isEmpty()) {
-            EXPECT_EQ(text.contains(u"#include <gen_extern_decl.h>"_s), !oneLineBootloader);
-        }
+        const bool declares = !oneLineBootloader && row.lineTypes != QList<int>{1};
+        EXPECT_EQ(run.has(u"gen_extern_decl.h"_s), declares);
+        EXPECT_EQ(run.has(u"gen_var_decl.c"_s), declares);
+        EXPECT_EQ(text.contains(u"#include <gen_extern_decl.h>"_s), declares);
     }
 }
 
@@ -132,16 +122,18 @@ TEST(MultiProtocol, SaysWhichFileItCannotWrite)
 {
     if (geteuid() == 0)
         GTEST_SKIP() << "the superuser may write everything";
-    ProjectBuilder project;
-    project.line(0, 7);
-    DeviceRun run(project);
-    for (const QString &name : {u"gen_mp.c"_s, u"gen_extern_decl.h"_s}) {
-        writeFile(run.path(name), "kept");
-        QFile(run.path(name)).setPermissions(QFileDevice::ReadOwner);
+    for (const auto &[type, file] : {std::pair(7, u"gen_mp.c"_s), {4, u"gen_rawcan.c"_s}}) {
+        ProjectBuilder project;
+        project.line(0, type);
+        DeviceRun run(project);
+        for (const QString &name : {file, u"gen_extern_decl.h"_s}) {
+            writeFile(run.path(name), "kept");
+            QFile(run.path(name)).setPermissions(QFileDevice::ReadOwner);
+        }
+        EXPECT_TRUE(run.generate().contains(u"The file %1 in DIR is not writable"_s.arg(file)));
+        EXPECT_EQ(readFile(run.path(u"gen_extern_decl.h"_s)), "kept");
+        EXPECT_EQ(run.result, 0);
     }
-    EXPECT_TRUE(run.generate().contains(u"The file gen_mp.c in DIR is not writable"_s));
-    EXPECT_EQ(readFile(run.path(u"gen_extern_decl.h"_s)), "kept");
-    EXPECT_EQ(run.result, 0);
 }
 
 TEST(RunRows, EndWithoutTheTemplateOfSafetyObjects)

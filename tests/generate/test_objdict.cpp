@@ -35,24 +35,12 @@ DictionaryTables collected(const ProjectBuilder &project)
     return collectDictionaryTables(*project.store(), {});
 }
 
-TEST(ObjDictSections, WriteArraysOfManagedVariables)
+TEST(ObjDictSections, PlaceManagedVariablesWhereTheCompilerIsTold)
 {
     ProjectBuilder project;
-    project.general(u"static_memory_specifier"_s, u"__far"_s).object(0x2000, u"any"_s);
-    for (const quint8 subindex : std::initializer_list<quint8>{1, 2})
-        project.sub(subindex, u"any"_s, [](Sub &sub) {
-            sub.datatype = CAN::Integer32;
-            sub.defaultvalue = u"-7"_s;
-        });
+    project.general(u"static_memory_specifier"_s, u"__far"_s).object(0x2000, u"any"_s).sub(1, u"any"_s);
     EXPECT_EQ(written(ObjDictSections::managedVariables, collected(project)),
-              u"\n/* definition of managed variables */\n"
-              "static INTEGER32 CORE_STORAGE_CLASS\tod_i32[2] __far ;\n"_s);
-    project.general(u"init_static_variables"_s, u"1"_s).general(u"static_memory_specifier"_s, {});
-    EXPECT_EQ(written(ObjDictSections::managedVariables, collected(project), Dialect::classic()),
-              u"\n/* definition of managed variables */\n"
-              "static INTEGER32 CO_STORAGE_CLASS\tod_i32[2]= {\n"
-              "\t(INTEGER32)-7L /* 0x2000:1 */,\n"
-              " \t(INTEGER32)-7L /* 0x2000:2 */};\n"_s);
+              u"\n/* definition of managed variables */\nstatic UNSIGNED8 CORE_STORAGE_CLASS\tod_u8[1] __far ;\n"_s);
 }
 
 TEST(ObjDictSections, TakeExpressionsAsTheyStand)
@@ -132,35 +120,6 @@ TEST(ObjDictSections, MeasureMappedObjectsInBytesOrBits)
     EXPECT_EQ(written(ObjDictSections::mappingTables, collected(project), Dialect::classic()), expected.arg(2));
     project.general(u"bitwise_mapping"_s, u"1"_s);
     EXPECT_EQ(written(ObjDictSections::mappingTables, collected(project), Dialect::classic()), expected.arg(16));
-}
-
-TEST(DescriptionWords, NameDataTypes)
-{
-    struct Case
-    {
-        quint16 dataType;
-        QLatin1StringView suffix;
-        QString v4;
-        QString classic;
-    };
-    for (const Case &c : {
-             Case{CAN::Unsigned8, "_VAR"_L1, u"CORE_DTYPE_U8, CO_DSPEC_VAR"_s, u"CO_DTYPE_U8_VAR   "_s},
-             Case{CAN::Boolean, "_PTR"_L1, u"CORE_DTYPE_BOOL, CO_DSPEC_PTR"_s, u"CO_DTYPE_BOOL_PTR "_s},
-             Case{CAN::Unsigned6, "_VAR"_L1, u"CORE_DTYPE_U8, CO_DSPEC_VAR"_s, u"CO_DTYPE_U8_VAR   "_s},
-             Case{CAN::TimeOfDay, "_VAR"_L1, u"CORE_DTYPE_U48, CO_DSPEC_VAR"_s, u"CO_DTYPE_U48_VAR  "_s},
-             Case{CAN::Domain, "_PTR"_L1, u"CORE_DTYPE_DOMAIN, CO_DSPEC_PTR"_s, u"CO_DTYPE_DOMAIN   "_s},
-             Case{CAN::OctetString, "_CONST"_L1, u"CORE_DTYPE_OCTET_STRING, CO_DSPEC_CONST"_s, u"CO_DTYPE_VS_CONST "_s},
-             Case{CAN::OctetString, "_PTR"_L1, u"CORE_DTYPE_OCTET_STRING, CO_DSPEC_PTR"_s, u"CO_DTYPE_OS_PTR   "_s},
-             Case{CAN::VisibleString, "_PTR"_L1, u"CORE_DTYPE_STRING_NULL, CO_DSPEC_PTR"_s, u"CO_DTYPE_VS_PTR   "_s},
-             Case{CAN::Utf8String, "_CONST"_L1, u"CORE_DTYPE_UTF8, CO_DSPEC_CONST"_s, u"CO_DTYPE_UTF8_CONST"_s},
-             Case{0x40, "_VAR"_L1, u"CORE_DTYPE_NON_NUMERIC, CO_DSPEC_VAR"_s, u"CO_DTYPE_DOMAIN   "_s},
-         }) {
-        EXPECT_EQ(DescriptionWords::typeColumns(Dialect::v4(), c.dataType, c.suffix), c.v4);
-        EXPECT_EQ(DescriptionWords::typeColumns(Dialect::classic(), c.dataType, c.suffix), c.classic);
-    }
-    EXPECT_EQ(DescriptionWords::mappedType(Dialect::v4(), CAN::VisibleString), u"CORE_DTYPE_STRING_NULL"_s);
-    EXPECT_EQ(DescriptionWords::mappedType(Dialect::classic(), CAN::Integer24), u"CO_TRUE"_s);
-    EXPECT_EQ(DescriptionWords::mappedType(Dialect::classic(), CAN::Unsigned40), u"CO_FALSE"_s);
 }
 
 class ObjDictFiles : public testing::Test

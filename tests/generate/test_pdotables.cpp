@@ -126,35 +126,6 @@ TEST(PdoTables, RouteSharedDataToOtherLines)
               tables.line(0)->pdos.rpdos.front().entries.front().pointer);
 }
 
-TEST(VirtualTables, HoldTheVirtualSubindicesOfVirtualObjects)
-{
-    ProjectBuilder project;
-    project.object(0x2000, u"any"_s);
-    add(project, 0, CAN::Unsigned8, ManagedConst, u"1"_s);
-    add(project, 1, CAN::Unsigned8, VirtualObject, u"1"_s);
-    EXPECT_FALSE(hasVirtualObjects(*project.store()));
-    project.object(0x3000, u"any"_s);
-    add(project, 0, CAN::Unsigned8, VirtualObject, u"3"_s);
-    add(project, 1, CAN::Unsigned16, VirtualObject, {}, {}, [](Sub &sub) { sub.accesstype = u"rw"_s; });
-    add(project, 2, CAN::Unsigned16, ManagedVariable);
-    add(project, 0x1F, CAN::Unsigned16, VirtualObject, u"8"_s);
-    project.object(0x1003, u"any"_s);
-    add(project, 0, CAN::Unsigned8, VirtualObject);
-    EXPECT_TRUE(hasVirtualObjects(*project.store()));
-
-    const VirtualTables tables = collectVirtualTables(collected(project), true);
-    QStringList rows;
-    for (const VirtualDescriptionRow &row : tables.description)
-        rows.append(u"%1 %2 %3 %4"_s.arg(row.dataName()).arg(row.value).arg(row.valueIsIndex).arg(row.defaultPosition));
-    EXPECT_EQ(rows,
-              (QStringList{u"V_1003_0 4099 1 0"_s, u"V_3000_0 1 0 2"_s, u"V_3000_1 0 0 0"_s, u"V_3000_1f 1 0 1"_s}));
-    EXPECT_EQ(tables.description.at(2).attributes, u"CO_ATTR_NUM | CO_ATTR_READ | CO_ATTR_WRITE | CO_ATTR_DYNOD"_s);
-    ASSERT_EQ(tables.assign.size(), 2U);
-    EXPECT_EQ(tables.assign.at(1).subs, 3U);
-    EXPECT_EQ(tables.assign.at(1).highest, 0x1F);
-    EXPECT_EQ(tables.assign.at(1).start, 1U);
-}
-
 TEST(VirtualTables, NumberWhatIsStoredAlike)
 {
     ProjectBuilder project;

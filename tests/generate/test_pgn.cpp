@@ -2,6 +2,7 @@
 #include "generate/dialect.h"
 #include "generate/j1939/pgngenerator.h"
 #include "generate/j1939/pgntables.h"
+#include "generate/stack/definegenerator.h"
 #include "generate/stack/externdeclgenerator.h"
 #include "generate/stack/multiprogenerator.h"
 #include "generatedc.h"
@@ -26,48 +27,6 @@ PgnTables collected(const ProjectBuilder &project, const Dialect &dialect = Dial
     return PgnTables::collect(*project.store(), dialect, multiLine, PgnTables::Scope::AllMessages);
 }
 
-TEST(PgnTables, PlaceSignalsByTheirType)
-{
-    struct Case
-    {
-        quint32 dataType;
-        quint16 bitSize;
-        quint32 bits;
-        QString type;
-        QString pointer; ///< of a managed signal with the default 0x12
-        QString value;
-    };
-    const QList<Case> cases{
-        {1, 8, 1, u"B"_s, u"&mv_u8[0]"_s, u"18"_s},
-        {2, 8, 8, u"I8"_s, u"&mv_i8[0]"_s, u"18"_s},
-        {6, 3, 16, u"U16"_s, u"&mv_u16[0]"_s, u"18"_s},
-        {8, 0, 32, u"R32"_s, u"NULL"_s, {}},
-        {10, 40, 40, u"NON_NUMERIC"_s, u"NULL"_s, {}},
-        {15, 16, 16, u"NON_NUMERIC"_s, u"NULL"_s, {}},
-        {22, 0, 24, u"U24"_s, u"&mv_u32[0]"_s, u"18"_s},
-        {27, 0, 64, u"U64"_s, u"&mv_u64[0]"_s, u"U64_SET(0x00,0x00,0x00,0x00,0x00,0x00,0x00,0x12)"_s},
-        {102, 0, 4, u"U4"_s, u"&mv_u8[0]"_s, u"18"_s},
-        {109, 0, 12, u"U12"_s, u"&mv_u16[0]"_s, u"18"_s},
-        {120, 24, 24, u"STRING_NULL"_s, u"NULL"_s, {}},
-        {121, 48, 48, u"STRING_ASTERIKS"_s, u"NULL"_s, {}},
-    };
-    for (const Case &row : cases) {
-        ProjectBuilder project;
-        project.line(0, 4).canId(0x123, rx, u"Any"_s).element(1, u"Signal"_s, [&row](auto &signal) {
-            signal.datatype = row.dataType;
-            signal.bitsize = row.bitSize;
-            signal.implementation = 0;
-            signal.defaultvalue = u"0x12"_s;
-        });
-        const PgnTables tables = collected(project);
-        const PgnTables::Signal &signal = tables.lines.first().receivedCanIds.first().items.first();
-        EXPECT_EQ(signal.bits, row.bits) << row.dataType;
-        EXPECT_EQ(signal.type, row.type) << row.dataType;
-        EXPECT_EQ(signal.pointer, row.pointer) << row.dataType;
-        EXPECT_EQ(tables.arrays.isEmpty() ? QString() : tables.arrays.first().elements.first().value, row.value);
-    }
-}
-
 TEST(PgnTables, CutValuesToTheirType)
 {
     ProjectBuilder project;
@@ -87,33 +46,6 @@ TEST(PgnTables, CutValuesToTheirType)
                                    u"mv_i32 -2147483648"_s}));
 }
 
-TEST(PgnTables, ClaimTheAddressWithoutTouchingTheProject)
-{
-    ProjectBuilder project;
-    project.line(0, 2).j1939(u"identitynumber"_s, u"1,0x123456"_s).j1939(u"startaddress"_s, u"128,129"_s);
-    project.j1939(u"manufacturercode"_s, u"346"_s).j1939(u"addresscapable"_s, u"1"_s).line(1, 2);
-    const PgnTables v4 = collected(project, Dialect::v4(), true);
-    const PgnTables::Line &line = v4.lines.last();
-    EXPECT_EQ(line.sourceAddress, 129);
-    QStringList fields;
-    quint32 end = 0;
-    for (qsizetype i = 0; i < line.nameFields.size(); ++i) {
-        const PgnTables::Signal &signal = line.addressClaim.items.at(i);
-        fields.append(u"%1@%2+%3=%4"_s.arg(signal.number)
-                          .arg(signal.bitPosition)
-                          .arg(signal.bits)
-                          .arg(line.nameFields.at(i).value));
-        end = signal.bitPosition + signal.bits;
-    }
-    EXPECT_EQ(fields,
-              (QStringList{u"2837@0+21=1193046"_s, u"2838@21+11=346"_s, u"2840@32+3=0"_s, u"2839@35+5=0"_s,
-                           u"2841@40+8=0"_s, u"2842@49+7=0"_s, u"2843@56+4=0"_s, u"2846@60+3=0"_s, u"2844@63+1=1"_s}));
-    EXPECT_EQ(end, 64U);
-    EXPECT_EQ(line.addressClaim.mapping, u"l1_tx_mapping_60928");
-    EXPECT_EQ(collected(project, Dialect::classic(), true).lines.last().addressClaim.items.size(), 10);
-    EXPECT_TRUE(project.store()->getPGNList(0, 0).isEmpty());
-}
-
 TEST(PgnTables, LeaveSafetyGroupsToTheirOwnModule)
 {
     ProjectBuilder project;
@@ -123,19 +55,9 @@ TEST(PgnTables, LeaveSafetyGroupsToTheirOwnModule)
     EXPECT_EQ(collected(project).lines.first().transmittedPgns.size(), 1);
 }
 
-TEST(PgnTables, GiveACanIdWithTheNumberOfAGroupItsOwnTables)
-{
-    ProjectBuilder project;
-    project.line(0, 7).pgn(256, tx, u"Group"_s).canId(256, tx, u"Frame"_s).canId(256, rx, u"Frame"_s);
-    const PgnTables::Line line = collected(project).lines.first();
-    EXPECT_EQ(line.transmittedPgns.first().mapping, u"tx_mapping_256");
-    EXPECT_EQ(line.transmittedCanIds.first().mapping, u"tx_mapping_256_canid");
-    EXPECT_EQ(line.receivedCanIds.first().mapping, u"rx_mapping_256");
-}
-
 // ---- What the stack reads ------------------------------------------------------------------------------------------
 
-constexpr std::array dataTypes{1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 22U, 27U, 100U, 105U, 109U, 118U, 121U, 10U, 15U};
+constexpr std::array dataTypes{1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 22U, 27U, 100U, 105U, 109U, 118U, 120U, 121U, 10U, 15U};
 
 /// Makes a signal of any type and kind, with a variable of that name where it has one.
 auto randomSignal(std::mt19937 &random, const QString &variable)
@@ -222,12 +144,13 @@ void PrintTo(const Form &form, std::ostream *out)
 /// What a walk over the stack's tables has to print for a signal, by the store alone.
 QString expectedSignal(const StoreRecords::SPN &signal, quint32 number, const Form &form)
 {
-    const bool text = signal.datatype == 121 || signal.datatype == 10 || signal.datatype == 15;
+    const bool text = signal.datatype >= 120 || signal.datatype == 10 || signal.datatype == 15;
     QString word = text ? u"NONE"_s : u"NUMERIC"_s;
     if (form.v4)
-        word = signal.datatype == 121 ? u"STRING_ASTERIKS"_s
-               : text                 ? u"NON_NUMERIC"_s
-                                      : COHelper::index2DataTypeShortString(signal.datatype);
+        word = signal.datatype == 121   ? u"STRING_ASTERIKS"_s
+               : signal.datatype == 120 ? u"STRING_NULL"_s
+               : text                   ? u"NON_NUMERIC"_s
+                                        : COHelper::index2DataTypeShortString(signal.datatype);
     const bool managed = signal.implementation < 2 && !text && signal.datatype != 8;
     // Without static values the variables of groups begin with 0.
     const quint64 value = form.initialised ? signal.defaultvalue.toULongLong() : 0;
@@ -296,44 +219,6 @@ QStringList expectedWalk(ObjectDataBase &store, const Form &form)
     return lines;
 }
 
-/// As much of gen_define.h as the messages need.
-QString defines(ObjectDataBase &store, const Form &form)
-{
-    qsizetype sent = 0;
-    qsizetype received = 0;
-    for (const quint8 line : store.getNodeList()) {
-        sent += store.getPGNList(line, tx).size();
-        received += store.getPGNList(line, rx).size();
-    }
-    QStringList lines{u"J1939_TRANSMIT_PGN_CNT %1u"_s.arg(sent),
-                      u"J1939_RECEIVE_PGN_CNT %1u"_s.arg(received),
-                      u"J1939_TRANSMIT_PGN_COUNTS %1u"_s.arg(sent),
-                      u"J1939_RECEIVE_PGN_COUNTS %1u"_s.arg(received),
-                      u"J1939_SSDO_COUNTS 0u"_s,
-                      u"J1939_CSDO_COUNTS 0u"_s,
-                      u"J1939_DEST_BUFFER_COUNTS 1u"_s,
-                      u"RAWCAN_RECEIVE_COUNTS 0u"_s,
-                      u"RAWCAN_TRANSMIT_COUNTS 0u"_s};
-    const QString core = form.v4 ? u"CORE_"_s : u"CO_"_s;
-    const QString can = form.v4 ? u"CAN_"_s : u"CO_"_s;
-    lines += {core + u"REC_BUFFER_COUNTS 10u"_s, core + u"TR_BUFFER_COUNTS 5u"_s, core + u"COB_COUNTS 8u"_s};
-    if (form.hasJ1939())
-        lines += u"J1939_SUPPORTED 1u"_s;
-    if (form.hasRawCan())
-        lines += u"RAWCAN_SUPPORTED 1u"_s;
-    if (form.v4)
-        lines += {u"J1939_RECEIVE_PGN_CFG_CNT %1u"_s.arg(received), u"J1939_RECEIVE_PGN_CFG_COUNTS 1u"_s};
-    if (form.multiLine())
-        lines += {can + u"MULTI_LINE 1u"_s, can + u"MULTI_LINE_CNT %1u"_s.arg(form.lineTypes.size())};
-    if (form.fd)
-        lines += core + u"CANFD_SUPPORTED 1u"_s;
-    if (form.safety)
-        lines += {u"J1939_SDG_SUPPORTED 1u"_s, u"J1939_SDG_TRANS_COUNTS 0u"_s, u"J1939_SDG_REC_COUNTS 0u"_s};
-    if (form.dynamic)
-        lines += u"J1939_DYNAMIC_PGN 1u"_s;
-    return "#define "_L1 + lines.join("\n#define "_L1) + u'\n';
-}
-
 ProjectBuilder randomProject(const Form &form)
 {
     std::mt19937 random(1939);
@@ -354,25 +239,29 @@ ProjectBuilder randomProject(const Form &form)
     return project;
 }
 
-void generateAll(const GeneratedC &folder, const ProjectBuilder &project, const Form &form)
+template <typename Defines, typename Variables, typename Groups, typename Messages>
+void generateForm(const GeneratedC &folder, const ProjectBuilder &project, const Form &form)
 {
     const MultiProtocols protocols{.canOpen = form.hasCanOpen(), .j1939 = form.hasJ1939(), .rawCan = form.hasRawCan()};
-    std::unique_ptr<AbstractGenerator> messages;
-    std::unique_ptr<AbstractGenerator> variables;
-    if (form.v4) {
-        variables = std::make_unique<ExtDeclGeneratorV4>();
-        messages = std::make_unique<PGNGeneratorV4>();
-        if (form.isMultiProtocol())
-            messages = std::make_unique<MultiProGeneratorV4>(protocols, false);
-    } else {
-        variables = std::make_unique<ExtDeclGenerator>();
-        messages = std::make_unique<PGNGenerator>();
-        if (form.isMultiProtocol())
-            messages = std::make_unique<MultiProGenerator>(protocols, false);
-    }
-    folder.generate(*messages, project, form.multiLine());
-    folder.generate(*variables, project, form.multiLine());
-    folder.add(u"gen_define.h"_s, defines(*project.store(), form));
+    Defines defines;
+    defines.setJ1939Mode(form.hasJ1939());
+    defines.setMultiProtocol(form.isMultiProtocol());
+    Variables variables;
+    Groups groups;
+    Messages messages(protocols, false);
+    AbstractGenerator &source = form.isMultiProtocol() ? static_cast<AbstractGenerator &>(messages) : groups;
+    for (AbstractGenerator *generator :
+         {static_cast<AbstractGenerator *>(&defines), static_cast<AbstractGenerator *>(&variables), &source})
+        folder.generate(*generator, project, form.multiLine());
+}
+
+void generateAll(const GeneratedC &folder, const ProjectBuilder &project, const Form &form)
+{
+    if (form.v4)
+        generateForm<GenDefineGenerator, ExtDeclGeneratorV4, PGNGeneratorV4, MultiProGeneratorV4>(folder, project,
+                                                                                                  form);
+    else
+        generateForm<CoDefineGenerator, ExtDeclGenerator, PGNGenerator, MultiProGenerator>(folder, project, form);
     QStringList symbols;
     for (const QString &row : expectedWalk(*project.store(), form)) {
         if (const QString name = row.section(u' ', -1); name.startsWith("v_"_L1))
@@ -445,8 +334,9 @@ TEST(PgnGenerator, WritesTheFormerServiceValues)
     const QString text = folder.text(u"gen_pgn.c"_s);
     EXPECT_TRUE(text.contains(u"const J1939_SERVICE_INIT_VAL_T\tserviceInitVars = {\n\t3u,\n"_s)) << qPrintable(text);
     EXPECT_TRUE(text.contains(u"\t0, \n\tJ1939_TRANSMIT_PGN_CNT,\n\t0, \n\tJ1939_RECEIVE_PGN_CNT,\n"_s));
-    EXPECT_FALSE(text.contains(u"jPgnReceiveConfig"_s));
-    EXPECT_TRUE(text.contains(u"\tmv_u16[0] = 0;\n"_s));
+    PGNGenerator fd;
+    folder.generate(fd, project.general(u"canfd_supported"_s, u"1"_s));
+    EXPECT_TRUE(folder.text(u"gen_pgn.c"_s).contains(u"RET_T retVal;\nUNSIGNED8 i;\n"_s));
 }
 
 TEST(ExternDeclarations, TellEachVariableOnce)
@@ -492,6 +382,13 @@ TEST(ExternDeclarations, TellEachVariableOnce)
     const QString definitions = folder.text(u"gen_var_decl.c"_s).section(u"NJX_USE_GENERATED_VARIABLES\n"_s, 1, 1);
     EXPECT_FALSE(definitions.contains(u"extern"_s));
     EXPECT_TRUE(definitions.contains(u"\nchar\ttext[8];\t/* SPN5 */\n"_s)) << qPrintable(definitions);
+
+    for (const QString &coreHeaders : {u"0"_s, u"1"_s}) {
+        ExtDeclGenerator classic;
+        folder.generate(classic, project.general(u"use_core_headers"_s, coreHeaders));
+        EXPECT_EQ(folder.text(u"gen_extern_decl.h"_s).contains(u"#include <core_datatype.h>\n"_s),
+                  coreHeaders == "1"_L1);
+    }
 }
 
 } // namespace

@@ -1,6 +1,6 @@
-#include "generate/outputhandlerbase.h"
 #include "generate/postgenprocessor.h"
 #include "generate/postgenprogresshandler.h"
+#include "generate/recorder.h"
 #include "support/projectbuilder.h"
 #include "support/testhome.h"
 
@@ -18,25 +18,6 @@ using TestSupport::readFile;
 using TestSupport::writeFile;
 
 namespace {
-
-class Recorder : public OutputHandlerBase
-{
-public:
-    void message(const QVariant &value) override { messages.append(value.toString()); }
-    void forwardMessage(const QVariant &value) override { message(u"> "_s + value.toString()); }
-    QString collectedText() const override { return messages.join(u'\n'); }
-
-    /// What was forwarded behind a header, in one piece: it arrives in as many as the system likes.
-    QString forwardedBehind(const QString &header) const
-    {
-        QStringList parts;
-        for (qsizetype i = messages.indexOf(header) + 1; i < messages.size() && messages.at(i).startsWith(u"> "); ++i)
-            parts.append(messages.at(i).sliced(2).trimmed());
-        return parts.join(u' ');
-    }
-
-    QStringList messages;
-};
 
 class Display : public PostGenProgressHandler
 {
@@ -191,12 +172,6 @@ TEST_F(PostGen, GoesOnWithoutACommandThatCannotStart)
     EXPECT_EQ(run().last(), completed);
 }
 
-TEST_F(PostGen, TakesACrashForAFailure)
-{
-    command(script(u"crash.sh"_s, "kill -9 $$\n"), {}, true);
-    EXPECT_TRUE(run().last().startsWith(u"<b>Warning: "_s));
-}
-
 TEST_F(PostGen, LeavesACommandAloneThatIsNotWaitedFor)
 {
     // The command goes on until this test lets it end.
@@ -218,8 +193,10 @@ TEST_F(PostGen, LeavesACommandAloneThatIsNotWaitedFor)
     EXPECT_TRUE(QFile::exists(path(u"ended"_s)));
 }
 
-TEST_F(PostGen, CanBeCancelled)
+TEST_F(PostGen, TakesACrashOrACancelForAFailure)
 {
+    command(script(u"crash.sh"_s, "kill -9 $$\n"), {}, true);
+    EXPECT_TRUE(run().last().startsWith(u"<b>Warning: "_s));
     command(script(u"endless.sh"_s, "echo started\nexec sleep 100000\n"), {}, true);
     QMetaObject::invokeMethod(processor_.get(), &PostGenProcessor::cancelPostGenProcess, Qt::QueuedConnection);
     EXPECT_TRUE(run().last().startsWith(u"<b>Warning: "_s));

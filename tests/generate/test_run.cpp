@@ -2,7 +2,7 @@
 #include "generate/filegenerator.h"
 #include "generate/generationrun.h"
 #include "generate/generatormainhandler.h"
-#include "generate/outputhandlerbase.h"
+#include "generate/recorder.h"
 #include "support/projectbuilder.h"
 #include "support/testhome.h"
 
@@ -17,17 +17,6 @@ using namespace Qt::StringLiterals;
 using TestSupport::ProjectBuilder;
 
 namespace {
-
-/// Keeps the messages as they came.
-class Recorder : public OutputHandlerBase
-{
-public:
-    void message(const QVariant &value) override { messages.append(value.toString()); }
-    void forwardMessage(const QVariant &value) override { message("> "_L1 + value.toString()); }
-    QString collectedText() const override { return messages.join(u'\n'); }
-
-    QStringList messages;
-};
 
 /// Writes its name, or fails.
 class NamedGenerator : public FileGenerator
@@ -203,6 +192,9 @@ TEST_F(Run, StopsAtCheckErrorsUnlessTheyAreIgnored)
     EXPECT_EQ(generate(true), found + QStringList{checkPassed.at(1)} + endOfRun);
     EXPECT_FALSE(exists(u"__ncxerrorlog.txt"_s));
     EXPECT_EQ(TestSupport::readFile(path(u"__ncxerrorlog.txt.bak"_s)), found.join(u'\n').toUtf8());
+    TestSupport::writeFile(path(u"__ncxerrorlog.txt.bak"_s), "older");
+    generate(true);
+    EXPECT_EQ(TestSupport::readFile(path(u"__ncxerrorlog.txt.bak"_s)), "older");
 
     QStringList messages{u"old"_s};
     EXPECT_EQ(handler_.checkModel(messages), 2);

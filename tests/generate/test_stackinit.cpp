@@ -4,7 +4,6 @@
 #include "generate/stack/dictionarytables.h"
 #include "generate/stack/loadindication.h"
 #include "generate/stack/stackinit.h"
-#include "generate/stack/stringdefaults.h"
 #include "support/projectbuilder.h"
 
 #include <gtest/gtest.h>
@@ -89,14 +88,7 @@ TEST(CommonInit, FollowsTheSettings)
 {
     ProjectBuilder project;
     project.general(u"udsclient_supported"_s, u"1"_s);
-    EXPECT_EQ(commonInitOf(project), u"/* core initialization settings */\n"
-                                     "CORE_COMMON_INIT_VAL_T commonInitVars = {\n"
-                                     "\t0u,\n"
-                                     "\t{ CORE_REC_BUFFER_COUNTS },\n"
-                                     "\t{ CORE_TR_BUFFER_COUNTS },\n"
-                                     "\t{ CORE_COB_COUNTS }, \n"
-                                     "\t{ CORE_PROT_TYPE_CANOPEN | CORE_PROT_TYPE_UDS, },\n"
-                                     "};\n\n"_s);
+    EXPECT_TRUE(commonInitOf(project).endsWith(u"\t{ CORE_PROT_TYPE_CANOPEN | CORE_PROT_TYPE_UDS, },\n};\n\n"_s));
     project.general(u"udsserver_supported"_s, u"1"_s);
     EXPECT_TRUE(commonInitOf(project).endsWith(u"\t{ ISOTP_CLIENT_COUNTS },\n\t{ ISOTP_SERVER_COUNTS },\n};\n\n"_s));
     const QString classic = commonInitOf(project, Dialect::classic());
@@ -129,35 +121,6 @@ TEST(UdsBlocks, RepeatShortListsAsAWhole)
     }
     EXPECT_EQ(uds->lines.last().line, 4);
     EXPECT_FALSE(UdsBlocks::collect(*ProjectBuilder().store()));
-}
-
-TEST(UdsBlocks, NameServicesSessionsAndSubFunctions)
-{
-    ProjectBuilder project;
-    ObjectDataBase &store = *project.store();
-    for (const ObjectDataBase::UDSService &service : store.getUDSServices(0))
-        store.setUDSServiceActive(0, service.sid, false);
-    store.setUDSServiceActive(0, 0x31, true);
-    store.setUDSServiceSessions(0, 0x31, u"1,2,3,4,64,65,10"_s);
-    store.setUDSServiceUserLevels(0, 0x31, u"1,3"_s);
-    store.setUDSServiceAuthentication(0, 0x31, u"1"_s);
-    store.setUDSServiceActive(0, 0x11, true);
-    project.general(u"udsclient_supported"_s, u"1"_s).general(u"udsserver_version"_s, u"6"_s);
-    const QString text = udsBlocksOf(project);
-    EXPECT_TRUE(
-        text.contains(u"static UDS_REQ_SESSION_TYPE_TABLE_T\tsessionTbl_0[] = {\n"
-                      "\t{ 0x11u, 5u, { UDS_SUB_RESET_HR, UDS_SUB_RESET_KOFFONR, UDS_SUB_RESET_SR, "
-                      "UDS_SUB_RESET_ERPSD, UDS_SUB_RESET_DRPSD }, 1u, { UDS_SUB_SESSION_DS } }, /* ECUReset */\n"
-                      "\t{ 0x31u, 3u, { UDS_ROUTINE_CTRL_START, UDS_ROUTINE_CTRL_STOP, "
-                      "UDS_ROUTINE_CTRL_REQ_RESULT }, 7u, { UDS_SUB_SESSION_DS, UDS_SUB_SESSION_PRGS, "
-                      "UDS_SUB_SESSION_EXTDS, UDS_SUB_SESSION_SSDS, UDS_SUB_SESSION_MANU_40, "
-                      "UDS_SUB_SESSION_MANU_40 + 1u, 0x0a } } /* RoutineControl */\n};\n\n"_s))
-        << qPrintable(text);
-    EXPECT_TRUE(text.contains(u"UDS_SUB_RESET_KOFFONR, UDS_SUB_RESET_SR }, 0u, { 0u } }, /* ECUReset */\n"_s));
-    EXPECT_TRUE(text.contains(u"2u, { 1u, 3u } } /* RoutineControl */\n"_s));
-    EXPECT_TRUE(text.contains(u"authenticationTable_0[] = {\n\t{ 0x31 },\n\n};\n\n"_s));
-    EXPECT_TRUE(text.contains(u"\t&sessionTbl_0[0],\n\t2u,\n\t&securityLvlTbl_0[0],\n\t2u,\n\tCO_FALSE,\n"
-                              "\t&authenticationTable_0[0],\n\t1u,\n};\n"_s));
 }
 
 TEST(UdsBlocks, GrowWithTheVersion)
@@ -333,7 +296,7 @@ TEST(StackInit, LeavesOutWhatALineDoesNotHave)
     EXPECT_TRUE(startUpOf(project, Dialect::classic()).contains(u"retVal = commonStackInit(&commonInitVars);\n"_s));
 }
 
-TEST(PredefinedSet, NeedsItsSettingAndHasEachFormsFunction)
+TEST(PredefinedSet, NeedsItsSetting)
 {
     ProjectBuilder project;
     project.object(0x1000, u"type"_s).sub(0, u"value"_s);
@@ -347,56 +310,6 @@ TEST(PredefinedSet, NeedsItsSettingAndHasEachFormsFunction)
                                             "\t\tret = coOdSetCobid(0x1800, 1, cobId);\n"
                                             "\t\tcobId = nodeId + 0;\n"
                                             "\t\tret = coOdSetCobid(0x1801, 1, cobId);\n\t}\n\treturn ret;\n}\n"_s));
-    EXPECT_TRUE(startUpOf(project, Dialect::classic()).contains(u"RET_T userOverwriteCobIdSettings(void)\n"_s));
-    project.line(1, 1).object(0x1000, u"type"_s).sub(0, u"value"_s).object(0x1001, u"error"_s).sub(0, u"value"_s);
-    project.general(u"overwrite_predef"_s, u"1,0"_s);
-    const QString text = startUpOf(project);
-    EXPECT_TRUE(text.contains(u"\tif (((subIndex == 1) || (subIndex == 2)) && (canLine == 0)) {\n"
-                              "\t\tnodeId = coNmtGetNodeId(0);\n"_s));
-    EXPECT_TRUE(text.contains(u"\t\tcobId = (UNSIGNED32)nodeId + (UNSIGNED32)0x180;\n"
-                              "\t\tret = coOdSetCobid(0, 0x1800, 1, cobId);\n"_s));
-    EXPECT_FALSE(text.contains(u"canLine == 1"_s));
-}
-
-TEST(StringDefaults, CopyEachTextToItsVariable)
-{
-    ProjectBuilder project;
-    const auto text = [](const QString &name, const QString &value, quint32 size) {
-        return [=](Sub &sub) {
-            sub.datatype = 9;
-            sub.implementation = 2;
-            sub.varname = name;
-            sub.defaultvalue = value;
-            sub.size = size;
-        };
-    };
-    project.object(0x2000, u"a"_s).sub(0, u"a"_s, text(u"name"_s, u"ab"_s, 8));
-    project.object(0x2001, u"b"_s).sub(3, u"b"_s, text(u"place.text"_s, u"|x4142"_s, 4));
-    project.general(u"generate_string_defaults"_s, u"1"_s);
-    EXPECT_TRUE(startUpOf(project).contains(u"RET_T userOverwriteStringDefaultvalues(void)\n{\n"
-                                            "    /* 0: 2000 - 0 */\n"
-                                            "    memcpy(name, &stringDefaultValues[0], 8);\n"
-                                            "    /* 0: 2001 - 3 */\n"
-                                            "    memcpy(place.text, &stringDefaultValues[8], 4);\n"
-                                            "\n    return(RET_OK);\n}\n"_s));
-}
-
-TEST(ServerMode, HandsOverTheDictionaryAlone)
-{
-    ProjectBuilder project;
-    project.object(0x1000, u"type"_s).sub(0, u"value"_s);
-    const auto write = [&project] {
-        return textOf([&](CodeWriter &out) {
-            writeStartUpSections(out, project.store(), collectDictionaryTables(*project.store(), {.serverMode = true}),
-                                 Dialect::v4());
-        });
-    };
-    EXPECT_TRUE(
-        write().startsWith(u"RET_T\tj1939OdInit(void)\n{\n\tcoOdInitOdPtr(&od_assign[0], CO_OD_ASSIGN_CNT, "_s));
-    project.line(1, 2).object(0x1000, u"type"_s).sub(0, u"value"_s).object(0x1001, u"error"_s).sub(0, u"value"_s);
-    EXPECT_TRUE(write().contains(u"\t\tcase 1:\n\t\t/* initialize object dictionary variables and pointers */\n"
-                                 "\t\tcoOdInitOdPtr(canLine, &od_assign[1], 2, od_description,2, NULL, "
-                                 "&od_data_variables);\n\t\tbreak;\n"_s));
 }
 
 } // namespace

@@ -35,6 +35,7 @@ QString dumpSub(quint16 index, quint8 subindex, const ObjectDataBase::SUBINDEX_D
 {
     const QString limits =
         sub.lowlimit.isEmpty() && sub.uplimit.isEmpty() ? QString() : u"%1..%2"_s.arg(sub.lowlimit, sub.uplimit);
+    const QString usualAccess = StoreRecords::SubIndexData().allowedaccesstypes;
     return u"%1:%2 %3 type=%4 %5"_s.arg(index, 4, 16, QLatin1Char('0'))
                .arg(subindex, 2, 16, QLatin1Char('0'))
                .arg(quoted(sub.name))
@@ -50,6 +51,12 @@ QString dumpSub(quint16 index, quint8 subindex, const ObjectDataBase::SUBINDEX_D
                  {"refusewrite"_L1, unlessZero(sub.refusewrite)},
                  {"implementation"_L1, unlessZero(sub.implementation)},
                  {"variable"_L1, sub.varname},
+                 {"size"_L1, unlessZero(sub.size)},
+                 {"stored"_L1, unlessZero(sub.nvstorage)},
+                 {"nodefault"_L1, unlessZero(!sub.defaultineds)},
+                 {"ineds"_L1, sub.writedefaulttoeds == 1 ? QString() : QString::number(sub.writedefaulttoeds)},
+                 {"allowed"_L1,
+                  sub.allowedaccesstypes == usualAccess ? QString() : u'<' + sub.allowedaccesstypes + u'>'},
                  {"description"_L1, sub.description}}) +
            u'\n';
 }

@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QSet>
 
 using namespace Qt::StringLiterals;
@@ -89,27 +88,6 @@ TEST(CodbImport, Cases)
     }
 }
 
-TEST(CodbImport, WhatTheDumpsLeaveOut)
-{
-    const auto subs = imported(cases().filePath(u"subobjects.codb"_s));
-    EXPECT_EQ(subOf(*subs, 0x1400, 2).allowedaccesstypes, u"ro,const,rw"_s);
-    EXPECT_EQ(subOf(*subs, 0x1400, 1).allowedaccesstypes, QString());
-    EXPECT_EQ(subOf(*subs, 0x1400, 1).writedefaulttoeds, 1);
-    EXPECT_EQ(subOf(*subs, 0x1400, 2).writedefaulttoeds, 0);
-    EXPECT_EQ(subOf(*subs, 0x1F50, 0).writedefaulttoeds, 1);
-    EXPECT_EQ(subOf(*subs, 0x2000, 1).size, 1U);
-    EXPECT_EQ(subOf(*subs, 0x2000, 2).size, 0U);
-    EXPECT_TRUE(subOf(*subs, 0x1400, 2).defaultineds);
-
-    const auto variables = imported(cases().filePath(u"variables.codb"_s));
-    EXPECT_EQ(subOf(*variables, 0x1002, 0).allowedaccesstypes, u"rw,const,ro"_s);
-    EXPECT_EQ(subOf(*variables, 0x1001, 0).writedefaulttoeds, 1);
-
-    // A copy line that is not resolved leaves a row that belongs to no object.
-    EXPECT_TRUE(imported(cases().filePath(u"copies.codb"_s))->subIndexExists(0, 0, 0));
-    EXPECT_FALSE(variables->subIndexExists(0, 0, 0));
-}
-
 TEST(CodbImport, SubObjectsJoinObjectsOfTheLine)
 {
     const QTemporaryDir folder;
@@ -131,6 +109,10 @@ TEST(CodbImport, SubObjectsJoinObjectsOfTheLine)
     EXPECT_EQ(array.description, u"mine"_s);
     EXPECT_TRUE(store->subIndexExists(0, 0xC000, 0));
     EXPECT_FALSE(store->indexExists(0, 0xC000));
+
+    // A copy line that is not resolved leaves a row that belongs to no object.
+    EXPECT_TRUE(imported(cases().filePath(u"copies.codb"_s))->subIndexExists(0, 0, 0));
+    EXPECT_FALSE(store->subIndexExists(0, 0, 0));
 }
 
 TEST(ProfileDatabases, FindsProfiles)
@@ -225,10 +207,7 @@ TEST(BuiltInProfiles, LoadToSoundObjects)
 {
     ProfileDatabases profiles;
     for (const QString &id : profiles.ids()) {
-        QElapsedTimer timer;
-        timer.start();
         const auto store = profiles.load(id);
-        RecordProperty("ms_" + id.toStdString(), static_cast<int>(timer.elapsed()));
         ASSERT_TRUE(store);
         store->cacheAllSubs(0, 0);
         for (const quint16 index : store->getIndexList(0, 0, 0xffff)) {
@@ -267,35 +246,20 @@ TEST(BuiltInProfiles, KnowTheWellKnown)
     };
     const Row rows[] = {
         {u"301"_s, 0x1000, 0, CAN::Unsigned32, u"ro"_s, 0, u""_s},
-        {u"301"_s, 0x1001, 0, CAN::Unsigned8, u"ro"_s, 1, u""_s},
-        {u"301"_s, 0x1003, 254, CAN::Unsigned32, u"ro"_s, 0, u""_s},
-        {u"301"_s, 0x1005, 0, CAN::Unsigned32, u"rw"_s, 0, u"0x00000080"_s},
         {u"301"_s, 0x1008, 0, CAN::VisibleString, u"const"_s, 0, u" "_s},
         {u"301"_s, 0x1014, 0, CAN::Unsigned32, u"rw"_s, 0, u"$NODEID+0x80"_s},
         {u"301"_s, 0x1017, 0, CAN::Unsigned16, u"rw"_s, 0, u"0x0000"_s},
-        {u"301"_s, 0x1018, 0, CAN::Unsigned8, u"const"_s, 0, u"0x04"_s},
-        {u"301"_s, 0x1018, 4, CAN::Unsigned32, u"ro"_s, 0, u""_s},
         {u"301"_s, 0x1200, 1, CAN::Unsigned32, u"ro"_s, 1, u"$NODEID+0x600"_s},
         {u"301"_s, 0x1400, 1, CAN::Unsigned32, u"rw"_s, 0, u"$NODEID+0x200"_s},
-        {u"301"_s, 0x1400, 2, CAN::Unsigned8, u"rw"_s, 0, u"0xFF"_s},
-        {u"301"_s, 0x1803, 1, CAN::Unsigned32, u"rw"_s, 0, u"$NODEID+0x480"_s},
-        {u"301"_s, 0x1A00, 0, CAN::Unsigned8, u"rw"_s, 0, u"0x00"_s},
         {u"301"_s, 0x1A00, 64, CAN::Unsigned32, u"rw"_s, 0, u""_s},
         {u"301"_s, 0x1F81, 127, CAN::Unsigned32, u"rw"_s, 0, u"0x00000000"_s},
-        {u"302"_s, 0x1F81, 127, CAN::Unsigned32, u"rw"_s, 0, u"0x00000000"_s},
         {u"401"_s, 0x1000, 0, CAN::Unsigned32, u"ro"_s, 0, u"0x00000191"_s},
-        {u"401"_s, 0x6000, 1, CAN::Unsigned8, u"ro"_s, 1, u""_s},
         {u"401"_s, 0x6200, 1, CAN::Unsigned8, u"rw"_s, 1, u"0x00"_s},
-        {u"401"_s, 0x6401, 1, CAN::Integer16, u"ro"_s, 1, u""_s},
-        {u"402"_s, 0x6040, 0, CAN::Unsigned16, u"rw"_s, 1, u""_s},
         {u"402"_s, 0x6041, 0, CAN::Unsigned16, u"ro"_s, 1, u""_s},
         {u"402"_s, 0x6060, 0, CAN::Integer8, u"wo"_s, 1, u""_s},
         {u"402"_s, 0x607D, 1, CAN::Integer32, u"rw"_s, 1, u"-2147483648"_s},
-        {u"402"_s, 0x60C2, 2, CAN::Integer8, u"rw"_s, 1, u"-3"_s},
         {u"402"_s, 0x9841, 0, CAN::Unsigned16, u"ro"_s, 1, u""_s},
         {u"402_v3"_s, 0x6060, 0, CAN::Integer8, u"rw"_s, 1, u""_s},
-        {u"402_v3"_s, 0x6061, 0, CAN::Integer8, u"ro"_s, 1, u""_s},
-        {u"406"_s, 0x6004, 0, CAN::Unsigned32, u"ro"_s, 1, u""_s},
         {u"418"_s, 0x1000, 0, CAN::Unsigned32, u"ro"_s, 0, u"0x000001A2"_s},
     };
     ProfileDatabases profiles;

@@ -1,13 +1,11 @@
 #include "import/csvimporter.h"
 #include "import/importproject.h"
-#include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 #include "support/testhome.h"
 
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
@@ -63,7 +61,7 @@ constexpr char wideHeader[] = "index,sub,datatype,access,edsname,value,";
 TEST(CsvImport, Cases)
 {
     const QStringList files = cases().entryList({u"*.csv"_s}, QDir::Files, QDir::Name);
-    ASSERT_EQ(files.size(), 3);
+    ASSERT_EQ(files.size(), 4);
     for (const QString &file : files) {
         SCOPED_TRACE(file.toStdString());
         const QByteArray table = TestSupport::readFile(cases().filePath(file));
@@ -84,14 +82,6 @@ TEST(CsvImport, Cases)
     }
 }
 
-TEST(CsvImport, TheGuideShowsTheTableOfATest)
-{
-    const QString guide = QString::fromUtf8(TestSupport::readFile(QStringLiteral(NCX_SOURCE_DIR "/docs/import.md")));
-    const QString table = QString::fromUtf8(TestSupport::readFile(cases().filePath(u"docs.csv"_s)));
-    for (const QString &line : table.split(u'\n', Qt::SkipEmptyParts))
-        EXPECT_TRUE(guide.contains("\n    "_L1 + line + u'\n')) << qPrintable(line);
-}
-
 TEST(CsvImport, ReadsLatin1)
 {
     ObjectDataBase::INDEX_DATA_T object;
@@ -99,44 +89,8 @@ TEST(CsvImport, ReadsLatin1)
     EXPECT_EQ(object.name, u"Zähler");
 }
 
-TEST(CsvImport, TheCountOfAnArrayIsConstant)
+TEST(CsvImport, DoesNotReadTheseInTheFirstColumn)
 {
-    const Store store = imported(QByteArray(wideHeader) + "objectcode\n0x2000,0,U8S,rw,List,9,ARRAY\n"
-                                                          "0x2001,0,U8S,rw,Group,9,RECORD\n");
-    const auto count = subOf(store, 0x2000, 0);
-    EXPECT_EQ(count.datatype, COHelper::mapDataTypeString(u"U8S"_s));
-    EXPECT_EQ(count.implementation, 1);
-    EXPECT_EQ(subOf(store, 0x2001, 0).implementation, 0);
-}
-
-TEST(CsvImport, FlagsAndLimits)
-{
-    const Store store = imported("index,sub,datatype,access,nvstorage,hasdefault,defaultineds,size,lowlimit,haslimit\n"
-                                 "0x2000,0,U8,ro,-1,0,2,65538,,no\n"
-                                 "0x2001,0,U8,ro,Yes,no,YES,0,3,Yes\n"
-                                 "0x2002,0,U8,ro,,,,,,1\n"
-                                 "0x2003,0,U8,ro,No\n");
-    struct Expected
-    {
-        quint16 index;
-        bool storage, hasDefault;
-        quint8 inEds;
-        quint32 size;
-        const char *low;
-        bool limits;
-    };
-    for (const Expected &row : {Expected{0x2000, true, false, 2, 2, "0", false},
-                                {0x2001, true, false, 1, 0, "3", true},
-                                {0x2002, false, true, 0, 0, "0", true},
-                                {0x2003, false, true, 0, 0, "0", false}}) {
-        SCOPED_TRACE(row.index);
-        const auto sub = subOf(store, row.index, 0);
-        EXPECT_EQ(std::tuple(sub.nvstorage, sub.defaultineds, sub.writedefaulttoeds, sub.size, sub.limitineds),
-                  std::tuple(row.storage, row.hasDefault, row.inEds, row.size, row.limits));
-        EXPECT_EQ(sub.lowlimit, QLatin1StringView(row.low));
-        EXPECT_EQ(sub.uplimit, u"255");
-    }
-    // A column that comes first is not read.
     for (const char *column : {"hasdefault", "defaultineds", "haslimit"}) {
         const auto sub = subOf(imported(QByteArray(column) + ",index,sub,datatype,uplimit\nno,0x2000,0,U8,9\n"
                                                              "yes,0x2000,1,U8,9\n"),
@@ -202,19 +156,4 @@ TEST(CsvImport, DropsWhatIsNoTable)
         quotes += "\"open,1,2,3,4\n";
     EXPECT_EQ(imported(wideHeader + ("\n" + noise) + "\n" + quotes + rows)->getIndexList(0, 0, 0xffff),
               QList<quint16>{0x2000});
-}
-
-TEST(CsvImport, TakesTenThousandRowsAtOnce)
-{
-    QByteArray table = QByteArray(wideHeader) + "description,objectcode\n";
-    for (int i = 0; i < 10'000; ++i)
-        table += QByteArray::number(0x2000 + i / 2) + "," + QByteArray::number(i % 2) + ",U32,rw,Name " +
-                 QByteArray::number(i) + ",1,,Text " + QByteArray::number(i) + ",RECORD\n";
-    const auto store = ImportTest::emptyProject();
-    QElapsedTimer timer;
-    timer.start();
-    importTable(store, table);
-    EXPECT_LT(timer.elapsed(), 2000);
-    EXPECT_EQ(store->getIndexList(0, 0, 0xffff).size(), 5000);
-    EXPECT_EQ(subOf(store, 0x2000 + 4999, 1).name, u"Name 9999");
 }

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QHash>
+#include <QMap>
 #include <QSet>
 
 using namespace Qt::StringLiterals;
@@ -42,32 +42,81 @@ QString canonical(QString value)
     return (negative ? u"-"_s : QString()) + QString::number(number);
 }
 
-QString directionless(PDOMapping mapping)
+/// "1018" with an object's name, "1018:01" with the columns of a sub-object.
+using Rows = QMap<QString, QString>;
+
+QString keyOf(quint16 index, quint8 subindex)
 {
-    return QString::number(mapping.toBinary());
+    return u"%1:%2"_s.arg(index, 4, 16, '0'_L1).arg(subindex, 2, 16, '0'_L1);
 }
 
-std::string asText(const QStringList &columns)
+Rows importedRows(ObjectDataBase &store)
 {
-    return columns.join(" | "_L1).toStdString();
+    Rows rows;
+    for (const StoreRecords::IndexEntry &object : store.getAllIndices(0))
+        rows.insert(QString::number(object.index, 16), object.data.name);
+    for (const auto &[line, index, subindex, sub] : store.getAllSubIndices(0)) {
+        const QString low = sub.limitineds ? canonical(sub.lowlimit) : QString();
+        const QString high = sub.limitineds ? canonical(sub.uplimit) : QString();
+        const QStringList columns{sub.name,
+                                  u"0x%1"_s.arg(sub.datatype, 4, 16, '0'_L1).toUpper(),
+                                  sub.accesstype,
+                                  canonical(sub.defaultvalue),
+                                  QString::number(sub.pdomapping.toBinary()),
+                                  low,
+                                  high,
+                                  canonical(sub.currentvalue),
+                                  sub.denotation};
+        rows.insert(keyOf(index, subindex), columns.join(" | "_L1));
+    }
+    return rows;
 }
 
-/// What the project has, in the columns of the tables.
-std::string imported(ObjectDataBase &store, quint16 index, quint8 subindex)
+/// The tables name compact sub-objects in a way of their own.
+QString nameOf(const QStringList &row, quint8 subindex, const QString &object)
 {
-    ObjectDataBase::SUBINDEX_DATA_T sub;
-    if (!store.getSubIndex(0, index, subindex, sub))
-        return "missing";
-    return asText({sub.name, u"0x%1"_s.arg(sub.datatype, 4, 16, QLatin1Char('0')).toUpper(), sub.accesstype,
-                   canonical(sub.defaultvalue), directionless(sub.pdomapping),
-                   sub.limitineds ? canonical(sub.lowlimit) : QString(),
-                   sub.limitineds ? canonical(sub.uplimit) : QString(), canonical(sub.currentvalue), sub.denotation});
+    if (subindex == 0 && row[Name] == "NrOfObjects"_L1)
+        return u"Highest subindex supported"_s;
+    if (subindex > 0 && row[Name] == object + QString::number(subindex) && !object.isEmpty())
+        return u"%1 %2"_s.arg(object).arg(subindex);
+    return row[Name];
 }
 
-std::string expected(const QStringList &row, const QString &name)
+/// What a table says; an object that is no group is its sub-index 0, too.
+Rows expectedRows(const QList<QStringList> &table, ObjectDataBase &store)
 {
-    return asText({name, row[Type].toUpper(), row[Access], canonical(row[Default]), row[Mapping], canonical(row[Low]),
-                   canonical(row[High]), canonical(row[Value]), row[Denotation]});
+    const auto indexOf = [](const QStringList &row) { return row[Index].toUShort(nullptr, 16); };
+    QSet<quint16> groups;
+    for (const QStringList &row : table) {
+        if (row[Sub] != "-"_L1)
+            groups.insert(indexOf(row));
+    }
+    Rows rows;
+    for (const QStringList &row : table) {
+        const quint16 index = indexOf(row);
+        if (index < 0x1000 || index > 0xbfff)
+            continue;
+        const QString object = QString::number(index, 16);
+        if (row[Sub] == "-"_L1) {
+            rows.insert(object, row[Name]);
+            ObjectDataBase::INDEX_DATA_T data;
+            store.getIndex(0, index, data);
+            if (groups.contains(index) || data.objecttype == CANopen::Array || data.objecttype == CANopen::Record)
+                continue;
+        }
+        const quint8 subindex = row[Sub] == "-"_L1 ? quint8{0} : static_cast<quint8>(row[Sub].toUInt(nullptr, 16));
+        const QStringList columns{nameOf(row, subindex, rows.value(object)),
+                                  row[Type].toUpper(),
+                                  row[Access],
+                                  canonical(row[Default]),
+                                  row[Mapping],
+                                  canonical(row[Low]),
+                                  canonical(row[High]),
+                                  canonical(row[Value]),
+                                  row[Denotation]};
+        rows.insert(keyOf(index, subindex), columns.join(" | "_L1));
+    }
+    return rows;
 }
 
 QList<QStringList> readTable(const QString &path)
@@ -81,73 +130,6 @@ QList<QStringList> readTable(const QString &path)
     return rows;
 }
 
-/// Compares a project with a table, row by row, and notes what the table has.
-class Comparison
-{
-public:
-    Comparison(ObjectDataBase &store, const QList<QStringList> &rows)
-        : store_(store)
-    {
-        for (const QStringList &row : rows) {
-            if (row[Sub] != "-"_L1)
-                groups_.insert(indexOf(row));
-        }
-        for (const QStringList &row : rows)
-            compare(row);
-    }
-
-    /// Everything is in the table, but for the objects of PDOs that are announced only.
-    void expectNothingElse() const
-    {
-        for (const quint16 index : store_.getIndexList(0, 0, 0xffff)) {
-            if (!names_.contains(index)) {
-                EXPECT_TRUE(index >= 0x1400 && index < 0x1c00) << std::hex << index;
-                continue;
-            }
-            EXPECT_EQ(store_.getSubIndexList(0, index).size(), subs_.value(index)) << std::hex << index;
-        }
-    }
-
-private:
-    static quint16 indexOf(const QStringList &row) { return row[Index].toUShort(nullptr, 16); }
-
-    void compare(const QStringList &row)
-    {
-        const quint16 index = indexOf(row);
-        if (index < 0x1000 || index > 0xbfff)
-            return;
-        const std::string where = row.join(u' ').toStdString();
-        if (row[Sub] == "-"_L1) {
-            ASSERT_TRUE(store_.indexExists(0, index)) << where;
-            EXPECT_EQ(store_.getIndexName(0, index), row[Name]) << where;
-            names_.insert(index, row[Name]);
-            ObjectDataBase::INDEX_DATA_T object;
-            store_.getIndex(0, index, object);
-            if (groups_.contains(index) || object.objecttype == CANopen::Array || object.objecttype == CANopen::Record)
-                return;
-        }
-        const quint8 subindex = row[Sub] == "-"_L1 ? quint8{0} : static_cast<quint8>(row[Sub].toUInt(nullptr, 16));
-        ++subs_[index];
-        EXPECT_EQ(imported(store_, index, subindex), expected(row, nameOf(row, subindex))) << where;
-    }
-
-    /// The tables name compact sub-objects in a way of their own.
-    QString nameOf(const QStringList &row, quint8 subindex) const
-    {
-        const QString object = names_.value(indexOf(row));
-        if (subindex == 0 && row[Name] == "NrOfObjects"_L1)
-            return u"Highest subindex supported"_s;
-        if (subindex > 0 && row[Name] == object + QString::number(subindex) && !object.isEmpty())
-            return u"%1 %2"_s.arg(object).arg(subindex);
-        return row[Name];
-    }
-
-    ObjectDataBase &store_;
-    QSet<quint16> groups_; ///< objects with sub-objects
-    QHash<quint16, QString> names_;
-    QHash<quint16, qsizetype> subs_;
-};
-
 } // namespace
 
 TEST(EdsCorpus, RealFilesImportExactly)
@@ -159,11 +141,18 @@ TEST(EdsCorpus, RealFilesImportExactly)
     ASSERT_FALSE(files.isEmpty());
     for (const QString &file : files) {
         SCOPED_TRACE(file.toStdString());
-        const auto rows = readTable(u"%1/expected/%2.tsv"_s.arg(folder, file));
-        ASSERT_FALSE(rows.isEmpty());
         const auto store = ImportTest::emptyProject();
         ASSERT_TRUE(ImportTest::importEds(store, u"%1/%2"_s.arg(folder, file)));
-        const Comparison comparison(*store, rows);
-        comparison.expectNothingElse();
+        const Rows expected = expectedRows(readTable(u"%1/expected/%2.tsv"_s.arg(folder, file)), *store);
+        const Rows imported = importedRows(*store);
+        ASSERT_FALSE(expected.isEmpty());
+        for (const QString &key : expected.keys())
+            EXPECT_EQ(imported.value(key, u"missing"_s), expected.value(key)) << key.toStdString();
+        for (const QString &key : imported.keys()) {
+            const uint index = key.first(4).toUInt(nullptr, 16);
+            const bool isAnnouncedPdo =
+                index >= 0x1400 && index < 0x1c00 && !expected.contains(QString::number(index, 16));
+            EXPECT_TRUE(isAnnouncedPdo || expected.contains(key)) << key.toStdString();
+        }
     }
 }

@@ -21,7 +21,8 @@ using namespace TestSupport;
 //   ! TEXT               the same of a result that is marked as a failure
 //   -32602 TEXT          the code and message of an error
 //   write FILE TEXT      writes a file of one line into the session's folder
-// ${FOLDER} stands for the session's folder, which begins as a copy of tests/data/mcp/projects.
+// ${FOLDER} stands for the session's folder, which begins as a copy of tests/data/mcp/projects, ${VERSION} in an
+// expected reply for that of the program.
 // NCX_ACCEPT=1 in the environment takes the replies of this build as expected, to be read as a difference.
 
 namespace {
@@ -108,7 +109,12 @@ private:
         return told.contains(summary) ? told.section(summary, 0, 0) + summary + u"..."_s : told;
     }
 
-    void appendReply(const QString &line) { played_.append(QString(line).replace(folder_.path(), "${FOLDER}"_L1)); }
+    void appendReply(const QString &line)
+    {
+        played_.append(QString(line)
+                           .replace(folder_.path(), "${FOLDER}"_L1)
+                           .replace("\"version\":\"" NCX_VERSION "\""_L1, "\"version\":\"${VERSION}\""_L1));
+    }
 
     QStringList script_;
     QStringList played_;

@@ -6,7 +6,9 @@
 #include <QMap>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using Sub = ObjectDataBase::SUBINDEX_DATA_T;
@@ -387,25 +389,80 @@ int countOf(ObjectDataBase &store, quint8 line, const CountRow &row)
                                        : store.getIndexList(line, row.first, row.last).size());
 }
 
+/// Messages of a direction; both "_CNT" and "_COUNTS" go behind the name.
+struct MessageRow
+{
+    const char *name;
+    quint8 direction;
+    bool isCanId = false;
+    bool isSafe = false;
+};
+
+constexpr std::array messages{
+    MessageRow{"J1939_RECEIVE_PGN_CFG", ObjectDataBase::receive},
+    MessageRow{"J1939_RECEIVE_PGN", ObjectDataBase::receive},
+    MessageRow{"J1939_TRANSMIT_PGN", ObjectDataBase::transmit},
+    MessageRow{"J1939_SDG_REC", ObjectDataBase::receive, false, true},
+    MessageRow{"J1939_SDG_TRANS", ObjectDataBase::transmit, false, true},
+    MessageRow{"RAWCAN_RECEIVE", ObjectDataBase::receive, true},
+    MessageRow{"RAWCAN_TRANSMIT", ObjectDataBase::transmit, true},
+};
+
+/// A line's type is one of those.
+bool isOneOf(ObjectDataBase &store, quint8 line, const QList<int> &wanted)
+{
+    return wanted.contains(store.getGeneralSetting(u"line%1type"_s.arg(line)).toInt());
+}
+
+int countOf(ObjectDataBase &store, quint8 line, const MessageRow &row)
+{
+    if (row.isCanId)
+        return isOneOf(store, line, {4, 6, 7}) ? static_cast<int>(store.getCANIDList(line, row.direction).size()) : 0;
+    if (!isOneOf(store, line, {2, 5, 7}))
+        return 0;
+    const qsizetype all = store.getPGNList(line, row.direction).size();
+    const bool apart = store.getJ1939Setting(u"safetysupport"_s, line).toInt() > 0;
+    const qsizetype ordinary = apart ? store.getPGNList(line, row.direction, true).size() : all;
+    return static_cast<int>(row.isSafe ? all - ordinary : ordinary);
+}
+
+/// One number for each line, and their sum.
+template <typename Row>
+std::pair<QString, QString> listAndSum(ObjectDataBase &store, const QList<quint8> &lines, const Row &row)
+{
+    QStringList entries;
+    int sum = 0;
+    for (const quint8 line : lines) {
+        entries << QString::number(countOf(store, line, row));
+        sum += entries.last().toInt();
+    }
+    return {entries.join(", "_L1), QString::number(sum)};
+}
+
 } // namespace
 
 QMap<QString, QString> TestSupport::expectedCounts(ObjectDataBase &store)
 {
     const bool fd = store.getGeneralSetting(u"canfd_supported"_s).toInt() > 0;
+    const auto exchangesMessages = [&store](quint8 line) { return isOneOf(store, line, {2, 4, 5, 6, 7}); };
     QList<quint8> lines = store.getNodeList();
-    lines.removeIf([&store](quint8 line) { return store.getIndexList(line, 0x1000, 0xffff).isEmpty(); });
+    const bool canOpenOnly = std::ranges::none_of(lines, exchangesMessages);
+    lines.removeIf(
+        [&](quint8 line) { return !exchangesMessages(line) && store.getIndexList(line, 0x1000, 0xffff).isEmpty(); });
     if (lines.isEmpty())
         lines.append(0);
-    QMap<QString, QString> expected;
+    QMap<QString, QString> expected{{u"CAN_MULTI_LINE_CNT"_s, QString::number(lines.size())},
+                                    {u"CO_MULTI_LINE_CNT"_s, QString::number(lines.size())}};
+    for (const MessageRow &row : messages) {
+        const auto [list, sum] = listAndSum(store, lines, row);
+        expected[QString::fromLatin1(row.name) + u"_COUNTS"_s] = list;
+        expected[QString::fromLatin1(row.name) + u"_CNT"_s] = sum;
+    }
+    if (!canOpenOnly)
+        return expected;
     for (const CountRow &row : counts) {
-        QStringList entries;
-        int sum = 0;
-        for (const quint8 line : lines) {
-            const int count = countOf(store, line, row);
-            entries << QString::number(count);
-            sum += count;
-        }
-        expected[QString::fromLatin1(row.macro)] = row.isSum ? QString::number(sum) : entries.join(u' ');
+        const auto [list, sum] = listAndSum(store, lines, row);
+        expected[QString::fromLatin1(row.macro)] = row.isSum ? sum : list;
     }
     QStringList servers;
     for (const quint8 line : lines) {
@@ -414,9 +471,7 @@ QMap<QString, QString> TestSupport::expectedCounts(ObjectDataBase &store)
         servers << QString::number(count == 0 && !fd ? 1 : count);
         expected[u"CO_OBJECTS_LINE_%1_CNT"_s.arg(line)] = QString::number(objects);
     }
-    expected[u"CO_SSDO_COUNTS"_s] = servers.join(u' ');
-    expected[u"CAN_MULTI_LINE_CNT"_s] = QString::number(lines.size());
-    expected[u"CO_MULTI_LINE_CNT"_s] = QString::number(lines.size());
+    expected[u"CO_SSDO_COUNTS"_s] = servers.join(", "_L1);
     return expected;
 }
 

@@ -14,8 +14,8 @@ QSet<quint32> staticSafetyData(ObjectDataBase &store);
 /// What the walker must find in the compiled dictionary of a project, computed from the store alone.
 QStringList expectedDump(ObjectDataBase &store, bool classic);
 
-/// The counts that gen_define.h must have where it has them, as the walker prints them: by macro, one number for each
-/// line with objects, or one for all lines.
+/// The counts that gen_define.h must have where it has them, by macro: one number for each line that takes part, with
+/// commas between them, or one for all lines.
 QMap<QString, QString> expectedCounts(ObjectDataBase &store);
 
 } // namespace TestSupport

@@ -114,26 +114,6 @@ QString declaration(const QString &name, const Variable &variable)
            (variable.elements > 0 ? u'[' + QString::number(variable.elements) + u']' : QString());
 }
 
-/// A table of the counts that a header defines, lists and single ones.
-QString countTable(const QString &header)
-{
-    static const QRegularExpression macro(u"^#define\\s+(\\w+_(?:CNT|COUNTS))\\b"_s,
-                                          QRegularExpression::MultilineOption);
-    QString arrays;
-    QString rows;
-    for (auto it = macro.globalMatch(header); it.hasNext();) {
-        const QString name = it.next().captured(1);
-        if (rows.contains(u'"' + name + u'"'))
-            continue;
-        arrays += u"static const UNSIGNED32 values_%1[] = { %1 };\n"_s.arg(name);
-        rows += u"\t{ \"%1\", sizeof(values_%1) / sizeof(values_%1[0]), values_%1 },\n"_s.arg(name);
-    }
-    return arrays +
-           u"typedef struct { const char *name; unsigned count; const UNSIGNED32 *pValues; } COUNTS_T;\n"
-           "extern const COUNTS_T walkerCounts[];\nconst COUNTS_T walkerCounts[] = {\n"_s +
-           rows + u"\t{ NULL, 0, NULL }\n};\n"_s;
-}
-
 } // namespace
 
 class GeneratedSources::Private
@@ -268,7 +248,7 @@ void GeneratedSources::writeVariables() const
         const QString address = it.value() ? u"&(%1[0])"_s : it.key().contains(u'(') ? u"%1"_s : u"&(%1)"_s;
         source += u"\t{ \""_s + it.key() + u"\", (const void *)"_s + address.arg(it.key()) + u" },\n"_s;
     }
-    source += u"\t{ NULL, NULL }\n};\n"_s + countTable(QString::fromUtf8(text(u"gen_define.h"_s)));
+    source += u"\t{ NULL, NULL }\n};\n"_s;
     writeFile(folder_.filePath(u"application_variables.h"_s), header.toUtf8());
     writeFile(folder_.filePath(u"walker_variables.c"_s), source.toUtf8());
 }
@@ -283,6 +263,32 @@ QString GeneratedSources::compile()
             complaints += compileFile(folder_.filePath(name));
     }
     return complaints;
+}
+
+QString GeneratedSources::checkCounts(const QMap<QString, QString> &expected)
+{
+    QString source = uR"(#include <gen_define.h>
+template <unsigned N, unsigned M> constexpr bool same(const unsigned (&a)[N], const unsigned (&b)[M])
+{
+    for (unsigned i = 0; N == M && i < N; ++i)
+        if (a[i] != b[i])
+            return false;
+    return N == M;
+}
+)"_s;
+    const QString header = QString::fromUtf8(text(u"gen_define.h"_s));
+    int compared = 0;
+    for (auto it = expected.cbegin(); it != expected.cend(); ++it) {
+        static const auto definition = u"^#define %1[ \\t]"_s;
+        if (!header.contains(QRegularExpression(definition.arg(it.key()), QRegularExpression::MultilineOption)))
+            continue;
+        source += u"static_assert(same({ %1 }, { %2 }), \"%1\");\n"_s.arg(it.key(), it.value());
+        ++compared;
+    }
+    constexpr int fewest = 2;
+    const QString path = folder_.filePath(u"counts.cpp"_s);
+    writeFile(path, source.toUtf8());
+    return compared < fewest ? u"hardly any counts"_s : compileFile(path);
 }
 
 QString GeneratedSources::link()

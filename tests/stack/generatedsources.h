@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMap>
 #include <QStringList>
 #include <QTemporaryDir>
 
@@ -35,6 +36,8 @@ public:
     /// Compiles all C and C++ sources, C as C99 with all warnings. What the compiler says is returned, without the
     /// warnings that the required text itself provokes; empty if all is well.
     QString compile();
+    /// Lets the compiler hold macros of gen_define.h, where it has them, against numbers with commas between them.
+    QString checkCounts(const QMap<QString, QString> &expected);
     /// Links gen_objdict.c, or gen_mp.c where that holds the dictionary, with the walker; what the linker says.
     QString link();
     /// What the walker prints.

@@ -133,24 +133,26 @@ RET_T coOdInitOdPtr(STACK_LINE_FIRST const CO_OD_ASSIGN_T *pAssign, UNSIGNED16 a
     return RECORD("dictionary of %u objects, %u rows", assignCnt, descCnt);
 }
 
-RET_T coLedInit(STACK_LINE_ONLY)
-{
-    return RECORD0("LED");
-}
-
-RET_T coUsdoServerInit(STACK_LINE_ONLY)
-{
-    return RECORD0("USDO server");
-}
+/* The calls without an argument. */
+#define CALL(function, text)                                                                                           \
+    RET_T function(STACK_LINE_ONLY)                                                                                    \
+    {                                                                                                                  \
+        return RECORD0(text);                                                                                          \
+    }
+CALL(coLedInit, "LED")
+CALL(coUsdoServerInit, "USDO server")
+CALL(coUsdoClientInit, "USDO client")
+CALL(coEmcyProducerInit, "emergency producer")
+CALL(coSrdInit, "SRD")
+CALL(isoTpInit, "ISO-TP")
+CALL(coIdNegoInit, "ID negotiation")
+CALL(coGuardingInit, "guarding")
+CALL(coLssMasterInit, "LSS master")
+CALL(coLssInit, "LSS slave")
 
 RET_T coSdoServerInit(STACK_LINE_FIRST UNSIGNED8 number)
 {
     return RECORD("SDO server %u", number);
-}
-
-RET_T coUsdoClientInit(STACK_LINE_ONLY)
-{
-    return RECORD0("USDO client");
 }
 
 RET_T coSdoClientInit(STACK_LINE_FIRST UNSIGNED8 number)
@@ -161,11 +163,6 @@ RET_T coSdoClientInit(STACK_LINE_FIRST UNSIGNED8 number)
 RET_T coErrorCtrlInit(STACK_LINE_FIRST UNSIGNED16 heartbeatTime, UNSIGNED8 consumerCnt)
 {
     return RECORD("error control, heartbeat %u ms, %u consumers", heartbeatTime, consumerCnt);
-}
-
-RET_T coEmcyProducerInit(STACK_LINE_ONLY)
-{
-    return RECORD0("emergency producer");
 }
 
 RET_T coSyncInit(STACK_LINE_FIRST UNSIGNED32 cobId, UNSIGNED32 period, UNSIGNED8 overflow)
@@ -213,11 +210,6 @@ RET_T coPdoReceiveInit(STACK_LINE_FIRST UNSIGNED16 number, UNSIGNED8 type, UNSIG
     return ret;
 }
 
-RET_T coSrdInit(STACK_LINE_ONLY)
-{
-    return RECORD0("SRD");
-}
-
 RET_T coGfcInit(STACK_LINE_FIRST BOOL_T producer, BOOL_T consumer)
 {
     return RECORD("GFC, producer %u, consumer %u", producer, consumer);
@@ -230,34 +222,9 @@ RET_T coSrdoInit(STACK_LINE_FIRST UNSIGNED16 number, UNSIGNED8 direction, UNSIGN
                   refreshTime, validationTime, type, (unsigned long)cobId1, (unsigned long)cobId2);
 }
 
-RET_T isoTpInit(STACK_LINE_ONLY)
-{
-    return RECORD0("ISO-TP");
-}
-
-RET_T coIdNegoInit(STACK_LINE_ONLY)
-{
-    return RECORD0("ID negotiation");
-}
-
-RET_T coGuardingInit(STACK_LINE_ONLY)
-{
-    return RECORD0("guarding");
-}
-
 RET_T coEventRegister_LOAD_PARA(CO_EVENT_STORE_T pLoadFunction)
 {
     return record("load parameters %s", pLoadFunction == NULL ? "unset" : "set");
-}
-
-RET_T coLssMasterInit(STACK_LINE_ONLY)
-{
-    return RECORD0("LSS master");
-}
-
-RET_T coLssInit(STACK_LINE_ONLY)
-{
-    return RECORD0("LSS slave");
 }
 
 RET_T coNmtInit(STACK_LINE_FIRST UNSIGNED8 master)

@@ -5,7 +5,6 @@
  * walker dump          prints each subindex of each line
  * walker start [N]     prints the calls of the start-up, of which the Nth fails, and what that returns
  * walker predefined    prints the calls that overwrite the predefined connection set
- * walker counts        prints the counts of gen_define.h
  */
 
 #include "stack.h"
@@ -21,15 +20,6 @@ typedef struct
     const void *pVar;
 } VARIABLE_T;
 extern const VARIABLE_T walkerVariables[];
-
-/* The counts of gen_define.h; the last one has no name. */
-typedef struct
-{
-    const char *name;
-    unsigned count;
-    const UNSIGNED32 *pValues;
-} COUNTS_T;
-extern const COUNTS_T walkerCounts[];
 
 #if defined(WALK_MP)
 #include <mp_mp.h>
@@ -207,72 +197,39 @@ static void printBytes(const UNSIGNED8 *pBytes, unsigned count)
 }
 #endif
 
-typedef enum
-{
-    ARRAY_CONST,
-    ARRAY_MANAGED,
-    ARRAY_POINTER
-} ARRAY_T;
+/* The types that are kept in arrays: the type, its arrays, and how its values are printed. */
+/* clang-format off */
+#define NUMBERS(X)                                                                                                     \
+    X(BOOL, u8, "%u", unsigned) X(U8, u8, "%u", unsigned) X(U16, u16, "%u", unsigned)                                  \
+    X(U32, u32, "%lu", unsigned long) X(I8, i8, "%d", int) X(I16, i16, "%d", int) X(I32, i32, "%ld", long)             \
+    X(R32, r32, "%.6g", double)
+#ifdef CO_EXTENDED_DATA_TYPES
+#define BYTES(X) X(U24, u24) X(U40, u40) X(U48, u48) X(U64, u64)
+#else
+#define BYTES(X)
+#endif
+/* clang-format on */
 
 /* A missing array is a fault of the tables: some row has a position in it. */
-#define PICK(pArray, format, cast)                                                                                     \
-    do {                                                                                                               \
-        if ((pArray) == NULL)                                                                                          \
-            printf("missing");                                                                                         \
-        else                                                                                                           \
-            printf(format, (cast)(pArray)[position]);                                                                  \
-    } while (0)
+#define IF_PRESENT(pArray, print)                                                                                      \
+    if ((pArray) == NULL)                                                                                              \
+        printf("missing");                                                                                             \
+    else                                                                                                               \
+        print;                                                                                                         \
+    break
+#define ARRAY_OF(name) (constant ? p->od_const_##name : p->od_##name)
+#define NUMBER_CASE(type, name, format, cast)                                                                          \
+    case STACK_TYPE_##type:                                                                                            \
+        IF_PRESENT(ARRAY_OF(name), printf(format, (cast)ARRAY_OF(name)[position]));
+#define BYTES_CASE(type, name)                                                                                         \
+    case STACK_TYPE_##type:                                                                                            \
+        IF_PRESENT(ARRAY_OF(name), printBytes(ARRAY_OF(name)[position].byte, sizeof(ARRAY_OF(name)[position].byte)));
 
-#define PICK_BYTES(pArray)                                                                                             \
-    do {                                                                                                               \
-        if ((pArray) == NULL)                                                                                          \
-            printf("missing");                                                                                         \
-        else                                                                                                           \
-            printBytes((pArray)[position].byte, sizeof((pArray)[position].byte));                                      \
-    } while (0)
-
-#define PICK_KIND(type, format, cast) PICK(array == ARRAY_CONST ? p->od_const_##type : p->od_##type, format, cast)
-#define PICK_KIND_BYTES(type) PICK_BYTES(array == ARRAY_CONST ? p->od_const_##type : p->od_##type)
-
-static void printNumber(const CO_OD_DATA_VARIABLES_T *p, int type, ARRAY_T array, unsigned position)
+static void printNumber(const CO_OD_DATA_VARIABLES_T *p, int type, int constant, unsigned position)
 {
     switch (type) {
-    case STACK_TYPE_BOOL:
-    case STACK_TYPE_U8:
-        PICK_KIND(u8, "%u", unsigned);
-        break;
-    case STACK_TYPE_U16:
-        PICK_KIND(u16, "%u", unsigned);
-        break;
-    case STACK_TYPE_U32:
-        PICK_KIND(u32, "%lu", unsigned long);
-        break;
-    case STACK_TYPE_I8:
-        PICK_KIND(i8, "%d", int);
-        break;
-    case STACK_TYPE_I16:
-        PICK_KIND(i16, "%d", int);
-        break;
-    case STACK_TYPE_I32:
-        PICK_KIND(i32, "%ld", long);
-        break;
-    case STACK_TYPE_R32:
-        PICK_KIND(r32, "%.6g", double);
-        break;
-#ifdef CO_EXTENDED_DATA_TYPES
-    case STACK_TYPE_U24:
-        PICK_KIND_BYTES(u24);
-        break;
-    case STACK_TYPE_U40:
-        PICK_KIND_BYTES(u40);
-        break;
-    case STACK_TYPE_U48:
-        PICK_KIND_BYTES(u48);
-        break;
-    case STACK_TYPE_U64:
-        PICK_KIND_BYTES(u64);
-        break;
-#endif
+        NUMBERS(NUMBER_CASE)
+        BYTES(BYTES_CASE)
     default: /* a text, or a type that the stack keeps in no array it is told of */
         printf("-");
         break;
@@ -308,7 +265,7 @@ static void printConstant(const CO_OD_DATA_VARIABLES_T *p, int type, unsigned po
         break;
 #endif
     default:
-        printNumber(p, type, ARRAY_CONST, position);
+        printNumber(p, type, 1, position);
         break;
     }
 }
@@ -326,71 +283,31 @@ static void printName(const void *pVar)
     printf("unknown");
 }
 
-#define NAME(pArray)                                                                                                   \
-    do {                                                                                                               \
-        if ((pArray) == NULL)                                                                                          \
-            printf("missing");                                                                                         \
-        else                                                                                                           \
-            printName((pArray)[position]);                                                                             \
-    } while (0)
+#define NAME_CASE(type, name, ...)                                                                                     \
+    case STACK_TYPE_##type:                                                                                            \
+        IF_PRESENT(p->od_ptr_##name, printName(p->od_ptr_##name[position]));
 
-#define NAME_AND_SIZE(name)                                                                                            \
-    do {                                                                                                               \
-        NAME(p->name);                                                                                                 \
-        printf("/%lu", p->name##_len == NULL ? 0ul : (unsigned long)p->name##_len[position]);                          \
-    } while (0)
+static void printNameAndSize(const void *pVar, const UNSIGNED32 *pSizes, unsigned position)
+{
+    printName(pVar);
+    printf("/%lu", pSizes == NULL ? 0ul : (unsigned long)pSizes[position]);
+}
+#define TEXT_OF(name) IF_PRESENT(p->name, printNameAndSize(p->name[position], p->name##_len, position))
 
 static void printVariable(const CO_OD_DATA_VARIABLES_T *p, int type, unsigned position)
 {
     switch (type) {
-    case STACK_TYPE_BOOL:
-    case STACK_TYPE_U8:
-        NAME(p->od_ptr_u8);
-        break;
-    case STACK_TYPE_U16:
-        NAME(p->od_ptr_u16);
-        break;
-    case STACK_TYPE_U32:
-        NAME(p->od_ptr_u32);
-        break;
-    case STACK_TYPE_I8:
-        NAME(p->od_ptr_i8);
-        break;
-    case STACK_TYPE_I16:
-        NAME(p->od_ptr_i16);
-        break;
-    case STACK_TYPE_I32:
-        NAME(p->od_ptr_i32);
-        break;
-    case STACK_TYPE_R32:
-        NAME(p->od_ptr_r32);
-        break;
-#ifdef CO_EXTENDED_DATA_TYPES
-    case STACK_TYPE_U24:
-        NAME(p->od_ptr_u24);
-        break;
-    case STACK_TYPE_U40:
-        NAME(p->od_ptr_u40);
-        break;
-    case STACK_TYPE_U48:
-        NAME(p->od_ptr_u48);
-        break;
-    case STACK_TYPE_U64:
-        NAME(p->od_ptr_u64);
-        break;
-#endif
+        NUMBERS(NAME_CASE)
+        BYTES(NAME_CASE)
     case STACK_TYPE_VS:
     case STACK_TYPE_STRING_NULL:
-        NAME_AND_SIZE(od_vis_string);
-        break;
+        TEXT_OF(od_vis_string);
     case STACK_TYPE_OS:
     case STACK_TYPE_OCTET_STRING:
-        NAME_AND_SIZE(od_octet_string);
-        break;
+        TEXT_OF(od_octet_string);
 #ifdef CO_UTF8_DATA_TYPE
     case STACK_TYPE_UTF8:
-        NAME_AND_SIZE(od_utf8_string);
-        break;
+        TEXT_OF(od_utf8_string);
 #endif
     case STACK_TYPE_DOMAIN:
         printf("domain %u%s", position, p->od_domain == NULL ? " missing" : "");
@@ -427,16 +344,11 @@ static void printAttributes(unsigned attributes)
 #ifdef CO_CONFIG_LIMIT_CHECK
 static int hasLimits(int type)
 {
-    switch (type) {
-    case STACK_TYPE_BOOL:
-    case STACK_TYPE_U8:
-    case STACK_TYPE_U16:
-    case STACK_TYPE_U32:
-    case STACK_TYPE_I8:
-    case STACK_TYPE_I16:
-    case STACK_TYPE_I32:
-    case STACK_TYPE_R32:
+#define YES_CASE(name, ...)                                                                                            \
+    case STACK_TYPE_##name:                                                                                            \
         return 1;
+    switch (type) {
+        NUMBERS(YES_CASE)
     default:
         return 0;
     }
@@ -460,13 +372,13 @@ static void printSub(const STACK_DICTIONARY_T *pDictionary, unsigned line, const
            specifierName(specifierOf(pDesc)));
     printAttributes(pDesc->attributes);
     printf(" default ");
-    printNumber(p, type, ARRAY_CONST, pDesc->defaultValue);
+    printNumber(p, type, 1, pDesc->defaultValue);
 #ifdef CO_CONFIG_LIMIT_CHECK
     if (hasLimits(type) && (pDesc->attributes & CO_ATTR_LIMIT) != 0 && (pDesc->attributes & CO_ATTR_WRITE) != 0) {
         printf(" limits ");
-        printNumber(p, type, ARRAY_CONST, pDesc->lowerLimit);
+        printNumber(p, type, 1, pDesc->lowerLimit);
         printf(" to ");
-        printNumber(p, type, ARRAY_CONST, pDesc->upperLimit);
+        printNumber(p, type, 1, pDesc->upperLimit);
     }
 #endif
     printf(" value ");
@@ -480,7 +392,7 @@ static void printSub(const STACK_DICTIONARY_T *pDictionary, unsigned line, const
         printConstant(p, type, pDesc->value);
         break;
     case CO_DSPEC_VAR:
-        printNumber(p, type, ARRAY_MANAGED, position);
+        printNumber(p, type, 0, position);
         break;
     case CO_DSPEC_PTR:
         printVariable(p, type, position);
@@ -540,19 +452,6 @@ static void predefined(void)
 #endif
 }
 
-static void counts(void)
-{
-    const COUNTS_T *p;
-    unsigned i;
-
-    for (p = walkerCounts; p->name != NULL; ++p) {
-        printf("%s", p->name);
-        for (i = 0; i < p->count; ++i)
-            printf(" %lu", (unsigned long)p->pValues[i]);
-        putchar('\n');
-    }
-}
-
 int main(int argc, char **argv)
 {
     const char *mode = argc > 1 ? argv[1] : "";
@@ -563,10 +462,6 @@ int main(int argc, char **argv)
         if (ret != RET_OK)
             return 1;
         dump();
-        return 0;
-    }
-    if (strcmp(mode, "counts") == 0) {
-        counts();
         return 0;
     }
     stackTrace = 1;

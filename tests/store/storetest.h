@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/objectdatabase.h"
+#include "support/printing.h"
 #include "support/testhome.h"
 
 #include <gtest/gtest.h>
@@ -57,6 +58,20 @@ protected:
             }
         }
         QSqlDatabase::removeDatabase(QStringLiteral("raw"));
+    }
+
+    /// Saves the project, changes the file behind the store's back and opens it again.
+    bool reopenAfter(const QStringList &statements)
+    {
+        const QString file = path(QStringLiteral("reopened.ncxp"));
+        EXPECT_TRUE(store.saveDatabase(file));
+        makeDatabase(file, statements);
+        return store.openDataBase(file);
+    }
+
+    static QString versionStatement(int version)
+    {
+        return QStringLiteral("update MiscSettings set value='%1' where item='DatabaseVersion'").arg(version);
     }
 
     QTemporaryDir folder;

@@ -52,15 +52,9 @@ protected:
 
 TEST_F(Corrections, SettingsAreBroughtUpToDateOnce)
 {
-    struct Case
-    {
-        QString key;
-        QString value;
-        QString expectedKey;
-        QString expected;
-    };
     const QString define = u"\n\n /* old group filter setting */\n#define CO_DRV_GROUP_FILTER 1u\n"_s;
-    const QList<Case> cases = {
+    // A key and its value, and what another key holds then.
+    const std::array<QString, 4> cases[] = {
         {u"drv_group_filter"_s, u"1"_s, u"drv_group_filter"_s, u"0"_s},
         {u"drv_group_filter"_s, u"1"_s, u"hw_defines"_s, u"#define A"_s + define},
         {u"drv_group_filter"_s, u"2"_s, u"hw_defines"_s, u"#define A"_s},
@@ -70,18 +64,17 @@ TEST_F(Corrections, SettingsAreBroughtUpToDateOnce)
         {u"co_ml_ms"_s, u"1,0"_s, u"co_ml_ms"_s, u""_s},
         {u"co_ml_ms"_s, u"1"_s, u"co_ml_ms"_s, u"1"_s},
         {u"usdo_server_cnt"_s, u"2"_s, u"usdo_server_enabled"_s, u"1"_s},
-        {u"usdo_server_cnt"_s, u"0"_s, u"usdo_server_enabled"_s, u"0"_s},
         {u"usdo_server_cnt"_s, u"256"_s, u"usdo_server_enabled"_s, u"0"_s},
         {u"usdo_client_cnt"_s, u"7"_s, u"usdo_client_enabled"_s, u"1"_s},
     };
-    for (const Case &c : cases) {
+    for (const auto &[key, value, expectedKey, expected] : cases) {
         store->createNewDataBase();
         store->setGeneralSetting(u"hw_defines"_s, u"#define A"_s);
         store->setGeneralSetting(u"usdo_server_enabled"_s, u"0"_s);
-        store->setGeneralSetting(c.key, c.value);
+        store->setGeneralSetting(key, value);
         for (int open = 0; open < 2; ++open) {
             EXPECT_TRUE(converter.doGenericCorrection() && converter.doCorrection());
-            EXPECT_EQ(store->getGeneralSetting(c.expectedKey), c.expected) << c.key.toStdString();
+            EXPECT_EQ(store->getGeneralSetting(expectedKey), expected) << key.toStdString();
         }
     }
 }
@@ -109,12 +102,11 @@ TEST_F(Corrections, StackPathComesFromTheUserWhereTheProjectHasNone)
 {
     converter.doCorrection();
     EXPECT_FALSE(store->miscSettingExists(u"costackpath"_s));
-    TestSupport::writeFile(configFile(u"norvane/CANopen NodeComposer.ini"_s), "[General]\ncostackpath=/opt/stack\n");
-    converter.doCorrection();
-    EXPECT_EQ(store->getMiscSetting(u"costackpath"_s), u"/opt/stack"_s);
-    TestSupport::writeFile(configFile(u"norvane/CANopen NodeComposer.ini"_s), "[General]\ncostackpath=/other\n");
-    converter.doCorrection();
-    EXPECT_EQ(store->getMiscSetting(u"costackpath"_s), u"/opt/stack"_s);
+    for (const QByteArray path : {"/opt/stack", "/other"}) {
+        TestSupport::writeFile(configFile(u"norvane/CANopen NodeComposer.ini"_s), "[General]\ncostackpath=" + path);
+        converter.doCorrection();
+        EXPECT_EQ(store->getMiscSetting(u"costackpath"_s), u"/opt/stack"_s);
+    }
 }
 
 TEST_F(Corrections, UserSettingsAreFoundInEachOfTheirPlaces)

@@ -20,7 +20,8 @@ protected:
 
 TEST_F(Lines, RecordComesBackAndFiveFieldsOutliveAnUpdate)
 {
-    ObjectDataBase::NODE_DATA_T node;
+    using Node = ObjectDataBase::NODE_DATA_T;
+    Node node;
     node.name = u"can1"_s;
     node.iconpath = u"i"_s;
     node.edspath = u"e"_s;
@@ -35,16 +36,11 @@ TEST_F(Lines, RecordComesBackAndFiveFieldsOutliveAnUpdate)
     node.generatedcf = false;
     node.multilinedata = -7;
     ASSERT_TRUE(store.addNode(3, node));
-    const auto fields = [](const ObjectDataBase::NODE_DATA_T &n) {
-        return std::tie(n.name, n.iconpath, n.edspath, n.dcfpath, n.xddpath, n.tpdocnt, n.rpdocnt, n.prefix,
-                        n.outputpath, n.ismaster, n.issyncproducer, n.issyncconsumer, n.ishbconsumer,
-                        n.isemergencyproducer, n.isemergencyconsumer, n.ismpdosupported, n.iscanopengateway,
-                        n.allpdosstatic, n.excludegeneration, n.generatedcf, n.isbootupmanager, n.isconfigmanager,
-                        n.excludepdolinking, n.multilinedata, n.lssslave);
-    };
-    ObjectDataBase::NODE_DATA_T back;
+    Node back;
     ASSERT_TRUE(store.getNode(3, back));
-    EXPECT_EQ(fields(back), fields(node));
+    EXPECT_EQ(back, node);
+    EXPECT_EQ(rows(u"select * from Nodes where nodeId = 3"_s),
+              QStringList{u"3|can1|e|x|d|4|5|1|0|1|0|0|1|0|1|0|1|0|p_|out|i|0|1|0|-7|1"_s});
     EXPECT_FALSE(store.getNode(4, back));
 
     store.addIndex(3, 0x2000, {});
@@ -54,10 +50,7 @@ TEST_F(Lines, RecordComesBackAndFiveFieldsOutliveAnUpdate)
     ASSERT_TRUE(store.addNode(3, {}));
     EXPECT_EQ(types.last(), 6U);
     ASSERT_TRUE(store.getNode(3, back));
-    ObjectDataBase::NODE_DATA_T expected;
-    expected.isconfigmanager = expected.lssslave = true;
-    expected.multilinedata = -7;
-    EXPECT_EQ(fields(back), fields(expected));
+    EXPECT_EQ(back, (Node{.isconfigmanager = true, .multilinedata = -7, .lssslave = true}));
     EXPECT_TRUE(store.indexExists(3, 0x2000));
     EXPECT_TRUE(store.getUDSServiceActive(3, 0x22));
     EXPECT_EQ(store.getUDSServiceSessions(3, 0x22), u"1"_s);
@@ -70,19 +63,13 @@ TEST_F(Lines, RecordComesBackAndFiveFieldsOutliveAnUpdate)
 
 TEST_F(Lines, CommaListConvention)
 {
-    struct Case
-    {
-        QString value;
-        quint8 line;
-        QString part;
-    };
-    for (const Case &row :
-         {Case{u"a,b"_s, 0, u"a"_s}, Case{u"a,b"_s, 1, u"b"_s}, Case{u"a,b"_s, 5, u"b"_s}, Case{u""_s, 3, u""_s},
-          Case{u"x"_s, 9, u"x"_s}, Case{u"1,0,,1"_s, 2, u""_s}, Case{u",,"_s, 7, u""_s}}) {
-        store.setGeneralSetting(u"k"_s, row.value);
-        store.setJ1939Setting(u"k"_s, row.value);
-        EXPECT_EQ(store.getGeneralSetting(u"k"_s, row.line), row.part);
-        EXPECT_EQ(store.getJ1939Setting(u"k"_s, row.line), row.part);
+    const std::tuple<QString, quint8, QString> cases[] = {
+        {u"a,b"_s, 1, u"b"_s}, {u"a,b"_s, 5, u"b"_s}, {u""_s, 3, u""_s}, {u"1,0,,1"_s, 2, u""_s}, {u",,"_s, 7, u""_s}};
+    for (const auto &[value, line, part] : cases) {
+        store.setGeneralSetting(u"k"_s, value);
+        store.setJ1939Setting(u"k"_s, value);
+        EXPECT_EQ(store.getGeneralSetting(u"k"_s, line), part);
+        EXPECT_EQ(store.getJ1939Setting(u"k"_s, line), part);
     }
     EXPECT_EQ(store.getGeneralSetting(u"missing"_s, 4), u""_s);
 
@@ -143,35 +130,30 @@ TEST_F(Lines, SettingsWriteOnceAndTell)
 {
     struct Table
     {
-        std::function<bool(const QString &, const QString &)> set;
-        std::function<QString(const QString &)> get;
+        bool (ObjectDataBase::*setter)(const QString &, const QString &);
+        QString (ObjectDataBase::*getter)(const QString &);
         quint32 type;
         bool escapes;
     };
-    const QList<Table> tables = {
-        {[&](auto &k, auto &v) { return store.setGeneralSetting(k, v); },
-         [&](auto &k) { return store.getGeneralSetting(k); }, 9, false},
-        {[&](auto &k, auto &v) { return store.setDescriptionSetting(k, v); },
-         [&](auto &k) { return store.getDescriptionSetting(k); }, 10, true},
-        {[&](auto &k, auto &v) { return store.setEnergyBusSetting(k, v); },
-         [&](auto &k) { return store.getEnergyBusSetting(k); }, 11, false},
-        {[&](auto &k, auto &v) { return store.setMiscSetting(k, v); }, [&](auto &k) { return store.getMiscSetting(k); },
-         12, true},
-        {[&](auto &k, auto &v) { return store.setJ1939Setting(k, v); },
-         [&](auto &k) { return store.getJ1939Setting(k); }, 13, true},
+    const Table tables[] = {
+        {&ObjectDataBase::setGeneralSetting, &ObjectDataBase::getGeneralSetting, 9, false},
+        {&ObjectDataBase::setDescriptionSetting, &ObjectDataBase::getDescriptionSetting, 10, true},
+        {&ObjectDataBase::setEnergyBusSetting, &ObjectDataBase::getEnergyBusSetting, 11, false},
+        {&ObjectDataBase::setMiscSetting, &ObjectDataBase::getMiscSetting, 12, true},
+        {&ObjectDataBase::setJ1939Setting, &ObjectDataBase::getJ1939Setting, 13, true},
     };
     store.setCurrentLine(0);
     for (const Table &table : tables) {
+        const auto set = [&](const QString &value) { return (store.*table.setter)(u"key"_s, value); };
+        const auto value = [&] { return (store.*table.getter)(u"key"_s); };
         types.clear();
-        EXPECT_EQ(table.get(u"key"_s), u""_s);
-        EXPECT_TRUE(table.set(u"key"_s, u"%1 a"_s));
-        EXPECT_TRUE(table.set(u"key"_s, u"%1 a"_s));
-        EXPECT_TRUE(table.set(u"key"_s, u"b"_s));
+        EXPECT_EQ(value(), u""_s);
+        EXPECT_TRUE(set(u"%1 a"_s) && set(u"%1 a"_s) && set(u"b"_s));
         EXPECT_EQ(types, (QList<quint32>{table.type, table.type}));
-        EXPECT_EQ(table.get(u"key"_s), u"b"_s);
-        EXPECT_EQ(table.set(u"key"_s, u"it's"_s), table.escapes) << table.type;
-        EXPECT_EQ(table.get(u"key"_s), table.escapes ? u"it's"_s : u"b"_s);
-        EXPECT_FALSE(table.set(u"bad'key"_s, u"b"_s));
+        EXPECT_EQ(value(), u"b"_s);
+        EXPECT_EQ(set(u"it's"_s), table.escapes) << table.type;
+        EXPECT_EQ(value(), table.escapes ? u"it's"_s : u"b"_s);
+        EXPECT_FALSE((store.*table.setter)(u"bad'key"_s, u"b"_s));
     }
     EXPECT_EQ(store.getEnergyBusSettingKeys(), QStringList{u"key"_s});
     EXPECT_TRUE(store.removeEnergyBusSetting(u"key"_s));

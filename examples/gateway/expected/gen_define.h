@@ -35,7 +35,7 @@
 #define CO_ERR_HIST_COUNTS	0u, 0u
 #define CO_ACT_ERR_HIST_COUNTS	0u, 0u
 #define CO_EMCY_CONS_COUNTS	0u, 0u
-#define CO_NODE_IDS	16,0
+#define CO_NODE_IDS	16,
 #define CO_NODE_ID_FUNCTIONS	NULL,NULL
 /* Definition of numbers of CANopen services */
 #define CO_PROFILE_401	1u

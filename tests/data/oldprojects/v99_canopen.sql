@@ -1,4 +1,4 @@
--- Before version 100: few columns, those of SubObjects0 in an order of their own, a subindex that stands twice.
+-- Before version 100: few columns, those of SubObjects0 in an order of their own, a subindex that stands twice, a NULL.
 create table Strings (id integer primary key, string text);
 create table Nodes (nodeId integer primary key, name text, edspath text, xddpath text);
 create table GeneralSettings (item text unique, value text);
@@ -6,7 +6,7 @@ create table DescriptionSettings (item text unique, value text);
 create table MiscSettings (item text unique, value text);
 create table Connections (prodnode integer, prodindex integer, prodsub integer, connode integer, conindex integer, consub integer);
 create table Objects0 (objectindex integer primary key, name integer, datatype integer not null, objecttype integer not null, description integer, category integer);
-create table SubObjects0 (objectindex integer not null, subindex integer not null, accesstype text not null, datatype integer not null, name integer, defaultvalue text, currentvalue text, pdomapping integer, lowlimit text, uplimit text, size integer, defaultineds integer, limitineds integer, refuseread integer, refusewrite integer, allowedaccesstypes text, implementation integer not null, varname text, description integer, category integer);
+create table SubObjects0 (objectindex integer not null, subindex integer not null, accesstype text not null, datatype integer not null, name integer, defaultvalue text, currentvalue text, pdomapping integer, lowlimit text, uplimit text, size integer, defaultineds integer, limitineds integer, refuseread integer, refusewrite integer, allowedaccesstypes text, implementation integer, varname text, description integer, category integer);
 insert into Strings values(1, 'Device type');
 insert into Strings values(2, 'Speed');
 insert into Strings values(3, '');
@@ -17,4 +17,5 @@ insert into Objects0 values(4096, 1, 7, 7, 3, 0);
 insert into Objects0 values(8192, 2, 3, 7, 3, 1);
 insert into SubObjects0 values(4096, 0, 'ro', 7, 1, '0x191', '', 0, '', '', 0, 1, 0, 0, 0, 'ro', 1, '', 3, 0);
 insert into SubObjects0 values(8192, 0, 'rw', 3, 2, '-5', '', 1, '-10', '10', 0, 1, 1, 0, 0, 'ro,rw', 2, 'speed', 3, 1);
+insert into SubObjects0 values(8192, 1, 'rw', 3, 2, '7', '', 1, '', '', 0, 1, 1, 0, 0, 'ro,rw', NULL, '', 3, 1);
 insert into SubObjects0 values(8192, 0, 'rw', 3, 2, '99', '', 1, '-10', '10', 0, 1, 1, 0, 0, 'ro,rw', 2, 'speed', 3, 1);

@@ -19,3 +19,6 @@ insert into SPNs0 values(61444, 899, 5, 2, 'a', '0', 1, 2, 0, 8, 119);
 insert into SPNs0 values(61444, 190, 6, 2, 'b', '0', 1, 2, 1, 16, 119);
 insert into SPNs0 values(61444, 512, 10, 2, 'c', '0', 1, 2, 2, 24, 119);
 insert into SPNs0 values(61444, 513, 5, 2, 'd', '0', 1, 2, 3, 8, 119);
+insert into PGNs0 values(61445, 0, 3, 10, 0, 0, 119, 1, 2);
+insert into SPNs0 values(61445, 1, 5, 2, 'e', '0', 1, 2, 4, 8, 85);
+insert into SPNs0 values(61446, 2, 5, 2, 'f', '0', 1, 2, 5, 8, 85);

@@ -60,20 +60,6 @@ protected:
     Recorder output_;
 };
 
-TEST_F(DocumentRows, OneOfEachWithoutFd)
-{
-    ProjectBuilder project;
-    project.object(0x1000, u"Type"_s).sub(0, u"Type"_s).object(0x1030, u"FD only"_s).sub(0, u"FD only"_s);
-    generate(project);
-    EXPECT_EQ(messages(), (QStringList{u"Generation of CSV file (deprecated) in DIR started"_s,
-                                       u"Generation of ICSV file in DIR started"_s,
-                                       u"Generation of device.eds EDS file in DIR started"_s}));
-    EXPECT_EQ(files(), (QStringList{u"device.csv"_s, u"device.eds"_s, u"device.icsv"_s}));
-    EXPECT_TRUE(output_.messages.contains(u"Generation of EDS file completed. "_s));
-    EXPECT_FALSE(contents(u"device.eds"_s).contains("[1030]"_L1));
-    EXPECT_TRUE(contents(u"device.icsv"_s).contains(",description,"_L1));
-}
-
 TEST_F(DocumentRows, AnExtendedAndAClassicalFileForEachTag)
 {
     ProjectBuilder project;

@@ -114,27 +114,6 @@ TEST(Eds, HeadTellsOfTheDevice)
     EXPECT_EQ(valueOf(empty, u"DeviceInfo"_s, u"GroupMessaging"_s), u"0");
 }
 
-TEST(Eds, ListsObjectsByAreas)
-{
-    ProjectBuilder project;
-    for (const int index :
-         {0x0005, 0x1000, 0x1005, 0x1018, 0x1030, 0x1032, 0x2000, 0x5fff, 0x6000, 0xcfff, 0xd000, 0xe000})
-        project.object(static_cast<quint16>(index), {}).sub(0, {});
-    const QString plain = edsOf(project);
-    EXPECT_EQ(section(plain, u"MandatoryObjects"_s),
-              (QStringList{u"SupportedObjects=3"_s, u"1=0x1000"_s, u"2=0x1001"_s, u"3=0x1018"_s}));
-    EXPECT_EQ(section(plain, u"ManufacturerObjects"_s),
-              (QStringList{u"SupportedObjects=2"_s, u"1=0x2000"_s, u"2=0x5fff"_s}));
-    EXPECT_EQ(section(plain, u"OptionalObjects"_s),
-              (QStringList{u"SupportedObjects=3"_s, u"1=0x1005"_s, u"2=0x6000"_s, u"3=0xcfff"_s}));
-    EXPECT_TRUE(plain.contains("\n[e000]\n"_L1));
-    EXPECT_FALSE(plain.contains("[0005]"_L1) || plain.contains("1030"_L1) || plain.contains("1032"_L1));
-
-    const QString extended = edsOf(project, {.extended = true});
-    EXPECT_EQ(section(extended, u"OptionalObjects"_s).value(0), u"SupportedObjects=5");
-    EXPECT_TRUE(extended.contains("\n[1030]\n"_L1) && extended.contains("\n[1032]\n"_L1));
-}
-
 TEST(Eds, HoldsWhatTheTagSays)
 {
     const StoreRecords::Metadata a{{u"eds_define"_s, u"A"_s}};
@@ -157,38 +136,6 @@ TEST(Eds, HoldsWhatTheTagSays)
     EXPECT_TRUE(forA.contains("[2000sub2]"_L1) && forA.contains("\n[2001]\n"_L1) && forA.contains("[2000sub1]"_L1));
     EXPECT_FALSE(forA.contains("[2000sub5]"_L1) || forA.contains("2002"_L1));
     EXPECT_EQ(edsTags(*project.store(), 0), (QStringList{QString(), u"A"_s, u"B"_s, u"C"_s}));
-}
-
-TEST(Eds, ObjectsAndSubindicesHaveSections)
-{
-    ProjectBuilder project;
-    project.object(0x1000, u"Types of ${index:x}"_s).sub(0, u"Count"_s, value("2"));
-    project.sub(1, u"First"_s, value("0x191")).sub(2, u"Second"_s, value("0x192"));
-    setObject(project, 0x1000, CANopen::Array, u"List of types"_s);
-    project.object(0x2100, u"Record"_s).sub(0, u"Count"_s, value("9"));
-    project.sub(1, u"Sub ${subindex} of line ${line}"_s).sub(0x1f, u"Last"_s);
-    setObject(project, 0x2100, CANopen::Record, u"Two\nlines"_s);
-    project.object(0x2101, u"Structure"_s).sub(0, u"Left out"_s);
-    setObject(project, 0x2101, CANopen::DefStruct, u"Left out"_s);
-    project.object(0x2102, u"Without"_s);
-
-    const QString eds = edsOf(project, {.extended = true});
-    EXPECT_TRUE(eds.contains(u"[1000]\nParameterName=Types of 1000\nObjectType=8\nSubNumber=3\n;;List of types\n"
-                             "\n[1000sub0]\nParameterName=Count\nObjectType=7\nDataType=5\nAccessType=ro\n"
-                             "PDOMapping=0\nDefaultValue=2\n\n[1000sub1]\n"_s));
-    EXPECT_TRUE(eds.contains(u"ObjectType=9\nSubNumber=3\n;;Two\n;;lines\n\n[2100sub0]\n"_s));
-    EXPECT_EQ(valueOf(eds, u"2100sub0"_s, u"DefaultValue"_s), u"31");
-    EXPECT_EQ(valueOf(eds, u"2100sub1"_s, u"ParameterName"_s), u"Sub 1 of line 0");
-    EXPECT_EQ(valueOf(eds, u"2100sub1f"_s, u"ParameterName"_s), u"Last");
-    EXPECT_EQ(section(eds, u"2101"_s), (QStringList{u"ParameterName=Structure"_s, u"ObjectType=6"_s}));
-    EXPECT_EQ(section(eds, u"2102"_s), (QStringList{u"ParameterName=Without"_s, u"ObjectType=7"_s, u"DataType=5"_s,
-                                                    u"AccessType=ro"_s, u"PDOMapping=0"_s}));
-
-    const QString plain = edsOf(project);
-    EXPECT_EQ(section(plain, u"1000"_s),
-              (QStringList{u"ParameterName=Types of 1000"_s, u"ObjectType=7"_s, u"DataType=5"_s, u"AccessType=ro"_s,
-                           u"PDOMapping=0"_s, u"DefaultValue=0x191"_s}));
-    EXPECT_FALSE(plain.contains("1000sub"_L1));
 }
 
 TEST(Eds, AttributesOfASubindex)

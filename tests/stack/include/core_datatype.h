@@ -69,36 +69,14 @@ typedef struct
     UNSIGNED8 byte[8];
 } UNSIGNED64;
 
-#define U24_SET(a, b, c)                                                                                               \
-    {                                                                                                                  \
-        {                                                                                                              \
-            a, b, c                                                                                                    \
-        }                                                                                                              \
-    }
-#define I24_SET(a, b, c)                                                                                               \
-    {                                                                                                                  \
-        {                                                                                                              \
-            a, b, c                                                                                                    \
-        }                                                                                                              \
-    }
-#define U40_SET(a, b, c, d, e)                                                                                         \
-    {                                                                                                                  \
-        {                                                                                                              \
-            a, b, c, d, e                                                                                              \
-        }                                                                                                              \
-    }
-#define U48_SET(a, b, c, d, e, f)                                                                                      \
-    {                                                                                                                  \
-        {                                                                                                              \
-            a, b, c, d, e, f                                                                                           \
-        }                                                                                                              \
-    }
-#define U64_SET(a, b, c, d, e, f, g, h)                                                                                \
-    {                                                                                                                  \
-        {                                                                                                              \
-            a, b, c, d, e, f, g, h                                                                                     \
-        }                                                                                                              \
-    }
+/* clang-format off */
+#define BYTES_SET(...) { { __VA_ARGS__ } }
+/* clang-format on */
+#define U24_SET BYTES_SET
+#define I24_SET BYTES_SET
+#define U40_SET BYTES_SET
+#define U48_SET BYTES_SET
+#define U64_SET BYTES_SET
 
 typedef const char *VIS_STRING;
 typedef const char *UTF8_STRING;

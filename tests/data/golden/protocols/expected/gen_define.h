@@ -37,7 +37,7 @@
 #define CO_ERR_HIST_COUNTS	0u, 0u, 0u
 #define CO_ACT_ERR_HIST_COUNTS	0u, 0u, 0u
 #define CO_EMCY_CONS_COUNTS	0u, 0u, 0u
-#define CO_NODE_IDS	5,6,0
+#define CO_NODE_IDS	5,6,
 #define CO_NODE_ID_FUNCTIONS	NULL,NULL,NULL
 /* Definition of numbers of CANopen services */
 #define CO_PROFILE_401	1u

@@ -70,6 +70,10 @@ static UNSIGNED8 * tx_mapping_2566853172_data[] = {
 	(UNSIGNED8 *)&pumpFlow,
 	(UNSIGNED8 *)&pumpTag[0]
 };
+/*  J1939 device Identifiy information (NAME PGN) */
+/*  TX PGN definitions */
+/*  RX PGN definitions */
+/*  J1939 PGN configuration */
 
 /* configuration of raw CAN settings */
 /*  TX CANID definitions */

@@ -36,7 +36,7 @@
 #define CO_ERR_HIST_COUNTS	0u, 0u
 #define CO_ACT_ERR_HIST_COUNTS	0u, 0u
 #define CO_EMCY_CONS_COUNTS	0u, 0u
-#define CO_NODE_IDS	32,33
+#define CO_NODE_IDS	32,33,0
 #define CO_NODE_ID_FUNCTIONS	NULL,NULL
 /* Definition of numbers of CANopen services */
 #define CO_SDO_SERVER_CNT	1u

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QLatin1StringView>
+#include <QtGlobal>
+
+class ObjectDataBase;
+
+/// An index for the time of a job that writes many rows of a table by their keys, so that each write need not read the
+/// table. It is never part of a saved project. One at a time in a store.
+class TemporaryIndex
+{
+public:
+    /// Keys of the signals of a line.
+    static constexpr QLatin1StringView spnKeys{"SPNs%1 (pgnnumber, spnnumber, direction)"};
+    static constexpr QLatin1StringView elementKeys{"DataElements%1 (canid, number, direction)"};
+
+    /// `tableAndColumns` with %1 for the line.
+    TemporaryIndex(ObjectDataBase &store, quint8 line, QLatin1StringView tableAndColumns);
+    ~TemporaryIndex();
+    Q_DISABLE_COPY_MOVE(TemporaryIndex)
+
+private:
+    ObjectDataBase &store_;
+};
