@@ -126,7 +126,7 @@ public:
         ObjectDataBase &store_;
     };
 
-    // ---- Object dictionary (objecttables.cpp, objectcopy.cpp) ------------------------------------------------------
+    // ---- Object dictionary (objecttables.cpp, objectqueries.cpp, objectcopy.cpp) -----------------------------------
 
     bool addIndex(quint8 line, quint16 index, const INDEX_DATA_T &data);
     bool addSubIndex(quint8 line, quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data);
