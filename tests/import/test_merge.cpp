@@ -229,7 +229,7 @@ TEST_F(Documentation, BringsPGNsAndSPNs)
     const QByteArray text = TestSupport::readFile(QStringLiteral(NCX_SOURCE_DIR "/tests/data/import-csv/docs_doc.txt"));
     const QString guide = QString::fromUtf8(TestSupport::readFile(QStringLiteral(NCX_SOURCE_DIR "/docs/import.md")));
     for (const QString &line : QString::fromUtf8(text).split(u'\n', Qt::SkipEmptyParts))
-        EXPECT_TRUE(guide.contains(u'\n' + line + u'\n')) << qPrintable(line);
+        EXPECT_TRUE(guide.contains(u"\n    "_s + line + u'\n')) << qPrintable(line);
     const Store store = ProjectBuilder().line(0, 2).store();
     ASSERT_TRUE(importText(store, text));
     const QString expected =
