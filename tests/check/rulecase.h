@@ -1,7 +1,7 @@
 #pragma once
 
 #include "check/checkrules.h"
-#include "store/objectdatabase.h"
+#include "support/projectscript.h"
 
 #include <QTemporaryDir>
 
@@ -41,13 +41,9 @@ public:
     /// The whole check, as a run does it.
     Outcome check();
 
-    const std::shared_ptr<ObjectDataBase> &store() const { return store_; }
+    const std::shared_ptr<ObjectDataBase> &store() const { return script_.store(); }
 
 private:
-    void run(const QString &command);
-    void runOnLine(const QString &word, const QString &rest);
-
     QTemporaryDir folder_;
-    std::shared_ptr<ObjectDataBase> store_ = std::make_shared<ObjectDataBase>();
-    quint8 line_ = 0;
+    TestSupport::ProjectScript script_;
 };
