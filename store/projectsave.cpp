@@ -24,14 +24,6 @@ QString cannotWrite(const QString &path)
     return u"The project cannot be written to %1."_s.arg(path);
 }
 
-/// Where a folder takes no new files, the one that is there can only be written over.
-bool overwrite(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    return QFile::exists(path) && file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-           file.write(content) == content.size() && file.flush();
-}
-
 /// Makes the file that a save is going to replace its own backup, too, so that the place is never empty; without one, a
 /// backup that is there stays. False where the file system knows no links.
 bool backUp(const QString &target, const QString &backup)
@@ -109,8 +101,8 @@ bool ObjectDataBase::saveDatabaseAsSql(const QString &path)
     return true;
 }
 
-/// The new file is complete, on disk and under a name of its own before it takes the place of the old one, so that at any
-/// moment the project or its backup is whole.
+/// The new file is complete, on disk and under a name of its own before it takes the place of the old one, so that at
+/// any moment the project or its backup is whole.
 bool ObjectDataBase::copyWorkingCopyTo(const QString &target)
 {
     QFile source(database_.databaseName());
@@ -125,7 +117,7 @@ bool ObjectDataBase::copyWorkingCopyTo(const QString &target)
     const QString folder = QFileInfo(target).path();
     WholeFile file(u"%1/.ncxsave%2"_s.arg(folder, QString::number(QCoreApplication::applicationPid())));
     if (!file.open(QIODevice::WriteOnly))
-        return !QFileInfo(folder).isWritable() && overwrite(target, content);
+        return WholeFile::overwriteInClosedFolder(target, content);
     if (file.write(content) != content.size() || !file.commitWhole())
         return false;
     if (!isBackedUp) {
