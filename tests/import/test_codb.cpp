@@ -65,12 +65,12 @@ QByteArrayList linesOf(const QString &path)
 // Each text in the folder has beside it the dump of the line that it makes, without and with its copy lines.
 TEST(CodbImport, Cases)
 {
-    for (const QString &path : ImportTest::casesIn(u"codb"_s, {u"*.codb"_s})) {
+    for (const QString &path : TestSupport::casesIn(u"codb"_s, {u"*.codb"_s})) {
         for (const bool resolve : {false, true}) {
             const bool hasCopies = path.endsWith("/copies.codb"_L1);
-            ImportTest::expectInFile(ImportTest::dump(*imported(path, resolve)),
-                                     u"codb/%1%2.txt"_s.arg(QFileInfo(path).completeBaseName(),
-                                                            resolve && hasCopies ? u"-resolved"_s : u""_s));
+            TestSupport::expectInFile(ImportTest::dump(*imported(path, resolve)),
+                                      u"codb/%1%2.txt"_s.arg(QFileInfo(path).completeBaseName(),
+                                                             resolve && hasCopies ? u"-resolved"_s : u""_s));
         }
     }
 }

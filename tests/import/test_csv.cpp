@@ -55,13 +55,13 @@ constexpr char wideHeader[] = "index,sub,datatype,access,edsname,value,";
 // Each table in the folder has beside it the dump of the line that it makes, however the spreadsheet saves it.
 TEST(CsvImport, Cases)
 {
-    for (const QString &path : ImportTest::casesIn(u"import-csv"_s, {u"*.csv"_s})) {
+    for (const QString &path : TestSupport::casesIn(u"import-csv"_s, {u"*.csv"_s})) {
         const QByteArray table = TestSupport::readFile(path);
         const QString text = QString::fromUtf8(table);
         const QByteArray utf16("\xff\xfe" + QByteArray(reinterpret_cast<const char *>(text.utf16()), text.size() * 2));
         for (const QByteArray &form : {table, QByteArray(table).replace('\n', "\r\n"), "\xef\xbb\xbf" + table, utf16})
-            ImportTest::expectInFile(ImportTest::dump(*imported(form)),
-                                     u"import-csv/%1.txt"_s.arg(QFileInfo(path).completeBaseName()));
+            TestSupport::expectInFile(ImportTest::dump(*imported(form)),
+                                      u"import-csv/%1.txt"_s.arg(QFileInfo(path).completeBaseName()));
     }
 }
 

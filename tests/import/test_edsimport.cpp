@@ -17,10 +17,10 @@ using ImportTest::importText;
 // Each description in the folder has beside it the dump of the project that it makes.
 TEST(EdsImport, Cases)
 {
-    for (const QString &path : ImportTest::casesIn(u"import"_s, {u"*.eds"_s, u"*.dcf"_s})) {
+    for (const QString &path : TestSupport::casesIn(u"import"_s, {u"*.eds"_s, u"*.dcf"_s})) {
         const auto store = emptyProject();
         ASSERT_TRUE(importEds(store, path));
-        ImportTest::expectInFile(dump(*store), u"import/%1.txt"_s.arg(QFileInfo(path).completeBaseName()));
+        TestSupport::expectInFile(dump(*store), u"import/%1.txt"_s.arg(QFileInfo(path).completeBaseName()));
     }
 }
 

@@ -80,7 +80,7 @@ TEST_F(Merge, Cases)
         EXPECT_TRUE(ImportDispatch::importFile(target, saved(lines.mid(1, into - 1))));
         cases[cases.indexOf(text)] = lines.join(u'\n') + u"\n| "_s + contents(*target).join("\n| "_L1);
     }
-    ImportTest::expectInFile(cases.join("\n\n== "_L1) + u'\n', u"merge/cases.txt"_s);
+    TestSupport::expectInFile(cases.join("\n\n== "_L1) + u'\n', u"merge/cases.txt"_s);
 }
 
 TEST_F(Merge, RefusesWhatIsNoProject)
@@ -119,16 +119,16 @@ TEST_F(Merge, OfOneLineIntoAnother)
 // Each text of the folder has beside it what it brings to a J1939 line.
 TEST_F(Documentation, Cases)
 {
-    for (const QString &text : ImportTest::casesIn(u"import-doc"_s, {u"*_doc.txt"_s})) {
+    for (const QString &text : TestSupport::casesIn(u"import-doc"_s, {u"*_doc.txt"_s})) {
         const QString expected = u"import-doc/%1.txt"_s.arg(QFileInfo(text).completeBaseName().chopped(4));
         const Store store = made({u"line 0 = 2"_s});
         ASSERT_TRUE(ImportDispatch::importFile(store, text));
-        ImportTest::expectInFile(contents(*store).join(u'\n') + u'\n', expected);
+        TestSupport::expectInFile(contents(*store).join(u'\n') + u'\n', expected);
         // Nothing is doubled by a second import, whatever the line ends, nor is noise at the end.
         const QByteArray again = TestSupport::readFile(text).replace('\n', "\r\n") + QByteArray(5000, '\0');
         ASSERT_TRUE(TestSupport::writeFile(path(u"my_doc.txt"_s), again));
         ASSERT_TRUE(ImportDispatch::importFile(store, path(u"my_doc.txt"_s)));
-        ImportTest::expectInFile(contents(*store).join(u'\n') + u'\n', expected);
+        TestSupport::expectInFile(contents(*store).join(u'\n') + u'\n', expected);
     }
     const QString guide = QString::fromUtf8(TestSupport::readFile(QStringLiteral(NCX_SOURCE_DIR "/docs/import.md")));
     const QByteArray shown =

@@ -8,7 +8,6 @@
 
 #include <QDir>
 #include <QEventLoop>
-#include <QJsonArray>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
@@ -84,18 +83,6 @@ TEST_F(Wire, TakesLinesHoweverTheyArrive)
     EXPECT_EQ(rest.value(1).toUtf8(), pong(6));
 }
 
-TEST_F(Wire, EndsWithItsInput)
-{
-    for (const QByteArray &input : {QByteArray(), QByteArray("\n"), ping(1).chopped(1), QByteArray("\0\0", 2)}) {
-        McpDriver server;
-        server.send(input);
-        expectQuietEnd(server);
-    }
-    McpDriver server;
-    server.send(openCall(1));
-    EXPECT_EQ(server.close().lines().size(), 2);
-}
-
 TEST_F(Wire, SurvivesAHostileClient)
 {
     constexpr int million = 1000000;
@@ -155,37 +142,6 @@ TEST_F(Wire, AnswersInOrderWhateverComesDuringALongRun)
                 << qPrintable(replies.at(i));
     }
     EXPECT_TRUE(QFile::exists(folder_.filePath(u"gen_indices.h"_s)));
-}
-
-TEST_F(Wire, OutlivesAClientThatStopsReading)
-{
-    writeFile(folder_.filePath(u"requests"_s),
-              openCall(1) + "\n" + call(2, "list_indices", "{\"line\":0}") + "\n" + call(3, "save_project") + "\n");
-    const QString script =
-        QStringLiteral("{ { sleep 0.2; cat requests; } | \"" NCX_BIN_DIR "/ncx_cli\" --mcp; echo $? > code; } | true");
-    ProcessRunner(u"/bin/sh"_s).arguments({u"-c"_s, script}).workingFolder(folder_.path()).run();
-    EXPECT_EQ(readFile(folder_.filePath(u"code"_s)), "0\n");
-    EXPECT_TRUE(QFile::exists(project_ + u".bak"_s)) << "the requests were not served to their end";
-}
-
-TEST_F(Wire, ServesTheProfilesOfTheFolderThatIsNamed)
-{
-    const auto profiles = [](const QStringList &arguments) {
-        McpDriver server(u"ncx_cli"_s, arguments);
-        server.sendLine("{\"id\":1,\"method\":\"resources/list\"}");
-        const QJsonObject result = server.reply().value("result"_L1).toObject();
-        EXPECT_EQ(server.close().exitCode, 0);
-        return result.value("resources"_L1).toArray().size();
-    };
-    const QString option = u"-codbpath"_s;
-    constexpr int builtIn = 22;
-    EXPECT_EQ(profiles({}), builtIn);
-    EXPECT_EQ(profiles({option}), builtIn);
-    EXPECT_EQ(profiles({option, u""_s}), builtIn);
-    EXPECT_EQ(profiles({u"-CODBPATH"_s, folder_.path()}), builtIn);
-    EXPECT_EQ(profiles({u"-project"_s, project_, option, folder_.path()}), 0);
-    writeFile(folder_.filePath(u"v999.codb"_s), "# own profile\n");
-    EXPECT_EQ(profiles({option, folder_.path()}), 1);
 }
 
 /// Puts one end of a pipe that does not block in the place of a standard stream.

@@ -61,6 +61,25 @@ bool TestSupport::writeFile(const QString &path, const QByteArray &content)
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
 
+void TestSupport::expectInFile(const QString &made, const QString &name)
+{
+    const QString path = QStringLiteral(NCX_SOURCE_DIR "/tests/data/") + name;
+    if (qEnvironmentVariableIntValue("NCX_ACCEPT") == 1)
+        writeFile(path, made.toUtf8());
+    else
+        EXPECT_EQ(made.toStdString(), readFile(path).toStdString()) << qPrintable(name);
+}
+
+QStringList TestSupport::casesIn(const QString &folder, const QStringList &endings)
+{
+    const QDir cases(QStringLiteral(NCX_SOURCE_DIR "/tests/data/") + folder);
+    QStringList paths;
+    for (const QString &name : cases.entryList(endings, QDir::Files))
+        paths.append(cases.filePath(name));
+    EXPECT_FALSE(paths.isEmpty());
+    return paths;
+}
+
 int main(int argc, char **argv)
 {
     testing::InitGoogleTest(&argc, argv);
