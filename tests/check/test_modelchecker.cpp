@@ -121,6 +121,7 @@ TEST(SpecialPGNs, FollowTheDiagnosticMessagesThatAreOn)
     project.j1939(u"diagsupport_dm9"_s, u"1"_s).j1939(u"diagsupport_dm2"_s, u"0"_s);
     QList<quint32> list = specialPGNs(*project.store()).mid(9);
     EXPECT_EQ(list, pgns.values());
+    EXPECT_EQ(specialPGNs(*project.store(), quint8(0)).size(), 9);
 }
 
 } // namespace
