@@ -203,7 +203,6 @@ void CsvImporter::doImport()
 
 void CsvImporter::importFile()
 {
-    rows_ = TableRows();
     if (filePath_.isEmpty() || !rows_.load(filePath_))
         return;
     const ObjectDataBase::Transaction transaction(*store_);
