@@ -31,10 +31,10 @@ constexpr std::array diagnosticRanges{
     DiagnosticRange{36, 52, 64868, -1},   DiagnosticRange{53, 55, 64721},       DiagnosticRange{56, 57, 64711, -1},
 };
 
-/// The setting has an entry for each line, or one for all.
-bool isOnSomeLine(ObjectDataBase &store, const QString &key)
+/// The setting has an entry for each line, or one for all. A line without the diagnostic message may define its PGN.
+bool isOnForAllLines(ObjectDataBase &store, const QString &key)
 {
-    return std::ranges::any_of(store.getJ1939Setting(key).split(u','), isOn);
+    return std::ranges::all_of(store.getJ1939Setting(key).split(u','), isOn);
 }
 
 } // namespace
@@ -45,8 +45,8 @@ QList<quint32> specialPGNs(ObjectDataBase &store)
     for (const DiagnosticRange &range : diagnosticRanges) {
         quint32 pgn = range.firstPgn;
         for (quint32 dm = range.firstDm; dm <= range.lastDm; ++dm, pgn += static_cast<quint32>(range.step)) {
-            const bool on = isOnSomeLine(store, u"diagsupport_dm%1"_s.arg(dm)) ||
-                            isOnSomeLine(store, u"diagsupport_dmtool%1"_s.arg(dm));
+            const bool on = isOnForAllLines(store, u"diagsupport_dm%1"_s.arg(dm)) ||
+                            isOnForAllLines(store, u"diagsupport_dmtool%1"_s.arg(dm));
             if (on && !pgns.contains(pgn))
                 pgns.append(pgn);
         }
