@@ -24,14 +24,6 @@ QString cannotWrite(const QString &path)
     return u"The project cannot be written to %1."_s.arg(path);
 }
 
-/// Where a folder takes no new files, the one that is there can only be written over.
-bool overwrite(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    return QFile::exists(path) && file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-           file.write(content) == content.size() && file.flush();
-}
-
 /// Makes the file that a save is going to replace its own backup, too, so that the place is never empty; without one, a
 /// backup that is there stays. False where the file system knows no links.
 bool backUp(const QString &target, const QString &backup)
@@ -109,10 +101,13 @@ bool ObjectDataBase::saveDatabaseAsSql(const QString &path)
     return true;
 }
 
-/// The new file is complete, on disk and under a name of its own before it takes the place of the old one, so that at any
-/// moment the project or its backup is whole.
-bool ObjectDataBase::copyWorkingCopyTo(const QString &target)
+/// The new file is complete, on disk and under a name of its own before it takes the place of the old one, so that at
+/// any moment the project or its backup is whole.
+bool ObjectDataBase::copyWorkingCopyTo(const QString &path)
 {
+    // Behind a link, it is the file that is saved, and not the link that is lost.
+    const QString behindLinks = QFileInfo(path).canonicalFilePath();
+    const QString target = behindLinks.isEmpty() ? path : behindLinks;
     QFile source(database_.databaseName());
     if (target.isEmpty() || !source.open(QIODevice::ReadOnly))
         return false;
@@ -120,12 +115,12 @@ bool ObjectDataBase::copyWorkingCopyTo(const QString &target)
     if (content.size() != source.size())
         return false;
 
-    const QString backup = target + ".bak"_L1;
+    const QString backup = path + ".bak"_L1;
     const bool isBackedUp = backUp(target, backup);
     const QString folder = QFileInfo(target).path();
     WholeFile file(u"%1/.ncxsave%2"_s.arg(folder, QString::number(QCoreApplication::applicationPid())));
     if (!file.open(QIODevice::WriteOnly))
-        return !QFileInfo(folder).isWritable() && overwrite(target, content);
+        return WholeFile::overwriteInClosedFolder(target, content);
     if (file.write(content) != content.size() || !file.commitWhole())
         return false;
     if (!isBackedUp) {
