@@ -2,12 +2,13 @@
 
 #include <QDomDocument>
 #include <QFile>
+#include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 
 bool VersionReader::setFile(const QString &path)
 {
-    if (!QFile::exists(path))
+    if (!QFileInfo(path).isFile())
         return false;
     file_ = path;
     return true;

@@ -11,8 +11,8 @@ using namespace Qt::StringLiterals;
 std::optional<QString> PlainTemplateSource::text(const QString &path) const
 {
     QFile file(path);
-    // A folder opens on some systems, and gives nothing.
-    if (QFileInfo(path).isDir() || !file.open(QIODevice::ReadOnly | QIODevice::Text))
+    // A folder opens on some systems, and gives nothing; a pipe or device would never end.
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text))
         return {};
     const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError)

@@ -1,5 +1,7 @@
 #include "import/tablerows.h"
 
+#include <algorithm>
+
 namespace {
 
 /// More lines than a person writes into one field; a quote that is open for longer was not meant as one.
@@ -51,18 +53,19 @@ private:
 
 bool TableRows::load(const QString &path)
 {
+    *this = TableRows();
     const bool loaded = text_.load(path);
     lines_ = EdsLines(text_.bytes());
     return loaded;
 }
 
-/// Takes a line; the empty one between a CR and its LF is none.
-bool TableRows::nextLine(EdsLines &lines, QString &line) const
+/// Reads a line; the empty one between a CR and its LF is none.
+bool TableRows::readLine(QString &line)
 {
     const QByteArrayView bytes = text_.bytes();
     QByteArrayView found;
-    while (lines.next(found)) {
-        const qsizetype start = lines.lineStart();
+    while (lines_.next(found)) {
+        const qsizetype start = lines_.lineStart();
         if (found.isEmpty() && start > 0 && start < bytes.size() && bytes[start - 1] == '\r' && bytes[start] == '\n')
             continue;
         line = text_.decode(found);
@@ -73,25 +76,40 @@ bool TableRows::nextLine(EdsLines &lines, QString &line) const
 
 bool TableRows::next(QString &line)
 {
-    if (!nextLine(lines_, line))
+    if (!ahead_.isEmpty())
+        line = ahead_.takeFirst();
+    else if (!readLine(line))
         return false;
+    leftOpen_ = std::max<qsizetype>(0, leftOpen_ - 1);
     if (line.startsWith(u'#') || !line.contains(u'"'))
         return true;
     QuotedRow row(separator_);
     row.add(line);
-    EdsLines ahead = lines_;
-    QString joined = line;
-    QString more;
-    for (int count = 1; row.isOpen() && count < maxLinesOfRow && nextLine(ahead, more); ++count) {
-        more.prepend(u'\n');
-        joined += more;
-        row.add(more);
-        if (!row.isOpen()) {
-            line = joined;
-            lines_ = ahead;
-        }
-    }
+    if (row.isOpen())
+        joinRow(line);
     return true;
+}
+
+/// Adds to a line whose last quote is open those up to the end of the quote, if that comes soon enough. A line that
+/// leaves one open quote open does the same to any other, so none is looked at twice.
+void TableRows::joinRow(QString &line)
+{
+    for (; leftOpen_ < maxLinesOfRow - 1; ++leftOpen_) {
+        if (leftOpen_ == ahead_.size()) {
+            QString more;
+            if (!readLine(more))
+                return;
+            ahead_.append(more);
+        }
+        QuotedRow rest(separator_);
+        rest.add(u'"' + ahead_[leftOpen_]);
+        if (rest.isOpen())
+            continue;
+        for (; leftOpen_ >= 0; --leftOpen_)
+            line += u'\n' + ahead_.takeFirst();
+        leftOpen_ = 0;
+        return;
+    }
 }
 
 QStringList TableRows::fieldsOf(const QString &line) const

@@ -12,10 +12,14 @@
 class TableRows
 {
 public:
-    /// False if the file cannot be read.
+    /// Begins with another file; false if it cannot be read.
     bool load(const QString &path);
 
-    void setSeparator(QChar separator) { separator_ = separator; }
+    void setSeparator(QChar separator)
+    {
+        separator_ = separator;
+        leftOpen_ = 0;
+    }
     QChar separator() const { return separator_; }
 
     /// Takes the next line, with those that a quoted field goes on in; false at the end of the file. A line that begins
@@ -25,9 +29,12 @@ public:
     QStringList fieldsOf(const QString &line) const;
 
 private:
-    bool nextLine(EdsLines &lines, QString &line) const;
+    bool readLine(QString &line);
+    void joinRow(QString &line);
 
     EdsText text_;
     EdsLines lines_{{}};
     QChar separator_ = u',';
+    QStringList ahead_;      ///< lines read but not taken yet
+    qsizetype leftOpen_ = 0; ///< how many of these, from the first, do not end a quote that is open before them
 };

@@ -3,6 +3,7 @@
 #include "ncx_cli/app/debuglog.h"
 #include "ncx_cli/mcp/mcpmainapp.h"
 #include "nodedict/cohelper.h"
+#include "store/workingcopies.h"
 #include "texttools/helper.h"
 
 #include <QCoreApplication>
@@ -10,10 +11,23 @@
 
 #include <csignal>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
+
+/// A file that is opened in the place of a closed standard stream would be read as input, or take the messages.
+void fillStandardStreams()
+{
+    int file = 0;
+    while (file >= 0 && file <= STDERR_FILENO)
+        file = open("/dev/null", O_RDWR);
+    if (file > STDERR_FILENO)
+        close(file);
+}
 
 void setIdentity(QCoreApplication &application)
 {
@@ -48,9 +62,11 @@ int runBatch(const QCoreApplication &application)
 
 int main(int argc, char **argv)
 {
+    fillStandardStreams();
     DebugLog::install();
     // A reader of the output that goes away must not keep the pass from its end, which may be a save.
     std::signal(SIGPIPE, SIG_IGN);
+    WorkingCopies::removeOnSignals();
     QCoreApplication application(argc, argv);
     setIdentity(application);
     [[maybe_unused]] const Helper helper(3);

@@ -9,6 +9,12 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+constexpr qint64 maxFileSize = 16 << 20;
+
+} // namespace
+
 bool DatabaseModifier::applyModifierFile()
 {
     failedLine_.clear();
@@ -16,9 +22,10 @@ bool DatabaseModifier::applyModifierFile()
         return false;
     store_->setBlocked(false);
     qDebug().noquote() << "Applying " << path_;
+    const QFileInfo info(path_);
     QFile file(path_);
     // A pipe or device would never end.
-    if (!QFileInfo(path_).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text))
+    if (!info.isFile() || info.size() > maxFileSize || !file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
     QTextStream stream(&file);
     QString line;

@@ -43,7 +43,8 @@ QString ObjectDataBase::computeFileHash()
     }
     for (const QString &table : std::as_const(tables)) {
         hash.addData(table.toUtf8() + '\n');
-        const QString own = table == "MiscSettings"_L1 ? u" WHERE item NOT IN ('FileHash','TamperLog')"_s : QString();
+        const bool holdsHash = table.compare("MiscSettings"_L1, Qt::CaseInsensitive) == 0;
+        const QString own = holdsHash ? u" WHERE item NOT IN ('FileHash','TamperLog')"_s : QString();
         if (!execQuery(query, u"SELECT * FROM \"%1\"%2 ORDER BY rowid"_s.arg(table, own)))
             continue;
         const int columns = query.record().count();

@@ -2,6 +2,7 @@
 
 #include "store/recordcolumns.h"
 #include "store/schema.h"
+#include "store/workingcopies.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -22,12 +23,13 @@ namespace {
 constexpr int closeTimeoutMs = 5000;
 constexpr int newProjectCachePages = 16384;
 
-/// Fills a file that has just been made with the contents of another; false if the other cannot be read.
+/// Fills a file that has just been made with the contents of a database; false if that cannot be read.
 bool fill(QFile &target, const QString &source)
 {
+    constexpr QByteArrayView signature("SQLite format 3");
     QFile file(source);
-    // A pipe or device would never end.
-    if (!QFileInfo(source).isFile() || !file.open(QIODevice::ReadOnly))
+    // A pipe or device would never end, and what is no database may be larger than the disk.
+    if (!QFileInfo(source).isFile() || !file.open(QIODevice::ReadOnly) || file.peek(signature.size()) != signature)
         return false;
     constexpr qint64 block = 1 << 20;
     while (!file.atEnd()) {
@@ -79,7 +81,7 @@ ObjectDataBase::~ObjectDataBase()
     database_ = QSqlDatabase();
     QSqlDatabase::removeDatabase(connectionName_);
     for (const QString &copy : std::as_const(workingCopies_))
-        QFile::remove(copy);
+        WorkingCopies::remove(copy);
 }
 
 void ObjectDataBase::closeDatabase()
@@ -107,6 +109,7 @@ QString ObjectDataBase::makeWorkingCopy(const QString &source)
             return {};
         }
         workingCopies_.append(path);
+        WorkingCopies::add(path);
         file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser);
         if (!source.isEmpty() && !fill(file, source))
             file.resize(0);

@@ -323,7 +323,7 @@ private:
     void applyPragmas(int cachePages);
     void forgetCaches();
     void writeIdentity();
-    bool copyWorkingCopyTo(const QString &target);
+    bool copyWorkingCopyTo(const QString &path);
     bool createGlobalTables();
 
     // Steps of an open

@@ -103,8 +103,11 @@ bool ObjectDataBase::saveDatabaseAsSql(const QString &path)
 
 /// The new file is complete, on disk and under a name of its own before it takes the place of the old one, so that at
 /// any moment the project or its backup is whole.
-bool ObjectDataBase::copyWorkingCopyTo(const QString &target)
+bool ObjectDataBase::copyWorkingCopyTo(const QString &path)
 {
+    // Behind a link, it is the file that is saved, and not the link that is lost.
+    const QString behindLinks = QFileInfo(path).canonicalFilePath();
+    const QString target = behindLinks.isEmpty() ? path : behindLinks;
     QFile source(database_.databaseName());
     if (target.isEmpty() || !source.open(QIODevice::ReadOnly))
         return false;
@@ -112,7 +115,7 @@ bool ObjectDataBase::copyWorkingCopyTo(const QString &target)
     if (content.size() != source.size())
         return false;
 
-    const QString backup = target + ".bak"_L1;
+    const QString backup = path + ".bak"_L1;
     const bool isBackedUp = backUp(target, backup);
     const QString folder = QFileInfo(target).path();
     WholeFile file(u"%1/.ncxsave%2"_s.arg(folder, QString::number(QCoreApplication::applicationPid())));

@@ -20,6 +20,7 @@ namespace SettingsText {
 namespace {
 
 constexpr qsizetype bufferSize = 1 << 16;
+constexpr qint64 maxFileSize = 512LL << 20; ///< a text beyond this is no project
 constexpr auto generalSection = "general"_L1;
 
 bool isPlainKeyCharacter(char16_t ch)
@@ -398,9 +399,10 @@ bool Writer::flush()
 
 bool Reader::open(const QString &path)
 {
+    const QFileInfo info(path);
     QFile file(path);
     // A pipe or device would never end.
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+    if (!info.isFile() || info.size() > maxFileSize || !file.open(QIODevice::ReadOnly))
         return false;
     setContent(file.readAll());
     return file.error() == QFileDevice::NoError;

@@ -16,9 +16,9 @@ ObjectReader::ObjectReader(ObjectDataBase &store, quint8 line, quint16 first)
 ObjectRecords ObjectReader::read(quint16 index) const
 {
     ObjectRecords records{.line = line_, .index = index, .object = objects_.value(index), .subs = {}};
-    for (const ObjectDataBase::SubEntry &entry :
-         std::ranges::equal_range(subs_, index, {}, &ObjectDataBase::SubEntry::index))
-        records.subs.append({entry.subindex, entry.data});
+    auto entry = std::ranges::lower_bound(subs_, index, {}, &ObjectDataBase::SubEntry::index);
+    for (; entry != subs_.end() && entry->index == index; ++entry)
+        records.subs.append({entry->subindex, entry->data});
     return records;
 }
 

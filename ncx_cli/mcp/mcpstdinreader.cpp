@@ -4,6 +4,12 @@
 
 #include <QMutexLocker>
 
+namespace {
+
+constexpr qsizetype maxLineLength = 128 << 20;
+
+} // namespace
+
 void MCPStdinReader::setReadingEnabled(bool enabled)
 {
     const QMutexLocker locker(&mutex_);
@@ -26,18 +32,24 @@ void MCPStdinReader::waitUntilEnabled()
         enabled_.wait(&mutex_);
 }
 
-/// False at the end of the input.
+/// False at the end of the input. A line beyond any request is left out, so that one without an end takes no memory; an
+/// empty one stands for it.
 bool MCPStdinReader::readLine(QByteArray &line)
 {
     line.clear();
+    bool tooLong = false;
     for (;;) {
         const qsizetype end = chunk_.indexOf('\n', position_);
+        const qsizetype size = (end >= 0 ? end : chunk_.size()) - position_;
+        tooLong = tooLong || line.size() + size > maxLineLength;
+        if (tooLong)
+            line = QByteArray();
+        else
+            line.append(chunk_.constData() + position_, size);
         if (end >= 0) {
-            line.append(chunk_.constData() + position_, end - position_);
             position_ = end + 1;
             return true;
         }
-        line.append(chunk_.constData() + position_, chunk_.size() - position_);
         position_ = 0;
         chunk_ = StandardStreams::readInput();
         if (chunk_.isEmpty())
