@@ -227,9 +227,8 @@ class OddStages:
 
     def calls(self):
         """A run ends at, or fails in, each of the system calls that it changes files with."""
-        from_strace = subprocess.run(["strace", "-o", "/dev/null", "true"], stderr=subprocess.DEVNULL) \
-            if shutil.which("strace") else None
-        if not from_strace or from_strace.returncode != 0:
+        if not shutil.which("strace") or subprocess.run(["strace", "-o", "/dev/null", "true"],
+                                                        stderr=subprocess.DEVNULL).returncode != 0:
             raise self.skip("needs strace")
         folder, home = self.folder("calls"), self.folder("calls-home")
         project = self.project(folder, 5)
@@ -238,10 +237,11 @@ class OddStages:
         self.run(*arguments, home=home)
         after, last = self.content(project), project.read_bytes()
         names = "link,linkat,rename,unlink,fdatasync,fsync,chmod,fchmod,ftruncate"
+        all_names = f"{names},write,pwrite64"
         told = {}
         for threads in ([], ["-f"]):
-            for effect, traced in (("signal=KILL", names), ("error=EIO", f"{names},write,pwrite64"),
-                                   ("error=ENOSPC", f"{names},write,pwrite64")):
+            for effect, traced in (("signal=KILL", names), ("signal=KILL", all_names), ("error=EIO", all_names),
+                                   ("error=ENOSPC", all_names)):
                 count = self.count_calls(threads, traced, arguments, home, project, fresh)
                 limit = 12 if threads else count
                 step = max(1, limit // (4 if self.options.short else 120))
