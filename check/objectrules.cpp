@@ -161,11 +161,13 @@ bool isVariable(const QString &name)
 
 // ---- Values
 
+/// A value of UNSIGNED7 passes as it stands, like those of the types that hold no numbers.
 void valueUnreadable(ModelChecker &checker, const CheckSubject &subject)
 {
     const CheckedSubindex &sub = *subject.sub;
     const QString &value = sub.data.defaultvalue;
-    if (sub.index >= firstCommunicationObject && !value.isEmpty() && !isReadable(value, formOf(sub.data.datatype)))
+    const Form form = sub.data.datatype == CAN::Unsigned7 ? Form::Other : formOf(sub.data.datatype);
+    if (sub.index >= firstCommunicationObject && !value.isEmpty() && !isReadable(value, form))
         checker.reportError(u"<strong>Error: </strong>Value conversion failed with Object 0x%1-0x%2."_s.arg(
             hex4(sub.index), hex2(sub.subindex)));
 }

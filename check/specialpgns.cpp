@@ -1,7 +1,9 @@
 #include "check/specialpgns.h"
 
+#include "check/storevalue.h"
 #include "store/objectdatabase.h"
 
+#include <algorithm>
 #include <array>
 
 using namespace Qt::StringLiterals;
@@ -29,6 +31,12 @@ constexpr std::array diagnosticRanges{
     DiagnosticRange{36, 52, 64868, -1},   DiagnosticRange{53, 55, 64721},       DiagnosticRange{56, 57, 64711, -1},
 };
 
+/// The setting has an entry for each line, or one for all.
+bool isOnSomeLine(ObjectDataBase &store, const QString &key)
+{
+    return std::ranges::any_of(store.getJ1939Setting(key).split(u','), isOn);
+}
+
 } // namespace
 
 QList<quint32> specialPGNs(ObjectDataBase &store)
@@ -37,8 +45,8 @@ QList<quint32> specialPGNs(ObjectDataBase &store)
     for (const DiagnosticRange &range : diagnosticRanges) {
         quint32 pgn = range.firstPgn;
         for (quint32 dm = range.firstDm; dm <= range.lastDm; ++dm, pgn += static_cast<quint32>(range.step)) {
-            const bool on = store.getJ1939Setting(u"diagsupport_dm%1"_s.arg(dm)).toInt() > 0 ||
-                            store.getJ1939Setting(u"diagsupport_dmtool%1"_s.arg(dm)).toInt() > 0;
+            const bool on = isOnSomeLine(store, u"diagsupport_dm%1"_s.arg(dm)) ||
+                            isOnSomeLine(store, u"diagsupport_dmtool%1"_s.arg(dm));
             if (on && !pgns.contains(pgn))
                 pgns.append(pgn);
         }

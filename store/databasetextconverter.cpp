@@ -5,6 +5,7 @@
 #include "store/settingstext.h"
 #include "texttools/wholefile.h"
 
+#include <QBuffer>
 #include <QDebug>
 #include <QRegularExpression>
 #include <QSqlError>
@@ -243,12 +244,21 @@ bool DatabaseTextConverter::convertSqlToText()
     if (writeFailed_)
         return true;
     WholeFile file(*file_);
-    if (!file.open(QIODevice::WriteOnly)) {
-        qDebug().noquote() << "convertSqlToText" << *file_ << file.errorString();
-        writeFailed_ = true;
-        return true;
+    if (file.open(QIODevice::WriteOnly)) {
+        writeFailed_ = !writeTables(tables, file) || !file.commitWhole();
+    } else {
+        QBuffer text;
+        text.open(QIODevice::WriteOnly);
+        writeFailed_ = !writeTables(tables, text) || !WholeFile::overwriteInClosedFolder(*file_, text.data());
     }
-    SettingsText::Writer writer(file);
+    if (writeFailed_)
+        qDebug().noquote() << "convertSqlToText" << *file_ << file.errorString();
+    return true;
+}
+
+bool DatabaseTextConverter::writeTables(const QStringList &tables, QIODevice &device)
+{
+    SettingsText::Writer writer(device);
     const LineTypes lineTypes(database_);
     for (const QString &table : tables) {
         if (holdsOneOf(table, ignoredWords) || lineTypes.isLeftOut(table))
@@ -258,10 +268,7 @@ bool DatabaseTextConverter::convertSqlToText()
         else
             qDebug().noquote() << "unhandled table" << table;
     }
-    writeFailed_ = !writer.flush() || !file.commitWhole();
-    if (writeFailed_)
-        qDebug().noquote() << "convertSqlToText" << *file_ << file.errorString();
-    return true;
+    return writer.flush();
 }
 
 void DatabaseTextConverter::replaceNulls(const QString &table)

@@ -8,6 +8,7 @@
 #include <optional>
 
 class ObjectDataBase;
+class QIODevice;
 namespace SettingsText {
 class Reader;
 class Writer;
@@ -39,8 +40,9 @@ public:
     void setInputFile(const QString &path) { file_ = path; }
     void setOutputFile(const QString &path) { file_ = path; }
 
-    /// Writes the project, replacing the file as a whole or, where that fails, not at all (which is logged). Every NULL
-    /// of a number or text column becomes 0 or empty in the database first. False only if no file has been set.
+    /// Writes the project, replacing the file as a whole or, where that fails, not at all (which is logged). Only in a
+    /// folder that takes no new files it is written over. Every NULL of a number or text column becomes 0 or empty in
+    /// the database first. False only if no file has been set.
     bool convertSqlToText();
     /// True if the last conversion to text could not write its file.
     bool writeFailed() const { return writeFailed_; }
@@ -55,6 +57,7 @@ private:
 
     QStringList tableNames() const;
     void replaceNulls(const QString &table);
+    bool writeTables(const QStringList &tables, QIODevice &device);
     void writeTable(const QString &table, const TableForm &form, SettingsText::Writer &writer);
     void writeSettings(const QString &table, SettingsText::Writer &writer);
     void writeRows(const QString &table, const TableForm &form, SettingsText::Writer &writer);

@@ -19,7 +19,7 @@ namespace {
 std::optional<uint> numberOf(const QString &text)
 {
     bool ok = false;
-    const uint number = text.toUInt(&ok, text.startsWith("0x"_L1) ? 16 : 10);
+    const uint number = text.toUInt(&ok, text.startsWith("0x"_L1, Qt::CaseInsensitive) ? 16 : 10);
     return ok && text.front().isDigit() ? std::optional(number) : std::nullopt;
 }
 

@@ -24,14 +24,6 @@ QString cannotWrite(const QString &path)
     return u"The project cannot be written to %1."_s.arg(path);
 }
 
-/// Where a folder takes no new files, the one that is there can only be written over.
-bool overwrite(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    return QFile::exists(path) && file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-           file.write(content) == content.size() && file.flush();
-}
-
 /// Makes the file that a save is going to replace its own backup, too, so that the place is never empty; without one, a
 /// backup that is there stays. False where the file system knows no links.
 bool backUp(const QString &target, const QString &backup)
@@ -128,7 +120,7 @@ bool ObjectDataBase::copyWorkingCopyTo(const QString &path)
     const QString folder = QFileInfo(target).path();
     WholeFile file(u"%1/.ncxsave%2"_s.arg(folder, QString::number(QCoreApplication::applicationPid())));
     if (!file.open(QIODevice::WriteOnly))
-        return !QFileInfo(folder).isWritable() && overwrite(target, content);
+        return WholeFile::overwriteInClosedFolder(target, content);
     if (file.write(content) != content.size() || !file.commitWhole())
         return false;
     if (!isBackedUp) {

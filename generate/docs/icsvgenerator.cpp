@@ -21,27 +21,27 @@ namespace {
 using Object = ObjectRecords;
 using Sub = ObjectRecords::Sub;
 
-/// The variable itself rather than an item of a list.
-bool isVariable(const Object &object, const Sub &sub)
+/// The row tells of an object without items, a variable or a domain, rather than of an item.
+bool isWholeObject(const Object &object, const Sub &sub)
 {
-    return object.object.objecttype == CANopen::Var && sub.subindex == 0;
+    return !object.isGroup() && sub.subindex == 0;
 }
 
 /// The word is on the row that tells of the object: an importer takes it from there.
 QString codeOf(const Object &object, const Sub &sub)
 {
-    const bool tells = !object.isGroup() && (sub.subindex == 0 || object.object.objecttype == CANopen::Var);
+    const bool tells = isWholeObject(object, sub) || object.object.objecttype == CANopen::Var;
     return tells ? COHelper::objectCode2String(object.object.objecttype) : QString();
 }
 
 QString typeOf(const Object &object, const Sub &sub)
 {
-    return COHelper::index2DataTypeString(isVariable(object, sub) ? object.object.datatype : sub.data.datatype);
+    return COHelper::index2DataTypeString(isWholeObject(object, sub) ? object.object.datatype : sub.data.datatype);
 }
 
 QString nameOf(const Object &object, const Sub &sub)
 {
-    return field(isVariable(object, sub) ? object.name() : object.name(sub));
+    return field(isWholeObject(object, sub) ? object.name() : object.name(sub));
 }
 
 /// A row of the table is one line, so that the text's line breaks are spelled out.
@@ -52,8 +52,7 @@ QString descriptionField(const QString &text)
 
 QString descriptionOf(const Object &object, const Sub &sub)
 {
-    const bool alone = !object.isGroup() && sub.subindex == 0;
-    return descriptionField(alone ? object.plainDescription() : sub.data.description);
+    return descriptionField(isWholeObject(object, sub) ? object.plainDescription() : sub.data.description);
 }
 
 struct Column

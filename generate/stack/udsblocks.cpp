@@ -261,6 +261,7 @@ std::optional<UdsBlocks> UdsBlocks::collect(ObjectDataBase &store)
     UdsBlocks uds;
     uds.version = std::max<quint8>(1, static_cast<quint8>(number(store, u"udsserver_version"_s)));
     uds.bootloader = store.getGeneralSetting(u"uds_bl_setting"_s) == "1"_L1;
+    uds.multiLine = lines.size() > 1 || store.getMiscSetting(u"generateML"_s) == "true"_L1;
     for (qsizetype i = 0; i < lines.size(); ++i) {
         const quint8 line = lines.at(i);
         uds.lines.append({
@@ -337,7 +338,7 @@ void writeUdsInitCalls(CodeWriter &out, const UdsBlocks &uds)
     out(u"/* UDS line initialization */ ");
     for (const UdsBlocks::Line &line : uds.lines) {
         const QString number = Code::dec(line.line);
-        if (uds.lines.size() > 1)
+        if (uds.multiLine)
             out(u"retVal = udsStackInit_line(${LINE}, &udsLine${LINE});", {{"LINE", number}});
         else
             out(u"retVal = udsStackInit_line(&udsLine${LINE});", {{"LINE", number}});

@@ -43,6 +43,7 @@ struct UdsBlocks
 
     quint8 version = 1;      ///< of the structures
     bool bootloader = false; ///< the CAN-IDs are known when the bootloader runs, and not before
+    bool multiLine = false;  ///< calls carry the line: there are several, or one is to be written like one of several
     QList<Line> lines;
 };
 

@@ -112,12 +112,15 @@ QJsonObject spnObject(quint32 number, const ObjectDataBase::SPN &data)
 
 QJsonArray spnsOf(const ToolCall &call)
 {
+    ObjectDataBase &store = call.store();
     QJsonArray list;
-    for (const quint32 number : call.store().getSPNList(call.line(), pgnOf(call), direction(call))) {
+    store.cacheSPNs(call.line());
+    for (const quint32 number : store.getSPNList(call.line(), pgnOf(call), direction(call))) {
         ObjectDataBase::SPN data;
-        if (call.store().getSPN(call.line(), pgnOf(call), direction(call), number, data))
+        if (store.getSPN(call.line(), pgnOf(call), direction(call), number, data))
             list.append(spnObject(number, data));
     }
+    store.clearSPNCache();
     return list;
 }
 

@@ -108,12 +108,11 @@ Reply listCANIDs(const ToolCall &call)
 QJsonArray elementsOf(const ToolCall &call)
 {
     QJsonArray list;
-    for (const quint32 each : call.store().getDataElementList(call.line(), canIdOf(call), direction(call))) {
-        ObjectDataBase::DataElement data;
-        if (!call.store().getDataElement(call.line(), canIdOf(call), direction(call), each, data))
+    for (const ObjectDataBase::DataElement &data : call.store().getAllDataElements(call.line())) {
+        if (data.pgnnumber != canIdOf(call) || data.direction != direction(call))
             continue;
         QJsonObject object = MessageTools::signalObject(data);
-        object.insert(u"number"_s, qint64{each});
+        object.insert(u"number"_s, qint64{data.spnnumber});
         list.append(object);
     }
     return list;

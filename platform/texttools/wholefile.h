@@ -14,6 +14,10 @@ public:
     /// False, with the error of the file set, leaves the former file in its place.
     bool commitWhole();
 
+    /// Writes over a file in a folder that takes no new files, which is all that can be done there. False, with nothing
+    /// done, in any other folder or for a file that is missing.
+    static bool overwriteInClosedFolder(const QString &path, const QByteArray &content);
+
 protected:
     qint64 writeData(const char *data, qint64 length) override;
 

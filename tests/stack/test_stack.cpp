@@ -228,14 +228,14 @@ TEST(CompiledSources, RareCombinationsAreValidC)
     struct Row
     {
         QList<int> lineTypes;
-        QStringList settings; ///< general ones that are set to 1
+        QStringList settings; ///< that are set, in whichever table they belong
     };
     const QStringList uds{u"udsserver_supported"_s, u"isotp_supported"_s, u"uds_server_active"_s};
     for (const Row &row :
          {Row{{5}, {u"canfd_supported"_s, u"generate_string_defaults"_s, u"overwrite_predef"_s}},
           Row{{7}, uds + QStringList{u"uds_static_indication"_s}}, Row{{5, 1}, uds + QStringList{u"canfd_supported"_s}},
-          Row{{1, 2, 5}, {u"cia510serversupport"_s}}, Row{{2}, uds}, Row{{2, 2}, uds},
-          Row{{4}, uds + QStringList{u"uds_bl_setting"_s}}}) {
+          Row{{1}, uds + QStringList{u"generateML"_s}}, Row{{1, 2, 5}, {u"cia510serversupport"_s}}, Row{{2}, uds},
+          Row{{2, 2}, uds}, Row{{4}, uds + QStringList{u"uds_bl_setting"_s}}}) {
         for (const bool classic : {false, true}) {
             SCOPED_TRACE(qPrintable(row.settings.join(u' ') + (classic ? u", classic"_s : QString())));
             ProjectBuilder project;
@@ -245,7 +245,7 @@ TEST(CompiledSources, RareCombinationsAreValidC)
                 project.pgn(0xFE00, ObjectDataBase::transmit, u"any"_s).spn(1, u"any"_s);
             }
             for (const QString &key : row.settings)
-                project.general(key, u"1"_s).j1939(key, u"1"_s);
+                project.general(key, u"1"_s).j1939(key, u"1"_s).misc(key, u"true"_s);
             GeneratedSources sources(classic);
             ASSERT_TRUE(project.save(sources.folder() + u"/rare.ncxp"_s));
             ASSERT_TRUE(sources.openProject(sources.folder() + u"/rare.ncxp"_s) && sources.generate());
