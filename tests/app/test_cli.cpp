@@ -110,7 +110,7 @@ TEST(MainApp, TurnsTheResultOfARunIntoAnExitCode)
     };
     for (const auto &[runResult, exitCode, text] : rows) {
         CLIOutputHandler output;
-        CLIMainApp app({}, output);
+        CLIMainApp app({}, &output);
         int finished = 0;
         QObject::connect(&app, &CLIMainApp::finished, &app, [&finished] { ++finished; });
         app.generatorFinished(runResult);
