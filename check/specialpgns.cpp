@@ -31,22 +31,24 @@ constexpr std::array diagnosticRanges{
     DiagnosticRange{36, 52, 64868, -1},   DiagnosticRange{53, 55, 64721},       DiagnosticRange{56, 57, 64711, -1},
 };
 
-/// The setting has an entry for each line, or one for all. A line without the diagnostic message may define its PGN.
-bool isOnForAllLines(ObjectDataBase &store, const QString &key)
+/// The setting has an entry for each line, or one for all.
+bool isOnFor(ObjectDataBase &store, const QString &key, std::optional<quint8> line)
 {
-    return std::ranges::all_of(store.getJ1939Setting(key).split(u','), isOn);
+    if (line)
+        return isOn(store.getJ1939Setting(key, *line));
+    return std::ranges::any_of(store.getJ1939Setting(key).split(u','), isOn);
 }
 
 } // namespace
 
-QList<quint32> specialPGNs(ObjectDataBase &store)
+QList<quint32> specialPGNs(ObjectDataBase &store, std::optional<quint8> line)
 {
     QList<quint32> pgns(alwaysSpecial.begin(), alwaysSpecial.end());
     for (const DiagnosticRange &range : diagnosticRanges) {
         quint32 pgn = range.firstPgn;
         for (quint32 dm = range.firstDm; dm <= range.lastDm; ++dm, pgn += static_cast<quint32>(range.step)) {
-            const bool on = isOnForAllLines(store, u"diagsupport_dm%1"_s.arg(dm)) ||
-                            isOnForAllLines(store, u"diagsupport_dmtool%1"_s.arg(dm));
+            const bool on = isOnFor(store, u"diagsupport_dm%1"_s.arg(dm), line) ||
+                            isOnFor(store, u"diagsupport_dmtool%1"_s.arg(dm), line);
             if (on && !pgns.contains(pgn))
                 pgns.append(pgn);
         }

@@ -369,7 +369,7 @@ StoreRecords::SubIndexData CsvImporter::recordOf(const Place &place, const Row &
 
     record.limitineds = row.has(LowLimit) || row.has(UpLimit);
     if (row.has(HasLimit))
-        record.limitineds = flagOf(row.text(HasLimit)).value_or(0) != 0;
+        record.limitineds = row.word(HasLimit) == "yes"_L1;
     record.lowlimit = row.text(LowLimit);
     record.uplimit = row.text(UpLimit);
     fillEmptyLimits(record);

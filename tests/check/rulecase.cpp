@@ -62,6 +62,13 @@ auto numeric()
     };
 }
 
+/// An entry of the metadata.
+template <class Record>
+auto entry(const QString &key)
+{
+    return [key](Record &record, const QString &value) { record.metadata.insert(key, value); };
+}
+
 using Index = StoreRecords::IndexData;
 using Sub = StoreRecords::SubIndexData;
 using Signal = StoreRecords::SPN;
@@ -71,6 +78,10 @@ using CANID = StoreRecords::CANID;
 const QMap<QString, std::function<void(Index &, QString)>> indexFields{
     {u"name"_s, text<&Index::name>()},
     {u"code"_s, numeric<&Index::objecttype>()},
+    {u"type"_s, numeric<&Index::datatype>()},
+    {u"text"_s, text<&Index::description>()},
+    {u"define"_s, entry<Index>(u"objectdefine"_s)},
+    {u"tag"_s, entry<Index>(u"eds_define"_s)},
 };
 const QMap<QString, std::function<void(Sub &, QString)>> subFields{
     {u"name"_s, text<&Sub::name>()},
@@ -86,18 +97,35 @@ const QMap<QString, std::function<void(Sub &, QString)>> subFields{
     {u"as"_s, numeric<&Sub::implementation>()},
     {u"var"_s, text<&Sub::varname>()},
     {u"map"_s, [](Sub &sub, const QString &value) { sub.pdomapping = PDOMapping(number(value)); }},
+    {u"text"_s, text<&Sub::description>()},
+    {u"shared"_s, numeric<&Sub::sharedlines>()},
+    {u"stored"_s, numeric<&Sub::nvstorage>()},
+    {u"noread"_s, numeric<&Sub::refuseread>()},
+    {u"nowrite"_s, numeric<&Sub::refusewrite>()},
+    {u"define"_s, entry<Sub>(u"subdefine"_s)},
+    {u"tag"_s, entry<Sub>(u"eds_define"_s)},
+    {u"edstype"_s, entry<Sub>(u"eds_datatype"_s)},
 };
 const QMap<QString, std::function<void(PGN &, QString)>> pgnFields{
     {u"name"_s, text<&PGN::name>()},
     {u"safe"_s, numeric<&PGN::issafe>()},
     {u"safetytype"_s, numeric<&PGN::safetytype>()},
+    {u"priority"_s, numeric<&PGN::priority>()},
+    {u"cycle"_s, numeric<&PGN::cycletime_ms>()},
+    {u"inhibit"_s, numeric<&PGN::inhibittime_ms>()},
+    {u"senders"_s, numeric<&PGN::multisourceaddress>()},
+    {u"text"_s, text<&PGN::desc>()},
 };
-const QMap<QString, std::function<void(CANID &, QString)>> canIdFields{{u"name"_s, text<&CANID::name>()}};
+const QMap<QString, std::function<void(CANID &, QString)>> canIdFields{
+    {u"name"_s, text<&CANID::name>()},
+    {u"text"_s, text<&CANID::desc>()},
+};
 const QMap<QString, std::function<void(Signal &, QString)>> signalFields{
     {u"name"_s, text<&Signal::name>()},          {u"type"_s, numeric<&Signal::datatype>()},
     {u"bit"_s, numeric<&Signal::bitposition>()}, {u"bits"_s, numeric<&Signal::bitsize>()},
     {u"pos"_s, numeric<&Signal::pos>()},         {u"as"_s, numeric<&Signal::implementation>()},
-    {u"var"_s, text<&Signal::varname>()},
+    {u"var"_s, text<&Signal::varname>()},        {u"value"_s, text<&Signal::defaultvalue>()},
+    {u"text"_s, text<&Signal::desc>()},
 };
 
 /// Splits the words that stand before the fields off a command's rest.
@@ -164,16 +192,24 @@ void CaseProject::run(const QString &command)
     const QString word = command.section(u' ', 0, 0);
     const QString rest = command.section(u' ', 1);
     const QString key = rest.section(u" ="_s, 0, 0);
-    const QString value = rest.section(u" ="_s, 1).trimmed();
+    QString value = rest.section(u" ="_s, 1);
+    if (value.startsWith(u' '))
+        value.remove(0, 1);
     if (word == "line"_L1) {
         line_ = static_cast<quint8>(number(key));
         if (!store_->nodeExists(line_))
             store_->addNode(line_, {});
         store_->setGeneralSetting(u"line%1type"_s.arg(line_), value);
     } else if (word == "general"_L1) {
-        store_->setGeneralSetting(key, value);
+        for (const QString &one : key.split(u' '))
+            store_->setGeneralSetting(one, value);
     } else if (word == "j1939"_L1) {
-        store_->setJ1939Setting(key, value);
+        for (const QString &one : key.split(u' '))
+            store_->setJ1939Setting(one, value);
+    } else if (word == "energybus"_L1) {
+        store_->setEnergyBusSetting(key, value);
+    } else if (word == "authentication"_L1) {
+        store_->setUDSServiceAuthentication(line_, static_cast<quint8>(number(key)), value);
     } else if (word == "misc"_L1) {
         store_->setMiscSetting(key, value);
     } else if (word == "description"_L1) {
@@ -192,7 +228,17 @@ void CaseProject::run(const QString &command)
 void CaseProject::runOnLine(const QString &word, const QString &rest)
 {
     QString fields = rest;
-    if (word == "object"_L1) {
+    if (word == "objects"_L1) {
+        for (const QString &index : rest.split(u' ')) {
+            store_->addIndex(line_, address(index).first, {});
+            store_->addSubIndex(line_, address(index).first, 0, {});
+        }
+    } else if (word == "subs"_L1) {
+        const auto [index, last] = address(rest);
+        store_->addIndex(line_, index, {});
+        for (quint16 subindex = 0; subindex <= last; ++subindex)
+            store_->addSubIndex(line_, index, static_cast<quint8>(subindex), {});
+    } else if (word == "object"_L1) {
         const quint16 index = address(words(fields, 1).first()).first;
         Index data;
         store_->getIndex(line_, index, data);

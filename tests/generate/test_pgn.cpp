@@ -22,39 +22,6 @@ namespace {
 constexpr quint8 tx = ObjectDataBase::transmit;
 constexpr quint8 rx = ObjectDataBase::receive;
 
-PgnTables collected(const ProjectBuilder &project, const Dialect &dialect = Dialect::v4(), bool multiLine = false)
-{
-    return PgnTables::collect(*project.store(), dialect, multiLine, PgnTables::Scope::AllMessages);
-}
-
-TEST(PgnTables, CutValuesToTheirType)
-{
-    ProjectBuilder project;
-    project.line(0, 2).pgn(256, tx, u"Any"_s);
-    const QList<std::pair<quint32, QString>> values{
-        {5, u"0x1ff"_s}, {2, u"-1"_s}, {4, u"-2147483648"_s}, {7, u"4294967295"_s}, {3, u"oops"_s}};
-    for (qsizetype i = 0; i < values.size(); ++i)
-        project.spn(static_cast<quint32>(i), u"S"_s, [&](auto &signal) {
-            signal.datatype = values.at(i).first;
-            signal.defaultvalue = values.at(i).second;
-            signal.implementation = 0;
-        });
-    QStringList firsts;
-    for (const PgnTables::ManagedArray &array : collected(project).arrays)
-        firsts.append(array.name + u' ' + array.elements.first().value);
-    EXPECT_EQ(firsts, (QStringList{u"mv_u8 255"_s, u"mv_i8 -1"_s, u"mv_u16 0"_s, u"mv_i16 0"_s, u"mv_u32 4294967295"_s,
-                                   u"mv_i32 -2147483648"_s}));
-}
-
-TEST(PgnTables, LeaveSafetyGroupsToTheirOwnModule)
-{
-    ProjectBuilder project;
-    project.line(0, 2).pgn(256, tx, u"Safe"_s, [](auto &pgn) { pgn.issafe = true; }).pgn(512, tx, u"Any"_s);
-    EXPECT_EQ(collected(project).lines.first().transmittedPgns.size(), 2);
-    project.j1939(u"safetysupport"_s, u"1"_s);
-    EXPECT_EQ(collected(project).lines.first().transmittedPgns.size(), 1);
-}
-
 // ---- What the stack reads ------------------------------------------------------------------------------------------
 
 constexpr std::array dataTypes{1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 22U, 27U, 100U, 105U, 109U, 118U, 120U, 121U, 10U, 15U};
@@ -339,51 +306,11 @@ TEST(PgnGenerator, WritesTheFormerServiceValues)
     EXPECT_TRUE(folder.text(u"gen_pgn.c"_s).contains(u"RET_T retVal;\nUNSIGNED8 i;\n"_s));
 }
 
-TEST(ExternDeclarations, TellEachVariableOnce)
+TEST(ExternDeclarations, TakeTheTypesOfTheirStack)
 {
     ProjectBuilder project;
-    const auto named = [](const QString &name, quint32 type = 5, quint16 bits = 8) {
-        return [=](StoreRecords::SPN &signal) {
-            signal.varname = name;
-            signal.datatype = type;
-            signal.bitsize = bits;
-        };
-    };
-    project.line(0, 2).pgn(256, tx, u"A"_s);
-    project.spn(1, u"S"_s, named(u"speed"_s, 6))
-        .spn(2, u"S"_s, named(u"tank.level[2]"_s))
-        .spn(3, u"S"_s, named(u"get(1)"_s));
-    project.spn(4, u"S"_s, named(u"name"_s, 121, 20)).spn(5, u"S"_s, named(u"text"_s, 9, 0));
-    project.spn(6, u"S"_s, [](auto &signal) {
-        signal.varname = u"managed"_s;
-        signal.implementation = 0;
-    });
-    project.line(1, 4).canId(0x80000123, rx, u"B"_s);
-    project.element(1, u"E"_s, named(u"speed"_s, 6)).element(2, u"E"_s, named(u"tank.temperature"_s, 3));
-    project.element(3, u"E"_s, named(u"row[0x10].on"_s, 100));
-    project.line(2, 1);
-
-    const GeneratedC folder;
-    ExtDeclGeneratorV4 generator;
-    folder.generate(generator, project, true);
-    const QString declarations = folder.text(u"gen_extern_decl.h"_s).section(u"/* external variables */"_s, 1);
-    EXPECT_EQ(declarations, u"\n\n/* line 0*/\n/* PGN 0x100*/\n"
-                            "extern UNSIGNED16\tspeed;\t/* SPN1 */\n"
-                            "struct tank_s {\n\tUNSIGNED8\tlevel[3];\n\tINTEGER16\ttemperature;\n};\n"
-                            "extern struct tank_s\ttank;\t/* SPN2 */\n"
-                            "extern char\tname[3];\t/* SPN4 */\n"
-                            "extern char\ttext[];\t/* SPN5 */\n"
-                            "\n/* line 1: (variables that exist in multiple lines are only declared once)*/\n"
-                            "/* CAN-ID 0x80000123*/\n"
-                            "struct row_s {\n\tUNSIGNED8\ton;\n};\n"
-                            "extern struct row_s\trow[17];\t/* SPN3 */\n"
-                            "\n/* line 2: (variables that exist in multiple lines are only declared once)*/\n"
-                            "\n#endif /* GEN_EXTERN_DECL_H */\n"_s);
-    const QString definitions = folder.text(u"gen_var_decl.c"_s).section(u"NJX_USE_GENERATED_VARIABLES\n"_s, 1, 1);
-    EXPECT_FALSE(definitions.contains(u"extern"_s));
-    EXPECT_TRUE(definitions.contains(u"\nchar\ttext[8];\t/* SPN5 */\n"_s)) << qPrintable(definitions);
-
     for (const QString &coreHeaders : {u"0"_s, u"1"_s}) {
+        const GeneratedC folder;
         ExtDeclGenerator classic;
         folder.generate(classic, project.general(u"use_core_headers"_s, coreHeaders));
         EXPECT_EQ(folder.text(u"gen_extern_decl.h"_s).contains(u"#include <core_datatype.h>\n"_s),

@@ -13,6 +13,8 @@
 #include <QRegularExpression>
 #include <QTextStream>
 
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 using TestSupport::ProjectBuilder;
 
@@ -255,31 +257,35 @@ TEST_F(Run, RefusesAFolderThatIsNotThere)
     EXPECT_EQ(results_, QList<int>{GeneratorMainHandler::OutputFolderNotWritable});
 }
 
-TEST_F(Run, LeavesTheNamesOutInBootloaderModeOfOneLine)
+TEST_F(Run, NamesTheFilesThatAreNotWritable)
 {
-    handler_.setRunTable(runTable());
-    ProjectBuilder project;
-    open(project.general(u"uds_bl_setting"_s, u"1"_s));
-    EXPECT_EQ(generate().filter(u"gen_indices"_s), QStringList());
-    EXPECT_FALSE(exists(u"gen_indices.h"_s));
-    open(project.line(1, 1));
-    EXPECT_TRUE(generate().contains("Generation of gen_indices.h in DIR started"_L1));
-    EXPECT_TRUE(exists(u"gen_indices.h"_s));
-}
-
-TEST_F(Run, WritesTheVirtualDictionaryAndCopiesForCppOnDemand)
-{
-    handler_.setRunTable(runTable());
-    ProjectBuilder project;
-    open(project.object(0x2000, u"any"_s).sub(0, u"any"_s, [](auto &sub) { sub.implementation = 3; }));
-    EXPECT_TRUE(generate(true).contains("Generation of gen_vobjdict.c in DIR started"_L1));
-    EXPECT_TRUE(exists(u"gen_vobjdict.c"_s));
-    EXPECT_FALSE(exists(u"gen_objdict.cpp"_s));
-    open(project.general(u"generate_cpp_output"_s, u"1"_s).sub(0, u"any"_s));
-    EXPECT_FALSE(generate(true).contains("Generation of gen_vobjdict.c in DIR started"_L1));
-    EXPECT_FALSE(exists(u"gen_vobjdict.c"_s));
-    EXPECT_TRUE(exists(u"gen_objdict.cpp"_s));
-    EXPECT_FALSE(exists(u"gen_user.hpp"_s));
+    if (geteuid() == 0)
+        GTEST_SKIP() << "the superuser may write everything";
+    const QString said = u"The %1 in DIR is not writable"_s;
+    for (const auto &[type, files] :
+         {std::pair(7, QStringList{u"file gen_mp.c"_s}),
+          {4, {u"file gen_rawcan.c"_s}},
+          {1,
+           {u"file device.v2.csv"_s, u"file device.v2.icsv"_s, u"EDS file device.v2.eds"_s,
+            u"EDS file device.v2_A.eds"_s, u"EDS file device.v2_A.eds"_s, u"XDD file 00000000_device.v2.xdd"_s}}}) {
+        ProjectBuilder project;
+        project.line(0, type).general(u"canfd_supported"_s, type == 1 ? u"1"_s : u"0"_s);
+        project.object(0x2000, u"Tagged"_s, {{u"eds_define"_s, u"A"_s}}).sub(0, u"Tagged"_s);
+        handler_.setRunTable(runTable());
+        open(project);
+        QStringList expected;
+        for (const QString &file : files + QStringList{u"file gen_extern_decl.h"_s}) {
+            TestSupport::writeFile(path(file.section(u' ', -1)), "former");
+            QFile::setPermissions(path(file.section(u' ', -1)), QFile::ReadOwner);
+            expected.append(said.arg(file));
+        }
+        const QStringList messages = generate(true).filter(u"not writable"_s);
+        EXPECT_EQ(messages, expected.first(files.size()));
+        for (const QString &file : files)
+            EXPECT_EQ(TestSupport::readFile(path(file.section(u' ', -1))), "former");
+        // Without the source, what it includes is left as well.
+        EXPECT_EQ(TestSupport::readFile(path(u"gen_extern_decl.h"_s)), "former");
+    }
 }
 
 TEST_F(Run, OpenForcesItsSettingsAndTakesThePath)

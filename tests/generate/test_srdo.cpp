@@ -133,44 +133,6 @@ TEST(SrdoGenerator, MakesADeviceThatExchangesItsData)
     checkExchange(true);
 }
 
-TEST(SrdoGenerator, TellsTheLineOfItsData)
-{
-    const ProjectBuilder project = safetyDevice();
-    const GeneratedC folder;
-    SrdoGeneratorStatic generator;
-    generator.setStaticData(true);
-    folder.generate(generator, project, true);
-    const QString text = folder.text(u"gen_srdo.c"_s);
-    for (const QString &part : {
-             u"static UNSIGNED8\tconfigurationValid[CO_LINE_ARRAY_DECL] = { 0u };\n"_s,
-             u"\t\t\tcase 0x1302u:\n\t\t\t\tpSrdo = &srdo2_l0;\n"_s,
-             u"\t\tsrdo1_l0.cobIdNormal = 0xfful + (ownNodeId * 2ul);\n"_s,
-             u"\t\tsrdo1_l0.cobIdInvers = 0x100ul + (ownNodeId * 2ul);\n"_s,
-             u"static INTEGER16\tinSpeed_temp; /* 0x2021:00 line 0 */\n"_s,
-         })
-        EXPECT_TRUE(text.contains(part)) << qPrintable(part);
-}
-
-TEST(SrdoGenerator, StopsTheCompilerWhereDataCannotBeCarried)
-{
-    ProjectBuilder project;
-    project.misc(u"costackpath"_s, stackFolder);
-    addVariable(project, 0x2000, 9, u"text"_s);
-    project.object(0x2001, u"Managed"_s).sub(0, u"Managed"_s);
-    addVariable(project, 0x2002, 6, u"word"_s);
-    addSrdo(project, 1, 1,
-            {u"0x20000008"_s, u"0x20010008"_s, u"0x20020008"_s, u"0x20030008"_s, u"0x20020010"_s, u"0x00010004"_s});
-    const GeneratedC folder;
-    SrdoGeneratorStatic generator;
-    folder.generate(generator, project);
-    const QString text = folder.text(u"gen_srdo.c"_s);
-    QStringList errors;
-    for (const QString &line : text.split(u'\n').filter(u"not supported"_s))
-        errors.append(line.section(u' ', -1));
-    EXPECT_EQ(errors, (QStringList{u"0x2000:00"_s, u"0x2002:00"_s, u"0x2001:00"_s, u"0x2003:00"_s, u"0x0001:00"_s}));
-    EXPECT_TRUE(text.contains(u"extern UNSIGNED16\tword; /* 0x2002:00 */\n"_s));
-}
-
 /// Templates given as texts.
 class GivenTemplates : public TemplateSource
 {

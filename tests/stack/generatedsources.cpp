@@ -1,8 +1,7 @@
 #include "stack/generatedsources.h"
 
 #include "generate/generatormainhandler.h"
-#include "generate/outputhandlerbase.h"
-#include "stack/expecteddump.h"
+#include "generate/recorder.h"
 #include "store/objectdatabase.h"
 #include "support/processrunner.h"
 #include "support/testhome.h"
@@ -19,14 +18,6 @@ using namespace Qt::StringLiterals;
 using namespace TestSupport;
 
 namespace {
-
-class Silent : public OutputHandlerBase
-{
-public:
-    void message(const QVariant & /*value*/) override {}
-    void forwardMessage(const QVariant & /*value*/) override {}
-    QString collectedText() const override { return {}; }
-};
 
 const QString stackFolder = QStringLiteral(NCX_SOURCE_DIR "/tests/stack");
 
@@ -92,6 +83,22 @@ struct Variables
     }
 };
 
+/// Line, index and subindex, as one number, of the objects whose data belong to the safety module.
+QSet<quint32> staticSafetyData(ObjectDataBase &store)
+{
+    QSet<quint32> keys;
+    if (store.getGeneralSetting(u"static_srdo_data"_s).toInt() != 1)
+        return keys;
+    for (const quint8 line : store.getNodeList()) {
+        for (const quint16 index : store.getIndexList(line, 0x1380, 0x13B0)) {
+            for (const quint8 subindex : store.getSubIndexList(line, index, 1))
+                keys.insert(quint32{line} << 24 |
+                            store.getSubIndexDefaultValue(line, index, subindex).toUInt(nullptr, 0) >> 8);
+        }
+    }
+    return keys;
+}
+
 Variables variablesOf(ObjectDataBase &store)
 {
     Variables variables;
@@ -119,7 +126,7 @@ QString declaration(const QString &name, const Variable &variable)
 class GeneratedSources::Private
 {
 public:
-    Silent output;
+    Recorder output;
     GeneratorMainHandler handler{&output};
     QStringList objects;
 };
@@ -147,6 +154,16 @@ bool GeneratedSources::has(const QString &fileName) const
     return QFile::exists(folder_.filePath(fileName));
 }
 
+bool GeneratedSources::hasDictionary() const
+{
+    return has(u"gen_objdict.c"_s) || text(u"gen_mp.c"_s).contains("od_assign[");
+}
+
+QStringList GeneratedSources::messages() const
+{
+    return QStringList(d_->output.messages).replaceInStrings(folder_.path(), u"DIR"_s);
+}
+
 QByteArray GeneratedSources::text(const QString &fileName) const
 {
     return readFile(folder_.filePath(fileName));
@@ -157,7 +174,7 @@ bool GeneratedSources::openFolder(const QString &folder)
     const QDir source(folder);
     for (const QString &name : source.entryList(QDir::Files))
         QFile::copy(source.filePath(name), folder_.filePath(name));
-    if (!openProject(folder_.filePath(source.entryList({u"*.ncxt"_s}).value(0))))
+    if (!openProject(folder_.filePath(source.entryList({u"*.ncxt"_s, u"*.ncxp"_s}).value(0))))
         return false;
     const QStringList args = QString::fromUtf8(text(u"args"_s))
                                  .replace(u"${EXAMPLES}"_s, QStringLiteral(NCX_SOURCE_DIR "/examples"))
@@ -263,32 +280,6 @@ QString GeneratedSources::compile()
             complaints += compileFile(folder_.filePath(name));
     }
     return complaints;
-}
-
-QString GeneratedSources::checkCounts(const QMap<QString, QString> &expected)
-{
-    QString source = uR"(#include <gen_define.h>
-template <unsigned N, unsigned M> constexpr bool same(const unsigned (&a)[N], const unsigned (&b)[M])
-{
-    for (unsigned i = 0; N == M && i < N; ++i)
-        if (a[i] != b[i])
-            return false;
-    return N == M;
-}
-)"_s;
-    const QString header = QString::fromUtf8(text(u"gen_define.h"_s));
-    int compared = 0;
-    for (auto it = expected.cbegin(); it != expected.cend(); ++it) {
-        static const auto definition = u"^#define %1[ \\t]"_s;
-        if (!header.contains(QRegularExpression(definition.arg(it.key()), QRegularExpression::MultilineOption)))
-            continue;
-        source += u"static_assert(same({ %1 }, { %2 }), \"%1\");\n"_s.arg(it.key(), it.value());
-        ++compared;
-    }
-    constexpr int fewest = 2;
-    const QString path = folder_.filePath(u"counts.cpp"_s);
-    writeFile(path, source.toUtf8());
-    return compared < fewest ? u"hardly any counts"_s : compileFile(path);
 }
 
 QString GeneratedSources::link()

@@ -31,13 +31,14 @@ public:
     bool isClassic() const { return classic_; }
     QString folder() const { return folder_.path(); }
     bool has(const QString &fileName) const;
+    bool hasDictionary() const;
     QByteArray text(const QString &fileName) const;
+    /// What the run has said, with "DIR" for the folder.
+    QStringList messages() const;
 
     /// Compiles all C and C++ sources, C as C99 with all warnings. What the compiler says is returned, without the
     /// warnings that the required text itself provokes; empty if all is well.
     QString compile();
-    /// Lets the compiler hold macros of gen_define.h, where it has them, against numbers with commas between them.
-    QString checkCounts(const QMap<QString, QString> &expected);
     /// Links gen_objdict.c, or gen_mp.c where that holds the dictionary, with the walker; what the linker says.
     QString link();
     /// What the walker prints.

@@ -1,10 +1,8 @@
 #include "generate/docs/candbdbc.h"
-#include "generate/docs/dbcframes.h"
 #include "generate/docs/dbcgenerator.h"
 #include "generate/docs/dbcreader.h"
 #include "generate/docs/dbcwriter.h"
 #include "generate/docs/generatorjob.h"
-#include "nodedict/canopendatatype.h"
 #include "support/nodepackage.h"
 #include "support/processrunner.h"
 #include "support/projectbuilder.h"
@@ -23,37 +21,12 @@ using TestSupport::ProjectBuilder;
 
 namespace {
 
-void addElement(ProjectBuilder &project, quint32 canId, quint32 number, StoreRecords::DataElement element)
-{
-    element.direction = element.direction == 0 ? ObjectDataBase::transmit : element.direction;
-    element.pos = number;
-    EXPECT_TRUE(project.store()->addDataElement(0, canId, element.direction, number, element));
-}
-
-void addSpn(ProjectBuilder &project, quint32 pgn, quint8 direction, quint32 number, StoreRecords::SPN spn)
-{
-    spn.direction = direction;
-    EXPECT_TRUE(project.store()->addSPN(0, pgn, direction, number, spn));
-}
-
 QString text(const CANdb::Database &database)
 {
     QString result;
     QTextStream stream(&result);
     writeDbc(stream, database);
     return result;
-}
-
-/// "name start|size sign" of each signal.
-QStringList layout(const DbcFrame &frame)
-{
-    QStringList rows;
-    for (const DbcSignal &signal : frame.signalList)
-        rows.append(u"%1 %2|%3%4"_s.arg(signal.name)
-                        .arg(signal.startBit)
-                        .arg(signal.bits)
-                        .arg(signal.isSigned ? u"-"_s : u"+"_s));
-    return rows;
 }
 
 /// The DBC files that the goldens expect.
@@ -70,116 +43,6 @@ QStringList goldenFiles()
 }
 
 } // namespace
-
-TEST(DbcFrames, MakeTheIdentifierOfAPGN)
-{
-    struct Case
-    {
-        quint32 pgn;
-        quint8 priority;
-        quint8 address;
-        quint32 id;
-    };
-    constexpr Case cases[] = {
-        {61444, 3, 0x00, 0x8CF00400}, // EEC1 of the engine
-        {65265, 6, 0x31, 0x98FEF131},
-        {59904, 6, 0xF9, 0x98EAFEF9}, // a request: a destination in place of the low byte
-        {0xEF12, 6, 0x20, 0x98EFFE20},
-        {0x1EF00, 6, 0x20, 0x99EFFE20}, // Proprietary A2, data page 1
-        {0x1F004, 2, 0x20, 0x89F00420},
-        {0x3FFFF, 7, 0xFF, 0x9FFFFFFF},
-    };
-    for (const Case &c : cases)
-        EXPECT_EQ(DbcFrames::idOfPGN(c.pgn, c.priority, c.address), c.id) << std::hex << c.pgn;
-}
-
-TEST(DbcFrames, HaveNamesThatAreFreeIdentifiers)
-{
-    ProjectBuilder project;
-    project.line(0, 4);
-    project.canId(0x10, ObjectDataBase::transmit, u"Motor speed"_s)
-        .canId(0x11, ObjectDataBase::transmit, u"Motorspeed!"_s)
-        .canId(0x9FFFFFFF, ObjectDataBase::transmit, u"ÄÖÜ"_s)
-        .canId(0x12, ObjectDataBase::receive, u"3rd*"_s);
-    addElement(project, 0x10, 1, {.name = u"a b"_s, .datatype = CAN::Integer8});
-    addElement(project, 0x10, 2, {.name = u"ab"_s, .datatype = CAN::Real64, .bitposition = 8});
-    addElement(project, 0x10, 3, {.name = u"ab"_s, .datatype = CAN::Boolean, .bitposition = 72});
-    addElement(project, 0x10, 4, {.name = u"?"_s, .datatype = CAN::OctetString, .bitsize = 12, .bitposition = 73});
-    addElement(project, 0x10, 5, {.name = u"nothing"_s, .datatype = CAN::VisibleString, .bitposition = 90});
-    DbcFrames frames;
-    frames.addCanIds(*project.store(), 0);
-    ASSERT_EQ(frames.frames().size(), 4);
-    EXPECT_EQ(frames.frames().at(0).name, u"Motorspeed");
-    EXPECT_EQ(frames.frames().at(0).length, 11U);
-    EXPECT_EQ(layout(frames.frames().at(0)),
-              (QStringList{u"ab 0|8-"_s, u"ab_2 8|64-"_s, u"ab_3 72|1+"_s, u"SIG_4 73|12+"_s}));
-    EXPECT_EQ(frames.frames().at(1).name, u"Motorspeed_2");
-    EXPECT_EQ(frames.frames().at(2).name, u"MSG_536870911");
-    EXPECT_EQ(frames.frames().at(2).id, 0x9FFFFFFF);
-    EXPECT_EQ(frames.frames().at(3).name, u"_3rd");
-}
-
-TEST(DbcFrames, JoinWhatHasOneIdentifier)
-{
-    ProjectBuilder project;
-    project.line(0, 2);
-    for (const quint8 direction : {ObjectDataBase::transmit, ObjectDataBase::receive}) {
-        StoreRecords::PGN pgn{.name = u"Proprietary"_s, .priority = 6, .direction = direction};
-        pgn.cycletime_ms = direction == ObjectDataBase::receive ? 50 : 0;
-        pgn.desc = u"Text of\n%1"_s.arg(direction);
-        project.store()->addPGN(0, 0xEF00, pgn);
-        addSpn(project, 0xEF00, direction, 1, {.name = u"Shared"_s, .datatype = CAN::Unsigned8});
-    }
-    addSpn(project, 0xEF00, ObjectDataBase::receive, 2,
-           {.pos = 1, .name = u"Own"_s, .datatype = CAN::Unsigned8, .varname = u"own"_s, .bitposition = 8});
-    DbcFrames frames;
-    frames.addPGNs(*project.store(), 0, 0x20);
-    ASSERT_EQ(frames.frames().size(), 1);
-    const DbcFrame &frame = frames.frames().first();
-    EXPECT_EQ(layout(frame), (QStringList{u"Shared 0|8+"_s, u"Own 8|8+"_s}));
-    EXPECT_EQ(frame.cycleTimeMs, 50U);
-    EXPECT_EQ(frame.comment, u"Text of 85");
-
-    frames.addStackMessages(0x20, true);
-    ASSERT_EQ(frames.frames().size(), 4);
-    EXPECT_EQ(frames.frames().at(1).id, 0x98EEFE20);
-    EXPECT_EQ(frames.frames().at(1).signalList.size(), 10);
-    EXPECT_EQ(frames.frames().at(3).name, u"Diagnostic_Message_1");
-}
-
-TEST(Dbc, KeepsFramesOfBothProtocolsOfALine)
-{
-    ProjectBuilder project;
-    project.line(0, 7).j1939(u"startaddress"_s, u"0x21"_s);
-    project.pgn(61444, ObjectDataBase::transmit, u"Engine"_s).canId(0x123, ObjectDataBase::receive, u"Raw"_s);
-    addSpn(project, 61444, ObjectDataBase::transmit, 190,
-           {.name = u"Speed"_s,
-            .desc = u"a \"b\" \\"_s,
-            .datatype = CAN::StringAsterisk,
-            .varname = u"v"_s,
-            .bitsize = 24});
-    const QTemporaryDir folder;
-    RawCANDBCGenerator raw;
-    const QString path = DocsTest::runJob(raw, project.store(), folder.path());
-    DBCGenerator j1939;
-    EXPECT_EQ(DocsTest::runJob(j1939, project.store(), folder.path()), path);
-    CANdbDBC dbc;
-    ASSERT_TRUE(dbc.readFile(path)) << qPrintable(dbc.errorText());
-    QStringList names;
-    for (const CANdb::Message &message : dbc.database().messages)
-        names.append(message.name);
-    EXPECT_EQ(names, (QStringList{u"Engine"_s, u"AddressClaiming"_s, u"Acknowledge_Message"_s, u"Raw"_s}));
-    const CANdb::Message &engine = dbc.database().messages.first();
-    EXPECT_EQ(engine.id, 0x80F00421);
-    EXPECT_EQ(engine.attributes, (CANdb::Attributes{{u"VFrameFormat"_s, u"3"_s}}));
-    const CANdb::Signal &speed = engine.signalList.first();
-    EXPECT_EQ(speed.comment, u"a \"b\" \\ ");
-    EXPECT_EQ(speed.attributes, (CANdb::Attributes{{u"SigType"_s, u"3"_s},
-                                                   {u"norvane_implementation_type"_s, u"1"_s},
-                                                   {u"norvane_variable_name"_s, u"v"_s},
-                                                   {u"norvane_bitsize"_s, u"24"_s}}));
-    EXPECT_EQ(dbc.database().attributes, (CANdb::Attributes{{u"ProtocolType"_s, u"J1939"_s}}));
-}
 
 TEST(Dbc, TellsWhyTheFileCannotBeMade)
 {

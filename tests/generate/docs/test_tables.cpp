@@ -1,4 +1,3 @@
-#include "generate/docs/csvgenerator.h"
 #include "generate/docs/generatorjob.h"
 #include "generate/docs/icsvgenerator.h"
 #include "generate/docs/tablefields.h"
@@ -15,12 +14,6 @@ using Store = std::shared_ptr<ObjectDataBase>;
 using Sub = ObjectDataBase::SUBINDEX_DATA_T;
 
 namespace {
-
-template <typename Generator>
-QStringList linesOf(Generator &&generator, const Store &store)
-{
-    return DocsTest::textOf(generator, store).split(u'\n');
-}
 
 void setObject(ProjectBuilder &project, quint16 index, quint32 code, quint16 dataType)
 {
@@ -76,47 +69,6 @@ TEST(Tables, ValuesHaveTheFormOfTheirType)
                           {CAN::Utf8String, "0x10", "0x10"},
                           {CAN::Unsigned8, "", ""}})
         EXPECT_EQ(TableFields::value(c.type, QString::fromLatin1(c.text)), QLatin1StringView(c.value)) << c.text;
-}
-
-TEST(Tables, FieldsAreQuotedWhereTheyMust)
-{
-    for (const auto &[text, field] : {std::pair(u"a;b c'd"_s, u"a;b c'd"_s),
-                                      {u"a,b"_s, u"\"a,b\""_s},
-                                      {u"say \"a\""_s, u"\"say \"\"a\"\"\""_s},
-                                      {u"a\nb"_s, u"\"a\nb\""_s},
-                                      {u""_s, u""_s}})
-        EXPECT_EQ(TableFields::field(text), field);
-}
-
-TEST(Tables, RowsWithoutDocumentationLackItsColumn)
-{
-    ProjectBuilder project;
-    project.object(0x1000, u"A"_s).sub(0, u"a"_s, [](Sub &sub) { sub.description = u"text"_s; });
-    ICSVGenerator generator;
-    generator.setDocumentation(false);
-    const QStringList lines = linesOf(generator, project.store());
-    EXPECT_FALSE(lines.join(u' ').contains("description"_L1) || lines.join(u' ').contains("text"_L1));
-    for (const QString &line : {lines.value(2), lines.value(3)})
-        EXPECT_EQ(line.count(u','), 16) << qPrintable(line);
-}
-
-TEST(Tables, AreasStandApart)
-{
-    const auto separators = [](std::initializer_list<quint16> indices) {
-        ProjectBuilder project;
-        for (const quint16 index : indices)
-            project.object(index, {}).sub(0, {});
-        QList<qsizetype> places;
-        const QStringList lines = linesOf(CSVGenerator(), project.store());
-        for (qsizetype i = 0; i < lines.size(); ++i) {
-            if (lines.at(i) == u" ")
-                places.append(i);
-        }
-        return places;
-    };
-    EXPECT_EQ(separators({0x0007, 0x1000, 0x1fff}), QList<qsizetype>{});
-    EXPECT_EQ(separators({0x1000, 0x2000, 0x5fff, 0x6000, 0xffff}), (QList<qsizetype>{2, 5}));
-    EXPECT_EQ(separators({0x1000, 0x6000}), (QList<qsizetype>{2, 3}));
 }
 
 namespace {

@@ -7,6 +7,7 @@
 #include <co_odaccess.h>
 #include <core_common.h>
 #include <core_isotp.h>
+#include <stack_indication_types.h>
 #ifdef CO_SRDO_SUPPORTED
 #include <co_srdo.h>
 #endif
