@@ -1,5 +1,6 @@
 #include "check/modelchecker.h"
 
+#include "check/specialpgns.h"
 #include "store/objectdatabase.h"
 #include "store/usersettings.h"
 
@@ -38,7 +39,9 @@ qint32 ModelChecker::checkCANopenLine(quint8 line, const std::shared_ptr<ObjectD
 qint32 ModelChecker::checkJ1939Line(int /*lineCount*/, quint8 line, const std::shared_ptr<ObjectDataBase> &store,
                                     const QList<quint32> &specialPGNs)
 {
-    specialPGNs_ = QSet<quint32>(specialPGNs.begin(), specialPGNs.end());
+    const auto setOf = [](const QList<quint32> &list) { return QSet<quint32>(list.begin(), list.end()); };
+    // A diagnostic message that only other lines have switched on is an ordinary one here.
+    specialPGNs_ = setOf(specialPGNs) - (setOf(::specialPGNs(*store)) - setOf(::specialPGNs(*store, line)));
     return walk(rules_.j1939, store, line);
 }
 

@@ -20,7 +20,8 @@ enum Implementation : quint8
 {
     ManagedVariable = 0,
     ManagedConst = 1,
-    Variable = 2
+    Variable = 2,
+    VirtualObject = 3
 };
 
 enum class Form : quint8
@@ -208,13 +209,14 @@ void countWithoutDefault(ModelChecker &checker, const CheckSubject &subject)
                 hex4(object.index)));
 }
 
+/// An object whose subindex 0 is virtual is not in the stack's own dictionary at all, and has to stay so.
 void countIsNoConst(ModelChecker &checker, const CheckSubject &subject)
 {
     const CheckedObject &object = *subject.object;
     if (checker.autoCorrectionDisabled() || !countsItsElements(object))
         return;
     StoreRecords::SubIndexData data = object.sub(0)->data;
-    if (data.accesstype == "const"_L1 || data.implementation == ManagedConst)
+    if (data.accesstype == "const"_L1 || data.implementation == ManagedConst || data.implementation == VirtualObject)
         return;
     data.implementation = ManagedConst;
     checker.correct(

@@ -32,21 +32,23 @@ constexpr std::array diagnosticRanges{
 };
 
 /// The setting has an entry for each line, or one for all.
-bool isOnSomeLine(ObjectDataBase &store, const QString &key)
+bool isOnFor(ObjectDataBase &store, const QString &key, std::optional<quint8> line)
 {
+    if (line)
+        return isOn(store.getJ1939Setting(key, *line));
     return std::ranges::any_of(store.getJ1939Setting(key).split(u','), isOn);
 }
 
 } // namespace
 
-QList<quint32> specialPGNs(ObjectDataBase &store)
+QList<quint32> specialPGNs(ObjectDataBase &store, std::optional<quint8> line)
 {
     QList<quint32> pgns(alwaysSpecial.begin(), alwaysSpecial.end());
     for (const DiagnosticRange &range : diagnosticRanges) {
         quint32 pgn = range.firstPgn;
         for (quint32 dm = range.firstDm; dm <= range.lastDm; ++dm, pgn += static_cast<quint32>(range.step)) {
-            const bool on = isOnSomeLine(store, u"diagsupport_dm%1"_s.arg(dm)) ||
-                            isOnSomeLine(store, u"diagsupport_dmtool%1"_s.arg(dm));
+            const bool on = isOnFor(store, u"diagsupport_dm%1"_s.arg(dm), line) ||
+                            isOnFor(store, u"diagsupport_dmtool%1"_s.arg(dm), line);
             if (on && !pgns.contains(pgn))
                 pgns.append(pgn);
         }

@@ -48,7 +48,7 @@ int runServer(const QCoreApplication &application)
 int runBatch(const QCoreApplication &application)
 {
     CLIOutputHandler output;
-    CLIMainApp batch(QCoreApplication::arguments(), output);
+    CLIMainApp batch(QCoreApplication::arguments(), &output);
     output.printValueAndBlank(QCoreApplication::applicationName())
         .printValueAndBlank(QCoreApplication::applicationVersion())
         .message(u"Build: %1 %2"_s.arg(QLatin1StringView(__DATE__), QLatin1StringView(__TIME__)));

@@ -236,10 +236,8 @@ bool DatabaseTextConverter::convertSqlToText()
 {
     if (!file_)
         return false;
+    replaceNulls();
     const QStringList tables = tableNames();
-    for (const QString &table : tables)
-        replaceNulls(table);
-
     writeFailed_ = tables.isEmpty();
     if (writeFailed_)
         return true;
@@ -269,6 +267,12 @@ bool DatabaseTextConverter::writeTables(const QStringList &tables, QIODevice &de
             qDebug().noquote() << "unhandled table" << table;
     }
     return writer.flush();
+}
+
+void DatabaseTextConverter::replaceNulls()
+{
+    for (const QString &table : tableNames())
+        replaceNulls(table);
 }
 
 void DatabaseTextConverter::replaceNulls(const QString &table)

@@ -40,9 +40,11 @@ public:
     void setInputFile(const QString &path) { file_ = path; }
     void setOutputFile(const QString &path) { file_ = path; }
 
+    /// Makes every NULL of a number or text column 0 or empty in the database, as it stands in the text.
+    void replaceNulls();
     /// Writes the project, replacing the file as a whole or, where that fails, not at all (which is logged). Only in a
-    /// folder that takes no new files it is written over. Every NULL of a number or text column becomes 0 or empty in
-    /// the database first. False only if no file has been set.
+    /// folder that takes no new files it is written over. NULLs are replaced in the database first. False only if no
+    /// file has been set.
     bool convertSqlToText();
     /// True if the last conversion to text could not write its file.
     bool writeFailed() const { return writeFailed_; }

@@ -133,18 +133,17 @@ bool ObjectDataBase::copyWorkingCopyTo(const QString &path)
 
 bool ObjectDataBase::saveDatabaseAsText(const QString &path)
 {
-    {
-        const Transaction transaction(*this);
-        for (const quint8 line : scratchLines)
-            removeNode(line);
-    }
-    writeIdentity();
-    projectPath_ = path;
     DatabaseTextConverter converter;
     converter.setStore(this);
     converter.setDatabase(database_);
     converter.setOutputFile(path);
     const Transaction transaction(*this);
+    for (const quint8 line : scratchLines)
+        removeNode(line);
+    // The hash is that of the text's own values, so that a second save writes the same one.
+    converter.replaceNulls();
+    writeIdentity();
+    projectPath_ = path;
     if (refusesDamaged())
         return true;
     converter.convertSqlToText();

@@ -23,11 +23,11 @@ enum ExitCode : qint32
 
 } // namespace
 
-CLIMainApp::CLIMainApp(QStringList arguments, CLIOutputHandler &output, QObject *parent)
+CLIMainApp::CLIMainApp(QStringList arguments, CLIOutputHandler *output, QObject *parent)
     : QObject(parent)
     , arguments_(std::move(arguments))
     , output_(output)
-    , handler_(&output)
+    , handler_(output)
     , options_{
           {u"-dbmod"_s, u"Apply a db modification. Only for internal use."_s},
           {u"-import"_s, u"Sets an importfile. This argument is optional."_s},
@@ -63,7 +63,7 @@ void CLIMainApp::start()
     }
     const QString project = valueOf(u"-project"_s);
     if (project.isNull()) {
-        output_.message(u"Project not given."_s);
+        output_->message(u"Project not given."_s);
         printHelp();
         return endWith(NoProject);
     }
@@ -75,7 +75,7 @@ void CLIMainApp::start()
         handler_.setStackPath(path);
     for (const QString &file : valuesOf(u"-import"_s)) {
         if (!handler_.importFile(folder.absoluteFilePath(file))) {
-            output_.message(u"Import failed: %1"_s.arg(file));
+            output_->message(u"Import failed: %1"_s.arg(file));
             return endWith(ImportFailed);
         }
     }
@@ -106,19 +106,19 @@ void CLIMainApp::endWith(qint32 exitCode)
 qint32 CLIMainApp::exitCodeWithMessage()
 {
     if (exitCode_ != Success)
-        output_.message(u"Error - %1"_s.arg(errorTexts_.value(exitCode_)));
+        output_->message(u"Error - %1"_s.arg(errorTexts_.value(exitCode_)));
     return exitCode_;
 }
 
 void CLIMainApp::printHelp()
 {
-    output_.printValue(u"--- "_s)
+    output_->printValue(u"--- "_s)
         .printValueAndBlank(QCoreApplication::applicationName())
         .printValueAndBlank(QCoreApplication::applicationVersion())
         .printValue(u" Help ---"_s);
-    output_.message(QString());
+    output_->message(QString());
     for (auto option = options_.cbegin(); option != options_.cend(); ++option)
-        output_.printOption(option.key(), option.value());
+        output_->printOption(option.key(), option.value());
 }
 
 QString CLIMainApp::valueOf(const QString &option) const

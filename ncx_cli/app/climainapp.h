@@ -13,7 +13,7 @@ class CLIMainApp : public QObject
 
 public:
     /// `arguments` begin with the program's name; `output` outlives the application object.
-    CLIMainApp(QStringList arguments, CLIOutputHandler &output, QObject *parent = nullptr);
+    CLIMainApp(QStringList arguments, CLIOutputHandler *output, QObject *parent = nullptr);
 
     /// The exit code of the pass; one that is not 0 is told on the console first.
     qint32 exitCodeWithMessage();
@@ -36,7 +36,7 @@ private:
     QStringList valuesOf(const QString &option) const;
 
     QStringList arguments_;
-    CLIOutputHandler &output_;
+    CLIOutputHandler *output_;
     GeneratorMainHandler handler_;
     QMap<QString, QString> options_;
     QMap<qint32, QString> errorTexts_;

@@ -272,12 +272,15 @@ TEST_F(Cli, HidesFilesThatCannotBeReadOrWritten)
                     .contains(u"The file in gen_indices.h in %1 is not writable\n"_s.arg(folder_.path())));
     EXPECT_EQ(readFile(path(u"gen_indices.h"_s)), "mine");
 
+    const QString text = written(u"t.ncxt"_s, "[GeneralSettings]\nline0type=1\n");
     QFile(folder_.path()).setPermissions(QFileDevice::ReadOwner | QFileDevice::ExeOwner);
     const ProcessResult result = run({u"-project"_s, project_});
+    run({u"-project"_s, text, u"-save"_s});
     QFile(folder_.path()).setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     EXPECT_EQ(result.exitCode, 8);
     EXPECT_TRUE(body(result).endsWith(u"ABORT - The output folder %1 is not writeable.\n"
                                       "Error - The output folder is not writeable\n"_s.arg(folder_.path())));
+    EXPECT_TRUE(readFile(text).contains("FileHash="));
 }
 
 TEST_F(Cli, OpensByWhatTheBuildMayOpen)
@@ -351,7 +354,7 @@ TEST(MainApp, TurnsTheResultOfARunIntoAnExitCode)
     };
     for (const auto &[runResult, exitCode, text] : rows) {
         CLIOutputHandler output;
-        CLIMainApp app({}, output);
+        CLIMainApp app({}, &output);
         int finished = 0;
         QObject::connect(&app, &CLIMainApp::finished, &app, [&finished] { ++finished; });
         app.generatorFinished(runResult);

@@ -413,7 +413,7 @@ TEST_F(TextForm, SmallProjectsThatAPersonWroteOpen)
 {
     TestSupport::writeFile(path(u"a.ncxt"_s),
                            "[GeneralSettings]\nline0type=1\nco_node_id=1,2\n\n[Nodes]\n0\\name=Motor\n"
-                           "1\\name = second line\n300\\name=x\n[Objects1]\n0x1000\\name=Device type\n"
+                           "1\\name = second line\n300\\name=x\n[Objects1]\n0X1000\\name=Device type\n"
                            "[SubObjects1]\n0x1000\\0\\datatype=7\n[Unknown]\nx=1\n");
     ASSERT_TRUE(store.openDataBase(path(u"a.ncxt"_s)));
     EXPECT_EQ(rows(u"select nodeId, name, outputpath from Nodes"_s),
@@ -421,6 +421,8 @@ TEST_F(TextForm, SmallProjectsThatAPersonWroteOpen)
     EXPECT_EQ(store.getGeneralSetting(u"co_node_id"_s), u"1,2"_s);
     EXPECT_EQ(store.getIndexName(1, 0x1000), u"Device type"_s);
     EXPECT_EQ(store.getSubIndexDataType(1, 0x1000, 0), 7);
+    EXPECT_TRUE(store.saveDatabase(path(u"a.ncxt"_s)) && store.saveDatabase(path(u"b.ncxt"_s)));
+    EXPECT_EQ(TestSupport::readFile(path(u"a.ncxt"_s)), TestSupport::readFile(path(u"b.ncxt"_s)));
 
     ObjectDataBase j1939;
     ASSERT_TRUE(open(
