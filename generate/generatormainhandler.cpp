@@ -175,7 +175,7 @@ GeneratorMainHandler::GeneratorResult GeneratorMainHandler::runStages(bool ignor
 
     if (!passesCheck(context, ignoreCheckErrors))
         return CheckFailed;
-    if (!QFileInfo(outputFolder_).isWritable()) {
+    if (const QFileInfo folder(outputFolder_); !folder.isDir() || !folder.isWritable()) {
         output_->message(u"ABORT - The output folder %1 is not writeable."_s.arg(outputFolder_));
         return OutputFolderNotWritable;
     }

@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include <fcntl.h>
+
 qint64 WholeFile::writeData(const char *data, qint64 length)
 {
     const qint64 written = QSaveFile::writeData(data, length);
@@ -26,7 +28,13 @@ bool WholeFile::overwriteInClosedFolder(const QString &path, const QByteArray &c
 {
     const QFileInfo info(path);
     QFile file(path);
-    return info.exists() && !QFileInfo(info.path()).isWritable() &&
-           file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(content) == content.size() &&
-           file.flush();
+    if (!info.isFile() || QFileInfo(info.path()).isWritable() || !file.open(QIODevice::ReadWrite))
+        return false;
+    // A disk without room for the new content must not cost the old.
+    const qint64 formerSize = file.size();
+    if (!content.isEmpty() && posix_fallocate(file.handle(), 0, content.size()) != 0) {
+        file.resize(formerSize);
+        return false;
+    }
+    return file.write(content) == content.size() && file.flush() && file.resize(content.size());
 }

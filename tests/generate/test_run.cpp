@@ -248,13 +248,17 @@ TEST_F(Run, RemovesTheAddressClaimOfJ1939LinesOnly)
     EXPECT_EQ(left, (QList<bool>{true, true, false, true, false, true}));
 }
 
-TEST_F(Run, RefusesAFolderThatIsNotThere)
+TEST_F(Run, RefusesAFolderThatIsNone)
 {
     ProjectBuilder project;
     open(project);
-    handler_.setOutputFolder(path(u"missing"_s));
-    EXPECT_EQ(generate(), checkPassed + QStringList{u"ABORT - The output folder DIR/missing is not writeable."_s});
-    EXPECT_EQ(results_, QList<int>{GeneratorMainHandler::OutputFolderNotWritable});
+    ASSERT_TRUE(QFile(path(u"file"_s)).open(QIODevice::WriteOnly));
+    for (const QString &name : {u"missing"_s, u"file"_s}) {
+        handler_.setOutputFolder(path(name));
+        EXPECT_EQ(generate(),
+                  checkPassed + QStringList{u"ABORT - The output folder DIR/%1 is not writeable."_s.arg(name)});
+        EXPECT_EQ(results_.last(), GeneratorMainHandler::OutputFolderNotWritable);
+    }
 }
 
 TEST_F(Run, NamesTheFilesThatAreNotWritable)
