@@ -146,6 +146,7 @@ TEST(Tables, RowOfADomainHasTheObjectsName)
     ProjectBuilder project;
     project.object(0x2000, u"Program"_s).sub(0, u"data"_s);
     setObject(project, 0x2000, CANopen::Domain, CAN::Domain);
-    const QString row = linesOf(ICSVGenerator(), project.store()).value(4);
+    ICSVGenerator generator;
+    const QString row = DocsTest::textOf(generator, project.store()).split(u'\n').value(4);
     EXPECT_TRUE(row.startsWith("0x2000,0x00,DOMAIN,DOMAIN,Program,"_L1)) << qPrintable(row);
 }
