@@ -140,13 +140,3 @@ TEST(Tables, ComeBackFromIcsv)
         EXPECT_EQ(found.size(), expected.size());
     }
 }
-
-TEST(Tables, RowOfADomainHasTheObjectsName)
-{
-    ProjectBuilder project;
-    project.object(0x2000, u"Program"_s).sub(0, u"data"_s);
-    setObject(project, 0x2000, CANopen::Domain, CAN::Domain);
-    ICSVGenerator generator;
-    const QString row = DocsTest::textOf(generator, project.store()).split(u'\n').value(4);
-    EXPECT_TRUE(row.startsWith("0x2000,0x00,DOMAIN,DOMAIN,Program,"_L1)) << qPrintable(row);
-}
