@@ -22,7 +22,7 @@ struct RuleCase
 /// All cases of all files but the clean projects that they start from, whose commands each of them holds in front.
 QList<RuleCase> ruleCases();
 
-/// A project built from commands, which the README of tests/data/check/ lists, in a folder of its own.
+/// A project built from commands, in a folder of its own.
 class CaseProject
 {
 public:

@@ -158,10 +158,10 @@ TEST_F(Rules, CorrectNothingForAUserWhoDoesNotWantIt)
     QSettings settings(QSettings::IniFormat, QSettings::UserScope, u"norvane"_s, u"CANopen NodeComposer"_s);
     settings.setValue(u"General/disableautocorrection"_s, true);
     settings.sync();
-    CaseProject project({u"line 0 = 1"_s, u"object 0x1800 code=9"_s,
-                         u"sub 0x1800:1 type=7; access=rw; value=$NodeID+0x181"_s, u"object 0x1A00 code=9"_s,
-                         u"sub 0x1A00:0 access=rw; value=0"_s, u"object 0x2000 code=8"_s, u"sub 0x2000:0 value=7"_s,
-                         u"sub 0x2000:3"_s});
+    CaseProject project({u"line 0 = 1"_s, u"object 0x1800 objecttype=9"_s,
+                         u"sub 0x1800:1 datatype=7; accesstype=rw; defaultvalue=$NodeID+0x181"_s,
+                         u"object 0x1A00 objecttype=9"_s, u"sub 0x1A00:0 accesstype=rw; defaultvalue=0"_s,
+                         u"object 0x2000 objecttype=8"_s, u"sub 0x2000:0 defaultvalue=7"_s, u"sub 0x2000:3"_s});
     const CaseProject::Outcome outcome = project.check();
     settings.remove(u"General/disableautocorrection"_s);
     EXPECT_FALSE(outcome.corrected);

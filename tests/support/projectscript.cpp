@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QHash>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using namespace TestSupport;
@@ -18,57 +18,6 @@ std::pair<quint16, quint8> address(const QString &text)
 {
     return {static_cast<quint16>(number(text.section(u':', 0, 0))),
             text.contains(u':') ? static_cast<quint8>(number(text.section(u':', 1))) : quint8{0}};
-}
-
-/// The short names of fields, and the attributes that have one.
-const QHash<QString, QString> shortNames{
-    {u"access"_s, u"accesstype"_s},
-    {u"as"_s, u"implementation"_s},
-    {u"bit"_s, u"bitposition"_s},
-    {u"bits"_s, u"bitsize"_s},
-    {u"code"_s, u"objecttype"_s},
-    {u"cycle"_s, u"cycletime_ms"_s},
-    {u"default"_s, u"defaultineds"_s},
-    {u"eds"_s, u"writedefaulttoeds"_s},
-    {u"high"_s, u"uplimit"_s},
-    {u"inhibit"_s, u"inhibittime_ms"_s},
-    {u"limited"_s, u"limitineds"_s},
-    {u"low"_s, u"lowlimit"_s},
-    {u"map"_s, u"pdomapping"_s},
-    {u"noread"_s, u"refuseread"_s},
-    {u"nowrite"_s, u"refusewrite"_s},
-    {u"safe"_s, u"issafe"_s},
-    {u"senders"_s, u"multisourceaddress"_s},
-    {u"shared"_s, u"sharedlines"_s},
-    {u"stored"_s, u"nvstorage"_s},
-    {u"type"_s, u"datatype"_s},
-    {u"value"_s, u"defaultvalue"_s},
-    {u"var"_s, u"varname"_s},
-};
-const QHash<QString, QString> attributes{{u"tag"_s, u"eds_define"_s}, {u"edstype"_s, u"eds_datatype"_s}};
-
-template <class Record>
-void change(Record &record, const QString &fields)
-{
-    constexpr bool hasAttributes = requires
-    {
-        record.metadata;
-    };
-    constexpr bool isSub = std::is_same_v<Record, StoreRecords::SubIndexData>;
-    for (const QString &field : fields.split(u"; "_s, Qt::SkipEmptyParts)) {
-        const QString name = field.section(u'=', 0, 0);
-        const QString value = field.section(u'=', 1);
-        if constexpr (hasAttributes) {
-            const QString key =
-                name == "define"_L1 ? (isSub ? u"subdefine"_s : u"objectdefine"_s) : attributes.value(name);
-            if (!key.isEmpty()) {
-                record.metadata.insert(key, value);
-                continue;
-            }
-        }
-        const QString text = hasAttributes ? u"description"_s : u"desc"_s;
-        assign(record, (name == "text"_L1 ? text : shortNames.value(name, name)) + u'=' + value);
-    }
 }
 
 } // namespace
@@ -95,21 +44,28 @@ bool ProjectScript::runSetting(const QString &word, const QString &key, const QS
             store_->addNode(line_, {});
         return store_->setGeneralSetting(u"line%1type"_s.arg(line_), value);
     }
+    if (word == "description"_L1)
+        store_->setCurrentLine(line_);
     if (word == "authentication"_L1) {
         store_->setUDSServiceAuthentication(line_, static_cast<quint8>(number(key)), value);
         return true;
     }
-    using Setter = bool (ObjectDataBase::*)(const QString &, const QString &);
-    static const QHash<QString, Setter> setters{{u"general"_s, &ObjectDataBase::setGeneralSetting},
-                                                {u"j1939"_s, &ObjectDataBase::setJ1939Setting},
-                                                {u"misc"_s, &ObjectDataBase::setMiscSetting},
-                                                {u"energybus"_s, &ObjectDataBase::setEnergyBusSetting},
-                                                {u"description"_s, &ObjectDataBase::setDescriptionSetting}};
-    if (word == "description"_L1)
-        store_->setCurrentLine(line_);
-    const Setter setter = setters.value(word);
-    return setter &&
-           std::ranges::all_of(key.split(u' '), [&](const QString &one) { return (*store_.*setter)(one, value); });
+    const QStringList keys = key.split(u' ');
+    return std::ranges::all_of(keys, [&](const QString &one) {
+        return (word == "general"_L1 && store_->setGeneralSetting(one, value)) ||
+               (word == "j1939"_L1 && store_->setJ1939Setting(one, value)) ||
+               (word == "misc"_L1 && store_->setMiscSetting(one, value)) ||
+               (word == "energybus"_L1 && store_->setEnergyBusSetting(one, value)) ||
+               (word == "description"_L1 && store_->setDescriptionSetting(one, value));
+    });
+}
+
+/// Adds an object with the subindices from 0 to the last.
+void ProjectScript::addSubs(quint16 index, quint8 last)
+{
+    store_->addIndex(line_, index, {});
+    for (quint16 subindex = 0; subindex <= last; ++subindex)
+        store_->addSubIndex(line_, index, static_cast<quint8>(subindex), {});
 }
 
 void ProjectScript::run(const QString &command)
@@ -119,26 +75,21 @@ void ProjectScript::run(const QString &command)
     const auto numberAt = [&](int place) { return number(rest.section(u' ', place, place)); };
     const auto direction = [&] { return static_cast<quint8>(numberAt(1)); };
     if (word == "objects"_L1) {
-        for (const QString &object : rest.split(u' ')) {
-            store_->addIndex(line_, address(object).first, {});
-            store_->addSubIndex(line_, address(object).first, 0, {});
-        }
+        for (const QString &index : rest.split(u' '))
+            addSubs(address(index).first, 0);
     } else if (word == "subs"_L1) {
-        const auto [index, last] = address(rest);
-        store_->addIndex(line_, index, {});
-        for (quint16 subindex = 0; subindex <= last; ++subindex)
-            store_->addSubIndex(line_, index, static_cast<quint8>(subindex), {});
+        addSubs(address(rest).first, address(rest).second);
     } else if (word == "object"_L1) {
         const quint16 index = address(rest.section(u' ', 0, 0)).first;
         StoreRecords::IndexData data;
         store_->getIndex(line_, index, data);
-        change(data, rest.section(u' ', 1));
+        assign(data, rest.section(u' ', 1));
         store_->addIndex(line_, index, data);
     } else if (word == "sub"_L1) {
         const auto [index, subindex] = address(rest.section(u' ', 0, 0));
         StoreRecords::SubIndexData data;
         store_->getSubIndex(line_, index, subindex, data);
-        change(data, rest.section(u' ', 1));
+        assign(data, rest.section(u' ', 1));
         store_->addSubIndex(line_, index, subindex, data);
     } else if (word == "remove"_L1) {
         const auto [index, subindex] = address(rest);
@@ -147,23 +98,23 @@ void ProjectScript::run(const QString &command)
         StoreRecords::PGN data;
         store_->getPGN(line_, numberAt(0), direction(), data);
         data.direction = direction();
-        change(data, rest.section(u' ', 2));
+        assign(data, rest.section(u' ', 2));
         store_->addPGN(line_, numberAt(0), data);
     } else if (word == "spn"_L1) {
         StoreRecords::SPN data;
         store_->getSPN(line_, numberAt(0), direction(), numberAt(2), data);
-        change(data, rest.section(u' ', 3));
+        assign(data, rest.section(u' ', 3));
         store_->addSPN(line_, numberAt(0), direction(), numberAt(2), data);
     } else if (word == "canid"_L1) {
         StoreRecords::CANID data;
         store_->getCANID(line_, numberAt(0), direction(), data);
         data.direction = direction();
-        change(data, rest.section(u' ', 2));
+        assign(data, rest.section(u' ', 2));
         store_->addCANID(line_, numberAt(0), data);
     } else if (word == "signal"_L1) {
         StoreRecords::DataElement data;
         store_->getDataElement(line_, numberAt(0), direction(), numberAt(2), data);
-        change(data, rest.section(u' ', 3));
+        assign(data, rest.section(u' ', 3));
         store_->removeDataElement(line_, numberAt(0), numberAt(2), direction());
         store_->addDataElement(line_, numberAt(0), direction(), numberAt(2), data);
     } else {

@@ -20,6 +20,7 @@ public:
     const std::shared_ptr<ObjectDataBase> &store() const { return store_; }
 
 private:
+    void addSubs(quint16 index, quint8 last);
     bool runSetting(const QString &word, const QString &key, const QString &value);
 
     std::shared_ptr<ObjectDataBase> store_;

@@ -140,12 +140,3 @@ TEST(Tables, ComeBackFromIcsv)
         EXPECT_EQ(found.size(), expected.size());
     }
 }
-
-TEST(Tables, RowOfADomainHasTheObjectsName)
-{
-    ProjectBuilder project;
-    project.object(0x2000, u"Program"_s).sub(0, u"data"_s);
-    setObject(project, 0x2000, CANopen::Domain, CAN::Domain);
-    const QString table = importIcsv(project.store(), ImportTest::emptyProject());
-    EXPECT_TRUE(table.contains("\n0x2000,0x00,DOMAIN,DOMAIN,Program,"_L1)) << qPrintable(table);
-}
