@@ -1,9 +1,10 @@
-#include "store/objectdatabase.h"
 #include "support/processrunner.h"
+#include "support/projectscript.h"
 #include "support/testhome.h"
 
 #include <gtest/gtest.h>
 
+#include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -16,7 +17,8 @@ using namespace TestSupport;
 // A case is a folder under tests/data/golden/ or examples/. It holds one project (.ncxt), whatever that needs, and
 // perhaps
 //   args        further arguments, one a line, with ${EXAMPLES} for the folder of the examples
-//   rawcan.csv  raw CAN messages, which a text project cannot hold: the run then takes the project as .ncxp
+//   rawcan.txt  raw CAN messages, which a text project cannot hold, as commands of a ProjectScript: the run then takes
+//               the project as .ncxp
 //   console.txt what the run says after its banner, with ${FOLDER} for its folder
 //   expected/   the files that the run writes, and nothing else
 // NCX_ACCEPT=1 in the environment takes the output of this build as expected, to be read as a difference.
@@ -48,42 +50,13 @@ QSet<QString> filesIn(const QString &folder)
     return files;
 }
 
-/// Adds the messages of a file with lines "line;TX or RX;id;name;cycle time;inhibit time;description", each followed by
-/// its data elements "number;name;data type;bit position;bit size;default;implementation;variable;description".
-void addRawCanMessages(ObjectDataBase &store, const QString &content)
+/// The moment of the stored output.
+const QDateTime goldenMoment = QDateTime::fromSecsSinceEpoch(1794733920, Qt::UTC);
+
+/// A day as comments and descriptions have it.
+QList<QByteArray> textsOf(const QDateTime &moment)
 {
-    quint8 line = 0;
-    StoreRecords::CANID message;
-    for (const QString &row : content.split(u'\n', Qt::SkipEmptyParts)) {
-        const QStringList fields = QString(row).replace(u"\\n"_s, u"\n"_s).split(u';');
-        if (row.startsWith(u'#'))
-            continue;
-        if (fields.size() == 7) {
-            line = static_cast<quint8>(fields.at(0).toUInt());
-            message = {.name = fields.at(3),
-                       .desc = fields.at(6),
-                       .id = fields.at(2).toUInt(nullptr, 0),
-                       .cycletime_ms = fields.at(4).toUShort(),
-                       .inhibittime_ms = fields.at(5).toUShort(),
-                       .direction = fields.at(1) == "TX"_L1 ? ObjectDataBase::transmit : ObjectDataBase::receive};
-            EXPECT_TRUE(store.addCANID(line, message.id, message));
-            continue;
-        }
-        ASSERT_EQ(fields.size(), 9) << qPrintable(row);
-        const quint32 number = fields.at(0).toUInt();
-        const StoreRecords::DataElement element{.pos = number,
-                                                .name = fields.at(1),
-                                                .desc = fields.at(8),
-                                                .defaultvalue = fields.at(5),
-                                                .datatype = fields.at(2).toUInt(),
-                                                .direction = message.direction,
-                                                .spnnumber = number,
-                                                .implementation = static_cast<quint8>(fields.at(6).toUInt()),
-                                                .varname = fields.at(7),
-                                                .bitsize = fields.at(4).toUShort(),
-                                                .bitposition = fields.at(3).toUShort()};
-        EXPECT_TRUE(store.addDataElement(line, message.id, message.direction, number, element));
-    }
+    return {moment.toString(u"ddd MMM d"_s).toLatin1(), moment.toString(u"MM-dd-yy"_s).toLatin1()};
 }
 
 class Golden
@@ -101,7 +74,11 @@ public:
     {
         const int failuresBefore = failures();
         copyInput();
-        const ProcessResult result = runProgram();
+        // Neither the language nor the time zone of the user shows in what is written.
+        const ProcessResult result =
+            runProgram({{u"SOURCE_DATE_EPOCH"_s, QString::number(goldenMoment.toSecsSinceEpoch())},
+                        {u"TZ"_s, u"CET-1CEST,M3.5.0,M10.5.0/3"_s},
+                        {u"LC_ALL"_s, u"de_DE.UTF-8"_s}});
         EXPECT_EQ(result.exitCode, 0) << qPrintable(result.output);
         EXPECT_EQ(result.errors, QString());
         takeErrorLog(result);
@@ -119,6 +96,27 @@ public:
             scratch_.remove();
     }
 
+    /// The number of dates in the stored output, which are those of today in a run that is told no other day.
+    int checkDates()
+    {
+        copyInput();
+        const QList<QByteArray> before = textsOf(QDateTime::currentDateTime());
+        EXPECT_EQ(runProgram({{u"SOURCE_DATE_EPOCH"_s, QString()}}).exitCode, 0);
+        const QList<QByteArray> after = textsOf(QDateTime::currentDateTime());
+        int dated = 0;
+        for (const QString &name : output()) {
+            const QByteArray actual = readFile(scratch_.filePath(name));
+            for (qsizetype form = 0; form < before.size(); ++form) {
+                if (!readFile(expected_ + u'/' + name).contains(textsOf(goldenMoment).at(form)))
+                    continue;
+                ++dated;
+                EXPECT_TRUE(actual.contains(before.at(form)) || actual.contains(after.at(form))) << qPrintable(name);
+            }
+        }
+        scratch_.remove();
+        return dated;
+    }
+
 private:
     static int failures()
     {
@@ -133,32 +131,32 @@ private:
         }
     }
 
-    ProcessResult runProgram()
+    ProcessResult runProgram(const QList<std::pair<QString, QString>> &environment)
     {
         const QStringList projects = QDir(scratch_.path()).entryList({u"*.ncxt"_s});
         EXPECT_EQ(projects.size(), 1) << "a case holds one project";
         QString project = projects.value(0);
-        if (input_.contains(u"rawcan.csv"_s))
+        if (input_.contains(u"rawcan.txt"_s))
             project = withRawCan(project);
         QStringList arguments{u"-project"_s, scratch_.filePath(project)};
         arguments += QString::fromUtf8(readFile(folder_ + u"/args"_s))
                          .replace(u"${EXAMPLES}"_s, QStringLiteral(NCX_SOURCE_DIR "/examples"))
                          .split(u'\n', Qt::SkipEmptyParts);
-        return ProcessRunner(u"ncx_cli"_s)
-            .arguments(arguments)
-            .workingFolder(scratch_.path())
-            .environment(u"SOURCE_DATE_EPOCH"_s, u"1794733920"_s)
-            .run();
+        ProcessRunner program(u"ncx_cli"_s);
+        for (const auto &[name, value] : environment)
+            program.environment(name, value);
+        return program.arguments(arguments).workingFolder(scratch_.path()).run();
     }
 
     /// Makes the database project that the text and the messages stand for.
     QString withRawCan(const QString &textProject)
     {
         const QString project = QFileInfo(textProject).completeBaseName() + u".ncxp"_s;
-        ObjectDataBase store;
-        EXPECT_TRUE(store.openTextDatabase(scratch_.filePath(textProject)));
-        addRawCanMessages(store, QString::fromUtf8(readFile(scratch_.filePath(u"rawcan.csv"_s))));
-        EXPECT_TRUE(store.saveDatabase(scratch_.filePath(project)));
+        const auto store = std::make_shared<ObjectDataBase>();
+        EXPECT_TRUE(store->openTextDatabase(scratch_.filePath(textProject)));
+        const QString messages = QString::fromUtf8(readFile(scratch_.filePath(u"rawcan.txt"_s)));
+        ProjectScript(store).run(messages.split(u'\n', Qt::SkipEmptyParts));
+        EXPECT_TRUE(store->saveDatabase(scratch_.filePath(project)));
         input_.insert(project);
         return project;
     }
@@ -231,6 +229,16 @@ TEST(Goldens, GenerateAsExpected)
         SCOPED_TRACE(qPrintable(folder));
         Golden(folder).check();
     }
+}
+
+TEST(Goldens, HaveTheDateOfToday)
+{
+    int dated = 0;
+    for (const QString &folder : cases()) {
+        SCOPED_TRACE(qPrintable(folder));
+        dated += Golden(folder).checkDates();
+    }
+    EXPECT_GT(dated, 100);
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "check/checkrules.h"
-#include "store/objectdatabase.h"
+#include "support/projectscript.h"
 
 #include <QTemporaryDir>
 
@@ -22,7 +22,7 @@ struct RuleCase
 /// All cases of all files but the clean projects that they start from, whose commands each of them holds in front.
 QList<RuleCase> ruleCases();
 
-/// A project built from commands, which the README of tests/data/check/ lists, in a folder of its own.
+/// A project built from commands, in a folder of its own.
 class CaseProject
 {
 public:
@@ -41,15 +41,11 @@ public:
     /// The whole check, as a run does it.
     Outcome check();
 
-    const std::shared_ptr<ObjectDataBase> &store() const { return store_; }
+    const std::shared_ptr<ObjectDataBase> &store() const { return script_.store(); }
     /// Where the files are that the commands write.
     QString folder() const { return folder_.path(); }
 
 private:
-    void run(const QString &command);
-    void runOnLine(const QString &word, const QString &rest);
-
     QTemporaryDir folder_;
-    std::shared_ptr<ObjectDataBase> store_ = std::make_shared<ObjectDataBase>();
-    quint8 line_ = 0;
+    TestSupport::ProjectScript script_;
 };

@@ -101,6 +101,12 @@ TEST_F(Rules, SayWhatTheCasesExpect)
         const auto isError = [](const QString &text) { return text.contains(u"Error: "_s); };
         EXPECT_EQ(outcome.errors, std::count_if(outcome.messages.begin(), outcome.messages.end(), isError));
         seen.unite(QSet<QString>(expected.begin(), expected.end()));
+
+        // What is corrected stays so, and news of a version are told once.
+        const CaseProject::Outcome second = project.check();
+        EXPECT_EQ(outcome.corrected, outcome.messages.join(u' ').contains("PDO has been disabled"_L1));
+        EXPECT_FALSE(second.corrected);
+        EXPECT_EQ(second.messages.filter(QRegularExpression(u"Corrected|project or Makefile"_s)), QStringList());
     }
     for (const QString &rule : ruleNames())
         EXPECT_TRUE(seen.contains(rule)) << "no case provokes " << qPrintable(rule);
@@ -146,36 +152,16 @@ TEST_F(Rules, AreDocumentedWithTheirMessagesAndGroups)
         EXPECT_TRUE(provoked.contains(row.message)) << "nobody says " << qPrintable(row.message);
 }
 
-const QStringList emptyPdo{u"line 0 = 1"_s,
-                           u"object 0x1800 name=TPDO; code=9"_s,
-                           u"sub 0x1800:1 type=7; access=rw; value=$NodeID+0x181"_s,
-                           u"object 0x1A00 name=Map; code=9"_s,
-                           u"sub 0x1A00:0 access=rw; value=0"_s,
-                           u"object 0x2000 name=Array; code=8"_s,
-                           u"sub 0x2000:0 access=ro; value=7"_s,
-                           u"sub 0x2000:3 access=rw"_s};
-
-TEST_F(Rules, CorrectOnceAndKeepIt)
-{
-    CaseProject project(emptyPdo);
-    const CaseProject::Outcome first = project.check();
-    EXPECT_TRUE(first.corrected);
-    EXPECT_EQ(first.messages.filter(u"Corrected"_s).size(), 3);
-    EXPECT_EQ(project.store()->getSubIndexDefaultValue(0, 0x1800, 1), u"$NodeID+0x80000181");
-    EXPECT_EQ(project.store()->getSubIndexDefaultValue(0, 0x2000, 0), u"3");
-    const CaseProject::Outcome second = project.check();
-    EXPECT_FALSE(second.corrected);
-    EXPECT_EQ(second.messages, first.messages.filter(QRegularExpression(u"^(?!.*Corrected)"_s)));
-    EXPECT_EQ(second.errors, first.errors);
-}
-
 TEST_F(Rules, CorrectNothingForAUserWhoDoesNotWantIt)
 {
     QCoreApplication::setOrganizationName(u"norvane"_s);
     QSettings settings(QSettings::IniFormat, QSettings::UserScope, u"norvane"_s, u"CANopen NodeComposer"_s);
     settings.setValue(u"General/disableautocorrection"_s, true);
     settings.sync();
-    CaseProject project(emptyPdo);
+    CaseProject project({u"line 0 = 1"_s, u"object 0x1800 objecttype=9"_s,
+                         u"sub 0x1800:1 datatype=7; accesstype=rw; defaultvalue=$NodeID+0x181"_s,
+                         u"object 0x1A00 objecttype=9"_s, u"sub 0x1A00:0 accesstype=rw; defaultvalue=0"_s,
+                         u"object 0x2000 objecttype=8"_s, u"sub 0x2000:0 defaultvalue=7"_s, u"sub 0x2000:3"_s});
     const CaseProject::Outcome outcome = project.check();
     settings.remove(u"General/disableautocorrection"_s);
     EXPECT_FALSE(outcome.corrected);
@@ -183,35 +169,6 @@ TEST_F(Rules, CorrectNothingForAUserWhoDoesNotWantIt)
     EXPECT_EQ(outcome.messages.filter(u"0x2000"_s), QStringList());
     EXPECT_EQ(outcome.messages.filter(u"0x1800: PDO is enabled but"_s).size(), 1);
     EXPECT_EQ(project.store()->getSubIndexDefaultValue(0, 0x2000, 0), u"7");
-}
-
-TEST_F(Rules, RememberTheVersionThatSawTheProjectLast)
-{
-    CaseProject project({u"line 0 = 3"_s, u"misc PreviousToolVersion = 3.7"_s});
-    EXPECT_EQ(project.check().messages.filter(u"co_memcpy.c"_s).size(), 1);
-    EXPECT_EQ(project.store()->getMiscSetting(u"PreviousToolVersion"_s), u"4.3.3");
-    EXPECT_EQ(project.check().messages.filter(u"co_memcpy.c"_s).size(), 0);
-}
-
-TEST(DefaultCobIds, FollowTheNodeId)
-{
-    const auto fits = [](std::optional<quint8> nodeId, quint16 index, quint8 subindex, const QString &cobId) {
-        for (const DefaultCobId &expected : predefinedCobIds(nodeId)) {
-            if (expected.index == index && expected.subindex == subindex)
-                return expected.fits(*StoreValue::parse(cobId));
-        }
-        return false;
-    };
-    EXPECT_TRUE(fits(5, 0x1403, 1, u"0x505"_s));
-    EXPECT_TRUE(fits(5, 0x1802, 1, u"0xC0000385"_s));
-    EXPECT_TRUE(fits(5, 0x1802, 1, u"$NODEID+0x40000380"_s));
-    EXPECT_TRUE(fits(5, 0x1014, 0, u"0x85"_s));
-    EXPECT_TRUE(fits({}, 0x1200, 2, u"0x5FF"_s));
-    EXPECT_TRUE(fits({}, 0x1005, 0, u"0x40000080"_s));
-    EXPECT_FALSE(fits(5, 0x1403, 1, u"0x500"_s));
-    EXPECT_FALSE(fits(5, 0x1400, 1, u"$NODEID+0x205"_s));
-    EXPECT_FALSE(fits({}, 0x1400, 1, u"$NODEID+0x201"_s));
-    EXPECT_FALSE(fits(5, 0x1005, 0, u"$NODEID+0x80"_s));
 }
 
 TEST(StoreValues, ReadEveryFormOfANumber)

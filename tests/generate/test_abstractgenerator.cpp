@@ -130,29 +130,4 @@ TEST_F(Generator, ReportsAFileThatCannotBeOpenedFilledOrPutInPlace)
     EXPECT_EQ(last.errorCode(), AbstractGenerator::OutputError);
 }
 
-TEST(LargeValues, AreSetByteByByte)
-{
-    struct Row
-    {
-        quint32 dataType;
-        const char *text;
-    };
-    const Row rows[] = {
-        {12, "U48_SET(0x03,0x04,0x05,0x06,0x07,0x08)"},
-        {13, ""},
-        {16, "I24_SET(0xff,0xff,0xfe)"},
-        {22, "U24_SET(0x06,0x07,0x08)"},
-        {24, "U40_SET(0x04,0x05,0x06,0x07,0x08)"},
-        {25, "U48_SET(0x03,0x04,0x05,0x06,0x07,0x08)"},
-        {27, "U64_SET(0x01,0x02,0x03,0x04,0x05,0x06,0x07,0x08)"},
-        {7, ""},
-        {18, ""},
-        {28, ""},
-    };
-    for (const Row &row : rows)
-        EXPECT_EQ(AbstractGenerator::formatLargeValue(row.dataType, 0x0102030405060708, -2),
-                  QString::fromLatin1(row.text))
-            << row.dataType;
-}
-
 } // namespace

@@ -1,9 +1,13 @@
-#include "generate/defineheader.h"
 #include "generate/generatormainhandler.h"
 #include "generate/recorder.h"
+#include "generate/runcontext.h"
+#include "generate/stack/definegenerator.h"
 #include "generate/stack/projectprops.h"
 #include "generate/stack/usersection.h"
+#include "support/projectbuilder.h"
 #include "support/testhome.h"
+
+#include <gtest/gtest.h>
 
 #include <QDir>
 #include <QRegularExpression>
@@ -13,12 +17,43 @@ using namespace TestSupport;
 
 namespace {
 
+/// A generated gen_define.h.
+struct Header
+{
+    QString userSection;
+    QString generationCount = u"none"_s; ///< as its macro has it
+};
+
+class Define : public testing::Test
+{
+protected:
+    QString path() const { return folder_.filePath(u"gen_define.h"_s); }
+    Header generated(const ProjectBuilder &project) const
+    {
+        const RunContext run = RunContext::ofProject(project.store());
+        GenDefineGenerator generator;
+        generator.setDatabase(run.store);
+        generator.setOutputFolder(folder_.path());
+        generator.setBaseName(u"device"_s);
+        generator.startJob();
+        generator.waitForJob();
+        EXPECT_EQ(generator.errorText(), QString());
+        Header header{.userSection = generator.userSection()};
+        static const QRegularExpression count(u"#define GEN_GENERATION_COUNT\\t(\\w+)"_s);
+        if (const auto match = count.match(QString::fromUtf8(readFile(path()))); match.hasMatch())
+            header.generationCount = match.captured(1);
+        return header;
+    }
+
+    QTemporaryDir folder_;
+};
+
 TEST_F(Define, KeepsTheUserSectionByteForByte)
 {
     ProjectBuilder project;
     const QByteArray start = "/* user-specific section: start */\n";
     const QByteArray end = "/* user-specific section: end */\n\n#endif /* GEN_DEFINE_H */\n";
-    EXPECT_EQ(v4(project).userSection(), QString());
+    EXPECT_EQ(generated(project).userSection, QString());
     EXPECT_TRUE(readFile(path()).endsWith(start + "\n" + end));
 
     const QByteArray mine(
@@ -27,7 +62,7 @@ TEST_F(Define, KeepsTheUserSectionByteForByte)
     file.replace(start + "\n" + end, start + mine + end);
     for (int run = 0; run < 2; ++run) {
         ASSERT_TRUE(writeFile(path(), file));
-        EXPECT_TRUE(v4(project).userSection().contains("#define MINE"_L1));
+        EXPECT_TRUE(generated(project).userSection.contains("#define MINE"_L1));
         file = readFile(path());
         EXPECT_TRUE(file.endsWith(start + mine + end));
     }
@@ -36,10 +71,10 @@ TEST_F(Define, KeepsTheUserSectionByteForByte)
     file = readFile(path());
     ASSERT_TRUE(
         writeFile(path(), file.replace(start + mine + end, start + "#define MINE\n" + end).replace('\n', '\r')));
-    EXPECT_EQ(v4(project).value(u"GEN_GENERATION_COUNT"_s), u"1ul");
+    EXPECT_EQ(generated(project).generationCount, u"1ul");
     EXPECT_TRUE(readFile(path()).endsWith(start + "#define MINE\r" + end));
     ASSERT_TRUE(writeFile(path(), readFile(path()).replace('\n', '\r')));
-    EXPECT_EQ(v4(project).value(u"GEN_GENERATION_COUNT"_s), u"2ul");
+    EXPECT_EQ(generated(project).generationCount, u"2ul");
     EXPECT_TRUE(readFile(path()).endsWith(start + "#define MINE\r" + end));
     // Without its end mark the section ends where the file does.
     EXPECT_EQ(FormerDefines::parse(start + mine + "\n#endif /* GEN_DEFINE_H */\n").userSection, mine + "\n");
@@ -49,7 +84,7 @@ TEST_F(Define, KeepsTheUserSectionByteForByte)
 TEST_F(Define, CountsGenerations)
 {
     ProjectBuilder project;
-    const auto count = [&] { return v4(project).value(u"GEN_GENERATION_COUNT"_s); };
+    const auto count = [&] { return generated(project).generationCount; };
     EXPECT_EQ(count(), u"none");
     project.general(u"generate_generation_counter"_s, u"1"_s)
         .general(u"user_defines"_s, u"#undef GEN_GENERATION_COUNT"_s);

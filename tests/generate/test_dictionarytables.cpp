@@ -1,10 +1,11 @@
-#include "generate/dictionarytest.h"
+#include "generate/stack/dictionarytables.h"
 #include "generate/stack/indexdefines.h"
+#include "support/projectbuilder.h"
 
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
-using namespace DictionaryTest;
+using TestSupport::ProjectBuilder;
 
 namespace {
 
@@ -59,88 +60,11 @@ TEST(ValuePools, HoldEachConstantOnce)
     EXPECT_EQ(pool.array(ValueType::U24).values.size(), 3U);
 }
 
-TEST(DictionaryTables, ShortenTailsOfEqualSubindices)
-{
-    struct Case
-    {
-        quint16 index;
-        QString defaults; ///< one letter per subindex, from 0; a blank is a gap
-        int limit;
-    };
-    for (const Case &c : {
-             Case{0x2000, u"naaaa"_s, 1},
-             Case{0x2000, u"nabbb"_s, 2},
-             Case{0x2000, u"nabab"_s, notCompact},
-             Case{0x2000, u"na"_s, notCompact},
-             Case{0x2000, u"naa"_s, 1},
-             Case{0x2000, u"na aa"_s, notCompact},
-             Case{0x2000, u"nab bb"_s, notCompact},
-             Case{0x2000, u"n abb"_s, 3},
-             Case{0x2000, u" aaa"_s, 1},
-             Case{0x1200, u"naaa"_s, 1},
-             Case{0x11FF, u"naaa"_s, notCompact},
-         }) {
-        ProjectBuilder project;
-        project.object(c.index, u"any"_s);
-        for (int i = 0; i < c.defaults.size(); ++i) {
-            if (c.defaults.at(i) != u' ')
-                add(project, static_cast<quint8>(i), CAN::Unsigned8, Variable, QString(c.defaults.at(i)),
-                    u"v[${subindex}]"_s);
-        }
-        const DictionaryTables tables = collected(project, {.compactDescription = true});
-        EXPECT_EQ(tables.lines.front().objects.front().compactLimit, c.limit) << qPrintable(c.defaults);
-        EXPECT_EQ(collected(project).lines.front().objects.front().compactLimit, notCompact);
-        for (const DescriptionRow &row : tables.description)
-            EXPECT_EQ(row.attributes.contains(u"CO_ATTR_COMPACT"_s), row.subindex == c.limit);
-        // The rows up to the limit, while each subindex keeps its variable.
-        const auto subs = static_cast<std::size_t>(c.defaults.count(QRegularExpression(u"\\S"_s)));
-        const auto counted = std::ranges::count_if(tables.lines.front().objects.front().subs,
-                                                   [&](const DictionarySub &sub) { return sub.subindex <= c.limit; });
-        EXPECT_EQ(tables.description.size(), static_cast<std::size_t>(counted));
-        EXPECT_EQ(tables.descriptionCount, static_cast<quint32>(counted));
-        EXPECT_EQ(tables.assign.front().subs, static_cast<quint32>(counted));
-        EXPECT_EQ(tables.pointers[0].names.size(), subs);
-    }
-}
-
-TEST(DictionaryTables, CompareWhatTheStackSeesForCompaction)
-{
-    const std::vector<std::pair<const char *, std::function<void(Sub &)>>> changes{
-        {"datatype", [](Sub &sub) { sub.datatype = CAN::Boolean; }},
-        {"access", [](Sub &sub) { sub.accesstype = u"rw"_s; }},
-        {"mapping", [](Sub &sub) { sub.pdomapping = PDOMapping::Allowed; }},
-        {"low limit", [](Sub &sub) { sub.lowlimit = u"1"_s; }},
-        {"up limit", [](Sub &sub) { sub.uplimit = u"1"_s; }},
-        {"size", [](Sub &sub) { sub.size = 1; }},
-        {"default in EDS", [](Sub &sub) { sub.defaultineds = false; }},
-        {"limit in EDS", [](Sub &sub) { sub.limitineds = true; }},
-        {"implementation", [](Sub &sub) { sub.implementation = ManagedConst; }},
-        {"variable", [](Sub &sub) { sub.varname = u"a c"_s; }},
-        {"storage", [](Sub &sub) { sub.nvstorage = true; }},
-        {"EDS form", [](Sub &sub) { sub.writedefaulttoeds = 2; }},
-    };
-    const auto limitWith = [](const std::function<void(Sub &)> &change) {
-        ProjectBuilder project;
-        project.object(0x2000, u"any"_s);
-        for (const quint8 subindex : std::initializer_list<quint8>{0, 1, 2})
-            add(project, subindex, CAN::Unsigned8, Variable, u"0"_s, u"a b"_s,
-                subindex == 1 ? change : std::function<void(Sub &)>());
-        return collected(project, {.compactDescription = true}).lines.front().objects.front().compactLimit;
-    };
-    for (const auto &[name, change] : changes)
-        EXPECT_EQ(limitWith(change), notCompact) << name;
-    EXPECT_EQ(limitWith([](Sub &sub) {
-                  sub.name = u"other"_s;
-                  sub.varname = u" a  b "_s;
-              }),
-              1);
-}
-
 TEST(DictionaryTables, GiveTheLinesOfADeviceLetters)
 {
     ProjectBuilder project;
-    EXPECT_EQ(collected(project).lineSuffix(0), QString());
-    const DictionaryTables always = collected(project.misc(u"generateML"_s, u"true"_s));
+    EXPECT_EQ(collectDictionaryTables(*project.store(), {}).lineSuffix(0), QString());
+    const DictionaryTables always = collectDictionaryTables(*project.misc(u"generateML"_s, u"true"_s).store(), {});
     for (const auto &[line, suffix] : {std::pair(0, u"a"_s), {25, u"z"_s}, {26, u"B"_s}})
         EXPECT_EQ(always.lineSuffix(static_cast<quint8>(line)), suffix);
 }

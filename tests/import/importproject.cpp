@@ -4,6 +4,9 @@
 #include "store/objectdatabase.h"
 #include "support/testhome.h"
 
+#include <gtest/gtest.h>
+
+#include <QDir>
 #include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
@@ -86,6 +89,25 @@ bool ImportTest::importText(const std::shared_ptr<ObjectDataBase> &store, const 
     const QTemporaryDir folder;
     const QString path = folder.filePath(u"device.eds"_s);
     return TestSupport::writeFile(path, content) && importEds(store, path, line);
+}
+
+void ImportTest::expectInFile(const QString &made, const QString &name)
+{
+    const QString path = QStringLiteral(NCX_SOURCE_DIR "/tests/data/") + name;
+    if (qEnvironmentVariableIntValue("NCX_ACCEPT") == 1)
+        TestSupport::writeFile(path, made.toUtf8());
+    else
+        EXPECT_EQ(made.toStdString(), TestSupport::readFile(path).toStdString()) << qPrintable(name);
+}
+
+QStringList ImportTest::casesIn(const QString &folder, const QStringList &endings)
+{
+    const QDir cases(QStringLiteral(NCX_SOURCE_DIR "/tests/data/") + folder);
+    QStringList paths;
+    for (const QString &name : cases.entryList(endings, QDir::Files))
+        paths.append(cases.filePath(name));
+    EXPECT_FALSE(paths.isEmpty());
+    return paths;
 }
 
 QString ImportTest::dump(ObjectDataBase &store, quint8 line)

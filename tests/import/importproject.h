@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 #include <memory>
 
@@ -19,5 +19,11 @@ bool importText(const std::shared_ptr<ObjectDataBase> &store, const QByteArray &
 
 /// All that an import can leave on a line, as text: a row for each object and sub-object, then the settings.
 QString dump(ObjectDataBase &store, quint8 line = 0);
+
+/// Compares text with the file of this name in tests/data. NCX_ACCEPT=1 in the environment writes the file.
+void expectInFile(const QString &made, const QString &name);
+
+/// The files of a folder in tests/data with one of the endings; there is one at least.
+QStringList casesIn(const QString &folder, const QStringList &endings);
 
 } // namespace ImportTest

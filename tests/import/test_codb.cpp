@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
+#include <QFileInfo>
 #include <QSet>
 
 using namespace Qt::StringLiterals;
@@ -16,11 +16,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using Sub = ObjectDataBase::SUBINDEX_DATA_T;
-
-QDir cases()
-{
-    return QDir(QStringLiteral(NCX_SOURCE_DIR "/tests/data/codb"));
-}
 
 std::shared_ptr<ObjectDataBase> imported(const QString &path, bool resolveCopyLines = false)
 {
@@ -67,23 +62,15 @@ QByteArrayList linesOf(const QString &path)
 
 } // namespace
 
-// Each text in the folder has beside it the dump of the line that it makes. NCX_ACCEPT=1 writes the dumps.
+// Each text in the folder has beside it the dump of the line that it makes, without and with its copy lines.
 TEST(CodbImport, Cases)
 {
-    const QStringList files = cases().entryList({u"*.codb"_s}, QDir::Files, QDir::Name);
-    ASSERT_FALSE(files.isEmpty());
-    for (const QString &file : files) {
+    for (const QString &path : ImportTest::casesIn(u"codb"_s, {u"*.codb"_s})) {
         for (const bool resolve : {false, true}) {
-            SCOPED_TRACE(file.toStdString() + (resolve ? " with copy lines" : ""));
-            const auto store = imported(cases().filePath(file), resolve);
-            const QString expected =
-                cases().filePath(QFileInfo(file).completeBaseName() +
-                                 (resolve && file == "copies.codb"_L1 ? "-resolved"_L1 : ""_L1) + ".txt"_L1);
-            const QByteArray made = ImportTest::dump(*store).toUtf8();
-            if (qEnvironmentVariableIsSet("NCX_ACCEPT")) {
-                ASSERT_TRUE(TestSupport::writeFile(expected, made));
-            }
-            EXPECT_EQ(made.toStdString(), TestSupport::readFile(expected).toStdString());
+            const bool hasCopies = path.endsWith("/copies.codb"_L1);
+            ImportTest::expectInFile(ImportTest::dump(*imported(path, resolve)),
+                                     u"codb/%1%2.txt"_s.arg(QFileInfo(path).completeBaseName(),
+                                                            resolve && hasCopies ? u"-resolved"_s : u""_s));
         }
     }
 }
@@ -111,7 +98,7 @@ TEST(CodbImport, SubObjectsJoinObjectsOfTheLine)
     EXPECT_FALSE(store->indexExists(0, 0xC000));
 
     // A copy line that is not resolved leaves a row that belongs to no object.
-    EXPECT_TRUE(imported(cases().filePath(u"copies.codb"_s))->subIndexExists(0, 0, 0));
+    EXPECT_TRUE(imported(QStringLiteral(NCX_SOURCE_DIR "/tests/data/codb/copies.codb"))->subIndexExists(0, 0, 0));
     EXPECT_FALSE(store->subIndexExists(0, 0, 0));
 }
 

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
@@ -48,37 +48,20 @@ StoreRecords::SubIndexData subOf(const Store &store, quint16 index, quint8 subin
     return sub;
 }
 
-QDir cases()
-{
-    return QDir(QStringLiteral(NCX_SOURCE_DIR "/tests/data/import-csv"));
-}
-
 constexpr char wideHeader[] = "index,sub,datatype,access,edsname,value,";
 
 } // namespace
 
-// Each table in the folder has beside it the dump of the line that it makes. NCX_ACCEPT=1 writes the dumps.
+// Each table in the folder has beside it the dump of the line that it makes, however the spreadsheet saves it.
 TEST(CsvImport, Cases)
 {
-    const QStringList files = cases().entryList({u"*.csv"_s}, QDir::Files, QDir::Name);
-    ASSERT_EQ(files.size(), 4);
-    for (const QString &file : files) {
-        SCOPED_TRACE(file.toStdString());
-        const QByteArray table = TestSupport::readFile(cases().filePath(file));
-        const QString expected = cases().filePath(file.chopped(4) + u".txt"_s);
-        const QString dump = ImportTest::dump(*imported(table));
-        if (qEnvironmentVariableIsSet("NCX_ACCEPT")) {
-            ASSERT_TRUE(TestSupport::writeFile(expected, dump.toUtf8()));
-        }
-        EXPECT_EQ(dump, QString::fromUtf8(TestSupport::readFile(expected)));
-
-        // However the spreadsheet saves it.
+    for (const QString &path : ImportTest::casesIn(u"import-csv"_s, {u"*.csv"_s})) {
+        const QByteArray table = TestSupport::readFile(path);
         const QString text = QString::fromUtf8(table);
-        QByteArray crlf = table;
-        crlf.replace('\n', "\r\n");
         const QByteArray utf16("\xff\xfe" + QByteArray(reinterpret_cast<const char *>(text.utf16()), text.size() * 2));
-        for (const QByteArray &form : {crlf, QByteArray("\xef\xbb\xbf" + table), utf16})
-            EXPECT_EQ(ImportTest::dump(*imported(form)), dump);
+        for (const QByteArray &form : {table, QByteArray(table).replace('\n', "\r\n"), "\xef\xbb\xbf" + table, utf16})
+            ImportTest::expectInFile(ImportTest::dump(*imported(form)),
+                                     u"import-csv/%1.txt"_s.arg(QFileInfo(path).completeBaseName()));
     }
 }
 

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
+#include <QFileInfo>
 #include <QStringEncoder>
 
 using namespace Qt::StringLiterals;
@@ -14,30 +14,13 @@ using ImportTest::emptyProject;
 using ImportTest::importEds;
 using ImportTest::importText;
 
-namespace {
-
-QDir cases()
-{
-    return QDir(QStringLiteral(NCX_SOURCE_DIR "/tests/data/import"));
-}
-
-} // namespace
-
-// Each description in the folder has beside it the dump of the project that it makes. NCX_ACCEPT=1 writes the dumps.
+// Each description in the folder has beside it the dump of the project that it makes.
 TEST(EdsImport, Cases)
 {
-    const QStringList files = cases().entryList({u"*.eds"_s, u"*.dcf"_s}, QDir::Files, QDir::Name);
-    ASSERT_FALSE(files.isEmpty());
-    for (const QString &file : files) {
-        SCOPED_TRACE(file.toStdString());
+    for (const QString &path : ImportTest::casesIn(u"import"_s, {u"*.eds"_s, u"*.dcf"_s})) {
         const auto store = emptyProject();
-        ASSERT_TRUE(importEds(store, cases().filePath(file)));
-        const QString expected = cases().filePath(QFileInfo(file).completeBaseName() + ".txt"_L1);
-        const QByteArray made = dump(*store).toUtf8();
-        if (qEnvironmentVariableIsSet("NCX_ACCEPT")) {
-            ASSERT_TRUE(TestSupport::writeFile(expected, made));
-        }
-        EXPECT_EQ(made.toStdString(), TestSupport::readFile(expected).toStdString());
+        ASSERT_TRUE(importEds(store, path));
+        ImportTest::expectInFile(dump(*store), u"import/%1.txt"_s.arg(QFileInfo(path).completeBaseName()));
     }
 }
 

@@ -96,44 +96,4 @@ TEST(Session, WorksOnEachExampleInEachBuild)
     }
 }
 
-TEST(Session, IsRefusedByTheBuildForEnergyBus)
-{
-    McpDriver server(u"ncx_cli_energybus"_s);
-    server.sendLine("{\"id\":1,\"method\":\"initialize\"}");
-    const ProcessResult end = server.close();
-    EXPECT_EQ(end.exitCode, 1);
-    EXPECT_EQ(end.output, QString());
-    EXPECT_EQ(end.errors, u"ncx_cli --mcp is not supported for EnergyBus NodeAssistant (NEAX) builds.\n"_s);
-}
-
-TEST(Session, KeepsWhatIsSavedAndNothingElse)
-{
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"device.ncxp"_s);
-    ASSERT_TRUE(QFile::copy(QStringLiteral(NCX_SOURCE_DIR "/tests/data/mcp/projects/device.ncxt"),
-                            folder.filePath(u"device.ncxt"_s)));
-    const QJsonObject open{{u"path"_s, folder.filePath(u"device.ncxt"_s)}};
-    const auto renaming = [](const QString &name) {
-        return QJsonObject{{u"line"_s, 0}, {u"index"_s, 0x1000}, {u"name"_s, name}};
-    };
-    const QJsonObject object{{u"line"_s, 0}, {u"index"_s, 0x1000}};
-
-    McpDriver server;
-    server.ask(u"open_project"_s, open);
-    server.ask(u"set_index_name"_s, renaming(u"Saved"_s));
-    EXPECT_EQ(server.ask(u"save_project"_s), u"Project saved."_s);
-    server.ask(u"set_index_name"_s, renaming(u"Lost"_s));
-    EXPECT_TRUE(server.ask(u"get_index"_s, object).contains("\"name\":\"Lost\""_L1));
-    // A second open drops what was not saved, without a word.
-    server.ask(u"open_project"_s, open);
-    EXPECT_TRUE(server.ask(u"get_index"_s, object).contains("\"name\":\"Saved\""_L1));
-    server.ask(u"set_index_name"_s, renaming(u"Lost"_s));
-    EXPECT_EQ(server.close().exitCode, 0);
-
-    McpDriver next;
-    next.ask(u"open_project"_s, open);
-    EXPECT_TRUE(next.ask(u"get_index"_s, object).contains("\"name\":\"Saved\""_L1));
-    EXPECT_EQ(next.close().exitCode, 0);
-}
-
 } // namespace

@@ -10,7 +10,6 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QSqlQuery>
 #include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
@@ -37,23 +36,9 @@ protected:
         const Reply reply = catalogue_.find(tool)->run(session_, arguments);
         return McpDriver::told(QJsonDocument::fromJson(reply.line(1)).object());
     }
-    /// The sentences of an edit, without its check summary.
-    QString edit(const QString &tool, const QJsonObject &arguments)
-    {
-        return run(tool, arguments).section(u"\n\ncheck_model: "_s, 0, 0);
-    }
-    /// Makes the store behave otherwise than it does by itself.
-    void trigger(const QString &event, const QString &action)
-    {
-        QSqlQuery query = session_.store().newQuery();
-        EXPECT_TRUE(session_.store().execQuery(
-            query, u"create trigger t%1 after %2 begin %3; end"_s.arg(QString::number(++triggers_), event, action)));
-    }
-
     QTemporaryDir folder_;
     ProjectSession session_;
     ToolCatalogue catalogue_;
-    int triggers_ = 0;
 };
 
 const QJsonObject object2000{{u"line"_s, 0}, {u"index"_s, 0x2000}};
@@ -133,72 +118,6 @@ TEST_F(Tools, TellThatThereAreNoProfiles)
     session_.setProfilePath(folder_.filePath(u"missing"_s));
     EXPECT_EQ(run(u"list_profiles"_s), u"[]"_s);
     EXPECT_EQ(resource(u"codb://301"_s), u"-32602 Unknown codb resource: codb://301"_s);
-}
-
-TEST_F(Tools, TellWhatTheStoreDidWithAnEdit)
-{
-    const QJsonObject newObject{{u"line"_s, 0},
-                                {u"index"_s, 0x3000},
-                                {u"name"_s, u"New"_s},
-                                {u"dataType"_s, 5},
-                                {u"objectType"_s, u"Record"_s}};
-    trigger(u"insert on Objects0 when new.objectindex = 0x3000"_s,
-            u"delete from Objects0 where objectindex = 0x3000"_s);
-    EXPECT_EQ(run(u"add_index"_s, newObject), u"! Failed to add index 0x3000 on line 0."_s);
-    trigger(u"insert on Objects0 when new.objectindex = 0x6040"_s,
-            u"delete from Objects0 where objectindex = 0x6040"_s);
-    trigger(u"insert on SubObjects0 when new.objectindex = 0x3001"_s, u"select raise(abort, 'no')"_s);
-    EXPECT_EQ(run(u"add_index"_s, with(newObject, {{u"index"_s, 0x3001}})),
-              u"! Index 0x3001 was added on line 0, but its subindex 0 could not be created."_s);
-    EXPECT_TRUE(session_.store().indexExists(0, 0x3001));
-
-    const QJsonObject newSub = with(object2000, {{u"name"_s, u"Third"_s}, {u"dataType"_s, 7}});
-    trigger(u"insert on SubObjects0 when new.subindex = 3"_s,
-            u"update SubObjects0 set defaultvalue = '3' where objectindex = new.objectindex and subindex = 0"_s);
-    EXPECT_EQ(edit(u"add_subindex"_s, with(newSub, {{u"sub"_s, 3}})),
-              u"Subindex 0x2000:3 added on line 0.\nNote: the value of subindex 0 changed from \"2\" to \"3\". Use "
-              "set_subindex_value on subindex 0 if the object needs a different value."_s);
-    trigger(u"insert on SubObjects0 when new.subindex = 4"_s, u"delete from SubObjects0 where subindex = 4"_s);
-    EXPECT_EQ(run(u"add_subindex"_s, with(newSub, {{u"sub"_s, 4}})), u"! Failed to add subindex 0x2000:4 on line 0."_s);
-    // Without a subindex 0 before, there is nothing to compare with.
-    session_.store().removeSubIndex(0, 0x2000, 0);
-    EXPECT_EQ(edit(u"add_subindex"_s, with(newSub, {{u"sub"_s, 5}})), u"Subindex 0x2000:5 added on line 0."_s);
-
-    trigger(u"update on Objects0 when new.objectindex = 0x2000"_s,
-            u"update Objects0 set name = (select name from Objects0 where objectindex = 0x2001) "
-            "where objectindex = 0x2000"_s);
-    EXPECT_EQ(run(u"set_index_name"_s, with(object2000, {{u"name"_s, u"Mine"_s}})),
-              u"! Rename may have failed: index 0x2000 on line 0 now reads \"Other\"."_s);
-    EXPECT_EQ(run(u"copy_index"_s,
-                  {{u"srcLine"_s, 0}, {u"srcIndex"_s, 0x2000}, {u"destLine"_s, 0}, {u"destIndex"_s, 0x3000}}),
-              u"! Failed to copy index 0x2000 (line 0) to 0x3000 (line 0)."_s);
-    const QString imported =
-        edit(u"import_profile_indices"_s,
-             {{u"profile"_s, u"402"_s}, {u"line"_s, 0}, {u"indices"_s, QJsonArray{0x6040, 0x3000}}});
-    EXPECT_EQ(imported, u"! Imported 0 object(s) from profile 402 into line 0.\nSkipped 2: 0x6040 (copy failed), "
-                        "0x3000 (not defined in profile 402)."_s);
-    trigger(u"update on GeneralSettings"_s, u"update GeneralSettings set value = '7' where item = new.item"_s);
-    session_.store().setGeneralSetting(u"max_slave_assignment"_s, u"1"_s);
-    EXPECT_EQ(run(u"set_setting"_s, {{u"key"_s, u"max_slave_assignment"_s}, {u"value"_s, 2}}),
-              u"! Write may have failed: setting max_slave_assignment now reads \"7\"."_s);
-}
-
-TEST_F(Tools, GiveANewObjectTheLimitsOfItsType)
-{
-    const QJsonObject newObject{{u"line"_s, 0}, {u"name"_s, u"New"_s}, {u"dataType"_s, 3}};
-    edit(u"add_index"_s, with(newObject, {{u"index"_s, 0x3000}, {u"objectType"_s, u"Variable"_s}}));
-    edit(u"add_index"_s, with(newObject, {{u"index"_s, 0x3001}, {u"objectType"_s, u"Array"_s}}));
-    ObjectDataBase::SUBINDEX_DATA_T value;
-    ASSERT_TRUE(session_.store().getSubIndex(0, 0x3000, 0, value));
-    EXPECT_EQ(value.lowlimit, u"-32768"_s);
-    EXPECT_EQ(value.uplimit, u"32767"_s);
-    EXPECT_EQ(value.implementation, 0);
-    ObjectDataBase::SUBINDEX_DATA_T entries;
-    ASSERT_TRUE(session_.store().getSubIndex(0, 0x3001, 0, entries));
-    EXPECT_EQ(entries.lowlimit, u"0"_s);
-    EXPECT_EQ(entries.uplimit, u"255"_s);
-    EXPECT_EQ(entries.implementation, 1);
-    EXPECT_TRUE(entries.defaultineds);
 }
 
 TEST_F(Tools, EndEditsWithWhatTheCheckSays)

@@ -1,3 +1,4 @@
+#include "store/objectdatabase.h"
 #include "support/mcpdriver.h"
 #include "support/testhome.h"
 
@@ -5,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSqlQuery>
 #include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
@@ -21,6 +23,9 @@ using namespace TestSupport;
 //   ! TEXT               the same of a result that is marked as a failure
 //   -32602 TEXT          the code and message of an error
 //   write FILE TEXT      writes a file of one line into the session's folder
+//   show FILE TEXT       shows the lines of a file of the folder that have the text in them, marked with |
+//   sql FILE STATEMENT   makes FILE.ncxp of FILE.ncxt, if it is not there, and changes it
+//   restart              ends the server and starts another
 // ${FOLDER} stands for the session's folder, which begins as a copy of tests/data/mcp/projects, ${VERSION} in an
 // expected reply for that of the program.
 // NCX_ACCEPT=1 in the environment takes the replies of this build as expected, to be read as a difference.
@@ -34,7 +39,7 @@ class Session
 public:
     explicit Session(const QStringList &script)
         : script_(script)
-        , server_(programOf(script))
+        , server_(std::make_unique<McpDriver>(programOf(script)))
     {
         for (const QString &name : QDir(dataRoot + u"projects"_s).entryList(QDir::Files))
             QFile::copy(dataRoot + u"projects/"_s + name, folder_.filePath(name));
@@ -47,14 +52,19 @@ public:
             if (!isReply(script_.at(i)))
                 play(script_.at(i), script_.value(i + 1).startsWith(u'<'));
         }
-        const ProcessResult end = server_.close();
-        EXPECT_EQ(end.exitCode, 0);
-        EXPECT_EQ(end.output, QString()) << "a reply to a line that gets none";
-        EXPECT_EQ(end.errors, QString());
+        endServer();
         return played_;
     }
 
 private:
+    void endServer()
+    {
+        const ProcessResult end = server_->close();
+        EXPECT_EQ(end.exitCode, 0);
+        EXPECT_EQ(end.output, QString()) << "a reply to a line that gets none";
+        EXPECT_EQ(end.errors, QString());
+    }
+
     static QString programOf(const QStringList &script)
     {
         const QString &first = script.first();
@@ -63,7 +73,7 @@ private:
 
     static bool isReply(const QString &line)
     {
-        static const QString beginnings = u"<=!-"_s;
+        static const QString beginnings = u"<=!-|"_s;
         return !line.isEmpty() && beginnings.contains(line.front());
     }
 
@@ -73,22 +83,42 @@ private:
         played_.append(line);
         const QString text = QString(line).replace("${FOLDER}"_L1, folder_.path());
         if (text.startsWith("> "_L1)) {
-            server_.sendLine(text.mid(2).toUtf8());
+            server_->sendLine(text.mid(2).toUtf8());
             if (replyIsDue)
-                appendReply(u"< "_s + QString::fromUtf8(server_.replyLine()));
+                appendReply(u"< "_s + QString::fromUtf8(server_->replyLine()));
         } else if (text.startsWith("call "_L1)) {
             call(text.section(u' ', 1, 1), text.section(u' ', 2));
-        } else if (text.startsWith("write "_L1)) {
-            EXPECT_TRUE(writeFile(folder_.filePath(text.section(u' ', 1, 1)), text.section(u' ', 2).toUtf8() + '\n'));
+        } else if (text == "restart"_L1) {
+            endServer();
+            server_ = std::make_unique<McpDriver>(programOf(script_));
+        } else {
+            useFile(text.section(u' ', 0, 0), folder_.filePath(text.section(u' ', 1, 1)), text.section(u' ', 2));
+        }
+    }
+
+    void useFile(const QString &word, const QString &path, const QString &text)
+    {
+        if (word == "write"_L1) {
+            EXPECT_TRUE(writeFile(path, text.toUtf8() + '\n'));
+        } else if (word == "show"_L1) {
+            for (const QString &line : QString::fromUtf8(readFile(path)).split(u'\n').filter(text))
+                appendReply(u"| "_s + line);
+        } else if (word == "sql"_L1) {
+            ObjectDataBase store;
+            EXPECT_TRUE(QFile::exists(path + u".ncxp"_s) ? store.openDataBase(path + u".ncxp"_s)
+                                                         : store.openTextDatabase(path + u".ncxt"_s));
+            QSqlQuery query = store.newQuery();
+            EXPECT_TRUE(store.execQuery(query, text)) << qPrintable(text);
+            EXPECT_TRUE(store.saveDatabase(path + u".ncxp"_s));
         }
     }
 
     void call(const QString &tool, const QString &arguments)
     {
-        server_.sendLine(u"{\"id\":1,\"method\":\"tools/call\",\"params\":{\"name\":\"%1\",\"arguments\":%2}}"_s
-                             .arg(tool, arguments.isEmpty() ? u"{}"_s : arguments)
-                             .toUtf8());
-        QString told = withoutFindings(tool, McpDriver::told(server_.reply()));
+        server_->sendLine(u"{\"id\":1,\"method\":\"tools/call\",\"params\":{\"name\":\"%1\",\"arguments\":%2}}"_s
+                              .arg(tool, arguments.isEmpty() ? u"{}"_s : arguments)
+                              .toUtf8());
+        QString told = withoutFindings(tool, McpDriver::told(server_->reply()));
         QString mark = u"= "_s;
         if (told.startsWith("! "_L1)) {
             told.remove(0, 2);
@@ -119,7 +149,7 @@ private:
     QStringList script_;
     QStringList played_;
     QTemporaryDir folder_;
-    McpDriver server_;
+    std::unique_ptr<McpDriver> server_;
 };
 
 void compare(const QStringList &played, const QStringList &expected)

@@ -142,7 +142,8 @@ private:
             run = std::make_unique<CaseRun>(commands_, isClassic);
         QStringList actual = run->select(isClassic ? selector_.section(u' ', 1) : selector_);
         actual.replaceInStrings(u"\n"_s, u"\\n"_s).replaceInStrings(u"\r"_s, u"\\r"_s);
-        EXPECT_EQ(actual, expected_);
+        // As one text each, of which a failure shows the difference.
+        EXPECT_EQ(actual.join(u'\n').toStdString(), expected_.join(u'\n').toStdString());
         for (const QString &text : actual)
             accepted_.append(indent + text);
         selector_.clear();

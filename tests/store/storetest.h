@@ -69,11 +69,16 @@ protected:
         return store.openDataBase(file);
     }
 
-    static QString versionStatement(int version)
+    /// Makes an old project from the statements of a file, and opens it.
+    bool openOld(const QString &name)
     {
-        return QStringLiteral("update MiscSettings set value='%1' where item='DatabaseVersion'").arg(version);
+        const QByteArray script = TestSupport::readFile(
+            QStringLiteral("%1/tests/data/oldprojects/%2.sql").arg(QStringLiteral(NCX_SOURCE_DIR), name));
+        makeDatabase(path(name), QString::fromUtf8(script).split(u';'));
+        return store.openDataBase(path(name));
     }
 
     QTemporaryDir folder;
-    ObjectDataBase store;
+    std::shared_ptr<ObjectDataBase> sharedStore = std::make_shared<ObjectDataBase>();
+    ObjectDataBase &store = *sharedStore;
 };

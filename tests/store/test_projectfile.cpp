@@ -17,32 +17,11 @@ namespace {
 class ProjectFile : public StoreTest
 {
 protected:
-    /// Makes an old project from the statements of a file, and opens it.
-    bool openOld(const QString &name)
-    {
-        const QByteArray script =
-            TestSupport::readFile(u"%1/tests/data/oldprojects/%2.sql"_s.arg(QStringLiteral(NCX_SOURCE_DIR), name));
-        makeDatabase(path(name), QString::fromUtf8(script).split(u';'));
-        return store.openDataBase(path(name));
-    }
-
     static int workingCopies()
     {
         return static_cast<int>(QDir(TestSupport::dataFolder()).entryList({u"qvxdatatemp_*"_s}, QDir::Files).size());
     }
 };
-
-TEST_F(ProjectFile, NewProjectHasLineZeroAndItsIdentity)
-{
-    EXPECT_EQ(store.getNodeList(), QList<quint8>{0});
-    EXPECT_TRUE(store.getIndexList(0, 0, 0xffff).isEmpty());
-    EXPECT_EQ(rows(u"select item, value from MiscSettings order by item"_s),
-              (QStringList{u"CreateToolName|CANopen NodeComposer"_s, u"CreateToolVersion|4.3.3"_s,
-                           u"DatabaseVersion|107"_s}));
-    EXPECT_EQ(rows(u"select name from pragma_table_info('Groups')"_s), (QStringList{u"name"_s, u"nodeidlist"_s}));
-    EXPECT_EQ(rows(u"select type from pragma_table_info('Nodes') where name = 'lssslave'"_s), QStringList{u""_s});
-    EXPECT_EQ(store.getUDSServiceSessions(0, 0x3e), u"1"_s);
-}
 
 TEST_F(ProjectFile, SavedProjectComesBackWithoutTamperMark)
 {
@@ -58,19 +37,6 @@ TEST_F(ProjectFile, SavedProjectComesBackWithoutTamperMark)
     ObjectDataBase::SUBINDEX_DATA_T back;
     ASSERT_TRUE(other.getSubIndex(0, 0x2000, 0, back));
     EXPECT_EQ(back, sub);
-}
-
-TEST_F(ProjectFile, ChangeFromOutsideIsLoggedOncePerSave)
-{
-    for (int round = 1; round <= 2; ++round) {
-        ASSERT_TRUE(reopenAfter({u"insert into GeneralSettings values('outside%1','1')"_s.arg(round)}));
-        EXPECT_TRUE(store.isTampered());
-    }
-    static const QRegularExpression stamps(u"^(;?\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d){2}$"_s);
-    EXPECT_TRUE(stamps.match(store.getMiscSetting(u"TamperLog"_s)).hasMatch());
-    // The rows that hold the verdict are not part of what is judged.
-    ASSERT_TRUE(reopenAfter({u"update MiscSettings set value = 'x' where item = 'TamperLog'"_s}));
-    EXPECT_FALSE(store.isTampered());
 }
 
 TEST_F(ProjectFile, HashFollowsTheCanonicalDump)
@@ -181,120 +147,6 @@ TEST_F(ProjectFile, WhatIsNoProjectIsRefused)
     EXPECT_FALSE(store.openDataBase({}));
     EXPECT_EQ(store.lastError(), u""_s);
     EXPECT_TRUE(store.openDataBase(path(u"whole.ncxp"_s)));
-}
-
-TEST_F(ProjectFile, ToolCheckKnowsWhoMayOpenWhat)
-{
-    const QString canOpen = u"CANopen NodeComposer"_s;
-    const QString j1939 = u"J1939 NodeComposer"_s;
-    const QString can = u"CAN NodeComposer"_s;
-    const std::tuple<QString, QString, QString, bool> cases[] = {
-        {canOpen, {}, u"2"_s, false},
-        {canOpen, can, u"2"_s, false},
-        {canOpen, {}, u"4"_s, false},
-        {canOpen, {}, u"5"_s, false},
-        {canOpen, {}, u"7"_s, true},
-        {canOpen, {}, u"1"_s, true},
-        {canOpen, canOpen, u"2"_s, true},
-        {j1939, canOpen, u"1"_s, false},
-        {j1939, {}, u"2"_s, true},
-        {can, j1939, u"2"_s, true},
-        {u"EnergyBus NodeAssistant"_s, {}, u"2"_s, true},
-    };
-    const QString own = QCoreApplication::applicationName();
-    int refused = 0;
-    QObject::connect(&store, &ObjectDataBase::wrongTool, [&] { ++refused; });
-    for (const auto &[application, savedBy, type, opens] : cases) {
-        store.createNewDataBase();
-        store.setGeneralSetting(u"line0type"_s, type);
-        QCoreApplication::setApplicationName(application);
-        refused = 0;
-        const QString saver = u"update MiscSettings set value = '%1' where item = 'SaveToolType'"_s.arg(savedBy);
-        EXPECT_EQ(reopenAfter({saver}), opens) << (application + type).toStdString();
-        EXPECT_EQ(refused, opens ? 0 : 1);
-        EXPECT_EQ(store.lastError(), opens ? u""_s : u"File was not created with this tool."_s);
-        QCoreApplication::setApplicationName(own);
-    }
-}
-
-TEST_F(ProjectFile, UntypedLineIsInferred)
-{
-    const std::tuple<QString, int, int, QString> cases[] = {{u"CANopen NodeComposer"_s, 0, 1, u"1"_s},
-                                                            {u"J1939 NodeComposer"_s, 2, 0, u"2"_s},
-                                                            {u"4.3.3"_s, 2, 1, u"1"_s},
-                                                            {u"4.3.3"_s, 1, 1, u"2"_s}};
-    for (const auto &[createToolVersion, objects, pgns, type] : cases) {
-        store.createNewDataBase();
-        store.setMiscSetting(u"CreateToolVersion"_s, createToolVersion);
-        store.addIndex(0, 0xfff, {});
-        for (int i = 0; i < objects; ++i)
-            store.addIndex(0, static_cast<quint16>(0x1000 + i), {});
-        for (int i = 0; i < pgns; ++i)
-            store.addPGN(0, static_cast<quint32>(i), {.direction = store.transmit});
-        ASSERT_TRUE(reopenAfter({}));
-        EXPECT_EQ(store.getGeneralSetting(u"line0type"_s), type);
-    }
-}
-
-TEST_F(ProjectFile, OpenCompletesAFile)
-{
-    store.addNode(2, {});
-    store.setGeneralSetting(u"co_node_id"_s, u"1,2,3,4,5"_s);
-    ASSERT_TRUE(reopenAfter({u"update UDSSettings0 set active = 0"_s, u"delete from DescriptionSettings"_s}));
-
-    EXPECT_EQ(store.getGeneralSetting(u"co_node_id"_s), u"1,2,3"_s);
-    EXPECT_EQ(store.currentLine(), 2);
-    EXPECT_EQ(store.getDescriptionSetting(u"OrderCode"_s), u"0815-BUY-ME"_s);
-    EXPECT_EQ(rows(u"select count(*) from DescriptionSettings where item like '%\\_2' escape '\\'"_s),
-              QStringList{u"27"_s});
-    EXPECT_EQ(rows(u"select sessions, count(*) from UDSSettings0 where active = 1 group by sessions"_s),
-              (QStringList{u"1,2,3,4|10"_s, u"2,3,4|7"_s}));
-    EXPECT_EQ(rows(u"select count(*) from UDSSettings2 where active = 1"_s), QStringList{u"5"_s});
-}
-
-TEST_F(ProjectFile, MigratesAnOldCANopenFileWithoutShiftingColumns)
-{
-    for (int round = 0; round < 2; ++round) {
-        ASSERT_TRUE(round == 0 ? openOld(u"v99_canopen"_s) : store.openDataBase(path(u"v99_canopen"_s)));
-        EXPECT_EQ(rows(u"select objectindex, subindex, datatype, accesstype, defaultvalue, uplimit, varname, "
-                       "implementation from SubObjects0"_s),
-                  (QStringList{u"4096|0|7|ro|0x191|||1"_s, u"8192|0|3|rw|-5|10|speed|2"_s, u"8192|1|3|rw|7|||0"_s}));
-        ObjectDataBase::SUBINDEX_DATA_T sub;
-        ASSERT_TRUE(store.getSubIndex(0, 0x2000, 0, sub));
-        EXPECT_EQ(sub.name, u"Speed"_s);
-        EXPECT_FALSE(exec(u"insert into SubObjects0 select * from SubObjects0"_s));
-        EXPECT_EQ(rows(u"select name from sqlite_master where name like '%_old'"_s), QStringList{});
-        EXPECT_EQ(store.getGeneralSetting(u"line0type"_s), u"1"_s);
-        EXPECT_EQ(store.getGeneralSetting(u"co_node_id"_s), u"5"_s);
-        EXPECT_EQ(rows(u"select name from pragma_table_info('Groups')"_s).value(0), u"groupid"_s);
-        ObjectDataBase::NODE_DATA_T node;
-        ASSERT_TRUE(store.getNode(0, node));
-        EXPECT_EQ(node.edspath, u"old.eds"_s);
-        EXPECT_EQ(store.getMiscSetting(u"DatabaseVersion"_s), u"99"_s);
-    }
-    EXPECT_TRUE(store.addSPN(0, 1, store.receive, 5, {.bitposition = 12}));
-    EXPECT_EQ(rows(u"select bitposition, bitpostion from SPNs0"_s), QStringList{u"12|NULL"_s});
-    ASSERT_TRUE(store.saveDatabase(path(u"new.ncxp"_s)));
-    EXPECT_EQ(store.getMiscSetting(u"DatabaseVersion"_s), u"107"_s);
-}
-
-TEST_F(ProjectFile, MigratesSignalsOfOldFiles)
-{
-    ASSERT_TRUE(openOld(u"v99_j1939"_s));
-    EXPECT_EQ(
-        rows(u"select spnnumber, direction, bitposition from SPNs0 order by pos"_s),
-        (QStringList{u"899|85|0"_s, u"190|85|8"_s, u"512|85|24"_s, u"513|85|48"_s, u"1|119|0"_s, u"2|85|NULL"_s}));
-    EXPECT_EQ(store.getPGNMappingCount(0, 61444, store.transmit), 4);
-
-    ASSERT_TRUE(openOld(u"v104_rawcan"_s));
-    EXPECT_EQ(rows(u"select number, bitpos from DataElements0"_s), (QStringList{u"0|0"_s, u"1|16"_s, u"2|28"_s}));
-    EXPECT_EQ(store.getUDSServiceSessions(0, 0x37), u"2,3,4"_s);
-
-    ASSERT_TRUE(openOld(u"v105_j1939"_s));
-    EXPECT_TRUE(store.addPGN(0, 65262, {.direction = store.receive, .safetytype = 2, .FD_DataID = 77}));
-    EXPECT_EQ(rows(u"select safetytype, FD_DataId from PGNs0"_s), QStringList{u"2|77"_s});
-    store.setUDSServiceAuthentication(0, 34, u"1"_s);
-    EXPECT_EQ(rows(u"select * from UDSSettings0"_s), QStringList{u"34|1|1,3|2|1"_s});
 }
 
 TEST_F(ProjectFile, EnergyBusFileGetsAbsolutePaths)

@@ -1,0 +1,126 @@
+#include "support/projectscript.h"
+
+#include "support/recordfields.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+using namespace TestSupport;
+using RecordFields::assign;
+using RecordFields::number;
+
+namespace {
+
+/// "0x1018:2", or "0x1018" for its subindex 0.
+std::pair<quint16, quint8> address(const QString &text)
+{
+    return {static_cast<quint16>(number(text.section(u':', 0, 0))),
+            text.contains(u':') ? static_cast<quint8>(number(text.section(u':', 1))) : quint8{0}};
+}
+
+} // namespace
+
+ProjectScript::ProjectScript(std::shared_ptr<ObjectDataBase> store)
+    : store_(store ? std::move(store) : std::make_shared<ObjectDataBase>())
+{
+    if (!store_->isOpen())
+        store_->createNewDataBase();
+}
+
+void ProjectScript::run(const QStringList &commands)
+{
+    const ObjectDataBase::Transaction transaction(*store_);
+    for (const QString &command : commands)
+        run(command);
+}
+
+bool ProjectScript::runSetting(const QString &word, const QString &key, const QString &value)
+{
+    if (word == "line"_L1) {
+        line_ = static_cast<quint8>(number(key));
+        if (!store_->nodeExists(line_))
+            store_->addNode(line_, {});
+        return store_->setGeneralSetting(u"line%1type"_s.arg(line_), value);
+    }
+    if (word == "description"_L1)
+        store_->setCurrentLine(line_);
+    if (word == "authentication"_L1) {
+        store_->setUDSServiceAuthentication(line_, static_cast<quint8>(number(key)), value);
+        return true;
+    }
+    const QStringList keys = key.split(u' ');
+    return std::ranges::all_of(keys, [&](const QString &one) {
+        return (word == "general"_L1 && store_->setGeneralSetting(one, value)) ||
+               (word == "j1939"_L1 && store_->setJ1939Setting(one, value)) ||
+               (word == "misc"_L1 && store_->setMiscSetting(one, value)) ||
+               (word == "energybus"_L1 && store_->setEnergyBusSetting(one, value)) ||
+               (word == "description"_L1 && store_->setDescriptionSetting(one, value));
+    });
+}
+
+/// Adds an object with the subindices from 0 to the last.
+void ProjectScript::addSubs(quint16 index, quint8 last)
+{
+    store_->addIndex(line_, index, {});
+    for (quint16 subindex = 0; subindex <= last; ++subindex)
+        store_->addSubIndex(line_, index, static_cast<quint8>(subindex), {});
+}
+
+void ProjectScript::run(const QString &command)
+{
+    const QString word = command.section(u' ', 0, 0);
+    const QString rest = command.section(u' ', 1);
+    const auto numberAt = [&](int place) { return number(rest.section(u' ', place, place)); };
+    const auto direction = [&] { return static_cast<quint8>(numberAt(1)); };
+    if (word == "objects"_L1) {
+        for (const QString &index : rest.split(u' '))
+            addSubs(address(index).first, 0);
+    } else if (word == "subs"_L1) {
+        addSubs(address(rest).first, address(rest).second);
+    } else if (word == "object"_L1) {
+        const quint16 index = address(rest.section(u' ', 0, 0)).first;
+        StoreRecords::IndexData data;
+        store_->getIndex(line_, index, data);
+        assign(data, rest.section(u' ', 1));
+        store_->addIndex(line_, index, data);
+    } else if (word == "sub"_L1) {
+        const auto [index, subindex] = address(rest.section(u' ', 0, 0));
+        StoreRecords::SubIndexData data;
+        store_->getSubIndex(line_, index, subindex, data);
+        assign(data, rest.section(u' ', 1));
+        store_->addSubIndex(line_, index, subindex, data);
+    } else if (word == "remove"_L1) {
+        const auto [index, subindex] = address(rest);
+        rest.contains(u':') ? store_->removeSubIndex(line_, index, subindex) : store_->removeIndex(line_, index);
+    } else if (word == "pgn"_L1) {
+        StoreRecords::PGN data;
+        store_->getPGN(line_, numberAt(0), direction(), data);
+        data.direction = direction();
+        assign(data, rest.section(u' ', 2));
+        store_->addPGN(line_, numberAt(0), data);
+    } else if (word == "spn"_L1) {
+        StoreRecords::SPN data;
+        store_->getSPN(line_, numberAt(0), direction(), numberAt(2), data);
+        assign(data, rest.section(u' ', 3));
+        store_->addSPN(line_, numberAt(0), direction(), numberAt(2), data);
+    } else if (word == "canid"_L1) {
+        StoreRecords::CANID data;
+        store_->getCANID(line_, numberAt(0), direction(), data);
+        data.direction = direction();
+        assign(data, rest.section(u' ', 2));
+        store_->addCANID(line_, numberAt(0), data);
+    } else if (word == "signal"_L1) {
+        StoreRecords::DataElement data;
+        store_->getDataElement(line_, numberAt(0), direction(), numberAt(2), data);
+        assign(data, rest.section(u' ', 3));
+        store_->removeDataElement(line_, numberAt(0), numberAt(2), direction());
+        store_->addDataElement(line_, numberAt(0), direction(), numberAt(2), data);
+    } else {
+        QString value = rest.section(u" ="_s, 1);
+        if (value.startsWith(u' '))
+            value.remove(0, 1);
+        EXPECT_TRUE(runSetting(word, rest.section(u" ="_s, 0, 0), value)) << "no command: " << qPrintable(command);
+    }
+}
