@@ -14,6 +14,12 @@ import subprocess
 GIB = 1 << 30
 
 
+def heed_signals():
+    """A script in the background ignores some."""
+    for number in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
+        signal.signal(number, signal.SIG_DFL)
+
+
 def limit_memory():
     resource.setrlimit(resource.RLIMIT_AS, (8 * GIB, 8 * GIB))
 
@@ -207,7 +213,7 @@ class OddStages:
         for number in range(self.options.kills // 3):
             project.write_bytes(fresh)
             process = subprocess.Popen(self.command(*arguments), stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                                       cwd=self.work, env=self.environment(home))
+                                       cwd=self.work, env=self.environment(home), preexec_fn=heed_signals)
             with contextlib.suppress(subprocess.TimeoutExpired):
                 process.wait(self.random.uniform(0, seconds))
             process.send_signal((signal.SIGTERM, signal.SIGINT, signal.SIGHUP)[number % 3])
