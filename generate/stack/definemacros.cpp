@@ -350,24 +350,6 @@ QString DefineMacros::nameIn(QLatin1StringView name, const Dialect &dialect)
     return name.startsWith(line) ? dialect.line + name.sliced(line.size()) : QString(name);
 }
 
-QStringList DefineMacros::allNames(const Dialect &dialect)
-{
-    QStringList names;
-    for (const std::span<const Block> blocks :
-         {head(), canOpen(), energyBus(), events(), queues(), j1939(), rawCan(), bufferCounts(), diagnostics(),
-          virtualObjects(), hardware(), application(), cobDefinitions()}) {
-        for (const Block &block : blocks) {
-            for (const Macro &macro : block.macros) {
-                if (macro.existsIn(dialect.form))
-                    names.append(macro.nameIn(dialect));
-            }
-        }
-    }
-    for (const TargetMacro &macro : targets())
-        names.append(nameIn(macro.name, dialect));
-    return names;
-}
-
 std::span<const Block> DefineMacros::head()
 {
     return headBlocks;

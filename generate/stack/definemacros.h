@@ -76,7 +76,5 @@ std::span<const Block> hardware();
 
 /// The classic form's name of a macro, or the V4 form's as it is.
 QString nameIn(QLatin1StringView name, const Dialect &dialect);
-/// All names of a form, %1 in those of families, in order and as often as they stand in the tables.
-QStringList allNames(const Dialect &dialect);
 
 } // namespace DefineMacros

@@ -180,23 +180,7 @@ void routeReceivedData(DictionaryTables &tables)
     }
 }
 
-const PdoMapping *find(const std::vector<PdoMapping> &pdos, quint16 index)
-{
-    const auto it = std::ranges::lower_bound(pdos, index, {}, &PdoMapping::index);
-    return it == pdos.end() || it->index != index ? nullptr : &*it;
-}
-
 } // namespace
-
-const PdoMapping *LinePdoTables::tpdo(quint16 index) const
-{
-    return find(tpdos, index);
-}
-
-const PdoMapping *LinePdoTables::rpdo(quint16 index) const
-{
-    return find(rpdos, index);
-}
 
 QString mapTableName(PdoDirection direction, const QString &lineSuffix, quint16 number)
 {

@@ -41,10 +41,6 @@ struct LinePdoTables
     /// Positions in `rpdos` of the mappings that are different from all before, in the order of their table numbers.
     /// Empty with PDO routing, where each RPDO has a table of its own.
     std::vector<std::size_t> uniqueRpdoTables;
-
-    /// Null where the line has no such communication object.
-    const PdoMapping *tpdo(quint16 index) const;
-    const PdoMapping *rpdo(quint16 index) const;
 };
 
 enum class PdoDirection : quint8

@@ -5,6 +5,7 @@
 #include "generate/stack/definegenerator.h"
 #include "generate/stack/externdeclgenerator.h"
 #include "generate/stack/multiprogenerator.h"
+#include "generate/stack/objdictgenerator.h"
 #include "generatedc.h"
 #include "nodedict/cohelper.h"
 
@@ -304,6 +305,16 @@ TEST(PgnGenerator, WritesTheFormerServiceValues)
     PGNGenerator fd;
     folder.generate(fd, project.general(u"canfd_supported"_s, u"1"_s));
     EXPECT_TRUE(folder.text(u"gen_pgn.c"_s).contains(u"RET_T retVal;\nUNSIGNED8 i;\n"_s));
+}
+
+TEST(ObjDictGenerator, LeavesTheFormerServiceValuesToTheApplication)
+{
+    ProjectBuilder project;
+    project.object(0x1000, u"Device type"_s).general(u"new_init_structure"_s, u"0"_s);
+    const GeneratedC folder;
+    ObjDictGeneratorV4 generator(false);
+    folder.generate(generator, project);
+    EXPECT_TRUE(folder.text(u"gen_objdict.c"_s).contains(u"extern CO_SERVICE_INIT_VAL_T\tserviceInitVars;\n"_s));
 }
 
 TEST(ExternDeclarations, TakeTheTypesOfTheirStack)
