@@ -231,6 +231,10 @@ class OddStages:
 
     # ---- System calls ----
 
+    def traced_environment(self, home):
+        """A sanitizer's search for leaks needs to trace the program itself, and fails where somebody else does."""
+        return {**self.environment(home), "ASAN_OPTIONS": "detect_leaks=0"}
+
     def calls(self):
         """A run ends at, or fails in, each of the system calls that it changes files with."""
         if not shutil.which("strace") or subprocess.run(["strace", "-o", "/dev/null", "true"],
@@ -257,7 +261,7 @@ class OddStages:
                               f"inject={traced}:{effect}:when={number}"]
                     result = subprocess.run([*inject, *self.command(*arguments)], stdin=subprocess.DEVNULL, timeout=300,
                                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, cwd=self.work,
-                                            env=self.environment(home))
+                                            env=self.traced_environment(home))
                     self.look_after_call(f"{effect} in call {number} {threads}", project, result, (before, after),
                                          "error" in effect)
                     told[effect] = told.get(effect, 0) + 1
@@ -269,7 +273,7 @@ class OddStages:
         log = self.work / "calls.txt"
         subprocess.run(["strace", *threads, "-qq", "-o", log, "-e", f"trace={names}", *self.command(*arguments)],
                        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, cwd=self.work, check=True,
-                       env=self.environment(home))
+                       env=self.traced_environment(home))
         return len(log.read_text().splitlines())
 
     def look_after_call(self, name, project, result, states, failed):
