@@ -19,8 +19,8 @@
 #define CORE_REC_BUFFER_COUNTS	10u
 #define CORE_TR_BUFFER_COUNTS	5u
 /* Number of objects per line */
-#define CO_OBJECTS_LINE_0_CNT	3u
-#define CO_OBJECT_COUNTS	3u
+#define CO_OBJECTS_LINE_0_CNT	4u
+#define CO_OBJECT_COUNTS	4u
 #define CORE_COB_COUNTS	4u
 #define CO_TXPDO_COUNTS	0u
 #define CO_RXPDO_COUNTS	0u

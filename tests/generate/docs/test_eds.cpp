@@ -4,7 +4,9 @@
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 #include "support/projectbuilder.h"
+#include "support/testhome.h"
 
+#include <QDirIterator>
 #include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
@@ -36,6 +38,26 @@ QStringList section(const QString &eds, const QString &name)
 }
 
 } // namespace
+
+/// A list names the mandatory objects of CiA 301 whether a device has them or not: an example has them.
+TEST(Eds, OfAnExampleHasEverySectionThatItNames)
+{
+    int entries = 0;
+    QDirIterator files(QStringLiteral(NCX_SOURCE_DIR "/examples"), {u"*.eds"_s}, QDir::Files,
+                       QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString eds = QString::fromUtf8(TestSupport::readFile(files.next())).remove(u'\r');
+        for (const QString &list : {u"MandatoryObjects"_s, u"OptionalObjects"_s, u"ManufacturerObjects"_s}) {
+            for (const QString &entry : section(eds, list)) {
+                const qsizetype number = entry.indexOf("=0x"_L1);
+                EXPECT_TRUE(number < 0 || eds.contains(u"\n[%1]\n"_s.arg(entry.mid(number + 3)), Qt::CaseInsensitive))
+                    << qPrintable(files.filePath()) << qPrintable(entry);
+                entries += number < 0 ? 0 : 1;
+            }
+        }
+    }
+    EXPECT_GE(entries, 30);
+}
 
 TEST(Eds, BreaksLongLinesOfDescriptions)
 {
