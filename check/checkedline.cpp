@@ -263,8 +263,7 @@ const CheckedSignal *CheckedLine::firstSignalWith(const QString &variable)
 
 std::optional<quint64> CheckedLine::cobIdKey(const CheckedObject &communication) const
 {
-    const CheckedSubindex *sub = communication.sub(1);
-    const auto cobId = sub ? StoreValue::parse(sub->data.defaultvalue) : std::nullopt;
+    const std::optional<StoreValue> cobId = PDO::cobIdOf(communication);
     if (!cobId)
         return {};
     const quint64 canId = cobId->magnitude & canIdBits;

@@ -110,7 +110,7 @@ public:
     void replace(quint16 index, quint8 subindex, const StoreRecords::SubIndexData &data);
 
 private:
-    /// What makes two COB-IDs the same; nothing for a subindex 1 that holds none.
+    /// What makes two COB-IDs the same; nothing for one that is no number.
     std::optional<quint64> cobIdKey(const CheckedObject &communication) const;
 
     ObjectDataBase &store_;

@@ -44,10 +44,16 @@ bool isSafe(ModelChecker &checker, const CheckedPGN &pgn)
     return pgn.data.issafe && checker.line().settings().safetySupport;
 }
 
-bool isSDM(ModelChecker &checker, const CheckedPGN &pgn)
+/// True for a PGN that the project wants to be sent as SDM, whether or not it supports that.
+bool isMeantAsSDM(const CheckedPGN &pgn)
 {
     const SafetyType *type = safetyType(pgn.data.safetytype);
-    return isSafe(checker, pgn) && type && type->isSDM;
+    return pgn.data.issafe && type && type->isSDM;
+}
+
+bool isSDM(ModelChecker &checker, const CheckedPGN &pgn)
+{
+    return isMeantAsSDM(pgn) && checker.line().settings().safetySupport;
 }
 
 bool isLongerThanFrame(ModelChecker & /*checker*/, const CheckSubject &subject)
@@ -154,7 +160,7 @@ void sdmTypeUnsupported(ModelChecker &checker, const CheckSubject &subject)
 void sdmWithoutShm(ModelChecker &checker, const CheckSubject &subject)
 {
     const quint32 number = subject.pgn->data.number;
-    if (subject.pgn->data.issafe && !checker.line().settings().safetySupport)
+    if (isMeantAsSDM(*subject.pgn) && !checker.line().settings().safetySupport)
         checker.reportWarning(
             WG_CONFIG,
             u"<strong>Warning: </strong>PG (%1/0x%2) shall be transmitted as SDM but SHM support is not activated."_s

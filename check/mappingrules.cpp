@@ -38,19 +38,7 @@ bool hasNoActiveEntries(const CheckedObject &mapping)
     return PDO::activeEntries(mapping) == 0 && !PDO::isMultiplexed(mapping);
 }
 
-/// True for an empty TPDO that the check takes off the bus.
-bool willBeDisabled(ModelChecker &checker, const CheckedObject &mapping)
-{
-    return PDO::isTransmitMapping(mapping.index) && mapping.index <= lastCorrectedMapping &&
-           !checker.autoCorrectionDisabled() && hasNoActiveEntries(mapping) && isOnBus(checker, mapping);
-}
-
-const CheckedSubindex *targetOf(const CheckSubject &subject)
-{
-    return subject.entry->isDummy() ? nullptr : subject.entry->target;
-}
-
-/// A COB-ID with bit 31 set, in the form that it had; nothing for one that is not hexadecimal.
+/// A COB-ID with bit 31 set, in the form that it had; empty for one that is not hexadecimal, which is left to the user.
 QString disabled(const QString &cobId)
 {
     static const QRegularExpression form(uR"((\$nodeid\+)*(0x[0-9A-Fa-f]+))"_s,
@@ -60,6 +48,26 @@ QString disabled(const QString &cobId)
         return {};
     const auto value = static_cast<quint32>(match.captured(2).toULongLong(nullptr, 16)) | PDO::disabledBit;
     return match.captured(1) + u"0x%1"_s.arg(value, 8, 16, QLatin1Char('0'));
+}
+
+/// True for an empty TPDO that the check takes off the bus.
+bool willBeDisabled(ModelChecker &checker, const CheckedObject &mapping)
+{
+    return PDO::isTransmitMapping(mapping.index) && mapping.index <= lastCorrectedMapping &&
+           !checker.autoCorrectionDisabled() && hasNoActiveEntries(mapping) && isOnBus(checker, mapping) &&
+           !disabled(PDO::cobIdText(*checker.line().object(communicationOf(mapping)))).isEmpty();
+}
+
+void reportEmptyMapping(ModelChecker &checker, const CheckedObject &mapping)
+{
+    checker.reportError(
+        u"<strong>Error: </strong>Object 0x%1 of line %2: The PDO mapping table does not contain any mapped "
+        "object."_s.arg(hex4(mapping.index), dec(checker.line().number())));
+}
+
+const CheckedSubindex *targetOf(const CheckSubject &subject)
+{
+    return subject.entry->isDummy() ? nullptr : subject.entry->target;
 }
 
 // ---- A mapping object
@@ -79,9 +87,7 @@ void mappingWithoutObjects(ModelChecker &checker, const CheckSubject &subject)
     const CheckedObject &mapping = *subject.object;
     if (isOnBus(checker, mapping) && !PDO::mapsSomething(mapping) && !PDO::isMultiplexed(mapping) &&
         !willBeDisabled(checker, mapping))
-        checker.reportError(
-            u"<strong>Error: </strong>Object 0x%1 of line %2: The PDO mapping table does not contain any mapped "
-            "object."_s.arg(hex4(mapping.index), dec(checker.line().number())));
+        reportEmptyMapping(checker, mapping);
 }
 
 void mappingAccessDiffers(ModelChecker &checker, const CheckSubject &subject)
@@ -186,20 +192,22 @@ void entriesMissing(ModelChecker &checker, const CheckSubject &subject)
             u"<strong>Error: </strong>Object 0x%1:  Invalid number of mapping entries."_s.arg(hex4(mapping.index)));
 }
 
+/// Where the store refuses the COB-ID, the PDO stays what it is: on the bus, and empty.
 void emptyPdoIsDisabled(ModelChecker &checker, const CheckSubject &subject)
 {
-    if (!willBeDisabled(checker, *subject.object))
+    const CheckedObject &mapping = *subject.object;
+    if (!willBeDisabled(checker, mapping))
         return;
-    const CheckedSubindex &cobId = *checker.line().sub(communicationOf(*subject.object), 1);
+    const CheckedSubindex &cobId = *checker.line().sub(communicationOf(mapping), 1);
     StoreRecords::SubIndexData data = cobId.data;
     data.defaultvalue = disabled(cobId.data.defaultvalue);
-    if (data.defaultvalue.isEmpty())
-        return;
-    checker.correct(
-        cobId.index, 1, data,
-        u"<i>Corrected: Object 0x%1</i>: The COB-ID of this PDO has been disabled (%2), because it does not "
-        "contain active mapping entries."_s.arg(hex4(cobId.index), data.defaultvalue));
-    checker.noteCorrection();
+    if (checker.correct(
+            cobId.index, 1, data,
+            u"<i>Corrected: Object 0x%1</i>: The COB-ID of this PDO has been disabled (%2), because it does not "
+            "contain active mapping entries."_s.arg(hex4(cobId.index), data.defaultvalue)))
+        checker.noteCorrection();
+    else if (!PDO::mapsSomething(mapping))
+        reportEmptyMapping(checker, mapping);
 }
 
 // ---- SRDOs

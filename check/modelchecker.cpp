@@ -105,11 +105,13 @@ void ModelChecker::reportInfo(const QString &text)
     Q_EMIT newError(text);
 }
 
-void ModelChecker::correct(quint16 index, quint8 subindex, const StoreRecords::SubIndexData &data, const QString &text)
+bool ModelChecker::correct(quint16 index, quint8 subindex, const StoreRecords::SubIndexData &data, const QString &text)
 {
-    database_->addSubIndex(line_->number(), index, subindex, data);
+    if (!database_->addSubIndex(line_->number(), index, subindex, data))
+        return false;
     line_->replace(index, subindex, data);
     Q_EMIT newError(text);
+    return true;
 }
 
 QString ModelChecker::suppressedSummary() const

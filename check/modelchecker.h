@@ -56,8 +56,9 @@ public:
     void reportHint(WarningGroup group, const QString &text);
     /// Sends a text that neither counts nor can be suppressed.
     void reportInfo(const QString &text);
-    /// Writes a corrected subindex to the store, and sends the text.
-    void correct(quint16 index, quint8 subindex, const StoreRecords::SubIndexData &data, const QString &text);
+    /// Writes a corrected subindex to the store, and then sends the text. False, without a word, where the store
+    /// refuses the subindex: it stays as it was.
+    bool correct(quint16 index, quint8 subindex, const StoreRecords::SubIndexData &data, const QString &text);
     /// Has the line check report that it corrected a COB-ID.
     void noteCorrection() { corrected_ = true; }
 

@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -62,13 +63,12 @@ Form formOf(quint16 code)
     return row ? row->form : Form::Other;
 }
 
-/// True for a value that can be read in the form of its type. A node-relative one is worked out by the stack.
+/// True for a value that can be read in the form of its type. In the unsigned ones, which identifiers have, a value may
+/// be relative to the node-id: the stack works that out.
 bool isReadable(const QString &text, Form form)
 {
     bool ok = true;
-    if (text.contains("$NODEID"_L1, Qt::CaseInsensitive))
-        return true;
-    if (form == Form::Unsigned)
+    if (form == Form::Unsigned && !text.contains("$NODEID"_L1, Qt::CaseInsensitive))
         text.toULongLong(&ok, 0);
     else if (form == Form::Signed)
         text.toLongLong(&ok, 0);
@@ -77,19 +77,41 @@ bool isReadable(const QString &text, Form form)
     return ok;
 }
 
-/// A number of a signed type. Hexadecimal digits that reach its sign bit are its two's complement.
+/// What the lowest bits of a number mean in the two's complement of a signed type.
+qint64 complement(quint64 bits, quint16 type)
+{
+    const quint32 unused = 64 - COHelper::getDataLengthBits(type);
+    return static_cast<qint64>(bits << unused) >> unused;
+}
+
+/// A default value of a signed type. Hexadecimal digits that reach its sign bit are its two's complement.
 std::optional<qint64> signedValue(const QString &text, quint16 type)
 {
-    const auto value = StoreValue::parse(text);
-    if (!value || value->nodeRelative)
+    bool ok = false;
+    const qint64 value = text.toLongLong(&ok, 0);
+    if (!ok)
         return {};
-    const quint32 bits = COHelper::getDataLengthBits(type);
     const bool isComplement =
-        !value->negative && text.contains(u'x', Qt::CaseInsensitive) && value->magnitude >> (bits - 1) == 1;
-    const auto magnitude = static_cast<qint64>(value->magnitude);
-    if (isComplement)
-        return magnitude - (qint64{1} << bits);
-    return value->negative ? -magnitude : magnitude;
+        value > 0 && text.contains(u'x', Qt::CaseInsensitive) && value >> (COHelper::getDataLengthBits(type) - 1) == 1;
+    return isComplement ? complement(static_cast<quint64>(value), type) : value;
+}
+
+// Limits are read as the tables of the dictionary have them, in which a text that is no number is 0 and a number is cut
+// to the width of the type.
+
+/// A limit of a signed type, which is decimal.
+qint64 signedLimit(const QString &text, quint16 type)
+{
+    const qint64 value = text.toLongLong(nullptr, 10);
+    const bool fits = value >= std::numeric_limits<qint32>::min() && value <= std::numeric_limits<quint32>::max();
+    return fits ? complement(static_cast<quint64>(value), type) : 0;
+}
+
+quint64 unsignedLimit(const QString &text, quint16 type)
+{
+    const quint32 bits = std::max(COHelper::getDataLengthBits(type), 8U);
+    const quint64 value = bits > 32 ? text.toULongLong(nullptr, 0) : quint64{text.toUInt(nullptr, 0)};
+    return value & (~quint64{0} >> (64 - bits));
 }
 
 /// A number of an unsigned type, with the node-id where it is relative to that.
@@ -101,29 +123,36 @@ std::optional<quint64> unsignedValue(const QString &text, const LineSettings &se
     return value->magnitude + (value->nodeRelative ? *settings.nodeId : 0);
 }
 
-/// True unless all of value and limits can be read and the value is beyond a limit; an empty limit is none.
-template <class Read>
-bool isWithin(const StoreRecords::SubIndexData &data, Read read)
+std::optional<double> realValue(const QString &text)
 {
-    const auto value = read(data.defaultvalue);
-    const auto low = read(data.lowlimit);
-    const auto high = read(data.uplimit);
-    return !value || ((!low || *value >= *low) && (!high || *value <= *high));
+    bool ok = false;
+    const double value = text.toDouble(&ok);
+    return ok ? std::optional(value) : std::nullopt;
+}
+
+/// True unless the value can be read and is beyond a limit.
+template <class Value, class ReadLimit>
+bool isWithin(const std::optional<Value> &value, const COHelper::Limits &limits, ReadLimit read)
+{
+    return !value || ((limits.low.isEmpty() || *value >= read(limits.low)) &&
+                      (limits.high.isEmpty() || *value <= read(limits.high)));
 }
 
 bool fitsLimits(const StoreRecords::SubIndexData &data, const LineSettings &settings)
 {
+    const auto limits = COHelper::declaredLimits(data.datatype, data.lowlimit, data.uplimit);
+    if (!limits)
+        return true;
     switch (formOf(data.datatype)) {
     case Form::Unsigned:
-        return isWithin(data, [&](const QString &text) { return unsignedValue(text, settings); });
+        return isWithin(unsignedValue(data.defaultvalue, settings), *limits,
+                        [&data](const QString &text) { return unsignedLimit(text, data.datatype); });
     case Form::Signed:
-        return isWithin(data, [&](const QString &text) { return signedValue(text, data.datatype); });
+        return isWithin(signedValue(data.defaultvalue, data.datatype), *limits,
+                        [&data](const QString &text) { return signedLimit(text, data.datatype); });
     case Form::Real:
-        return isWithin(data, [](const QString &text) {
-            bool ok = false;
-            const double number = text.toDouble(&ok);
-            return ok ? std::optional(number) : std::nullopt;
-        });
+        return isWithin(realValue(data.defaultvalue), *limits,
+                        [](const QString &text) { return realValue(text).value_or(0); });
     case Form::Other:
         break;
     }

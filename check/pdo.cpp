@@ -1,6 +1,5 @@
 #include "check/pdo.h"
 
-#include "check/storevalue.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
 
@@ -64,9 +63,19 @@ quint32 PDO::widthOf(const StoreRecords::SubIndexData &data)
     return bits > 0 ? bits : data.size * 8;
 }
 
+QString PDO::cobIdText(const CheckedObject &communication)
+{
+    const CheckedSubindex *sub = communication.sub(1);
+    return sub ? sub->data.defaultvalue : QString();
+}
+
+std::optional<StoreValue> PDO::cobIdOf(const CheckedObject &communication)
+{
+    const QString text = cobIdText(communication);
+    return text.trimmed().isEmpty() ? StoreValue() : StoreValue::parse(text);
+}
+
 bool PDO::isEnabled(const CheckedObject *communication)
 {
-    const CheckedSubindex *sub = communication ? communication->sub(1) : nullptr;
-    const auto cobId = sub ? StoreValue::parse(sub->data.defaultvalue) : std::nullopt;
-    return cobId && (cobId->magnitude & disabledBit) == 0;
+    return communication && (cobIdOf(*communication).value_or(StoreValue()).magnitude & disabledBit) == 0;
 }

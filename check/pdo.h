@@ -1,6 +1,7 @@
 #pragma once
 
 #include "check/checkedline.h"
+#include "check/storevalue.h"
 
 /// Process data objects as CiA 301 lays them out: a communication object and, 0x200 above it, a mapping object.
 namespace PDO {
@@ -51,7 +52,12 @@ bool isDynamic(const CheckedObject &mapping);
 /// Width of a mapped subindex; 0 where it is not told.
 quint32 widthOf(const StoreRecords::SubIndexData &data);
 
-/// False for a communication object that is missing, that has bit 31 of its COB-ID set, or whose COB-ID is no number.
+/// The COB-ID of a communication object as it is written; empty where subindex 1 is missing.
+QString cobIdText(const CheckedObject &communication);
+/// The number of the COB-ID: 0 for one that is empty or missing, which the stack takes for that; nothing for a text
+/// that is no number.
+std::optional<StoreValue> cobIdOf(const CheckedObject &communication);
+/// False for a communication object that is missing or has bit 31 of its COB-ID set, and for no other.
 bool isEnabled(const CheckedObject *communication);
 
 } // namespace PDO

@@ -27,17 +27,13 @@ bool isInEds(const CheckedSubindex &sub)
     return sub.data.writedefaulttoeds == 2 || (sub.data.writedefaulttoeds == 1 && sub.data.defaultineds);
 }
 
-/// True for a PDO of the pre-defined connection set whose COB-ID is another one. A PDO that is off the bus and has no
-/// CAN-ID is none.
+/// True for a PDO of the pre-defined connection set whose COB-ID is another one, on the bus or not.
 bool deviates(ModelChecker &checker, const CheckSubject &subject)
 {
-    const CheckedSubindex *sub = subject.object->sub(1);
-    const auto cobId = sub ? StoreValue::parse(sub->data.defaultvalue) : std::nullopt;
-    if (!cobId || (!cobId->nodeRelative && cobId->magnitude == PDO::disabledBit))
-        return false;
-    return std::ranges::any_of(checker.line().settings().defaultCobIds, [&](const DefaultCobId &expected) {
-        return expected.index == sub->index && expected.subindex == 1 && !expected.fits(*cobId);
-    });
+    const std::optional<StoreValue> cobId = PDO::cobIdOf(*subject.object);
+    return cobId && std::ranges::any_of(checker.line().settings().defaultCobIds, [&](const DefaultCobId &expected) {
+               return expected.index == subject.object->index && expected.subindex == 1 && !expected.fits(*cobId);
+           });
 }
 
 bool followsPredefinedSet(ModelChecker &checker)
@@ -56,7 +52,8 @@ void mappingMissing(ModelChecker &checker, const CheckSubject &subject)
 
 void cobIdNotInEds(ModelChecker &checker, const CheckSubject &subject)
 {
-    if (PDO::isEnabled(subject.object) && !isInEds(*subject.object->sub(1)))
+    const CheckedSubindex *cobId = subject.object->sub(1);
+    if (PDO::isEnabled(subject.object) && (!cobId || !isInEds(*cobId)))
         checker.reportHint(
             WG_EDS, u"<strong>Hint: </strong>Subindex 1 of 0x%2 should have its default value in the EDS file."_s.arg(
                         hex4(subject.object->index)));
@@ -87,7 +84,7 @@ void cobIdUsedTwice(ModelChecker &checker, const CheckSubject &subject)
     if (PDO::isEnabled(&pdo) && first && *first != pdo.index)
         checker.reportError(
             u"<strong>Error: </strong>Object 0x%1: COB-ID '%2' is already used by PDO object 0x%3."_s.arg(
-                hex4(pdo.index), pdo.sub(1)->data.defaultvalue, hex4(*first)));
+                hex4(pdo.index), PDO::cobIdText(pdo), hex4(*first)));
 }
 
 /// The event timer counts milliseconds, the inhibit time a tenth of that.

@@ -236,6 +236,17 @@ COHelper::Limits COHelper::getDefaultLimits(quint32 dataType)
     return {};
 }
 
+std::optional<COHelper::Limits> COHelper::declaredLimits(quint32 dataType, const QString &low, const QString &high)
+{
+    const bool hasLow = !low.trimmed().isEmpty();
+    const bool hasHigh = !high.trimmed().isEmpty();
+    if (!hasLow && !hasHigh)
+        return {};
+    const Limits own =
+        dataType == CAN::Real32 ? Limits{u"-3.40282347e+38"_s, u"3.40282347e+38"_s} : getDefaultLimits(dataType);
+    return Limits{hasLow ? low : own.low, hasHigh ? high : own.high};
+}
+
 bool COHelper::isTextType(quint32 dataType)
 {
     const TypeRow *row = findType(dataType);

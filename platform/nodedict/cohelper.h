@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace CANopen {
 
 /// Category of an object in a device profile. The numbers are those that a project file stores.
@@ -53,6 +55,9 @@ public:
     static quint32 getDataLengthBits(quint32 dataType);
     /// The range of an integer type; both empty for types without one (floats, strings, domains, times).
     static Limits getDefaultLimits(quint32 dataType);
+    /// The limits of a value for which these two are declared: one that is empty is the type's own where the other one
+    /// is told. Nothing if both are empty. A limit is delivered as it stands.
+    static std::optional<Limits> declaredLimits(quint32 dataType, const QString &low, const QString &high);
     /// True for the types whose values are text or bytes rather than a number: the strings and DOMAIN.
     static bool isTextType(quint32 dataType);
 

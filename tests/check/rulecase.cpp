@@ -58,6 +58,7 @@ QList<RuleCase> ruleCases()
 CaseProject::CaseProject(const QStringList &commands)
 {
     QStringList others;
+    bool refusesWrites = false;
     for (const QString &command : commands) {
         const QString rest = command.section(u' ', 1);
         const QString file = folder_.filePath(rest.section(u" = "_s, 0, 0));
@@ -66,15 +67,19 @@ CaseProject::CaseProject(const QStringList &commands)
         } else if (command.startsWith("file "_L1)) {
             QDir().mkpath(QFileInfo(file).path());
             EXPECT_TRUE(TestSupport::writeFile(file, rest.section(u" = "_s, 1).toUtf8()));
+        } else if (command == "refuse writes"_L1) {
+            refusesWrites = true;
         } else {
             others.append(command);
         }
     }
     script_.run(others);
+    store()->setBlocked(refusesWrites);
 }
 
 CaseProject::~CaseProject()
 {
+    store()->setBlocked(false);
     QCoreApplication::setApplicationName(defaultApplication);
 }
 

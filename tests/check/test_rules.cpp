@@ -63,7 +63,7 @@ DocumentedRule rowOf(const QList<DocumentedRule> &rows, QString text)
     text = text.remove(markup).trimmed();
     for (const DocumentedRule &row : rows) {
         const QString pattern =
-            QRegularExpression::escape(row.message).replace(QRegularExpression(uR"(\\%\d)"_s), u".+"_s);
+            QRegularExpression::escape(row.message).replace(QRegularExpression(uR"(\\%\d)"_s), u".*"_s);
         if (QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(text).hasMatch())
             return row;
     }

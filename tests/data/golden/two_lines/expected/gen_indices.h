@@ -18,11 +18,13 @@
 
 #define L0_I_RPDO_COMM_PAR_2_FOR_NODE_5_DRIVE	0x1401u
 #define L0_RPDO_5_DRIVE_2           	2u
+#define  L0_S_COB_ID                 	0x1u
 
 #define L0_I_RPDO_MAP_PAR_2         	0x1601u
 
 #define L0_I_TPDO_COMM_PAR_1_FOR_NODE_5_DRIVE	0x1800u
 #define L0_TPDO_5_DRIVE_1           	1u
+#define  L0_S_COB_ID1                	0x1u
 
 #define L0_I_TPDO_MAP_PAR_1         	0x1a00u
 
@@ -37,6 +39,7 @@
 
 #define L1_I_RPDO_COMM_PAR_2_FOR_NODE_5_DRIVE	0x1401u
 #define L1_RPDO_5_DRIVE_2           	2u
+#define  L1_S_COB_ID                 	0x1u
 
 #define L1_I_RPDO_MAP_PAR_2         	0x1601u
 

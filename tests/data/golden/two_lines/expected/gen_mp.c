@@ -42,7 +42,7 @@ RET_T mpStackInit_finish(void);
 
 /* number of objects */
 #define CO_OD_ASSIGN_CNT 12u
-#define CO_OBJ_DESC_CNT 6u
+#define CO_OBJ_DESC_CNT 9u
 
 /* definition of managed variables */
 static UNSIGNED8	mv_u8[7];
@@ -127,8 +127,10 @@ static CORE_CONST UNSIGNED8 CORE_CONST_STORAGE_CLASS	od_const_u8[1] = {
 	(UNSIGNED8)0u};
 static CORE_CONST UNSIGNED16 CORE_CONST_STORAGE_CLASS	od_const_u16[1] = {
 	(UNSIGNED16)0u};
-static CORE_CONST UNSIGNED32 CORE_CONST_STORAGE_CLASS	od_const_u32[1] = {
-	(UNSIGNED32)0UL};
+static CORE_CONST UNSIGNED32 CORE_CONST_STORAGE_CLASS	od_const_u32[3] = {
+	(UNSIGNED32)0UL,
+	(UNSIGNED32)2147484416UL,
+	(UNSIGNED32)2147484032UL};
 
 /* definition of application variables */
 
@@ -137,9 +139,12 @@ CORE_CONST CO_OBJECT_DESC_T CORE_CONST_STORAGE_CLASS od_description[CO_OBJ_DESC_
 	{ (UNSIGNED8)0u, CORE_DTYPE_U32, CO_DSPEC_CONST, (UNSIGNED16)0u, CO_ATTR_NUM | CO_ATTR_READ | CO_ATTR_DEFVAL,  (UNSIGNED16)0u},/* 0-0x1000:0*/ 
 	{ (UNSIGNED8)0u, CORE_DTYPE_U8, CO_DSPEC_VAR, (UNSIGNED16)0u, CO_ATTR_NUM | CO_ATTR_READ | CO_ATTR_DEFVAL,  (UNSIGNED16)0u},/* 0-0x1001:0*/ 
 	{ (UNSIGNED8)0u, CORE_DTYPE_U16, CO_DSPEC_ERRCTRL, (UNSIGNED16)4119u, CO_ATTR_NUM | CO_ATTR_READ | CO_ATTR_WRITE | CO_ATTR_DEFVAL,  (UNSIGNED16)0u},/* 0-0x1017:0*/ 
+	{ (UNSIGNED8)1u, CORE_DTYPE_U32, CO_DSPEC_RPDO, (UNSIGNED16)2u, CO_ATTR_NUM | CO_ATTR_READ | CO_ATTR_WRITE | CO_ATTR_DEFVAL,  (UNSIGNED16)1u},/* 0-0x1401:1*/ 
+	{ (UNSIGNED8)1u, CORE_DTYPE_U32, CO_DSPEC_TPDO, (UNSIGNED16)1u, CO_ATTR_NUM | CO_ATTR_READ | CO_ATTR_WRITE | CO_ATTR_DEFVAL,  (UNSIGNED16)2u},/* 0-0x1800:1*/ 
 	{ (UNSIGNED8)0u, CORE_DTYPE_U32, CO_DSPEC_CONST, (UNSIGNED16)0u, CO_ATTR_NUM | CO_ATTR_READ | CO_ATTR_DEFVAL,  (UNSIGNED16)0u},/* 1-0x1000:0*/ 
 	{ (UNSIGNED8)0u, CORE_DTYPE_U8, CO_DSPEC_VAR, (UNSIGNED16)1u, CO_ATTR_NUM | CO_ATTR_READ | CO_ATTR_DEFVAL,  (UNSIGNED16)0u},/* 1-0x1001:0*/ 
 	{ (UNSIGNED8)0u, CORE_DTYPE_U16, CO_DSPEC_ERRCTRL, (UNSIGNED16)4119u, CO_ATTR_NUM | CO_ATTR_READ | CO_ATTR_WRITE | CO_ATTR_DEFVAL,  (UNSIGNED16)0u},/* 1-0x1017:0*/ 
+	{ (UNSIGNED8)1u, CORE_DTYPE_U32, CO_DSPEC_RPDO, (UNSIGNED16)2u, CO_ATTR_NUM | CO_ATTR_READ | CO_ATTR_WRITE | CO_ATTR_DEFVAL,  (UNSIGNED16)1u},/* 1-0x1401:1*/ 
 };
 
 /* object dictionary assignment */
@@ -147,15 +152,15 @@ CORE_CONST CO_OD_ASSIGN_T CORE_CONST_STORAGE_CLASS od_assign[CO_OD_ASSIGN_CNT] =
 	{ 0x1000u, 1u, 0u, CO_ODTYPE_VAR, 0u },
 	{ 0x1001u, 1u, 0u, CO_ODTYPE_VAR, 1u },
 	{ 0x1017u, 1u, 0u, CO_ODTYPE_VAR, 2u },
-	{ 0x1401u, 0u, 0u, invalid, 3u },
-	{ 0x1601u, 0u, 0u, invalid, 3u },
-	{ 0x1800u, 0u, 0u, invalid, 3u },
-	{ 0x1a00u, 0u, 0u, invalid, 3u },
-	{ 0x1000u, 1u, 0u, CO_ODTYPE_VAR, 3u },
-	{ 0x1001u, 1u, 0u, CO_ODTYPE_VAR, 4u },
-	{ 0x1017u, 1u, 0u, CO_ODTYPE_VAR, 5u },
-	{ 0x1401u, 0u, 0u, invalid, 6u },
-	{ 0x1601u, 0u, 0u, invalid, 6u },
+	{ 0x1401u, 1u, 1u, invalid, 3u },
+	{ 0x1601u, 0u, 0u, invalid, 4u },
+	{ 0x1800u, 1u, 1u, invalid, 4u },
+	{ 0x1a00u, 0u, 0u, invalid, 5u },
+	{ 0x1000u, 1u, 0u, CO_ODTYPE_VAR, 5u },
+	{ 0x1001u, 1u, 0u, CO_ODTYPE_VAR, 6u },
+	{ 0x1017u, 1u, 0u, CO_ODTYPE_VAR, 7u },
+	{ 0x1401u, 1u, 1u, invalid, 8u },
+	{ 0x1601u, 0u, 0u, invalid, 9u },
 };
 
 /* static PDO mapping tables */
@@ -368,7 +373,7 @@ RET_T retVal = RET_OK;
     if ((commonInitVars.protocolType[canLine] & CORE_PROT_TYPE_CANOPEN) != CORE_PROT_TYPE_CANOPEN) {
         /* not requested */
     } else {
-    retVal = coOdInitOdPtr(canLine, &od_assign[0], 7, od_description, 3, NULL, &od_data_variables);
+    retVal = coOdInitOdPtr(canLine, &od_assign[0], 7, od_description, 5, NULL, &od_data_variables);
     if (retVal != RET_OK) {
         return(retVal);
     }
@@ -415,7 +420,7 @@ RET_T retVal = RET_OK;
     if ((commonInitVars.protocolType[canLine] & CORE_PROT_TYPE_CANOPEN) != CORE_PROT_TYPE_CANOPEN) {
         /* not requested */
     } else {
-    retVal = coOdInitOdPtr(canLine, &od_assign[7], 5, od_description, 3, NULL, &od_data_variables);
+    retVal = coOdInitOdPtr(canLine, &od_assign[7], 5, od_description, 4, NULL, &od_data_variables);
     if (retVal != RET_OK) {
         return(retVal);
     }
