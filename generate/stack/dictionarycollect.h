@@ -1,6 +1,7 @@
 #pragma once
 
 #include "generate/stack/dictionarytables.h"
+#include "nodedict/cohelper.h"
 
 #include <QByteArray>
 
@@ -44,6 +45,8 @@ void rows(DictionaryTables &tables);
 QString variableName(const DictionarySub &sub, quint16 index, quint8 line);
 /// The address of such a variable: an expression, which has a "(", as it stands; "NULL" where there is no name.
 QString variableAddress(const QString &name);
+/// The limits that the description of a subindex tells; none where it tells neither, whatever its flag says.
+std::optional<COHelper::Limits> declaredLimits(const StoreRecords::SubIndexData &data);
 /// "CO_ODTYPE_VAR" and so on; "invalid" for a code that no object of a dictionary may have.
 QLatin1StringView objectTypeWord(quint32 objectType);
 /// The end of the specifier of a description row; `staticSrdo`: an SRDO carries the subindex.

@@ -61,13 +61,14 @@ constexpr ValueRule valueRules[] = {
     {{0x100C, 0x100D, Subs::All}, 0},          {{0x102A, 0x102A, Subs::All}, 0},
     {{0x1014, 0x1015, Subs::All}, 0},          {{0x1017, 0x1017, Subs::All}, 0},
     {{0x1019, 0x1019, Subs::All}, 0},          {{0x1032, 0x1032, Subs::All}, 0},
-    {{0x1301, 0x13FF, Subs::All}, 0},          {{0x1F80, 0x1F82, Subs::All}, 0},
-    {{0x1010, 0x1011, Subs::NotZero}, 0},      {{0x1016, 0x1016, Subs::NotZero}, 0},
-    {{0x1028, 0x1028, Subs::NotZero}, 0},      {{0x1F2C, 0x1F2C, Subs::NotZero}, 0},
-    {{0x1F90, 0x1F90, Subs::NotZero}, 0},      {{0x1029, 0x1029, Subs::One}, 0},
-    {{0x1200, 0x127F, Subs::NotZero}, 0x11FF}, {{0x1280, 0x12FF, Subs::NotZero}, 0x127F},
-    {{0x1400, 0x15FF, Subs::NotZero}, 0x13FF}, {{0x1600, 0x17FF, Subs::All}, 0x15FF},
-    {{0x1800, 0x19FF, Subs::NotZero}, 0x17FF}, {{0x1A00, 0x1BFF, Subs::All}, 0x19FF},
+    {{0x1301, 0x13F0, Subs::NotZero}, 0},      {{0x13FE, 0x13FF, Subs::All}, 0},
+    {{0x1F80, 0x1F82, Subs::All}, 0},          {{0x1010, 0x1011, Subs::NotZero}, 0},
+    {{0x1016, 0x1016, Subs::NotZero}, 0},      {{0x1028, 0x1028, Subs::NotZero}, 0},
+    {{0x1F2C, 0x1F2C, Subs::NotZero}, 0},      {{0x1F90, 0x1F90, Subs::NotZero}, 0},
+    {{0x1029, 0x1029, Subs::One}, 0},          {{0x1200, 0x127F, Subs::NotZero}, 0x11FF},
+    {{0x1280, 0x12FF, Subs::NotZero}, 0x127F}, {{0x1400, 0x15FF, Subs::NotZero}, 0x13FF},
+    {{0x1600, 0x17FF, Subs::All}, 0x15FF},     {{0x1800, 0x19FF, Subs::NotZero}, 0x17FF},
+    {{0x1A00, 0x1BFF, Subs::All}, 0x19FF},
 };
 
 /// What an access type lets the stack do, and a PDO.
@@ -95,7 +96,8 @@ QString descriptionAttributes(const StoreRecords::SubIndexData &data, bool compa
         QLatin1StringView attribute;
     };
     QString attributes = DictionaryCollect::accessAttributes(data);
-    for (const Flag &flag : {Flag{data.defaultineds, "CO_ATTR_DEFVAL"_L1}, Flag{data.limitineds, "CO_ATTR_LIMIT"_L1},
+    for (const Flag &flag : {Flag{data.defaultineds, "CO_ATTR_DEFVAL"_L1},
+                             Flag{DictionaryCollect::declaredLimits(data).has_value(), "CO_ATTR_LIMIT"_L1},
                              Flag{data.nvstorage, "CO_ATTR_STORE"_L1}, Flag{compact, "CO_ATTR_COMPACT"_L1}}) {
         if (flag.set)
             attributes += " | "_L1 + flag.attribute;
@@ -221,10 +223,9 @@ std::optional<quint16> DictionaryCollect::serviceValue(quint16 index, quint8 sub
 void DictionaryCollect::rows(DictionaryTables &tables)
 {
     for (DictionaryLine &line : tables.lines) {
-        line.descriptionStart = static_cast<quint32>(tables.description.size());
         for (const DictionaryObject &object : line.objects)
             describeObject(tables, line.number, object);
-        line.descriptionCount = static_cast<quint32>(tables.description.size()) - line.descriptionStart;
+        line.descriptionCount = static_cast<quint32>(tables.description.size());
     }
     for (DictionaryLine &line : tables.lines) {
         line.assignStart = static_cast<quint32>(tables.assign.size());

@@ -64,11 +64,10 @@ struct DictionaryLine
 {
     quint8 number = 0;
     std::vector<DictionaryObject> objects{}; ///< ascending
-    // The line's part of the tables. Both starts run on from line to line.
+    // The line's part of the tables. The start and the number of rows run on from line to line.
     quint32 assignStart = 0;
     quint32 assignCount = 0;
-    quint32 descriptionStart = 0;
-    quint32 descriptionCount = 0; ///< rows that the line owns; a shared object's are those of line 0
+    quint32 descriptionCount = 0; ///< all rows up to the line's last, among them those of objects shared with line 0
     LinePdoTables pdos{};
 
     /// Null where the line has no such object.

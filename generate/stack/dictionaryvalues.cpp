@@ -122,11 +122,14 @@ void DictionaryCollect::constants(DictionaryTables &tables)
         text.remove("$nodeid+"_L1, Qt::CaseInsensitive);
         if (const auto type = valueTypeOf(data.datatype)) {
             tables.defaultIndexMap.insert(key, tables.constants.add(parseValue(*type, text)));
-            if (!tables.limitCheck || !data.limitineds || !isWritable(data) || !hasLimits(*type))
+            if (!tables.limitCheck || !isWritable(data) || !hasLimits(*type))
+                return;
+            const auto limits = declaredLimits(data);
+            if (!limits)
                 return;
             const int base = hasDecimalLimits(*type) ? 10 : 0;
-            tables.lowerLimitIndexMap.insert(key, tables.constants.add(parseValue(*type, data.lowlimit, base)));
-            tables.upperLimitIndexMap.insert(key, tables.constants.add(parseValue(*type, data.uplimit, base)));
+            tables.lowerLimitIndexMap.insert(key, tables.constants.add(parseValue(*type, limits->low, base)));
+            tables.upperLimitIndexMap.insert(key, tables.constants.add(parseValue(*type, limits->high, base)));
         } else if (data.implementation == ManagedConst) {
             if (data.datatype == CAN::VisibleString || data.datatype == CAN::OctetString)
                 appendText(tables.visibleStrings, tables.defaultIndexMap, key, text, data.size);
@@ -149,6 +152,11 @@ void DictionaryCollect::stringDefaults(DictionaryTables &tables)
         tables.stringDefaultMap.insert(key, {sub.data.defaultvalue, defaultBytes(sub.data.defaultvalue)});
         offset += sub.data.size;
     });
+}
+
+std::optional<COHelper::Limits> DictionaryCollect::declaredLimits(const StoreRecords::SubIndexData &data)
+{
+    return data.limitineds ? COHelper::declaredLimits(data.datatype, data.lowlimit, data.uplimit) : std::nullopt;
 }
 
 QString DictionaryCollect::variableName(const DictionarySub &sub, quint16 index, quint8 line)

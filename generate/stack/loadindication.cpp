@@ -124,7 +124,6 @@ void writeVariables(CodeWriter &out, const PredefinedSet &set)
         out(u"\tUNSIGNED8 nodeId = 0x00;");
     else if (sums)
         out(u"\tUNSIGNED8 nodeId = coNmtGetNodeId();");
-    out(u"");
     if (isEmpty(set))
         out(u"\t(void)cobId;");
     if (set.multiLine && !sums)

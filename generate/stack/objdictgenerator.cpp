@@ -61,9 +61,8 @@ QString ObjDictGenerator::fileName() const
 
 void ObjDictGenerator::write(QTextStream &stream)
 {
-    const DictionaryTables tables = collectDictionaryTables(*database(), {.compactDescription = compactDescription_,
-                                                                          .serverMode = serverMode_,
-                                                                          .multiLine = serverMode_ && isMultiLine()});
+    const DictionaryTables tables =
+        collectDictionaryTables(*database(), {.compactDescription = compactDescription_, .serverMode = serverMode_});
     if (!tables.error.isEmpty()) {
         fail(OutputError, tables.error);
         return;

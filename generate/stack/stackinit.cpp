@@ -138,7 +138,7 @@ void StackInitWriter::writeServiceVariables() const
             )");
     else
         out_(u"{ CO_NODE_ID_FUNCTIONS } ");
-    out_(u"};\n");
+    out_(u"};");
 }
 
 void StackInitWriter::writeCheck(int depth) const
@@ -241,9 +241,6 @@ void StackInitWriter::writeLineTable() const
 
 void StackInitWriter::writeWrapper() const
 {
-    if (dialect_.has(Point::LinePrototypesOnly))
-        out_(u"RET_T coCanOpenStackInit_common(CO_EVENT_STORE_T pLoadFunction${MODES});\n",
-             {{"MODES", modesParameter()}});
     out_(uR"(
         RET_T ${NAME}(
         ${PARAMETERS}

@@ -242,8 +242,8 @@ std::optional<COHelper::Limits> COHelper::declaredLimits(quint32 dataType, const
     const bool hasHigh = !high.trimmed().isEmpty();
     if (!hasLow && !hasHigh)
         return {};
-    const Limits own =
-        dataType == CAN::Real32 ? Limits{u"-3.40282347e+38"_s, u"3.40282347e+38"_s} : getDefaultLimits(dataType);
+    const Limits own = dataType == CAN::Real32 ? Limits{u"-3.4028234663852886e+38"_s, u"3.4028234663852886e+38"_s}
+                                               : getDefaultLimits(dataType);
     return Limits{hasLow ? low : own.low, hasHigh ? high : own.high};
 }
 

@@ -270,6 +270,13 @@ void GeneratedSources::writeVariables() const
     writeFile(folder_.filePath(u"walker_variables.c"_s), source.toUtf8());
 }
 
+/// What the dictionary, and the stack that is linked with it, are compiled with.
+QStringList GeneratedSources::dictionarySwitches() const
+{
+    const bool oneLine = text(u"gen_objdict.c"_s).contains("j1939OdInit(void)");
+    return oneLine ? QStringList{u"-DSTACK_ONE_DICTIONARY"_s} : QStringList();
+}
+
 QString GeneratedSources::compile()
 {
     writeVariables();
@@ -277,7 +284,8 @@ QString GeneratedSources::compile()
     QString complaints;
     for (const QString &name : QDir(folder_.path()).entryList({u"*.c"_s, u"*.cpp"_s}, QDir::Files)) {
         if (name.startsWith("gen_"_L1))
-            complaints += compileFile(folder_.filePath(name));
+            complaints +=
+                compileFile(folder_.filePath(name), name == "gen_objdict.c"_L1 ? dictionarySwitches() : QStringList());
     }
     return complaints;
 }
@@ -286,7 +294,8 @@ QString GeneratedSources::link()
 {
     const QString source = has(u"gen_objdict.c"_s) ? u"gen_objdict.c"_s : u"gen_mp.c"_s;
     const QByteArray code = text(source);
-    QStringList switches;
+    const QStringList stackSwitches = dictionarySwitches();
+    QStringList switches = stackSwitches;
     if (code.contains("RET_T mpStackInit("))
         switches += u"-DWALK_MP"_s;
     else if (code.contains("j1939OdInit("))
@@ -298,7 +307,8 @@ QString GeneratedSources::link()
     if (code.contains("RET_T userOverwriteCobIdSettings("))
         switches += u"-DWALK_OVERWRITE_FUNCTION"_s;
     d_->objects = {folder_.filePath(source + u".o"_s)};
-    QString complaints = compileFile(stackFolder + u"/stack.c"_s) + compileFile(stackFolder + u"/walker.c"_s, switches);
+    QString complaints =
+        compileFile(stackFolder + u"/stack.c"_s, stackSwitches) + compileFile(stackFolder + u"/walker.c"_s, switches);
     for (const QString &name : QDir(folder_.path()).entryList({u"*.c"_s}, QDir::Files)) {
         if (!name.startsWith("gen_"_L1))
             complaints += compileFile(folder_.filePath(name));

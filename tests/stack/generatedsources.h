@@ -48,6 +48,7 @@ private:
     class Private;
 
     QStringList compilerArguments() const;
+    QStringList dictionarySwitches() const;
     QString compileFile(const QString &path, const QStringList &more = {});
     void writeVariables() const;
 

@@ -118,6 +118,9 @@ static const CO_OBJECT_DESC_T *findSub(const STACK_DICTIONARY_T *pDictionary, co
     for (i = 0; i < pObject->numberOfDesc; ++i) {
         const CO_OBJECT_DESC_T *pDesc = &pDictionary->pDesc[pObject->firstDesc + i];
 
+        /* The line knows no row beyond its count. */
+        if (pObject->firstDesc + i >= pDictionary->descCnt)
+            return NULL;
         if (pDesc->subIndex == subIndex)
             return pDesc;
         if ((pDesc->attributes & CO_ATTR_COMPACT) != 0 && pDesc->subIndex < subIndex && subIndex <= pObject->highestSub)
@@ -382,11 +385,6 @@ static void printSub(const STACK_DICTIONARY_T *pDictionary, unsigned line, const
     }
 #endif
     printf(" value ");
-    if (pDesc->value == pObject->index && specifierOf(pDesc) != CO_DSPEC_CONST) {
-        /* No position: a service of the stack has the data, whatever the specifier says. */
-        printf("%u\n", pDesc->value);
-        return;
-    }
     switch (specifierOf(pDesc)) {
     case CO_DSPEC_CONST:
         printConstant(p, type, pDesc->value);

@@ -305,7 +305,6 @@ CO_SERVICE_INIT_VAL_T	serviceInitVars = {
 { CO_NODE_IDS }, 
 { CO_NODE_ID_FUNCTIONS } 
 };
-
 /* service intialization values */
 CORE_CONST J1939_SERVICE_INIT_VAL_T	j1939InitVars = {
 	{ J1939_RECEIVE_PGN_CFG_COUNTS },

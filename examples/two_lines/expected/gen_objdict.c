@@ -427,10 +427,7 @@ CO_SERVICE_INIT_VAL_T	serviceInitVars = {
 { CO_NODE_ID_FUNCTIONS } 
 };
 
-
 UNSIGNED8 canLineTable[CAN_LINE_ARRAY_DECL] = {0, 1};
-
-RET_T coCanOpenStackInit_common(CO_EVENT_STORE_T pLoadFunction);
 
 RET_T coCanOpenStackInitPara(
     CO_EVENT_STORE_T pLoadFunction,
@@ -593,7 +590,7 @@ RET_T coCanOpenStackInit_line1(UNSIGNED8 canLine, CO_INIT_OPTION_T *pCoOptions)
 {
     RET_T retVal;
 
-    retVal = coOdInitOdPtr(canLine, &od_assign[23], 20, od_description, 32, NULL, &od_data_variables);
+    retVal = coOdInitOdPtr(canLine, &od_assign[23], 20, od_description, 90, NULL, &od_data_variables);
     if (retVal != RET_OK) {
         return(retVal);
     }
@@ -701,7 +698,6 @@ RET_T genLoadIndication(UNSIGNED8 canLine, UNSIGNED8 subIndex)
 	RET_T ret = RET_OK;
 	UNSIGNED32 cobId = 0ul;
 	UNSIGNED8 nodeId = 0x00;
-
 	if (((subIndex == 1) || (subIndex == 2)) && (canLine == 0)) {
 		nodeId = coNmtGetNodeId(0);
 

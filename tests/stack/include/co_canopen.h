@@ -87,6 +87,13 @@ typedef struct
     UNSIGNED8 master;
 } CO_INIT_OPTION_T;
 
+/* Of the start-up of several lines, which is generated, the part that all lines share. */
+#ifdef STACK_FD
+RET_T coCanOpenStackInit_common(CO_EVENT_STORE_T pLoadFunction, BOOL_T *pModes);
+#else
+RET_T coCanOpenStackInit_common(CO_EVENT_STORE_T pLoadFunction);
+#endif
+
 RET_T coCanOpenStackVarInit(const CO_SERVICE_INIT_VAL_T *pInit);
 RET_T coLedInit(STACK_LINE_ONLY);
 RET_T coUsdoServerInit(STACK_LINE_ONLY);

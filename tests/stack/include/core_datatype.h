@@ -14,7 +14,8 @@
 #define STACK_V4 1
 #endif
 
-#if defined(CAN_MULTI_LINE) || defined(CO_MULTI_LINE)
+/* A J1939 device of several lines may have a dictionary that knows of one line only. */
+#if (defined(CAN_MULTI_LINE) || defined(CO_MULTI_LINE)) && !defined(STACK_ONE_DICTIONARY)
 #define STACK_MULTI_LINE 1
 #endif
 

@@ -480,7 +480,6 @@ CO_SERVICE_INIT_VAL_T	serviceInitVars = {
 { CO_NODE_IDS }, 
 { CO_NODE_ID_FUNCTIONS } 
 };
-
 RET_T coCanOpenStackInit(
     CO_EVENT_STORE_T pLoadFunction
 )

@@ -224,7 +224,6 @@ CO_SERVICE_INIT_VAL_T	serviceInitVars = {
 { CO_NODE_ID_FUNCTIONS }, 
 { CO_TRUE }
 };
-
 RET_T coCanOpenStackInit(
     CO_EVENT_STORE_T pLoadFunction
     , BOOL_T *pModes

@@ -299,10 +299,7 @@ CO_SERVICE_INIT_VAL_T	serviceInitVars = {
 { CO_NODE_ID_FUNCTIONS } 
 };
 
-
 UNSIGNED8 canLineTable[CAN_LINE_ARRAY_DECL] = {0, 1};
-
-RET_T coCanOpenStackInit_common(CO_EVENT_STORE_T pLoadFunction);
 
 RET_T coCanOpenStackInit(
     CO_EVENT_STORE_T pLoadFunction
@@ -422,7 +419,7 @@ RET_T coCanOpenStackInit_line1(UNSIGNED8 canLine, CO_INIT_OPTION_T *pCoOptions)
 
     (void) pCoOptions; /* currently unused */
 
-    retVal = coOdInitOdPtr(canLine, &od_assign[4], 4, od_description, 8, NULL, &od_data_variables);
+    retVal = coOdInitOdPtr(canLine, &od_assign[4], 4, od_description, 16, NULL, &od_data_variables);
     if (retVal != RET_OK) {
         return(retVal);
     }
