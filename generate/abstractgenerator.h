@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QStringList>
 #include <QThread>
 
 #include <atomic>
@@ -66,6 +67,8 @@ public:
     /// The `progress(100)` of the job then waits in the event queue of its receivers.
     void waitForJob();
 
+    /// What the user should know of a file that was written all the same; read after the job.
+    const QStringList &warnings() const { return warnings_; }
     quint8 errorCode() const { return errorCode_; }
     QString errorText() const { return errorText_; }
 
@@ -93,6 +96,7 @@ protected:
     void quitThread();
     void readMultiLineSetting();
     void fail(quint8 code, const QString &text);
+    void warn(const QStringList &texts) { warnings_ += texts; }
 
     quint8 line() const { return line_; }
     bool isMultiLine() const { return multiLine_; }
@@ -120,5 +124,6 @@ private:
     bool generateMultiLine_ = false;
     quint8 errorCode_ = 0;
     QString errorText_;
+    QStringList warnings_;
     QString fileSuffix_;
 };

@@ -245,6 +245,13 @@ RunFlow tellUserSection(GenerationRun &run, FileGenerator &generator)
     return RunFlow::Continue;
 }
 
+RunFlow tellWarnings(GenerationRun &run, FileGenerator &generator)
+{
+    for (const QString &warning : generator.warnings())
+        run.message(warning);
+    return RunFlow::Continue;
+}
+
 /// Without its template the device has no safety module, and nothing else of it is to be built.
 RunFlow endWithoutTemplate(GenerationRun &run, FileGenerator &generator)
 {
@@ -307,17 +314,20 @@ constexpr std::array rows{
     RunRow{.applies = isPlainCANopen,
            .make = makeDictionary,
            .started = "Generation of gen_objdict.c in %1 started",
-           .notWritable = "The file gen_objdict.c in %1 is not writable"},
+           .notWritable = "The file gen_objdict.c in %1 is not writable",
+           .after = tellWarnings},
     RunRow{.applies = isPlainCANopen, .step = writeVirtualDictionary},
     // The forms differ in what they say of a file that they cannot write.
     RunRow{.applies = isMultiProtocolV4,
            .make = makeMultiProtocol,
            .started = "Generation of gen_mp.c in %1 started",
-           .notWritable = fileNotWritable},
+           .notWritable = fileNotWritable,
+           .after = tellWarnings},
     RunRow{.applies = isMultiProtocolClassic,
            .make = makeMultiProtocol,
            .started = "Generation of gen_mp.c in %1 started",
-           .notWritable = "The file gen_mp.c in %1 is not writable"},
+           .notWritable = "The file gen_mp.c in %1 is not writable",
+           .after = tellWarnings},
     RunRow{.applies = isMultiProtocol,
            .lines = RunLines::J1939,
            .lineByLine = true,

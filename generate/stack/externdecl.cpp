@@ -22,6 +22,7 @@ using Code::hex;
 namespace {
 
 using Variable = ExternDeclarations::Variable;
+using Dimension = ExternDeclarations::Dimension;
 
 /// A step from a variable into it: a member, or an element.
 struct Step
@@ -54,15 +55,24 @@ std::optional<Path> pathOf(const QString &name)
     return path;
 }
 
-/// The size an array needs to have an element; the index may be a macro.
-QString sizeFor(const QString &index, const QString &sizeSoFar)
+/// The dimension of that depth, made where it is missing.
+Dimension &dimensionOf(Variable &variable, qsizetype depth)
+{
+    while (variable.dimensions.size() <= depth)
+        variable.dimensions.append(Dimension());
+    return variable.dimensions[depth];
+}
+
+/// Makes room for an element; the index may be a macro.
+void addElement(Dimension &dimension, const QString &index)
 {
     constexpr int automaticBase = 0;
     bool isNumber = false;
     const quint32 number = index.toUInt(&isNumber, automaticBase);
-    if (!isNumber)
-        return u"%1 + 1"_s.arg(index);
-    return dec(std::max<quint64>(quint64{number} + 1, sizeSoFar.toULongLong()));
+    if (isNumber)
+        dimension.count = std::max(dimension.count, quint64{number} + 1);
+    else
+        dimension.indices.append(index);
 }
 
 class Collector
@@ -80,7 +90,8 @@ public:
 private:
     void addMessage(const LineMessage &message);
     void addSignal(const LineMessage &message, const StoreRecords::SPN &signal);
-    void describe(Variable &variable, const LineMessage &message, const StoreRecords::SPN &signal) const;
+    void addOwnDimension(Variable &variable, qsizetype depth, const LineMessage &message,
+                         const StoreRecords::SPN &signal) const;
 
     ObjectDataBase &store_;
     bool safety_;
@@ -99,16 +110,16 @@ Variable &memberOf(Variable &variable, const QString &name)
     return variable.members.last();
 }
 
-void Collector::describe(Variable &variable, const LineMessage &message, const StoreRecords::SPN &signal) const
+/// What the signal's data are an array of, behind the elements that its name leads to.
+void Collector::addOwnDimension(Variable &variable, qsizetype depth, const LineMessage &message,
+                                const StoreRecords::SPN &signal) const
 {
-    variable.type = SignalType::cType(signal.datatype);
     if (SignalType::isArray(signal.datatype)) {
         constexpr quint32 bitsPerByte = 8;
-        const quint32 bytes = (signal.bitsize + bitsPerByte - 1) / bitsPerByte;
-        variable.isOpenArray = bytes == 0;
-        variable.size = bytes == 0 ? QString() : dec(bytes);
+        Dimension &bytes = dimensionOf(variable, depth);
+        bytes.count = std::max<quint64>(bytes.count, (signal.bitsize + bitsPerByte - 1) / bitsPerByte);
     } else if (safety_ && sendersApart_ && message.head.issafe && message.head.direction == ObjectDataBase::receive) {
-        variable.size = u"J1939_SDG_REC_ADDR_CNT"_s;
+        dimensionOf(variable, depth).senders = u"J1939_SDG_REC_ADDR_CNT"_s;
     }
 }
 
@@ -124,20 +135,20 @@ void Collector::addSignal(const LineMessage &message, const StoreRecords::SPN &s
         result_.variables.append(Variable{.name = path->root, .signal = signal.spnnumber});
     }
     Variable *variable = &result_.variables[positions_.value(path->root)];
-    if (path->steps.isEmpty() && !isNew)
-        return;
+    qsizetype depth = 0;
     for (const Step &step : path->steps) {
-        if (step.isElement)
-            variable->size = sizeFor(step.text, variable->size);
-        else
+        if (step.isElement) {
+            addElement(dimensionOf(*variable, depth++), step.text);
+        } else {
             variable = &memberOf(*variable, step.text);
+            depth = 0;
+        }
     }
-    if (variable->members.isEmpty() && variable->type.isEmpty()) {
-        const QString size = variable->size;
-        describe(*variable, message, signal);
-        if (!size.isEmpty())
-            variable->size = size;
-    }
+    if (!variable->members.isEmpty())
+        return;
+    if (variable->type.isEmpty())
+        variable->type = SignalType::cType(signal.datatype);
+    addOwnDimension(*variable, depth, message, signal);
 }
 
 void Collector::addMessage(const LineMessage &message)
@@ -170,14 +181,51 @@ ExternDeclarations Collector::collect()
     return result_;
 }
 
-/// The brackets behind a variable's name. An array of unknown size is defined with room for the data of one frame.
+/// The largest of some expressions, as a constant expression of C.
+QString largestOf(const QStringList &expressions)
+{
+    if (expressions.size() == 1)
+        return expressions.first();
+    const qsizetype half = expressions.size() / 2;
+    return u"(%1 > %2 ? %1 : %2)"_s.arg(largestOf(expressions.first(half)), largestOf(expressions.sliced(half)));
+}
+
+/// The size of a dimension that is not open.
+QString sizeOf(const Dimension &dimension)
+{
+    static const QRegularExpression word(u"^\\w+$"_s);
+    QStringList indices = dimension.indices;
+    indices.removeDuplicates();
+    if (indices.isEmpty() && (dimension.senders.isEmpty() || dimension.count == 0))
+        return dimension.senders.isEmpty() ? dec(dimension.count) : dimension.senders;
+    if (!dimension.senders.isEmpty())
+        indices.append(dimension.senders + u" - 1"_s);
+    if (indices.size() == 1 && dimension.count == 0 && word.match(indices.first()).hasMatch())
+        return indices.first() + u" + 1"_s;
+    QStringList expressions;
+    for (const QString &index : indices)
+        expressions.append(u"(%1)"_s.arg(index));
+    if (dimension.count > 0)
+        expressions.append(dec(dimension.count - 1));
+    return largestOf(expressions) + u" + 1"_s;
+}
+
+bool isOpen(const Dimension &dimension)
+{
+    return dimension.count == 0 && dimension.indices.isEmpty() && dimension.senders.isEmpty();
+}
+
+/// The brackets behind a variable's name. An open dimension is defined with room for the data of one frame, and so it
+/// is declared where C needs a size.
 QString arrayPart(const Variable &variable, DeclarationForm form)
 {
-    if (!variable.size.isEmpty())
-        return u"[%1]"_s.arg(variable.size);
-    if (!variable.isOpenArray)
-        return {};
-    return form == DeclarationForm::Declaration ? u"[]"_s : u"[8]"_s;
+    QString brackets;
+    for (const Dimension &dimension : variable.dimensions) {
+        const bool needsSize = form == DeclarationForm::Definition || !brackets.isEmpty();
+        const QString open = needsSize ? u"8"_s : QString();
+        brackets += u"[%1]"_s.arg(isOpen(dimension) ? open : sizeOf(dimension));
+    }
+    return brackets;
 }
 
 void writeMembers(CodeWriter &out, const Variable &variable, const QString &indent)

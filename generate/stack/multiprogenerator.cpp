@@ -154,6 +154,8 @@ void MultiProGenerator::write(QTextStream &stream)
         fail(OutputError, content.dictionary.error);
         return;
     }
+    if (protocols.canOpen)
+        warn(mappingWarnings(content.dictionary));
     content.externDeclarations = hasExternDeclarations(store, protocols, content.pgns);
     content.stringDefaults = protocols.canOpen && content.dictionary.stringDefaults;
 

@@ -73,6 +73,7 @@ void ObjDictGenerator::write(QTextStream &stream)
         fail(OutputError, userHeaderError);
         return;
     }
+    warn(mappingWarnings(tables));
 
     CodeWriter out(stream);
     writeFileHeader(out, SourceFile::GenObjdict, dialect_.form, baseName());

@@ -1,5 +1,6 @@
 #include "generate/stack/pdomappingtables.h"
 
+#include "generate/codewriter.h"
 #include "generate/stack/dictionarycollect.h"
 #include "generate/stack/dictionarytables.h"
 
@@ -186,6 +187,27 @@ QString mapTableName(PdoDirection direction, const QString &lineSuffix, quint16 
 {
     const auto pdo = direction == PdoDirection::Transmit ? "TPDO"_L1 : "RPDO"_L1;
     return u"mapTable%1%2%3"_s.arg(pdo, lineSuffix, QString::number(number));
+}
+
+QStringList mappingWarnings(const DictionaryTables &tables)
+{
+    QStringList warnings;
+    const auto tell = [&](const DictionaryLine &line, QLatin1StringView kind, const std::vector<PdoMapping> &pdos) {
+        for (const PdoMapping &pdo : pdos) {
+            for (const PdoMapEntry &entry : pdo.entries) {
+                if (entry.hasNoData())
+                    warnings.append(u"<b>Warning: %1 %2 of line %3 maps object 0x%4-0x%5, which has no data that a "
+                                    "PDO could carry.</b>"_s.arg(kind, Code::dec(pdo.number), Code::dec(line.number),
+                                                                 Code::hex(entry.value >> 16, 4),
+                                                                 Code::hex(entry.value >> 8 & 0xFF, 2)));
+            }
+        }
+    };
+    for (const DictionaryLine &line : tables.lines) {
+        tell(line, "TPDO"_L1, line.pdos.tpdos);
+        tell(line, "RPDO"_L1, line.pdos.rpdos);
+    }
+    return warnings;
 }
 
 void collectPdoTables(DictionaryTables &tables)

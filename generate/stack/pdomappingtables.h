@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <vector>
@@ -18,6 +19,8 @@ struct PdoMapEntry
     std::vector<quint32> routing{};
 
     quint8 bits() const { return static_cast<quint8>(value); }
+    /// True for an object that exists, but has no address.
+    bool hasNoData() const { return dataType && pointer == QLatin1StringView("NULL"); }
 };
 
 /// A PDO that exists, and how it is mapped.
@@ -51,6 +54,9 @@ enum class PdoDirection : quint8
 
 /// Name of a mapping table: "mapTableTPDO", the line's suffix, and the number.
 QString mapTableName(PdoDirection direction, const QString &lineSuffix, quint16 number);
+
+/// What to tell of entries of fixed mappings whose object has no data that a PDO could carry, such as a constant text.
+QStringList mappingWarnings(const DictionaryTables &tables);
 
 /// Fills the PDO part of the tables. Everything else must have been collected.
 void collectPdoTables(DictionaryTables &tables);

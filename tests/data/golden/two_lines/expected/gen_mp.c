@@ -278,7 +278,6 @@ CO_SERVICE_INIT_VAL_T	serviceInitVars = {
 { CO_NODE_IDS }, 
 { CO_NODE_ID_FUNCTIONS } 
 };
-
 /* service intialization values */
 CORE_CONST J1939_SERVICE_INIT_VAL_T	j1939InitVars = {
 	{ J1939_RECEIVE_PGN_CFG_COUNTS },
@@ -420,7 +419,7 @@ RET_T retVal = RET_OK;
     if ((commonInitVars.protocolType[canLine] & CORE_PROT_TYPE_CANOPEN) != CORE_PROT_TYPE_CANOPEN) {
         /* not requested */
     } else {
-    retVal = coOdInitOdPtr(canLine, &od_assign[7], 5, od_description, 4, NULL, &od_data_variables);
+    retVal = coOdInitOdPtr(canLine, &od_assign[7], 5, od_description, 9, NULL, &od_data_variables);
     if (retVal != RET_OK) {
         return(retVal);
     }
