@@ -16,13 +16,6 @@ namespace {
 constexpr quint8 applicationVariable = 2;
 constexpr quint32 classicalFrameBits = 64;
 
-/// The types that the packing of safety data knows: BOOLEAN and the unsigned ones of up to 24 bits and of 32.
-bool isSafetyDataType(quint32 type)
-{
-    return type == CAN::Boolean || type == CAN::Unsigned8 || type == CAN::Unsigned16 || type == CAN::Unsigned24 ||
-           type == CAN::Unsigned32 || (type >= CAN::Unsigned2 && type <= CAN::Unsigned23);
-}
-
 bool isOnForLine(ModelChecker &checker, const QString &j1939Setting)
 {
     return isOn(checker.store().getJ1939Setting(j1939Setting, checker.line().number()));

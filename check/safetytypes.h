@@ -1,5 +1,7 @@
 #pragma once
 
+#include "nodedict/canopendatatype.h"
+
 #include <QtGlobal>
 
 #include <algorithm>
@@ -29,4 +31,11 @@ inline const SafetyType *safetyType(quint8 type)
 {
     const auto *row = std::ranges::find(safetyTypes, type, &SafetyType::type);
     return row == std::end(safetyTypes) ? nullptr : row;
+}
+
+/// The types of signals that safety data are packed from: BOOLEAN and the unsigned ones of up to 24 bits and of 32.
+inline bool isSafetyDataType(quint32 type)
+{
+    return type == CAN::Boolean || type == CAN::Unsigned8 || type == CAN::Unsigned16 || type == CAN::Unsigned24 ||
+           type == CAN::Unsigned32 || (type >= CAN::Unsigned2 && type <= CAN::Unsigned23);
 }

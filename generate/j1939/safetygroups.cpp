@@ -8,8 +8,12 @@
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 
+#include <QHash>
+#include <QRegularExpression>
+
 #include <algorithm>
 #include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -36,14 +40,35 @@ TypeWord typeWord(quint8 type)
     return row == typeWords.end() ? typeWords.front() : *row;
 }
 
-/// The width of the types that safety data may have, numbers without sign; 0 for all others.
-quint32 safetyBits(quint32 dataType)
-{
-    const COHelper::Limits limits = COHelper::getDefaultLimits(dataType);
-    return limits.low == "0"_L1 ? COHelper::getDataLengthBits(dataType) : 0;
-}
+/// Names that mean something else where the statements with the variables stand: the parameters and results of the
+/// functions around them (docs/templates.md).
+constexpr std::array namesOfModule{"pData"_L1,   "pBuffer"_L1, "sdgNr"_L1, "canLine"_L1,
+                                   "addrIdx"_L1, "retVal"_L1,  "pgLen"_L1};
 
-SafetyGroups::Group groupOf(const LineMessage &message, bool canFd)
+/// The variables of the application that safety data stand in, by name. One that is told again is the same variable
+/// only if it has the same form.
+class KnownVariables
+{
+public:
+    /// False for a signal whose variable would be something else than the signal takes it for.
+    bool take(const QString &variable, const QString &cType, bool perSender)
+    {
+        static const QRegularExpression name(u"[A-Za-z_][A-Za-z0-9_]*"_s);
+        const QString root = name.match(variable).captured();
+        if (variable.isEmpty() || std::ranges::find(namesOfModule, root) != namesOfModule.end())
+            return false;
+        const auto known = forms_.constFind(variable);
+        if (known != forms_.constEnd())
+            return *known == std::pair(cType, perSender);
+        forms_.insert(variable, {cType, perSender});
+        return true;
+    }
+
+private:
+    QHash<QString, std::pair<QString, bool>> forms_; ///< type, and whether it exists once for each sender
+};
+
+SafetyGroups::Group groupOf(const LineMessage &message, bool canFd, bool perSender, KnownVariables &known)
 {
     constexpr int dataPageBit = 16;
     constexpr quint32 dataPageMask = 3;
@@ -57,21 +82,25 @@ SafetyGroups::Group groupOf(const LineMessage &message, bool canFd)
                               .profile = word.profile,
                               .frame = {.isClassical = !canFd || (type && type->isSDM)}};
     for (const StoreRecords::SPN &signal : message.items) {
-        const QString variable = LineMessages::variable(signal);
-        group.frame.items.append(
-            {.variable = variable, .bits = safetyBits(signal.datatype), .position = signal.bitposition});
-        if (!variable.isEmpty())
-            group.variables.append({.name = variable, .cType = SignalType::cType(signal.datatype)});
+        QString variable = LineMessages::variable(signal);
+        const QString cType = SignalType::cType(signal.datatype);
+        if (known.take(variable, cType, perSender))
+            group.variables.append({.name = variable, .cType = cType});
+        else
+            variable.clear();
+        const quint32 bits = isSafetyDataType(signal.datatype) ? COHelper::getDataLengthBits(signal.datatype) : 0;
+        group.frame.items.append({.variable = variable, .bits = bits, .position = signal.bitposition});
     }
     return group;
 }
 
-QList<SafetyGroups::Group> groupsOf(ObjectDataBase &store, quint8 line, quint8 direction, bool canFd)
+QList<SafetyGroups::Group> groupsOf(ObjectDataBase &store, quint8 line, quint8 direction, bool canFd, bool perSender,
+                                    KnownVariables &known)
 {
     QList<SafetyGroups::Group> groups;
     for (const LineMessage &message :
          LineMessages::parameterGroups(store, line, direction, LineMessages::Groups::Safety))
-        groups.append(groupOf(message, canFd));
+        groups.append(groupOf(message, canFd, perSender, known));
     return groups;
 }
 
@@ -89,12 +118,13 @@ SafetyGroups SafetyGroups::collect(ObjectDataBase &store, const Dialect &dialect
     SafetyGroups result{.multiLine = multiLine,
                         .sendersApart = keepsSendersApart(store, dialect),
                         .loopCounter = number(store.getJ1939Setting(u"sdm_loop_counter"_s))};
+    KnownVariables known;
     for (const quint8 line : LineSettings::stackLines(store)) {
         Line groups{.number = line};
         if (RunContext::protocolsOf(store, line).j1939) {
             store.cacheSPNs(line);
-            groups.received = groupsOf(store, line, ObjectDataBase::receive, canFd);
-            groups.transmitted = groupsOf(store, line, ObjectDataBase::transmit, canFd);
+            groups.received = groupsOf(store, line, ObjectDataBase::receive, canFd, result.sendersApart, known);
+            groups.transmitted = groupsOf(store, line, ObjectDataBase::transmit, canFd, false, known);
             store.clearSPNCache();
         }
         result.lines.append(groups);

@@ -93,46 +93,45 @@ private:
 
 void Packer::clear(const Part &part)
 {
-    out_(u"\t\t${BUFFER}[${BYTE}] = 0x00u;", {{"BUFFER", buffer_}, {"BYTE", dec(part.byte)}});
+    out_(u"${BUFFER}[${BYTE}] = 0x00u;", {{"BUFFER", buffer_}, {"BYTE", dec(part.byte)}});
 }
 
 void Packer::packInByte(const SafetySignal &signal, const Part &part)
 {
     if (part.fillsByte()) {
-        out_(u"\t\t${BUFFER}[${BYTE}] = ${VALUE};",
+        out_(u"${BUFFER}[${BYTE}] = ${VALUE};",
              {{"BUFFER", buffer_}, {"BYTE", dec(part.byte)}, {"VALUE", signal.variable}});
         return;
     }
     if (part.offset == 0) {
         clear(part);
-        out_(u"\t\t${BUFFER}[${BYTE}] |= (UNSIGNED8)(${VALUE} & 0x${MASK}u);", {{"BUFFER", buffer_},
-                                                                                {"BYTE", dec(part.byte)},
-                                                                                {"VALUE", signal.variable},
-                                                                                {"MASK", hex(mask(part.bits))}});
+        out_(u"${BUFFER}[${BYTE}] |= (UNSIGNED8)(${VALUE} & 0x${MASK}u);", {{"BUFFER", buffer_},
+                                                                            {"BYTE", dec(part.byte)},
+                                                                            {"VALUE", signal.variable},
+                                                                            {"MASK", hex(mask(part.bits))}});
         return;
     }
-    out_(u"\t\t${BUFFER}[${BYTE}] |= (UNSIGNED8)((${VALUE} & 0x${MASK}u) << ${SHIFT}u);",
-         {{"BUFFER", buffer_},
-          {"BYTE", dec(part.byte)},
-          {"VALUE", signal.variable},
-          {"MASK", hex(mask(part.bits))},
-          {"SHIFT", dec(part.offset)}});
+    out_(u"${BUFFER}[${BYTE}] |= (UNSIGNED8)((${VALUE} & 0x${MASK}u) << ${SHIFT}u);", {{"BUFFER", buffer_},
+                                                                                       {"BYTE", dec(part.byte)},
+                                                                                       {"VALUE", signal.variable},
+                                                                                       {"MASK", hex(mask(part.bits))},
+                                                                                       {"SHIFT", dec(part.offset)}});
 }
 
 void Packer::packAcrossBytes(const SafetySignal &signal, const QList<Part> &parts)
 {
     for (const Part &part : parts) {
         if (part.offset == 0 && part.first == 0) {
-            out_(u"\t\t${BUFFER}[${BYTE}] = (UNSIGNED8)(${VALUE} & 0x${MASK}u);", {{"BUFFER", buffer_},
-                                                                                   {"BYTE", dec(part.byte)},
-                                                                                   {"VALUE", signal.variable},
-                                                                                   {"MASK", hex(mask(part.bits))}});
+            out_(u"${BUFFER}[${BYTE}] = (UNSIGNED8)(${VALUE} & 0x${MASK}u);", {{"BUFFER", buffer_},
+                                                                               {"BYTE", dec(part.byte)},
+                                                                               {"VALUE", signal.variable},
+                                                                               {"MASK", hex(mask(part.bits))}});
             continue;
         }
-        if (part.offset == 0)
+        if (part.offset == 0 && !part.fillsByte())
             clear(part);
         const Shift shift = downwards(part.first, part.offset);
-        out_(u"\t\t${BUFFER}[${BYTE}] |= (UNSIGNED8)((${VALUE} & 0x${MASK}u) ${DIRECTION} ${SHIFT}u);",
+        out_(u"${BUFFER}[${BYTE}] |= (UNSIGNED8)((${VALUE} & 0x${MASK}u) ${DIRECTION} ${SHIFT}u);",
              {{"BUFFER", buffer_},
               {"BYTE", dec(part.byte)},
               {"VALUE", signal.variable},
@@ -160,15 +159,15 @@ void Packer::fillUp(const SafetyMapping::Frame &frame)
     const quint32 freeBits = bytes * bitsPerByte - usedBits(frame);
     if (freeBits > 0)
         out_(uR"(
-            		/* set ${COUNT} unused bits */
-            		${BUFFER}[${BYTE}] |= 0x${MASK};
+            /* set ${COUNT} unused bits */
+            ${BUFFER}[${BYTE}] |= 0x${MASK};
             )",
              {{"COUNT", dec(freeBits)},
               {"BUFFER", buffer_},
               {"BYTE", dec(bytes - 1)},
               {"MASK", hex(mask(freeBits) << (bitsPerByte - freeBits), 2)}});
     for (quint32 byte = bytes; frame.isClassical && byte < classicalBytes; ++byte)
-        out_(u"\t\t${BUFFER}[${BYTE}] = 0xff;", {{"BUFFER", buffer_}, {"BYTE", dec(byte)}});
+        out_(u"${BUFFER}[${BYTE}] = 0xff;", {{"BUFFER", buffer_}, {"BYTE", dec(byte)}});
 }
 
 QString castTo(quint32 bits)
@@ -203,40 +202,40 @@ void Unpacker::unpackFromByte(const QString &target, const Part &part)
 {
     const QString byte = dec(part.byte);
     if (part.fillsByte())
-        out_(u"\t\t${TARGET} = pBuffer[${BYTE}];", {{"TARGET", target}, {"BYTE", byte}});
+        out_(u"${TARGET} = pBuffer[${BYTE}];", {{"TARGET", target}, {"BYTE", byte}});
     else if (fixedForms_)
-        out_(u"\t\t${TARGET} = (UNSIGNED8) ((pBuffer[${BYTE}] >> ${SHIFT}) & 0x${MASK}u);",
+        out_(u"${TARGET} = (UNSIGNED8) ((pBuffer[${BYTE}] >> ${SHIFT}) & 0x${MASK}u);",
              {{"TARGET", target}, {"BYTE", byte}, {"SHIFT", dec(part.offset)}, {"MASK", hex(mask(part.bits), 2)}});
     else if (part.offset == 0)
-        out_(u"\t\t${TARGET} = pBuffer[${BYTE}] & 0x${MASK}u;",
+        out_(u"${TARGET} = pBuffer[${BYTE}] & 0x${MASK}u;",
              {{"TARGET", target}, {"BYTE", byte}, {"MASK", hex(mask(part.bits))}});
     else
-        out_(u"\t\t${TARGET} = (pBuffer[${BYTE}] >> ${SHIFT}) & 0x${MASK}u;",
+        out_(u"${TARGET} = (pBuffer[${BYTE}] >> ${SHIFT}) & 0x${MASK}u;",
              {{"TARGET", target}, {"BYTE", byte}, {"SHIFT", dec(part.offset)}, {"MASK", hex(mask(part.bits))}});
 }
 
 void Unpacker::unpackWholeBytes(const QString &target, quint32 bits, const QList<Part> &parts)
 {
     const QString cast = castTo(bits);
-    out_(u"\t\t${TARGET} = ${CAST}pBuffer[${BYTE}];",
+    out_(u"${TARGET} = ${CAST}pBuffer[${BYTE}];",
          {{"TARGET", target}, {"CAST", cast}, {"BYTE", dec(parts.first().byte)}});
     for (const Part &part : parts.sliced(1))
-        out_(u"\t\t${TARGET} |= ${CAST}(pBuffer[${BYTE}]) << ${SHIFT};",
+        out_(u"${TARGET} |= ${CAST}(pBuffer[${BYTE}]) << ${SHIFT};",
              {{"TARGET", target}, {"CAST", cast}, {"BYTE", dec(part.byte)}, {"SHIFT", dec(part.first)}});
 }
 
 void Unpacker::unpackAcrossBytes(const QString &target, quint32 bits, const QList<Part> &parts)
 {
     const QString cast = castTo(bits);
-    out_(u"\t\t${TARGET} = 0x00u;", {{"TARGET", target}});
+    out_(u"${TARGET} = 0x00u;", {{"TARGET", target}});
     for (const Part &part : parts) {
         if (part.fillsByte() && part.first == 0) {
-            out_(u"\t\t${TARGET} |= (${CAST}pBuffer[${BYTE}]);",
+            out_(u"${TARGET} |= (${CAST}pBuffer[${BYTE}]);",
                  {{"TARGET", target}, {"CAST", cast}, {"BYTE", dec(part.byte)}});
             continue;
         }
         const Shift shift = downwards(part.offset, part.first);
-        out_(u"\t\t${TARGET} |= (${CAST}pBuffer[${BYTE}] ${DIRECTION} ${SHIFT}u) & 0x${MASK}u;",
+        out_(u"${TARGET} |= (${CAST}pBuffer[${BYTE}] ${DIRECTION} ${SHIFT}u) & 0x${MASK}u;",
              {{"TARGET", target},
               {"CAST", cast},
               {"BYTE", dec(part.byte)},

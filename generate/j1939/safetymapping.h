@@ -33,7 +33,8 @@ quint32 length(const Frame &frame);
 
 /// What stands in place of the statements of a layout that is not supported, so that the compiler stops there.
 void writeUnsupported(CodeWriter &out);
-/// Statements that fill the buffer ("pData", or "pBuffer" in the classic form).
+/// Statements that fill the buffer ("pData", or "pBuffer" in the classic form). They take it cleared: a byte that a
+/// signal fills whole behind its first one is or-ed in.
 void writePacking(CodeWriter &out, const Frame &frame, const Dialect &dialect);
 /// Statements that read "pBuffer". `element` stands behind each variable, to choose that of a sender.
 void writeUnpacking(CodeWriter &out, const Frame &frame, const QString &element, const Dialect &dialect);

@@ -6,6 +6,10 @@
 #include <QRegularExpression>
 #include <QSet>
 
+#include <algorithm>
+#include <array>
+#include <span>
+
 using namespace Qt::StringLiterals;
 using Code::dec;
 using Code::hex;
@@ -41,7 +45,7 @@ void writeCounts(CodeWriter &out, const SafetyGroups &groups, const Direction &d
     }
     out(u"const UNSIGNED16\tsdg${TAG}Cnt[${CAN}MULTI_LINE_CNT] = {", {{"TAG", direction.tag}, {"CAN", dialect.line}});
     for (const SafetyGroups::Line &line : groups.lines)
-        out(u"\t${COUNT}${FACTOR},", {{"COUNT", dec(sizeOf(line.*direction.groups))}, {"FACTOR", direction.factor}});
+        out(u"${COUNT}${FACTOR},", {{"COUNT", dec(sizeOf(line.*direction.groups))}, {"FACTOR", direction.factor}});
     out(uR"(
         };
         const UNSIGNED16	sdg${TAG}LineOffs[${CAN}LINE_ARRAY_DECL] = {
@@ -49,21 +53,8 @@ void writeCounts(CodeWriter &out, const SafetyGroups &groups, const Direction &d
         {{"TAG", direction.tag}, {"CAN", dialect.line}});
     quint64 offset = 0;
     for (const SafetyGroups::Line &line : groups.lines) {
-        out(u"\t${OFFSET}${FACTOR},", {{"OFFSET", dec(offset)}, {"FACTOR", direction.factor}});
+        out(u"${OFFSET}${FACTOR},", {{"OFFSET", dec(offset)}, {"FACTOR", direction.factor}});
         offset += sizeOf(line.*direction.groups);
-    }
-    out(u"};");
-}
-
-/// From a line to its table of a kind; lines without groups have none.
-void writeLineTable(CodeWriter &out, const SafetyGroups &groups, const Direction &direction, const QString &type,
-                    const QString &name, const Dialect &dialect)
-{
-    out(u"static ${TYPE} * const sdg${NAME}Lines[${CAN}MULTI_LINE_CNT] = {",
-        {{"TYPE", type}, {"NAME", name}, {"CAN", dialect.line}});
-    for (const SafetyGroups::Line &line : groups.lines) {
-        const bool isEmpty = (line.*direction.groups).isEmpty();
-        out(u"\t${TABLE},", {{"TABLE", isEmpty ? u"NULL"_s : u"sdg%1_l%2"_s.arg(name, dec(line.number))}});
     }
     out(u"};");
 }
@@ -77,7 +68,7 @@ void writeReceived(CodeWriter &out, const SafetyGroups::Line &line, const QStrin
         )",
         {{"LINE", number}, {"COUNT", count}});
     for (const SafetyGroups::Group &group : line.received)
-        out(u"\t{ 0x${PGN}ul, ${CYCLE}ul, ${VALIDATION}ul, ${TYPE}, ${PROFILE} },",
+        out(u"{ 0x${PGN}ul, ${CYCLE}ul, ${VALIDATION}ul, ${TYPE}, ${PROFILE} },",
             {{"PGN", hex(group.pgn)},
              {"CYCLE", dec(group.cycleMs)},
              {"VALIDATION", dec(group.validationMs)},
@@ -95,7 +86,7 @@ void writeTransmitted(CodeWriter &out, const SafetyGroups::Line &line, const QSt
         )",
         {{"LINE", number}, {"COUNT", count}});
     for (const SafetyGroups::Group &group : line.transmitted)
-        out(u"\t{ 0x${PGN}ul, ${CYCLE}ul, ${TYPE}},",
+        out(u"{ 0x${PGN}ul, ${CYCLE}ul, ${TYPE}},",
             {{"PGN", hex(group.pgn)}, {"CYCLE", dec(group.cycleMs)}, {"TYPE", group.type}});
     out(u"};");
 }
@@ -133,79 +124,68 @@ QString lineParameter(const SafetyGroups &groups)
     return groups.multiLine ? u"UNSIGNED8 canLine, "_s : QString();
 }
 
-/// The table of a kind, as the functions reach it.
-QString table(const SafetyGroups &groups, const QString &name)
+/// A function that looks something up in the tables of a line.
+struct Lookup
 {
-    return groups.multiLine ? u"sdg%1Lines[canLine]"_s.arg(name) : u"sdg%1_l0"_s.arg(name);
-}
+    QLatin1StringView head;      ///< what it returns, and its name
+    QLatin1StringView parameter; ///< behind that of the line
+    QLatin1StringView tag;       ///< of the count, %1 of the body
+    QLatin1StringView table;     ///< %2 of the body, without the line
+    QLatin1StringView body;
+    QLatin1StringView none; ///< what it returns for a line without groups
+};
 
-QString count(const SafetyGroups &groups, const QString &tag)
-{
-    return groups.multiLine ? u"sdg%1Cnt[canLine]"_s.arg(tag) : u"sdg%1Cnt"_s.arg(tag);
-}
+constexpr std::array transmitLookups{
+    Lookup{"UNSIGNED32 genSdgGetTxPgn"_L1, "UNSIGNED16 sdgNr"_L1, "Tr"_L1, "TrCfg"_L1,
+           "\treturn (sdgNr < %1) ? %2[sdgNr].pgn : 0ul;"_L1, "0ul"_L1},
+    Lookup{"UNSIGNED32 genSdgGetTxSct"_L1, "UNSIGNED16 sdgNr"_L1, "Tr"_L1, "TrCfg"_L1,
+           "\treturn (sdgNr < %1) ? %2[sdgNr].cycleTime : 0ul;"_L1, "0ul"_L1},
+};
 
-void writeTransmitFunctions(CodeWriter &out, const SafetyGroups &groups)
-{
-    out(uR"(
-        #ifdef J1939_SDG_TRANS_CNT
-        UNSIGNED32 genSdgGetTxPgn(${LINE}UNSIGNED16 sdgNr)
-        {
-        	return (sdgNr < ${COUNT}) ? ${CONFIG}[sdgNr].pgn : 0ul;
-        }
+constexpr std::array receiveLookups{
+    Lookup{"UNSIGNED32 genSdgGetRxPgn"_L1, "UNSIGNED16 sdgNr"_L1, "Rec"_L1, "RecCfg"_L1,
+           "\treturn (sdgNr < (%1 / J1939_SDG_REC_ADDR_CNT)) ? %2[sdgNr].pgn : 0ul;"_L1, "0ul"_L1},
+    Lookup{"UNSIGNED16 getRecSdgIdx"_L1, "UNSIGNED32 pgn"_L1, "Rec"_L1, "RecCfg"_L1,
+           "UNSIGNED16 sdgNr = 0u;\n\n"
+           "\twhile ((sdgNr < (%1 / J1939_SDG_REC_ADDR_CNT)) && (%2[sdgNr].pgn != pgn)) {\n"
+           "\t\tsdgNr++;\n\t}\n\treturn (sdgNr);"_L1,
+           "0u"_L1},
+    Lookup{"SDG_REC_T *getRecSdg"_L1, "UNSIGNED16 recIdx"_L1, "Rec"_L1, "Rec"_L1,
+           "\treturn (recIdx < %1) ? &%2[recIdx] : NULL;"_L1, "NULL"_L1},
+    Lookup{"const SDG_REC_CONFIG_T *getRecSdgConfig"_L1, "UNSIGNED16 sdgNr"_L1, "Rec"_L1, "RecCfg"_L1,
+           "\treturn (sdgNr < (%1 / J1939_SDG_REC_ADDR_CNT)) ? &%2[sdgNr] : NULL;"_L1, "NULL"_L1},
+};
 
-        UNSIGNED32 genSdgGetTxSct(${LINE}UNSIGNED16 sdgNr)
-        {
-        	return (sdgNr < ${COUNT}) ? ${CONFIG}[sdgNr].cycleTime : 0ul;
-        }
-
-        SDG_TR_T *getTrSdg(${LINE}UNSIGNED16 sdgNr)
-        {
-        	return (sdgNr < ${COUNT}) ? &${RECORDS}[sdgNr] : NULL;
-        }
-        #endif /* J1939_SDG_TRANS_CNT */
-
-        )",
-        {{"LINE", lineParameter(groups)},
-         {"COUNT", count(groups, u"Tr"_s)},
-         {"CONFIG", table(groups, u"TrCfg"_s)},
-         {"RECORDS", table(groups, u"Tr"_s)}});
-}
-
-void writeReceiveFunctions(CodeWriter &out, const SafetyGroups &groups)
+void writeLookup(CodeWriter &out, const SafetyGroups &groups, GroupsOfLine direction, const Lookup &lookup)
 {
     out(uR"(
-        #ifdef J1939_SDG_REC_CNT
-        UNSIGNED32 genSdgGetRxPgn(${LINE}UNSIGNED16 sdgNr)
+        ${HEAD}(${LINE}${PARAMETER})
         {
-        	return (sdgNr < (${COUNT} / J1939_SDG_REC_ADDR_CNT)) ? ${CONFIG}[sdgNr].pgn : 0ul;
-        }
-
-        UNSIGNED16 getRecSdgIdx(${LINE}UNSIGNED32 pgn)
-        {
-        UNSIGNED16 sdgNr = 0u;
-
-        	while ((sdgNr < (${COUNT} / J1939_SDG_REC_ADDR_CNT)) && (${CONFIG}[sdgNr].pgn != pgn)) {
-        		sdgNr++;
-        	}
-        	return (sdgNr);
-        }
-
-        SDG_REC_T *getRecSdg(${LINE}UNSIGNED16 recIdx)
-        {
-        	return (recIdx < ${COUNT}) ? &${RECORDS}[recIdx] : NULL;
-        }
-
-        const SDG_REC_CONFIG_T *getRecSdgConfig(${LINE}UNSIGNED16 sdgNr)
-        {
-        	return (sdgNr < (${COUNT} / J1939_SDG_REC_ADDR_CNT)) ? &${CONFIG}[sdgNr] : NULL;
-        }
-        #endif /* J1939_SDG_REC_CNT */
-
         )",
-        {{"LINE", lineParameter(groups)},
-         {"COUNT", count(groups, u"Rec"_s)},
-         {"CONFIG", table(groups, u"RecCfg"_s)},
-         {"RECORDS", table(groups, u"Rec"_s)}});
+        {{"HEAD", lookup.head}, {"LINE", lineParameter(groups)}, {"PARAMETER", lookup.parameter}});
+    for (const SafetyGroups::Line &line : groups.lines) {
+        if ((line.*direction).isEmpty())
+            continue;
+        const QString count = u"sdg%1Cnt"_s.arg(lookup.tag) + (groups.multiLine ? u"[%1]"_s.arg(line.number) : u""_s);
+        const QString table = u"sdg%1_l%2"_s.arg(lookup.table, lineName(groups, line));
+        if (groups.multiLine)
+            out(u"\tif (canLine == ${LINE}u) {", {{"LINE", dec(line.number)}});
+        out(u"${BODY}", {{"BODY", QString(lookup.body).arg(count, table)}});
+        if (groups.multiLine)
+            out(u"\t}");
+    }
+    if (groups.multiLine)
+        out(u"\treturn (${NONE});", {{"NONE", lookup.none}});
+    out(u"}\n");
+}
+
+void writeLookups(CodeWriter &out, const SafetyGroups &groups, GroupsOfLine direction, std::span<const Lookup> lookups,
+                  const QString &guard)
+{
+    out(u"#ifdef ${GUARD}", {{"GUARD", guard}});
+    for (const Lookup &lookup : lookups)
+        writeLookup(out, groups, direction, lookup);
+    out(u"#endif /* ${GUARD} */\n", {{"GUARD", guard}});
 }
 
 } // namespace
@@ -221,10 +201,6 @@ void SafetySections::writeDataDefinitions(CodeWriter &out, const SafetyGroups &g
         if (!line.received.isEmpty())
             writeReceived(out, line, lineName(groups, line));
     }
-    if (groups.multiLine) {
-        writeLineTable(out, groups, received, u"SDG_REC_T"_s, u"Rec"_s, dialect);
-        writeLineTable(out, groups, received, u"const SDG_REC_CONFIG_T"_s, u"RecCfg"_s, dialect);
-    }
     out(uR"(
         #endif /* J1939_SDG_REC_CNT */
         #ifdef J1939_SDG_TRANS_CNT
@@ -233,10 +209,6 @@ void SafetySections::writeDataDefinitions(CodeWriter &out, const SafetyGroups &g
     for (const SafetyGroups::Line &line : groups.lines) {
         if (!line.transmitted.isEmpty())
             writeTransmitted(out, line, lineName(groups, line));
-    }
-    if (groups.multiLine) {
-        writeLineTable(out, groups, transmitted, u"SDG_TR_T"_s, u"Tr"_s, dialect);
-        writeLineTable(out, groups, transmitted, u"SDG_TR_CONFIG_T"_s, u"TrCfg"_s, dialect);
     }
     out(u"#endif /* J1939_SDG_TRANS_CNT */");
 }
@@ -258,14 +230,14 @@ void SafetySections::writeTransmitMapping(CodeWriter &out, const SafetyGroups &g
         for (const SafetyGroups::Group &group : line.transmitted) {
             const QString number = dec(static_cast<quint64>(&group - line.transmitted.constData()));
             if (groups.multiLine)
-                out(u"\tif ((sdgNr == ${NUMBER}u) && (canLine == ${LINE}u)) {",
+                out(u"if ((sdgNr == ${NUMBER}u) && (canLine == ${LINE}u)) {",
                     {{"NUMBER", number}, {"LINE", dec(line.number)}});
             else
-                out(u"\tif (sdgNr == ${NUMBER}u) {", {{"NUMBER", number}});
+                out(u"if (sdgNr == ${NUMBER}u) {", {{"NUMBER", number}});
             SafetyMapping::writePacking(out, group.frame, dialect);
             out(uR"(
-                		pgLen = ${LENGTH};
-                	}
+                pgLen = ${LENGTH};
+                }
 
                 )",
                 {{"LENGTH", dec(SafetyMapping::length(group.frame))}});
@@ -280,27 +252,53 @@ void SafetySections::writeReceiveMapping(CodeWriter &out, const SafetyGroups &gr
         if (line.received.isEmpty())
             continue;
         if (groups.multiLine)
-            out(u"\tif (canLine == ${LINE}u) {", {{"LINE", dec(line.number)}});
+            out(u"if (canLine == ${LINE}u) {", {{"LINE", dec(line.number)}});
         for (const SafetyGroups::Group &group : line.received) {
             const QString number = dec(static_cast<quint64>(&group - line.received.constData()));
-            out(u"\tif (sdgNr == ${NUMBER}) {", {{"NUMBER", number}});
+            out(u"if (sdgNr == ${NUMBER}) {", {{"NUMBER", number}});
             SafetyMapping::writeUnpacking(out, group.frame, element, dialect);
             out(uR"(
-                		retVal = RET_OK;
-                	}
+                retVal = RET_OK;
+                }
                 )");
         }
         if (groups.multiLine)
-            out(u"\t}");
+            out(u"}");
     }
 }
+
+namespace {
+
+/// The statements of the mapping take the data cleared.
+void writeClearing(CodeWriter &out, const SafetyGroups &groups, const Dialect &dialect)
+{
+    quint32 length = 0;
+    for (const SafetyGroups::Line &line : groups.lines) {
+        for (const SafetyGroups::Group &group : line.transmitted)
+            length = std::max(length, SafetyMapping::length(group.frame));
+    }
+    if (length == 0)
+        return;
+    out(uR"(
+        	{
+        	UNSIGNED8 i;
+
+        		for (i = 0u; i < ${LENGTH}u; i++) {
+        			${BUFFER}[i] = 0x00u;
+        		}
+        	}
+        )",
+        {{"LENGTH", dec(length)}, {"BUFFER", dialect.safetyBuffer}});
+}
+
+} // namespace
 
 void SafetySections::writeFunctions(CodeWriter &out, const SafetyGroups &groups, const Dialect &dialect)
 {
     if (groups.transmittedCount() > 0)
-        writeTransmitFunctions(out, groups);
+        writeLookups(out, groups, &SafetyGroups::Line::transmitted, transmitLookups, u"J1939_SDG_TRANS_CNT"_s);
     if (groups.receivedCount() > 0)
-        writeReceiveFunctions(out, groups);
+        writeLookups(out, groups, &SafetyGroups::Line::received, receiveLookups, u"J1939_SDG_REC_CNT"_s);
     out(uR"(
         UNSIGNED8 genSdgTransmitMapping(${LINE}UNSIGNED16 sdgNr, UNSIGNED8 *${BUFFER})
         {
@@ -312,6 +310,7 @@ void SafetySections::writeFunctions(CodeWriter &out, const SafetyGroups &groups,
         {{"LINE", lineParameter(groups)}, {"BUFFER", dialect.safetyBuffer}});
     if (groups.multiLine)
         out(u"\t(void)canLine;");
+    writeClearing(out, groups, dialect);
     writeTransmitMapping(out, groups, dialect);
     out(uR"(
         	return (pgLen);

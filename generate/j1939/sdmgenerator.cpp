@@ -6,7 +6,6 @@
 #include "generate/stack/linesettings.h"
 #include "generate/stack/sourceopening.h"
 #include "store/objectdatabase.h"
-#include "texttools/clock.h"
 
 #include <QTextStream>
 
@@ -76,8 +75,7 @@ void SDMGenerator::write(QTextStream &stream)
     const Dialect &dialect = Dialect::of(form_);
     const bool multiLine = isMultiLine() || generatesMultiLine();
     const SafetyGroups groups = SafetyGroups::collect(*database(), dialect, multiLine);
-    const QString information =
-        u"%1\n * %2\n"_s.arg(sourceTitle(SourceFile::GenSdg, form_, baseName()), TextTools::currentDateText());
+    const QString information = sourceTitle(SourceFile::GenSdg, form_, baseName()) + u'\n';
     const SourceOpening opening = SourceOpening::of(*database(), outputFolder());
     const TemplateValues values = valuesOf(groups, information, includes(opening, dialect), dialect);
 

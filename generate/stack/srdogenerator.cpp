@@ -25,7 +25,6 @@ constexpr std::array placeholders{
     Placeholder{"SRDO_INIT_CONFIG_VALID"_L1, SrdoSections::writeConfigurationValid},
     Placeholder{"SRDO_INIT_NMT_STATE"_L1, SrdoSections::writeNmtState},
     Placeholder{"SRDO_INIT_CONFIG_READY"_L1, SrdoSections::writeConfigurationReady},
-    Placeholder{"SRDO_INIT_SRDO_TIMER"_L1, SrdoSections::writeTimer},
     Placeholder{"SRDO_DATA_DEFINITION"_L1, SrdoSections::writeDataDefinitions},
     Placeholder{"SRDO_GET_DATA_PTR"_L1, SrdoSections::writeDataPointers},
     Placeholder{"SRDO_SET_DEFAULT_VALUE"_L1, SrdoSections::writeDefaults},
@@ -86,6 +85,7 @@ void SrdoGenerator::write(QTextStream &stream)
     TemplateValues values;
     for (const Placeholder &placeholder : placeholders)
         values.insert(placeholder.name, CodeWriter::textOf([&](CodeWriter &out) { placeholder.write(out, tables); }));
+    values.insert(u"SRDO_INIT_SRDO_TIMER"_s, SrdoSections::timer(tables));
     const SourceOpening opening = SourceOpening::of(*database(), outputFolder());
     values.insert(u"SRDO_INCLUDES"_s, CodeWriter::textOf([&](CodeWriter &out) { writeIncludes(out, opening); }));
     values.insert(u"SRDO_NJX_INFORMATION"_s, CodeWriter::textOf([&](CodeWriter &out) {

@@ -18,14 +18,16 @@ using Srdo = SrdoTables::Srdo;
 constexpr quint32 bitsPerByte = 8;
 
 /// A variable of the module: one value, or one for each line.
+QString state(const SrdoTables &tables, const QString &declaration, const QString &value)
+{
+    return tables.multiLine ? u"%1[CO_LINE_ARRAY_DECL] = { %2 };"_s.arg(
+                                  declaration, QStringList(tables.lineCount, value).join(", "_L1))
+                            : u"%1 = %2;"_s.arg(declaration, value);
+}
+
 void writeState(CodeWriter &out, const SrdoTables &tables, const QString &declaration, const QString &value)
 {
-    if (!tables.multiLine) {
-        out(u"${DECLARATION} = ${VALUE};", {{"DECLARATION", declaration}, {"VALUE", value}});
-        return;
-    }
-    out(u"${DECLARATION}[CO_LINE_ARRAY_DECL] = { ${VALUES} };",
-        {{"DECLARATION", declaration}, {"VALUES", QStringList(tables.lineCount, value).join(", "_L1)}});
+    out(u"${STATE}", {{"STATE", state(tables, declaration, value)}});
 }
 
 void writeSwitch(CodeWriter &out, const QList<Srdo> &srdos, const QString &indent)
@@ -75,7 +77,7 @@ QString rawType(const SrdoTables::TypeKind &kind)
     return u"UNSIGNED%1"_s.arg(kind.bytes * bitsPerByte);
 }
 
-void writeReceived(CodeWriter &out, const Mapped &mapped, quint32 firstByte)
+void writeReceived(CodeWriter &out, const SrdoTables &tables, const Mapped &mapped, quint32 firstByte)
 {
     QStringList bytes;
     for (quint32 i = 0; i < mapped.bytes; ++i)
@@ -83,22 +85,23 @@ void writeReceived(CodeWriter &out, const Mapped &mapped, quint32 firstByte)
     const QString value = bytes.join(" | "_L1);
     if (mapped.kind.tag == "R32"_L1)
         out(uR"(
-            		raw = ${VALUE};
-            		memcpy(&${SHADOW}, &raw, sizeof raw);
+            		${RAW} = ${VALUE};
+            		memcpy(&${SHADOW}, &${RAW}, sizeof ${RAW});
             )",
-            {{"VALUE", value}, {"SHADOW", mapped.shadow}});
+            {{"RAW", tables.scratch}, {"VALUE", value}, {"SHADOW", mapped.shadow}});
     else
         out(u"\t\t${SHADOW} = (${TYPE})(${VALUE});",
             {{"SHADOW", mapped.shadow}, {"TYPE", mapped.kind.cType}, {"VALUE", value}});
 }
 
-void writeTransmitted(CodeWriter &out, const QString &buffer, const Mapped &mapped, quint32 firstByte)
+void writeTransmitted(CodeWriter &out, const SrdoTables &tables, const QString &buffer, const Mapped &mapped,
+                      quint32 firstByte)
 {
     const bool isReal = mapped.kind.tag == "R32"_L1;
     out(u"\t\t${SHADOW} = ${VARIABLE};", {{"SHADOW", mapped.shadow}, {"VARIABLE", mapped.variable}});
     if (isReal)
-        out(u"\t\tmemcpy(&raw, &${SHADOW}, sizeof raw);", {{"SHADOW", mapped.shadow}});
-    const QString value = isReal ? u"raw"_s : mapped.shadow;
+        out(u"\t\tmemcpy(&${RAW}, &${SHADOW}, sizeof ${RAW});", {{"RAW", tables.scratch}, {"SHADOW", mapped.shadow}});
+    const QString value = isReal ? tables.scratch : mapped.shadow;
     out(u"\t\t${BUFFER}[${BYTE}] = (UNSIGNED8)(${VALUE} & 0xffu);",
         {{"BUFFER", buffer}, {"BYTE", dec(firstByte)}, {"VALUE", value}});
     for (quint32 i = 1; i < mapped.bytes; ++i)
@@ -136,13 +139,18 @@ bool hasReal(const QList<Mapped> &objects)
                                [](const Mapped &mapped) { return mapped.isSupported && mapped.kind.tag == "R32"_L1; });
 }
 
-void writeReceivedObjects(CodeWriter &out, const QList<Mapped> &objects)
+void writeScratch(CodeWriter &out, const SrdoTables &tables)
+{
+    out(u"\t\tUNSIGNED32 ${RAW};\n", {{"RAW", tables.scratch}});
+}
+
+void writeReceivedObjects(CodeWriter &out, const SrdoTables &tables, const QList<Mapped> &objects)
 {
     if (hasReal(objects))
-        out(u"\t\tUNSIGNED32 raw;\n");
-    eachMapped(out, objects, [&out](const Mapped &mapped, quint32 byte) {
+        writeScratch(out, tables);
+    eachMapped(out, objects, [&](const Mapped &mapped, quint32 byte) {
         if (!mapped.isDummy)
-            writeReceived(out, mapped, byte);
+            writeReceived(out, tables, mapped, byte);
     });
 }
 
@@ -171,9 +179,9 @@ void SrdoSections::writeConfigurationReady(CodeWriter &out, const SrdoTables &ta
     writeState(out, tables, u"static UNSIGNED8\tsrdoConfigReady"_s, u"0u"_s);
 }
 
-void SrdoSections::writeTimer(CodeWriter &out, const SrdoTables &tables)
+QString SrdoSections::timer(const SrdoTables &tables)
 {
-    writeState(out, tables, u"static CO_SRDO_TIMER_T  *pSrdoTimer"_s, u"NULL"_s);
+    return state(tables, u"static CO_SRDO_TIMER_T  *pSrdoTimer"_s, u"NULL"_s);
 }
 
 void SrdoSections::writeDataDefinitions(CodeWriter &out, const SrdoTables &tables)
@@ -279,7 +287,7 @@ void SrdoSections::writeReceiveNormal(CodeWriter &out, const SrdoTables &tables)
         if (!srdo.isReceive)
             continue;
         writeCondition(out, tables, srdo);
-        writeReceivedObjects(out, srdo.normal);
+        writeReceivedObjects(out, tables, srdo.normal);
         out(u"\t}");
     }
 }
@@ -290,7 +298,7 @@ void SrdoSections::writeReceiveInverted(CodeWriter &out, const SrdoTables &table
         if (!srdo.isReceive)
             continue;
         writeCondition(out, tables, srdo);
-        writeReceivedObjects(out, srdo.inverted);
+        writeReceivedObjects(out, tables, srdo.inverted);
         writeTaken(out, srdo.normal);
         writeTaken(out, srdo.inverted);
         out(u"\t}");
@@ -304,13 +312,13 @@ void SrdoSections::writeTransmit(CodeWriter &out, const SrdoTables &tables)
             continue;
         writeCondition(out, tables, srdo);
         if (hasReal(srdo.normal) || hasReal(srdo.inverted))
-            out(u"\t\tUNSIGNED32 raw;\n");
-        const auto copyTo = [&out](const QString &buffer) {
-            return [&out, buffer](const Mapped &mapped, quint32 byte) {
+            writeScratch(out, tables);
+        const auto copyTo = [&](const QString &buffer) {
+            return [&out, &tables, buffer](const Mapped &mapped, quint32 byte) {
                 if (mapped.isDummy)
                     writeGap(out, buffer, mapped, byte);
                 else
-                    writeTransmitted(out, buffer, mapped, byte);
+                    writeTransmitted(out, tables, buffer, mapped, byte);
             };
         };
         eachMapped(out, srdo.normal, copyTo(u"pNormal"_s));

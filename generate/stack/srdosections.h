@@ -11,7 +11,8 @@ namespace SrdoSections {
 void writeConfigurationValid(CodeWriter &out, const SrdoTables &tables);
 void writeNmtState(CodeWriter &out, const SrdoTables &tables);
 void writeConfigurationReady(CodeWriter &out, const SrdoTables &tables);
-void writeTimer(CodeWriter &out, const SrdoTables &tables);
+/// Without a line break behind it, unlike the others.
+QString timer(const SrdoTables &tables);
 
 void writeDataDefinitions(CodeWriter &out, const SrdoTables &tables);
 /// The mapped variables and their copies.

@@ -8,6 +8,7 @@
 #include "store/objectdatabase.h"
 #include "texttools/helper.h"
 
+#include <QHash>
 #include <QRegularExpression>
 #include <QSet>
 
@@ -27,6 +28,8 @@ constexpr quint16 mappingOffset = 0x80;
 /// What stands in a mapping below this is a data type: a gap of its width.
 constexpr quint16 firstObject = 0x1000;
 constexpr quint32 bitsPerByte = 8;
+/// The statements split values of up to four bytes.
+constexpr quint32 maxMappedBits = 32;
 constexpr auto nodeIdMark = "$NODEID"_L1;
 
 const QList<SrdoTables::TypeKind> &kinds()
@@ -66,10 +69,46 @@ std::optional<SrdoTables::TypeKind> kindOf(quint16 dataType)
     return *std::ranges::find(kinds(), tag->tag, &SrdoTables::TypeKind::tag);
 }
 
+/// Names that mean something else where the statements with the variables stand: the parameters of the functions
+/// around them, and the module's state (docs/templates.md).
+constexpr std::array namesOfModule{"pData"_L1,        "pNormal"_L1,    "pInvers"_L1,
+                                   "srdoNr"_L1,       "canLine"_L1,    "configurationValid"_L1,
+                                   "srdoNmtState"_L1, "pSrdoTimer"_L1, "srdoConfigReady"_L1};
+
+const QRegularExpression &identifier()
+{
+    static const QRegularExpression pattern(u"[A-Za-z_][A-Za-z0-9_]*"_s);
+    return pattern;
+}
+
+/// The identifiers in the variables that the project names: whatever the module adds has to be called otherwise.
+QSet<QString> namesOfProject(ObjectDataBase &store)
+{
+    QSet<QString> names;
+    const auto add = [&names](const QString &variable) {
+        for (auto it = identifier().globalMatch(variable); it.hasNext();)
+            names.insert(it.next().captured());
+    };
+    for (const quint8 line : LineSettings::stackLines(store)) {
+        for (const auto &entry : store.getAllSubIndices(line))
+            add(Helper::substituteVariables(entry.data.varname, entry.index, entry.subindex, line));
+        for (const auto &signal : store.getAllSPNs(line))
+            add(signal.varname);
+        for (const auto &element : store.getAllDataElements(line))
+            add(element.varname);
+    }
+    return names;
+}
+
 bool isPlainName(const QString &name)
 {
     static const QRegularExpression plain(u"^[A-Za-z_][A-Za-z0-9_]*$"_s);
     return plain.match(name).hasMatch();
+}
+
+quint32 keyOf(const SrdoTables::Mapped &mapped)
+{
+    return quint32{mapped.line} << 24 | quint32{mapped.index} << 8 | mapped.subindex;
 }
 
 class Collector
@@ -78,7 +117,10 @@ public:
     Collector(ObjectDataBase &store, SrdoTables &tables)
         : store_(store)
         , tables_(tables)
+        , projectNames_(namesOfProject(store))
     {
+        while (!isFree(tables_.scratch))
+            tables_.scratch += u'_';
     }
 
     /// The objects of a line whose data belong to the module, whether or not an SRDO exchanges them.
@@ -94,21 +136,23 @@ private:
     QString number(quint16 index, quint8 subindex, int digits, const char *suffix) const;
     QString cobId(const SrdoTables::Srdo &srdo, quint8 subindex, const QString &predefined) const;
     SrdoTables::Mapped mappedOf(quint32 entry, bool exchanged);
-    void nameVariable(SrdoTables::Mapped &mapped, const ObjectDataBase::SUBINDEX_DATA_T &sub, bool exchanged);
-    void declare(QList<SrdoTables::Variable> &variables, const QString &name, const SrdoTables::Mapped &mapped,
-                 bool isStatic);
+    void nameVariable(SrdoTables::Mapped &mapped, const ObjectDataBase::SUBINDEX_DATA_T &sub);
+    void nameShadow(SrdoTables::Mapped &mapped);
+    bool isFree(const QString &name) const { return !projectNames_.contains(name); }
+    bool canBe(const QString &variable, const SrdoTables::Mapped &mapped) const;
+    void declare(const SrdoTables::Mapped &mapped);
+    SrdoTables::Variable variable(const QString &name, const SrdoTables::Mapped &mapped, bool isStatic) const;
+    QString placeOf(const SrdoTables::Mapped &mapped) const;
 
     ObjectDataBase &store_;
     SrdoTables &tables_;
+    QSet<QString> projectNames_;
     quint8 line_ = 0;
-    QSet<QString> declared_;
+    QHash<QString, SrdoTables::Variable> declared_;
+    QHash<QString, QString> shadows_; ///< by what they are copies of
+    QSet<QString> shadowNames_;
     QSet<quint32> static_; ///< line, index and subindex
 };
-
-quint32 keyOf(const SrdoTables::Mapped &mapped)
-{
-    return quint32{mapped.line} << 24 | quint32{mapped.index} << 8 | mapped.subindex;
-}
 
 QList<quint32> Collector::mappingOf(quint16 index) const
 {
@@ -139,43 +183,79 @@ QString Collector::cobId(const SrdoTables::Srdo &srdo, quint8 subindex, const QS
     return ofNode ? value + u" + ownNodeId"_s : value;
 }
 
-void Collector::declare(QList<SrdoTables::Variable> &variables, const QString &name, const SrdoTables::Mapped &mapped,
-                        bool isStatic)
+QString Collector::placeOf(const SrdoTables::Mapped &mapped) const
 {
-    if (declared_.contains(name))
-        return;
-    declared_.insert(name);
-    const QString place = u"0x%1:%2"_s.arg(hex(mapped.index, 4), hex(mapped.subindex, 2));
-    variables.append({.name = name,
-                      .cType = mapped.kind.cType,
-                      .comment = tables_.multiLine ? u"%1 line %2"_s.arg(place).arg(mapped.line) : place,
-                      .isStatic = isStatic});
+    return u"%1_%2%3"_s.arg(hex(mapped.index, 4), hex(mapped.subindex, 2),
+                            tables_.multiLine ? u"_l%1"_s.arg(mapped.line) : QString());
 }
 
-void Collector::nameVariable(SrdoTables::Mapped &mapped, const ObjectDataBase::SUBINDEX_DATA_T &sub, bool exchanged)
+SrdoTables::Variable Collector::variable(const QString &name, const SrdoTables::Mapped &mapped, bool isStatic) const
+{
+    const QString place = u"0x%1:%2"_s.arg(hex(mapped.index, 4), hex(mapped.subindex, 2));
+    return {.name = name,
+            .cType = mapped.kind.cType,
+            .comment = tables_.multiLine ? u"%1 line %2"_s.arg(place).arg(mapped.line) : place,
+            .isStatic = isStatic};
+}
+
+/// False for a variable that would be something else: a name of the module, or one that is known with another type or
+/// another owner.
+bool Collector::canBe(const QString &variable, const SrdoTables::Mapped &mapped) const
+{
+    const auto first = identifier().match(variable);
+    if (variable.isEmpty() || std::ranges::find(namesOfModule, first.captured()) != namesOfModule.end())
+        return false;
+    const auto known = declared_.constFind(variable);
+    return known == declared_.constEnd() ||
+           (known->cType == mapped.kind.cType && known->isStatic == static_.contains(keyOf(mapped)));
+}
+
+void Collector::declare(const SrdoTables::Mapped &mapped)
+{
+    if (declared_.contains(mapped.variable))
+        return;
+    const SrdoTables::Variable declared = variable(mapped.variable, mapped, static_.contains(keyOf(mapped)));
+    declared_.insert(mapped.variable, declared);
+    tables_.variables.append(declared);
+}
+
+void Collector::nameVariable(SrdoTables::Mapped &mapped, const ObjectDataBase::SUBINDEX_DATA_T &sub)
 {
     constexpr quint8 applicationVariable = 2;
-    const QString place = u"%1_%2%3"_s.arg(hex(mapped.index, 4), hex(mapped.subindex, 2),
-                                           tables_.multiLine ? u"_l%1"_s.arg(mapped.line) : QString());
     const QString own =
         sub.implementation == applicationVariable
             ? Helper::substituteVariables(sub.varname.trimmed(), mapped.index, mapped.subindex, mapped.line)
             : QString();
-    const bool isStatic = static_.contains(keyOf(mapped));
-    if (isStatic)
-        mapped.variable = isPlainName(own) ? own : u"srdoData_%1"_s.arg(place);
-    else
+    const bool usable = canBe(own, mapped);
+    if (static_.contains(keyOf(mapped)) && !(usable && isPlainName(own))) {
+        mapped.variable = u"srdoData_"_s + placeOf(mapped);
+        while (!isFree(mapped.variable))
+            mapped.variable += u'_';
+    } else if (usable) {
         mapped.variable = own;
-    if (mapped.variable.isEmpty()) {
+    } else {
         mapped.isSupported = false;
         return;
     }
+    if (isPlainName(mapped.variable))
+        declare(mapped);
+}
+
+/// A copy has a name that nothing else has: what is sent would be the other's value.
+void Collector::nameShadow(SrdoTables::Mapped &mapped)
+{
+    const QString place = u"srdoData_"_s + placeOf(mapped);
     const bool plain = isPlainName(mapped.variable);
-    mapped.shadow = plain ? mapped.variable + u"_temp"_s : u"srdoData_%1_temp"_s.arg(place);
-    if (plain)
-        declare(tables_.variables, mapped.variable, mapped, isStatic);
-    if (exchanged)
-        declare(tables_.shadows, mapped.shadow, mapped, true);
+    QString &shadow = shadows_[plain ? mapped.variable : mapped.variable + u' ' + place];
+    if (shadow.isEmpty()) {
+        QString base = plain ? mapped.variable : place;
+        shadow = base + u"_temp"_s;
+        for (base = place; !isFree(shadow) || shadowNames_.contains(shadow); base += u'_')
+            shadow = base + u"_temp"_s;
+        shadowNames_.insert(shadow);
+        tables_.shadows.append(variable(shadow, mapped, true));
+    }
+    mapped.shadow = shadow;
 }
 
 void Collector::collectStatic(quint8 line)
@@ -196,7 +276,7 @@ void Collector::collectStatic(quint8 line)
                 continue;
             static_.insert(keyOf(mapped));
             mapped.kind = *kind;
-            nameVariable(mapped, sub, false);
+            nameVariable(mapped, sub);
             tables_.entries.append(mapped);
         }
     }
@@ -216,12 +296,14 @@ SrdoTables::Mapped Collector::mappedOf(quint32 entry, bool exchanged)
     ObjectDataBase::SUBINDEX_DATA_T sub;
     const bool exists = store_.getSubIndex(line_, mapped.index, mapped.subindex, sub);
     const auto kind = exists ? kindOf(sub.datatype) : std::nullopt;
-    if (!kind || kind->bytes * bitsPerByte != bits) {
+    if (!kind || kind->bytes * bitsPerByte != bits || bits > maxMappedBits) {
         mapped.isSupported = false;
         return mapped;
     }
     mapped.kind = *kind;
-    nameVariable(mapped, sub, exchanged);
+    nameVariable(mapped, sub);
+    if (exchanged && mapped.isSupported)
+        nameShadow(mapped);
     return mapped;
 }
 

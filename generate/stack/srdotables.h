@@ -28,12 +28,13 @@ struct SrdoTables
         quint8 line = 0;
         quint16 index = 0;
         quint8 subindex = 0;
-        quint32 bytes = 0;       ///< in the message
-        TypeKind kind = {};      ///< of a supported object
-        QString variable = {};   ///< C expression
-        QString shadow = {};     ///< name of its copy
-        bool isDummy = false;    ///< a gap in the message, told by a data type in place of an object
-        bool isSupported = true; ///< whole bytes of a type that is known, in a variable that C code can reach
+        quint32 bytes = 0;     ///< in the message
+        TypeKind kind = {};    ///< of a supported object
+        QString variable = {}; ///< C expression
+        QString shadow = {};   ///< name of its copy, which nothing else has
+        bool isDummy = false;  ///< a gap in the message, told by a data type in place of an object
+        bool isSupported =
+            true; ///< one, two or four bytes of a type that is known, in a variable that C code can reach
     };
 
     struct Srdo
@@ -67,6 +68,7 @@ struct SrdoTables
 
     bool multiLine = false;
     qsizetype lineCount = 0;
+    QString scratch = QStringLiteral("raw"); ///< local name for the bits of a REAL32; no variable has it
     QList<Srdo> srdos = {};
     QList<Variable> variables = {};
     QList<Variable> shadows = {};

@@ -28,7 +28,7 @@ SafetyMapping::Frame frameOf(const QList<quint32> &sizes, bool isClassical = tru
 
 QString written(const std::function<void(CodeWriter &)> &write)
 {
-    return CodeWriter::textOf(write).remove(u'\t');
+    return CodeWriter::textOf(write);
 }
 
 QString packed(const SafetyMapping::Frame &frame, const Dialect &dialect = Dialect::v4())
@@ -46,7 +46,6 @@ TEST(SafetyMapping, HasTheFormsThatTheStackKnows)
     EXPECT_EQ(packed(frameOf({4, 12, 8, 7}, false)), u"pData[0] = 0x00u;\n"
                                                      "pData[0] |= (UNSIGNED8)(a & 0xfu);\n"
                                                      "pData[0] |= (UNSIGNED8)((b & 0xfu) << 4u);\n"
-                                                     "pData[1] = 0x00u;\n"
                                                      "pData[1] |= (UNSIGNED8)((b & 0xff0u) >> 4u);\n"
                                                      "\n"
                                                      "pData[2] = c;\n"
@@ -147,7 +146,8 @@ QString roundTrip(int number, const SafetyMapping::Frame &frame, const Dialect &
     };
     return u"static int layout%1(void)\n{\n\tUNSIGNED8 buffer[80], expected[80];\n%2"
            "\tconst int addrIdx = 2;\n\tmemset(expected, 0xff, sizeof expected);\n%3"
-           "\tmemset(buffer, 0x55, sizeof buffer);\n\t{ UNSIGNED8 *%4 = buffer;\n%5\t}\n"
+           "\tmemset(buffer, 0, %6); memset(buffer + %6, 0x55, sizeof buffer - %6);\n\t{ UNSIGNED8 *%4 = "
+           "buffer;\n%5\t}\n"
            "\tif (memcmp(buffer, expected, %6) != 0 || buffer[%6] != 0x55) return 1;\n"
            "\t{ const UNSIGNED8 *pBuffer = buffer;\n%7\t}\n%8\treturn 0;\n}\n"_s.arg(
                QString::number(number), locals.join(QString()), values.join(QString()), dialect.safetyBuffer,
@@ -254,8 +254,10 @@ const QString exchange = uR"(
 int main(void)
 {
 	const UNSIGNED8 received[8] = { 0x55, 0xaa, 0x7e, 0xff, 0xff, 0xff, 0xff, 0xff };
-	UNSIGNED8 sent[8] = { 0 };
+	UNSIGNED8 sent[8];
 	unsigned i, length;
+
+	memset(sent, 0x55, sizeof sent);
 
 	four = 0x5; twelve = 0xabc; long24 = 0x123456; flag = 1;
 	length = genSdgTransmitMapping(LINE 1, sent);
@@ -276,8 +278,9 @@ int main(void)
 
 QString safetyDefines(bool v4, bool multiLine)
 {
-    QString text = u"#define J1939_SUPPORTED 1u\n#define J1939_SDG_SUPPORTED 1u\n#define J1939_SDG_TRANS_CNT 2u\n"
-                   "#define J1939_SDG_REC_CNT 1u\n"_s;
+    QString text =
+        u"#define J1939_SUPPORTED 1u\n#define J1939_SDG_SUPPORTED 1u\n#define J1939_SDG_TRANS_CNT 2u\n"
+        "#define J1939_SDG_REC_CNT 1u\n#define J1939_SDG_TRANS_COUNTS 2u\n#define J1939_SDG_REC_COUNTS 1u\n"_s;
     if (v4)
         text += u"#define CORE_REC_BUFFER_CNT 1u\n#define J1939_SDG_REC_ADDR_CNT 2u\n#define SENDERS 2u\n"
                 "#define VALUE(name) name[1]\n"_s;

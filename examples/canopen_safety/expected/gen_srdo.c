@@ -22,7 +22,6 @@ static UNSIGNED8	srdoConfigReady = 0u;
 
 static CO_SRDO_TIMER_T  *pSrdoTimer = NULL;
 
-
 /* settings and mappings of the SRDOs */
 static CO_SRDO_DATA_T	srdo1;
 static const UNSIGNED32	mapTable1[4] = {
@@ -240,15 +239,12 @@ UNSIGNED8 i;
 	return (RET_OK);
 }
 
-/* This function is called from CANopen stack after refresh time is up. */
-RET_T srdoTransmit(UNSIGNED16 srdoNr, UNSIGNED8 *pNormal, UNSIGNED8 *pInvers, UNSIGNED8 len)
+/* transmit copy; nothing but the parameters has a name here that a variable could have too */
+static void copyTransData(UNSIGNED16 srdoNr, UNSIGNED8 *pNormal, UNSIGNED8 *pInvers)
 {
-CO_SRDO_DATA_T *pSrdo = getSrdoDataPtr((UNSIGNED16)(0x1300u + srdoNr));
-UNSIGNED8 i;
-
-	if ((pSrdo == NULL) || (isExchangeAllowed() != CO_TRUE)) {
-		return (RET_PARAMETER_INVALID);
-	}
+	(void)srdoNr;
+	(void)pNormal;
+	(void)pInvers;
 	if (srdoNr == 1u) {
 		curtain_temp = curtain;
 		pNormal[0] = (UNSIGNED8)(curtain_temp & 0xffu);
@@ -261,7 +257,18 @@ UNSIGNED8 i;
 		pInvers[1] = (UNSIGNED8)(distanceInv_temp & 0xffu);
 		pInvers[2] = (UNSIGNED8)((distanceInv_temp >> 8u) & 0xffu);
 	}
+}
 
+/* This function is called from CANopen stack after refresh time is up. */
+RET_T srdoTransmit(UNSIGNED16 srdoNr, UNSIGNED8 *pNormal, UNSIGNED8 *pInvers, UNSIGNED8 len)
+{
+CO_SRDO_DATA_T *pSrdo = getSrdoDataPtr((UNSIGNED16)(0x1300u + srdoNr));
+UNSIGNED8 i;
+
+	if ((pSrdo == NULL) || (isExchangeAllowed() != CO_TRUE)) {
+		return (RET_PARAMETER_INVALID);
+	}
+	copyTransData(srdoNr, pNormal, pInvers);
 	for (i = 0u; i < len; i++) {
 		/* data not ok, transmission forbidden */
 		if ((pNormal[i] ^ pInvers[i]) != 0xffu) {

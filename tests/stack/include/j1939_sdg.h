@@ -42,6 +42,16 @@ typedef struct
     UNSIGNED32 timer;
 } SDG_TR_T;
 
+/* The count of a line in a list such as J1939_SDG_REC_COUNTS, for conditions; 0 behind its end. */
+#define SDG_LINE_0_OF(a, ...) a
+#define SDG_LINE_1_OF(a, b, ...) b
+#define SDG_LINE_2_OF(a, b, c, ...) c
+#define SDG_LINE_3_OF(a, b, c, d, ...) d
+#define SDG_LINE_COUNT_0(...) SDG_LINE_0_OF(__VA_ARGS__, 0, 0)
+#define SDG_LINE_COUNT_1(...) SDG_LINE_1_OF(__VA_ARGS__, 0, 0)
+#define SDG_LINE_COUNT_2(...) SDG_LINE_2_OF(__VA_ARGS__, 0, 0, 0)
+#define SDG_LINE_COUNT_3(...) SDG_LINE_3_OF(__VA_ARGS__, 0, 0, 0, 0)
+
 UNSIGNED32 genSdgGetTxPgn(STACK_LINE_FIRST UNSIGNED16 sdgNr);
 UNSIGNED32 genSdgGetTxSct(STACK_LINE_FIRST UNSIGNED16 sdgNr);
 SDG_TR_T *getTrSdg(STACK_LINE_FIRST UNSIGNED16 sdgNr);

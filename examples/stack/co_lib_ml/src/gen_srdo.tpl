@@ -161,6 +161,15 @@ UNSIGNED8 i;
 	return (RET_OK);
 }
 
+/* transmit copy; nothing but the parameters has a name here that a variable could have too */
+static void copyTransData(UNSIGNED8 canLine, UNSIGNED16 srdoNr, UNSIGNED8 *pNormal, UNSIGNED8 *pInvers)
+{
+	(void)srdoNr;
+	(void)pNormal;
+	(void)pInvers;
+	(void)canLine;
+__GEN_SRDO_TRANSMIT_MAPPING__}
+
 /* This function is called from CANopen stack after refresh time is up. */
 RET_T srdoTransmit(UNSIGNED8 canLine, UNSIGNED16 srdoNr, UNSIGNED8 *pNormal, UNSIGNED8 *pInvers, UNSIGNED8 len)
 {
@@ -170,7 +179,7 @@ UNSIGNED8 i;
 	if ((pSrdo == NULL) || (isExchangeAllowed(canLine) != CO_TRUE)) {
 		return (RET_PARAMETER_INVALID);
 	}
-__GEN_SRDO_TRANSMIT_MAPPING__
+	copyTransData(canLine, srdoNr, pNormal, pInvers);
 	for (i = 0u; i < len; i++) {
 		/* data not ok, transmission forbidden */
 		if ((pNormal[i] ^ pInvers[i]) != 0xffu) {

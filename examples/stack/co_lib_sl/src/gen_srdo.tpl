@@ -158,6 +158,14 @@ UNSIGNED8 i;
 	return (RET_OK);
 }
 
+/* transmit copy; nothing but the parameters has a name here that a variable could have too */
+static void copyTransData(UNSIGNED16 srdoNr, UNSIGNED8 *pNormal, UNSIGNED8 *pInvers)
+{
+	(void)srdoNr;
+	(void)pNormal;
+	(void)pInvers;
+__GEN_SRDO_TRANSMIT_MAPPING__}
+
 /* This function is called from CANopen stack after refresh time is up. */
 RET_T srdoTransmit(UNSIGNED16 srdoNr, UNSIGNED8 *pNormal, UNSIGNED8 *pInvers, UNSIGNED8 len)
 {
@@ -167,7 +175,7 @@ UNSIGNED8 i;
 	if ((pSrdo == NULL) || (isExchangeAllowed() != CO_TRUE)) {
 		return (RET_PARAMETER_INVALID);
 	}
-__GEN_SRDO_TRANSMIT_MAPPING__
+	copyTransData(srdoNr, pNormal, pInvers);
 	for (i = 0u; i < len; i++) {
 		/* data not ok, transmission forbidden */
 		if ((pNormal[i] ^ pInvers[i]) != 0xffu) {

@@ -57,6 +57,17 @@ const SDG_REC_CONFIG_T *getRecSdgConfig(UNSIGNED16 sdgNr)
 }
 #endif /* J1939_SDG_REC_CNT */
 
+/* the statements of the mapping take the data cleared; a function of its own, so that nothing but the parameters and
+ * the result has a name beside them that a variable could have too */
+static void clearData(UNSIGNED8 *pData)
+{
+UNSIGNED8 i;
+
+	for (i = 0u; i < 8u; i++) {
+		pData[i] = 0x00u;
+	}
+}
+
 /* fills the data of a message from the variables; returns its length, 0 if there is no such group */
 UNSIGNED8 genSdgTransmitMapping(UNSIGNED16 sdgNr, UNSIGNED8 *pData)
 {
@@ -64,6 +75,7 @@ UNSIGNED8 pgLen = 0u;
 
 	(void)sdgNr;
 	(void)pData;
+	clearData(pData);
 __GEN_SDG_TRANSMIT_MAPPING__
 	return (pgLen);
 }
