@@ -65,6 +65,14 @@ struct ValueName
 };
 using ValueNames = QList<ValueName>;
 
+/// What the bits of a signal are, by the codes of SIG_VALTYPE_.
+enum class ValueType
+{
+    Integer = 0,
+    Float = 1,
+    Double = 2
+};
+
 struct Signal
 {
     QString name = {};
@@ -81,7 +89,7 @@ struct Signal
     QStringList receivers = {QString(noNode)};
     QString comment = {};
     ValueNames values = {};
-    int valueType = 0;                ///< 0 integer, 1 float, 2 double
+    ValueType valueType = ValueType::Integer;
     QString multiplexer = {};         ///< the signal that switches this one, where that is told with value ranges
     QStringList multiplexRanges = {}; ///< "3-5"
     Attributes attributes = {};

@@ -190,6 +190,14 @@ bool CANdbDBC::SignalRef::setValueSize(quint32 startBit, quint32 bits, bool isSi
     return true;
 }
 
+bool CANdbDBC::SignalRef::setValueType(CANdb::ValueType type)
+{
+    if (!isValid())
+        return false;
+    signal().valueType = type;
+    return true;
+}
+
 bool CANdbDBC::SignalRef::setComment(const QString &comment)
 {
     if (!isValid())

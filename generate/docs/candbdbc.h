@@ -31,6 +31,7 @@ public:
         bool isValid() const { return message_ >= 0; }
         bool setName(const QString &name);
         bool setValueSize(quint32 startBit, quint32 bits, bool isSigned);
+        bool setValueType(CANdb::ValueType type);
         bool setComment(const QString &comment);
         /// The value of an enumeration is the place of its word.
         bool setAttribute(const QString &name, const QString &value);

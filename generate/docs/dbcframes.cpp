@@ -6,13 +6,64 @@
 #include "nodedict/cohelper.h"
 
 #include <QRegularExpression>
+#include <QSet>
 
 #include <algorithm>
+#include <iterator>
 #include <span>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// Words that a reader takes for the beginning of a statement or for a type.
+bool isKeyword(const QString &text)
+{
+    static const QSet<QString> words{
+        u"VERSION"_s,
+        u"NS_"_s,
+        u"NS_DESC_"_s,
+        u"BS_"_s,
+        u"BU_"_s,
+        u"BO_"_s,
+        u"SG_"_s,
+        u"EV_"_s,
+        u"CM_"_s,
+        u"BA_"_s,
+        u"BA_DEF_"_s,
+        u"BA_DEF_DEF_"_s,
+        u"BA_DEF_REL_"_s,
+        u"BA_REL_"_s,
+        u"BA_DEF_DEF_REL_"_s,
+        u"BA_DEF_SGTYPE_"_s,
+        u"BA_SGTYPE_"_s,
+        u"BO_TX_BU_"_s,
+        u"BU_BO_REL_"_s,
+        u"BU_EV_REL_"_s,
+        u"BU_SG_REL_"_s,
+        u"CAT_"_s,
+        u"CAT_DEF_"_s,
+        u"ENVVAR_DATA_"_s,
+        u"EV_DATA_"_s,
+        u"FILTER"_s,
+        u"SGTYPE_"_s,
+        u"SGTYPE_VAL_"_s,
+        u"SG_MUL_VAL_"_s,
+        u"SIGTYPE_VALTYPE_"_s,
+        u"SIG_GROUP_"_s,
+        u"SIG_TYPE_REF_"_s,
+        u"SIG_VALTYPE_"_s,
+        u"VAL_"_s,
+        u"VAL_TABLE_"_s,
+        u"INT"_s,
+        u"HEX"_s,
+        u"FLOAT"_s,
+        u"STRING"_s,
+        u"ENUM"_s,
+    };
+    return words.contains(text);
+}
 
 /// The text as an identifier: letters, digits and underscores of it, or the fallback where there are none.
 QString identifier(QString text, const QString &fallback)
@@ -21,7 +72,7 @@ QString identifier(QString text, const QString &fallback)
     text.remove(others);
     if (text.isEmpty())
         return fallback;
-    return text.front().isDigit() ? u'_' + text : text;
+    return text.front().isDigit() || isKeyword(text) ? u'_' + text : text;
 }
 
 /// The name, with the first number behind it that makes it free. `last` is the highest number that was behind it.
@@ -50,6 +101,13 @@ bool isSigned(quint32 dataType)
 {
     return COHelper::getDefaultLimits(dataType).low.startsWith(u'-') || dataType == CAN::Real32 ||
            dataType == CAN::Real64;
+}
+
+CANdb::ValueType valueType(quint32 dataType)
+{
+    return dataType == CAN::Real32   ? CANdb::ValueType::Float
+           : dataType == CAN::Real64 ? CANdb::ValueType::Double
+                                     : CANdb::ValueType::Integer;
 }
 
 bool isCharacterType(quint32 dataType)
@@ -150,48 +208,85 @@ void DbcFrames::addStackMessages(quint8 sourceAddress, bool withDm1)
     }
 }
 
+/// The frame that a message goes into.
+qsizetype DbcFrames::placeFor(DbcFrame frame)
+{
+    const auto place = frameById_.constFind(frame.id);
+    if (place != frameById_.constEnd() && form_ == Form::OneFrame)
+        return *place;
+    const auto isTaken = [&](const QString &name) {
+        const auto owner = frameNames_.constFind(name);
+        return owner != frameNames_.constEnd() && *owner != frame.id;
+    };
+    frame.name = freeName(frame.name, frameNumbers_[frame.name], isTaken);
+    frameNames_.insert(frame.name, frame.id);
+    frameById_.insert(frame.id, frames_.size());
+    frames_.append(frame);
+    contents_.emplaceBack();
+    return frames_.size() - 1;
+}
+
 void DbcFrames::add(DbcFrame frame, const BusMessage &message)
 {
-    auto place = frameById_.constFind(frame.id);
-    if (place == frameById_.constEnd()) {
-        frame.name = freeName(frame.name, frameNumbers_[frame.name],
-                              [this](const QString &name) { return frameNames_.contains(name); });
-        frameNames_.insert(frame.name);
-        place = frameById_.insert(frame.id, frames_.size());
-        frames_.append(frame);
-    }
-    DbcFrame &target = frames_[*place];
+    const qsizetype place = placeFor(std::move(frame));
+    DbcFrame &target = frames_[place];
     if (target.comment.isEmpty())
         target.comment = comment(message.description);
     if (target.cycleTimeMs == 0)
         target.cycleTimeMs = message.cycleTimeMs;
     for (const StoreRecords::SPN &signal : message.signalList) {
-        addSignal(*place, {.name = identifier(signal.name, u"SIG_%1"_s.arg(signal.spnnumber)),
-                           .comment = comment(signal.desc),
-                           .startBit = signal.bitposition,
-                           .bits = BusMessage::bitsOf(signal),
-                           .isSigned = isSigned(signal.datatype),
-                           .isText = isCharacterType(signal.datatype),
-                           .isApplicationVariable = signal.implementation == DocumentWords::applicationVariable,
-                           .variable = signal.varname});
+        const DbcSignal added{.name = identifier(signal.name, u"SIG_%1"_s.arg(signal.spnnumber)),
+                              .comment = comment(signal.desc),
+                              .startBit = signal.bitposition,
+                              .bits = BusMessage::bitsOf(signal),
+                              .isSigned = isSigned(signal.datatype),
+                              .valueType = valueType(signal.datatype),
+                              .isText = isCharacterType(signal.datatype),
+                              .isApplicationVariable = signal.implementation == DocumentWords::applicationVariable,
+                              .variable = signal.varname};
+        if (added.bits > 0)
+            addSignal(place, added, message);
     }
 }
 
-void DbcFrames::addSignal(qsizetype frame, DbcSignal signal)
+bool DbcFrames::overlaps(const Contents &contents, const DbcSignal &signal)
 {
-    DbcFrame &target = frames_[frame];
-    const auto sameName = signalByName_.constFind({frame, signal.name});
-    if (sameName != signalByName_.constEnd()) {
+    const auto behind = contents.ends.lowerBound(signal.startBit);
+    if (behind != contents.ends.end() && behind.key() < signal.startBit + signal.bits)
+        return true;
+    return behind != contents.ends.begin() && std::prev(behind).value() > signal.startBit;
+}
+
+void DbcFrames::addSignal(qsizetype place, DbcSignal signal, const BusMessage &message)
+{
+    DbcFrame &target = frames_[place];
+    Contents &contents = contents_[place];
+    const auto sameName = contents.byName.constFind(signal.name);
+    if (sameName != contents.byName.constEnd()) {
         const DbcSignal &other = target.signalList.at(*sameName);
-        if (other.startBit == signal.startBit && other.bits == signal.bits)
+        if (other.startBit == signal.startBit && other.bits == signal.bits && other.isSigned == signal.isSigned &&
+            other.valueType == signal.valueType)
             return;
     }
-    if (signal.bits == 0)
+    if (form_ == Form::OneFrame && overlaps(contents, signal)) {
+        const QString direction = message.direction == 0    ? QString()
+                                  : message.isTransmitted() ? u", sent"_s
+                                                            : u", received"_s;
+        target.leftOut.append(u"%1 (%2|%3%4)"_s.arg(signal.name).arg(signal.startBit).arg(signal.bits).arg(direction));
         return;
-    signal.name = freeName(signal.name, signalNumbers_[{frame, signal.name}], [&](const QString &name) {
-        return signalByName_.contains({frame, name});
-    });
-    signalByName_.insert({frame, signal.name}, target.signalList.size());
+    }
+    signal.name = freeName(signal.name, contents.numbers[signal.name],
+                           [&](const QString &name) { return contents.byName.contains(name); });
+    contents.byName.insert(signal.name, target.signalList.size());
+    contents.ends.insert(signal.startBit, signal.startBit + signal.bits);
     target.length = std::max(target.length, (signal.startBit + signal.bits + 7) / 8);
     target.signalList.append(signal);
+}
+
+QString DbcFrame::fullComment() const
+{
+    if (leftOut.isEmpty())
+        return comment;
+    const QString told = u"Left out, since other signals have their bits: "_s + leftOut.join(", "_L1);
+    return comment.isEmpty() ? told : u"%1 - %2"_s.arg(comment, told);
 }

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "generate/docs/busmessages.h"
+#include "generate/docs/candb.h"
 
 #include <QHash>
-#include <QSet>
-
-#include <utility>
+#include <QMap>
+#include <QStringList>
 
 /// A signal of a frame as a bus database knows it.
 struct DbcSignal
@@ -15,6 +15,7 @@ struct DbcSignal
     quint32 startBit = 0;
     quint32 bits = 0;
     bool isSigned = false;
+    CANdb::ValueType valueType = CANdb::ValueType::Integer;
     bool isText = false;
     bool isApplicationVariable = false;
     QString variable = {};
@@ -30,16 +31,32 @@ struct DbcFrame
     quint32 cycleTimeMs = 0;
     bool isJ1939 = false;
     QList<DbcSignal> signalList = {};
+    QStringList leftOut = {}; ///< signals whose bits others have, in the words of a comment
+
+    /// The comment, and what had no room in the frame.
+    QString fullComment() const;
 };
 
-/// The frames of a line, each identifier once.
+/// The frames of a line.
 ///
-/// A PGN or CAN-ID that is both sent and received has one frame with the signals of both; what is equal in name and
-/// bits is one signal. Names that are taken get a number behind them, and names that begin with a digit an underscore
-/// before it. Signals without bits are left out: there is nothing of them on the bus.
+/// Names that are taken get a number behind them, names that begin with a digit or are keywords of the format an
+/// underscore before them. Signals without bits are left out: there is nothing of them on the bus.
 class DbcFrames
 {
 public:
+    enum class Form
+    {
+        /// Messages that have one identifier, such as those of both directions, are one frame with the signals of all:
+        /// what is equal in name and bits is one signal, and what overlaps another is left out.
+        OneFrame,
+        /// Each message is a frame, as the project has it; frames of one identifier may have one name.
+        AllMessages
+    };
+
+    explicit DbcFrames(Form form)
+        : form_(form)
+    {
+    }
     /// The raw CAN-IDs of a line.
     void addCanIds(ObjectDataBase &store, quint8 line);
     /// The PGNs of a line, as the device with this address would send them.
@@ -54,13 +71,23 @@ public:
     static quint32 idOfPGN(quint32 pgn, quint8 priority, quint8 sourceAddress);
 
 private:
-    void add(DbcFrame frame, const BusMessage &message);
-    void addSignal(qsizetype frame, DbcSignal signal);
+    /// What has to be known of a frame's signals to add another.
+    struct Contents
+    {
+        QHash<QString, qsizetype> byName = {}; ///< places of the signals
+        QHash<QString, int> numbers = {};      ///< the highest numbers behind names
+        QMap<quint32, quint32> ends = {};      ///< of the signals' bits, by the first; no two overlap
+    };
 
+    void add(DbcFrame frame, const BusMessage &message);
+    qsizetype placeFor(DbcFrame frame);
+    void addSignal(qsizetype place, DbcSignal signal, const BusMessage &message);
+    static bool overlaps(const Contents &contents, const DbcSignal &signal);
+
+    Form form_;
     QList<DbcFrame> frames_;
+    QList<Contents> contents_; ///< of the frames
     QHash<quint32, qsizetype> frameById_;
-    QSet<QString> frameNames_;
-    QHash<QString, int> frameNumbers_;                             ///< the highest numbers behind names
-    QHash<std::pair<qsizetype, QString>, qsizetype> signalByName_; ///< by the place of the frame
-    QHash<std::pair<qsizetype, QString>, int> signalNumbers_;
+    QHash<QString, quint32> frameNames_; ///< with the identifier that has the name
+    QHash<QString, int> frameNumbers_;   ///< the highest numbers behind names
 };

@@ -120,6 +120,7 @@ void addSignal(CANdbDBC::MessageRef message, const DbcSignal &signal)
     log(target.isValid(), "Error kvaDbAddSignal");
     log(target.setName(signal.name), "Error kvaDbSetSignalName");
     log(target.setValueSize(signal.startBit, signal.bits, signal.isSigned), "Error kvaDbSetSignalValueSize");
+    target.setValueType(signal.valueType);
     if (!signal.comment.isEmpty())
         log(target.setComment(signal.comment), "Error kvaDbSetSignalComment");
     bool done = true;
@@ -139,8 +140,8 @@ void addFrame(CANdbDBC &dbc, const DbcFrame &frame)
     log(message.isValid(), "Error kvaDbAddMsg");
     log(message.setName(frame.name), "Error kvaDbSetMsgName");
     log(message.setLength(frame.length), "Error kvaDbSetMsgDlc");
-    if (!frame.comment.isEmpty())
-        message.setComment(frame.comment);
+    if (const QString comment = frame.fullComment(); !comment.isEmpty())
+        message.setComment(comment);
     bool done = message.setAttribute(u"VFrameFormat"_s, place(formatOf(frame)));
     if (frame.cycleTimeMs != 0) {
         done &= message.setAttribute(u"GenMsgCycleTime"_s, QString::number(frame.cycleTimeMs));
@@ -171,7 +172,7 @@ QString RawCANDBCGenerator::fileName() const
 
 void RawCANDBCGenerator::write(QTextStream &stream)
 {
-    DbcFrames frames;
+    DbcFrames frames(DbcFrames::Form::AllMessages);
     frames.addCanIds(*database(), line());
     CodeWriter out(stream);
     out(uR"(
@@ -217,7 +218,7 @@ void DBCGenerator::build(CANdbDBC &dbc)
 
     const auto address = static_cast<quint8>(database()->getJ1939Setting(u"startaddress"_s, line()).toUInt(nullptr, 0));
     const bool withDm1 = database()->getJ1939Setting(u"diagsupport_dm1"_s, line()).toUInt() > 0;
-    DbcFrames frames;
+    DbcFrames frames(DbcFrames::Form::OneFrame);
     frames.addPGNs(*database(), line(), address);
     frames.addStackMessages(address, withDm1);
     if (RunContext::protocolsOf(*database(), line()).rawCan)

@@ -483,7 +483,7 @@ void DbcReader::readValueType()
         return;
     }
     takeSymbol(u':');
-    signal->valueType = static_cast<int>(expectUnsigned("Signal value type expected"_L1));
+    signal->valueType = static_cast<CANdb::ValueType>(expectUnsigned("Signal value type expected"_L1));
     expectSymbol(u';', "signal value type"_L1);
 }
 

@@ -211,9 +211,11 @@ private:
             if (!signal.values.isEmpty())
                 out_(u"VAL_ ${id} ${signal}${values} ;",
                      {{"id", id}, {"signal", signal.name}, {"values", valueNames(signal.values)}});
-            if (signal.valueType != 0)
+            if (signal.valueType != CANdb::ValueType::Integer)
                 out_(u"SIG_VALTYPE_ ${id} ${signal} : ${type};",
-                     {{"id", id}, {"signal", signal.name}, {"type", QString::number(signal.valueType)}});
+                     {{"id", id},
+                      {"signal", signal.name},
+                      {"type", QString::number(static_cast<int>(signal.valueType))}});
             if (!signal.multiplexer.isEmpty())
                 out_(u"SG_MUL_VAL_ ${id} ${signal} ${multiplexer} ${ranges};",
                      {{"id", id},

@@ -139,7 +139,7 @@ TEST(DbcReader, ReadsEachStatement)
                                     .receivers = {u"B"_s},
                                     .comment = u"signal"_s,
                                     .values = {{-1, u"cold"_s}, {2, u"hot"_s}},
-                                    .valueType = 1,
+                                    .valueType = CANdb::ValueType::Float,
                                     .multiplexer = u"Mux"_s,
                                     .multiplexRanges = {u"3-3"_s, u"5-7"_s},
                                     .attributes = {{u"F"_s, u"0.25"_s}}};
