@@ -87,7 +87,8 @@ void DOCTXTImporter::importFile()
     EdsText text;
     if (filePath_.isEmpty() || !text.load(filePath_))
         return;
-    const TemporaryIndex index(*store_, line_, TemporaryIndex::spnKeys);
+    const TemporaryIndex pgnIndex(*store_, line_, TemporaryIndex::pgnKeys);
+    const TemporaryIndex spnIndex(*store_, line_, TemporaryIndex::spnKeys);
     EdsLines lines(text.bytes());
     QByteArrayView line;
     while (lines.next(line))

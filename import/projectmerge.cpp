@@ -6,12 +6,18 @@
 
 #include <QSet>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr quint8 directions[] = {ObjectDataBase::receive, ObjectDataBase::transmit};
 constexpr quint32 identifierBits = 0x1fffffff;
+
+bool isDirection(quint8 direction)
+{
+    return direction == ObjectDataBase::receive || direction == ObjectDataBase::transmit;
+}
 
 bool isBetween(quint32 number, quint32 first, quint32 last)
 {
@@ -26,12 +32,10 @@ StoreRecords::SPN withQuotesDoubled(StoreRecords::SPN signal)
     return signal;
 }
 
-void copyPGN(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine, quint32 number,
-             quint8 direction)
+void copyPGN(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine,
+             const StoreRecords::PGN &pgn)
 {
-    StoreRecords::PGN pgn;
-    if (!source.getPGN(sourceLine, number, direction, pgn))
-        return;
+    const auto [number, direction] = std::pair(pgn.number, pgn.direction);
     target.addPGN(line, number, pgn);
     const QList<quint32> spns = source.getSPNList(sourceLine, number, direction);
     const QSet<quint32> kept(spns.begin(), spns.end());
@@ -46,12 +50,10 @@ void copyPGN(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8
     }
 }
 
-void copyCANID(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine, quint32 id,
-               quint8 direction)
+void copyCANID(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine,
+               const StoreRecords::CANID &canid)
 {
-    StoreRecords::CANID canid;
-    if (!source.getCANID(sourceLine, id, direction, canid))
-        return;
+    const auto [id, direction] = std::pair(canid.id, canid.direction);
     target.addCANID(line, id, canid);
     // An update would leave an element's place and size as they were.
     for (const quint32 number : target.getDataElementList(line, id, direction))
@@ -92,13 +94,12 @@ void ProjectMerge::copyPGNs(ObjectDataBase &target, quint8 line, ObjectDataBase 
     if (!source.nodeExists(sourceLine))
         return;
     const ObjectDataBase::Transaction transaction(target);
-    const TemporaryIndex index(target, line, TemporaryIndex::spnKeys);
+    const TemporaryIndex pgnIndex(target, line, TemporaryIndex::pgnKeys);
+    const TemporaryIndex spnIndex(target, line, TemporaryIndex::spnKeys);
     source.cacheSPNs(sourceLine);
-    for (const quint8 direction : directions) {
-        for (const quint32 number : source.getPGNList(sourceLine, direction)) {
-            if (isBetween(number, first, last))
-                copyPGN(target, line, source, sourceLine, number, direction);
-        }
+    for (const StoreRecords::PGN &pgn : source.getAllPGNs(sourceLine)) {
+        if (isDirection(pgn.direction) && isBetween(pgn.number, first, last))
+            copyPGN(target, line, source, sourceLine, pgn);
     }
     source.clearSPNCache();
 }
@@ -110,12 +111,11 @@ void ProjectMerge::copyCANIDs(ObjectDataBase &target, quint8 line, ObjectDataBas
         return;
     const ObjectDataBase::Transaction transaction(target);
     const ObjectDataBase::Transaction reading(source);
-    const TemporaryIndex index(target, line, TemporaryIndex::elementKeys);
+    const TemporaryIndex canidIndex(target, line, TemporaryIndex::canidKeys);
+    const TemporaryIndex elementIndex(target, line, TemporaryIndex::elementKeys);
     const TemporaryIndex sourceIndex(source, sourceLine, TemporaryIndex::elementKeys);
-    for (const quint8 direction : directions) {
-        for (const quint32 id : source.getCANIDList(sourceLine, direction)) {
-            if (isBetween(id & identifierBits, first, last))
-                copyCANID(target, line, source, sourceLine, id, direction);
-        }
+    for (const StoreRecords::CANID &canid : source.getAllCANIDs(sourceLine)) {
+        if (isDirection(canid.direction) && isBetween(canid.id & identifierBits, first, last))
+            copyCANID(target, line, source, sourceLine, canid);
     }
 }

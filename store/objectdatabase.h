@@ -153,8 +153,8 @@ public:
     /// All objects of a line, ascending, and all its subindices, by index and subindex; one scan each.
     QList<IndexEntry> getAllIndices(quint8 line);
     QList<SubEntry> getAllSubIndices(quint8 line);
-    /// Keeps what `getAllSubIndices` has read last until something else than `addSubIndex` writes subindices: a run
-    /// asks for them several times, and a server checks a whole line after each edit of one subindex.
+    /// Keeps what `getAllSubIndices` has read last until subindices are written otherwise than by `addSubIndex` outside
+    /// a transaction: a run asks for them several times, and a server checks a whole line after each edit of one.
     void keepSubIndices(bool keep)
     {
         keepsSubs_ = keep;

@@ -273,7 +273,8 @@ bool ObjectDataBase::addSubIndex(quint8 line, quint16 index, quint8 subindex, co
     const SubEntry entry{line, index, subindex, data};
     std::optional<QList<SubEntry>> kept = std::exchange(keptSubs_, std::nullopt);
     const bool done = storeSubIndex(entry, nullptr);
-    if (kept && keptLine_ == line)
+    // To follow each write of many would move the rest of the list as many times.
+    if (kept && keptLine_ == line && transactionDepth_ == 0)
         followWrite(entry, std::move(kept));
     return done;
 }

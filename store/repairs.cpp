@@ -80,7 +80,7 @@ void ObjectDataBase::repairMappingCounts()
         }
         if (wrong.isEmpty())
             continue;
-        const TemporaryIndex index(*this, line, "PGNs%1 (number, direction)"_L1);
+        const TemporaryIndex index(*this, line, TemporaryIndex::pgnKeys);
         for (const auto &[key, count] : wrong.asKeyValueRange())
             run("repairMappingCounts", query,
                 u"update PGNs%1 SET mappingcount = %2 where number = %3 AND direction = %4 "_s.arg(

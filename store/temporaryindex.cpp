@@ -22,10 +22,12 @@ void execute(ObjectDataBase &store, const QString &statement)
 TemporaryIndex::TemporaryIndex(ObjectDataBase &store, quint8 line, QLatin1StringView tableAndColumns)
     : store_(store)
 {
-    execute(store_, u"create index if not exists temporaryindex on "_s + QString(tableAndColumns).arg(line));
+    const QString place = QString(tableAndColumns).arg(line);
+    name_ = "temporary_"_L1 + place.section(u' ', 0, 0);
+    execute(store_, u"create index if not exists %1 on %2"_s.arg(name_, place));
 }
 
 TemporaryIndex::~TemporaryIndex()
 {
-    execute(store_, u"drop index if exists temporaryindex"_s);
+    execute(store_, u"drop index if exists %1"_s.arg(name_));
 }
