@@ -222,6 +222,12 @@ quint32 COHelper::getDataLengthBits(quint32 dataType)
     return row ? row->bits : 0;
 }
 
+bool COHelper::isSigned(quint32 dataType)
+{
+    const TypeRow *row = findType(dataType);
+    return row && row->kind == Kind::Signed;
+}
+
 COHelper::Limits COHelper::getDefaultLimits(quint32 dataType)
 {
     const TypeRow *row = findType(dataType);

@@ -53,6 +53,8 @@ public:
     /// Width of a value of the type in bits, 1 for BOOLEAN; 0 where the type does not imply one (strings, domains,
     /// unknown codes).
     static quint32 getDataLengthBits(quint32 dataType);
+    /// True for the integer types that hold negative numbers, in two's complement.
+    static bool isSigned(quint32 dataType);
     /// The range of an integer type; both empty for types without one (floats, strings, domains, times).
     static Limits getDefaultLimits(quint32 dataType);
     /// The limits of a value for which these two are declared: one that is empty is the type's own where the other one

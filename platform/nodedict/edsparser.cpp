@@ -23,8 +23,8 @@ bool isGroup(quint32 objectType)
 /// Limits of a sub-object from the texts of the two keys.
 void setLimits(CANopenSubindex &sub, const QString &low, const QString &high)
 {
-    sub.lowlimit = EdsValue::normalised(low, sub.datatype);
-    sub.highlimit = EdsValue::normalised(high, sub.datatype);
+    sub.lowlimit = EdsValue::limit(low, sub.datatype);
+    sub.highlimit = EdsValue::limit(high, sub.datatype);
     sub.haslimits = !low.isEmpty() || !high.isEmpty();
 }
 

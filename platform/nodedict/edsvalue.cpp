@@ -37,6 +37,22 @@ QString plainNumber(const QString &text)
     return QString(text).replace("0X"_L1, "0x"_L1);
 }
 
+/// A number in two's complement of the type's width, or of a width that it was extended to; else its plain value.
+QString fromTwosComplement(quint64 number, quint32 bits)
+{
+    const auto extended = [number](quint32 width) {
+        const quint32 unused = 64 - width;
+        return static_cast<qint64>(number << unused) >> unused;
+    };
+    const qint64 lowest = -1 - static_cast<qint64>(~quint64{0} >> (65 - bits));
+    for (const quint32 width : {bits, 32U, 64U}) {
+        const bool fits = width >= bits && (width == 64 || number >> width == 0);
+        if (fits && (width == bits || (extended(width) < 0 && extended(width) >= lowest)))
+            return QString::number(extended(width));
+    }
+    return QString::number(number);
+}
+
 /// What stands in front of a remark: of a ";", or of a blank and "//" or "#".
 QString withoutRemark(const QString &text)
 {
@@ -102,4 +118,17 @@ QString EdsValue::normalised(const QString &text, quint32 dataType)
         return relative;
     const QString number = plainNumber(value);
     return number.isNull() ? text : number;
+}
+
+QString EdsValue::limit(const QString &text, quint32 dataType)
+{
+    const QString value = normalised(text, dataType);
+    const bool hasSign = value.startsWith(u'-') || value.startsWith(u'+');
+    const QString digits = hasSign ? value.sliced(1) : value;
+    const bool isDecimal = digits.size() < 2 || !digits.startsWith(u'0');
+    const auto number = unsignedNumber(digits);
+    if (!COHelper::isSigned(dataType) || isDecimal || !number)
+        return value;
+    return hasSign ? value.first(1) + QString::number(*number)
+                   : fromTwosComplement(*number, COHelper::getDataLengthBits(dataType));
 }

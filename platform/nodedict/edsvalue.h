@@ -21,4 +21,9 @@ std::optional<quint32> number(const QString &text);
 /// known included, stays as it is.
 QString normalised(const QString &text, quint32 dataType);
 
+/// A limit in that form, but of a signed integer type in decimal, as files write its hexadecimal numbers in two's
+/// complement of the type's width: "0xFFFF" of INTEGER16 is "-1". It is so, too, extended to 32 or 64 bits. A number
+/// that the type cannot hold keeps its value.
+QString limit(const QString &text, quint32 dataType);
+
 } // namespace EdsValue

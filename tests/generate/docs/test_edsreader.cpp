@@ -21,7 +21,7 @@ namespace {
 using Store = std::shared_ptr<ObjectDataBase>;
 
 /// The description without what the library refuses though files in the field have it: the mapping flag and limits of
-/// a DOMAIN, and hexadecimal limits, which it compares without regard to the sign that they stand for.
+/// a DOMAIN.
 QString forReader(const QString &eds)
 {
     QStringList lines;
@@ -32,8 +32,7 @@ QString forReader(const QString &eds)
         if (line == "ObjectType=2"_L1)
             isDomain = true;
         const bool isLimit = line.startsWith("LowLimit="_L1) || line.startsWith("HighLimit="_L1);
-        const bool isRefused = isDomain ? isLimit || line.startsWith("PDOMapping="_L1)
-                                        : isLimit && line.contains("=0x"_L1, Qt::CaseInsensitive);
+        const bool isRefused = isDomain && (isLimit || line.startsWith("PDOMapping="_L1));
         if (!isRefused)
             lines.append(line);
     }
