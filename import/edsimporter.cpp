@@ -17,24 +17,26 @@ namespace {
 
 using SubRecord = ObjectDataBase::SUBINDEX_DATA_T;
 
-struct DescriptionKey
+struct DescriptionSection
 {
-    QLatin1StringView section;
-    QLatin1StringView key;
+    QLatin1StringView name;
+    bool isText; ///< else its values are numbers, which may have a remark behind them
+    std::initializer_list<QLatin1StringView> keys;
 };
 
 /// What a line keeps of a description, under the same keys. `Dummy004` is spelled so on both sides, which leaves the
 /// line's own `Dummy0004` alone.
-constexpr DescriptionKey descriptionKeys[] = {
-    {"FileInfo"_L1, "FileVersion"_L1},    {"FileInfo"_L1, "FileRevision"_L1},    {"FileInfo"_L1, "CreatedBy"_L1},
-    {"FileInfo"_L1, "ModifiedBy"_L1},     {"DummyUsage"_L1, "Dummy0001"_L1},     {"DummyUsage"_L1, "Dummy0002"_L1},
-    {"DummyUsage"_L1, "Dummy0003"_L1},    {"DummyUsage"_L1, "Dummy004"_L1},      {"DummyUsage"_L1, "Dummy0005"_L1},
-    {"DummyUsage"_L1, "Dummy0006"_L1},    {"DummyUsage"_L1, "Dummy0007"_L1},     {"DeviceInfo"_L1, "VendorName"_L1},
-    {"DeviceInfo"_L1, "ProductName"_L1},  {"DeviceInfo"_L1, "OrderCode"_L1},     {"DeviceInfo"_L1, "LSS_Supported"_L1},
-    {"DeviceInfo"_L1, "BaudRate_10"_L1},  {"DeviceInfo"_L1, "BaudRate_20"_L1},   {"DeviceInfo"_L1, "BaudRate_50"_L1},
-    {"DeviceInfo"_L1, "BaudRate_125"_L1}, {"DeviceInfo"_L1, "BaudRate_250"_L1},  {"DeviceInfo"_L1, "BaudRate_500"_L1},
-    {"DeviceInfo"_L1, "BaudRate_800"_L1}, {"DeviceInfo"_L1, "BaudRate_1000"_L1}, {"DeviceInfo"_L1, "NrOfRXPDO"_L1},
-    {"DeviceInfo"_L1, "NrOfTXPDO"_L1},
+const DescriptionSection descriptionSections[] = {
+    {"FileInfo"_L1, false, {"FileVersion"_L1, "FileRevision"_L1}},
+    {"FileInfo"_L1, true, {"CreatedBy"_L1, "ModifiedBy"_L1}},
+    {"DummyUsage"_L1,
+     false,
+     {"Dummy0001"_L1, "Dummy0002"_L1, "Dummy0003"_L1, "Dummy004"_L1, "Dummy0005"_L1, "Dummy0006"_L1, "Dummy0007"_L1}},
+    {"DeviceInfo"_L1, true, {"VendorName"_L1, "ProductName"_L1, "OrderCode"_L1}},
+    {"DeviceInfo"_L1,
+     false,
+     {"LSS_Supported"_L1, "BaudRate_10"_L1, "BaudRate_20"_L1, "BaudRate_50"_L1, "BaudRate_125"_L1, "BaudRate_250"_L1,
+      "BaudRate_500"_L1, "BaudRate_800"_L1, "BaudRate_1000"_L1, "NrOfRXPDO"_L1, "NrOfTXPDO"_L1}},
 };
 
 QString pdoCountKey(PDOObjects::Direction direction)
@@ -208,11 +210,15 @@ void EDSImporter::setArrayType(quint16 index, quint16 dataType)
 void EDSImporter::importDescription()
 {
     store_->setCurrentLine(line_);
-    for (const auto &[section, key] : descriptionKeys)
-        store_->setDescriptionSetting(key, parser_->sectionValue(section, key));
+    for (const auto &[section, isText, keys] : descriptionSections) {
+        for (const QLatin1StringView key : keys) {
+            const QString value = parser_->sectionValue(section, key);
+            store_->setDescriptionSetting(key, isText ? EdsValue::unquotedText(value) : EdsValue::word(value));
+        }
+    }
     store_->setDescriptionSetting(u"Comment"_s, parser_->commentText());
     for (const PDOObjects::Direction direction : {PDOObjects::Receive, PDOObjects::Transmit}) {
-        const QString count = parser_->sectionValue("DeviceInfo"_L1, pdoCountKey(direction));
+        const QString count = EdsValue::word(parser_->sectionValue("DeviceInfo"_L1, pdoCountKey(direction)));
         PDOObjects::addMissing(*store_, line_, direction, EdsValue::number(count).value_or(0));
     }
 }

@@ -96,7 +96,7 @@ QString EdsParser::commentText() const
         while (lines.size() < number)
             lines.append(QString());
         if (lines.at(number - 1).isNull())
-            lines[number - 1] = value.isEmpty() ? u""_s : sections_.decode(value);
+            lines[number - 1] = value.isEmpty() ? u""_s : EdsValue::unquotedText(sections_.decode(value));
     });
     return lines.join(u'\n');
 }
@@ -222,7 +222,7 @@ std::optional<quint32> EdsParser::number(const Fields &fields, Field field) cons
 
 QString EdsParser::word(const Fields &fields, Field field) const
 {
-    return EdsValue::withoutQuotes(text(fields, field).section(u';', 0, 0).trimmed());
+    return EdsValue::word(text(fields, field));
 }
 
 std::optional<quint32> EdsParser::dataType(const Fields &fields) const

@@ -100,6 +100,17 @@ QString EdsValue::withoutQuotes(const QString &text)
     return isQuoted ? text.sliced(1, text.size() - 2).trimmed() : text;
 }
 
+QString EdsValue::unquotedText(const QString &text)
+{
+    const bool isQuoted = text.size() >= 2 && text.startsWith(u'"') && text.indexOf(u'"', 1) == text.size() - 1;
+    return isQuoted ? text.sliced(1, text.size() - 2) : text;
+}
+
+QString EdsValue::word(const QString &text)
+{
+    return withoutQuotes(withoutQuotes(text).section(u';', 0, 0).trimmed());
+}
+
 std::optional<quint32> EdsValue::number(const QString &text)
 {
     const QString inner = withoutQuotes(text);

@@ -10,6 +10,12 @@ namespace EdsValue {
 /// The text without the pair of quotes around it, if there is one.
 QString withoutQuotes(const QString &text);
 
+/// A text for people without the quotes around the whole of it; what is inside stays as it is.
+QString unquotedText(const QString &text);
+
+/// A word or a number without the remark behind it (";") and the quotes around it.
+QString word(const QString &text);
+
 /// A number: decimal, "0x" hexadecimal, or octal with a leading 0; a leading 0 before a digit that is not octal is
 /// taken as mere padding. What stands behind the number after a blank or a ";" is a remark and does not count.
 std::optional<quint32> number(const QString &text);
