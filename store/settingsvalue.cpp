@@ -38,8 +38,7 @@ QVariant ValueParser::value()
 {
     while (position_ < data_.size())
         step();
-    if (!partWasQuoted_)
-        chopTrailingSpaces();
+    takeTrailingSpaces();
     if (!isList_)
         return variantOf(text_);
     return QString(list_ + variantOf(text_).toString());
@@ -74,23 +73,28 @@ void ValueParser::skipSpaces()
     chopLimit_ = text_.size();
 }
 
-void ValueParser::chopTrailingSpaces()
+/// Cuts the blanks at the end of a part, but for those in quotes and those that an escape wrote.
+QString ValueParser::takeTrailingSpaces()
 {
     qsizetype size = text_.size();
-    while (size > chopLimit_ && (text_.at(size - 1) == u' ' || text_.at(size - 1) == u'\t'))
+    while (!partWasQuoted_ && size > chopLimit_ && (text_.at(size - 1) == u' ' || text_.at(size - 1) == u'\t'))
         --size;
+    const QString spaces = text_.sliced(size);
     text_.truncate(size);
+    return spaces;
 }
 
+/// A comma outside quotes: in a project it is a part of the text, and so are the blanks around it.
 void ValueParser::endPart()
 {
-    if (!partWasQuoted_)
-        chopTrailingSpaces();
+    const QString spaces = takeTrailingSpaces();
     isList_ = true;
-    list_ += variantOf(text_).toString() + u',';
+    list_ += variantOf(text_).toString() + spaces + u',';
     text_.clear();
     partWasQuoted_ = false;
+    const qsizetype start = position_;
     skipSpaces();
+    list_ += QLatin1StringView(data_.sliced(start, position_ - start));
 }
 
 void ValueParser::readPlain()

@@ -12,7 +12,8 @@ constexpr bool isHexDigit(char16_t ch)
     return (ch >= '0' && ch <= '9') || (ch >= 'a' && ch <= 'f') || (ch >= 'A' && ch <= 'F');
 }
 
-/// Reads the value of a key in a settings file: text, or a list where a comma stands outside quotes.
+/// Reads the value of a key in a settings file. A comma outside quotes makes a list of it, whose parts are unescaped
+/// one by one; told is the text as it stands, with the commas and the blanks around them.
 class ValueParser
 {
 public:
@@ -23,7 +24,7 @@ public:
 private:
     void step();
     void skipSpaces();
-    void chopTrailingSpaces();
+    QString takeTrailingSpaces();
     void endPart();
     void readPlain();
     void readEscape();
@@ -36,7 +37,7 @@ private:
     bool partWasQuoted_ = false;
     bool isList_ = false;
     QString text_;
-    QString list_; ///< the parts so far, each with its comma
+    QString list_; ///< the parts so far, each with its comma and the blanks around that
     QStringDecoder fromUtf8_{QStringDecoder::Utf8};
 };
 

@@ -178,10 +178,13 @@ TEST_F(TextForm, ReaderFindsWhatTheFrameworkFinds)
         const QByteArray content = randomJoin(random, tokens, 40);
         const QString file = path(u"garbage%1.ini"_s.arg(round));
         ASSERT_TRUE(TestSupport::writeFile(file, content));
+        // The framework drops the blanks around the commas of a list.
+        static const QRegularExpression comma(u"[ \\t]*,[ \\t]*"_s);
         const auto comparable = [](QStringList entries) {
             entries.removeIf([](const QString &entry) {
                 return entry.startsWith(u'/') || entry.contains("//"_L1) || entry.contains("/="_L1);
             });
+            entries.replaceInStrings(comma, u","_s);
             entries.sort();
             return entries;
         };
