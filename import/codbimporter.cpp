@@ -80,7 +80,6 @@ SubRecord recordOf(const QStringList &fields)
     record.accesstype = fields.value(Access);
     if (record.accesstype.isEmpty())
         record.accesstype = u"ro"_s;
-    record.allowedaccesstypes = listOfRule(fields.value(AllowedAccess));
     record.pdomapping = mappingOf(fields);
     record.defaultvalue = fields.value(DefaultValue);
     return record;
@@ -231,6 +230,7 @@ void CODBImporter::importObject(const QStringList &fields)
 void CODBImporter::importVariable(quint16 index, StoreRecords::IndexData object, const QStringList &fields)
 {
     SubRecord record = recordOf(fields);
+    record.allowedaccesstypes = listOfRule(fields.value(AllowedAccess));
     setDefaultLimits(record);
     setImplementation(record, index, 0);
     object.objecttype = CANopen::Var;
@@ -243,6 +243,9 @@ void CODBImporter::importSubObject(const QStringList &fields)
 {
     const auto [index, subindex] = placeOf(fields);
     SubRecord record = recordOf(fields);
+    // Where a line says nothing of it, any access is allowed.
+    if (const QString allowed = fields.value(AllowedAccess); !allowed.isEmpty())
+        record.allowedaccesstypes = listOfRule(allowed);
     record.writedefaulttoeds = record.defaultvalue.isEmpty() && subindex != 0 ? 0 : 1;
     setLimits(record, fields);
     fitToObject(index, subindex, record);
