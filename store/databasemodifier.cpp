@@ -7,11 +7,32 @@
 #include <QFileInfo>
 #include <QTextStream>
 
+#include <filesystem>
+#include <optional>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr qint64 maxFileSize = 16 << 20;
+
+/// The whole of a file or a pipe; none if it cannot be read or is too large to be meant. A device may never end.
+std::optional<QByteArray> contentOf(const QString &path)
+{
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(QFileInfo(path).filesystemFilePath(), error);
+    QFile file(path);
+    if ((!is_regular_file(status) && !is_fifo(status)) || !file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    QByteArray content;
+    // A pipe gives what it has at the moment.
+    for (QByteArray part = file.read(maxFileSize); !part.isEmpty(); part = file.read(maxFileSize)) {
+        content += part;
+        if (content.size() > maxFileSize)
+            return std::nullopt;
+    }
+    return content;
+}
 
 } // namespace
 
@@ -22,12 +43,10 @@ bool DatabaseModifier::applyModifierFile()
         return false;
     store_->setBlocked(false);
     qDebug().noquote() << "Applying " << path_;
-    const QFileInfo info(path_);
-    QFile file(path_);
-    // A pipe or device would never end.
-    if (!info.isFile() || info.size() > maxFileSize || !file.open(QIODevice::ReadOnly | QIODevice::Text))
+    const std::optional<QByteArray> content = contentOf(path_);
+    if (!content)
         return false;
-    QTextStream stream(&file);
+    QTextStream stream(*content);
     QString line;
     while (stream.readLineInto(&line)) {
         qDebug().noquote() << line;
