@@ -21,7 +21,7 @@ namespace {
 using Store = std::shared_ptr<ObjectDataBase>;
 
 /// The description without what the library refuses though files in the field have it: the mapping flag and limits of
-/// a DOMAIN.
+/// a DOMAIN, and negative or hexadecimal limits, which it compares as texts.
 QString forReader(const QString &eds)
 {
     QStringList lines;
@@ -32,7 +32,8 @@ QString forReader(const QString &eds)
         if (line == "ObjectType=2"_L1)
             isDomain = true;
         const bool isLimit = line.startsWith("LowLimit="_L1) || line.startsWith("HighLimit="_L1);
-        const bool isRefused = isDomain && (isLimit || line.startsWith("PDOMapping="_L1));
+        const bool isCompared = line.contains("=-"_L1) || line.contains("=0x"_L1, Qt::CaseInsensitive);
+        const bool isRefused = isDomain ? isLimit || line.startsWith("PDOMapping="_L1) : isLimit && isCompared;
         if (!isRefused)
             lines.append(line);
     }
