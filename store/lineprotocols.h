@@ -22,3 +22,5 @@ struct LineProtocols
 /// The lines of a project that take part in generation (scratch lines do not), and those that count for its protocols.
 inline constexpr quint8 firstScratchLine = 254;
 inline constexpr quint8 firstLineWithoutProtocol = 240;
+/// The stack's tables have room for the lines below this one.
+inline constexpr quint8 firstLineBeyondStack = 32;

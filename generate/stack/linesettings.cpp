@@ -1,27 +1,22 @@
 #include "generate/stack/linesettings.h"
 
+#include "store/lineprotocols.h"
 #include "store/objectdatabase.h"
+#include "texttools/numbertext.h"
 
 #include <algorithm>
-
-namespace {
-
-constexpr quint8 lineLimit = 32;
-constexpr int automaticBase = 0;
-
-} // namespace
 
 QList<quint8> LineSettings::stackLines(ObjectDataBase &store)
 {
     QList<quint8> lines = store.getNodeList();
-    lines.removeIf([](quint8 line) { return line >= lineLimit; });
+    lines.removeIf([](quint8 line) { return line >= firstLineBeyondStack; });
     std::ranges::sort(lines);
     return lines;
 }
 
 quint32 LineSettings::number(const QString &text)
 {
-    return text.trimmed().toUInt(nullptr, automaticBase);
+    return NumberText::byPrefix(text).value_or(0);
 }
 
 quint32 LineSettings::number(ObjectDataBase &store, const QString &key)
