@@ -4,6 +4,7 @@
 #include "check/storevalue.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 #include "texttools/helper.h"
 
 #include <algorithm>
@@ -154,12 +155,13 @@ LineSettings readSettings(ObjectDataBase &store, quint8 line)
     const quint64 granularity = plainValue(store.getDescriptionSetting(u"Granularity"_s)).value_or(0);
     store.setCurrentLine(current);
     settings.granularity = static_cast<quint8>(std::min<quint64>(granularity, 255));
-    settings.canFd = isOn(store.getGeneralSetting(u"canfd_supported"_s));
-    settings.bitwiseMapping = isOn(store.getGeneralSetting(u"bitwise_mapping"_s));
-    settings.limitCheckEnabled = isOn(store.getGeneralSetting(u"limit_check"_s));
-    settings.nmtMaster = isOn(store.getGeneralSetting(u"nmtmaster"_s, line));
-    settings.safetySupport = isOn(store.getJ1939Setting(u"safetysupport"_s, line));
-    const quint64 nodeId = plainValue(store.getGeneralSetting(u"co_node_id"_s, line)).value_or(0);
+    const Settings general(store);
+    settings.canFd = general.isOn(u"canfd_supported"_s);
+    settings.bitwiseMapping = general.isOn(u"bitwise_mapping"_s);
+    settings.limitCheckEnabled = general.isOn(u"limit_check"_s);
+    settings.nmtMaster = general.isOn(u"nmtmaster"_s, line);
+    settings.safetySupport = Settings(store, Settings::Table::J1939).isOn(u"safetysupport"_s, line);
+    const quint32 nodeId = general.number(u"co_node_id"_s, line);
     if (nodeId >= 1 && nodeId <= 127)
         settings.nodeId = static_cast<quint8>(nodeId);
     settings.defaultCobIds = predefinedCobIds(settings.nodeId);

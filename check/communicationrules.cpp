@@ -5,6 +5,7 @@
 #include "check/storevalue.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 using namespace Qt::StringLiterals;
 
@@ -25,7 +26,7 @@ bool isEmpty(const CheckedObject &object, quint8 subindex)
 
 bool isOnForLine(ModelChecker &checker, const QString &key)
 {
-    return isOn(checker.store().getGeneralSetting(key, checker.line().number()));
+    return Settings(checker.store()).isOn(key, checker.line().number());
 }
 
 /// Lists of nodes: heartbeat consumers, emergency consumers, slave assignment.
@@ -79,7 +80,7 @@ void tooManySlaves(ModelChecker &checker, const CheckSubject &subject)
 {
     const CheckedObject &object = *subject.object;
     const size_t slaves = object.subs.size() - (object.sub(0) ? 1 : 0);
-    if (plainValue(checker.store().getGeneralSetting(u"max_slave_assignment"_s)).value_or(0) > slaves)
+    if (plainValue(Settings(checker.store()).text(u"max_slave_assignment"_s, checker.line().number())).value_or(0) > slaves)
         checker.reportError(u"<strong>Error: </strong>Object 0x1f81: Value of 'max slave Assigment count' may not "
                             "exceed number of subindices of object 0x1f81."_s);
 }
@@ -115,7 +116,7 @@ void usdoWithoutConnections(ModelChecker &checker, const CheckSubject & /*subjec
 
 bool storesOnItsOwn(ModelChecker &checker)
 {
-    return isOn(checker.store().getGeneralSetting(u"1010autostore_by_application"_s));
+    return Settings(checker.store()).isOn(u"1010autostore_by_application"_s);
 }
 
 /// Store and restore capabilities of CiA 301: bit 0 on command, bit 1 without, which the application has to do.

@@ -3,9 +3,9 @@
 #include "check/checktext.h"
 #include "check/modelchecker.h"
 #include "check/safetytypes.h"
-#include "check/storevalue.h"
 #include "nodedict/canopendatatype.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <algorithm>
 
@@ -18,7 +18,7 @@ constexpr quint32 classicalFrameBits = 64;
 
 bool isOnForLine(ModelChecker &checker, const QString &j1939Setting)
 {
-    return isOn(checker.store().getJ1939Setting(j1939Setting, checker.line().number()));
+    return Settings(checker.store(), Settings::Table::J1939).isOn(j1939Setting, checker.line().number());
 }
 
 /// A rule that finds a setting of the line without a value.
@@ -58,14 +58,14 @@ bool isLongerThanFrame(ModelChecker & /*checker*/, const CheckSubject &subject)
 
 void sortedCobList(ModelChecker &checker, const CheckSubject & /*subject*/)
 {
-    if (isOn(checker.store().getGeneralSetting(u"sorted_coblist"_s)))
+    if (Settings(checker.store()).isOn(u"sorted_coblist"_s))
         checker.reportError(u"<strong>Error: </strong>Sorted COB list may not used with J1939 projects."_s);
 }
 
 /// Opening a project switches the filter off, so that only a modifier file brings one here.
 void groupFilter(ModelChecker &checker, const CheckSubject & /*subject*/)
 {
-    if (checker.store().getGeneralSetting(u"drv_group_filter"_s).toInt() == 1)
+    if (Settings(checker.store()).isOn(u"drv_group_filter"_s))
         checker.reportWarning(
             WG_CONFIG, u"<strong>Warning: </strong>Group filter is only useful for CANopen or mixed projects."_s);
 }
@@ -79,8 +79,8 @@ void dynamicWithoutCobs(ModelChecker &checker, const CheckSubject & /*subject*/)
 
 void manufacturerIsNorvane(ModelChecker &checker, const CheckSubject & /*subject*/)
 {
-    constexpr quint64 norvane = 1447;
-    if (plainValue(checker.store().getJ1939Setting(u"manufacturercode"_s, checker.line().number())) == norvane)
+    constexpr quint32 norvane = 1447;
+    if (Settings(checker.store(), Settings::Table::J1939).number(u"manufacturercode"_s, checker.line().number()) == norvane)
         checker.reportWarning(WG_IDENTITY, u"<strong>Warning: The manufacturer code 1447 (Norvane Fieldbus GmbH) may "
                                            "not be used for production. </strong>"_s);
 }

@@ -4,6 +4,7 @@
 #include "check/modelchecker.h"
 #include "check/storevalue.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <QRegularExpression>
 
@@ -312,7 +313,7 @@ void onlyOnePdoFunction(ModelChecker &checker, const CheckSubject & /*subject*/)
 void emcyRoutingIncomplete(ModelChecker &checker, const CheckSubject & /*subject*/)
 {
     const bool isComplete = checker.line().object(0x1014) && checker.line().object(0x1028);
-    if (isOn(checker.store().getGeneralSetting(u"emcy_routing"_s)) && !isComplete)
+    if (Settings(checker.store()).isOn(u"emcy_routing"_s) && !isComplete)
         checker.reportError(u"<strong>Error: </strong>Both EMCY producer objects and EMCY consumer objects must be "
                             "present to use EMCY routing."_s);
 }

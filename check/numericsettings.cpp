@@ -1,6 +1,7 @@
 #include "check/numericsettings.h"
 
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 using namespace Qt::StringLiterals;
 
@@ -84,7 +85,7 @@ constexpr Row rows[] = {
 
 void visitNumericSettings(ObjectDataBase &store, const std::function<void(const CheckedSetting &)> &visit)
 {
-    const bool isBootLoader = store.getGeneralSetting(u"uds_bl_setting"_s) == "1"_L1;
+    const bool isBootLoader = Settings(store).isOn(u"uds_bl_setting"_s);
     for (const Row &row : rows) {
         if (isBootLoader && row.kind == Kind::UdsAddress)
             continue;

@@ -4,6 +4,7 @@
 #include "check/modelchecker.h"
 #include "check/storevalue.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <algorithm>
 
@@ -38,7 +39,7 @@ bool deviates(ModelChecker &checker, const CheckSubject &subject)
 
 bool followsPredefinedSet(ModelChecker &checker)
 {
-    return !isOn(checker.store().getGeneralSetting(u"overwrite_predef"_s, checker.line().number()));
+    return !Settings(checker.store()).isOn(u"overwrite_predef"_s, checker.line().number());
 }
 
 void mappingMissing(ModelChecker &checker, const CheckSubject &subject)

@@ -4,6 +4,7 @@
 #include "check/storevalue.h"
 #include "store/lineprotocols.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <QCoreApplication>
 #include <QSet>
@@ -61,15 +62,16 @@ void eachNumericSetting(ModelChecker &checker, const CheckSubject & /*outer*/, c
 
 bool isUdsActive(ObjectDataBase &store)
 {
-    return std::ranges::any_of(store.getNodeList(), [&store](quint8 line) {
-        return line < udsLines && (isOn(store.getGeneralSetting(u"uds_server_active"_s, line)) ||
-                                   isOn(store.getGeneralSetting(u"uds_client_cnt"_s, line)));
+    const Settings settings(store);
+    return std::ranges::any_of(store.getNodeList(), [&settings](quint8 line) {
+        return line < udsLines &&
+               (settings.isOn(u"uds_server_active"_s, line) || settings.isOn(u"uds_client_cnt"_s, line));
     });
 }
 
 bool isStaticUds(ModelChecker &checker)
 {
-    return isOn(checker.store().getGeneralSetting(u"uds_static_indication"_s));
+    return Settings(checker.store()).isOn(u"uds_static_indication"_s);
 }
 
 /// Minor version of a tool of major version 3 that saw the project before this one; 99 for any other.
@@ -99,9 +101,8 @@ bool hasSeveralProtocols(ObjectDataBase &store)
 /// A feature counts for a line that has it, and for every line as long as none is named.
 bool isOnForLine(ObjectDataBase &store, const QString &feature, const QString &perLine, quint8 line)
 {
-    if (!isOn(store.getGeneralSetting(feature, line)))
-        return false;
-    return store.getGeneralSetting(perLine).trimmed().isEmpty() || isOn(store.getGeneralSetting(perLine, line));
+    const Settings settings(store);
+    return settings.isOn(feature, line) && (settings.text(perLine).trimmed().isEmpty() || settings.isOn(perLine, line));
 }
 
 void udsServerAndClient(ModelChecker &checker, const CheckSubject &subject)
@@ -167,7 +168,7 @@ void udsSourceSince39(ModelChecker &checker, const CheckSubject & /*subject*/)
 
 void sdoBlockTooLarge(ModelChecker &checker, const CheckSubject & /*subject*/)
 {
-    if (plainValue(checker.store().getGeneralSetting(u"sdo_blocktransfer_block_size"_s)).value_or(0) > 127)
+    if (plainValue(Settings(checker.store()).text(u"sdo_blocktransfer_block_size"_s)).value_or(0) > 127)
         checker.reportError(u"<strong><font color='red'>Error: </font></strong>CANopen SDO block size may not exceed "
                             "127."_s);
 }
@@ -183,9 +184,10 @@ void timerIntervalUnset(ModelChecker &checker, const CheckSubject & /*subject*/)
 void masterOfSeveralProtocols(ModelChecker &checker, const CheckSubject & /*subject*/)
 {
     ObjectDataBase &store = checker.store();
-    const bool someMaster = std::ranges::any_of(store.getNodeList(), [&store](quint8 line) {
+    const Settings settings(store);
+    const bool someMaster = std::ranges::any_of(store.getNodeList(), [&](quint8 line) {
         return line < firstLineWithoutProtocol && LineProtocols::ofLine(store, line).canOpen &&
-               isOn(store.getGeneralSetting(u"nmtmaster"_s, line));
+               settings.isOn(u"nmtmaster"_s, line);
     });
     if (someMaster && hasSeveralProtocols(store))
         checker.reportError(u"<strong><font color='red'>Error: </font></strong>The CANopen setting 'NMT Master or "

@@ -1,7 +1,6 @@
 #include "check/specialpgns.h"
 
-#include "check/storevalue.h"
-#include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <algorithm>
 #include <array>
@@ -31,24 +30,22 @@ constexpr std::array diagnosticRanges{
     DiagnosticRange{36, 52, 64868, -1},   DiagnosticRange{53, 55, 64721},       DiagnosticRange{56, 57, 64711, -1},
 };
 
-/// The setting has an entry for each line, or one for all.
-bool isOnFor(ObjectDataBase &store, const QString &key, std::optional<quint8> line)
+bool isOnFor(const Settings &settings, const QString &key, std::optional<quint8> line)
 {
-    if (line)
-        return isOn(store.getJ1939Setting(key, *line));
-    return std::ranges::any_of(store.getJ1939Setting(key).split(u','), isOn);
+    return line ? settings.isOn(key, *line) : settings.onAnyLine(key);
 }
 
 } // namespace
 
 QList<quint32> specialPGNs(ObjectDataBase &store, std::optional<quint8> line)
 {
+    const Settings settings(store, Settings::Table::J1939);
     QList<quint32> pgns(alwaysSpecial.begin(), alwaysSpecial.end());
     for (const DiagnosticRange &range : diagnosticRanges) {
         quint32 pgn = range.firstPgn;
         for (quint32 dm = range.firstDm; dm <= range.lastDm; ++dm, pgn += static_cast<quint32>(range.step)) {
-            const bool on = isOnFor(store, u"diagsupport_dm%1"_s.arg(dm), line) ||
-                            isOnFor(store, u"diagsupport_dmtool%1"_s.arg(dm), line);
+            const bool on = isOnFor(settings, u"diagsupport_dm%1"_s.arg(dm), line) ||
+                            isOnFor(settings, u"diagsupport_dmtool%1"_s.arg(dm), line);
             if (on && !pgns.contains(pgn))
                 pgns.append(pgn);
         }

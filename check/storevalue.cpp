@@ -31,8 +31,3 @@ std::optional<quint64> plainValue(const QString &text)
     const auto value = StoreValue::parse(text);
     return value && !value->nodeRelative && !value->negative ? std::optional(value->magnitude) : std::nullopt;
 }
-
-bool isOn(const QString &setting)
-{
-    return plainValue(setting).value_or(0) > 0;
-}

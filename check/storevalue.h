@@ -18,6 +18,3 @@ struct StoreValue
 
 /// An unsigned number that is not relative to the node-id; nothing for any other text.
 std::optional<quint64> plainValue(const QString &text);
-
-/// True for a setting that is switched on: a number above 0.
-bool isOn(const QString &setting);

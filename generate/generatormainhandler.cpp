@@ -180,7 +180,7 @@ GeneratorMainHandler::GeneratorResult GeneratorMainHandler::runStages(bool ignor
         return OutputFolderNotWritable;
     }
 
-    context.bootloaderMode = context.generalSetting(u"uds_bl_setting"_s) == "1"_L1 && !context.multiLine;
+    context.bootloaderMode = context.isOn(u"uds_bl_setting"_s) && !context.multiLine;
     if (GenerationRun(context, *output_, *this).walk(runRows_) == RunFlow::EndWithTemplateFailure)
         return TemplateFailure;
 

@@ -1,6 +1,7 @@
 #include "generate/runcontext.h"
 
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 using namespace Qt::StringLiterals;
 
@@ -28,12 +29,17 @@ LineProtocols RunContext::protocolsOf(ObjectDataBase &store, quint8 line)
     return LineProtocols::ofLine(store, line);
 }
 
-QString RunContext::generalSetting(const QString &key) const
+bool RunContext::isOn(const QString &key) const
 {
-    return store->getGeneralSetting(key);
+    return Settings(*store).isOn(key);
+}
+
+bool RunContext::isOnForJ1939(const QString &key) const
+{
+    return Settings(*store, Settings::Table::J1939).onAnyLine(key);
 }
 
 bool RunContext::usesV4() const
 {
-    return generalSetting(u"use_core_headers"_s) == "V4"_L1;
+    return store->getGeneralSetting(u"use_core_headers"_s) == "V4"_L1;
 }

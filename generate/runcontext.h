@@ -33,7 +33,9 @@ struct RunContext
     bool isMultiProtocol() const { return hasRawCAN || (hasCANopen && hasJ1939); }
     LineProtocols protocols(quint8 line) const { return protocolsOf(*store, line); }
     static LineProtocols protocolsOf(ObjectDataBase &store, quint8 line);
-    QString generalSetting(const QString &key) const;
+    /// A switch of the device (see `Settings`).
+    bool isOn(const QString &key) const;
+    bool isOnForJ1939(const QString &key) const;
     /// Read anew each time, since an import, a modifier file or a tool may have changed it after the open.
     bool usesV4() const;
 };

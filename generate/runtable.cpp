@@ -86,7 +86,7 @@ bool isJ1939Only(const RunContext &run)
 
 bool hasSdoServer(const RunContext &run)
 {
-    return run.isJ1939Only() && run.store->getJ1939Setting(u"cia510serversupport"_s).toInt() == 1;
+    return run.isJ1939Only() && run.isOnForJ1939(u"cia510serversupport"_s);
 }
 
 bool hasMessages(const RunContext &run)
@@ -96,27 +96,27 @@ bool hasMessages(const RunContext &run)
 
 bool hasSafetyGroups(const RunContext &run)
 {
-    return hasMessages(run) && run.store->getJ1939Setting(u"safetysupport"_s).toInt() > 0;
+    return hasMessages(run) && run.isOnForJ1939(u"safetysupport"_s);
 }
 
 bool hasIndications(const RunContext &run)
 {
-    return run.hasCANopen || run.generalSetting(u"uds_static_indication"_s).toInt() == 1;
+    return run.hasCANopen || run.isOn(u"uds_static_indication"_s);
 }
 
 bool hasFdDescription(const RunContext &run)
 {
-    return hasIndications(run) && run.generalSetting(u"canfd_supported"_s).toInt() >= 1;
+    return hasIndications(run) && run.isOn(u"canfd_supported"_s);
 }
 
 bool hasProps(const RunContext &run)
 {
-    return run.generalSetting(u"gen_csharp_props"_s).toInt() == 1;
+    return run.isOn(u"gen_csharp_props"_s);
 }
 
 bool wantsCppCopies(const RunContext &run)
 {
-    return hasIndications(run) && run.generalSetting(u"generate_cpp_output"_s).toInt() == 1;
+    return hasIndications(run) && run.isOn(u"generate_cpp_output"_s);
 }
 
 // ---- Generators
@@ -146,7 +146,7 @@ std::unique_ptr<FileGenerator> makeIndices(const RunContext &run, quint8 /*line*
 template <class Classic, class V4>
 std::unique_ptr<Classic> newDictionary(const RunContext &run)
 {
-    const bool compact = run.generalSetting(u"compact_array_description"_s).toInt() == 1;
+    const bool compact = run.isOn(u"compact_array_description"_s);
     if (run.usesV4())
         return std::make_unique<V4>(compact);
     return std::make_unique<Classic>(compact);
@@ -160,7 +160,7 @@ std::unique_ptr<FileGenerator> makeDictionary(const RunContext &run, quint8 /*li
 std::unique_ptr<FileGenerator> makeMultiProtocol(const RunContext &run, quint8 /*line*/)
 {
     const MultiProtocols protocols = MultiProtocols::of(run);
-    const bool compact = run.generalSetting(u"compact_array_description"_s).toInt() == 1;
+    const bool compact = run.isOn(u"compact_array_description"_s);
     if (run.usesV4())
         return std::make_unique<MultiProGeneratorV4>(protocols, compact);
     return std::make_unique<MultiProGenerator>(protocols, compact);
@@ -189,7 +189,7 @@ std::unique_ptr<FileGenerator> makeDefines(const RunContext &run, quint8 /*line*
 /// Only the V4 form knows the functions of the UDS server.
 std::unique_ptr<FileGenerator> makeIndications(const RunContext &run, quint8 /*line*/)
 {
-    if (run.usesV4() || run.generalSetting(u"uds_static_indication"_s).toInt() == 1)
+    if (run.usesV4() || run.isOn(u"uds_static_indication"_s))
         return std::make_unique<indicationgeneratorv4>();
     return std::make_unique<indicationgenerator>();
 }
@@ -204,7 +204,7 @@ std::unique_ptr<FileGenerator> makeIcsv(const RunContext &run, quint8 /*line*/)
 std::unique_ptr<FileGenerator> makeSrdo(const RunContext &run, quint8 /*line*/)
 {
     auto generator = std::make_unique<SrdoGeneratorStatic>();
-    generator->setStaticData(run.generalSetting(u"static_srdo_data"_s).toInt() == 1);
+    generator->setStaticData(run.isOn(u"static_srdo_data"_s));
     return generator;
 }
 
@@ -276,7 +276,7 @@ RunFlow removeStaleFiles(GenerationRun &run, quint8 /*line*/)
 {
     constexpr std::array adapterFiles{"gen_j1939_adapter.c", "gen_j1939_adapter.cs", "j1939_adapter.cs",
                                       "j1939_adapter.c"};
-    if (run.context().store->getJ1939Setting(u"j1939adapter"_s) != "1"_L1) {
+    if (!run.context().isOnForJ1939(u"j1939adapter"_s)) {
         for (const char *name : adapterFiles)
             QFile::remove(run.filePath(QString::fromLatin1(name)));
     }

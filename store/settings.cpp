@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 using namespace Qt::StringLiterals;
 
@@ -99,16 +100,23 @@ constexpr std::array generalKinds{
     Row{"user_defines"_L1, freeText},
 };
 
+constexpr std::array j1939Kinds{
+    Row{"cia510clientsupport"_L1, {.form = Form::PerLine, .lines = Lines::J1939, .on = On::One}},
+    Row{"cia510serversupport"_L1, {.form = Form::PerLine, .lines = Lines::J1939, .on = On::One}},
+    Row{"j1939adapter"_L1, {.form = Form::PerLine, .lines = Lines::J1939, .on = On::One}},
+};
+
 constexpr std::array textBeginnings{"fct_"_L1, "note_"_L1, "uds_fct_"_L1};
 constexpr std::array textEndings{"_function"_L1, "_name"_L1, "_targetid"_L1, "_defines"_L1};
 
 Kind kindOf(const QString &key, Table table)
 {
+    const std::span<const Row> rows = table == Table::J1939 ? std::span<const Row>(j1939Kinds) : generalKinds;
+    const auto row = std::ranges::find_if(rows, [&key](const Row &each) { return each.key == key; });
+    if (row != rows.end())
+        return row->kind;
     if (table == Table::J1939)
         return j1939Line;
-    const auto row = std::ranges::find_if(generalKinds, [&key](const Row &each) { return each.key == key; });
-    if (row != generalKinds.end())
-        return row->kind;
     const bool isText =
         std::ranges::any_of(textBeginnings, [&](QLatin1StringView part) { return key.startsWith(part); }) ||
         std::ranges::any_of(textEndings, [&](QLatin1StringView part) { return key.endsWith(part); });
@@ -155,14 +163,16 @@ QString partOf(const QStringList &parts, quint8 line)
 
 } // namespace
 
-Settings::Settings(ObjectDataBase &store, Table table)
-    : store_(store)
-    , table_(table)
+const QList<Settings::Line> &Settings::lines() const
 {
-    for (const quint8 line : store.getNodeList()) {
-        if (line < firstLineBeyondStack)
-            lines_.append({line, LineProtocols::ofLine(store, line)});
+    if (!lines_) {
+        lines_.emplace();
+        for (const quint8 line : store_.getNodeList()) {
+            if (line < firstLineBeyondStack)
+                lines_->append({line, LineProtocols::ofLine(store_, line)});
+        }
     }
+    return *lines_;
 }
 
 Settings::Form Settings::form(const QString &key, Table table)
@@ -188,7 +198,7 @@ bool Settings::isOn(const QString &key) const
     if (!isList(kind.form))
         return switchesOn(whole, kind.on);
     const QStringList parts = whole.split(u',');
-    return std::ranges::any_of(lines_, [&](const Line &line) {
+    return std::ranges::any_of(lines(), [&](const Line &line) {
         return isMeant(kind.lines, line.protocols) && switchesOn(partOf(parts, line.number), kind.on);
     });
 }
@@ -206,7 +216,7 @@ quint32 Settings::number(const QString &key) const
         return NumberText::byPrefix(whole).value_or(0);
     const QStringList parts = whole.split(u',');
     quint32 highest = 0;
-    for (const Line &line : lines_) {
+    for (const Line &line : lines()) {
         if (isMeant(kind.lines, line.protocols))
             highest = std::max(highest, NumberText::byPrefix(partOf(parts, line.number)).value_or(0));
     }

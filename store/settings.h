@@ -5,13 +5,15 @@
 #include <QList>
 #include <QString>
 
+#include <optional>
+
 class ObjectDataBase;
 
 /// How check and generators ask for the settings of a project, so that all of them understand a text in the same way.
 ///
 /// A number is decimal, "0x" hexadecimal or octal with a leading 0; what is none of these counts as 0. Of a setting
 /// that is a list per line, a line takes its own part, one beyond the end the last part; the device has what one of the
-/// lines that the setting is meant for has. The form of a setting and what switches it on stand in one table, in
+/// lines that the setting is meant for has; the lines are read once. The form of a setting and what switches it on stand in one table, in
 /// settings.cpp.
 class Settings
 {
@@ -31,8 +33,11 @@ public:
         TextPerLine, ///< such a text for each line, or one for all
     };
 
-    /// The lines of the project are read here and not again.
-    explicit Settings(ObjectDataBase &store, Table table = Table::General);
+    explicit Settings(ObjectDataBase &store, Table table = Table::General)
+        : store_(store)
+        , table_(table)
+    {
+    }
 
     static Form form(const QString &key, Table table = Table::General);
 
@@ -55,7 +60,9 @@ private:
         LineProtocols protocols;
     };
 
+    const QList<Line> &lines() const;
+
     ObjectDataBase &store_;
     Table table_;
-    QList<Line> lines_; ///< that the stack counts
+    mutable std::optional<QList<Line>> lines_; ///< those that the stack counts, read when they are first asked for
 };

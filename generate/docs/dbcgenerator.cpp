@@ -7,6 +7,7 @@
 #include "generate/outputfile.h"
 #include "generate/runcontext.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <QDebug>
 #include <QDir>
@@ -216,8 +217,9 @@ void DBCGenerator::build(CANdbDBC &dbc)
     Q_EMIT progress(25);
     log(dbc.setAttribute(u"ProtocolType"_s, u"J1939"_s), "Error kvaDbSetAttributeValueInt");
 
-    const auto address = static_cast<quint8>(database()->getJ1939Setting(u"startaddress"_s, line()).toUInt(nullptr, 0));
-    const bool withDm1 = database()->getJ1939Setting(u"diagsupport_dm1"_s, line()).toUInt() > 0;
+    const Settings settings(*database(), Settings::Table::J1939);
+    const auto address = static_cast<quint8>(settings.number(u"startaddress"_s, line()));
+    const bool withDm1 = settings.isOn(u"diagsupport_dm1"_s, line());
     DbcFrames frames(DbcFrames::Form::OneFrame);
     frames.addPGNs(*database(), line(), address);
     frames.addStackMessages(address, withDm1);

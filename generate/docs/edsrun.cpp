@@ -23,7 +23,7 @@ void generateEds(GenerationRun &run, quint8 line, const EdsVariant &variant)
 
 RunFlow generateEdsFiles(GenerationRun &run, quint8 line)
 {
-    const bool hasFd = run.context().generalSetting(u"canfd_supported"_s).toInt() >= 1;
+    const bool hasFd = run.context().isOn(u"canfd_supported"_s);
     const QStringList tags = edsTags(*run.context().store, line);
     for (const QString &tag : tags) {
         generateEds(run, line, {.tag = tag, .extended = hasFd});

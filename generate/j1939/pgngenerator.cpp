@@ -4,10 +4,10 @@
 #include "generate/dialect.h"
 #include "generate/j1939/pgnsections.h"
 #include "generate/stack/commoninit.h"
-#include "generate/stack/linesettings.h"
 #include "generate/stack/sourceopening.h"
 #include "generate/stack/udsblocks.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <optional>
 
@@ -28,17 +28,16 @@ struct Content
 
 Content collect(ObjectDataBase &store, const QString &outputFolder, const Dialect &dialect, bool multiLine)
 {
-    using LineSettings::number;
+    const Settings settings(store);
     Content content{
         .opening = SourceOpening::of(store, outputFolder),
         .tables = PgnTables::collect(store, dialect, multiLine, PgnTables::Scope::J1939Only),
         .commonInit = CommonInit::collect(store),
         .uds = UdsBlocks::collect(store),
-        .formerServiceValues = dialect.has(Point::FormerServiceValues) && number(store, u"new_init_structure"_s) != 1,
+        .formerServiceValues = dialect.has(Point::FormerServiceValues) && !settings.isOn(u"new_init_structure"_s),
     };
     // A bootloader gets no gen_extern_decl.h; if it maps variables all the same, it has to bring a header of its own.
-    const bool bootloader =
-        store.getGeneralSetting(u"uds_bl_setting"_s) == "1"_L1 && content.commonInit.lines.size() == 1;
+    const bool bootloader = settings.isOn(u"uds_bl_setting"_s) && content.commonInit.lines.size() == 1;
     content.externDeclarations = !bootloader || content.tables.usesApplicationVariables;
     return content;
 }

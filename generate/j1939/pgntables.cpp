@@ -9,6 +9,7 @@
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <QDebug>
 #include <QSet>
@@ -142,6 +143,7 @@ class Collector
 public:
     Collector(ObjectDataBase &store, const Dialect &dialect, PgnTables &tables)
         : store_(store)
+        , settings_(store, Settings::Table::J1939)
         , dialect_(dialect)
         , tables_(tables)
     {
@@ -161,6 +163,7 @@ private:
     PgnTables::Line &line() { return tables_.lines.last(); }
 
     ObjectDataBase &store_;
+    Settings settings_;
     const Dialect &dialect_;
     PgnTables &tables_;
     std::array<QList<PgnTables::ManagedArray::Element>, arrayKinds.size()> managed_;
@@ -293,7 +296,7 @@ void Collector::collectLine(quint8 number, LineProtocols protocols)
         line().suffix = u"_l%1"_s.arg(number);
     }
     if (protocols.j1939) {
-        const auto groups = tables_.safety ? LineMessages::Groups::Ordinary : LineMessages::Groups::All;
+        const auto groups = settings_.isOn(u"safetysupport"_s, number) ? LineMessages::Groups::Ordinary : LineMessages::Groups::All;
         store_.cacheSPNs(number);
         line().receivedPgns =
             messagesOf(LineMessages::parameterGroups(store_, number, ObjectDataBase::receive, groups));
@@ -302,7 +305,7 @@ void Collector::collectLine(quint8 number, LineProtocols protocols)
         store_.clearSPNCache();
         addAddressClaim();
         line().sourceAddress =
-            static_cast<quint8>(LineSettings::number(store_.getJ1939Setting(u"startaddress"_s, number)));
+            static_cast<quint8>(settings_.number(u"startaddress"_s, number));
     }
     if (protocols.rawCan) {
         line().receivedCanIds = messagesOf(LineMessages::canIds(store_, number, ObjectDataBase::receive));
@@ -328,11 +331,11 @@ void Collector::takeArrays()
 
 PgnTables PgnTables::collect(ObjectDataBase &store, const Dialect &dialect, bool multiLine, Scope scope)
 {
-    using LineSettings::number;
+    const Settings j1939(store, Settings::Table::J1939);
     PgnTables tables{.multiLine = multiLine,
-                     .dynamic = number(store.getJ1939Setting(u"dynsupport"_s)) > 0,
-                     .safety = number(store.getJ1939Setting(u"safetysupport"_s)) > 0,
-                     .initialised = number(store, u"init_static_variables"_s) == 1};
+                     .dynamic = j1939.onAnyLine(u"dynsupport"_s),
+                     .safety = j1939.onAnyLine(u"safetysupport"_s),
+                     .initialised = Settings(store).isOn(u"init_static_variables"_s)};
     Collector collector(store, dialect, tables);
     for (const quint8 line : LineSettings::stackLines(store)) {
         LineProtocols protocols = RunContext::protocolsOf(store, line);

@@ -7,6 +7,7 @@
 #include "generate/stack/linesettings.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <QHash>
 #include <QRegularExpression>
@@ -108,20 +109,21 @@ QList<SafetyGroups::Group> groupsOf(ObjectDataBase &store, quint8 line, quint8 d
 
 bool SafetyGroups::keepsSendersApart(ObjectDataBase &store, const Dialect &dialect)
 {
-    return dialect.has(Point::SafetySenders) && LineSettings::number(store.getJ1939Setting(u"sdm_rec_addr_cnt"_s)) > 1;
+    return dialect.has(Point::SafetySenders) &&
+           Settings(store, Settings::Table::J1939).number(u"sdm_rec_addr_cnt"_s) > 1;
 }
 
 SafetyGroups SafetyGroups::collect(ObjectDataBase &store, const Dialect &dialect, bool multiLine)
 {
-    using LineSettings::number;
-    const bool canFd = number(store, u"canfd_supported"_s) > 0;
+    const Settings j1939(store, Settings::Table::J1939);
+    const bool canFd = Settings(store).isOn(u"canfd_supported"_s);
     SafetyGroups result{.multiLine = multiLine,
                         .sendersApart = keepsSendersApart(store, dialect),
-                        .loopCounter = number(store.getJ1939Setting(u"sdm_loop_counter"_s))};
+                        .loopCounter = j1939.number(u"sdm_loop_counter"_s)};
     KnownVariables known;
     for (const quint8 line : LineSettings::stackLines(store)) {
         Line groups{.number = line};
-        if (RunContext::protocolsOf(store, line).j1939) {
+        if (RunContext::protocolsOf(store, line).j1939 && j1939.isOn(u"safetysupport"_s, line)) {
             store.cacheSPNs(line);
             groups.received = groupsOf(store, line, ObjectDataBase::receive, canFd, result.sendersApart, known);
             groups.transmitted = groupsOf(store, line, ObjectDataBase::transmit, canFd, false, known);

@@ -3,9 +3,9 @@
 #include "generate/codewriter.h"
 #include "generate/dialect.h"
 #include "generate/j1939/safetysections.h"
-#include "generate/stack/linesettings.h"
 #include "generate/stack/sourceopening.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <QTextStream>
 
@@ -79,7 +79,7 @@ void SDMGenerator::write(QTextStream &stream)
     const SourceOpening opening = SourceOpening::of(*database(), outputFolder());
     const TemplateValues values = valuesOf(groups, information, includes(opening, dialect), dialect);
 
-    const QString path = templatePath(multiLine, LineSettings::number(*database(), u"canfd_supported"_s) > 0);
+    const QString path = templatePath(multiLine, Settings(*database()).isOn(u"canfd_supported"_s));
     const bool hasSource = form_ == SourceForm::Classic || !database()->getMiscSetting(u"costackpath"_s).isEmpty();
     const std::optional<QString> text = hasSource ? source_->text(path) : std::nullopt;
     const std::optional<QString> module = text ? Templates::fill(*text, values) : std::nullopt;

@@ -1,8 +1,9 @@
 #include "generate/stack/cobcount.h"
 
 #include "generate/stack/linedictionary.h"
-#include "generate/stack/linesettings.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
+#include "texttools/numbertext.h"
 
 #include <array>
 
@@ -14,12 +15,13 @@ namespace {
 /// A line as the terms of the count see it.
 struct Line
 {
-    ObjectDataBase &store;
+    Settings settings;
     const LineDictionary &dictionary;
 
-    quint32 setting(const QString &key) const { return LineSettings::number(store, key, dictionary.line()); }
-    bool canFd() const { return LineSettings::number(store, u"canfd_supported"_s) > 0; }
-    bool isMaster() const { return setting(u"nmtmaster"_s) > 0; }
+    quint32 setting(const QString &key) const { return settings.number(key, dictionary.line()); }
+    bool isOn(const QString &key) const { return settings.isOn(key, dictionary.line()); }
+    bool canFd() const { return isOn(u"canfd_supported"_s); }
+    bool isMaster() const { return isOn(u"nmtmaster"_s); }
     bool has(quint16 index) const { return dictionary.has(index); }
     quint32 count(Range range) const { return dictionary.count(range.first, range.last); }
 };
@@ -33,7 +35,7 @@ quint32 onePerEntry(const Line &line, quint16 index)
 quint32 heartbeats(const Line &line)
 {
     const quint32 consumers = onePerEntry(line, 0x1016);
-    return consumers > 0 && line.setting(u"only_one_hb_buffer"_s) > 0 ? 1 : consumers;
+    return consumers > 0 && line.isOn(u"only_one_hb_buffer"_s) ? 1 : consumers;
 }
 
 quint32 sdoServers(const Line &line)
@@ -44,7 +46,7 @@ quint32 sdoServers(const Line &line)
 
 quint32 layerSetting(const Line &line)
 {
-    if (line.setting(u"lss_supported"_s) == 0)
+    if (!line.isOn(u"lss_supported"_s))
         return 0;
     return line.canFd() && line.isMaster() ? 3 : 2;
 }
@@ -79,7 +81,7 @@ constexpr std::array<quint32 (*)(const Line &), 18> terms{
     [](const Line &line) -> quint32 {
         if (!line.canFd())
             return 0;
-        return line.setting(u"usdo_client_cnt"_s) != 0 ? 4 : 2;
+        return line.isOn(u"usdo_client_cnt"_s) ? 4 : 2;
     },
     [](const Line &line) -> quint32 { return line.has(0x1000) ? 2 : 0; },
     [](const Line &line) -> quint32 { return line.has(0x1014) ? 1 : 0; },
@@ -92,7 +94,7 @@ constexpr std::array<quint32 (*)(const Line &), 18> terms{
     heartbeats,
     [](const Line &line) -> quint32 { return line.has(0x1012) ? 2 : 0; },
     layerSetting,
-    [](const Line &line) -> quint32 { return line.setting(u"idnego_supported"_s) > 0 ? 2 : 0; },
+    [](const Line &line) -> quint32 { return line.isOn(u"idnego_supported"_s) ? 2 : 0; },
     assignedSlaves,
     sleepMode,
     [](const Line &line) -> quint32 { return line.has(0x1F10) ? 1 : 0; },
@@ -104,7 +106,7 @@ constexpr std::array<quint32 (*)(const Line &), 18> terms{
 
 quint32 CobCount::ofCanOpen(ObjectDataBase &store, const LineDictionary &dictionary)
 {
-    const Line line{store, dictionary};
+    const Line line{Settings(store), dictionary};
     quint32 sum = additional(store, dictionary.line());
     for (const auto term : terms)
         sum += term(line);
@@ -116,18 +118,18 @@ quint32 CobCount::additional(ObjectDataBase &store, quint8 line)
     const QStringList entries = store.getGeneralSetting(u"additional_cob_count"_s).split(u',');
     if (entries.size() > 1 && line >= entries.size())
         return static_cast<quint32>(entries.size());
-    return LineSettings::number(entries.value(line, entries.first()));
+    return NumberText::byPrefix(entries.value(line, entries.first())).value_or(0);
 }
 
 quint32 CobCount::ofDiagnostics(ObjectDataBase &store, quint8 line)
 {
-    using LineSettings::number;
+    const Settings settings(store);
     quint32 sum = 0;
-    if (number(store, u"isotp_supported"_s) == 1)
-        sum += 2 * (number(store, u"isotp_client_con"_s, line) + number(store, u"isotp_server_con"_s, line));
-    if (number(store, u"udsserver_supported"_s) == 1)
+    if (settings.isOn(u"isotp_supported"_s))
+        sum += 2 * (settings.number(u"isotp_client_con"_s, line) + settings.number(u"isotp_server_con"_s, line));
+    if (settings.isOn(u"udsserver_supported"_s))
         sum += 7;
-    if (number(store, u"udsclient_supported"_s) == 1)
-        sum += 3 * number(store, u"uds_client_cnt"_s, line);
+    if (settings.isOn(u"udsclient_supported"_s))
+        sum += 3 * settings.number(u"uds_client_cnt"_s, line);
     return sum;
 }

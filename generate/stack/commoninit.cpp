@@ -4,29 +4,23 @@
 #include "generate/dialect.h"
 #include "generate/stack/linesettings.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-CommonInit::Protocols protocolsOfType(quint32 typeCode)
+/// A line's protocols in the order of its mask.
+CommonInit::Protocols wordsOf(const LineProtocols &line)
 {
-    switch (typeCode) {
-    case 1:
-        return {u"CANOPEN"_s};
-    case 2:
-        return {u"J1939"_s};
-    case 4:
-        return {u"RAWCAN"_s};
-    case 5:
-        return {u"J1939"_s, u"CANOPEN"_s};
-    case 6:
-        return {u"CANOPEN"_s, u"RAWCAN"_s};
-    case 7:
-        return {u"J1939"_s, u"RAWCAN"_s};
-    default:
-        return {u"UNKNOWN"_s};
-    }
+    CommonInit::Protocols words;
+    if (line.j1939)
+        words.append(u"J1939"_s);
+    if (line.canOpen)
+        words.append(u"CANOPEN"_s);
+    if (line.rawCan)
+        words.append(u"RAWCAN"_s);
+    return words.isEmpty() ? CommonInit::Protocols{u"UNKNOWN"_s} : words;
 }
 
 /// The protocols of all lines, each line's mask with the comma behind it.
@@ -42,18 +36,18 @@ QString protocolRow(const CommonInit &init, const Dialect &dialect)
 
 CommonInit CommonInit::collect(ObjectDataBase &store)
 {
-    using LineSettings::number;
-    const bool udsServer = number(store, u"udsserver_supported"_s) == 1;
-    const bool uds = udsServer || number(store, u"udsclient_supported"_s) == 1;
+    const Settings settings(store);
+    const bool udsServer = settings.isOn(u"udsserver_supported"_s);
+    const bool uds = udsServer || settings.isOn(u"udsclient_supported"_s);
     CommonInit init;
     for (const quint8 line : LineSettings::stackLines(store)) {
-        Protocols protocols = protocolsOfType(number(store, u"line%1type"_s.arg(line)));
+        Protocols protocols = wordsOf(LineProtocols::ofLine(store, line));
         if (uds)
             protocols.append(u"UDS"_s);
         init.lines.append(protocols);
     }
-    init.isoTp = udsServer || number(store, u"isotp_supported"_s) == 1;
-    init.fd = number(store, u"canfd_supported"_s) >= 1;
+    init.isoTp = udsServer || settings.isOn(u"isotp_supported"_s);
+    init.fd = settings.isOn(u"canfd_supported"_s);
     return init;
 }
 

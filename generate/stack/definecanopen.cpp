@@ -15,7 +15,6 @@ using Counts = LineCounts;
 using Dictionary = DefineModel::Dictionary;
 using Family = std::vector<std::pair<quint32, QString>>;
 
-constexpr char canFd[] = "canfd_supported";
 constexpr char blockTransfer[] = "sdo_blocktransfer_supported";
 constexpr char clientQueue[] = "sdo_client_queue_supported";
 constexpr char usdoServer[] = "usdo_server_enabled";
@@ -101,7 +100,7 @@ QString nodeIdFunctions(const DefineModel &model, Key /*key*/)
 
 QString layerSettingMaster(const DefineModel &model, Key key)
 {
-    return flag(model.isSet(key) && model.isSetOnALine(u"nmtmaster"_s));
+    return flag(model.isSet(key) && model.isSet(u"nmtmaster"_s));
 }
 
 /// A classic stack takes the routes of its lines from a setting.
@@ -121,11 +120,11 @@ QString routesPerLine(const DefineModel &model, Key key)
         model, [&](const LineCounts &line) { return decimal(model.number(key, line)); }, ", "_L1);
 }
 
-/// The USDO service (CiA 1301) belongs to CAN FD; without it on any line, its functions are not declared either.
+/// Without the USDO service (CiA 1301) on any line its functions are not declared.
 template <const char *enabled>
 QString usdoFunction(const DefineModel &model, Key key)
 {
-    return model.canFd && model.isSetOnALine(QLatin1StringView(enabled)) ? isFunction(model, key) : QString();
+    return model.isSet(QLatin1StringView(enabled)) ? isFunction(model, key) : QString();
 }
 
 template <quint16 dataType>
@@ -165,7 +164,7 @@ constexpr std::array serviceMacros{
     Macro{.name = "CO_PROFILE_%1"_L1, .family = profile},
     Macro{"CO_EVENT_PROFILE_STORE"_L1, profileStores},
     Macro{.name = "CO_P447_VDFG_%1"_L1, .family = vehicleGroups},
-    Macro{"CO_NMT_MASTER"_L1, isSetOnALine, "nmtmaster"_L1},
+    Macro{"CO_NMT_MASTER"_L1, isSet, "nmtmaster"_L1},
     Macro{"CO_FLYING_MASTER_SUPPORTED"_L1, dictionaryHas<&Dictionary::flyingMaster>, {}, Forms::V4Only},
     Macro{"CO_FLYING_MASTER_SUPPORTED"_L1, isSet, "flyma_supported"_L1, Forms::ClassicOnly},
     Macro{"CO_LSS_MASTER_SUPPORTED"_L1, layerSettingMaster, "lss_supported"_L1},
@@ -184,11 +183,11 @@ constexpr std::array serviceMacros{
     Macro{"CO_SDO_SERVER_CNT"_L1, totalIfAny<&Counts::sdoServers>},
     Macro{"CO_SDO_CLIENT_CNT"_L1, totalIfAny<&Counts::sdoClients>},
     Macro{"CO_USDO_SUPPORTED"_L1, isSet, "canfd_supported"_L1},
-    Macro{"CO_USDO_SERVER_MAX_CONN_CNT"_L1, given<canFd, totalIfAny<&Counts::usdoServers>>, {}, Forms::V4Only},
-    Macro{"CO_USDO_SERVER_MAX_CON"_L1, given<canFd, totalIfAny<&Counts::usdoServers>>, {}, Forms::ClassicOnly},
-    Macro{"CO_USDO_SERVER_MAX_CONN_COUNTS"_L1, given<canFd, perLineIfAny<&Counts::usdoServers>>, {}, Forms::V4Only},
-    Macro{"CO_SUSDO_DOMAIN_CNT"_L1, given<canFd, count>, "usdo_server_domain_write_ind_size"_L1},
-    Macro{"CO_USDO_SPLIT_INDICATION"_L1, given<canFd, isSet>, "usdo_split_indication_supported"_L1, Forms::V4Only},
+    Macro{"CO_USDO_SERVER_MAX_CONN_CNT"_L1, totalIfAny<&Counts::usdoServers>, {}, Forms::V4Only},
+    Macro{"CO_USDO_SERVER_MAX_CON"_L1, totalIfAny<&Counts::usdoServers>, {}, Forms::ClassicOnly},
+    Macro{"CO_USDO_SERVER_MAX_CONN_COUNTS"_L1, perLineIfAny<&Counts::usdoServers>, {}, Forms::V4Only},
+    Macro{"CO_SUSDO_DOMAIN_CNT"_L1, count, "usdo_server_domain_write_ind_size"_L1},
+    Macro{"CO_USDO_SPLIT_INDICATION"_L1, isSet, "usdo_split_indication_supported"_L1, Forms::V4Only},
     Macro{"CO_EVENT_STATIC_USDO_SERVER_READ"_L1, usdoFunction<usdoServer>, "usdo_server_read_ind_function"_L1},
     Macro{"CO_EVENT_STATIC_SUSDO_READ_FINISHED"_L1, usdoFunction<usdoServer>,
           "usdo_server_read_finished_ind_function"_L1},
@@ -197,10 +196,10 @@ constexpr std::array serviceMacros{
     Macro{"CO_EVENT_STATIC_SUSDO_DOMAIN_WRITE"_L1, usdoFunction<usdoServer>,
           "usdo_server_domain_write_ind_function"_L1},
     Macro{"CO_EVENT_STATIC_SUSDO_DOMAIN_READ"_L1, usdoFunction<usdoServer>, "usdo_server_domain_read_ind_function"_L1},
-    Macro{"CO_USDO_CLIENT_SUPPORTED"_L1, given<canFd, isSetOnALine>, "usdo_client_enabled"_L1},
-    Macro{"CO_USDO_CLIENT_MAX_CONN_CNT"_L1, given<canFd, totalIfAny<&Counts::usdoClients>>, {}, Forms::V4Only},
-    Macro{"CO_USDO_CLIENT_MAX_CON"_L1, given<canFd, totalIfAny<&Counts::usdoClients>>, {}, Forms::ClassicOnly},
-    Macro{"CO_USDO_CLIENT_MAX_CONN_COUNTS"_L1, given<canFd, perLineIfAny<&Counts::usdoClients>>, {}, Forms::V4Only},
+    Macro{"CO_USDO_CLIENT_SUPPORTED"_L1, isSet, "usdo_client_enabled"_L1},
+    Macro{"CO_USDO_CLIENT_MAX_CONN_CNT"_L1, totalIfAny<&Counts::usdoClients>, {}, Forms::V4Only},
+    Macro{"CO_USDO_CLIENT_MAX_CON"_L1, totalIfAny<&Counts::usdoClients>, {}, Forms::ClassicOnly},
+    Macro{"CO_USDO_CLIENT_MAX_CONN_COUNTS"_L1, perLineIfAny<&Counts::usdoClients>, {}, Forms::V4Only},
     Macro{"CO_EVENT_STATIC_CUSDO_CLIENT_READ"_L1, usdoFunction<usdoClient>, "usdo_client_read_ind_function"_L1},
     Macro{"CO_EVENT_STATIC_CUSDO_CLIENT_WRITE"_L1, usdoFunction<usdoClient>, "usdo_client_write_ind_function"_L1},
     Macro{"CO_EVENT_STATIC_CUSDO_DOMAIN_WRITE"_L1, usdoFunction<usdoClient>,

@@ -68,11 +68,12 @@ private:
     void readEnergyBus();
     quint32 setting(const QString &key, const LineCounts &line) const
     {
-        return LineSettings::number(store_, key, line.number);
+        return model_.number(key, line);
     }
+    bool isOn(const QString &key, const LineCounts &line) const { return model_.general_.isOn(key, line.number); }
     QString text(const QString &key, const LineCounts &line) const
     {
-        return store_.getGeneralSetting(key, line.number);
+        return model_.general_.text(key, line.number);
     }
 
     ObjectDataBase &store_;
@@ -165,7 +166,7 @@ void DefineCollector::countSdo(LineCounts &line, const LineDictionary &dictionar
     const bool canOpenOnly = line.protocols.canOpen && !line.protocols.combined();
     const bool j1939 = line.protocols.j1939 && !line.protocols.canOpen;
     const auto supports = [&](const QString &key) {
-        return j1939 && LineSettings::number(store_.getJ1939Setting(key, line.number)) == 1;
+        return j1939 && model_.j1939_.isOn(key, line.number);
     };
     line.sdoServers = dictionary.count(sdoServers.first, sdoServers.last);
     if (line.sdoServers == 0 && ((canOpenOnly && !model_.canFd) || supports(u"cia510serversupport"_s)))
@@ -173,9 +174,9 @@ void DefineCollector::countSdo(LineCounts &line, const LineDictionary &dictionar
     line.sdoClients = dictionary.count(sdoClients.first, sdoClients.last);
     if (line.sdoClients == 0 && supports(u"cia510clientsupport"_s))
         line.sdoClients = 1;
-    if (setting(u"usdo_server_enabled"_s, line) > 0)
+    if (isOn(u"usdo_server_enabled"_s, line))
         line.usdoServers = setting(u"usdo_server_cnt"_s, line);
-    if (setting(u"usdo_client_enabled"_s, line) > 0)
+    if (isOn(u"usdo_client_enabled"_s, line))
         line.usdoClients = setting(u"usdo_client_cnt"_s, line);
 }
 
@@ -183,15 +184,15 @@ void DefineCollector::countSdo(LineCounts &line, const LineDictionary &dictionar
 /// sends on one and receives on another.
 void DefineCollector::countConnections(LineCounts &line) const
 {
-    if (setting(u"isotp_supported"_s, line) == 1) {
+    if (isOn(u"isotp_supported"_s, line)) {
         line.isoTpClients = setting(u"isotp_client_con"_s, line);
         line.isoTpServers = setting(u"isotp_server_con"_s, line);
     }
-    if (setting(u"udsserver_supported"_s, line) > 0) {
+    if (isOn(u"udsserver_supported"_s, line)) {
         line.isoTpClients += 1;
         line.isoTpServers += 2;
     }
-    if (setting(u"udsclient_supported"_s, line) > 0) {
+    if (isOn(u"udsclient_supported"_s, line)) {
         line.udsClients = setting(u"uds_client_cnt"_s, line);
         line.isoTpClients += line.udsClients;
         line.isoTpServers += line.udsClients;
@@ -200,7 +201,7 @@ void DefineCollector::countConnections(LineCounts &line) const
 
 void DefineCollector::countGroups(LineCounts &line)
 {
-    const bool safety = LineSettings::number(store_.getJ1939Setting(u"safetysupport"_s, line.number)) > 0;
+    const bool safety = model_.j1939_.isOn(u"safetysupport"_s, line.number);
     for (const ObjectDataBase::PGN &group : store_.getAllPGNs(line.number)) {
         const bool received = group.direction == ObjectDataBase::receive;
         if (group.number == addressClaim || (!received && group.direction != ObjectDataBase::transmit))
@@ -211,7 +212,7 @@ void DefineCollector::countGroups(LineCounts &line)
         model_.multiSourceGroups |= received && group.multisourceaddress;
         model_.inhibitedGroups |= !received && group.inhibittime_ms > 0;
     }
-    line.destinationBuffers = LineSettings::number(store_.getJ1939Setting(u"j1939fd_multipgbuffer"_s, line.number));
+    line.destinationBuffers = model_.j1939_.number(u"j1939fd_multipgbuffer"_s, line.number);
 }
 
 void DefineCollector::countCanIds(LineCounts &line)
@@ -290,7 +291,7 @@ quint32 DefineCollector::dynamicMappings(const LineDictionary &dictionary, Range
 /// itself.
 void DefineCollector::readNetworkStart(const LineDictionary &dictionary)
 {
-    const bool isMaster = LineSettings::number(store_, u"nmtmaster"_s, dictionary.line()) > 0;
+    const bool isMaster = model_.general_.isOn(u"nmtmaster"_s, dictionary.line());
     if (dictionary.has(0x1F80))
         (isMaster ? model_.dictionary.flyingMaster : model_.dictionary.selfStarting) = true;
 
@@ -304,7 +305,7 @@ void DefineCollector::readNetworkStart(const LineDictionary &dictionary)
 /// Each object counts once, although an SRDO maps its normal and its inverted data, and several SRDOs may share it.
 void DefineCollector::readStaticSrdo(const LineDictionary &dictionary)
 {
-    if (model_.number(u"static_srdo_data"_s) != 1)
+    if (!model_.isSet(u"static_srdo_data"_s))
         return;
     QSet<quint32> seen;
     for (const quint16 index : dictionary.range(srdoMappings.first, srdoMappings.last)) {

@@ -37,9 +37,7 @@ QString sleepWaitTime(const DefineModel &model, Key key)
 /// Registration at run time is on unless the project says 0.
 bool registersDynamically(const DefineModel &model)
 {
-    bool isNumber = false;
-    const int enabled = model.general(u"enable_dynamic"_s).trimmed().toInt(&isNumber);
-    return !isNumber || enabled != 0;
+    return model.isSet(u"enable_dynamic"_s);
 }
 
 constexpr std::array staticMacros{

@@ -105,7 +105,7 @@ void Writer::writeHardware()
 {
     out_(u"/* Hardware settings */");
     const auto count = static_cast<int>(model_.number(u"targetsettings_cnt"_s));
-    const bool all = model_.number(u"all_targets"_s) == 1;
+    const bool all = model_.isSet(u"all_targets"_s);
     if (count <= 1) {
         writeTarget(0, true, all, true);
     } else if (all) {
@@ -211,7 +211,7 @@ void DefineHeaderGenerator::write(QTextStream &stream)
     writer.write(DefineMacros::queues());
     if (j1939_ || multiProtocol_)
         writer.write(DefineMacros::j1939());
-    const bool bootloader = dialect_.has(Point::BootloaderBuffers) && model.number(u"uds_bl_setting"_s) == 1;
+    const bool bootloader = dialect_.has(Point::BootloaderBuffers) && model.isSet(u"uds_bl_setting"_s);
     writer.write(bootloader ? DefineMacros::bufferCounts() : DefineMacros::rawCan());
     writer.write(DefineMacros::diagnostics());
     writer.write(DefineMacros::virtualObjects());

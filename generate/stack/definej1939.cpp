@@ -28,7 +28,7 @@ constexpr quint32 lastDiagnosticMessage = 57;
 
 QString usesSdo(const DefineModel &model, Key /*key*/)
 {
-    return flag(model.j1939Number(u"cia510serversupport"_s) > 0 || model.j1939Number(u"cia510clientsupport"_s) > 0);
+    return flag(model.isJ1939Set(u"cia510serversupport"_s) || model.isJ1939Set(u"cia510clientsupport"_s));
 }
 
 /// At least one sender, since the tables of the safety data groups are sized by it.
@@ -39,7 +39,7 @@ QString senders(const DefineModel &model, Key key)
 
 QString multiPg11Bit(const DefineModel &model, Key key)
 {
-    return flag(model.canFd && model.j1939Number(key) > 0);
+    return flag(model.canFd && model.isJ1939Set(key));
 }
 
 QString multiSource(const DefineModel &model, Key /*key*/)
@@ -73,8 +73,8 @@ template <const char *condition, const char *keyOfMessage>
 Family diagnosticMessages(const DefineModel &model)
 {
     Family messages;
-    for (quint32 dm = 1; dm <= lastDiagnosticMessage && model.j1939Number(QLatin1StringView(condition)) > 0; ++dm) {
-        if (model.j1939Number(QString::fromLatin1(keyOfMessage).arg(dm)) > 0)
+    for (quint32 dm = 1; dm <= lastDiagnosticMessage && model.isJ1939Set(QLatin1StringView(condition)); ++dm) {
+        if (model.isJ1939Set(QString::fromLatin1(keyOfMessage).arg(dm)))
             messages.emplace_back(dm, flag(true));
     }
     return messages;

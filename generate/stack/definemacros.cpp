@@ -59,7 +59,7 @@ QString commonStructVersion(const DefineModel & /*model*/, Key /*key*/)
 
 QString rawCanStructVersion(const DefineModel &model, Key key)
 {
-    return model.number(QLatin1StringView(bootloader)) == 1 ? QString()
+    return model.isSet(QLatin1StringView(bootloader)) ? QString()
                                                             : structVersion<&LineProtocols::rawCan, 4>(model, key);
 }
 
@@ -198,7 +198,7 @@ constexpr char client[] = "udsclient_supported";
 /// initialisation structure of the stack has its ISO-TP counts on the same condition.
 bool usesIsoTp(const DefineModel &model)
 {
-    return model.number(u"isotp_supported"_s) == 1 || model.number(QLatin1StringView(server)) == 1;
+    return model.isSet(u"isotp_supported"_s) || model.isSet(QLatin1StringView(server));
 }
 
 QString isoTp(const DefineModel &model, Key /*key*/)
@@ -258,7 +258,7 @@ constexpr std::array diagnosticBlocks{
     Block{"\n/* ISO-TP Defines */"_L1, isoTpMacros},
     Block{"\n/* static UDS indication binding */"_L1, udsEventMacros,
           [](const DefineModel &model) {
-              return model.options.form == SourceForm::V4 && model.number(u"uds_static_indication"_s) == 1;
+              return model.options.form == SourceForm::V4 && model.isSet(u"uds_static_indication"_s);
           }},
 };
 
@@ -310,12 +310,12 @@ constexpr std::array hardwareBlocks{Block{""_L1, hardwareMacros}};
 
 QString generationCount(const DefineModel &model, Key key)
 {
-    return model.number(key) == 1 ? Code::dec(quint64{model.options.formerGenerations} + 1) + u"ul"_s : QString();
+    return model.isSet(key) ? Code::dec(quint64{model.options.formerGenerations} + 1) + u"ul"_s : QString();
 }
 
 constexpr std::array applicationMacros{
     Macro{"GEN_GENERATION_COUNT"_L1, generationCount, "generate_generation_counter"_L1},
-    Macro{"GEN_OVERWRITE_PREDEF_CONN_SET"_L1, isSetOnALine, "overwrite_predef"_L1, Forms::V4Only},
+    Macro{"GEN_OVERWRITE_PREDEF_CONN_SET"_L1, isSet, "overwrite_predef"_L1, Forms::V4Only},
 };
 
 constexpr std::array applicationBlocks{Block{""_L1, applicationMacros}};

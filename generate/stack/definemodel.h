@@ -2,6 +2,7 @@
 
 #include "generate/fileheader.h"
 #include "generate/runcontext.h"
+#include "store/settings.h"
 
 #include <QMap>
 #include <QSet>
@@ -100,9 +101,9 @@ public:
     QString general(const QString &key) const;
     quint32 number(const QString &key) const;
     quint32 number(const QString &key, const LineCounts &line) const;
-    bool isSet(const QString &key) const { return number(key) > 0; }
-    /// Set on some line.
-    bool isSetOnALine(const QString &key) const;
+    /// A switch of the device; where lines differ in it, it is set on some line.
+    bool isSet(const QString &key) const { return general_.isOn(key); }
+    bool isJ1939Set(const QString &key) const { return j1939_.onAnyLine(key); }
     /// The highest value on the J1939 lines.
     quint32 j1939Number(const QString &key) const;
     QString energyBus(const QString &key) const;
@@ -126,11 +127,15 @@ public:
 private:
     explicit DefineModel(ObjectDataBase &store)
         : store_(store)
+        , general_(store)
+        , j1939_(store, Settings::Table::J1939)
     {
     }
 
     friend class DefineCollector;
 
     ObjectDataBase &store_;
+    Settings general_;
+    Settings j1939_;
     QSet<quint16> objects_; ///< of all lines
 };

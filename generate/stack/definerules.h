@@ -45,16 +45,10 @@ inline QString always(const DefineModel & /*model*/, Key /*key*/)
     return flag(true);
 }
 
-/// A switch: the setting is a number above 0.
+/// A switch; of a list, some line has it on.
 inline QString isSet(const DefineModel &model, Key key)
 {
     return flag(model.isSet(key));
-}
-
-/// The same for a setting that differs by line.
-inline QString isSetOnALine(const DefineModel &model, Key key)
-{
-    return flag(model.isSetOnALine(key));
 }
 
 /// A switch: the setting names a function.
@@ -207,7 +201,7 @@ QString ofType(const DefineModel &model, Key /*key*/)
 
 inline QString j1939IsSet(const DefineModel &model, Key key)
 {
-    return flag(model.j1939Number(key) > 0);
+    return flag(model.isJ1939Set(key));
 }
 
 inline QString j1939Count(const DefineModel &model, Key key)
@@ -223,7 +217,7 @@ inline QString j1939Value(const DefineModel &model, Key key)
 template <const char *condition, QString (*rule)(const DefineModel &, Key)>
 QString j1939Given(const DefineModel &model, Key key)
 {
-    return model.j1939Number(QLatin1StringView(condition)) > 0 ? rule(model, key) : QString();
+    return model.isJ1939Set(QLatin1StringView(condition)) ? rule(model, key) : QString();
 }
 
 } // namespace DefineRules

@@ -2,6 +2,7 @@
 
 #include "generate/stack/dictionarycollect.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <algorithm>
 
@@ -44,13 +45,13 @@ quint8 compactLimit(const DictionaryObject &object)
 
 void readSettings(DictionaryTables &tables, ObjectDataBase &store)
 {
-    const auto number = [&store](const QString &key) { return store.getGeneralSetting(key).toInt(); };
-    tables.canFd = number(u"canfd_supported"_s) > 0;
-    tables.limitCheck = number(u"limit_check"_s) > 0;
-    tables.stringDefaults = number(u"generate_string_defaults"_s) > 0;
-    tables.initStaticVariables = number(u"init_static_variables"_s) == 1;
-    tables.memorySpecifier = store.getGeneralSetting(u"static_memory_specifier"_s);
-    tables.bitwiseMapping = number(u"bitwise_mapping"_s) != 0;
+    const Settings settings(store);
+    tables.canFd = settings.isOn(u"canfd_supported"_s);
+    tables.limitCheck = settings.isOn(u"limit_check"_s);
+    tables.stringDefaults = settings.isOn(u"generate_string_defaults"_s);
+    tables.initStaticVariables = settings.isOn(u"init_static_variables"_s);
+    tables.memorySpecifier = settings.text(u"static_memory_specifier"_s);
+    tables.bitwiseMapping = settings.isOn(u"bitwise_mapping"_s);
 }
 
 std::vector<DictionaryObject> readObjects(ObjectDataBase &store, quint8 line, bool compact)
@@ -186,7 +187,7 @@ DictionaryTables collectDictionaryTables(ObjectDataBase &store, const Dictionary
     tables.options = options;
     readSettings(tables, store);
     readLines(tables, store);
-    if (store.getGeneralSetting(u"static_srdo_data"_s).toInt() == 1)
+    if (Settings(store).isOn(u"static_srdo_data"_s))
         readStaticSrdoObjects(tables);
     DictionaryCollect::managedVariables(tables);
     DictionaryCollect::constants(tables);

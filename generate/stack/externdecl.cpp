@@ -6,6 +6,7 @@
 #include "generate/runcontext.h"
 #include "generate/stack/linesettings.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <QHash>
 #include <QRegularExpression>
@@ -80,7 +81,6 @@ class Collector
 public:
     Collector(ObjectDataBase &store, const Dialect &dialect)
         : store_(store)
-        , safety_(LineSettings::number(store.getJ1939Setting(u"safetysupport"_s)) > 0)
         , sendersApart_(SafetyGroups::keepsSendersApart(store, dialect))
     {
     }
@@ -94,7 +94,7 @@ private:
                          const StoreRecords::SPN &signal) const;
 
     ObjectDataBase &store_;
-    bool safety_;
+    bool safety_ = false;   ///< of the line, as its groups have it
     bool sendersApart_; ///< a received safety data group is kept once for each sender
     ExternDeclarations result_;
     QHash<QString, qsizetype> positions_; ///< of the variables, by name
@@ -162,9 +162,11 @@ void Collector::addMessage(const LineMessage &message)
 ExternDeclarations Collector::collect()
 {
     constexpr std::array directions{ObjectDataBase::receive, ObjectDataBase::transmit};
+    const Settings j1939(store_, Settings::Table::J1939);
     for (const quint8 line : LineSettings::stackLines(store_)) {
         result_.lines.append(ExternDeclarations::Line{.number = line});
         const LineProtocols protocols = RunContext::protocolsOf(store_, line);
+        safety_ = j1939.isOn(u"safetysupport"_s, line);
         if (protocols.j1939) {
             store_.cacheSPNs(line);
             for (const quint8 direction : directions)

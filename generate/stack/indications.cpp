@@ -1,22 +1,10 @@
 #include "generate/stack/indications.h"
 
 #include "generate/dialect.h"
-#include "generate/stack/linesettings.h"
 #include "store/objectdatabase.h"
-
-#include <algorithm>
+#include "store/settings.h"
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-bool isSetOnSomeLine(ObjectDataBase &store, const QString &key)
-{
-    const QList<quint8> lines = LineSettings::stackLines(store);
-    return std::ranges::any_of(lines, [&](quint8 line) { return LineSettings::number(store, key, line) > 0; });
-}
-
-} // namespace
 
 QString Indications::Event::parametersIn(const Dialect &dialect) const
 {
@@ -36,15 +24,15 @@ QString Indications::functionOf(ObjectDataBase &store, QLatin1StringView key)
 
 bool Indications::hasUsdoServer(ObjectDataBase &store)
 {
-    return isSetOnSomeLine(store, u"usdo_server_enabled"_s);
+    return Settings(store).onAnyLine(u"usdo_server_enabled"_s);
 }
 
 bool Indications::hasUsdoClient(ObjectDataBase &store)
 {
-    return isSetOnSomeLine(store, u"usdo_client_enabled"_s);
+    return Settings(store).onAnyLine(u"usdo_client_enabled"_s);
 }
 
 bool Indications::hasUdsEvents(ObjectDataBase &store)
 {
-    return LineSettings::number(store, u"uds_static_indication"_s) == 1;
+    return Settings(store).isOn(u"uds_static_indication"_s);
 }

@@ -19,16 +19,6 @@ quint32 LineSettings::number(const QString &text)
     return NumberText::byPrefix(text).value_or(0);
 }
 
-quint32 LineSettings::number(ObjectDataBase &store, const QString &key)
-{
-    return number(store.getGeneralSetting(key));
-}
-
-quint32 LineSettings::number(ObjectDataBase &store, const QString &key, quint8 line)
-{
-    return number(store.getGeneralSetting(key, line));
-}
-
 QStringList LineSettings::repeatedList(ObjectDataBase &store, const QString &key, qsizetype count)
 {
     const QStringList parts = store.getGeneralSetting(key).split(u',');

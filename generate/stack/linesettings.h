@@ -6,7 +6,7 @@
 
 class ObjectDataBase;
 
-/// How the generators of the stack's start-up read lines and settings.
+/// How the generators of the stack's start-up read lines and numbers; settings are read by `Settings`.
 ///
 /// A number may be decimal, "0x" hexadecimal or octal with a leading 0; what does not parse is 0.
 namespace LineSettings {
@@ -15,9 +15,6 @@ namespace LineSettings {
 QList<quint8> stackLines(ObjectDataBase &store);
 
 quint32 number(const QString &text);
-quint32 number(ObjectDataBase &store, const QString &key);
-/// The line's part of a per-line list (see `ObjectDataBase::getGeneralSetting`).
-quint32 number(ObjectDataBase &store, const QString &key, quint8 line);
 /// One text for each of `count` lines by their position; a list that is too short is repeated as a whole.
 QStringList repeatedList(ObjectDataBase &store, const QString &key, qsizetype count);
 

@@ -3,7 +3,7 @@
 #include "generate/codewriter.h"
 #include "generate/dialect.h"
 #include "generate/stack/dictionarytables.h"
-#include "generate/stack/linesettings.h"
+#include "store/settings.h"
 
 #include <algorithm>
 
@@ -234,9 +234,10 @@ PredefinedSet PredefinedSet::collect(ObjectDataBase &store, const DictionaryTabl
 {
     PredefinedSet set;
     set.multiLine = tables.multiLine;
+    const Settings settings(store);
     for (const quint8 number : tables.lineList) {
         const DictionaryLine *dictionary = tables.line(number);
-        if (LineSettings::number(store, u"overwrite_predef"_s, number) != 0 && dictionary != nullptr)
+        if (settings.isOn(u"overwrite_predef"_s, number) && dictionary != nullptr)
             set.lines.push_back({
                 .line = number,
                 .sdoServers = sdoCobIds(dictionary->range(0x1201, 0x127F)),

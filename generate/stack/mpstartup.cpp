@@ -7,12 +7,12 @@
 #include "generate/stack/linesettings.h"
 #include "generate/stack/rawcansections.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
 using Code::dec;
-using LineSettings::number;
 
 MultiProtocols MultiProtocols::of(const RunContext &run)
 {
@@ -33,14 +33,14 @@ void settleMasters(StackInit &init)
 MpStartUp MpStartUp::collect(ObjectDataBase &store, const MultiProtocols &protocols, const PgnTables &pgns,
                              const DictionaryTables &dictionary, const StackInit &canOpen)
 {
+    const Settings settings(store);
+    const Settings j1939(store, Settings::Table::J1939);
     MpStartUp startUp{.protocols = protocols,
                       .multiLine = pgns.multiLine,
-                      .fd = number(store, u"canfd_supported"_s) > 0,
-                      .uds =
-                          number(store, u"udsserver_supported"_s) == 1 || number(store, u"udsclient_supported"_s) == 1,
-                      .sdoServer = number(store.getJ1939Setting(u"cia510serversupport"_s)) == 1,
+                      .fd = settings.isOn(u"canfd_supported"_s),
+                      .uds = settings.isOn(u"udsserver_supported"_s) || settings.isOn(u"udsclient_supported"_s),
                       .initialised = pgns.initialised,
-                      .formerServiceValues = number(store, u"new_init_structure"_s) != 1,
+                      .formerServiceValues = !settings.isOn(u"new_init_structure"_s),
                       .safety = pgns.safety,
                       .canOpen = &canOpen};
     for (const quint8 number : LineSettings::stackLines(store)) {
@@ -48,6 +48,7 @@ MpStartUp MpStartUp::collect(ObjectDataBase &store, const MultiProtocols &protoc
         line.protocols.rawCan = line.protocols.rawCan && protocols.rawCan;
         if (!line.protocols.any())
             continue;
+        line.sdoServer = line.protocols.j1939 && j1939.isOn(u"cia510serversupport"_s, number);
         const auto messages = std::ranges::find(pgns.lines, number, &PgnTables::Line::number);
         if (messages != pgns.lines.end())
             line.messages = &*messages;
@@ -299,7 +300,7 @@ void MpStartUpWriter::writeJ1939(const MpStartUp::Line &line) const
         PgnSections::writeNameFields(out_, *line.messages);
     out_(u"\tretVal = j1939StackInit_line(&j1939Config${SUFFIX});", {{"SUFFIX", line.messages->suffix}});
     canOpen_.writeCheck();
-    if (startUp_.sdoServer && startUp_.protocols.canOpen && line.dictionary)
+    if (line.sdoServer && startUp_.protocols.canOpen && line.dictionary)
         writeDictionaryOfJ1939(line);
 }
 

@@ -32,6 +32,7 @@ struct MpStartUp
     {
         quint8 number = 0;
         LineProtocols protocols = {};
+        bool sdoServer = false;                     ///< J1939 serves the dictionary over CAM11 and CAM21
         const PgnTables::Line *messages = nullptr;  ///< null without J1939 and raw CAN
         const LineServices *services = nullptr;     ///< null without objects
         const DictionaryLine *dictionary = nullptr; ///< likewise
@@ -45,7 +46,6 @@ struct MpStartUp
     bool multiLine = false;
     bool fd = false;
     bool uds = false;
-    bool sdoServer = false;   ///< a J1939 device serves its dictionary over CAM11 and CAM21
     bool initialised = false; ///< variables have their values from the compiler
     bool formerServiceValues = false;
     bool safety = false;

@@ -5,13 +5,13 @@
 #include "generate/j1939/pgnsections.h"
 #include "generate/stack/commongeneratorhelper.h"
 #include "generate/stack/indicationpointers.h"
-#include "generate/stack/linesettings.h"
 #include "generate/stack/loadindication.h"
 #include "generate/stack/objdictsections.h"
 #include "generate/stack/rawcansections.h"
 #include "generate/stack/sourceopening.h"
 #include "generate/stack/userheader.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <QTextStream>
 
@@ -32,7 +32,7 @@ struct Content
 /// A bootloader gets no gen_extern_decl.h.
 bool hasExternDeclarations(ObjectDataBase &store, const MultiProtocols &protocols, const PgnTables &pgns)
 {
-    const bool bootloader = store.getGeneralSetting(u"uds_bl_setting"_s) == "1"_L1 && !pgns.multiLine;
+    const bool bootloader = Settings(store).isOn(u"uds_bl_setting"_s) && !pgns.multiLine;
     return !protocols.udsOnly && (!bootloader || pgns.usesApplicationVariables);
 }
 
@@ -40,7 +40,7 @@ bool hasExternDeclarations(ObjectDataBase &store, const MultiProtocols &protocol
 MultiProtocols startedProtocols(ObjectDataBase &store, MultiProtocols protocols, const Dialect &dialect)
 {
     const bool withoutRawCan =
-        dialect.has(Point::BootloaderBuffers) && store.getGeneralSetting(u"uds_bl_setting"_s) == "1"_L1;
+        dialect.has(Point::BootloaderBuffers) && Settings(store).isOn(u"uds_bl_setting"_s);
     if (withoutRawCan && (protocols.canOpen || protocols.j1939))
         protocols.rawCan = false;
     return protocols;
@@ -73,7 +73,7 @@ void writeIncludes(CodeWriter &out, ObjectDataBase &store, const Content &conten
         )");
     if (content.externDeclarations)
         out(u"#include <gen_extern_decl.h>");
-    if (LineSettings::number(store.getJ1939Setting(u"cia510serversupport"_s)) > 0)
+    if (Settings(store, Settings::Table::J1939).onAnyLine(u"cia510serversupport"_s))
         out(uR"(
             #include <j1939_cam11_cam21.h>
             #include <ico_odaccess.h>
@@ -186,7 +186,7 @@ void MultiProGenerator::write(QTextStream &stream)
 void MultiProGenerator::writeCompanions()
 {
     const bool multiLine = isMultiLine() || generatesMultiLine();
-    const bool wanted = protocols_.canOpen && LineSettings::number(*database(), u"generate_string_defaults"_s) > 0;
+    const bool wanted = protocols_.canOpen && Settings(*database()).isOn(u"generate_string_defaults"_s);
     const QString error = updateUserHeader(outputFolder(), baseName(), wanted, multiLine);
     if (!error.isEmpty())
         fail(OutputError, error);

@@ -2,11 +2,9 @@
 
 #include "generate/codewriter.h"
 #include "generate/stack/dictionarytables.h"
-#include "generate/stack/linesettings.h"
-#include "store/objectdatabase.h"
+#include "store/settings.h"
 
 using namespace Qt::StringLiterals;
-using LineSettings::number;
 
 namespace {
 
@@ -62,7 +60,7 @@ class Collector
 {
 public:
     Collector(ObjectDataBase &store, const DictionaryTables &tables, LineServices &services)
-        : store_(store)
+        : settings_(store)
         , tables_(tables)
         , dictionary_(tables.line(services.line))
         , services_(services)
@@ -116,12 +114,12 @@ private:
 
     void addSettings()
     {
-        const quint32 master = number(store_, u"nmtmaster"_s, services_.line);
+        const quint32 master = settings_.number(u"nmtmaster"_s, services_.line);
         services_.nmt = master == 2 ? NmtRole::Dynamic : master == 0 ? NmtRole::Slave : NmtRole::Master;
         services_.lssMaster = master == 1;
-        services_.lss = number(store_, u"lss_supported"_s) >= 1;
-        services_.usdoClient = tables_.canFd && number(store_, u"usdo_client_cnt"_s, services_.line) > 0 &&
-                               number(store_, u"usdo_client_enabled"_s, services_.line) > 0;
+        services_.lss = settings_.isOn(u"lss_supported"_s);
+        services_.usdoClient = tables_.canFd && settings_.isOn(u"usdo_client_cnt"_s, services_.line) &&
+                               settings_.isOn(u"usdo_client_enabled"_s, services_.line);
     }
 
     /// Without any object there is no table of assignments.
@@ -170,7 +168,7 @@ private:
 
     void addSmallServices()
     {
-        if (number(store_, u"event_led"_s) > 0)
+        if (settings_.isOn(u"event_led"_s))
             add(Service::Led, u"coLedInit"_s);
         if (has(emcyCobId))
             add(Service::EmcyProducer, u"coEmcyProducerInit"_s);
@@ -182,11 +180,11 @@ private:
             add(Service::Srd, u"coSrdInit"_s);
         if (has(globalFailSafe))
             add(Service::Gfc, u"coGfcInit"_s, {u"CO_TRUE"_s, u"CO_TRUE"_s});
-        if (number(store_, u"isotp_connection_cnt"_s) > 0)
+        if (settings_.isOn(u"isotp_connection_cnt"_s))
             add(Service::IsoTp, u"isoTpInit"_s);
-        if (number(store_, u"idnego_supported"_s) > 0)
+        if (settings_.isOn(u"idnego_supported"_s))
             add(Service::IdNegotiation, u"coIdNegoInit"_s);
-        if (number(store_, u"bootup_manager"_s) < 1 && has(slaveAssignment))
+        if (!settings_.isOn(u"bootup_manager"_s) && has(slaveAssignment))
             add(Service::Guarding, u"coGuardingInit"_s);
     }
 
@@ -235,7 +233,7 @@ private:
         }
     }
 
-    ObjectDataBase &store_;
+    Settings settings_;
     const DictionaryTables &tables_;
     const DictionaryLine *dictionary_;
     LineServices &services_;

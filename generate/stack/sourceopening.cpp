@@ -4,6 +4,7 @@
 #include "generate/dialect.h"
 #include "generate/stack/dictionarytables.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <QDir>
 #include <QFile>
@@ -12,13 +13,13 @@ using namespace Qt::StringLiterals;
 
 SourceOpening SourceOpening::of(ObjectDataBase &store, const QString &outputFolder)
 {
-    const auto isSet = [&store](const QString &key) { return store.getGeneralSetting(key).toInt() == 1; };
+    const Settings settings(store);
     return {
         .stdlib = !QFile::exists(QDir(outputFolder).filePath(u"no_stdlib_include.txt"_s)),
-        .uds = isSet(u"udsserver_supported"_s) || isSet(u"udsclient_supported"_s),
-        .staticUdsIndications = isSet(u"uds_static_indication"_s),
-        .coreHeaders = store.getGeneralSetting(u"use_core_headers"_s).toInt() > 0,
-        .applicationHeaders = store.getGeneralSetting(u"applicationheader"_s).trimmed().split(u' ', Qt::SkipEmptyParts),
+        .uds = settings.isOn(u"udsserver_supported"_s) || settings.isOn(u"udsclient_supported"_s),
+        .staticUdsIndications = settings.isOn(u"uds_static_indication"_s),
+        .coreHeaders = settings.isOn(u"use_core_headers"_s),
+        .applicationHeaders = settings.text(u"applicationheader"_s).trimmed().split(u' ', Qt::SkipEmptyParts),
     };
 }
 

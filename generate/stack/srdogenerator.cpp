@@ -2,7 +2,7 @@
 
 #include "generate/codewriter.h"
 #include "generate/fileheader.h"
-#include "generate/stack/linesettings.h"
+#include "store/settings.h"
 #include "generate/stack/sourceopening.h"
 #include "generate/stack/srdosections.h"
 #include "store/objectdatabase.h"
@@ -114,7 +114,7 @@ void SrdoGenerator::write(QTextStream &stream)
             #define SRDO_LOOP_COUNTER	${COUNT}u
 
             )",
-            {{"COUNT", Code::dec(LineSettings::number(*database(), u"srdo_loop_counter"_s))}});
+            {{"COUNT", Code::dec(Settings(*database()).number(u"srdo_loop_counter"_s))}});
         stream << Templates::fill(*functions, values).value_or(*functions);
     }
 }

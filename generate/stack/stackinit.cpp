@@ -4,7 +4,7 @@
 #include "generate/dialect.h"
 #include "generate/stack/commongeneratorhelper.h"
 #include "generate/stack/dictionarytables.h"
-#include "generate/stack/linesettings.h"
+#include "store/settings.h"
 #include "generate/stack/loadindication.h"
 #include "generate/stack/stringdefaults.h"
 #include "store/objectdatabase.h"
@@ -12,7 +12,6 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
-using LineSettings::number;
 
 namespace {
 
@@ -64,8 +63,9 @@ StackInit StackInit::collect(ObjectDataBase &store, const DictionaryTables &tabl
     init.multiLine = tables.multiLine;
     init.fd = tables.canFd;
     init.pdoRouting = tables.pdoRouting;
-    init.hasServiceVariables = number(store, u"new_init_structure"_s) == 1;
-    init.storeFunction = !store.getGeneralSetting(u"fct_store"_s).trimmed().isEmpty();
+    const Settings settings(store);
+    init.hasServiceVariables = settings.isOn(u"new_init_structure"_s);
+    init.storeFunction = !settings.text(u"fct_store"_s).trimmed().isEmpty();
     for (const quint8 line : tables.lineList) {
         init.lines.push_back(LineServices::collect(store, tables, line));
         if (!init.multiLine)

@@ -5,6 +5,7 @@
 #include "generate/dialect.h"
 #include "generate/stack/linesettings.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <algorithm>
 #include <array>
@@ -243,7 +244,8 @@ void writeLineConfiguration(CodeWriter &out, const UdsBlocks &uds, const UdsBloc
 
 std::optional<UdsBlocks> UdsBlocks::collect(ObjectDataBase &store)
 {
-    if (number(store, u"udsserver_supported"_s) != 1 && number(store, u"udsclient_supported"_s) != 1)
+    const Settings settings(store);
+    if (!settings.isOn(u"udsserver_supported"_s) && !settings.isOn(u"udsclient_supported"_s))
         return {};
     const QList<quint8> lines = LineSettings::stackLines(store);
     const auto perLine = [&store, count = lines.size()](const QString &key) {
@@ -259,14 +261,14 @@ std::optional<UdsBlocks> UdsBlocks::collect(ObjectDataBase &store)
     const QStringList formats = perLine(u"uds_ext_addressing"_s);
 
     UdsBlocks uds;
-    uds.version = std::max<quint8>(1, static_cast<quint8>(number(store, u"udsserver_version"_s)));
-    uds.bootloader = store.getGeneralSetting(u"uds_bl_setting"_s) == "1"_L1;
+    uds.version = std::max<quint8>(1, static_cast<quint8>(settings.number(u"udsserver_version"_s)));
+    uds.bootloader = settings.isOn(u"uds_bl_setting"_s);
     uds.multiLine = lines.size() > 1 || store.getMiscSetting(u"generateML"_s) == "true"_L1;
     for (qsizetype i = 0; i < lines.size(); ++i) {
         const quint8 line = lines.at(i);
         uds.lines.append({
             .line = line,
-            .clients = number(store, u"uds_client_cnt"_s, line),
+            .clients = settings.number(u"uds_client_cnt"_s, line),
             .physicalRequest = number(requests.at(i)),
             .physicalResponse = number(responses.at(i)),
             .functionalRequest = number(functionals.at(i)),
@@ -275,7 +277,7 @@ std::optional<UdsBlocks> UdsBlocks::collect(ObjectDataBase &store)
             .physicalResponseAddress = number(responseAddresses.at(i)),
             .functionalRequestAddress = number(functionalAddresses.at(i)),
             .addressing = number(formats.at(i)),
-            .serverActive = number(store, u"uds_server_active"_s, line) != 0,
+            .serverActive = settings.isOn(u"uds_server_active"_s, line),
             .services = activeServices(store, line),
         });
     }

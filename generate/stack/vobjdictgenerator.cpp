@@ -7,6 +7,7 @@
 #include "generate/stack/sourceopening.h"
 #include "generate/stack/virtualtables.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 using namespace Qt::StringLiterals;
 using Code::dec;
@@ -97,7 +98,7 @@ void VobjDictGenerator::write(QTextStream &stream)
         fail(OutputError, dictionary.error);
         return;
     }
-    const bool dynamic = database()->getGeneralSetting(u"dynod"_s).toInt() > 0;
+    const bool dynamic = Settings(*database()).isOn(u"dynod"_s);
     const VirtualTables tables = collectVirtualTables(dictionary, dynamic);
 
     CodeWriter out(stream);
