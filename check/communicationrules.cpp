@@ -80,7 +80,8 @@ void tooManySlaves(ModelChecker &checker, const CheckSubject &subject)
 {
     const CheckedObject &object = *subject.object;
     const size_t slaves = object.subs.size() - (object.sub(0) ? 1 : 0);
-    if (plainValue(Settings(checker.store()).text(u"max_slave_assignment"_s, checker.line().number())).value_or(0) > slaves)
+    if (plainValue(Settings(checker.store()).text(u"max_slave_assignment"_s, checker.line().number())).value_or(0) >
+        slaves)
         checker.reportError(u"<strong>Error: </strong>Object 0x1f81: Value of 'max slave Assigment count' may not "
                             "exceed number of subindices of object 0x1f81."_s);
 }

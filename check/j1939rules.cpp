@@ -80,7 +80,8 @@ void dynamicWithoutCobs(ModelChecker &checker, const CheckSubject & /*subject*/)
 void manufacturerIsNorvane(ModelChecker &checker, const CheckSubject & /*subject*/)
 {
     constexpr quint32 norvane = 1447;
-    if (Settings(checker.store(), Settings::Table::J1939).number(u"manufacturercode"_s, checker.line().number()) == norvane)
+    if (Settings(checker.store(), Settings::Table::J1939).number(u"manufacturercode"_s, checker.line().number()) ==
+        norvane)
         checker.reportWarning(WG_IDENTITY, u"<strong>Warning: The manufacturer code 1447 (Norvane Fieldbus GmbH) may "
                                            "not be used for production. </strong>"_s);
 }

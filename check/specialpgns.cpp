@@ -1,6 +1,7 @@
 #include "check/specialpgns.h"
 
 #include "store/settings.h"
+#include "texttools/numbertext.h"
 
 #include <algorithm>
 #include <array>
@@ -32,7 +33,10 @@ constexpr std::array diagnosticRanges{
 
 bool isOnFor(const Settings &settings, const QString &key, std::optional<quint8> line)
 {
-    return line ? settings.isOn(key, *line) : settings.onAnyLine(key);
+    if (line)
+        return settings.isOn(key, *line);
+    const auto isOn = [](const QString &part) { return NumberText::byPrefix(part).value_or(0) > 0; };
+    return std::ranges::any_of(settings.text(key).split(u','), isOn);
 }
 
 } // namespace

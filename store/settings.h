@@ -13,8 +13,8 @@ class ObjectDataBase;
 ///
 /// A number is decimal, "0x" hexadecimal or octal with a leading 0; what is none of these counts as 0. Of a setting
 /// that is a list per line, a line takes its own part, one beyond the end the last part; the device has what one of the
-/// lines that the setting is meant for has; the lines are read once. The form of a setting and what switches it on stand in one table, in
-/// settings.cpp.
+/// lines that the setting is meant for has; the lines are read once. The form of a setting and what switches it on
+/// stand in one table, in settings.cpp.
 class Settings
 {
 public:

@@ -4,6 +4,7 @@
 #include "generate/dialect.h"
 #include "generate/j1939/pgnsections.h"
 #include "generate/stack/commoninit.h"
+#include "generate/stack/externdecl.h"
 #include "generate/stack/sourceopening.h"
 #include "generate/stack/udsblocks.h"
 #include "store/objectdatabase.h"
@@ -22,7 +23,7 @@ struct Content
     PgnTables tables = {};
     CommonInit commonInit = {};
     std::optional<UdsBlocks> uds = {};
-    bool externDeclarations = false;
+    std::optional<ExternDeclarations> ownDeclarations = {}; ///< in place of those of gen_extern_decl.h
     bool formerServiceValues = false;
 };
 
@@ -36,9 +37,10 @@ Content collect(ObjectDataBase &store, const QString &outputFolder, const Dialec
         .uds = UdsBlocks::collect(store),
         .formerServiceValues = dialect.has(Point::FormerServiceValues) && !settings.isOn(u"new_init_structure"_s),
     };
-    // A bootloader gets no gen_extern_decl.h; if it maps variables all the same, it has to bring a header of its own.
+    // A bootloader gets no gen_extern_decl.h; it may map variables all the same.
     const bool bootloader = settings.isOn(u"uds_bl_setting"_s) && content.commonInit.lines.size() == 1;
-    content.externDeclarations = !bootloader || content.tables.usesApplicationVariables;
+    if (bootloader)
+        content.ownDeclarations = ExternDeclarations::collect(store, dialect);
     return content;
 }
 
@@ -50,8 +52,10 @@ void writeOpening(CodeWriter &out, const Content &content, const Dialect &dialec
         #include <j1939_j1939.h>
         )");
     SourceSections::udsIncludes(out, content.opening, dialect);
-    if (content.externDeclarations)
+    if (!content.ownDeclarations)
         out(u"#include <gen_extern_decl.h>");
+    else if (content.tables.usesApplicationVariables)
+        writeVariables(out, *content.ownDeclarations, DeclarationForm::Declaration);
     SourceSections::memoryGuard(out, dialect);
     SourceSections::watchdogGuard(out, dialect);
 }

@@ -296,7 +296,8 @@ void Collector::collectLine(quint8 number, LineProtocols protocols)
         line().suffix = u"_l%1"_s.arg(number);
     }
     if (protocols.j1939) {
-        const auto groups = settings_.isOn(u"safetysupport"_s, number) ? LineMessages::Groups::Ordinary : LineMessages::Groups::All;
+        const auto groups =
+            settings_.isOn(u"safetysupport"_s, number) ? LineMessages::Groups::Ordinary : LineMessages::Groups::All;
         store_.cacheSPNs(number);
         line().receivedPgns =
             messagesOf(LineMessages::parameterGroups(store_, number, ObjectDataBase::receive, groups));
@@ -304,8 +305,7 @@ void Collector::collectLine(quint8 number, LineProtocols protocols)
             messagesOf(LineMessages::parameterGroups(store_, number, ObjectDataBase::transmit, groups));
         store_.clearSPNCache();
         addAddressClaim();
-        line().sourceAddress =
-            static_cast<quint8>(settings_.number(u"startaddress"_s, number));
+        line().sourceAddress = static_cast<quint8>(settings_.number(u"startaddress"_s, number));
     }
     if (protocols.rawCan) {
         line().receivedCanIds = messagesOf(LineMessages::canIds(store_, number, ObjectDataBase::receive));

@@ -33,7 +33,8 @@ Family objectsPerLine(const DefineModel &model)
 
 Family profile(const DefineModel &model)
 {
-    return model.dictionary.profile == 0 ? Family() : Family{{model.dictionary.profile, flag(true)}};
+    const std::optional<quint16> number = model.dictionary.profile;
+    return number ? Family{{*number, flag(true)}} : Family();
 }
 
 Family vehicleGroups(const DefineModel &model)

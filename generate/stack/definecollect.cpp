@@ -66,15 +66,9 @@ private:
     void readTypes(const LineDictionary &dictionary);
     void readAuthentication();
     void readEnergyBus();
-    quint32 setting(const QString &key, const LineCounts &line) const
-    {
-        return model_.number(key, line);
-    }
+    quint32 setting(const QString &key, const LineCounts &line) const { return model_.number(key, line); }
     bool isOn(const QString &key, const LineCounts &line) const { return model_.general_.isOn(key, line.number); }
-    QString text(const QString &key, const LineCounts &line) const
-    {
-        return model_.general_.text(key, line.number);
-    }
+    QString text(const QString &key, const LineCounts &line) const { return model_.general_.text(key, line.number); }
 
     ObjectDataBase &store_;
     DefineModel &model_;
@@ -165,9 +159,7 @@ void DefineCollector::countSdo(LineCounts &line, const LineDictionary &dictionar
 {
     const bool canOpenOnly = line.protocols.canOpen && !line.protocols.combined();
     const bool j1939 = line.protocols.j1939 && !line.protocols.canOpen;
-    const auto supports = [&](const QString &key) {
-        return j1939 && model_.j1939_.isOn(key, line.number);
-    };
+    const auto supports = [&](const QString &key) { return j1939 && model_.j1939_.isOn(key, line.number); };
     line.sdoServers = dictionary.count(sdoServers.first, sdoServers.last);
     if (line.sdoServers == 0 && ((canOpenOnly && !model_.canFd) || supports(u"cia510serversupport"_s)))
         line.sdoServers = 1;
@@ -236,14 +228,14 @@ quint32 DefineCollector::cobs(const LineCounts &line, const LineDictionary &dict
 /// The device type (CiA 301) is an array in a CAN FD device (CiA 1301).
 void DefineCollector::readProfile(const std::vector<LineDictionary> &dictionaries)
 {
-    constexpr quint16 firstDeviceProfile = 401;
+    constexpr quint32 firstDeviceProfile = 401;
     constexpr quint16 vehicleAddOn = 447;
     const quint8 sub = model_.canFd ? 1 : 0;
-    const auto profileOf = [&](const LineDictionary &each) { return static_cast<quint16>(each.value(0x1000, sub)); };
-    if (std::ranges::none_of(dictionaries, [&](const auto &each) { return profileOf(each) >= firstDeviceProfile; }))
+    const auto deviceType = [&](const LineDictionary &each) { return each.value(0x1000, sub); };
+    if (std::ranges::none_of(dictionaries, [&](const auto &each) { return deviceType(each) >= firstDeviceProfile; }))
         return;
     const auto first = std::ranges::find_if(dictionaries, [](const auto &each) { return each.has(0x1000); });
-    model_.dictionary.profile = profileOf(*first);
+    model_.dictionary.profile = static_cast<quint16>(deviceType(*first));
     if (model_.dictionary.profile != vehicleAddOn)
         return;
     for (const quint8 group : {quint8{1}, quint8{2}}) {

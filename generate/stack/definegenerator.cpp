@@ -78,7 +78,7 @@ void Writer::writeBlock(const DefineMacros::Block &block)
     bool repeats = false;
     for (const DefineMacros::Macro &macro : block.macros) {
         for (const Define &define : valuesOf(macro)) {
-            if (defined_.contains(define.name))
+            if (defined_.contains(define.name) && !block.repeats)
                 repeats = true;
             else
                 defines.append(define);
@@ -87,14 +87,14 @@ void Writer::writeBlock(const DefineMacros::Block &block)
     const bool hasBeenWritten = defines.isEmpty() && repeats;
     if (!block.comment.isEmpty() && !hasBeenWritten)
         out_(u"${COMMENT}", {{"COMMENT", block.comment}});
-    for (const Define &each : std::as_const(defines))
-        define(each);
+    for (const Define &each : std::as_const(defines)) {
+        if (block.repeats || !defined_.contains(each.name))
+            define(each);
+    }
 }
 
 void Writer::define(const Define &define)
 {
-    if (defined_.contains(define.name))
-        return;
     defined_.insert(define.name);
     out_(u"#define ${NAME}${SEPARATOR}${VALUE}",
          {{"NAME", define.name}, {"SEPARATOR", define.separator}, {"VALUE", define.value}});

@@ -211,7 +211,8 @@ constexpr std::array cobMacros{
     Macro{.name = "CORE_COB_CNT"_L1, .value = total<&Counts::cobs>, .separator = u' '},
 };
 
-constexpr std::array cobBlocks{Block{"/* COB Definitions */"_L1, cobMacros}};
+// In a device without CANopen the section of J1939 has them too.
+constexpr std::array cobBlocks{Block{.comment = "/* COB Definitions */"_L1, .macros = cobMacros, .repeats = true}};
 
 constexpr std::array bootloaderBlocks{Block{""_L1, bufferMacros}};
 

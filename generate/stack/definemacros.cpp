@@ -60,7 +60,7 @@ QString commonStructVersion(const DefineModel & /*model*/, Key /*key*/)
 QString rawCanStructVersion(const DefineModel &model, Key key)
 {
     return model.isSet(QLatin1StringView(bootloader)) ? QString()
-                                                            : structVersion<&LineProtocols::rawCan, 4>(model, key);
+                                                      : structVersion<&LineProtocols::rawCan, 4>(model, key);
 }
 
 constexpr std::array toolMacros{

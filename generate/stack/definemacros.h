@@ -45,6 +45,8 @@ struct Block
     std::span<const Macro> macros;
     /// Without it the block is always there, its comment even if all of its macros are left out.
     bool (*applies)(const DefineModel &) = nullptr;
+    /// Its macros are written even if an earlier section has defined them; their values are the same.
+    bool repeats = false;
 };
 
 std::span<const Block> head();

@@ -75,7 +75,8 @@ public:
     /// Objects by what their subindices hold.
     struct Dictionary
     {
-        quint16 profile = 0; ///< number of the first line's device profile; 0 if no line has one from 401 on
+        /// Number of the first line's device profile, if some line's device type is 401 or above.
+        std::optional<quint16> profile = {};
         QList<quint32> vehicleGroups = {}; ///< of CiA 447, object 0x6000
         bool flyingMaster = false;         ///< a master line has 0x1F80
         bool selfStarting = false;         ///< a line that is no master has 0x1F80

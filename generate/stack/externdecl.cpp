@@ -94,8 +94,8 @@ private:
                          const StoreRecords::SPN &signal) const;
 
     ObjectDataBase &store_;
-    bool safety_ = false;   ///< of the line, as its groups have it
-    bool sendersApart_; ///< a received safety data group is kept once for each sender
+    bool safety_ = false; ///< of the line, as its groups have it
+    bool sendersApart_;   ///< a received safety data group is kept once for each sender
     ExternDeclarations result_;
     QHash<QString, qsizetype> positions_; ///< of the variables, by name
 };

@@ -4,6 +4,8 @@
 #include "store/objectdatabase.h"
 #include "store/settings.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 QString Indications::Event::parametersIn(const Dialect &dialect) const
@@ -35,4 +37,10 @@ bool Indications::hasUsdoClient(ObjectDataBase &store)
 bool Indications::hasUdsEvents(ObjectDataBase &store)
 {
     return Settings(store).isOn(u"uds_static_indication"_s);
+}
+
+bool Indications::namesUdsFunction(ObjectDataBase &store)
+{
+    return std::ranges::any_of(udsEvents(),
+                               [&](const UdsEvent &event) { return !functionOf(store, event.key).isEmpty(); });
 }

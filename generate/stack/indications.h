@@ -58,5 +58,6 @@ QString functionOf(ObjectDataBase &store, QLatin1StringView key);
 bool hasUsdoServer(ObjectDataBase &store);
 bool hasUsdoClient(ObjectDataBase &store);
 bool hasUdsEvents(ObjectDataBase &store);
+bool namesUdsFunction(ObjectDataBase &store);
 
 } // namespace Indications

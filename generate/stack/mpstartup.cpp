@@ -46,7 +46,7 @@ MpStartUp MpStartUp::collect(ObjectDataBase &store, const MultiProtocols &protoc
     for (const quint8 number : LineSettings::stackLines(store)) {
         Line line{.number = number, .protocols = RunContext::protocolsOf(store, number)};
         line.protocols.rawCan = line.protocols.rawCan && protocols.rawCan;
-        if (!line.protocols.any())
+        if (!line.protocols.any() && !protocols.rawCanOnly())
             continue;
         line.sdoServer = line.protocols.j1939 && j1939.isOn(u"cia510serversupport"_s, number);
         const auto messages = std::ranges::find(pgns.lines, number, &PgnTables::Line::number);
@@ -73,8 +73,7 @@ MpStartUpWriter::MpStartUpWriter(CodeWriter &out, const MpStartUp &startUp, cons
 
 QString MpStartUpWriter::commonParameters() const
 {
-    QString parameters = startUp_.protocols.canOpen ? u"CO_EVENT_STORE_T pLoadFunction, "_s : QString();
-    parameters += u"%1 *pProtType"_s.arg(protocolType());
+    const QString parameters = u"CO_EVENT_STORE_T pLoadFunction, %1 *pProtType"_s.arg(protocolType());
     return startUp_.fd ? parameters + u", BOOL_T *pModes"_s : parameters;
 }
 
@@ -178,9 +177,12 @@ void MpStartUpWriter::writeRawCanOnly() const
     }
     out_(u"    retVal = ${INIT}(&commonInitVars);", {{"INIT", dialect_.stackInit}});
     canOpen_.writeCheck();
-    out_(u"    rawcanStackInit_common(&rawcanInitVars);");
-    for (const MpStartUp::Line &line : startUp_.lines)
-        writeRawCan(line);
+    if (startUp_.protocols.rawCan)
+        out_(u"    rawcanStackInit_common(&rawcanInitVars);");
+    for (const MpStartUp::Line &line : startUp_.lines) {
+        if (line.protocols.rawCan)
+            writeRawCan(line);
+    }
     common_.writeUdsInitCalls(out_);
     out_(uR"(
             return(RET_OK);
@@ -204,6 +206,8 @@ void MpStartUpWriter::writeEntryHead() const
          {{"TYPE", protocolType()}});
     if (startUp_.fd)
         out_(u",        BOOL_T *pModes");
+    else
+        out_(u"");
     out_(uR"(
             )
         {
@@ -300,11 +304,12 @@ void MpStartUpWriter::writeJ1939(const MpStartUp::Line &line) const
         PgnSections::writeNameFields(out_, *line.messages);
     out_(u"\tretVal = j1939StackInit_line(&j1939Config${SUFFIX});", {{"SUFFIX", line.messages->suffix}});
     canOpen_.writeCheck();
-    if (line.sdoServer && startUp_.protocols.canOpen && line.dictionary)
+    if (line.sdoServer && (line.dictionary || !startUp_.protocols.canOpen))
         writeDictionaryOfJ1939(line);
 }
 
-/// The dictionary that J1939 serves where CANopen, which would start it, is not active.
+/// The dictionary that J1939 serves where CANopen, which would start it, is not active. A device without CANopen has
+/// none, and its compiler leaves this out.
 void MpStartUpWriter::writeDictionaryOfJ1939(const MpStartUp::Line &line) const
 {
     const QString protocols = startUp_.multiLine ? u"commonInitVars.protocolType[canLine]"_s : u"protType"_s;
@@ -319,9 +324,9 @@ void MpStartUpWriter::writeDictionaryOfJ1939(const MpStartUp::Line &line) const
     if (startUp_.multiLine)
         out_(u"\t\tcoOdInitOdPtr(canLine, &od_assign[${START}], ${COUNT}, od_description, ${ROWS}, NULL, "
              "&od_data_variables);",
-             {{"START", dec(line.dictionary->assignStart)},
-              {"COUNT", dec(line.dictionary->assignCount)},
-              {"ROWS", dec(line.dictionary->descriptionCount)}});
+             {{"START", dec(line.dictionary ? line.dictionary->assignStart : 0)},
+              {"COUNT", dec(line.dictionary ? line.dictionary->assignCount : 0)},
+              {"ROWS", dec(line.dictionary ? line.dictionary->descriptionCount : 0)}});
     else
         out_(u"\t\tcoOdInitOdPtr(&od_assign[0], CO_OD_ASSIGN_CNT, od_description, CO_OBJ_DESC_CNT, NULL, "
              "&od_data_variables);");
@@ -350,7 +355,7 @@ void MpStartUpWriter::writeSeveralLines() const
 
             retVal = mpStackInit_common(${ARGUMENTS}pProtType${MODES});
         )",
-         {{"ARGUMENTS", startUp_.protocols.canOpen ? u"pLoadFunction, "_s : QString()},
+         {{"ARGUMENTS", startUp_.protocols.canOpen ? u"pLoadFunction, "_s : u"NULL, "_s},
           {"MODES", startUp_.fd ? u", pModes"_s : QString()}});
     for (const MpStartUp::Line &line : startUp_.lines)
         out_(uR"(
@@ -440,6 +445,8 @@ void MpStartUpWriter::writeCommonFunction() const
             )");
         canOpen_.writeLoadParameter();
         out_(u"#endif /* CANOPEN_SUPPORTED */");
+    } else {
+        out_(u"    (void)pLoadFunction;");
     }
     out_(uR"(
 

@@ -4,7 +4,10 @@
 #include "generate/dialect.h"
 #include "generate/j1939/pgnsections.h"
 #include "generate/stack/commongeneratorhelper.h"
+#include "generate/stack/externdecl.h"
 #include "generate/stack/indicationpointers.h"
+#include "generate/stack/indications.h"
+#include "generate/stack/linesettings.h"
 #include "generate/stack/loadindication.h"
 #include "generate/stack/objdictsections.h"
 #include "generate/stack/rawcansections.h"
@@ -15,6 +18,8 @@
 
 #include <QTextStream>
 
+#include <optional>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -24,26 +29,40 @@ struct Content
 {
     SourceOpening opening = {};
     bool externDeclarations = true;
-    bool stringDefaults = false;
+    std::optional<ExternDeclarations> ownDeclarations = {}; ///< of a bootloader, in place of gen_extern_decl.h
     PgnTables pgns = {};
     DictionaryTables dictionary = {};
 };
 
-/// A bootloader gets no gen_extern_decl.h.
-bool hasExternDeclarations(ObjectDataBase &store, const MultiProtocols &protocols, const PgnTables &pgns)
+/// A bootloader of one line gets no gen_extern_decl.h; it may map variables all the same.
+void collectDeclarations(Content &content, ObjectDataBase &store, const MultiProtocols &protocols,
+                         const Dialect &dialect)
 {
-    const bool bootloader = Settings(store).isOn(u"uds_bl_setting"_s) && !pgns.multiLine;
-    return !protocols.udsOnly && (!bootloader || pgns.usesApplicationVariables);
+    const bool bootloader = Settings(store).isOn(u"uds_bl_setting"_s) && !content.pgns.multiLine;
+    content.externDeclarations = !protocols.udsOnly && !bootloader;
+    if (bootloader && !protocols.udsOnly && content.pgns.usesApplicationVariables)
+        content.ownDeclarations = ExternDeclarations::collect(store, dialect);
 }
 
 /// The protocols that the file starts. A bootloader's header leaves out raw CAN, which its stack then does not have.
 MultiProtocols startedProtocols(ObjectDataBase &store, MultiProtocols protocols, const Dialect &dialect)
 {
-    const bool withoutRawCan =
-        dialect.has(Point::BootloaderBuffers) && Settings(store).isOn(u"uds_bl_setting"_s);
-    if (withoutRawCan && (protocols.canOpen || protocols.j1939))
+    if (dialect.has(Point::BootloaderBuffers) && Settings(store).isOn(u"uds_bl_setting"_s))
         protocols.rawCan = false;
     return protocols;
+}
+
+/// A bootloader has no raw CAN; what the project has of it is not to vanish without a word.
+QStringList leftOutCanIds(ObjectDataBase &store, const QString &fileName)
+{
+    QStringList warnings;
+    for (const quint8 line : LineSettings::stackLines(store)) {
+        if (RunContext::protocolsOf(store, line).rawCan && !store.getAllCANIDs(line).isEmpty())
+            warnings.append(
+                u"Warning: The raw CAN-IDs of line %1 are not part of %2, since uds_bl_setting is set."_s.arg(
+                    QString::number(line), fileName));
+    }
+    return warnings;
 }
 
 void writeIncludes(CodeWriter &out, ObjectDataBase &store, const Content &content, const MultiProtocols &protocols,
@@ -64,7 +83,7 @@ void writeIncludes(CodeWriter &out, ObjectDataBase &store, const Content &conten
     if (staticUds)
         out(u"#include <uds_indication.h>");
     // The functions that the static pointers of the UDS server name are declared there too.
-    if (protocols.canOpen || staticUds)
+    if (protocols.canOpen || (staticUds && Indications::namesUdsFunction(store)))
         out(u"#include <gen_indication.h>");
     out(uR"(
         #include <icore_commtask.h>
@@ -78,9 +97,13 @@ void writeIncludes(CodeWriter &out, ObjectDataBase &store, const Content &conten
             #include <j1939_cam11_cam21.h>
             #include <ico_odaccess.h>
             )");
-    if (content.stringDefaults)
+    if (Settings(store).isOn(u"generate_string_defaults"_s))
         out(u"#include <gen_user.h>");
     out(u"");
+    if (content.ownDeclarations) {
+        writeVariables(out, *content.ownDeclarations, DeclarationForm::Declaration);
+        out(u"");
+    }
 }
 
 void writeGuards(CodeWriter &out, ObjectDataBase &store, const Content &content, const MultiProtocols &protocols,
@@ -156,8 +179,9 @@ void MultiProGenerator::write(QTextStream &stream)
     }
     if (protocols.canOpen)
         warn(mappingWarnings(content.dictionary));
-    content.externDeclarations = hasExternDeclarations(store, protocols, content.pgns);
-    content.stringDefaults = protocols.canOpen && content.dictionary.stringDefaults;
+    collectDeclarations(content, store, protocols, dialect);
+    if (!protocols.rawCan || protocols.udsOnly)
+        warn(leftOutCanIds(store, fileName()));
 
     CodeWriter out(stream);
     const CommonGeneratorHelper common(database(), dialect);
@@ -186,7 +210,7 @@ void MultiProGenerator::write(QTextStream &stream)
 void MultiProGenerator::writeCompanions()
 {
     const bool multiLine = isMultiLine() || generatesMultiLine();
-    const bool wanted = protocols_.canOpen && Settings(*database()).isOn(u"generate_string_defaults"_s);
+    const bool wanted = Settings(*database()).isOn(u"generate_string_defaults"_s);
     const QString error = updateUserHeader(outputFolder(), baseName(), wanted, multiLine);
     if (!error.isEmpty())
         fail(OutputError, error);

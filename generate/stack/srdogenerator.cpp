@@ -2,10 +2,10 @@
 
 #include "generate/codewriter.h"
 #include "generate/fileheader.h"
-#include "store/settings.h"
 #include "generate/stack/sourceopening.h"
 #include "generate/stack/srdosections.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <QTextStream>
 

@@ -4,10 +4,10 @@
 #include "generate/dialect.h"
 #include "generate/stack/commongeneratorhelper.h"
 #include "generate/stack/dictionarytables.h"
-#include "store/settings.h"
 #include "generate/stack/loadindication.h"
 #include "generate/stack/stringdefaults.h"
 #include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <algorithm>
 
@@ -233,10 +233,10 @@ void StackInitWriter::writeLineTable() const
         numbers.append(Code::dec(line.line));
     out_(uR"(
 
-        UNSIGNED8 canLineTable[CAN_LINE_ARRAY_DECL] = {${LINES}};
+        UNSIGNED8 canLineTable[${CAN}LINE_ARRAY_DECL] = {${LINES}};
 
         )",
-         {{"LINES", numbers.join(", "_L1)}});
+         {{"CAN", dialect_.line}, {"LINES", numbers.join(", "_L1)}});
 }
 
 void StackInitWriter::writeWrapper() const

@@ -64,6 +64,7 @@ public:
         if (classic)
             handler_.database()->setGeneralSetting(u"use_core_headers"_s, u"classic"_s);
         handler_.setOutputFolder(output_);
+        generated(); // the first check has hints for those who knew an older tool
     }
 
     void set(const Key &key, const QString &value)

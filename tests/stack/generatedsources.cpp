@@ -156,7 +156,7 @@ bool GeneratedSources::has(const QString &fileName) const
 
 bool GeneratedSources::hasDictionary() const
 {
-    return has(u"gen_objdict.c"_s) || text(u"gen_mp.c"_s).contains("od_assign[");
+    return has(u"gen_objdict.c"_s) || text(u"gen_mp.c"_s).contains(" od_assign[CO_OD_ASSIGN_CNT]");
 }
 
 QStringList GeneratedSources::messages() const

@@ -3,6 +3,7 @@
 
 /* A device of several protocols. */
 
+#include <co_indication.h>
 #include <core_common.h>
 #ifdef CANOPEN_SUPPORTED
 #include <co_canopen.h>
