@@ -321,6 +321,7 @@ RET_T mpStackInit(
 #ifdef CANOPEN_SUPPORTED
          , CO_EVENT_STORE_T	pLoadFunction
 #endif /* CANOPEN_SUPPORTED */
+
     )
 {
 CORE_PROTOCOL_TYPE_T	protType;

@@ -465,6 +465,7 @@ RET_T mpStackInit(
 #ifdef CANOPEN_SUPPORTED
          , CO_EVENT_STORE_T	pLoadFunction
 #endif /* CANOPEN_SUPPORTED */
+
     )
 {
 RET_T retVal;
