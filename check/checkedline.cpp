@@ -2,6 +2,7 @@
 
 #include "check/pdo.h"
 #include "check/storevalue.h"
+#include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 #include "store/settings.h"
@@ -172,8 +173,7 @@ LineSettings readSettings(ObjectDataBase &store, quint8 line)
 
 QString CheckedSubindex::variable(quint8 line) const
 {
-    constexpr quint8 applicationVariable = 2;
-    if (data.implementation != applicationVariable)
+    if (data.implementation != CANopen::Implementation::Variable)
         return {};
     return Helper::substituteVariables(data.varname.trimmed(), index, subindex, line);
 }

@@ -6,20 +6,17 @@
 
 struct StoreValue;
 
-/// What the pre-defined connection set of CiA 301 lays down for one subindex that holds a COB-ID.
+/// The COB-ID that the pre-defined connection set of CiA 301 lays down for a PDO.
 struct DefaultCobId
 {
-    quint16 index = 0;
-    quint8 subindex = 0;
-    quint32 canId = 0;         ///< with the node-id added where that is known
-    quint32 base = 0;          ///< without
-    bool nodeRelative = false; ///< "$NODEID+base" is right whatever the node-id
-    bool nodeIdIsKnown = false;
+    quint16 index = 0;            ///< of the communication object
+    quint32 base = 0;             ///< CAN-ID without the node-id
+    std::optional<quint8> nodeId; ///< where it is fixed
 
     /// True for a COB-ID that is this one, its upper three bits aside. A number without "$NODEID" fits as long as the
     /// node-id is not known.
     bool fits(const StoreValue &cobId) const;
 };
 
-/// The whole set for a node-id, which is not given where it is not fixed.
+/// Those of all PDOs that the set knows, for a node-id, which is not given where it is not fixed.
 QList<DefaultCobId> predefinedCobIds(std::optional<quint8> nodeId);

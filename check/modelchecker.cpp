@@ -7,7 +7,6 @@
 #include <QCoreApplication>
 #include <QVariant>
 
-#include <algorithm>
 #include <numeric>
 
 using namespace Qt::StringLiterals;
@@ -16,6 +15,7 @@ ModelChecker::ModelChecker(const CheckRules &rules, QObject *parent)
     : QObject(parent)
     , rules_(rules)
 {
+    report_.send = [this](const QString &text) { Q_EMIT newError(text); };
 }
 
 ModelChecker::~ModelChecker() = default;
@@ -23,16 +23,16 @@ ModelChecker::~ModelChecker() = default;
 qint32 ModelChecker::checkCommon(const std::shared_ptr<ObjectDataBase> &store, const QString &outputFolder)
 {
     outputFolder_ = outputFolder;
-    const qint32 errors = walk(rules_.common, store, {});
+    ProjectCheck check(*store, beginReport(*store));
+    askRules(check, rules_.common);
     store->setMiscSetting(u"PreviousToolVersion"_s, QCoreApplication::applicationVersion());
-    return errors;
+    return report_.errors;
 }
 
 qint32 ModelChecker::checkCANopenLine(quint8 line, const std::shared_ptr<ObjectDataBase> &store, bool &corrected)
 {
-    corrected_ = false;
-    const qint32 errors = walk(rules_.canOpen, store, line);
-    corrected |= corrected_;
+    const qint32 errors = checkLine(line, *store, rules_.canOpen);
+    corrected |= report_.corrected;
     return errors;
 }
 
@@ -41,87 +41,41 @@ qint32 ModelChecker::checkJ1939Line(int /*lineCount*/, quint8 line, const std::s
 {
     const auto setOf = [](const QList<quint32> &list) { return QSet<quint32>(list.begin(), list.end()); };
     // A diagnostic message that only other lines have switched on is an ordinary one here.
-    specialPGNs_ = setOf(specialPGNs) - (setOf(::specialPGNs(*store)) - setOf(::specialPGNs(*store, line)));
-    return walk(rules_.j1939, store, line);
+    const QSet<quint32> ofOtherLines = setOf(::specialPGNs(*store)) - setOf(::specialPGNs(*store, line));
+    return checkLine(line, *store, rules_.j1939, setOf(specialPGNs) - ofOtherLines);
 }
 
 qint32 ModelChecker::checkRawCANLine(quint8 line, const std::shared_ptr<ObjectDataBase> &store)
 {
-    return walk(rules_.rawCan, store, line);
+    return checkLine(line, *store, rules_.rawCan);
 }
 
-qint32 ModelChecker::walk(std::span<const CheckRule> rules, const std::shared_ptr<ObjectDataBase> &store,
-                          std::optional<quint8> line)
+CheckReport &ModelChecker::beginReport(ObjectDataBase &store)
 {
-    database_ = store;
-    line_ = line ? std::make_unique<CheckedLine>(*store, *line) : nullptr;
-    errorCount_ = 0;
-    autoCorrectionDisabled_ = QVariant(UserSettings::value(u"General"_s, u"disableautocorrection"_s)).toBool();
-    suppressedGroups_ = parseWarningGroups(store->getMiscSetting(u"SuppressedWarningGroups"_s));
-    pass(rules, &CheckRule::each, {});
-    return errorCount_;
+    report_.errors = 0;
+    report_.corrected = false;
+    report_.suppressedGroups = parseWarningGroups(store.getMiscSetting(u"SuppressedWarningGroups"_s));
+    return report_;
 }
 
-/// Neighbours with the same loop share one pass over its subjects.
-void ModelChecker::pass(std::span<const CheckRule> rules, CheckLoop CheckRule::*loop, const CheckSubject &outer)
+qint32 ModelChecker::checkLine(quint8 line, ObjectDataBase &store, std::span<const LineRule> rules,
+                               const QSet<quint32> &specialPGNs)
 {
-    for (auto first = rules.begin(); first != rules.end();) {
-        const auto end = std::find_if(first + 1, rules.end(), [&](const CheckRule &rule) {
-            return rule.*loop != (*first).*loop || (loop == &CheckRule::each && rule.opensPass);
-        });
-        const std::span<const CheckRule> together(first, end);
-        ((*first).*loop)(*this, outer, [&](const CheckSubject &subject) {
-            if (loop == &CheckRule::each)
-                pass(together, &CheckRule::within, subject);
-            else
-                std::ranges::for_each(together, [&](const CheckRule &rule) { rule.find(*this, subject); });
-        });
-        first = end;
-    }
-}
-
-void ModelChecker::reportError(const QString &text)
-{
-    ++errorCount_;
-    Q_EMIT newError(text);
-}
-
-void ModelChecker::reportWarning(WarningGroup group, const QString &text)
-{
-    if (suppressedGroups_.contains(group))
-        ++suppressedCounts_[group];
-    else
-        Q_EMIT newError(text);
-}
-
-void ModelChecker::reportHint(WarningGroup group, const QString &text)
-{
-    if (!suppressedGroups_.contains(group))
-        Q_EMIT newError(text);
-}
-
-void ModelChecker::reportInfo(const QString &text)
-{
-    Q_EMIT newError(text);
-}
-
-bool ModelChecker::correct(quint16 index, quint8 subindex, const StoreRecords::SubIndexData &data, const QString &text)
-{
-    if (!database_->addSubIndex(line_->number(), index, subindex, data))
-        return false;
-    line_->replace(index, subindex, data);
-    Q_EMIT newError(text);
-    return true;
+    const QVariant disabled = UserSettings::value(u"General"_s, u"disableautocorrection"_s);
+    Check check(store, beginReport(store), line,
+                {.outputFolder = outputFolder_, .corrects = !disabled.toBool(), .specialPGNs = specialPGNs});
+    askRules(check, rules);
+    return report_.errors;
 }
 
 QString ModelChecker::suppressedSummary() const
 {
-    const int sum = std::accumulate(suppressedCounts_.begin(), suppressedCounts_.end(), 0);
+    const int sum = std::accumulate(report_.suppressedCounts.begin(), report_.suppressedCounts.end(), 0);
     if (sum == 0)
         return {};
     QStringList lines{u"<strong>Note: </strong>%1 warning(s) suppressed by the project settings:"_s.arg(sum)};
     for (const WarningGroupInfo &group : warningGroups()) {
-        if (const int count = suppressedCounts_.value(group.id); count > 0)
+        if (const int count = report_.suppressedCounts.value(group.id); count > 0)
             lines.append(u"&nbsp;&nbsp;%1 (%2): %3"_s.arg(group.title, group.key).arg(count));
     }
     return lines.join(u'\n');

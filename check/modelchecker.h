@@ -3,7 +3,6 @@
 #include "check/checkrules.h"
 #include "check/warninggroups.h"
 
-#include <QMap>
 #include <QObject>
 
 #include <memory>
@@ -17,7 +16,8 @@ class ObjectDataBase;
 /// the order of the rules, and no finding ends a check.
 ///
 /// A warning belongs to a group, and a project may suppress groups; `suppressedSummary` tells afterwards what was held
-/// back over all lines. The checker writes to the store only by `correct`.
+/// back over all lines. The checker writes to the store only what a rule corrects (`Check::correct`), and the version
+/// of this tool.
 class ModelChecker : public QObject
 {
     Q_OBJECT
@@ -39,45 +39,16 @@ public:
     QString suppressedSummary() const;
     static QList<WarningGroupInfo> groupTable() { return warningGroups(); }
 
-    // What rules see and say.
-
-    ObjectDataBase &store() const { return *database_; }
-    /// The line under check; of a line check only.
-    CheckedLine &line() const { return *line_; }
-    const QString &outputFolder() const { return outputFolder_; }
-    bool isSpecialPGN(quint32 pgn) const { return specialPGNs_.contains(pgn); }
-    bool autoCorrectionDisabled() const { return autoCorrectionDisabled_; }
-
-    /// Sends a text and counts it as an error.
-    void reportError(const QString &text);
-    /// Sends a text unless its group is suppressed, in which case it is counted for the closing text.
-    void reportWarning(WarningGroup group, const QString &text);
-    /// The same, but a suppressed hint is not counted.
-    void reportHint(WarningGroup group, const QString &text);
-    /// Sends a text that neither counts nor can be suppressed.
-    void reportInfo(const QString &text);
-    /// Writes a corrected subindex to the store, and then sends the text. False, without a word, where the store
-    /// refuses the subindex: it stays as it was.
-    bool correct(quint16 index, quint8 subindex, const StoreRecords::SubIndexData &data, const QString &text);
-    /// Has the line check report that it corrected a COB-ID.
-    void noteCorrection() { corrected_ = true; }
-
 Q_SIGNALS:
     void newError(const QString &errorText);
 
 private:
-    qint32 walk(std::span<const CheckRule> rules, const std::shared_ptr<ObjectDataBase> &store,
-                std::optional<quint8> line);
-    void pass(std::span<const CheckRule> rules, CheckLoop CheckRule::*loop, const CheckSubject &outer);
+    /// Counts anew for each check, but what is suppressed over all of them.
+    CheckReport &beginReport(ObjectDataBase &store);
+    qint32 checkLine(quint8 line, ObjectDataBase &store, std::span<const LineRule> rules,
+                     const QSet<quint32> &specialPGNs = {});
 
     const CheckRules rules_;
-    std::shared_ptr<ObjectDataBase> database_;
-    std::unique_ptr<CheckedLine> line_;
-    qint32 errorCount_ = 0;
-    bool autoCorrectionDisabled_ = false;
-    bool corrected_ = false;
-    QList<WarningGroup> suppressedGroups_;
-    QMap<WarningGroup, int> suppressedCounts_;
+    CheckReport report_;
     QString outputFolder_;
-    QSet<quint32> specialPGNs_;
 };

@@ -2,6 +2,7 @@
 
 #include "check/checkedline.h"
 #include "check/storevalue.h"
+#include "nodedict/codes.h"
 
 /// Process data objects as CiA 301 lays them out: a communication object and, 0x200 above it, a mapping object.
 namespace PDO {
@@ -12,15 +13,15 @@ inline constexpr quint8 maxEntries = 64;
 
 constexpr bool isCommunication(quint16 index)
 {
-    return (index >= 0x1400 && index <= 0x15FF) || (index >= 0x1800 && index <= 0x19FF);
+    return CANopen::Index::rpdos.contains(index) || CANopen::Index::tpdos.contains(index);
 }
 constexpr bool isTransmitMapping(quint16 index)
 {
-    return index >= 0x1A00 && index <= 0x1BFF;
+    return CANopen::Index::tpdoMappings.contains(index);
 }
 constexpr bool isMapping(quint16 index)
 {
-    return (index >= 0x1600 && index <= 0x17FF) || isTransmitMapping(index);
+    return CANopen::Index::rpdoMappings.contains(index) || isTransmitMapping(index);
 }
 
 /// A subindex of a mapping object, of a PDO or an SRDO.
@@ -69,7 +70,7 @@ inline constexpr quint16 mappingOffset = 0x80;
 
 constexpr bool isMapping(quint16 index)
 {
-    return index >= 0x1381 && index <= 0x13FF;
+    return CANopen::Index::srdoMappings.contains(index);
 }
 
 } // namespace SRDO

@@ -17,19 +17,27 @@ namespace {
 
 constexpr auto defaultApplication = "CANopen NodeComposer"_L1;
 
-std::vector<CheckRule> recording(std::span<const CheckRule> rules, QString &current)
+template <class Port>
+std::vector<CheckRule<Port>> recording(std::span<const CheckRule<Port>> rules, QString &current)
 {
-    std::vector<CheckRule> wrapped(rules.begin(), rules.end());
-    for (CheckRule &rule : wrapped) {
-        rule.find = [&current, find = rule.find, name = rule.name](ModelChecker &checker, const CheckSubject &subject) {
+    using Subject = typename CheckRule<Port>::Subject;
+    std::vector<CheckRule<Port>> wrapped(rules.begin(), rules.end());
+    for (CheckRule<Port> &rule : wrapped) {
+        rule.find = [&current, find = rule.find, name = rule.name](Port &check, Subject outer, Subject inner) {
             current = name;
-            find(checker, subject);
+            find(check, outer, inner);
         };
     }
     return wrapped;
 }
 
 } // namespace
+
+QString RuleCase::name() const
+{
+    const QString first = rules().isEmpty() ? u"nothing"_s : rules().first();
+    return u"%1_%2_%3"_s.arg(QFileInfo(file).baseName()).arg(lineNumber).arg(first);
+}
 
 QList<RuleCase> ruleCases()
 {
@@ -88,10 +96,10 @@ CaseProject::Outcome CaseProject::check()
     Outcome outcome;
     QString rule;
     const CheckRules &builtIn = CheckRules::builtIn();
-    const std::vector<CheckRule> common = recording(builtIn.common, rule);
-    const std::vector<CheckRule> canOpen = recording(builtIn.canOpen, rule);
-    const std::vector<CheckRule> j1939 = recording(builtIn.j1939, rule);
-    const std::vector<CheckRule> rawCan = recording(builtIn.rawCan, rule);
+    const std::vector<ProjectRule> common = recording(builtIn.common, rule);
+    const std::vector<LineRule> canOpen = recording(builtIn.canOpen, rule);
+    const std::vector<LineRule> j1939 = recording(builtIn.j1939, rule);
+    const std::vector<LineRule> rawCan = recording(builtIn.rawCan, rule);
     ModelChecker checker({.common = common, .canOpen = canOpen, .j1939 = j1939, .rawCan = rawCan});
     QObject::connect(&checker, &ModelChecker::newError, [&](const QString &message) {
         outcome.messages.append(message);

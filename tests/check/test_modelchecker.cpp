@@ -1,3 +1,4 @@
+#include "check/checkloops.h"
 #include "check/modelchecker.h"
 #include "check/specialpgns.h"
 #include "support/projectbuilder.h"
@@ -11,7 +12,7 @@ using TestSupport::ProjectBuilder;
 namespace {
 
 /// Runs rules as those of a CANopen line and returns what they reported.
-QStringList reported(const ProjectBuilder &project, std::span<const CheckRule> rules)
+QStringList reported(const ProjectBuilder &project, std::span<const LineRule> rules)
 {
     ModelChecker checker({.common = {}, .canOpen = rules, .j1939 = {}, .rawCan = {}});
     QStringList texts;
@@ -21,30 +22,32 @@ QStringList reported(const ProjectBuilder &project, std::span<const CheckRule> r
     return texts;
 }
 
-QStringList reported(const ProjectBuilder &project, const CheckRule &rule)
+QStringList reported(const ProjectBuilder &project, const LineRule &rule)
 {
     return reported(project, std::span(&rule, 1));
 }
 
-/// Names whatever its subject holds.
-void describe(ModelChecker &checker, const CheckSubject &subject)
+template <class T>
+QString nameOf(const T &subject)
 {
-    QStringList parts;
-    if (subject.object)
-        parts.append(subject.object->data.name);
-    if (subject.sub)
-        parts.append(subject.sub->data.name);
-    if (subject.pgn)
-        parts.append(subject.pgn->data.name);
-    if (subject.canId)
-        parts.append(subject.canId->data.name);
-    if (subject.signal)
-        parts.append(subject.signal->data.name);
-    checker.reportInfo(parts.join(u'.'));
+    return subject.data.name;
+}
+
+template <class T>
+void describe(Check &check, const T &subject)
+{
+    check.info(nameOf(subject));
+}
+
+template <class T, class U>
+void describeBoth(Check &check, const T &outer, const U &inner)
+{
+    check.info(nameOf(outer) + u'.' + nameOf(inner));
 }
 
 TEST(CheckRules, LoopsGoThroughTheLineInOrder)
 {
+    using namespace CANopen;
     ProjectBuilder project;
     project.object(0x1801, u"B"_s).sub(0, u"b0"_s).sub(2, u"b2"_s).object(0x1400, u"A"_s).sub(1, u"a1"_s);
     project.pgn(5, ObjectDataBase::transmit, u"P"_s)
@@ -52,57 +55,103 @@ TEST(CheckRules, LoopsGoThroughTheLineInOrder)
         .spn(1, u"p1"_s)
         .pgn(6, ObjectDataBase::receive, u"Q"_s);
     project.canId(7, ObjectDataBase::transmit, u"C"_s).element(1, u"c1"_s).element(0, u"c0"_s);
-    const std::tuple<CheckLoop, CheckLoop, QString> rows[] = {
-        {once, once, u""_s},
-        {eachObject, once, u"A B"_s},
-        {eachObjectOf<0x1800, 0x19FF>, once, u"B"_s},
-        {eachObject, itsSubindices, u"A.a1 B.b0 B.b2"_s},
-        {eachPGN, once, u"Q P"_s},
-        {eachPGN, itsSPNs, u"P.p9 P.p1"_s},
-        {eachCanId, once, u"C"_s},
-        {eachCanId, itsSignals, u"C.c0 C.c1"_s},
+    const std::pair<LineRule, QString> rows[] = {
+        {rule<Check>("once"_L1, [](Check &check) { check.info(u"once"_s); }), u"once"_s},
+        {rule("objects"_L1, eachObject, describe<CheckedObject>), u"A B"_s},
+        {rule("tpdos"_L1, eachObjectOf<Index::tpdos>, describe<CheckedObject>), u"B"_s},
+        {rule("one"_L1, theObject<0x1400>, describe<CheckedObject>), u"A"_s},
+        {rule("none"_L1, theObject<0x1401>, describe<CheckedObject>), u""_s},
+        {rule("subs"_L1, eachObject, itsSubindices, describeBoth<CheckedObject, CheckedSubindex>), u"A.a1 B.b0 B.b2"_s},
+        {rule("inner"_L1, eachObject, itsSubindices, describe<CheckedSubindex>), u"a1 b0 b2"_s},
+        {rule("pgns"_L1, eachPGN, describe<CheckedPGN>), u"Q P"_s},
+        {rule("spns"_L1, eachPGN, itsSPNs, describeBoth<CheckedPGN, CheckedSignal>), u"P.p9 P.p1"_s},
+        {rule("canIds"_L1, eachCanId, describe<CheckedCanId>), u"C"_s},
+        {rule("signals"_L1, eachCanId, itsSignals, describeBoth<CheckedCanId, CheckedSignal>), u"C.c0 C.c1"_s},
     };
-    for (const auto &[each, within, expected] : rows)
-        EXPECT_EQ(reported(project, {"describe"_L1, describe, each, within}).join(u' '), expected);
+    for (const auto &[row, expected] : rows)
+        EXPECT_EQ(reported(project, row).join(u' '), expected) << row.name.data();
+}
+
+template <class... Arguments>
+concept IsRow = requires(Arguments... arguments)
+{
+    rule("row"_L1, arguments...);
+};
+
+// A row is held against what its function takes.
+static_assert(IsRow<Each<Check, CheckedObject>, void (*)(Check &, const CheckedObject &)>);
+static_assert(!IsRow<Each<Check, CheckedObject>, void (*)(Check &, const CheckedPGN &)>);
+static_assert(!IsRow<Each<Check, CheckedObject>, void (*)(ProjectCheck &, const CheckedObject &)>);
+static_assert(!IsRow<Each<Check, CheckedObject>, Within<Check, CheckedPGN, CheckedSignal>,
+                     void (*)(Check &, const CheckedSignal &)>);
+static_assert(!IsRow<Each<Check, CheckedPGN>, Within<Check, CheckedPGN, CheckedSignal>,
+                     void (*)(Check &, const CheckedObject &, const CheckedSignal &)>);
+
+template <char mark, class T>
+void marked(Check &check, const T &subject)
+{
+    check.info(QChar::fromLatin1(mark) + nameOf(subject));
 }
 
 TEST(CheckRules, NeighboursShareAPass)
 {
     ProjectBuilder project;
     project.object(0x2000, u"A"_s).sub(0, u"0"_s).sub(1, u"1"_s).object(0x2001, u"B"_s).sub(0, u"2"_s);
-    const auto marked = [](const QString &mark) {
-        return [mark](ModelChecker &checker, const CheckSubject &subject) {
-            checker.reportInfo(mark + (subject.sub ? subject.sub->data.name : subject.object->data.name));
-        };
-    };
-    const CheckRule rules[] = {
-        {"a"_L1, marked(u"a"_s), eachObject},
-        {"b"_L1, marked(u"b"_s), eachObject, itsSubindices},
-        {"c"_L1, marked(u"c"_s), eachObject, itsSubindices},
-        {"d"_L1, marked(u"d"_s), eachObject},
-        {"e"_L1, marked(u"e"_s), eachObject, once, true},
+    const LineRule rules[] = {
+        rule("a"_L1, eachObject, marked<'a', CheckedObject>),
+        rule("b"_L1, eachObject, itsSubindices, marked<'b', CheckedSubindex>),
+        rule("c"_L1, eachObject, itsSubindices, marked<'c', CheckedSubindex>),
+        rule("d"_L1, eachObject, marked<'d', CheckedObject>),
+        rule("e"_L1, eachObject, marked<'e', CheckedObject>).inNewPass(),
     };
     EXPECT_EQ(reported(project, rules).join(u' '), u"aA b0 c0 b1 c1 dA aB b2 c2 dB eA eB");
 }
 
+TEST(CheckRules, SeeWhatAnotherHasCorrected)
+{
+    ProjectBuilder project;
+    const auto cobId = [](StoreRecords::SubIndexData &data) {
+        data.defaultvalue = u"0x201"_s;
+        data.implementation = 2;
+        data.varname = u"v"_s;
+    };
+    for (const quint16 pdo : {quint16{0x1400}, quint16{0x1401}})
+        project.object(pdo, u"PDO"_s).sub(1, u"COB-ID"_s, cobId);
+    const LineRule correcting = rule<Check>("correcting"_L1, [](Check &check) {
+        CheckedLine &line = check.line();
+        EXPECT_EQ(line.firstPdoLike(*line.object(0x1401)), 0x1400);
+        EXPECT_EQ(line.firstUserOf(u"v"_s), line.sub(0x1400, 1));
+        StoreRecords::SubIndexData data = line.sub(0x1400, 1)->data;
+        data.defaultvalue = u"0x80000201"_s;
+        data.varname = u"w"_s;
+        EXPECT_TRUE(check.correct(0x1400, 1, data, {}));
+        EXPECT_EQ(line.firstPdoLike(*line.object(0x1401)), 0x1401);
+        EXPECT_EQ(line.firstUserOf(u"v"_s), line.sub(0x1401, 1));
+    });
+    EXPECT_EQ(reported(project, correcting), QStringList{u"<i>Corrected: "_s});
+}
+
 TEST(ModelChecker, CountsErrorsAnewAndSuppressedWarningsOverAllLines)
 {
-    const CheckRule rule{"rule"_L1, [](ModelChecker &checker, const CheckSubject &) {
-                             checker.reportError(u"error"_s);
-                             checker.reportWarning(WG_NAMING, u"naming"_s);
-                             checker.reportWarning(WG_LAYOUT, u"layout"_s);
-                             checker.reportHint(WG_NAMING, u"naming hint"_s);
-                             checker.reportHint(WG_CONFIG, u"config hint"_s);
-                         }};
-    const CheckRules rules{.common = {}, .canOpen = {}, .j1939 = {&rule, 1}, .rawCan = {&rule, 1}};
+    const LineRule row = rule<Check>("row"_L1, [](Check &check) {
+        check.error(u"this"_s);
+        check.redError(u"that"_s);
+        check.warning(WG_NAMING, u"naming"_s);
+        check.warning(WG_LAYOUT, u"layout"_s);
+        check.hint(WG_NAMING, u"naming hint"_s);
+        check.hint(WG_CONFIG, u"config hint"_s);
+    });
+    const CheckRules rules{.common = {}, .canOpen = {}, .j1939 = {&row, 1}, .rawCan = {&row, 1}};
     ProjectBuilder project;
     project.misc(u"SuppressedWarningGroups"_s, u"wg_layout, nonsense ,WG_NAMING"_s);
     ModelChecker checker(rules);
     QStringList texts;
     QObject::connect(&checker, &ModelChecker::newError, [&texts](const QString &text) { texts.append(text); });
-    EXPECT_EQ(checker.checkJ1939Line(1, 0, project.store(), {}), 1);
-    EXPECT_EQ(checker.checkRawCANLine(0, project.store()), 1);
-    EXPECT_EQ(texts, (QStringList{u"error"_s, u"config hint"_s, u"error"_s, u"config hint"_s}));
+    EXPECT_EQ(checker.checkJ1939Line(1, 0, project.store(), {}), 2);
+    EXPECT_EQ(checker.checkRawCANLine(0, project.store()), 2);
+    const QStringList once{u"<strong>Error: </strong>this"_s,
+                           u"<strong><font color='red'>Error: </font></strong>that"_s, u"config hint"_s};
+    EXPECT_EQ(texts, once + once);
     EXPECT_EQ(checker.suppressedSummary(), u"<strong>Note: </strong>4 warning(s) suppressed by the project settings:\n"
                                            "&nbsp;&nbsp;Names and identifiers (WG_NAMING): 2\n"
                                            "&nbsp;&nbsp;Mapping and signal layout (WG_LAYOUT): 2"_s);

@@ -26,10 +26,14 @@ QStringList ruleNames()
 {
     QStringList names;
     const CheckRules &all = CheckRules::builtIn();
-    for (const auto part : {all.common, all.canOpen, all.j1939, all.rawCan}) {
-        for (const CheckRule &rule : part)
+    const auto add = [&names](const auto &rules) {
+        for (const auto &rule : rules)
             names.append(rule.name);
-    }
+    };
+    add(all.common);
+    add(all.canOpen);
+    add(all.j1939);
+    add(all.rawCan);
     return names;
 }
 
@@ -78,6 +82,40 @@ QStringList allGroups()
     return keys;
 }
 
+/// The row of one of the rules whose message a text is.
+DocumentedRule documentedAs(const QString &text, const QStringList &rules)
+{
+    static const QList<DocumentedRule> documented = documentedRules();
+    QList<DocumentedRule> rows;
+    std::ranges::copy_if(documented, std::back_inserter(rows),
+                         [&rules](const DocumentedRule &row) { return rules.contains(row.rule); });
+    return rowOf(rows, text);
+}
+
+/// Holds what the check says against the groups that the documentation tells, and what is left of it with all of them
+/// suppressed.
+void expectDocumentedGroups(const RuleCase &ruleCase, const CaseProject::Outcome &outcome)
+{
+    int warnings = 0;
+    QStringList left;
+    for (qsizetype i = 0; i < outcome.messages.size(); ++i) {
+        const QString &text = outcome.messages.at(i);
+        const DocumentedRule row = documentedAs(text, {outcome.rules.at(i)});
+        EXPECT_FALSE(row.rule.isEmpty()) << "not documented: " << qPrintable(text);
+        EXPECT_EQ(row.group == "error"_L1, text.contains("Error: "_L1));
+        EXPECT_EQ(row.group == "corrected"_L1, text.contains("Corrected: "_L1));
+        warnings += row.group.startsWith("WG_"_L1) && !row.group.endsWith(", hint"_L1) ? 1 : 0;
+        if (!row.group.startsWith("WG_"_L1))
+            left.append(text);
+    }
+    const QString suppressed = u"misc SuppressedWarningGroups ="_s + allGroups().join(u',');
+    const CaseProject::Outcome quiet = CaseProject(ruleCase.commands + QStringList{suppressed}).check();
+    EXPECT_EQ(quiet.messages, left);
+    EXPECT_EQ(quiet.errors, outcome.errors);
+    EXPECT_EQ(quiet.summary.section(u"</strong>"_s, 1).section(u" warning"_s, 0, 0).toInt(), warnings);
+}
+
+/// Sets the application that the cases expect.
 class Rules : public testing::Test
 {
 protected:
@@ -88,68 +126,53 @@ protected:
     }
 };
 
-TEST_F(Rules, SayWhatTheCasesExpect)
+class RuleCases : public Rules, public testing::WithParamInterface<RuleCase>
 {
-    QSet<QString> seen;
-    for (const RuleCase &rules : ruleCases()) {
-        SCOPED_TRACE(qPrintable(rules.place()));
-        CaseProject project(rules.commands);
-        const CaseProject::Outcome outcome = project.check();
-        EXPECT_EQ(outcome.messages, rules.messages);
-        const QStringList expected = rules.rule == "-"_L1 ? QStringList() : rules.rule.split(u", "_s);
-        EXPECT_EQ(deduplicated(outcome.rules), deduplicated(expected));
-        const auto isError = [](const QString &text) { return text.contains(u"Error: "_s); };
-        EXPECT_EQ(outcome.errors, std::count_if(outcome.messages.begin(), outcome.messages.end(), isError));
-        seen.unite(QSet<QString>(expected.begin(), expected.end()));
+};
 
-        // What is corrected stays so, and news of a version are told once.
-        const CaseProject::Outcome second = project.check();
-        EXPECT_EQ(outcome.corrected, outcome.messages.join(u' ').contains("PDO has been disabled"_L1));
-        EXPECT_FALSE(second.corrected);
-        EXPECT_EQ(second.messages.filter(QRegularExpression(u"Corrected|project or Makefile"_s)), QStringList());
-    }
-    for (const QString &rule : ruleNames())
-        EXPECT_TRUE(seen.contains(rule)) << "no case provokes " << qPrintable(rule);
+TEST_P(RuleCases, SaysWhatIsExpected)
+{
+    SCOPED_TRACE(qPrintable(GetParam().place()));
+    CaseProject project(GetParam().commands);
+    const CaseProject::Outcome outcome = project.check();
+    EXPECT_EQ(outcome.messages, GetParam().messages);
+    EXPECT_EQ(deduplicated(outcome.rules), deduplicated(GetParam().rules()));
+    const auto isError = [](const QString &text) { return text.contains(u"Error: "_s); };
+    EXPECT_EQ(outcome.errors, std::count_if(outcome.messages.begin(), outcome.messages.end(), isError));
+    expectDocumentedGroups(GetParam(), outcome);
+
+    // What is corrected stays so, and news of a version are told once.
+    const CaseProject::Outcome second = project.check();
+    EXPECT_EQ(outcome.corrected, outcome.messages.join(u' ').contains("PDO has been disabled"_L1));
+    EXPECT_FALSE(second.corrected);
+    EXPECT_EQ(second.messages.filter(QRegularExpression(u"Corrected|project or Makefile"_s)), QStringList());
 }
 
-TEST_F(Rules, AreDocumentedWithTheirMessagesAndGroups)
+INSTANTIATE_TEST_SUITE_P(Check, RuleCases, testing::ValuesIn(ruleCases()),
+                         [](const auto &row) { return row.param.name().toStdString(); });
+
+TEST_F(Rules, AreDocumentedAndHaveCasesForAllThatTheySay)
 {
-    const QList<DocumentedRule> documented = documentedRules();
     QStringList names;
-    QHash<QString, QList<DocumentedRule>> byRule;
-    for (const DocumentedRule &row : documented) {
+    for (const DocumentedRule &row : documentedRules()) {
         names.append(row.rule);
-        byRule[row.rule].append(row);
         EXPECT_FALSE(row.cause.isEmpty() || row.remedy.isEmpty()) << qPrintable(row.rule);
     }
     names.removeDuplicates();
     EXPECT_EQ(names, ruleNames());
 
-    QSet<QString> provoked;
-    for (const RuleCase &rules : ruleCases()) {
-        SCOPED_TRACE(qPrintable(rules.place()));
-        const CaseProject::Outcome plain = CaseProject(rules.commands).check();
-        const CaseProject::Outcome quiet =
-            CaseProject(rules.commands + QStringList{u"misc SuppressedWarningGroups ="_s + allGroups().join(u',')})
-                .check();
-        int warnings = 0;
-        QStringList left;
-        for (qsizetype i = 0; i < plain.messages.size(); ++i) {
-            const DocumentedRule row = rowOf(byRule.value(plain.rules.at(i)), plain.messages.at(i));
-            EXPECT_FALSE(row.rule.isEmpty()) << "not documented: " << qPrintable(plain.messages.at(i));
-            provoked.insert(row.message);
-            EXPECT_EQ(row.group == "error"_L1, plain.messages.at(i).contains("Error: "_L1));
-            EXPECT_EQ(row.group == "corrected"_L1, plain.messages.at(i).contains("Corrected: "_L1));
-            warnings += row.group.startsWith("WG_"_L1) && !row.group.endsWith(", hint"_L1) ? 1 : 0;
-            if (!row.group.startsWith("WG_"_L1))
-                left.append(plain.messages.at(i));
-        }
-        EXPECT_EQ(quiet.messages, left);
-        EXPECT_EQ(quiet.errors, plain.errors);
-        EXPECT_EQ(quiet.summary.section(u"</strong>"_s, 1).section(u" warning"_s, 0, 0).toInt(), warnings);
+    QSet<QString> rules;
+    QSet<QString> messages;
+    for (const RuleCase &ruleCase : ruleCases()) {
+        for (const QString &rule : ruleCase.rules())
+            rules.insert(rule);
+        for (const QString &message : ruleCase.messages)
+            messages.insert(documentedAs(message, ruleCase.rules()).message);
     }
-    for (const DocumentedRule &row : documented)
-        EXPECT_TRUE(provoked.contains(row.message)) << "nobody says " << qPrintable(row.message);
+    for (const DocumentedRule &row : documentedRules()) {
+        EXPECT_TRUE(rules.contains(row.rule)) << "no case provokes " << qPrintable(row.rule);
+        EXPECT_TRUE(messages.contains(row.message)) << "nobody says " << qPrintable(row.message);
+    }
 }
 
 TEST_F(Rules, CorrectNothingForAUserWhoDoesNotWantIt)

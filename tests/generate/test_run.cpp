@@ -173,18 +173,19 @@ TEST_F(Run, EndsAtATemplateFailure)
 
 TEST_F(Run, StopsAtCheckErrorsUnlessTheyAreIgnored)
 {
-    const CheckRule errors[] = {{"errors"_L1, [](ModelChecker &checker, const CheckSubject &) {
-                                     checker.reportError(u"<strong>Error: </strong>first"_s);
-                                     checker.reportError(u"second"_s);
-                                     checker.reportWarning(WG_EDS, u"third"_s);
-                                 }}};
+    const ProjectRule errors[] = {rule<ProjectCheck>("errors"_L1, [](ProjectCheck &check) {
+        check.error(u"first"_s);
+        check.redError(u"second"_s);
+        check.warning(WG_EDS, u"third"_s);
+    })};
     const CheckRules rules{.common = errors, .canOpen = {}, .j1939 = {}, .rawCan = {}};
     ProjectBuilder project;
     open(project.misc(u"SuppressedWarningGroups"_s, u" wg_eds"_s).general(u"line0type"_s, u"3"_s));
     handler_.setCheckRules(rules);
     const QString note = u"<strong>Note: </strong>1 warning(s) suppressed by the project settings:\n"
                          "&nbsp;&nbsp;EDS/XDD documentation quality (WG_EDS): 1"_s;
-    const QStringList found{checkPassed.at(0), u"<strong>Error: </strong>first"_s, u"second"_s,
+    const QStringList found{checkPassed.at(0), u"<strong>Error: </strong>first"_s,
+                            u"<strong><font color='red'>Error: </font></strong>second"_s,
                             u"Warning line type not set for line 0."_s, note};
     EXPECT_EQ(generate(), found + QStringList{u"ABORT - Check of model consistency finished: failed (2 errors)"_s});
     EXPECT_EQ(results_, QList<int>{GeneratorMainHandler::CheckFailed});
@@ -200,21 +201,21 @@ TEST_F(Run, StopsAtCheckErrorsUnlessTheyAreIgnored)
 
     QStringList messages{u"old"_s};
     EXPECT_EQ(handler_.checkModel(messages), 2);
-    EXPECT_EQ(messages, (QStringList{found.at(1), u"second"_s, u"Warning: line type not set for line 0."_s, note}));
+    EXPECT_EQ(messages, (QStringList{found.at(1), found.at(2), u"Warning: line type not set for line 0."_s, note}));
 }
 
 TEST_F(Run, ChecksEachLineByItsTypeUnderAHeading)
 {
-    const auto named = [](const char *name) {
-        return [name](ModelChecker &checker, const CheckSubject &) {
-            checker.reportInfo(QString::fromLatin1(name) + QString::number(checker.line().number()));
-            if (*name == 'C')
-                checker.noteCorrection();
-        };
+    const auto named = [](const QString &name) {
+        return rule<Check>("named"_L1, [name](Check &check) {
+            check.info(name + QString::number(check.line().number()));
+            const bool corrects = name == u"C";
+            EXPECT_EQ(corrects && check.correctCobId(0x1800, 1, {}, {}), corrects);
+        });
     };
-    const CheckRule canOpen[] = {{"canOpen"_L1, named("C")}};
-    const CheckRule j1939[] = {{"j1939"_L1, named("J")}};
-    const CheckRule rawCan[] = {{"rawCan"_L1, named("R")}};
+    const LineRule canOpen[] = {named(u"C"_s)};
+    const LineRule j1939[] = {named(u"J"_s)};
+    const LineRule rawCan[] = {named(u"R"_s)};
     const CheckRules rules{.common = {}, .canOpen = canOpen, .j1939 = j1939, .rawCan = rawCan};
     handler_.setCheckRules(rules);
     ProjectBuilder project;

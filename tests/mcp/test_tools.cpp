@@ -126,16 +126,17 @@ TEST_F(Tools, EndEditsWithWhatTheCheckSays)
     EXPECT_EQ(run(u"set_index_name"_s, with(object2000, {{u"name"_s, u"x"_s}})),
               u"Index 0x2000 on line 0 renamed to \"x\".\n\ncheck_model: OK (0 errors)."_s);
 
-    const auto reportTwo = [](ModelChecker &checker, const CheckSubject &) {
-        checker.reportInfo(u"<b>An info</b>"_s);
-        checker.reportError(u"An %1 error"_s);
-    };
-    const CheckRule rule{"reportTwo"_L1, reportTwo};
-    const CheckRules rules{.common = {&rule, 1}, .canOpen = {}, .j1939 = {}, .rawCan = {}};
+    const ProjectRule two = rule<ProjectCheck>("two"_L1, [](ProjectCheck &check) {
+        check.info(u"<b>An info</b>"_s);
+        check.error(u"An %1 error"_s);
+    });
+    const CheckRules rules{.common = {&two, 1}, .canOpen = {}, .j1939 = {}, .rawCan = {}};
     session_.handler().setCheckRules(rules);
-    EXPECT_EQ(run(u"set_index_name"_s, with(object2000, {{u"name"_s, u"y"_s}})),
-              u"Index 0x2000 on line 0 renamed to \"y\".\n\ncheck_model: 1 error(s):\n<b>An info</b>\nAn %1 error"_s);
-    EXPECT_EQ(run(u"check_model"_s), u"! {\"errorCount\":1,\"errors\":[\"<b>An info</b>\",\"An %1 error\"]}"_s);
+    EXPECT_EQ(
+        run(u"set_index_name"_s, with(object2000, {{u"name"_s, u"y"_s}})),
+        u"Index 0x2000 on line 0 renamed to \"y\".\n\ncheck_model: 1 error(s):\n<b>An info</b>\n<strong>Error: </strong>An %1 error"_s);
+    EXPECT_EQ(run(u"check_model"_s),
+              u"! {\"errorCount\":1,\"errors\":[\"<b>An info</b>\",\"<strong>Error: </strong>An %1 error\"]}"_s);
     EXPECT_TRUE(run(u"generate"_s).startsWith("! Generation failed.\n"_L1));
     EXPECT_TRUE(run(u"generate"_s, {{u"disableCheck"_s, true}}).startsWith("Generation completed.\n"_L1));
 }

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QtGlobal>
+
+// Codes of the domain that several floors compare with, each declared once.
+
+namespace CANopen {
+
+/// Where the value of a subindex is kept.
+enum class Implementation : quint8
+{
+    ManagedVariable = 0, ///< storage of the stack that may change
+    ManagedConst = 1,    ///< read-only storage of the stack
+    Variable = 2,        ///< a variable of the application
+    VirtualObject = 3    ///< not stored: a callback serves it
+};
+
+/// A record holds its code as a number.
+constexpr bool operator==(quint8 code, Implementation implementation)
+{
+    return code == static_cast<quint8>(implementation);
+}
+
+/// Object indices, both ends included.
+struct IndexRange
+{
+    quint16 first;
+    quint16 last;
+
+    constexpr bool contains(quint16 index) const { return index >= first && index <= last; }
+};
+
+/// Objects of the communication profile (CiA 301, CiA 302, EN 50325-5).
+namespace Index {
+
+inline constexpr quint16 firstCommunicationObject = 0x1000;
+inline constexpr quint16 deviceType = 0x1000;
+inline constexpr quint16 errorRegister = 0x1001;
+inline constexpr quint16 errorHistory = 0x1003;
+inline constexpr quint16 syncCobId = 0x1005;
+inline constexpr quint16 syncPeriod = 0x1006;
+inline constexpr quint16 guardTime = 0x100C;
+inline constexpr quint16 storeParameters = 0x1010;
+inline constexpr quint16 restoreParameters = 0x1011;
+inline constexpr quint16 timeCobId = 0x1012;
+inline constexpr quint16 emcyCobId = 0x1014;
+inline constexpr quint16 heartbeatConsumers = 0x1016;
+inline constexpr quint16 heartbeatProducer = 0x1017;
+inline constexpr quint16 identity = 0x1018;
+inline constexpr quint16 emcyConsumers = 0x1028;
+inline constexpr quint16 nmtInhibitTime = 0x102A;
+inline constexpr quint16 slaveAssignment = 0x1F81;
+
+inline constexpr IndexRange srdos{0x1301, 0x137F};
+inline constexpr IndexRange srdoMappings{0x1381, 0x13FF};
+inline constexpr IndexRange rpdos{0x1400, 0x15FF};
+inline constexpr IndexRange rpdoMappings{0x1600, 0x17FF};
+inline constexpr IndexRange tpdos{0x1800, 0x19FF};
+inline constexpr IndexRange tpdoMappings{0x1A00, 0x1BFF};
+
+} // namespace Index
+} // namespace CANopen
