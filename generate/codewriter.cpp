@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include <QRegularExpression>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -98,6 +100,44 @@ QString Code::hex(quint64 value, int digits)
 QString Code::dec(quint64 value)
 {
     return QString::number(value);
+}
+
+namespace {
+
+/// The length of the escape of C that begins here, without its digits; 0 if there is none.
+qsizetype escapeLength(QStringView text)
+{
+    static const QRegularExpression escape(u"^\\\\(?:[abfnrtv?'\"\\\\0-7]|x[0-9A-Fa-f])"_s);
+    return escape.match(text).capturedLength();
+}
+
+bool isTrigraph(QStringView text)
+{
+    return text.size() > 2 && text.startsWith("??"_L1) && u"=/'()!<>-"_s.contains(text.at(2));
+}
+
+} // namespace
+
+QString Code::literalText(const QString &text)
+{
+    QString literal;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QStringView rest = QStringView(text).sliced(i);
+        if (const qsizetype length = escapeLength(rest); length > 0) {
+            literal += rest.first(length);
+            i += length - 1;
+        } else if (isTrigraph(rest)) {
+            literal += "?\\?"_L1;
+            ++i;
+        } else if (rest.front() == u'"' || rest.front() == u'\\') {
+            literal += u'\\' + QString(rest.front());
+        } else if (rest.front() == u'\n' || rest.front() == u'\r') {
+            literal += rest.front() == u'\n' ? "\\n"_L1 : "\\r"_L1;
+        } else {
+            literal += rest.front();
+        }
+    }
+    return literal;
 }
 
 QString Code::commentText(QString text)

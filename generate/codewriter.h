@@ -59,5 +59,9 @@ QString hex(quint64 value, int digits = 1);
 QString dec(quint64 value);
 /// A text of the project as it may stand inside a comment: on one line, and without the marks of a comment.
 QString commentText(QString text);
+/// A text of the project as it may stand between quotes: its escapes are those of C. A backslash is added where the
+/// literal would not compile without: before a quote, a backslash that begins no escape, and the last sign of a
+/// trigraph.
+QString literalText(const QString &text);
 
 } // namespace Code

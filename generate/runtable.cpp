@@ -1,5 +1,6 @@
 #include "generate/runtable.h"
 
+#include "generate/dialect.h"
 #include "generate/docs/csvgenerator.h"
 #include "generate/docs/dbcgenerator.h"
 #include "generate/docs/documentname.h"
@@ -190,7 +191,7 @@ std::unique_ptr<FileGenerator> makeDefines(const RunContext &run, quint8 /*line*
 std::unique_ptr<FileGenerator> makeIndications(const RunContext &run, quint8 /*line*/)
 {
     if (run.usesV4() || run.isOn(u"uds_static_indication"_s))
-        return std::make_unique<indicationgeneratorv4>();
+        return std::make_unique<indicationgeneratorv4>(run.usesV4() ? Dialect::v4() : Dialect::classic());
     return std::make_unique<indicationgenerator>();
 }
 

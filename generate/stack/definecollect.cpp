@@ -49,7 +49,6 @@ public:
     void collect();
 
 private:
-    static bool takesPart(const LineProtocols &protocols, const LineDictionary &dictionary);
     void countLine(const LineDictionary &dictionary);
     void countObjects(LineCounts &line, const LineDictionary &dictionary) const;
     void countSdo(LineCounts &line, const LineDictionary &dictionary) const;
@@ -88,7 +87,7 @@ void DefineCollector::collect()
     std::vector<LineDictionary> dictionaries;
     for (const quint8 number : LineSettings::stackLines(store_)) {
         LineDictionary dictionary(store_, number);
-        if (takesPart(RunContext::protocolsOf(store_, number), dictionary))
+        if (dictionary.takesPart(RunContext::protocolsOf(store_, number)))
             dictionaries.push_back(std::move(dictionary));
     }
     if (dictionaries.empty())
@@ -107,12 +106,6 @@ void DefineCollector::collect()
     readProfile(dictionaries);
     readAuthentication();
     readEnergyBus();
-}
-
-/// A CANopen line without objects is left out everywhere, as it is in the object dictionary.
-bool DefineCollector::takesPart(const LineProtocols &protocols, const LineDictionary &dictionary)
-{
-    return protocols.j1939 || protocols.rawCan || !dictionary.indices().isEmpty();
 }
 
 void DefineCollector::countLine(const LineDictionary &dictionary)

@@ -2,7 +2,9 @@
 
 #include "generate/codewriter.h"
 #include "generate/dialect.h"
+#include "generate/runcontext.h"
 #include "generate/stack/indications.h"
+#include "generate/stack/linedictionary.h"
 #include "generate/stack/linesettings.h"
 #include "store/objectdatabase.h"
 
@@ -25,9 +27,10 @@ struct Prototype
 class Collector
 {
 public:
-    Collector(ObjectDataBase &store, const Dialect &dialect)
+    Collector(ObjectDataBase &store, const Dialect &dialect, const Dialect &sources)
         : store_(store)
         , dialect_(dialect)
+        , sources_(sources)
     {
     }
 
@@ -52,8 +55,8 @@ private:
     void addAll(std::span<const Indications::Event> events)
     {
         for (const Indications::Event &event : events) {
-            const QString parameters = event.parametersIn(dialect_);
-            if (!event.existsIn(dialect_.form))
+            const QString parameters = event.parametersIn(sources_);
+            if (!event.existsIn(sources_.form))
                 continue;
             if (parameters.isEmpty())
                 isNamed_ |= !Indications::functionOf(store_, event.key).isEmpty();
@@ -78,6 +81,7 @@ private:
 
     ObjectDataBase &store_;
     const Dialect &dialect_;
+    const Dialect &sources_;
     QList<Prototype> prototypes_;
     bool isNamed_ = false;
 };
@@ -96,13 +100,13 @@ void writePrototype(CodeWriter &out, const Prototype &prototype, const QString &
         out(u"#endif");
 }
 
-bool hasObjectsOnSeveralLines(ObjectDataBase &store)
+/// The stack then has functions for one of several lines; see `CAN_MULTI_LINE`.
+bool hasSeveralLines(ObjectDataBase &store)
 {
-    constexpr quint16 firstObject = 0x1000;
-    constexpr quint16 lastObject = 0xFFFF;
     const QList<quint8> lines = LineSettings::stackLines(store);
-    return std::ranges::count_if(
-               lines, [&](quint8 line) { return !store.getIndexList(line, firstObject, lastObject).isEmpty(); }) > 1;
+    return std::ranges::count_if(lines, [&](quint8 line) {
+               return LineDictionary(store, line).takesPart(RunContext::protocolsOf(store, line));
+           }) > 1;
 }
 
 } // namespace
@@ -114,9 +118,9 @@ QString IndicationHeaderGenerator::fileName() const
 
 void IndicationHeaderGenerator::write(QTextStream &stream)
 {
-    Collector collector(*database(), dialect_);
+    Collector collector(*database(), dialect_, sources_);
     const QList<Prototype> prototypes = collector.collect();
-    const bool multiLine = generatesMultiLine() || hasObjectsOnSeveralLines(*database());
+    const bool multiLine = generatesMultiLine() || hasSeveralLines(*database());
     CodeWriter out(stream);
     // The file has no date: it stays the same for as long as its functions do.
     out(uR"(
@@ -138,16 +142,21 @@ void IndicationHeaderGenerator::write(QTextStream &stream)
             */
             )");
     for (const Prototype &prototype : prototypes)
-        writePrototype(out, prototype, multiLine ? dialect_.lineParameter : QString());
+        writePrototype(out, prototype, multiLine ? sources_.lineParameter : QString());
     out(u"#endif /* GEN_INDICATION*/");
 }
 
 indicationgenerator::indicationgenerator()
-    : IndicationHeaderGenerator(Dialect::classic())
+    : IndicationHeaderGenerator(Dialect::classic(), Dialect::classic())
 {
 }
 
 indicationgeneratorv4::indicationgeneratorv4()
-    : IndicationHeaderGenerator(Dialect::v4())
+    : indicationgeneratorv4(Dialect::v4())
+{
+}
+
+indicationgeneratorv4::indicationgeneratorv4(const Dialect &sources)
+    : IndicationHeaderGenerator(Dialect::v4(), sources)
 {
 }

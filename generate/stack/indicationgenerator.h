@@ -14,8 +14,10 @@ public:
     QString fileName() const override;
 
 protected:
-    explicit IndicationHeaderGenerator(const Dialect &dialect)
+    /// The form of the file, and that of the sources which the stack's functions are for.
+    IndicationHeaderGenerator(const Dialect &dialect, const Dialect &sources)
         : dialect_(dialect)
+        , sources_(sources)
     {
     }
 
@@ -23,6 +25,7 @@ protected:
 
 private:
     const Dialect &dialect_;
+    const Dialect &sources_;
 };
 
 /// The classic form.
@@ -34,11 +37,13 @@ public:
     indicationgenerator();
 };
 
-/// The V4 form, and the only one with the functions of the UDS server.
+/// The V4 form, and the only one with the functions of the UDS server. Beside classic sources the functions of CANopen
+/// keep their classic parameters, which is what the pointers in these sources have.
 class indicationgeneratorv4 : public IndicationHeaderGenerator
 {
     Q_OBJECT
 
 public:
     indicationgeneratorv4();
+    explicit indicationgeneratorv4(const Dialect &sources);
 };

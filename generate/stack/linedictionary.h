@@ -1,5 +1,7 @@
 #pragma once
 
+#include "store/lineprotocols.h"
+
 #include <QHash>
 #include <QList>
 #include <QString>
@@ -14,6 +16,12 @@ public:
 
     quint8 line() const { return line_; }
     const QList<quint16> &indices() const { return indices_; }
+    /// Whether the stack has the line: a CANopen line without objects is left out everywhere, as it is in the object
+    /// dictionary.
+    bool takesPart(const LineProtocols &protocols) const
+    {
+        return protocols.j1939 || protocols.rawCan || !indices_.isEmpty();
+    }
     bool has(quint16 index) const;
     /// The objects of a range, both ends included, ascending.
     QList<quint16> range(quint16 first, quint16 last) const;

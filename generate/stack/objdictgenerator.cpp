@@ -30,8 +30,13 @@ void writeOpening(CodeWriter &out, ObjectDataBase &store, const SourceOpening &o
     SourceSections::applicationIncludes(out, opening);
     SourceSections::specifierGuards(out, dialect);
     SourceSections::watchdogGuard(out, dialect);
-    writeIndicationPointers(out, store, dialect);
-    writeUdsIndicationPointers(out, store, dialect);
+    // The SDO server of a J1939 device includes no header that declares the functions.
+    if (tables.options.serverMode) {
+        out(u"/* definition of static indication function pointers */");
+    } else {
+        writeIndicationPointers(out, store, dialect);
+        writeUdsIndicationPointers(out, store, dialect);
+    }
     ObjDictSections::objectCounts(out, tables);
 }
 

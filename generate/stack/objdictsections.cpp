@@ -71,7 +71,7 @@ void openConstants(CodeWriter &out, const Dialect &dialect, QLatin1StringView ty
 QString stringLiteral(const QString &text)
 {
     if (!text.startsWith("|x"_L1))
-        return u"\"%1\""_s.arg(text);
+        return u"\"%1\""_s.arg(Code::literalText(text));
     QString literal;
     for (const char byte : Helper::hexPairs(QStringView(text).sliced(2)))
         literal += u"\\x%1"_s.arg(hex(static_cast<quint8>(byte), 2));

@@ -253,7 +253,7 @@ TEST_P(MessageWalk, FindsWhatTheStoreHolds)
     QStringList options{u"-DNJX_USE_GENERATED_VARIABLES"_s};
     if (form.isMultiProtocol())
         options.append(rawCanOnly ? u"-DWALK_RAWCAN"_s : u"-DWALK_MP"_s);
-    const ProcessResult build = folder.build({source, u"gen_var_decl.c"_s, u"pgn_walker.c"_s}, options);
+    const ProcessResult build = folder.build({source, u"gen_var_decl.c"_s, u"pgn_walker.c"_s, u"stack.c"_s}, options);
     ASSERT_EQ(build.exitCode, 0) << qPrintable(build.errors);
     const ProcessResult walk = folder.run();
     EXPECT_EQ(walk.exitCode, 0);

@@ -19,6 +19,8 @@ using namespace TestSupport;
 
 namespace {
 
+const QString sanitizers = u"-fsanitize=address,undefined"_s;
+
 const QString stackFolder = QStringLiteral(NCX_SOURCE_DIR "/tests/stack");
 
 /// The 24 bit arrays with a sign have no member in the structure of all arrays. Before version 2 the structure of a UDS
@@ -44,7 +46,8 @@ QString cType(quint16 dataType)
         {100, u"UNSIGNED8"_s}, {101, u"UNSIGNED8"_s}, {102, u"UNSIGNED8"_s}, {103, u"UNSIGNED8"_s},
         {104, u"UNSIGNED8"_s}, {105, u"UNSIGNED8"_s}, {124, u"char"_s},
     };
-    return names.value(dataType);
+    // Of what has no array the sources take the address alone.
+    return names.value(dataType, u"UNSIGNED64"_s);
 }
 
 bool isString(quint16 dataType)
@@ -229,6 +232,8 @@ QString GeneratedSources::compileFile(const QString &path, const QStringList &mo
     const bool cpp = path.endsWith(".cpp"_L1);
     const QString object = folder_.filePath(QFileInfo(path).fileName() + u".o"_s);
     QStringList arguments{cpp ? u"c++"_s : u"cc"_s, cpp ? u"-std=c++17"_s : u"-std=c99"_s};
+    if (sanitized_)
+        arguments.append(sanitizers);
     arguments += compilerArguments() + more + QStringList{u"-c"_s, path, u"-o"_s, object};
     const ProcessResult result = ProcessRunner(u"/usr/bin/env"_s).arguments(arguments).run();
     d_->objects.append(object);
@@ -254,6 +259,10 @@ void GeneratedSources::writeVariables() const
             header += u"extern "_s + declaration(it.key(), it.value()) + u";\n"_s;
             source += declaration(it.key(), it.value()) + u";\n"_s;
         }
+        // A function that the V4 form of gen_indication.h leaves to the application.
+        if (const QString function = store().getGeneralSetting(u"fct_manager"_s); !function.isEmpty() && !classic_)
+            header +=
+                u"#include <co_canopen.h>\nextern __typeof__(*(CO_EVENT_MANAGER_BOOTUP_T)0) %1;\n"_s.arg(function);
         for (const QString &function : store().getGeneralSetting(u"co_node_id_fct"_s).split(u',', Qt::SkipEmptyParts))
             header += u"UNSIGNED8 "_s + function.trimmed() + u"(STACK_LINE_ONLY);\n"_s;
     }
@@ -313,18 +322,78 @@ QString GeneratedSources::link()
         if (!name.startsWith("gen_"_L1))
             complaints += compileFile(folder_.filePath(name));
     }
+    return complaints + linkWalker();
+}
+
+QString GeneratedSources::linkWalker()
+{
     // The functions of the application are never called here.
-    const ProcessResult result =
-        ProcessRunner(u"/usr/bin/env"_s)
-            .arguments(QStringList{u"cc"_s, u"-no-pie"_s, u"-Wl,--unresolved-symbols=ignore-all"_s, u"-o"_s,
-                                   folder_.filePath(u"walker"_s)} +
-                       d_->objects)
-            .run();
-    return result.exitCode == 0 ? complaints : complaints + result.errors;
+    QStringList arguments{u"cc"_s, u"-no-pie"_s, u"-Wl,--unresolved-symbols=ignore-all"_s, u"-o"_s,
+                          folder_.filePath(u"walker"_s)};
+    if (sanitized_)
+        arguments += {sanitizers, u"-fno-sanitize-recover=all"_s};
+    const ProcessResult result = ProcessRunner(u"/usr/bin/env"_s).arguments(arguments + d_->objects).run();
+    return result.exitCode == 0 ? QString() : result.errors;
+}
+
+/// The file with the tables of PGNs and CAN-IDs; empty if there are none.
+QString GeneratedSources::messageSource() const
+{
+    for (const QString &name : {u"gen_mp.c"_s, u"gen_rawcan.c"_s, u"gen_pgn.c"_s}) {
+        if (has(name))
+            return name;
+    }
+    return {};
+}
+
+/// Tells the walker of messages the variables of the signals.
+void GeneratedSources::writeSymbols() const
+{
+    QSet<QString> names;
+    const auto add = [&](const ObjectDataBase::SPN &signal) {
+        if (signal.implementation == 2 && !signal.varname.isEmpty())
+            names.insert(signal.varname);
+    };
+    ObjectDataBase::SPN signal;
+    for (const quint8 line : store().getNodeList()) {
+        for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
+            for (const quint32 number : store().getPGNList(line, direction)) {
+                for (const quint32 spn : store().getSPNList(line, number, direction)) {
+                    if (store().getSPN(line, number, direction, spn, signal))
+                        add(signal);
+                }
+            }
+            for (const quint32 id : store().getCANIDList(line, direction)) {
+                for (const quint32 element : store().getDataElementList(line, id, direction)) {
+                    if (store().getDataElement(line, id, direction, element, signal))
+                        add(signal);
+                }
+            }
+        }
+    }
+    QString text;
+    for (const QString &name : std::as_const(names))
+        text += u"SYMBOL(%1)\n"_s.arg(name);
+    writeFile(folder_.filePath(u"symbols.h"_s), text.toUtf8());
+}
+
+QString GeneratedSources::linkMessages()
+{
+    writeSymbols();
+    const QString source = messageSource();
+    const QStringList switches = source == "gen_mp.c"_L1       ? QStringList{u"-DWALK_MP"_s}
+                                 : source == "gen_rawcan.c"_L1 ? QStringList{u"-DWALK_RAWCAN"_s}
+                                                               : QStringList();
+    d_->objects = {folder_.filePath(source + u".o"_s)};
+    QString complaints = compileFile(folder_.filePath(u"gen_var_decl.c"_s), {u"-DNJX_USE_GENERATED_VARIABLES"_s}) +
+                         compileFile(stackFolder + u"/stack.c"_s) +
+                         compileFile(stackFolder + u"/pgn_walker.c"_s, switches);
+    return complaints + linkWalker();
 }
 
 QString GeneratedSources::walk(const QStringList &arguments) const
 {
     const ProcessResult result = ProcessRunner(folder_.filePath(u"walker"_s)).arguments(arguments).run();
-    return result.exitCode == 0 ? result.output : u"the walker ends with %1\n"_s.arg(result.exitCode) + result.output;
+    return result.exitCode == 0 ? result.output
+                                : u"the walker ends with %1\n"_s.arg(result.exitCode) + result.output + result.errors;
 }

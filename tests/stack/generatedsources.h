@@ -32,15 +32,20 @@ public:
     QString folder() const { return folder_.path(); }
     bool has(const QString &fileName) const;
     bool hasDictionary() const;
+    bool hasMessages() const { return !messageSource().isEmpty(); }
     QByteArray text(const QString &fileName) const;
     /// What the run has said, with "DIR" for the folder.
     QStringList messages() const;
 
+    /// Whether what is walked finds wrong accesses and undefined behaviour at run time.
+    void setSanitized(bool sanitized) { sanitized_ = sanitized; }
     /// Compiles all C and C++ sources, C as C99 with all warnings. What the compiler says is returned, without the
     /// warnings that the required text itself provokes; empty if all is well.
     QString compile();
     /// Links gen_objdict.c, or gen_mp.c where that holds the dictionary, with the walker; what the linker says.
     QString link();
+    /// Links the messages of J1939 and raw CAN with their walker, in place of the dictionary.
+    QString linkMessages();
     /// What the walker prints.
     QString walk(const QStringList &arguments) const;
 
@@ -50,9 +55,13 @@ private:
     QStringList compilerArguments() const;
     QStringList dictionarySwitches() const;
     QString compileFile(const QString &path, const QStringList &more = {});
+    QString linkWalker();
+    QString messageSource() const;
     void writeVariables() const;
+    void writeSymbols() const;
 
     bool classic_;
+    bool sanitized_ = false;
     QTemporaryDir folder_;
     std::unique_ptr<Private> d_;
 };

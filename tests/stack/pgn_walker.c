@@ -165,17 +165,6 @@ RET_T rawcanStackInit_line(const RAWCAN_CONFIG_T *pConfig)
 }
 #endif
 
-RET_T coreStackInit(const CORE_COMMON_INIT_VAL_T *pInit)
-{
-    printf("common %u protocol %u\n", (unsigned)pInit->multiLine, (unsigned)pInit->protocolType[0]);
-    return RET_OK;
-}
-
-RET_T commonStackInit(const CO_COMMON_INIT_VAL_T *pInit)
-{
-    return coreStackInit(pInit);
-}
-
 int main(void)
 {
 #ifdef STACK_FD

@@ -2,6 +2,8 @@
 
 #include "support/recordfields.h"
 
+#include <QHash>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,6 +14,19 @@ using RecordFields::assign;
 using RecordFields::number;
 
 namespace {
+
+using ServiceWriter = void (ObjectDataBase::*)(quint8, quint8, const QString &);
+
+/// What writes this column of a diagnostic service; null for another word.
+ServiceWriter serviceWriter(const QString &word)
+{
+    static const QHash<QString, ServiceWriter> writers{
+        {u"sessions"_s, &ObjectDataBase::setUDSServiceSessions},
+        {u"userlevels"_s, &ObjectDataBase::setUDSServiceUserLevels},
+        {u"authentication"_s, &ObjectDataBase::setUDSServiceAuthentication},
+    };
+    return writers.value(word);
+}
 
 /// "0x1018:2", or "0x1018" for its subindex 0.
 std::pair<quint16, quint8> address(const QString &text)
@@ -46,8 +61,12 @@ bool ProjectScript::runSetting(const QString &word, const QString &key, const QS
     }
     if (word == "description"_L1)
         store_->setCurrentLine(line_);
-    if (word == "authentication"_L1) {
-        store_->setUDSServiceAuthentication(line_, static_cast<quint8>(number(key)), value);
+    if (const auto write = serviceWriter(word)) {
+        ((*store_).*write)(line_, static_cast<quint8>(number(key)), value);
+        return true;
+    }
+    if (word == "active"_L1) {
+        store_->setUDSServiceActive(line_, static_cast<quint8>(number(key)), number(value) != 0);
         return true;
     }
     const QStringList keys = key.split(u' ');
