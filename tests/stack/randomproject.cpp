@@ -178,12 +178,14 @@ void RandomProject::addSub(quint16 index, quint8 subindex, quint16 dataType, con
 // ---- Application objects
 
 /// How it is served and mapped; `text` is its default.
-QString RandomProject::implementation(const Place &place, const QString &text)
+QString RandomProject::implementation(const Place &place, const QString &text, bool isVirtual)
 {
-    Implementation kind = oneOf(std::array{ManagedVariable, ManagedVariable, ManagedConst, ApplicationVariable,
-                                           ApplicationVariable, VirtualObject});
+    Implementation kind =
+        oneOf(std::array{ManagedVariable, ManagedVariable, ManagedConst, ApplicationVariable, ApplicationVariable});
     if (kind == ManagedVariable && isText(place.dataType))
         kind = oneOf(std::array{ManagedConst, ApplicationVariable});
+    if (isVirtual)
+        kind = VirtualObject;
     QString access = oneOf(QStringList{u"ro"_s, u"rw"_s, u"wo"_s, u"rww"_s, u"rwr"_s, u"const"_s});
     if (kind == ManagedConst)
         access = chance(50) ? u"const"_s : u"ro"_s;
@@ -196,23 +198,51 @@ QString RandomProject::implementation(const Place &place, const QString &text)
     }
     if (isText(place.dataType)) // a constant is as long as its text at most, or a device reads behind it
         result += u"; size=%1"_s.arg(kind == ManagedConst ? text.toUtf8().size() : qsizetype{number(0, 60)});
+    const quint32 bits = COHelper::getDataLengthBits(place.dataType);
     const quint32 mapping = number(0, 4);
-    if (mapping == 0 || isText(place.dataType) || place.bits == 0 || place.bits > 64)
+    if (mapping == 0 || isText(place.dataType) || bits == 0 || bits > 64)
         return result;
-    mappables_.append({place.index, place.subindex, place.bits, access != "wo"_L1 && mapping != 3,
+    mappables_.append({place.index, place.subindex, bits, access != "wo"_L1 && mapping != 3,
                        access != "ro"_L1 && access != "const"_L1 && mapping != 4});
     return result + u"; pdomapping=%1"_s.arg(mapping);
 }
 
-void RandomProject::addApplicationSub(quint16 index, quint8 subindex, quint16 dataType)
+void RandomProject::addApplicationSub(const Place &place, bool isVirtual)
 {
-    const QString text = value(dataType);
-    QString row = u"sub %1:%2 "_s.arg(hex(index)).arg(subindex) +
-                  fields(u"subindex"_s).replace(u"$S"_s, QString::number(subindex));
-    if (!isText(dataType) && dataType != CAN::Domain && chance(30))
+    const QString text = value(place.dataType);
+    QString row = u"sub %1:%2 "_s.arg(hex(place.index)).arg(place.subindex) +
+                  fields(u"subindex"_s).replace(u"$S"_s, QString::number(place.subindex));
+    if (!isText(place.dataType) && place.dataType != CAN::Domain && chance(30))
         row += u"; "_s + fields(u"limits"_s);
-    row += u"; datatype=%1; defaultvalue="_s.arg(dataType) + text;
-    add(row + implementation({index, subindex, dataType, COHelper::getDataLengthBits(dataType)}, text));
+    row += u"; datatype=%1; defaultvalue="_s.arg(place.dataType) + text;
+    add(row + implementation(place, text, isVirtual));
+}
+
+/// A variable, an array or a record, whose subindices are virtual all or none.
+void RandomProject::addApplicationObject(quint16 index)
+{
+    const quint32 kind = number(7, 9);
+    const bool isVirtual = chance(15);
+    const QString name = oneOf(QStringList{u"Object"_s, u"Motor %1"_s.arg(index), u"größe */"_s, u"it's"_s});
+    add(u"object %1 objecttype=%2; name="_s.arg(hex(index)).arg(kind) + name);
+    quint16 type = oneOf(objectTypes);
+    if (kind == 7) {
+        addApplicationSub({index, 0, type}, isVirtual);
+        return;
+    }
+    const auto last = static_cast<quint8>(chance(10) ? number(30, 70) : number(1, 6));
+    addSub(index, 0, CAN::Unsigned8,
+           u"accesstype=const; implementation=%1; defaultvalue=%2"_s.arg(isVirtual ? VirtualObject : ManagedConst)
+               .arg(last));
+    const bool alike = kind == 8 && chance(30);
+    for (quint8 sub = 1; sub <= last; ++sub) {
+        if (kind == 9)
+            type = oneOf(objectTypes);
+        if (alike)
+            addSub(index, sub, type, u"accesstype=rw; implementation=%1"_s.arg(isVirtual ? 3 : isText(type) ? 1 : 0));
+        else
+            addApplicationSub({index, sub, type}, isVirtual);
+    }
 }
 
 void RandomProject::addApplicationObjects()
@@ -220,23 +250,26 @@ void RandomProject::addApplicationObjects()
     quint32 index = 0x2000;
     for (quint32 count = number(2, 12); count > 0; --count) {
         index += number(1, 0x180);
-        const auto at = static_cast<quint16>(index);
-        const quint32 kind = number(7, 9);
-        const QString name = oneOf(QStringList{u"Object"_s, u"Motor %1"_s.arg(index), u"größe */"_s, u"it's"_s});
-        add(u"object %1 name=%2; objecttype=%3"_s.arg(hex(at), name).arg(kind));
-        quint16 type = oneOf(objectTypes);
-        if (kind == 7) {
-            addApplicationSub(at, 0, type);
-            continue;
-        }
-        const auto last = static_cast<quint8>(chance(10) ? number(30, 70) : number(1, 6));
-        addSub(at, 0, CAN::Unsigned8, u"accesstype=const; implementation=1; defaultvalue=%1"_s.arg(last));
-        for (quint8 sub = 1; sub <= last; ++sub) {
-            if (kind == 9)
-                type = oneOf(objectTypes);
-            addApplicationSub(at, sub, type);
-        }
+        addApplicationObject(static_cast<quint16>(index));
     }
+    addSharedObjects();
+}
+
+/// Objects of which the lines have one between them.
+void RandomProject::addSharedObjects()
+{
+    if (line_ == 0 && chance(50)) {
+        const qsizetype first = commands_.size();
+        for (quint32 count = number(1, 3); count > 0; --count)
+            addApplicationObject(static_cast<quint16>(0x4000 + count));
+        for (QString &command : commands_.mid(first)) {
+            if (command.startsWith("sub "_L1))
+                command += u"; sharedlines=1"_s;
+            shared_.append(command);
+        }
+        commands_.resize(first);
+    }
+    commands_ += shared_;
 }
 
 // ---- PDOs
@@ -387,8 +420,9 @@ void RandomProject::addGroups()
         QStringList signalCommands;
         for (quint32 i = 1; i <= signalCount && position < (isSafe && sdm ? 32U : 400U); ++i) {
             const quint16 type = isSafe ? oneOf(safeSignalTypes) : oneOf(signalTypes);
+            const bool isPlain = isText(type) || isSafe || chance(80);
             const QString name =
-                chance(80) ? u"s%1_%2_%3"_s.arg(line_).arg(group).arg(i) : u"g%1_%2[%3]"_s.arg(line_).arg(group).arg(i);
+                isPlain ? u"s%1_%2_%3"_s.arg(line_).arg(group).arg(i) : u"g%1_%2[%3]"_s.arg(line_).arg(group).arg(i);
             const QString row = signal(position, type, name, isSafe);
             signalCommands.append(u"spn %1 %2 %3 pos=%4; "_s.arg(group).arg(direction).arg(100 * group + i).arg(i) +
                                   row);

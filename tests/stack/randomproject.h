@@ -37,7 +37,6 @@ private:
         quint16 index;
         quint8 subindex;
         quint16 dataType;
-        quint32 bits;
     };
 
     quint32 number(quint32 first, quint32 last);
@@ -57,9 +56,11 @@ private:
 
     void addLine(int type);
     void addSub(quint16 index, quint8 subindex, quint16 dataType, const QString &more);
-    QString implementation(const Place &place, const QString &text);
-    void addApplicationSub(quint16 index, quint8 subindex, quint16 dataType);
+    QString implementation(const Place &place, const QString &text, bool isVirtual);
+    void addApplicationSub(const Place &place, bool isVirtual);
+    void addApplicationObject(quint16 index);
     void addApplicationObjects();
+    void addSharedObjects();
     void addPdos(bool transmit);
     void addPdo(quint16 number, bool transmit, QList<Mappable> objects);
     void addSafetyObjects();
@@ -77,6 +78,7 @@ private:
     bool safety_ = false;
     quint8 line_ = 0;
     QList<Mappable> mappables_;
+    QStringList shared_; ///< the objects that several lines have
     QHash<QString, QStringList> blocks_;
 };
 

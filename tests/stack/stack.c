@@ -3,6 +3,7 @@
 #include "stack.h"
 
 #include <core_isotp.h>
+#include <ico_odaccess.h>
 #include <stdarg.h>
 #include <stdio.h>
 
@@ -149,6 +150,11 @@ CALL(coIdNegoInit, "ID negotiation")
 CALL(coGuardingInit, "guarding")
 CALL(coLssMasterInit, "LSS master")
 CALL(coLssInit, "LSS slave")
+
+void icoOdAccessVarInit(void)
+{
+    (void)record("dictionary without CANopen");
+}
 
 RET_T coSdoServerInit(STACK_LINE_FIRST UNSIGNED8 number)
 {

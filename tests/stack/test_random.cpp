@@ -1,3 +1,4 @@
+#include "generate/docs/dbcreader.h"
 #include "stack/generatedsources.h"
 #include "stack/randomproject.h"
 #include "support/printing.h"
@@ -5,6 +6,11 @@
 #include "support/testhome.h"
 
 #include <gtest/gtest.h>
+
+#include <QDir>
+#include <QDomDocument>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using namespace TestSupport;
@@ -28,35 +34,93 @@ protected:
     ~RandomProjects() override { qunsetenv("SOURCE_DATE_EPOCH"); }
 };
 
+/// The sources of the project of a seed.
+class SeedSources : public GeneratedSources
+{
+public:
+    explicit SeedSources(const RandomProject &project)
+        : GeneratedSources(project.isClassic())
+    {
+        ProjectScript script;
+        script.run(project.commands());
+        EXPECT_TRUE(script.store()->saveDatabase(path(u"device.ncxp"_s)));
+        EXPECT_TRUE(writeFile(path(u"commands.txt"_s), project.commands().join(u'\n').toUtf8()));
+        EXPECT_TRUE(openProject(path(u"device.ncxp"_s)));
+    }
+
+    QString path(const QString &name) const { return folder() + u'/' + name; }
+};
+
+void expectCleanWalk(const GeneratedSources &sources, const QStringList &arguments)
+{
+    const QString text = sources.walk(arguments);
+    EXPECT_FALSE(text.contains("the walker ends with"_L1)) << qPrintable(text);
+}
+
+/// What a run has written, by file name.
+QMap<QString, QByteArray> filesIn(const QString &folder, const QStringList &patterns)
+{
+    QMap<QString, QByteArray> files;
+    for (const QString &name : QDir(folder).entryList(patterns, QDir::Files))
+        files.insert(name, readFile(folder + u'/' + name));
+    return files;
+}
+
+/// Tells the first file that is another one.
+void expectSameFiles(const QMap<QString, QByteArray> &expected, const QMap<QString, QByteArray> &actual)
+{
+    ASSERT_EQ(expected.keys().join(u' '), actual.keys().join(u' '));
+    for (const auto &[name, text] : expected.asKeyValueRange())
+        ASSERT_EQ(text, actual.value(name)) << qPrintable(name);
+}
+
 TEST_P(RandomProjects, CompileAndWalk)
 {
-    const RandomProject project(GetParam());
-    const QString commands = project.commands().join(u'\n');
-    GeneratedSources sources(project.isClassic());
-    sources.setSanitized(true);
-    const QString path = sources.folder() + u"/device.ncxp"_s;
-    ProjectScript script;
-    script.run(project.commands());
-    ASSERT_TRUE(script.store()->saveDatabase(path));
-    ASSERT_TRUE(writeFile(sources.folder() + u"/commands.txt"_s, commands.toUtf8()));
+    SeedSources sources((RandomProject(GetParam())));
     SCOPED_TRACE(qPrintable(sources.folder()));
-    ASSERT_TRUE(sources.openProject(path));
+    sources.setSanitized(true);
     ASSERT_TRUE(sources.generate());
     const QString messages = sources.messages().join(u'\n');
     EXPECT_FALSE(messages.contains("failed."_L1)) << qPrintable(messages);
-    EXPECT_EQ(sources.compile(), QString());
+    ASSERT_EQ(sources.compile(), QString());
     if (sources.hasDictionary()) {
-        EXPECT_EQ(sources.link(), QString());
-        for (const QString &mode : {u"dump"_s, u"start"_s, u"predefined"_s}) {
-            const QString text = sources.walk({mode});
-            EXPECT_FALSE(text.contains("the walker ends with"_L1)) << qPrintable(text);
-        }
+        ASSERT_EQ(sources.link(), QString());
+        for (const QString &mode : {u"dump"_s, u"start"_s, u"predefined"_s})
+            expectCleanWalk(sources, {mode});
     }
     if (sources.hasMessages()) {
-        EXPECT_EQ(sources.linkMessages(), QString());
-        const QString text = sources.walk({});
-        EXPECT_FALSE(text.contains("the walker ends with"_L1)) << qPrintable(text);
+        ASSERT_EQ(sources.linkMessages(), QString());
+        expectCleanWalk(sources, {});
     }
+}
+
+TEST_P(RandomProjects, WriteFilesThatCanBeReadAgain)
+{
+    const RandomProject project(GetParam());
+    SeedSources sources(project);
+    SCOPED_TRACE(qPrintable(sources.folder()));
+    ASSERT_TRUE(sources.generate());
+    const QStringList patterns{u"gen_*"_s, u"*.dbc"_s, u"*.eds"_s, u"*.xdd"_s, u"*.html"_s, u"*doc.txt"_s, u"*.?csv"_s};
+    const QMap<QString, QByteArray> files = filesIn(sources.folder(), patterns);
+    for (const auto &[name, text] : files.asKeyValueRange()) {
+        DbcReader reader;
+        EXPECT_TRUE(!name.endsWith(".xdd"_L1) || QDomDocument().setContent(text)) << qPrintable(name);
+        EXPECT_TRUE(!name.endsWith(".dbc"_L1) || reader.read(QString::fromUtf8(text)))
+            << qPrintable(name + u": "_s + reader.errorText());
+    }
+    ASSERT_TRUE(sources.generate());
+    expectSameFiles(files, filesIn(sources.folder(), patterns));
+
+    // The text form has no raw CAN.
+    const auto hasRawCan = [](int type) { return type == 4 || type >= 6; };
+    if (std::ranges::any_of(project.lineTypes(), hasRawCan))
+        return;
+    GeneratedSources again(project.isClassic());
+    const QString path = again.folder() + u"/device.ncxt"_s;
+    ASSERT_TRUE(sources.store().saveDatabase(path));
+    ASSERT_TRUE(again.openProject(path));
+    ASSERT_TRUE(again.generate());
+    expectSameFiles(filesIn(sources.folder(), {u"gen_*"_s}), filesIn(again.folder(), {u"gen_*"_s}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomProjects, testing::Range(seeds().first, seeds().second + 1),

@@ -3,8 +3,10 @@
 #include "import/importproject.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
+#include "stack/randomproject.h"
 #include "store/objectdatabase.h"
 #include "support/projectbuilder.h"
+#include "support/projectscript.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -126,6 +128,19 @@ TEST(EdsRoundTrip, ExamplesComeBackEqual)
         const Store second = described(first);
         for (const quint16 index : project->getIndexList(0, 0x1000, 0xbfff))
             EXPECT_TRUE(first->indexExists(0, index)) << index;
+        expectEqual(first, second);
+    }
+}
+
+TEST(EdsRoundTrip, RandomProjectsComeBackEqual)
+{
+    for (quint32 seed = 1; seed <= 20; ++seed) {
+        SCOPED_TRACE(seed);
+        TestSupport::ProjectScript script;
+        script.run(TestSupport::RandomProject(seed).commands());
+        const Store first = described(script.store());
+        EXPECT_EQ(first->getIndexList(0, 0, 0xffff), script.store()->getIndexList(0, 0, 0xbfff));
+        const Store second = described(first);
         expectEqual(first, second);
     }
 }
