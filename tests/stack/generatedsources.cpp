@@ -31,7 +31,7 @@ const QRegularExpression &requiredWarnings()
     static const QRegularExpression pattern(
         u"warning: (.(od_i24|od_const_i24|od_ptr_i24|(sessionTbl|securityLvlTbl|authenticationTable)_\\d+). defined "
         u"but "
-        "not used|.*memcpy.* reading \\d+ bytes from a region of size \\d+ |offset .\\d+. outside bounds "
+        "not used|.*memcpy.* reading \\d+ bytes? from a region of size \\d+ |offset .\\d+. outside bounds "
         "of constant string)"_s);
     return pattern;
 }

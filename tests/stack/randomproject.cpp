@@ -191,10 +191,10 @@ QString RandomProject::implementation(const Place &place, const QString &text, b
         access = chance(50) ? u"const"_s : u"ro"_s;
     QString result = u"; implementation=%1; accesstype=%2"_s.arg(kind).arg(access);
     if (kind == ApplicationVariable) {
-        const QString name = u"%1_%2_"_s.arg(line_).arg(place.index, 4, 16, '0'_L1);
-        result += isText(place.dataType) || chance(70)
-                      ? u"; varname=v%1%2"_s.arg(name).arg(place.subindex)
-                      : u"; varname=a%1t%2[%3]"_s.arg(name).arg(place.dataType).arg(place.subindex);
+        const QString at = u"%1_%2_"_s.arg(line_).arg(place.index, 4, 16, '0'_L1);
+        const QString element = u"a%1t%2[%3]"_s.arg(at).arg(place.dataType).arg(place.subindex);
+        const QString plain = chance(80) ? u"v%1%2"_s.arg(at).arg(place.subindex) : u"w${line}_${index}_${subindex}"_s;
+        result += u"; varname="_s + (isText(place.dataType) || chance(70) ? plain : element);
     }
     if (isText(place.dataType)) // a constant is as long as its text at most, or a device reads behind it
         result += u"; size=%1"_s.arg(kind == ManagedConst ? text.toUtf8().size() : qsizetype{number(0, 60)});

@@ -4,6 +4,7 @@
 #include "support/printing.h"
 #include "support/projectscript.h"
 #include "support/testhome.h"
+#include "texttools/helper.h"
 
 #include <gtest/gtest.h>
 
@@ -57,6 +58,28 @@ void expectCleanWalk(const GeneratedSources &sources, const QStringList &argumen
     EXPECT_FALSE(text.contains("the walker ends with"_L1)) << qPrintable(text);
 }
 
+/// The walker finds each application object of the project, and its variable where it has one that is kept by type.
+void expectObjects(ObjectDataBase &store, const QString &dump)
+{
+    QHash<QString, QString> values;
+    for (const QString &row : dump.split(u'\n'))
+        values.insert(row.section(u' ', 0, 1), row.section(u" value "_s, 1).section(u'/', 0, 0));
+    const QSet<quint16> withoutArray{11, 13, 15, 16, 17, 18, 19, 20, 21, 26};
+    for (const quint8 line : store.getNodeList()) {
+        for (const quint16 index : store.getIndexList(line, 0x2000, 0x5fff)) {
+            for (const quint8 subindex : store.getSubIndexList(line, index, 0)) {
+                ObjectDataBase::SUBINDEX_DATA_T sub;
+                store.getSubIndex(line, index, subindex, sub);
+                const QString place = u"%1 0x%2:%3"_s.arg(line).arg(index, 4, 16, '0'_L1).arg(subindex);
+                EXPECT_EQ(values.contains(place), sub.implementation != 3) << qPrintable(place);
+                if (sub.implementation == 2 && !withoutArray.contains(sub.datatype)) {
+                    EXPECT_EQ(values.value(place), Helper::substituteVariables(sub.varname, index, subindex, line));
+                }
+            }
+        }
+    }
+}
+
 /// What a run has written, by file name.
 QMap<QString, QByteArray> filesIn(const QString &folder, const QStringList &patterns)
 {
@@ -85,8 +108,9 @@ TEST_P(RandomProjects, CompileAndWalk)
     ASSERT_EQ(sources.compile(), QString());
     if (sources.hasDictionary()) {
         ASSERT_EQ(sources.link(), QString());
-        for (const QString &mode : {u"dump"_s, u"start"_s, u"predefined"_s})
+        for (const QString &mode : {u"start"_s, u"predefined"_s, u"dump"_s})
             expectCleanWalk(sources, {mode});
+        expectObjects(sources.store(), sources.walk({u"dump"_s}));
     }
     if (sources.hasMessages()) {
         ASSERT_EQ(sources.linkMessages(), QString());
