@@ -163,6 +163,10 @@ void RandomProject::addLine(int type)
         if (safety_)
             addSafetyObjects();
     }
+    if (std::ranges::count(lineTypes_, 2) == lineCount_ && chance(50)) { // for the SDO server of CiA 510
+        addBlock(u"classic device"_s);
+        addApplicationObjects();
+    }
     if (type == 2 || type == 5 || type == 7)
         addGroups();
     if (type == 4 || type == 6 || type == 7)
@@ -227,6 +231,8 @@ void RandomProject::addApplicationObject(quint16 index)
     add(u"object %1 objecttype=%2; name="_s.arg(hex(index)).arg(kind) + name);
     quint16 type = oneOf(objectTypes);
     if (kind == 7) {
+        if (type == CAN::Domain && chance(50))
+            add(u"object %1 objecttype=2"_s.arg(hex(index)));
         addApplicationSub({index, 0, type}, isVirtual);
         return;
     }
@@ -293,7 +299,11 @@ void RandomProject::addPdo(quint16 number, bool transmit, QList<Mappable> object
     const QString cobId = chance(60) && number < 4 ? u"$NODEID+"_s + hex(base + 0x100U * number)
                           : chance(50)             ? hex(0x80000000U | (base + number), 8)
                                                    : hex(0x280U + index % 0x400U);
-    add(u"object %1 name=PDO %2; objecttype=9"_s.arg(hex(index)).arg(number));
+    // The second name has a short form in gen_indices.h.
+    const QString name = oneOf(QStringList{u"%2PDO %1"_s, u"%2PDO comm par %1 for node 2 motor"_s})
+                             .arg(number)
+                             .arg(transmit ? u'T' : u'R');
+    add(u"object %1 name=%2; objecttype=9"_s.arg(hex(index), name));
     addSub(index, 0, CAN::Unsigned8, u"accesstype=const; implementation=1; defaultvalue=%1"_s.arg(transmit ? 6 : 5));
     addSub(index, 1, CAN::Unsigned32, u"accesstype=rw; defaultvalue="_s + cobId);
     addSub(index, 2, CAN::Unsigned8,
@@ -420,9 +430,14 @@ void RandomProject::addGroups()
         QStringList signalCommands;
         for (quint32 i = 1; i <= signalCount && position < (isSafe && sdm ? 32U : 400U); ++i) {
             const quint16 type = isSafe ? oneOf(safeSignalTypes) : oneOf(signalTypes);
-            const bool isPlain = isText(type) || isSafe || chance(80);
-            const QString name =
-                isPlain ? u"s%1_%2_%3"_s.arg(line_).arg(group).arg(i) : u"g%1_%2[%3]"_s.arg(line_).arg(group).arg(i);
+            const QString at = u"%1_%2"_s.arg(line_).arg(group);
+            const bool isPlain = isText(type) || isSafe || chance(70);
+            const QString name = isPlain ? u"s%1_%2"_s.arg(at).arg(i)
+                                         : oneOf(QStringList{u"a%1t%2[%3]"_s, u"b%1t%2[1][%3]"_s, u"c%1t%2.m%3"_s,
+                                                             u"d%1t%2_%3[LAST_INDEX]"_s})
+                                               .arg(at)
+                                               .arg(type)
+                                               .arg(i);
             const QString row = signal(position, type, name, isSafe);
             signalCommands.append(u"spn %1 %2 %3 pos=%4; "_s.arg(group).arg(direction).arg(100 * group + i).arg(i) +
                                   row);
