@@ -29,6 +29,8 @@ constexpr std::array<quint16, 40> objectTypes{5,  5,  5,  5,  6,  6,   6,   7,  
 constexpr std::array<quint16, 18> signalTypes{1, 2, 3, 4, 5, 6, 7, 8, 22, 27, 100, 105, 109, 118, 120, 121, 10, 106};
 /// What safety data and safety objects can be.
 constexpr std::array<quint16, 9> safeSignalTypes{1, 5, 6, 7, 22, 100, 102, 105, 109};
+/// What the header of a device without CANopen has room for.
+constexpr std::array<quint16, 10> serverObjectTypes{1, 2, 3, 4, 5, 6, 7, 8, 9, 15};
 constexpr std::array<quint16, 7> safeObjectTypes{5, 6, 7, 2, 3, 4, 8};
 
 bool isText(quint16 dataType)
@@ -75,6 +77,9 @@ RandomProject::RandomProject(quint32 seed)
     const auto hasJ1939 = [](int type) { return type == 2 || type == 5 || type == 7; };
     if (std::ranges::any_of(lineTypes_, hasJ1939)) {
         addBlock(u"j1939"_s);
+        server_ = std::ranges::count(lineTypes_, 2) == lineCount_ && chance(50);
+        if (server_ || std::ranges::count(lineTypes_, 2) < lineCount_)
+            add(u"j1939 cia510serversupport = %1"_s.arg(server_ || chance(40) ? 1 : 0));
         if (safety_)
             addBlock(u"safety data"_s);
     }
@@ -149,6 +154,11 @@ QString RandomProject::value(quint16 dataType)
     return u"0"_s;
 }
 
+quint16 RandomProject::objectType()
+{
+    return server_ ? oneOf(serverObjectTypes) : oneOf(objectTypes);
+}
+
 void RandomProject::addLine(int type)
 {
     add(u"line %1 = %2"_s.arg(line_).arg(type));
@@ -163,7 +173,7 @@ void RandomProject::addLine(int type)
         if (safety_)
             addSafetyObjects();
     }
-    if (std::ranges::count(lineTypes_, 2) == lineCount_ && chance(50)) { // for the SDO server of CiA 510
+    if (server_) {
         addBlock(u"classic device"_s);
         addApplicationObjects();
     }
@@ -229,7 +239,7 @@ void RandomProject::addApplicationObject(quint16 index)
     const bool isVirtual = chance(15);
     const QString name = oneOf(QStringList{u"Object"_s, u"Motor %1"_s.arg(index), u"größe */"_s, u"it's"_s});
     add(u"object %1 objecttype=%2; name="_s.arg(hex(index)).arg(kind) + name);
-    quint16 type = oneOf(objectTypes);
+    quint16 type = objectType();
     if (kind == 7) {
         if (type == CAN::Domain && chance(50))
             add(u"object %1 objecttype=2"_s.arg(hex(index)));
@@ -243,7 +253,7 @@ void RandomProject::addApplicationObject(quint16 index)
     const bool alike = kind == 8 && chance(30);
     for (quint8 sub = 1; sub <= last; ++sub) {
         if (kind == 9)
-            type = oneOf(objectTypes);
+            type = objectType();
         if (alike)
             addSub(index, sub, type, u"accesstype=rw; implementation=%1"_s.arg(isVirtual ? 3 : isText(type) ? 1 : 0));
         else

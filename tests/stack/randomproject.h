@@ -52,6 +52,7 @@ private:
     /// Columns of a block as one row of fields, some of them left out.
     QString fields(const QString &block);
     QString value(quint16 dataType);
+    quint16 objectType();
     void add(const QString &command) { commands_.append(command); }
 
     void addLine(int type);
@@ -76,6 +77,7 @@ private:
     bool classic_ = false;
     bool fd_ = false;
     bool safety_ = false;
+    bool server_ = false; ///< J1939 alone, with the SDO server of CiA 510
     quint8 line_ = 0;
     QList<Mappable> mappables_;
     QStringList shared_; ///< the objects that several lines have
