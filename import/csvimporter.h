@@ -1,7 +1,7 @@
 #pragma once
 
 #include "import/basedataimporter.h"
-#include "import/tablerows.h"
+#include "texttools/tablerows.h"
 #include "store/storerecords.h"
 
 #include <QHash>

@@ -1,7 +1,7 @@
 #include "import/doctxtimporter.h"
 
 #include "nodedict/cohelper.h"
-#include "nodedict/edstext.h"
+#include "texttools/textfile.h"
 #include "store/objectdatabase.h"
 #include "store/temporaryindex.h"
 
@@ -84,12 +84,12 @@ void DOCTXTImporter::importFile()
 {
     pgn_ = 0;
     direction_ = 0;
-    EdsText text;
+    TextFile text;
     if (filePath_.isEmpty() || !text.load(filePath_))
         return;
     const TemporaryIndex pgnIndex(*store_, line_, TemporaryIndex::pgnKeys);
     const TemporaryIndex spnIndex(*store_, line_, TemporaryIndex::spnKeys);
-    EdsLines lines(text.bytes());
+    TextLines lines(text.bytes());
     QByteArrayView line;
     while (lines.next(line))
         importLine(text.decode(line));

@@ -2,7 +2,7 @@
 
 #include "store/objectdatabase.h"
 #include "store/objectrowwriter.h"
-#include "store/settingstext.h"
+#include "texttools/settingstext.h"
 #include "texttools/wholefile.h"
 
 #include <QBuffer>

@@ -3,7 +3,7 @@
 #include "generate/docs/dbcreader.h"
 #include "generate/docs/dbcwriter.h"
 #include "generate/outputfile.h"
-#include "nodedict/edstext.h"
+#include "texttools/textfile.h"
 
 #include <QRegularExpression>
 #include <QTextStream>
@@ -25,7 +25,7 @@ bool isIdentifier(const QString &name)
 
 bool CANdbDBC::readFile(const QString &path)
 {
-    EdsText text;
+    TextFile text;
     if (!text.load(path))
         return failed(u"Cannot read %1."_s.arg(path));
     DbcReader reader;

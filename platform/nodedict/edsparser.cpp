@@ -75,7 +75,7 @@ QString EdsParser::sectionValue(QLatin1StringView section, const QString &key) c
     QString result;
     const QByteArray wanted = key.toLatin1().toLower();
     sections_.eachEntry(*head, [&](QByteArrayView name, QByteArrayView value) {
-        if (result.isNull() && EdsBytes::equals(name, wanted))
+        if (result.isNull() && TextBytes::equals(name, wanted))
             result = value.isEmpty() ? u""_s : sections_.decode(value);
     });
     return result;
@@ -88,7 +88,7 @@ QString EdsParser::commentText() const
     const uint announced = qMin(EdsValue::number(sectionValue("Comments"_L1, u"Lines"_s)).value_or(0), mostLines);
     QStringList lines;
     sections_.eachEntry(*EdsSections::namedHead("comments"), [&](QByteArrayView key, QByteArrayView value) {
-        if (key.size() <= prefix.size() || !EdsBytes::equals(key.first(prefix.size()), prefix))
+        if (key.size() <= prefix.size() || !TextBytes::equals(key.first(prefix.size()), prefix))
             return;
         const uint number = key.sliced(prefix.size()).toByteArray().toUInt();
         if (number < 1 || number > announced)
@@ -101,13 +101,18 @@ QString EdsParser::commentText() const
     return lines.join(u'\n');
 }
 
+qsizetype EdsParser::lineOf(quint32 index, std::optional<quint8> subindex) const
+{
+    return sections_.lineOf({index, subindex ? quint32{*subindex} : quint32{EdsSections::Object}});
+}
+
 /// Sub-index, as decimal text, to the text that a section of a compact object gives it.
 QMap<QString, QString> EdsParser::compactTexts(const Head &head) const
 {
     QMap<QString, QString> texts;
     sections_.eachEntry(head, [&](QByteArrayView key, QByteArrayView value) {
         bool ok = false;
-        const bool hex = key.size() > 2 && EdsBytes::equals(key.first(2), "0x");
+        const bool hex = key.size() > 2 && TextBytes::equals(key.first(2), "0x");
         const uint sub = hex ? key.sliced(2).toByteArray().toUInt(&ok, 16) : key.toByteArray().toUInt(&ok, 10);
         const QString number = QString::number(sub);
         if (ok && sub <= 0xff && !texts.contains(number))
@@ -147,7 +152,7 @@ void EdsParser::noteLists()
     if (const auto head = EdsSections::namedHead("mandatoryobjects")) {
         sections_.eachEntry(*head, [&](QByteArrayView key, QByteArrayView value) {
             const auto index = EdsValue::number(sections_.decode(value));
-            if (index && *index < mandatory_.size() && !EdsBytes::equals(key, "supportedobjects"))
+            if (index && *index < mandatory_.size() && !TextBytes::equals(key, "supportedobjects"))
                 mandatory_.set(*index);
         });
     }
@@ -200,7 +205,7 @@ EdsParser::Fields EdsParser::fieldsOf(const Head &head) const
     Fields fields;
     sections_.eachEntry(head, [&](QByteArrayView key, QByteArrayView value) {
         for (size_t i = 0; i < FieldCount; ++i) {
-            if (!fields.values[i] && EdsBytes::equals(key, fieldNames[i])) {
+            if (!fields.values[i] && TextBytes::equals(key, fieldNames[i])) {
                 fields.values[i] = value;
                 return;
             }

@@ -16,7 +16,7 @@
 /// Reads a device description of CANopen: an Electronic Data Sheet or a Device Configuration File (CiA 306).
 ///
 /// It reads what device makers write rather than what the standard asks for: section and key names in any letter case,
-/// any line ending and encoding (see EdsText), blanks around names and values, sections in any order. A line that
+/// any line ending and encoding (see TextFile), blanks around names and values, sections in any order. A line that
 /// begins ";" or "#" is a comment; anywhere else these are part of the value, and so are quotes. Where a section
 /// stands twice its keys are joined, and where a key stands twice the first one counts. An object is there if its
 /// section is, whatever the lists of supported objects say. What a section leaves out:
@@ -41,7 +41,7 @@ public:
     explicit EdsParser(QObject *parent = nullptr);
 
     /// Reads a file and raises the signals. False if it is missing, no regular file, unreadable or beyond
-    /// `EdsText::maxFileSize`.
+    /// `TextFile::maxFileSize`.
     bool LoadEds(const QString &path);
     /// The same for a text in memory.
     void loadContent(const QByteArray &content);
@@ -58,6 +58,8 @@ public:
     QString sectionValue(QLatin1StringView section, const QString &key) const;
     /// The lines of the section Comments, as many as it announces and has, joined by line feeds.
     QString commentText() const;
+    /// Number of the line in which the section of an object or sub-object begins, from 1; 0 if it has none.
+    qsizetype lineOf(quint32 index, std::optional<quint8> subindex = {}) const;
     /// The texts of ";;" lines, the program's own way to keep descriptions in a file, one for each section of an object
     /// or sub-object that holds any, in file order.
     QList<EdsSections::Comment> comments() const { return sections_.comments(); }

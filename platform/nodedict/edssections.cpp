@@ -35,7 +35,7 @@ int hexDigit(char c)
 /// A number of hexadecimal digits only, up to `highest`; a "0x" in front is overlooked.
 std::optional<quint32> hexNumber(QByteArrayView digits, quint32 highest)
 {
-    if (digits.size() > 2 && EdsBytes::equals(digits.first(2), "0x"))
+    if (digits.size() > 2 && TextBytes::equals(digits.first(2), "0x"))
         digits = digits.sliced(2);
     quint32 value = 0;
     for (const char c : digits) {
@@ -82,7 +82,7 @@ void EdsSections::setContent(const QByteArray &content)
 
 std::optional<EdsSections::Head> EdsSections::namedHead(QByteArrayView name)
 {
-    const auto found = std::ranges::find_if(namedSections, [&](auto known) { return EdsBytes::equals(name, known); });
+    const auto found = std::ranges::find_if(namedSections, [&](auto known) { return TextBytes::equals(name, known); });
     if (found == namedSections.end())
         return std::nullopt;
     return Head{static_cast<quint32>(found - namedSections.begin()), Named};
@@ -94,7 +94,7 @@ std::optional<EdsSections::Head> EdsSections::parseHead(QByteArrayView line)
     QByteArrayView rest(name);
     if (const auto head = namedHead(rest))
         return head;
-    if (rest.size() >= 6 && EdsBytes::equals(rest.first(2), "0x"))
+    if (rest.size() >= 6 && TextBytes::equals(rest.first(2), "0x"))
         rest = rest.sliced(2);
     if (rest.size() < 4)
         return std::nullopt;
@@ -103,10 +103,10 @@ std::optional<EdsSections::Head> EdsSections::parseHead(QByteArrayView line)
         return std::nullopt;
     rest = rest.sliced(4);
     for (const auto &[word, topic] : suffixes) {
-        if (EdsBytes::equals(rest, word))
+        if (TextBytes::equals(rest, word))
             return Head{*index, topic};
     }
-    if (rest.size() > 3 && EdsBytes::equals(rest.first(3), "sub")) {
+    if (rest.size() > 3 && TextBytes::equals(rest.first(3), "sub")) {
         if (const auto sub = hexNumber(rest.sliced(3), 0xff))
             return Head{*index, *sub};
     }
@@ -131,16 +131,16 @@ void EdsSections::findSections()
             commented_.push_back({*head, place});
     };
 
-    EdsLines lines(text_.bytes());
+    TextLines lines(text_.bytes());
     for (QByteArrayView line; lines.next(line);) {
         hasComment = hasComment || line.startsWith(";;");
         // The blanks in front of a long line of them are looked at once only.
-        const QByteArrayView start = EdsBytes::trimmed(line.first(qMin(line.size(), qsizetype{256})));
+        const QByteArrayView start = TextBytes::trimmed(line.first(qMin(line.size(), qsizetype{256})));
         if (start.isEmpty() || start.front() != '[')
             continue;
         finish(lines.lineStart());
         head = parseHead(start);
-        place = {lines.lineStart() + line.size(), 0, -1};
+        place = {lines.lineStart() + line.size(), 0, -1, lines.number()};
         hasComment = false;
     }
     finish(text_.bytes().size());
@@ -160,6 +160,12 @@ void EdsSections::add(const Head &head, const Occurrence &place)
     }
 }
 
+qsizetype EdsSections::lineOf(const Head &head) const
+{
+    const auto chain = first_.constFind(head.key());
+    return chain == first_.constEnd() ? 0 : occurrences_[static_cast<size_t>(chain->first)].line;
+}
+
 QList<EdsSections::Comment> EdsSections::comments() const
 {
     QHash<quint32, size_t> last;
@@ -173,7 +179,7 @@ QList<EdsSections::Comment> EdsSections::comments() const
         Comment comment{static_cast<quint16>(head.index), std::nullopt, QString()};
         if (head.isSub())
             comment.subindex = static_cast<quint8>(head.topic);
-        EdsLines lines(text_.bytes().sliced(place.begin, place.end - place.begin));
+        TextLines lines(text_.bytes().sliced(place.begin, place.end - place.begin));
         for (QByteArrayView line; lines.next(line);) {
             if (!line.startsWith(";;"))
                 continue;

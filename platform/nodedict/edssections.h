@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nodedict/edstext.h"
+#include "texttools/textfile.h"
 
 #include <QHash>
 #include <QList>
@@ -43,7 +43,7 @@ public:
         QString text;
     };
 
-    /// Reads the file; false if `EdsText::load` fails.
+    /// Reads the file; false if `TextFile::load` fails.
     bool load(const QString &path);
     void setContent(const QByteArray &content);
 
@@ -61,6 +61,8 @@ public:
     template <typename Visitor>
     void eachEntry(const Head &head, Visitor visit) const;
     QString decode(QByteArrayView part) const { return text_.decode(part); }
+    /// Number of the line in which the head of a section first stands, from 1; 0 if there is none.
+    qsizetype lineOf(const Head &head) const;
 
     /// The ";;" lines, joined by line feeds, one entry for each section that holds any, in file order. Where a section
     /// stands more than once, its last occurrence with such lines counts.
@@ -72,6 +74,7 @@ private:
         qsizetype begin = 0;
         qsizetype end = 0;
         qsizetype next = -1; ///< of the same section
+        qsizetype line = 0;  ///< of the head
     };
     struct Chain
     {
@@ -87,7 +90,7 @@ private:
     void findSections();
     void add(const Head &head, const Occurrence &place);
 
-    EdsText text_;
+    TextFile text_;
     std::vector<Head> heads_;
     std::vector<Occurrence> occurrences_;
     QHash<quint32, Chain> first_;
@@ -102,12 +105,12 @@ void EdsSections::eachEntry(const Head &head, Visitor visit) const
         return;
     for (qsizetype i = chain->first; i >= 0; i = occurrences_[static_cast<size_t>(i)].next) {
         const Occurrence &place = occurrences_[static_cast<size_t>(i)];
-        EdsLines lines(text_.bytes().sliced(place.begin, place.end - place.begin));
+        TextLines lines(text_.bytes().sliced(place.begin, place.end - place.begin));
         for (QByteArrayView line; lines.next(line);) {
-            line = EdsBytes::trimmed(line);
+            line = TextBytes::trimmed(line);
             const qsizetype equals = line.indexOf('=');
             if (equals > 0 && line.front() != ';' && line.front() != '#')
-                visit(EdsBytes::trimmed(line.first(equals)), EdsBytes::trimmed(line.sliced(equals + 1)));
+                visit(TextBytes::trimmed(line.first(equals)), TextBytes::trimmed(line.sliced(equals + 1)));
         }
     }
 }

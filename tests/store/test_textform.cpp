@@ -4,7 +4,7 @@
 
 #include "store/databasetextconverter.h"
 #include "store/metadatablob.h"
-#include "store/settingstext.h"
+#include "texttools/settingstext.h"
 
 #include <QBuffer>
 #include <QRandomGenerator>

@@ -1,6 +1,6 @@
-#include "store/settingstext.h"
+#include "texttools/settingstext.h"
 
-#include "store/settingsvalue.h"
+#include "texttools/settingsvalue.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "store/settingsvalue.h"
+#include "texttools/settingsvalue.h"
 
 #include <algorithm>
 #include <array>

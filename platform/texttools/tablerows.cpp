@@ -1,4 +1,4 @@
-#include "import/tablerows.h"
+#include "texttools/tablerows.h"
 
 #include <algorithm>
 
@@ -55,20 +55,19 @@ bool TableRows::load(const QString &path)
 {
     *this = TableRows();
     const bool loaded = text_.load(path);
-    lines_ = EdsLines(text_.bytes());
+    lines_ = TextLines(text_.bytes());
     return loaded;
 }
 
-/// Reads a line; the empty one between a CR and its LF is none.
-bool TableRows::readLine(QString &line)
+/// Reads a line; what lies between a CR and its LF is none.
+bool TableRows::readLine(Line &line)
 {
-    const QByteArrayView bytes = text_.bytes();
+    const qsizetype before = lines_.number();
     QByteArrayView found;
     while (lines_.next(found)) {
-        const qsizetype start = lines_.lineStart();
-        if (found.isEmpty() && start > 0 && start < bytes.size() && bytes[start - 1] == '\r' && bytes[start] == '\n')
+        if (lines_.number() == before)
             continue;
-        line = text_.decode(found);
+        line = {text_.decode(found), lines_.number()};
         return true;
     }
     return false;
@@ -76,10 +75,13 @@ bool TableRows::readLine(QString &line)
 
 bool TableRows::next(QString &line)
 {
+    Line taken;
     if (!ahead_.isEmpty())
-        line = ahead_.takeFirst();
-    else if (!readLine(line))
+        taken = ahead_.takeFirst();
+    else if (!readLine(taken))
         return false;
+    line = taken.text;
+    number_ = taken.number;
     leftOpen_ = std::max<qsizetype>(0, leftOpen_ - 1);
     if (line.startsWith(u'#') || !line.contains(u'"'))
         return true;
@@ -96,17 +98,17 @@ void TableRows::joinRow(QString &line)
 {
     for (; leftOpen_ < maxLinesOfRow - 1; ++leftOpen_) {
         if (leftOpen_ == ahead_.size()) {
-            QString more;
+            Line more;
             if (!readLine(more))
                 return;
             ahead_.append(more);
         }
         QuotedRow rest(separator_);
-        rest.add(u'"' + ahead_[leftOpen_]);
+        rest.add(u'"' + ahead_[leftOpen_].text);
         if (rest.isOpen())
             continue;
         for (; leftOpen_ >= 0; --leftOpen_)
-            line += u'\n' + ahead_.takeFirst();
+            line += u'\n' + ahead_.takeFirst().text;
         leftOpen_ = 0;
         return;
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nodedict/edstext.h"
+#include "texttools/textfile.h"
 
 #include <QStringList>
 
@@ -25,16 +25,25 @@ public:
     /// Takes the next line, with those that a quoted field goes on in; false at the end of the file. A line that begins
     /// with "#" is a comment, whose quotes mean nothing.
     bool next(QString &line);
+    /// Number of the line in which the one taken last begins, from 1.
+    qsizetype number() const { return number_; }
     /// The fields of a line, empty ones included.
     QStringList fieldsOf(const QString &line) const;
 
 private:
-    bool readLine(QString &line);
+    struct Line
+    {
+        QString text;
+        qsizetype number = 0;
+    };
+
+    bool readLine(Line &line);
     void joinRow(QString &line);
 
-    EdsText text_;
-    EdsLines lines_{{}};
+    TextFile text_;
+    TextLines lines_{{}};
     QChar separator_ = u',';
-    QStringList ahead_;      ///< lines read but not taken yet
+    qsizetype number_ = 0;
+    QList<Line> ahead_;      ///< lines read but not taken yet
     qsizetype leftOpen_ = 0; ///< how many of these, from the first, do not end a quote that is open before them
 };

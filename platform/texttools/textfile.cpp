@@ -1,4 +1,4 @@
-#include "nodedict/edstext.h"
+#include "texttools/textfile.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -47,7 +47,7 @@ bool isBlank(char c)
 
 } // namespace
 
-bool EdsText::load(const QString &path)
+bool TextFile::load(const QString &path)
 {
     content_.clear();
     const QFileInfo info(path);
@@ -58,7 +58,7 @@ bool EdsText::load(const QString &path)
     return true;
 }
 
-void EdsText::setContent(const QByteArray &content)
+void TextFile::setContent(const QByteArray &content)
 {
     content_ = content;
     if (const auto encoding = utf16Encoding(content_)) {
@@ -74,7 +74,7 @@ void EdsText::setContent(const QByteArray &content)
     utf8_ = content_.isValidUtf8();
 }
 
-QString EdsText::decode(QByteArrayView part) const
+QString TextFile::decode(QByteArrayView part) const
 {
     QString text = utf8_ ? QString::fromUtf8(part) : fromWindows1252(part);
     if (text.contains(QChar(u'\0')))
@@ -82,7 +82,7 @@ QString EdsText::decode(QByteArrayView part) const
     return text;
 }
 
-bool EdsLines::next(QByteArrayView &line)
+bool TextLines::next(QByteArrayView &line)
 {
     while (position_ < text_.size()) {
         start_ = position_;
@@ -90,6 +90,9 @@ bool EdsLines::next(QByteArrayView &line)
             ++position_;
         line = text_.sliced(start_, position_ - start_);
         ++position_;
+        const bool isInsideLineEnd = line.isEmpty() && start_ > 0 && text_[start_ - 1] == '\r' && text_[start_] == '\n';
+        if (!isInsideLineEnd)
+            ++number_;
         // Nothing that a person or a tool writes is that long; it is garbage and would only cost memory.
         if (line.size() <= maxLineLength)
             return true;
@@ -97,7 +100,7 @@ bool EdsLines::next(QByteArrayView &line)
     return false;
 }
 
-QByteArrayView EdsBytes::trimmed(QByteArrayView text)
+QByteArrayView TextBytes::trimmed(QByteArrayView text)
 {
     while (!text.isEmpty() && isBlank(text.front()))
         text = text.sliced(1);
@@ -106,7 +109,7 @@ QByteArrayView EdsBytes::trimmed(QByteArrayView text)
     return text;
 }
 
-bool EdsBytes::equals(QByteArrayView text, QByteArrayView lower)
+bool TextBytes::equals(QByteArrayView text, QByteArrayView lower)
 {
     if (text.size() != lower.size())
         return false;

@@ -3,15 +3,15 @@
 #include <QByteArray>
 #include <QString>
 
-/// The text of a device description, held once in one buffer whose views the parser hands about.
+/// The text of a file, held once in one buffer whose views its readers hand about.
 ///
 /// The encoding is decided for the file as a whole: UTF-16 with a byte order mark, or recognisable as such without
 /// one; else UTF-8, if all of it is that; else Windows-1252, which holds Latin-1. A byte order mark is no part of the
 /// text.
-class EdsText
+class TextFile
 {
 public:
-    /// A file beyond this is no device description and is not read.
+    /// A file beyond this is no text that somebody means to have read.
     static constexpr qint64 maxFileSize = 512LL << 20;
 
     /// Reads a regular file; false, with an empty text, if that fails.
@@ -28,10 +28,10 @@ private:
 };
 
 /// Walks through lines that end in CR LF, LF or CR; what lies between a CR and its LF counts as an empty line.
-class EdsLines
+class TextLines
 {
 public:
-    explicit EdsLines(QByteArrayView text)
+    explicit TextLines(QByteArrayView text)
         : text_(text)
     {
     }
@@ -40,18 +40,21 @@ public:
     bool next(QByteArrayView &line);
     /// Where the line taken last begins in the text.
     qsizetype lineStart() const { return start_; }
+    /// Number of the line taken last, from 1. What lies between a CR and its LF has that of the line before.
+    qsizetype number() const { return number_; }
 
 private:
     QByteArrayView text_;
     qsizetype start_ = 0;
     qsizetype position_ = 0;
+    qsizetype number_ = 0;
 };
 
-namespace EdsBytes {
+namespace TextBytes {
 
 /// Blanks at both ends cut off.
 QByteArrayView trimmed(QByteArrayView text);
 /// Equal but for the case of ASCII letters. `lower` is in lower case.
 bool equals(QByteArrayView text, QByteArrayView lower);
 
-} // namespace EdsBytes
+} // namespace TextBytes
