@@ -2,6 +2,7 @@
 
 #include "fuzz/scratch.h"
 #include "import/codbimporter.h"
+#include "import/importreport.h"
 #include "import/profiledatabases.h"
 #include "import/projectmerge.h"
 #include "store/objectdatabase.h"
@@ -18,8 +19,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const std::shared_ptr<ObjectDataBase> profile = profiles.load(u"1"_s);
     const auto project = std::make_shared<ObjectDataBase>();
     Fuzz::require(project->createNewDataBase());
+    ImportReport report;
     if (profile)
-        ProjectMerge::copyObjects(*project, 0, *profile, 0, 0, 0xffff);
+        ProjectMerge::copyObjects(*project, 0, *profile, 0, 0, 0xffff, report);
 
     CODBImporter importer;
     importer.setIndexRange(0, 0xffff);

@@ -4,9 +4,11 @@
 #include "import/csvimporter.h"
 #include "import/doctxtimporter.h"
 #include "import/edsimporter.h"
+#include "import/importreport.h"
 #include "import/projectmerge.h"
 #include "store/objectdatabase.h"
 
+#include <QDebug>
 #include <QFileInfo>
 
 #include <array>
@@ -49,16 +51,18 @@ bool mergeProject(const Store &store, const QString &path)
     ObjectDataBase source;
     if (!source.openDataBase(path, true))
         return false;
+    ImportReport report;
     const ObjectDataBase::Transaction transaction(*store);
     for (const quint8 line : store->getNodeList()) {
         const LineProtocols protocols = RunContext::protocolsOf(*store, line);
         if (protocols.canOpen)
-            ProjectMerge::copyObjects(*store, line, source, line, firstProfileIndex, lastObject);
+            ProjectMerge::copyObjects(*store, line, source, line, firstProfileIndex, lastObject, report);
         if (protocols.j1939)
-            ProjectMerge::copyPGNs(*store, line, source, line, 0, lastMergedPGN);
+            ProjectMerge::copyPGNs(*store, line, source, line, 0, lastMergedPGN, report);
         if (protocols.rawCan)
-            ProjectMerge::copyCANIDs(*store, line, source, line, 0, lastCANID);
+            ProjectMerge::copyCANIDs(*store, line, source, line, 0, lastCANID, report);
     }
+    qDebug().noquote() << report.text();
     return true;
 }
 

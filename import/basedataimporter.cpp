@@ -1,5 +1,8 @@
 #include "import/basedataimporter.h"
 
+#include "store/objectdatabase.h"
+
+#include <QDebug>
 #include <QFileInfo>
 
 BaseDataImporter::BaseDataImporter() = default;
@@ -57,8 +60,20 @@ void BaseDataImporter::waitForEnd()
         thread_->wait();
 }
 
-void BaseDataImporter::finish()
+void BaseDataImporter::doImport()
 {
+    running_ = true;
+    report_ = {};
+    if (store_) {
+        store_->setBlocked(false);
+        store_->closeGate();
+        {
+            const ObjectDataBase::Transaction transaction(*store_);
+            read();
+        }
+        store_->openGate();
+        qDebug().noquote() << report_.text();
+    }
     running_ = false;
     if (thread_)
         thread_->quit();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "import/importreport.h"
+
 #include <QObject>
 #include <QString>
 #include <QThread>
@@ -9,7 +11,8 @@
 
 class ObjectDataBase;
 
-/// Base of all importers: brings a foreign file into one line of a project, on a thread of its own.
+/// Base of all importers: brings a foreign file into one line of a project, on a thread of its own, in one transaction
+/// and with the gate of the store closed to others. An importer supplies `read`.
 ///
 /// To be called in this order: `setIndexRange`, `setLine`, `setDatabase`, `setFile`, `startImport`, `waitForEnd`. An
 /// import adds to the line and overwrites what is there; it never removes anything. What is wrong in a file yields
@@ -28,8 +31,8 @@ public:
     virtual QString lastErrorText() const = 0;
 
 public Q_SLOTS:
-    /// The import itself. It ends with `finish`.
-    virtual void doImport() = 0;
+    /// The import itself, on the thread of the caller.
+    virtual void doImport();
 
 public:
     bool setLine(quint8 line);
@@ -43,21 +46,27 @@ public:
     bool startImport();
     /// Waits, without a limit, for the end of what `startImport` began.
     void waitForEnd();
+    /// What the last import took and dropped; to be asked once it has ended.
+    const ImportReport &report() const { return report_; }
 
 Q_SIGNALS:
     void progress(int percentage);
     void importError(quint8 line, quint16 index, const QString &errorString);
 
 protected:
-    /// Ends a run: not running any more, the thread's loop left, 100 per cent.
-    void finish();
+    /// Reads the file, which may be missing, and writes what is in it into the store, which is there and can be
+    /// written. Tells the report what comes in and what does not.
+    virtual void read() = 0;
     bool isInRange(quint32 index) const { return index >= firstIndex_ && index <= lastIndex_; }
 
     quint8 line_ = 0;
-    std::atomic<bool> running_ = false;
     std::shared_ptr<ObjectDataBase> store_;
-    std::shared_ptr<QThread> thread_;
     QString filePath_;
     quint32 firstIndex_ = 0x1000;
     quint32 lastIndex_ = 0xBFFF;
+    ImportReport report_;
+
+private:
+    std::atomic<bool> running_ = false;
+    std::shared_ptr<QThread> thread_;
 };

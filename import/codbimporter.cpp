@@ -164,24 +164,19 @@ CODBImporter::~CODBImporter()
     waitForEnd();
 }
 
-void CODBImporter::doImport()
+void CODBImporter::read()
 {
-    running_ = true;
-    if (store_)
-        store_->setBlocked(false);
     QFile file(filePath_);
-    if (store_ && file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        const ObjectDataBase::Transaction transaction(*store_);
-        objects_.clear();
-        while (!file.atEnd()) {
-            const QByteArray line = file.readLine();
-            importLine(QString::fromLatin1(line.endsWith('\n') ? line.chopped(1) : line));
-        }
-        flush();
-        objects_.clear();
-        qDebug() << "Import completeted";
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return;
+    objects_.clear();
+    for (lineNumber_ = 1; !file.atEnd(); ++lineNumber_) {
+        const QByteArray line = file.readLine();
+        importLine(QString::fromLatin1(line.endsWith('\n') ? line.chopped(1) : line));
     }
-    finish();
+    flush();
+    objects_.clear();
+    qDebug() << "Import completeted";
 }
 
 void CODBImporter::importLine(const QString &line)
@@ -214,7 +209,7 @@ void CODBImporter::importObject(const QStringList &fields)
 {
     const quint16 index = hexNumber<quint16>(fields.value(Index)).value_or(0);
     if (!isInRange(index))
-        return;
+        return report_.drop(lineNumber_, u"object out of range"_s);
     ObjectDataBase::INDEX_DATA_T object;
     object.name = fields.value(Name);
     object.category = COHelper::convertCategory(fields.value(Category));
@@ -224,7 +219,10 @@ void CODBImporter::importObject(const QStringList &fields)
     } else if (code == "ARRAY"_L1 || code == "RECORD"_L1) {
         object.objecttype = code == "ARRAY"_L1 ? CANopen::Array : CANopen::Record;
         addObject(index, object);
+    } else {
+        return report_.drop(lineNumber_, u"unknown object code"_s);
     }
+    ++report_.objects;
 }
 
 void CODBImporter::importVariable(quint16 index, StoreRecords::IndexData object, const QStringList &fields)
@@ -237,6 +235,7 @@ void CODBImporter::importVariable(quint16 index, StoreRecords::IndexData object,
     object.datatype = record.datatype;
     addObject(index, object);
     addEntry(index, 0, record);
+    ++report_.subObjects;
 }
 
 void CODBImporter::importSubObject(const QStringList &fields)
@@ -251,6 +250,7 @@ void CODBImporter::importSubObject(const QStringList &fields)
     fitToObject(index, subindex, record);
     setImplementation(record, index, subindex);
     addEntry(index, subindex, record);
+    ++report_.subObjects;
 }
 
 /// What a sub-object and its object have to say to each other: the number of entries is a constant, and an ARRAY has

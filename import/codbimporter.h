@@ -28,8 +28,8 @@ public:
     /// what a new importer does, it is read as a sub-object line, which leaves a row at 0x0000:00 that no object owns.
     void setResolveCopyLines(bool on) { resolveCopyLines_ = on; }
 
-public Q_SLOTS:
-    void doImport() override;
+protected:
+    void read() override;
 
 private:
     void importLine(const QString &line);
@@ -44,6 +44,7 @@ private:
     void flush();
 
     bool resolveCopyLines_ = false;
+    qsizetype lineNumber_ = 0;              ///< of the line being read
     QList<StoreRecords::SubEntry> entries_; ///< sub-objects read and not yet in the store
     /// The objects asked for so far, those that the line lacks included.
     QHash<quint16, std::optional<StoreRecords::IndexData>> objects_;

@@ -189,23 +189,12 @@ QList<CsvImporter::ListEntry> CsvImporter::copyList() const
     return copies_;
 }
 
-void CsvImporter::doImport()
+void CsvImporter::read()
 {
-    running_ = true;
     deletions_.clear();
     copies_.clear();
-    if (store_) {
-        store_->setBlocked(false);
-        importFile();
-    }
-    finish();
-}
-
-void CsvImporter::importFile()
-{
-    if (filePath_.isEmpty() || !rows_.load(filePath_))
+    if (!rows_.load(filePath_))
         return;
-    const ObjectDataBase::Transaction transaction(*store_);
     const QList<quint8> lines = store_->getNodeList();
     lines_ = QSet<quint8>(lines.begin(), lines.end());
     lines_.insert(line_);
@@ -218,15 +207,29 @@ void CsvImporter::importFile()
         if (!hasHeader) {
             handleHeader(line);
             hasHeader = true;
-        } else if (line.startsWith(u'd')) {
-            handleDeleteLine(line);
-        } else if (line.startsWith(u'c')) {
-            handleCopyLine(line);
         } else {
-            handleDataLine(line);
+            handleLine(line);
         }
     }
     flush();
+}
+
+void CsvImporter::handleLine(const QString &line)
+{
+    if (line.startsWith(u'd')) {
+        if (!handleDeleteLine(line))
+            drop(u"deletion of nothing"_s);
+    } else if (line.startsWith(u'c')) {
+        if (!handleCopyLine(line))
+            drop(u"copy of nothing"_s);
+    } else {
+        handleDataLine(line);
+    }
+}
+
+void CsvImporter::drop(const QString &reason)
+{
+    report_.drop(rows_.number(), reason);
 }
 
 void CsvImporter::handleHeader(const QString &line)
@@ -252,24 +255,23 @@ std::optional<CsvImporter::Place> CsvImporter::placeOf(const Row &row)
     return Place{*line, *index, *subindex};
 }
 
-/// False if the row is dropped halfway.
-bool CsvImporter::handleDataLine(const QString &line)
+void CsvImporter::handleDataLine(const QString &line)
 {
     const Row row(rows_.fieldsOf(line), columns_);
     if (row.fieldCount() < leastFields || !row.reaches(Index) || !numberOf<quint32>(row.text(Index)))
-        return true;
+        return drop(u"fewer than five fields, or no index"_s);
     if (!row.isComplete())
-        return false;
+        return drop(u"too short for the columns of the header"_s);
     const std::optional<Place> place = placeOf(row);
     if (!place)
-        return false;
+        return drop(u"no such place in the project"_s);
 
     ObjectState &state = stateOf(*place);
     importObject(*place, row, state);
     provideSubZero(*place, row, state);
     if (row.isHead()) {
         state.hasHeadRow = true;
-        return true;
+        return;
     }
     if (place->subindex == 0) {
         state.hasSubZero = true;
@@ -277,7 +279,6 @@ bool CsvImporter::handleDataLine(const QString &line)
     }
     entries_.append({place->line, place->index, place->subindex,
                      RecordQuotes::withQuotesDoubled(recordOf(*place, row, *state.object))});
-    return true;
 }
 
 CsvImporter::ObjectState &CsvImporter::stateOf(const Place &place)
@@ -432,6 +433,8 @@ void CsvImporter::flush()
                              *state->madeSubZero});
     }
     store_->addSubIndices(entries_);
+    report_.objects = objects_.size();
+    report_.subObjects = entries_.size();
     entries_.clear();
     objects_.clear();
     lineObjects_.clear();

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "import/basedataimporter.h"
-#include "texttools/tablerows.h"
 #include "store/storerecords.h"
+#include "texttools/tablerows.h"
 
 #include <QHash>
 #include <QList>
@@ -46,8 +46,8 @@ public:
     /// Copies of the table imported last, a source followed by its destination. The import collects them only.
     QList<ListEntry> copyList() const;
 
-public Q_SLOTS:
-    void doImport() override;
+protected:
+    void read() override;
 
 private:
     enum Column : quint8
@@ -87,11 +87,12 @@ private:
         std::optional<StoreRecords::SubIndexData> madeSubZero; ///< not yet in the store
     };
 
-    void importFile();
     void handleHeader(const QString &line);
-    bool handleDataLine(const QString &line);
+    void handleLine(const QString &line);
+    void handleDataLine(const QString &line);
     bool handleDeleteLine(const QString &line);
     bool handleCopyLine(const QString &line);
+    void drop(const QString &reason);
     std::optional<Place> placeOf(const Row &row);
     ObjectState &stateOf(const Place &place);
     void importObject(const Place &place, const Row &row, ObjectState &state);

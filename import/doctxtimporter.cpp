@@ -1,9 +1,9 @@
 #include "import/doctxtimporter.h"
 
 #include "nodedict/cohelper.h"
-#include "texttools/textfile.h"
 #include "store/objectdatabase.h"
 #include "store/temporaryindex.h"
+#include "texttools/textfile.h"
 
 #include <QDebug>
 
@@ -66,18 +66,12 @@ DOCTXTImporter::~DOCTXTImporter()
     waitForEnd();
 }
 
-void DOCTXTImporter::doImport()
+void DOCTXTImporter::read()
 {
-    running_ = true;
-    if (store_) {
-        store_->setBlocked(false);
-        qDebug().noquote() << "Importing " << filePath_;
-        const ObjectDataBase::Transaction transaction(*store_);
-        importFile();
-        store_->repairMappingCounts();
-    }
+    qDebug().noquote() << "Importing " << filePath_;
+    importFile();
+    store_->repairMappingCounts();
     qDebug() << "Import completeted";
-    finish();
 }
 
 void DOCTXTImporter::importFile()
@@ -85,14 +79,16 @@ void DOCTXTImporter::importFile()
     pgn_ = 0;
     direction_ = 0;
     TextFile text;
-    if (filePath_.isEmpty() || !text.load(filePath_))
+    if (!text.load(filePath_))
         return;
     const TemporaryIndex pgnIndex(*store_, line_, TemporaryIndex::pgnKeys);
     const TemporaryIndex spnIndex(*store_, line_, TemporaryIndex::spnKeys);
     TextLines lines(text.bytes());
     QByteArrayView line;
-    while (lines.next(line))
+    while (lines.next(line)) {
+        lineNumber_ = lines.number();
         importLine(text.decode(line));
+    }
 }
 
 void DOCTXTImporter::importLine(const QString &line)
@@ -107,11 +103,13 @@ void DOCTXTImporter::importLine(const QString &line)
             direction_ = 0;
             pgn_ = std::numeric_limits<quint32>::max();
             qDebug().noquote() << "invalid pgn: " << line;
+            report_.drop(lineNumber_, u"invalid PGN"_s);
         }
     } else if (direction_ != 0 && line.startsWith("\tDescription:"_L1)) {
         importDescription(line.split(u'\t'));
-    } else if (direction_ != 0 && line.startsWith("\tSPN:"_L1)) {
-        importSPN(line.split(u'\t'));
+    } else if (line.startsWith("\tSPN:"_L1)) {
+        if (direction_ == 0 || !importSPN(line.split(u'\t')))
+            report_.drop(lineNumber_, direction_ == 0 ? u"SPN without a PGN"_s : u"invalid SPN"_s);
     }
 }
 
@@ -136,6 +134,7 @@ bool DOCTXTImporter::importPGN(const QStringList &fields)
     store_->addPGN(line_, *number, record);
     pgn_ = *number;
     direction_ = record.direction;
+    ++report_.messages;
     return true;
 }
 
@@ -148,11 +147,11 @@ void DOCTXTImporter::importDescription(const QStringList &fields)
     store_->addPGN(line_, pgn_, record);
 }
 
-void DOCTXTImporter::importSPN(const QStringList &fields)
+bool DOCTXTImporter::importSPN(const QStringList &fields)
 {
     const auto number = numberOf<quint32>(fields.value(SPNNumber));
     if (fields.size() < leastSPNFields || !number)
-        return;
+        return false;
     StoreRecords::SPN record;
     for (qsizetype option = FirstOption; option <= lastOption && option < fields.size(); option += 2) {
         const QString value = fields.value(option + 1);
@@ -161,7 +160,7 @@ void DOCTXTImporter::importSPN(const QStringList &fields)
         } else if (fields.at(option) == "Size:"_L1) {
             const auto size = numberOf<quint16>(value);
             if (!size)
-                return;
+                return false;
             record.bitsize = *size;
         }
     }
@@ -175,4 +174,6 @@ void DOCTXTImporter::importSPN(const QStringList &fields)
     record.direction = direction_;
     record.pos = position_++;
     store_->addSPN(line_, pgn_, direction_, *number, record);
+    ++report_.signalCount;
+    return true;
 }

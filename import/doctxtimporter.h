@@ -20,16 +20,17 @@ public:
 
     QString lastErrorText() const override { return {}; }
 
-public Q_SLOTS:
-    void doImport() override;
+protected:
+    void read() override;
 
 private:
     void importFile();
     void importLine(const QString &line);
     bool importPGN(const QStringList &fields);
     void importDescription(const QStringList &fields);
-    void importSPN(const QStringList &fields);
+    bool importSPN(const QStringList &fields);
 
+    qsizetype lineNumber_ = 0; ///< of the line being read
     quint32 pgn_ = 0;
     quint8 direction_ = 0; ///< of the current PGN; 0 if there is none
     quint32 position_ = 0; ///< of the next SPN in its PGN

@@ -98,21 +98,8 @@ EDSImporter::~EDSImporter()
     waitForEnd();
 }
 
-void EDSImporter::doImport()
+void EDSImporter::read()
 {
-    running_ = true;
-    if (store_ && !filePath_.isEmpty()) {
-        store_->setBlocked(false);
-        store_->closeGate();
-        importFile();
-        store_->openGate();
-    }
-    finish();
-}
-
-void EDSImporter::importFile()
-{
-    const ObjectDataBase::Transaction transaction(*store_);
     entries_.clear();
     arrays_.clear();
     existing_.reset();
@@ -137,8 +124,10 @@ void EDSImporter::importFile()
 
 void EDSImporter::newIndex(const CANopen::CANopenIndex &index)
 {
-    if (!isInRange(index.index) || index.index > 0xffff)
+    if (!isInRange(index.index) || index.index > 0xffff) {
+        report_.drop(parser_->lineOf(index.index), u"object 0x%1 is out of range"_s.arg(index.index, 4, 16, '0'_L1));
         return;
+    }
     const auto key = static_cast<quint16>(index.index);
     ObjectDataBase::INDEX_DATA_T record;
     record.name = index.name;
@@ -148,6 +137,7 @@ void EDSImporter::newIndex(const CANopen::CANopenIndex &index)
     record.category = index.category;
     store_->addIndex(line_, key, record);
     existing_.set(key);
+    ++report_.objects;
     if (index.objecttype != CANopen::Array)
         return;
     arrays_.insert(key, record);
@@ -174,14 +164,20 @@ void EDSImporter::addCompactSubs(const CANopen::CANopenIndex &object)
         SubRecord record = recordOf(sub);
         record.pdomapping = sub.pdomapping ? PDOMapping::Allowed : PDOMapping::Forbidden;
         store_->addSubIndex(line_, index, subindex, withQuotesDoubled(record));
+        ++report_.subObjects;
     }
 }
 
 void EDSImporter::newSubIndex(const CANopenSubindex &sub)
 {
+    if (!isInRange(sub.index) || sub.index > 0xffff)
+        return; // like its object
     // A sub-object needs an object, of this file or of the line.
-    if (!isInRange(sub.index) || sub.index > 0xffff || !existing_.test(sub.index))
+    if (!existing_.test(sub.index)) {
+        report_.drop(parser_->lineOf(sub.index, sub.subindex),
+                     u"sub-object 0x%1:%2 has no object"_s.arg(sub.index, 4, 16, '0'_L1).arg(sub.subindex));
         return;
+    }
     const auto index = static_cast<quint16>(sub.index);
     SubRecord record = recordOf(sub);
     if (useParameterValues_ && !sub.parametervalue.isEmpty())
@@ -195,6 +191,7 @@ void EDSImporter::newSubIndex(const CANopenSubindex &sub)
     if (sub.subindex == 1)
         setArrayType(index, record.datatype);
     entries_.append({line_, index, sub.subindex, withQuotesDoubled(record)});
+    ++report_.subObjects;
 }
 
 /// An ARRAY has the data type of its first element.

@@ -30,15 +30,14 @@ public:
 
     QString lastErrorText() const override { return {}; }
 
-public Q_SLOTS:
-    void doImport() override;
+protected:
+    void read() override;
 
 private Q_SLOTS:
     void newIndex(const CANopen::CANopenIndex &index);
     void newSubIndex(const CANopenSubindex &sub);
 
 private:
-    void importFile();
     void addCompactSubs(const CANopen::CANopenIndex &object);
     void setArrayType(quint16 index, quint16 dataType);
     void importDescription();

@@ -11,20 +11,15 @@ NCXPImporter::~NCXPImporter()
     waitForEnd();
 }
 
-void NCXPImporter::doImport()
+void NCXPImporter::read()
 {
-    running_ = true;
+    constexpr quint32 lastObject = 0xffff;
     // Without a parent and gone before the end is told: it belongs to this thread.
-    if (store_ && !filePath_.isEmpty()) {
-        store_->setBlocked(false);
-        ObjectDataBase source;
-        if (source.openDataBase(filePath_, true)) {
-            constexpr quint32 lastObject = 0xffff;
-            if (firstIndex_ <= lastObject)
-                ProjectMerge::copyObjects(*store_, line_, source, sourceLine_, static_cast<quint16>(firstIndex_),
-                                          static_cast<quint16>(qMin(lastIndex_, lastObject)));
-            ProjectMerge::copyPGNs(*store_, line_, source, sourceLine_, firstIndex_, lastIndex_);
-        }
-    }
-    finish();
+    ObjectDataBase source;
+    if (filePath_.isEmpty() || !source.openDataBase(filePath_, true))
+        return;
+    if (firstIndex_ <= lastObject)
+        ProjectMerge::copyObjects(*store_, line_, source, sourceLine_, static_cast<quint16>(firstIndex_),
+                                  static_cast<quint16>(qMin(lastIndex_, lastObject)), report_);
+    ProjectMerge::copyPGNs(*store_, line_, source, sourceLine_, firstIndex_, lastIndex_, report_);
 }

@@ -17,8 +17,8 @@ public:
     /// The line of the other project; 0 unless it is set.
     void setSourceLine(quint8 line) { sourceLine_ = line; }
 
-public Q_SLOTS:
-    void doImport() override;
+protected:
+    void read() override;
 
 private:
     quint8 sourceLine_ = 0;

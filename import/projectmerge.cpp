@@ -1,5 +1,6 @@
 #include "import/projectmerge.h"
 
+#include "import/importreport.h"
 #include "import/recordquotes.h"
 #include "store/objectdatabase.h"
 #include "store/temporaryindex.h"
@@ -33,10 +34,11 @@ StoreRecords::SPN withQuotesDoubled(StoreRecords::SPN signal)
 }
 
 void copyPGN(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine,
-             const StoreRecords::PGN &pgn)
+             const StoreRecords::PGN &pgn, ImportReport &report)
 {
     const auto [number, direction] = std::pair(pgn.number, pgn.direction);
     target.addPGN(line, number, pgn);
+    ++report.messages;
     const QList<quint32> spns = source.getSPNList(sourceLine, number, direction);
     const QSet<quint32> kept(spns.begin(), spns.end());
     for (const quint32 spn : target.getSPNList(line, number, direction)) {
@@ -45,30 +47,35 @@ void copyPGN(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8
     }
     for (const quint32 spn : spns) {
         StoreRecords::SPN data;
-        if (source.getSPN(sourceLine, number, direction, spn, data))
-            target.addSPN(line, number, direction, spn, withQuotesDoubled(data));
+        if (!source.getSPN(sourceLine, number, direction, spn, data))
+            continue;
+        target.addSPN(line, number, direction, spn, withQuotesDoubled(data));
+        ++report.signalCount;
     }
 }
 
 void copyCANID(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine,
-               const StoreRecords::CANID &canid)
+               const StoreRecords::CANID &canid, ImportReport &report)
 {
     const auto [id, direction] = std::pair(canid.id, canid.direction);
     target.addCANID(line, id, canid);
+    ++report.messages;
     // An update would leave an element's place and size as they were.
     for (const quint32 number : target.getDataElementList(line, id, direction))
         target.removeDataElement(line, id, number, direction);
     for (const quint32 number : source.getDataElementList(sourceLine, id, direction)) {
         StoreRecords::DataElement data;
-        if (source.getDataElement(sourceLine, id, direction, number, data))
-            target.addDataElement(line, id, direction, number, withQuotesDoubled(data));
+        if (!source.getDataElement(sourceLine, id, direction, number, data))
+            continue;
+        target.addDataElement(line, id, direction, number, withQuotesDoubled(data));
+        ++report.signalCount;
     }
 }
 
 } // namespace
 
 void ProjectMerge::copyObjects(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine,
-                               quint16 first, quint16 last)
+                               quint16 first, quint16 last, ImportReport &report)
 {
     if (!source.nodeExists(sourceLine))
         return;
@@ -77,8 +84,10 @@ void ProjectMerge::copyObjects(ObjectDataBase &target, quint8 line, ObjectDataBa
     QList<StoreRecords::SubEntry> quoted;
     for (const quint16 index : source.getIndexList(sourceLine, first, last)) {
         target.copyIndexFrom(&source, sourceLine, index, line, index);
+        ++report.objects;
         // The copy hands texts on as they stand, and a quote in one of them costs the whole sub-object.
         for (const quint8 subindex : source.getSubIndexList(sourceLine, index)) {
+            ++report.subObjects;
             StoreRecords::SubIndexData data;
             if (source.getSubIndex(sourceLine, index, subindex, data) && RecordQuotes::needsDoubling(data))
                 quoted.append({line, index, subindex, RecordQuotes::withQuotesDoubled(data)});
@@ -89,7 +98,7 @@ void ProjectMerge::copyObjects(ObjectDataBase &target, quint8 line, ObjectDataBa
 }
 
 void ProjectMerge::copyPGNs(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine,
-                            quint32 first, quint32 last)
+                            quint32 first, quint32 last, ImportReport &report)
 {
     if (!source.nodeExists(sourceLine))
         return;
@@ -99,13 +108,13 @@ void ProjectMerge::copyPGNs(ObjectDataBase &target, quint8 line, ObjectDataBase 
     source.cacheSPNs(sourceLine);
     for (const StoreRecords::PGN &pgn : source.getAllPGNs(sourceLine)) {
         if (isDirection(pgn.direction) && isBetween(pgn.number, first, last))
-            copyPGN(target, line, source, sourceLine, pgn);
+            copyPGN(target, line, source, sourceLine, pgn, report);
     }
     source.clearSPNCache();
 }
 
 void ProjectMerge::copyCANIDs(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine,
-                              quint32 first, quint32 last)
+                              quint32 first, quint32 last, ImportReport &report)
 {
     if (!source.nodeExists(sourceLine))
         return;
@@ -116,6 +125,6 @@ void ProjectMerge::copyCANIDs(ObjectDataBase &target, quint8 line, ObjectDataBas
     const TemporaryIndex sourceIndex(source, sourceLine, TemporaryIndex::elementKeys);
     for (const StoreRecords::CANID &canid : source.getAllCANIDs(sourceLine)) {
         if (isDirection(canid.direction) && isBetween(canid.id & identifierBits, first, last))
-            copyCANID(target, line, source, sourceLine, canid);
+            copyCANID(target, line, source, sourceLine, canid, report);
     }
 }

@@ -69,16 +69,21 @@ std::shared_ptr<ObjectDataBase> ImportTest::emptyProject()
     return store->createNewDataBase() ? store : nullptr;
 }
 
-bool ImportTest::importEds(const std::shared_ptr<ObjectDataBase> &store, const QString &path, quint8 line)
+QString ImportTest::run(BaseDataImporter &importer, const std::shared_ptr<ObjectDataBase> &store, const QString &path,
+                        quint8 line)
 {
-    EDSImporter importer;
-    importer.setIndexRange(0x1000, 0xbfff);
     importer.setLine(line);
     importer.setDatabase(store);
     if (!importer.setFile(path) || !importer.startImport())
-        return false;
+        return {};
     importer.waitForEnd();
-    return true;
+    return importer.report().text() + u'\n';
+}
+
+bool ImportTest::importEds(const std::shared_ptr<ObjectDataBase> &store, const QString &path, quint8 line)
+{
+    EDSImporter importer;
+    return !run(importer, store, path, line).isNull();
 }
 
 bool ImportTest::importText(const std::shared_ptr<ObjectDataBase> &store, const QByteArray &content, quint8 line)

@@ -4,12 +4,17 @@
 
 #include <memory>
 
+class BaseDataImporter;
 class ObjectDataBase;
 
 namespace ImportTest {
 
 /// A project with nothing but an empty line 0.
 std::shared_ptr<ObjectDataBase> emptyProject();
+
+/// Runs an importer on a line and waits for its end. What its report says; null if it refuses the file.
+QString run(BaseDataImporter &importer, const std::shared_ptr<ObjectDataBase> &store, const QString &path,
+            quint8 line = 0);
 
 /// Imports a description into line 0 the way the program does, and waits for the end. False if the file is refused.
 bool importEds(const std::shared_ptr<ObjectDataBase> &store, const QString &path, quint8 line = 0);

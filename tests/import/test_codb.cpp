@@ -17,16 +17,11 @@ namespace {
 
 using Sub = ObjectDataBase::SUBINDEX_DATA_T;
 
-std::shared_ptr<ObjectDataBase> imported(const QString &path, bool resolveCopyLines = false)
+std::shared_ptr<ObjectDataBase> imported(const QString &path)
 {
     auto store = ImportTest::emptyProject();
     CODBImporter importer;
-    importer.setResolveCopyLines(resolveCopyLines);
-    importer.setDatabase(store);
-    importer.setLine(0);
-    EXPECT_TRUE(importer.setFile(path));
-    EXPECT_TRUE(importer.startImport());
-    importer.waitForEnd();
+    EXPECT_FALSE(ImportTest::run(importer, store, path).isNull());
     return store;
 }
 
@@ -68,7 +63,11 @@ TEST(CodbImport, Cases)
     for (const QString &path : TestSupport::casesIn(u"codb"_s, {u"*.codb"_s})) {
         for (const bool resolve : {false, true}) {
             const bool hasCopies = path.endsWith("/copies.codb"_L1);
-            TestSupport::expectInFile(ImportTest::dump(*imported(path, resolve)),
+            const auto store = ImportTest::emptyProject();
+            CODBImporter importer;
+            importer.setResolveCopyLines(resolve);
+            const QString report = ImportTest::run(importer, store, path);
+            TestSupport::expectInFile(ImportTest::dump(*store) + report,
                                       u"codb/%1%2.txt"_s.arg(QFileInfo(path).completeBaseName(),
                                                              resolve && hasCopies ? u"-resolved"_s : u""_s));
         }

@@ -19,6 +19,7 @@ struct Lists
 {
     QList<Entry> deletions;
     QList<Entry> copies;
+    QString report;
 };
 
 Lists importTable(const Store &store, const QByteArray &table, quint8 line = 0)
@@ -26,12 +27,9 @@ Lists importTable(const Store &store, const QByteArray &table, quint8 line = 0)
     const QTemporaryDir folder;
     const QString path = folder.filePath(u"table.csv"_s);
     CsvImporter importer;
-    importer.setIndexRange(0x1000, 0xbfff);
-    importer.setLine(line);
-    importer.setDatabase(store);
-    EXPECT_TRUE(TestSupport::writeFile(path, table) && importer.setFile(path) && importer.startImport());
-    importer.waitForEnd();
-    return {importer.deletionList(), importer.copyList()};
+    EXPECT_TRUE(TestSupport::writeFile(path, table));
+    const QString report = ImportTest::run(importer, store, path, line);
+    return {importer.deletionList(), importer.copyList(), report};
 }
 
 Store imported(const QByteArray &table)
@@ -59,9 +57,12 @@ TEST(CsvImport, Cases)
         const QByteArray table = TestSupport::readFile(path);
         const QString text = QString::fromUtf8(table);
         const QByteArray utf16("\xff\xfe" + QByteArray(reinterpret_cast<const char *>(text.utf16()), text.size() * 2));
-        for (const QByteArray &form : {table, QByteArray(table).replace('\n', "\r\n"), "\xef\xbb\xbf" + table, utf16})
-            TestSupport::expectInFile(ImportTest::dump(*imported(form)),
+        for (const QByteArray &form : {table, QByteArray(table).replace('\n', "\r\n"), "\xef\xbb\xbf" + table, utf16}) {
+            const Store store = ImportTest::emptyProject();
+            const QString report = importTable(store, form).report;
+            TestSupport::expectInFile(ImportTest::dump(*store) + report,
                                       u"import-csv/%1.txt"_s.arg(QFileInfo(path).completeBaseName()));
+        }
     }
 }
 

@@ -19,8 +19,9 @@ TEST(EdsImport, Cases)
 {
     for (const QString &path : TestSupport::casesIn(u"import"_s, {u"*.eds"_s, u"*.dcf"_s})) {
         const auto store = emptyProject();
-        ASSERT_TRUE(importEds(store, path));
-        TestSupport::expectInFile(dump(*store), u"import/%1.txt"_s.arg(QFileInfo(path).completeBaseName()));
+        EDSImporter importer;
+        const QString report = ImportTest::run(importer, store, path);
+        TestSupport::expectInFile(dump(*store) + report, u"import/%1.txt"_s.arg(QFileInfo(path).completeBaseName()));
     }
 }
 

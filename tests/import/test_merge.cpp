@@ -1,4 +1,5 @@
 #include "generate/importdispatch.h"
+#include "import/doctxtimporter.h"
 #include "import/importproject.h"
 #include "import/ncxpimporter.h"
 #include "support/projectscript.h"
@@ -106,10 +107,11 @@ TEST_F(Merge, OfOneLineIntoAnother)
         TestSupport::writeFile(path(u"notes.ncxp"_s), "no project");
         NCXPImporter importer;
         importer.setIndexRange(0x2000, 0x3000);
-        importer.setLine(1);
         importer.setSourceLine(3);
-        ASSERT_TRUE(importer.setDatabase(target) && importer.setFile(file) && importer.startImport());
-        importer.waitForEnd();
+        const QString report = ImportTest::run(importer, target, file, 1);
+        EXPECT_EQ(report.section(u';', 0, 0), file == other
+                                                  ? u"Taken: 2 objects, 0 sub-objects, 1 messages, 1 signals"_s
+                                                  : u"Taken: 0 objects, 0 sub-objects, 0 messages, 0 signals"_s);
         EXPECT_EQ(target->getIndexList(1, 0, 0xffff), (QList<quint16>{0x2000, 0x3000}));
         EXPECT_EQ(target->getPGNList(1, 0), QList<quint32>{0x2fff});
         EXPECT_EQ(target->getSPNList(1, 0x2fff, ObjectDataBase::receive), QList<quint32>{1});
@@ -122,13 +124,15 @@ TEST_F(Documentation, Cases)
     for (const QString &text : TestSupport::casesIn(u"import-doc"_s, {u"*_doc.txt"_s})) {
         const QString expected = u"import-doc/%1.txt"_s.arg(QFileInfo(text).completeBaseName().chopped(4));
         const Store store = made({u"line 0 = 2"_s});
-        ASSERT_TRUE(ImportDispatch::importFile(store, text));
-        TestSupport::expectInFile(contents(*store).join(u'\n') + u'\n', expected);
+        DOCTXTImporter importer;
+        importer.setIndexRange(0, 0x3ffff);
+        const QString report = ImportTest::run(importer, store, text);
+        TestSupport::expectInFile(contents(*store).join(u'\n') + u'\n' + report, expected);
         // Nothing is doubled by a second import, whatever the line ends, nor is noise at the end.
         const QByteArray again = TestSupport::readFile(text).replace('\n', "\r\n") + QByteArray(5000, '\0');
         ASSERT_TRUE(TestSupport::writeFile(path(u"my_doc.txt"_s), again));
         ASSERT_TRUE(ImportDispatch::importFile(store, path(u"my_doc.txt"_s)));
-        TestSupport::expectInFile(contents(*store).join(u'\n') + u'\n', expected);
+        TestSupport::expectInFile(contents(*store).join(u'\n') + u'\n' + report, expected);
     }
     const QString guide = QString::fromUtf8(TestSupport::readFile(QStringLiteral(NCX_SOURCE_DIR "/docs/import.md")));
     const QByteArray shown =
