@@ -4,13 +4,13 @@
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
+#include "texttools/numbertext.h"
 
 #include <QDebug>
 #include <QFile>
 #include <QRegularExpression>
 #include <QStringList>
 
-#include <limits>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -39,22 +39,13 @@ enum Field : quint8
 
 constexpr quint16 firstManufacturerIndex = 0x2000;
 
-template <typename Number>
-std::optional<Number> hexNumber(const QString &text)
-{
-    bool readable = false;
-    const uint number = text.toUInt(&readable, 16);
-    return readable && number <= std::numeric_limits<Number>::max() ? std::optional(static_cast<Number>(number))
-                                                                    : std::nullopt;
-}
-
 /// Where a sub-object line belongs: sub-index 0 if it ends before it, and 0x0000:00, which no object owns, if one of
 /// the two is no number that fits.
 std::pair<quint16, quint8> placeOf(const QStringList &fields)
 {
     const QString sub = fields.value(SubIndex);
-    const std::optional<quint16> index = hexNumber<quint16>(fields.value(Index));
-    const std::optional<quint8> subindex = sub.isEmpty() ? quint8(0) : hexNumber<quint8>(sub);
+    const std::optional<quint16> index = NumberText::hexadecimal<quint16>(fields.value(Index));
+    const std::optional<quint8> subindex = sub.isEmpty() ? quint8(0) : NumberText::hexadecimal<quint8>(sub);
     return index && subindex ? std::pair(*index, *subindex) : std::pair<quint16, quint8>();
 }
 
@@ -109,9 +100,10 @@ std::optional<quint64> firstNumber(const QString &text)
 {
     const QRegularExpressionMatch hex = hexDigits().match(text);
     if (hex.hasMatch())
-        return hex.captured().toULongLong(nullptr, 16);
+        return NumberText::hexadecimal<quint64>(hex.captured()).value_or(0);
     const QRegularExpressionMatch decimal = decimalDigits().match(text);
-    return decimal.hasMatch() ? std::optional(decimal.captured().toULongLong()) : std::nullopt;
+    return decimal.hasMatch() ? std::optional(NumberText::decimal<quint64>(decimal.captured()).value_or(0))
+                              : std::nullopt;
 }
 
 quint64 lastNumber(const QRegularExpression &expression, const QString &text, int base)
@@ -119,7 +111,7 @@ quint64 lastNumber(const QRegularExpression &expression, const QString &text, in
     QString last;
     for (auto matches = expression.globalMatch(text); matches.hasNext();)
         last = matches.next().captured();
-    return last.toULongLong(nullptr, base);
+    return NumberText::inBase(last, base).value_or(0);
 }
 
 void setLimits(SubRecord &record, const QStringList &fields)
@@ -199,15 +191,15 @@ bool CODBImporter::importCopy(const QString &line)
     if (!match.hasMatch())
         return false;
     flush();
-    const quint16 target = hexNumber<quint16>(match.captured(1)).value_or(0);
-    store_->copyIndex(line_, hexNumber<quint16>(match.captured(2)).value_or(0), line_, target);
+    const quint16 target = NumberText::hexadecimal<quint16>(match.captured(1)).value_or(0);
+    store_->copyIndex(line_, NumberText::hexadecimal<quint16>(match.captured(2)).value_or(0), line_, target);
     objects_.remove(target);
     return true;
 }
 
 void CODBImporter::importObject(const QStringList &fields)
 {
-    const quint16 index = hexNumber<quint16>(fields.value(Index)).value_or(0);
+    const quint16 index = NumberText::hexadecimal<quint16>(fields.value(Index)).value_or(0);
     if (!isInRange(index))
         return report_.drop(lineNumber_, u"object out of range"_s);
     ObjectDataBase::INDEX_DATA_T object;

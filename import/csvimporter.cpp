@@ -5,10 +5,10 @@
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 #include "texttools/helper.h"
+#include "texttools/numbertext.h"
 
 #include <QDebug>
 
-#include <limits>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -29,17 +29,6 @@ constexpr qsizetype leastFields = 5;
 
 /// Writes the default value into a description even where it is not marked as present.
 constexpr quint8 alwaysInEds = 2;
-
-/// A number as tables write it, decimal or "0x" hexadecimal, that fits the type. A leading 0 has no meaning.
-template <typename Number>
-std::optional<Number> numberOf(const QString &text)
-{
-    const QString word = text.trimmed();
-    bool readable = false;
-    const qulonglong number = word.toULongLong(&readable, word.startsWith("0x"_L1, Qt::CaseInsensitive) ? 16 : 10);
-    return readable && number <= std::numeric_limits<Number>::max() ? std::optional(static_cast<Number>(number))
-                                                                    : std::nullopt;
-}
 
 /// A flag as a number or as "yes" and "no"; none for anything else.
 std::optional<qint64> flagOf(const QString &text)
@@ -247,9 +236,9 @@ void CsvImporter::handleHeader(const QString &line)
 
 std::optional<CsvImporter::Place> CsvImporter::placeOf(const Row &row)
 {
-    const auto index = numberOf<quint16>(row.text(Index));
-    const auto subindex = row.word(Sub).isEmpty() ? quint8(0) : numberOf<quint8>(row.text(Sub));
-    const auto line = row.word(Line).isEmpty() ? line_ : numberOf<quint8>(row.text(Line));
+    const auto index = NumberText::decimalOrHexadecimal<quint16>(row.text(Index));
+    const auto subindex = row.word(Sub).isEmpty() ? quint8(0) : NumberText::decimalOrHexadecimal<quint8>(row.text(Sub));
+    const auto line = row.word(Line).isEmpty() ? line_ : NumberText::decimalOrHexadecimal<quint8>(row.text(Line));
     if (!index || !isInRange(*index) || !subindex || !line || !lines_.contains(*line))
         return {};
     return Place{*line, *index, *subindex};
@@ -258,7 +247,8 @@ std::optional<CsvImporter::Place> CsvImporter::placeOf(const Row &row)
 void CsvImporter::handleDataLine(const QString &line)
 {
     const Row row(rows_.fieldsOf(line), columns_);
-    if (row.fieldCount() < leastFields || !row.reaches(Index) || !numberOf<quint32>(row.text(Index)))
+    if (row.fieldCount() < leastFields || !row.reaches(Index) ||
+        !NumberText::decimalOrHexadecimal<quint32>(row.text(Index)))
         return drop(u"fewer than five fields, or no index"_s);
     if (!row.isComplete())
         return drop(u"too short for the columns of the header"_s);
@@ -361,7 +351,7 @@ StoreRecords::SubIndexData CsvImporter::recordOf(const Place &place, const Row &
     record.nvstorage = flagOf(row.text(NvStorage)).value_or(0) != 0;
     record.defaultvalue = row.text(Value);
     record.description = row.description();
-    if (const auto size = numberOf<quint64>(row.text(Size)))
+    if (const auto size = NumberText::decimalOrHexadecimal<quint64>(row.text(Size)))
         record.size = static_cast<quint16>(*size);
     record.pdomapping = PDOMapping::fromCSVString(row.word(Mapable));
     record.defaultineds = flagOf(row.text(HasDefault)).value_or(1) != 0;
@@ -394,8 +384,8 @@ bool CsvImporter::handleDeleteLine(const QString &line)
     constexpr qsizetype longest = 3;
     const QStringList fields = withoutFilling(rows_.fieldsOf(line), longest);
     qDebug().noquote() << Q_FUNC_INFO << fields.value(0);
-    const quint16 index = numberOf<quint16>(fields.value(1)).value_or(0);
-    const auto subindex = numberOf<quint8>(fields.value(2));
+    const quint16 index = NumberText::decimalOrHexadecimal<quint16>(fields.value(1)).value_or(0);
+    const auto subindex = NumberText::decimalOrHexadecimal<quint8>(fields.value(2));
     const bool wholeObject = fields.size() == longest - 1;
     if (index == 0 || (!wholeObject && (fields.size() != longest || !subindex)))
         return false;
@@ -409,16 +399,16 @@ bool CsvImporter::handleCopyLine(const QString &line)
     constexpr qsizetype longest = 4;
     const QStringList fields = withoutFilling(rows_.fieldsOf(line), longest);
     qDebug().noquote() << Q_FUNC_INFO << fields.value(0);
-    const quint16 index = numberOf<quint16>(fields.value(1)).value_or(0);
+    const quint16 index = NumberText::decimalOrHexadecimal<quint16>(fields.value(1)).value_or(0);
     if (fields.size() == longest - 1) {
-        const quint16 target = numberOf<quint16>(fields.value(2)).value_or(0);
+        const quint16 target = NumberText::decimalOrHexadecimal<quint16>(fields.value(2)).value_or(0);
         if (index == 0 || target == 0)
             return false;
         copies_ += {{index, 0, true}, {target, 0, true}};
         return true;
     }
-    const auto source = numberOf<quint8>(fields.value(2));
-    const auto target = numberOf<quint8>(fields.value(3));
+    const auto source = NumberText::decimalOrHexadecimal<quint8>(fields.value(2));
+    const auto target = NumberText::decimalOrHexadecimal<quint8>(fields.value(3));
     if (fields.size() != longest || index == 0 || !source || !target || *source == *target)
         return false;
     copies_ += {{index, *source, false}, {index, *target, false}};

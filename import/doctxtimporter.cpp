@@ -3,6 +3,7 @@
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 #include "store/temporaryindex.h"
+#include "texttools/numbertext.h"
 #include "texttools/textfile.h"
 
 #include <QDebug>
@@ -38,16 +39,6 @@ constexpr qsizetype lastOption = 9;
 
 constexpr quint8 managedVariable = 0;
 constexpr quint8 applicationVariable = 2;
-
-/// An unsigned decimal number that fits the type.
-template <typename Integer>
-std::optional<Integer> numberOf(const QString &text)
-{
-    bool readable = false;
-    const uint number = text.toUInt(&readable);
-    return readable && number <= std::numeric_limits<Integer>::max() ? std::optional(static_cast<Integer>(number))
-                                                                     : std::nullopt;
-}
 
 quint8 directionOf(const QString &text)
 {
@@ -117,11 +108,11 @@ bool DOCTXTImporter::importPGN(const QStringList &fields)
 {
     if (fields.size() < leastPGNFields)
         return false;
-    const auto number = numberOf<quint32>(fields.value(Number).section(u'/', 1, 1));
-    const auto cycleTime = numberOf<quint16>(fields.value(CycleTime));
-    const auto priority = numberOf<quint8>(fields.value(Priority));
-    const auto inhibitTime =
-        fields.size() > InhibitTime ? numberOf<quint32>(fields.value(InhibitTime)) : std::optional<quint32>(0);
+    const auto number = NumberText::decimal<quint32>(fields.value(Number).section(u'/', 1, 1));
+    const auto cycleTime = NumberText::decimal<quint16>(fields.value(CycleTime));
+    const auto priority = NumberText::decimal<quint8>(fields.value(Priority));
+    const auto inhibitTime = fields.size() > InhibitTime ? NumberText::decimal<quint32>(fields.value(InhibitTime))
+                                                         : std::optional<quint32>(0);
     StoreRecords::PGN record;
     record.direction = directionOf(fields.value(Direction));
     if (!number || !isInRange(*number) || record.direction == 0 || !cycleTime || !priority || !inhibitTime)
@@ -149,7 +140,7 @@ void DOCTXTImporter::importDescription(const QStringList &fields)
 
 bool DOCTXTImporter::importSPN(const QStringList &fields)
 {
-    const auto number = numberOf<quint32>(fields.value(SPNNumber));
+    const auto number = NumberText::decimal<quint32>(fields.value(SPNNumber));
     if (fields.size() < leastSPNFields || !number)
         return false;
     StoreRecords::SPN record;
@@ -158,7 +149,7 @@ bool DOCTXTImporter::importSPN(const QStringList &fields)
         if (fields.at(option) == "Variable:"_L1) {
             record.varname = value;
         } else if (fields.at(option) == "Size:"_L1) {
-            const auto size = numberOf<quint16>(value);
+            const auto size = NumberText::decimal<quint16>(value);
             if (!size)
                 return false;
             record.bitsize = *size;

@@ -1,6 +1,7 @@
 #include "nodedict/cohelper.h"
 
 #include "nodedict/canopendatatype.h"
+#include "texttools/numbertext.h"
 
 #include <QHash>
 
@@ -173,16 +174,6 @@ const TypeRow *findType(quint32 code)
     return row == types.end() ? nullptr : &*row;
 }
 
-/// A number in the notation of CiA 306; a leading 0 before a digit that is not octal is taken as mere padding.
-std::optional<quint32> number(const QString &text)
-{
-    bool ok = false;
-    quint32 value = text.toUInt(&ok, 0);
-    if (!ok)
-        value = text.toUInt(&ok, 10);
-    return ok ? std::optional(value) : std::nullopt;
-}
-
 } // namespace
 
 QString COHelper::index2DataTypeString(quint32 dataType)
@@ -209,7 +200,7 @@ quint32 COHelper::mapDataTypeString(const QString &text)
             map.insert(alias.word, alias.code);
         return map;
     }();
-    if (const auto code = number(text.trimmed()))
+    if (const auto code = NumberText::ofDescription<quint32>(text))
         return *code <= 0xffff ? *code : quint32{CAN::NoType};
     // A length behind the name, "VISIBLE_STRING(8)", is no part of it.
     const auto length = std::ranges::find_if(text, [](QChar c) { return c == u'(' || c == u'['; });
@@ -267,7 +258,7 @@ QString COHelper::objectCode2String(quint32 objectCode)
 
 quint32 COHelper::string2objectCode(const QString &text)
 {
-    if (const auto code = number(text.trimmed()))
+    if (const auto code = NumberText::ofDescription<quint32>(text))
         return *code;
     const QString word = comparable(text).toUpper();
     const auto row = std::ranges::find(objectCodes, word, &Word::word);

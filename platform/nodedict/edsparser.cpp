@@ -1,6 +1,7 @@
 #include "nodedict/edsparser.h"
 
 #include "nodedict/edsvalue.h"
+#include "texttools/numbertext.h"
 
 using namespace Qt::StringLiterals;
 
@@ -90,7 +91,7 @@ QString EdsParser::commentText() const
     sections_.eachEntry(*EdsSections::namedHead("comments"), [&](QByteArrayView key, QByteArrayView value) {
         if (key.size() <= prefix.size() || !TextBytes::equals(key.first(prefix.size()), prefix))
             return;
-        const uint number = key.sliced(prefix.size()).toByteArray().toUInt();
+        const uint number = NumberText::decimal<uint>(QString::fromLatin1(key.sliced(prefix.size()))).value_or(0);
         if (number < 1 || number > announced)
             return;
         while (lines.size() < number)
@@ -111,11 +112,8 @@ QMap<QString, QString> EdsParser::compactTexts(const Head &head) const
 {
     QMap<QString, QString> texts;
     sections_.eachEntry(head, [&](QByteArrayView key, QByteArrayView value) {
-        bool ok = false;
-        const bool hex = key.size() > 2 && TextBytes::equals(key.first(2), "0x");
-        const uint sub = hex ? key.sliced(2).toByteArray().toUInt(&ok, 16) : key.toByteArray().toUInt(&ok, 10);
-        const QString number = QString::number(sub);
-        if (ok && sub <= 0xff && !texts.contains(number))
+        const auto sub = NumberText::decimalOrHexadecimal<quint8>(QString::fromLatin1(key));
+        if (const QString number = QString::number(sub.value_or(0)); sub && !texts.contains(number))
             texts.insert(number, sections_.decode(value));
     });
     return texts;

@@ -2,21 +2,13 @@
 
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
+#include "texttools/numbertext.h"
 
 #include <QStringList>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-std::optional<quint64> unsignedNumber(const QString &text)
-{
-    bool ok = false;
-    quint64 value = text.toULongLong(&ok, 0);
-    if (!ok)
-        value = text.toULongLong(&ok, 10);
-    return ok ? std::optional(value) : std::nullopt;
-}
 
 /// A number in the form in which every reader of a value takes it: "0X" becomes "0x", and a leading 0 that is mere
 /// padding goes. Null if the text is none.
@@ -26,14 +18,11 @@ QString plainNumber(const QString &text)
     const QString digits = hasSign ? text.mid(1) : text;
     bool isReal = false;
     text.toDouble(&isReal);
-    if (!isReal && !unsignedNumber(digits))
+    if (!isReal && !NumberText::ofDescription<quint64>(digits))
         return {};
-    bool isNotation = false;
-    bool isDecimal = false;
-    digits.toULongLong(&isNotation, 0);
-    const quint64 decimal = digits.toULongLong(&isDecimal, 10);
-    if (!isNotation && isDecimal)
-        return text.first(hasSign ? 1 : 0) + QString::number(decimal);
+    const auto decimal = NumberText::decimal<quint64>(digits);
+    if (decimal && !NumberText::byPrefix<quint64>(digits))
+        return text.first(hasSign ? 1 : 0) + QString::number(*decimal);
     return QString(text).replace("0X"_L1, "0x"_L1);
 }
 
@@ -78,7 +67,7 @@ QString nodeRelative(QString text)
         if (term.compare("$nodeid"_L1, Qt::CaseInsensitive) == 0 ||
             term.compare("nodeid"_L1, Qt::CaseInsensitive) == 0) {
             ++nodeIds;
-        } else if (const auto value = unsignedNumber(term)) {
+        } else if (const auto value = NumberText::ofDescription<quint64>(term)) {
             numbers.append(plainNumber(term));
             sum += *value;
         } else {
@@ -115,8 +104,7 @@ std::optional<quint32> EdsValue::number(const QString &text)
 {
     const QString inner = withoutQuotes(text);
     const auto end = std::find_if(inner.begin(), inner.end(), [](QChar c) { return c.isSpace() || c == u';'; });
-    const auto value = unsignedNumber(inner.left(end - inner.begin()));
-    return value && *value <= 0xffffffff ? std::optional(static_cast<quint32>(*value)) : std::nullopt;
+    return NumberText::ofDescription<quint32>(inner.left(end - inner.begin()));
 }
 
 QString EdsValue::normalised(const QString &text, quint32 dataType)
@@ -137,7 +125,7 @@ QString EdsValue::limit(const QString &text, quint32 dataType)
     const bool hasSign = value.startsWith(u'-') || value.startsWith(u'+');
     const QString digits = hasSign ? value.sliced(1) : value;
     const bool isDecimal = digits.size() < 2 || !digits.startsWith(u'0');
-    const auto number = unsignedNumber(digits);
+    const auto number = NumberText::ofDescription<quint64>(digits);
     if (!COHelper::isSigned(dataType) || isDecimal || !number)
         return value;
     return hasSign ? value.first(1) + QString::number(*number)

@@ -1,9 +1,8 @@
 #include "texttools/numbertext.h"
 
-std::optional<quint32> NumberText::byPrefix(const QString &text)
+std::optional<quint64> NumberText::inBase(QStringView text, int base)
 {
-    constexpr int automaticBase = 0;
-    bool isNumber = false;
-    const quint32 number = text.trimmed().toUInt(&isNumber, automaticBase);
-    return isNumber ? std::optional(number) : std::nullopt;
+    bool ok = false;
+    const quint64 number = text.toULongLong(&ok, base);
+    return ok ? std::optional(number) : std::nullopt;
 }

@@ -1,14 +1,61 @@
 #pragma once
 
-#include <QString>
+#include <QStringView>
 
+#include <concepts>
+#include <limits>
 #include <optional>
 
-/// Numbers in the texts of a project. Each reader is named after its notation, takes the text without the blanks around
-/// it, and answers nothing for a text that is no such number or does not fit.
+/// Unsigned numbers in texts, a reader for each notation. Each answers none for a text that is no such number and for
+/// a number that the type cannot hold. Blanks around a number do not count.
 namespace NumberText {
 
+/// In a base from 2 to 36, or for 0 in that of its prefix.
+std::optional<quint64> inBase(QStringView text, int base);
+
+template <std::unsigned_integral Number>
+std::optional<Number> fitting(std::optional<quint64> number)
+{
+    const bool fits = number && *number <= std::numeric_limits<Number>::max();
+    return fits ? std::optional(static_cast<Number>(*number)) : std::nullopt;
+}
+
 /// Decimal, "0x" hexadecimal, or octal with a leading 0, as the prefix says.
-std::optional<quint32> byPrefix(const QString &text);
+template <std::unsigned_integral Number = quint32>
+std::optional<Number> byPrefix(QStringView text)
+{
+    return fitting<Number>(inBase(text, 0));
+}
+
+/// "26"
+template <std::unsigned_integral Number = quint32>
+std::optional<Number> decimal(QStringView text)
+{
+    return fitting<Number>(inBase(text, 10));
+}
+
+/// "1a" or "0x1a"
+template <std::unsigned_integral Number = quint32>
+std::optional<Number> hexadecimal(QStringView text)
+{
+    return fitting<Number>(inBase(text, 16));
+}
+
+/// "26" or "0x1a"; a leading 0 has no meaning.
+template <std::unsigned_integral Number = quint32>
+std::optional<Number> decimalOrHexadecimal(QStringView text)
+{
+    const QStringView digits = text.trimmed();
+    const bool isHexadecimal = digits.startsWith(QLatin1StringView("0x"), Qt::CaseInsensitive);
+    return fitting<Number>(inBase(digits, isHexadecimal ? 16 : 10));
+}
+
+/// As device descriptions write it (CiA 306): "26", "0x1a" or octal "032"; "09" is 9.
+template <std::unsigned_integral Number = quint32>
+std::optional<Number> ofDescription(QStringView text)
+{
+    const auto number = inBase(text, 0);
+    return fitting<Number>(number ? number : inBase(text, 10));
+}
 
 } // namespace NumberText

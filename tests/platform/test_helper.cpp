@@ -1,6 +1,7 @@
 #include "diagcore/udssiddefinitions.h"
 #include "support/testhome.h"
 #include "texttools/helper.h"
+#include "texttools/numbertext.h"
 
 #include <gtest/gtest.h>
 
@@ -42,6 +43,39 @@ TEST(Helper, UTF8String2ArrayString)
     EXPECT_EQ(Helper::UTF8String2ArrayString(u"plain"_s), u"\"plain\"");
     EXPECT_EQ(Helper::UTF8String2ArrayString(u"Gr\u00f61 \"?\?=\\\n"_s), u"\"Gr\\303\\2661 \\\"?\\?=\\\\\\012\"");
     EXPECT_EQ(Helper::UTF8String2ArrayString(u"|x41C3b67"_s), u"\"A\\303\\266\\007\"");
+}
+
+TEST(NumberText, EachReaderHasItsNotation)
+{
+    struct Case
+    {
+        QString text;
+        std::optional<quint8> decimal;
+        std::optional<quint8> hexadecimal;
+        std::optional<quint8> either;
+        std::optional<quint8> ofDescription;
+    };
+    for (const auto &[text, decimal, hexadecimal, either, ofDescription] : {
+             Case{u" 26 "_s, 26, 0x26, 26, 26},
+             {u"0x1A"_s, {}, 26, 26, 26},
+             {u" 0X1a"_s, {}, 26, 26, 26},
+             {u"1a"_s, {}, 26, {}, {}},
+             {u"032"_s, 32, 0x32, 32, 26},
+             {u"09"_s, 9, 9, 9, 9},
+             {u"255"_s, 255, {}, 255, 255},
+             {u"256"_s, {}, {}, {}, {}},
+             {u"-1"_s, {}, {}, {}, {}},
+             {u"1 2"_s, {}, {}, {}, {}},
+             {u"18446744073709551617"_s, {}, {}, {}, {}},
+             {QString(), {}, {}, {}, {}},
+         }) {
+        EXPECT_EQ(NumberText::decimal<quint8>(text), decimal) << text.toStdString();
+        EXPECT_EQ(NumberText::hexadecimal<quint8>(text), hexadecimal) << text.toStdString();
+        EXPECT_EQ(NumberText::decimalOrHexadecimal<quint8>(text), either) << text.toStdString();
+        EXPECT_EQ(NumberText::ofDescription<quint8>(text), ofDescription) << text.toStdString();
+        const bool isPadded = text == "09"_L1;
+        EXPECT_EQ(NumberText::byPrefix<quint8>(text), isPadded ? std::nullopt : ofDescription) << text.toStdString();
+    }
 }
 
 TEST(Helper, ModifyLineEnding)
