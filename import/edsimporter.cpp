@@ -180,8 +180,6 @@ void EDSImporter::newSubIndex(const CANopenSubindex &sub)
     }
     const auto index = static_cast<quint16>(sub.index);
     SubRecord record = recordOf(sub);
-    if (useParameterValues_ && !sub.parametervalue.isEmpty())
-        record.defaultvalue = sub.parametervalue;
     record.pdomapping = pdoMappingOf(sub);
     if (!sub.haslimits) {
         const COHelper::Limits limits = COHelper::getDefaultLimits(sub.datatype);

@@ -47,5 +47,4 @@ private:
     QList<StoreRecords::SubEntry> entries_;
     std::bitset<0x10000> existing_;                  ///< objects that the line has by now
     QHash<quint16, StoreRecords::IndexData> arrays_; ///< those of this file
-    bool useParameterValues_ = false;                ///< whether a DCF's parameter value is also the default
 };

@@ -17,9 +17,10 @@
 ///
 /// It reads what device makers write rather than what the standard asks for: section and key names in any letter case,
 /// any line ending and encoding (see TextFile), blanks around names and values, sections in any order. A line that
-/// begins ";" or "#" is a comment; anywhere else these are part of the value, and so are quotes. Where a section
-/// stands twice its keys are joined, and where a key stands twice the first one counts. An object is there if its
-/// section is, whatever the lists of supported objects say. What a section leaves out:
+/// begins ";" or "#" is a comment. Within a text these are part of it, and so are quotes; behind a number or a word ";"
+/// begins a remark, and quotes around them go. Where a section stands twice its keys are joined, and where a key stands
+/// twice the first one counts. An object is there if its section is, whatever the lists of supported objects say. What
+/// a section leaves out:
 ///
 /// | Missing         | Taken                                                                                       |
 /// |-----------------|---------------------------------------------------------------------------------------------|
