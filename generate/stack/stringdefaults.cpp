@@ -2,6 +2,7 @@
 
 #include "generate/codewriter.h"
 #include "generate/stack/dictionarytables.h"
+#include "texttools/helper.h"
 
 void writeStringDefaultFunction(CodeWriter &out, const DictionaryTables &tables)
 {
@@ -24,7 +25,7 @@ void writeStringDefaultFunction(CodeWriter &out, const DictionaryTables &tables)
             {{"LINE", Code::dec(line)},
              {"INDEX", Code::hex(index, 4)},
              {"SUB", Code::dec(subindex)},
-             {"NAME", sub->data.varname},
+             {"NAME", Helper::substituteVariables(sub->data.varname, index, subindex, line)},
              {"OFFSET", Code::dec(tables.stringOffsetMap.value(it.key()))},
              {"SIZE", Code::dec(it.value())}});
     }

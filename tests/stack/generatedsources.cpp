@@ -234,6 +234,8 @@ QString GeneratedSources::compileFile(const QString &path, const QStringList &mo
     const bool cpp = path.endsWith(".cpp"_L1);
     const QString object = folder_.filePath(QFileInfo(path).fileName() + u".o"_s);
     QStringList arguments{cpp ? u"c++"_s : u"cc"_s, cpp ? u"-std=c++17"_s : u"-std=c99"_s};
+    if (cpp) // the copy has the bytes of string defaults, which a char of C takes
+        arguments.append(u"-Wno-narrowing"_s);
     if (sanitized_)
         arguments.append(sanitizers);
     arguments += compilerArguments() + more + QStringList{u"-c"_s, path, u"-o"_s, object};

@@ -78,6 +78,8 @@ RandomProject::RandomProject(quint32 seed)
     if (std::ranges::any_of(lineTypes_, hasJ1939)) {
         addBlock(u"j1939"_s);
         server_ = std::ranges::count(lineTypes_, 2) == lineCount_ && chance(50);
+        if (server_) // whose header does not tell of limits
+            add(u"general limit_check = 0"_s);
         if (server_ || std::ranges::count(lineTypes_, 2) < lineCount_)
             add(u"j1939 cia510serversupport = %1"_s.arg(server_ || chance(40) ? 1 : 0));
         if (safety_)
