@@ -32,7 +32,8 @@ public:
     QString folder() const { return folder_.path(); }
     bool has(const QString &fileName) const;
     bool hasDictionary() const;
-    bool hasMessages() const { return !messageSource().isEmpty(); }
+    /// Of a bootloader the messages have no variables.
+    bool hasMessages() const { return has(QStringLiteral("gen_var_decl.c")) && !messageSource().isEmpty(); }
     QByteArray text(const QString &fileName) const;
     /// What the run has said, with "DIR" for the folder.
     QStringList messages() const;
