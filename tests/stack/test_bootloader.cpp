@@ -1,5 +1,6 @@
 #include "stack/generatedsources.h"
 #include "store/lineprotocols.h"
+#include "support/printing.h"
 #include "support/projectscript.h"
 
 #include <gtest/gtest.h>
