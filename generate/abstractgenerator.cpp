@@ -4,6 +4,7 @@
 #include "store/objectdatabase.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -112,8 +113,10 @@ void AbstractGenerator::waitForJob()
 {
     if (!thread_)
         return;
-    while (running_ && !thread_->wait(1))
-        QCoreApplication::processEvents();
+    QEventLoop events;
+    connect(thread_.get(), &QThread::finished, &events, &QEventLoop::quit);
+    if (!thread_->isFinished())
+        events.exec();
     thread_->wait();
 }
 

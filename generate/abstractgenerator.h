@@ -34,7 +34,8 @@ public:
     enum Error : quint8
     {
         TemplateError = 1,
-        OutputError = 2
+        OutputError = 2,
+        StoreError = 3 ///< the generator has no store to read
     };
 
     explicit AbstractGenerator(QObject *parent = nullptr);
@@ -54,6 +55,7 @@ public:
 
     /// Line of the job, 0 for a file of the whole project. An unknown line is reported and taken all the same.
     Status setLine(quint8 line);
+    /// A store that is refused is not taken; a job without one fails.
     Status setDatabase(const std::shared_ptr<ObjectDataBase> &store);
     /// A folder that is missing or cannot be read is reported and taken all the same.
     Status setOutputFolder(const QString &folder);

@@ -7,6 +7,8 @@
 #include <QFileInfo>
 #include <QTextStream>
 
+using namespace Qt::StringLiterals;
+
 QString FileGenerator::filePath() const
 {
     return QDir(outputFolder()).filePath(fileName());
@@ -31,12 +33,18 @@ AbstractGenerator::Status FileGenerator::cancelJob()
 void FileGenerator::doJob()
 {
     setRunning(true);
-    database()->setBlocked(true);
-    readMultiLineSetting();
-    writeFile();
+    const std::shared_ptr<ObjectDataBase> store = database();
+    if (store) {
+        store->setBlocked(true);
+        readMultiLineSetting();
+        writeFile();
+    } else {
+        fail(StoreError, u"The project has no line."_s);
+    }
     setRunning(false);
     quitThread();
-    database()->setBlocked(false);
+    if (store)
+        store->setBlocked(false);
     Q_EMIT progress(100);
 }
 

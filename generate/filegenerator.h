@@ -7,7 +7,8 @@ class QTextStream;
 /// A generator of one text file: opens it, holds the store while it is written, and closes it.
 ///
 /// A concrete generator supplies the file's name and its text, in UTF-8 with "\n" at the line ends. A file that cannot
-/// be written whole sets `errorCode` to `OutputError` and leaves a former file of that name as it was.
+/// be written whole sets `errorCode` to `OutputError`, a store that was refused to `StoreError`; either leaves a former
+/// file of that name as it was.
 class FileGenerator : public AbstractGenerator
 {
     Q_OBJECT

@@ -78,7 +78,7 @@ bool GeneratorMainHandler::openProject(const QString &filePath)
     projectPath_ = path;
     database_->setGeneralSetting(u"new_init_structure"_s, u"1"_s);
     database_->setGeneralSetting(u"use_core_headers"_s, u"V4"_s);
-    return true;
+    return !database_->isDamaged();
 }
 
 void GeneratorMainHandler::setStackPath(const QString &path)

@@ -65,8 +65,8 @@ public:
     void setRunTable(std::span<const RunRow> rows) { runRows_ = rows; }
 
 public Q_SLOTS:
-    /// False if the file is missing or no project of this program. The former project stays open then only in name:
-    /// there is no way back to it.
+    /// False if the file is missing or no project of this program, or there is no place for its working copy. The former
+    /// project stays open then only in name: there is no way back to it.
     bool openProject(const QString &filePath);
     void handleCheckError(const QString &errorString);
     /// The end of a generator's job, at 100 percent.

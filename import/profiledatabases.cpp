@@ -46,6 +46,19 @@ std::shared_ptr<ObjectDataBase> newScratchStore()
     return store;
 }
 
+/// The objects of a profile's file; null if the file or the place of the scratch store fails.
+std::shared_ptr<ObjectDataBase> readProfile(const QString &path)
+{
+    auto store = newScratchStore();
+    CODBImporter importer;
+    if (!store || !importer.setDatabase(store) || !importer.setFile(path))
+        return nullptr;
+    importer.setLine(0);
+    importer.startImport();
+    importer.waitForEnd();
+    return store->isDamaged() ? nullptr : store;
+}
+
 } // namespace
 
 ProfileDatabases::ProfileDatabases(QString folder)
@@ -113,18 +126,12 @@ std::shared_ptr<ObjectDataBase> ProfileDatabases::load(const QString &id)
         lastError_ = u"Unknown profile \"%1\" - call list_profiles for the available ids."_s.arg(id);
         return nullptr;
     }
-    const auto store = newScratchStore();
+    auto store = readProfile(path);
     if (!store) {
-        lastError_ = u"Internal error: no database available."_s;
+        lastError_ = u"Profile \"%1\" cannot be loaded (is the disk full?)."_s.arg(id);
         return nullptr;
     }
-    CODBImporter importer;
-    importer.setDatabase(store);
-    importer.setLine(0);
-    importer.setFile(path);
-    importer.startImport();
-    importer.waitForEnd();
-    loaded_ = store;
+    loaded_ = std::move(store);
     loadedId_ = id;
     return loaded_;
 }

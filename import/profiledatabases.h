@@ -29,8 +29,8 @@ public:
     /// What the banner of a profile's file says it is; empty if there is no such profile or it says nothing.
     QString description(const QString &id) const;
     /// The profile's objects, on line 0 of a store that nobody else uses; null, with `lastError` set, if there is no
-    /// such profile. The profile last loaded is kept and answers from there when it is asked for again under the same
-    /// id, whatever happened to its file; any other id reads a file and takes its place.
+    /// such profile or it cannot be read. The profile last loaded is kept and answers from there when it is asked for
+    /// again under the same id, whatever happened to its file; any other id reads a file and takes its place.
     std::shared_ptr<ObjectDataBase> load(const QString &id);
     /// Why the last `load` gave null, in words for the user.
     QString lastError() const { return lastError_; }

@@ -69,6 +69,7 @@ int main(int argc, char **argv)
     WorkingCopies::removeOnSignals();
     QCoreApplication application(argc, argv);
     setIdentity(application);
+    WorkingCopies::removeAbandoned();
     [[maybe_unused]] const Helper helper(3);
     [[maybe_unused]] const COHelper coHelper;
     return QCoreApplication::arguments().contains("--mcp"_L1) ? runServer(application) : runBatch(application);

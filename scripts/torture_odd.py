@@ -1,5 +1,6 @@
-"""Stages of scripts/torture that no ordinary day brings: files that are none, files that change under the program, closed
-streams, requests that are no requests, signals, and system calls that kill or fail."""
+"""Stages of scripts/torture that no ordinary day brings: a disk that fills up under a server, files that are none, files
+that change under the program, closed streams, requests that are no requests, signals, and system calls that kill or
+fail."""
 import contextlib
 import json
 import os
@@ -26,6 +27,79 @@ def limit_memory():
 
 class OddStages:
     """Uses the tools of Torture."""
+
+    # ---- A disk that fills up under a server ----
+
+    def serverdisk(self):
+        """A disk that fills up at home while a server works: each tool says so, and all goes on when there is room again."""
+        if os.geteuid() != 0:
+            raise self.skip("needs root for small disks")
+        disk, folder = self.folder("disk"), self.folder("serverdisk")
+        project, filler = self.project(folder, 60, "ncxt"), disk / "filler"
+        with self.small_disk(disk, 4096), self.server_at(disk) as ask:
+            def leave(size):
+                filler.write_bytes(bytes(1024))
+                with contextlib.suppress(OSError), open(filler, "ab", buffering=0) as file:
+                    while file.write(bytes(4096)) == 4096:
+                        pass
+                os.truncate(filler, max(0, filler.stat().st_size - size))
+
+            damage = "! The working copy of the project is damaged"
+            for size in (0, 8192, 32768, 150000):
+                filler.unlink(missing_ok=True)
+                self.check(ask("open_project", path=str(project)).startswith("Project opened: "), f"{size}: no open")
+                leave(size)
+                self.look_at_profiles(f"no profile with {size} bytes", ask, False)
+                filler.unlink()
+                self.look_at_profiles(f"profile after {size} bytes", ask, True)
+                leave(size)
+                told, number = "", 0
+                while not told.startswith("! ") and number < 100:
+                    number += 1
+                    told = ask("add_index", line=0, index=0x3000 + number, name=f"{number} " + "n" * 8000,
+                               objectType="Variable", dataType=5)
+                for tool, arguments in (("get_line", {"line": 0}), ("list_lines", {}), ("list_indices", {"line": 0}),
+                                        ("get_settings", {"group": "general"}), ("check_model", {}),
+                                        ("set_setting", {"key": "user_defines", "value": "x"}), ("add_line", {"line": 1}),
+                                        ("import_file", {"path": str(folder / "bench.eds")}),
+                                        ("generate", {"disableCheck": True})):
+                    told = ask(tool, **arguments)
+                    self.check(told.startswith(damage), f"{tool} with {size} bytes: {told[:200]}")
+                before = project.read_bytes()
+                told = ask("save_project")
+                self.check("ERROR - The working copy" in told and project.read_bytes() == before, f"save: {told}")
+            leave(0)
+            told = ask("open_project", path=str(project))
+            self.check(told.startswith("! Failed to open project: ") and "(is the disk full?)" in told, f"open: {told}")
+
+    def look_at_profiles(self, name, ask, served):
+        for tool, arguments in (("get_profile_index", {"index": 0x6040}), ("list_profile_indices", {}),
+                                ("import_profile_indices", {"line": 0, "indices": [0x6040]})):
+            told = ask(tool, profile="402", **arguments)
+            good = ("0x6040" if served else "cannot be loaded") in told
+            good = good or (tool == "list_profile_indices" and told.startswith("-32000"))
+            self.check(good, f"{name}, {tool}: {told[:200]}")
+        self.check(not served or ask("get_profile_index", profile="401", index=0x6000).startswith("{"), f"{name}: 401")
+
+    @contextlib.contextmanager
+    def server_at(self, home):
+        """A server with this home: a function that calls its tools and returns what these say."""
+        with subprocess.Popen(self.command("--mcp"), stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                              env=self.environment(home), cwd=self.work) as process:
+            def ask(tool, **arguments):
+                request = {"id": 1, "method": "tools/call", "params": {"name": tool, "arguments": arguments}}
+                with contextlib.suppress(BrokenPipeError):
+                    process.stdin.write(json.dumps(request).encode() + b"\n")
+                    process.stdin.flush()
+                reply = json.loads(process.stdout.readline() or '{"error": {"code": "the server", "message": "is gone"}}')
+                if "error" in reply:
+                    return f"{reply['error']['code']} {reply['error']['message']}"
+                return ("! " if reply["result"].get("isError") else "") + reply["result"]["content"][0]["text"]
+
+            yield ask
+            with contextlib.suppress(BrokenPipeError):
+                process.stdin.close()
+            self.check(process.wait(60) == 0, "the server's end")
 
     # ---- Files that are none ----
 

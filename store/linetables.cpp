@@ -58,17 +58,21 @@ bool ObjectDataBase::addNode(quint8 line, const NODE_DATA_T &data)
         return false;
     const Transaction transaction(*this);
     const QString number = QString::number(line);
+    QString statement;
     if (selectsRow(u"select * from Nodes where nodeId = %1"_s.arg(number))) {
         // Five columns belong to whoever set them last by name.
-        run("addNode", u"update Nodes set %1 where nodeId = %2"_s.arg(
-                           RecordColumns::assignments(nodeColumns, data, {},
-                                                      {"isbootupmanager"_L1, "isconfigmanager"_L1,
-                                                       "excludepdolinking"_L1, "multilinedata"_L1, "lssslave"_L1}),
-                           number));
+        statement = u"update Nodes set %1 where nodeId = %2"_s.arg(
+            RecordColumns::assignments(nodeColumns, data, {},
+                                       {"isbootupmanager"_L1, "isconfigmanager"_L1, "excludepdolinking"_L1,
+                                        "multilinedata"_L1, "lssslave"_L1}),
+            number);
     } else {
-        run("addNode", u"insert into Nodes (nodeId, %1) values(%2, %3)"_s.arg(
-                           RecordColumns::names(nodeColumns), number, RecordColumns::values(nodeColumns, data, {})));
+        statement = u"insert into Nodes (nodeId, %1) values(%2, %3)"_s.arg(
+            RecordColumns::names(nodeColumns), number, RecordColumns::values(nodeColumns, data, {}));
     }
+    // Without its row the line does not exist, and nothing of the others is to change.
+    if (!run("addNode", statement))
+        return false;
     for (const LineTable family : {LineTable::Objects, LineTable::SubObjects, LineTable::PGNs, LineTable::SPNs,
                                    LineTable::CANIDs, LineTable::DataElements}) {
         const QByteArray operation = "create table " + ProjectSchema::tableName(family, line).toLatin1();

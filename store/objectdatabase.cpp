@@ -11,7 +11,6 @@
 #include <QRandomGenerator>
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QStandardPaths>
 #include <QThread>
 
 #include <cstdlib>
@@ -91,39 +90,28 @@ void ObjectDataBase::closeDatabase()
     database_.close();
 }
 
-/// Makes a new file of a name of its own, filled from `source` unless that is empty. The exclusive creation is what
-/// keeps two runs apart, whatever names they draw.
+/// Makes a new working copy, filled from `source` unless that is empty.
 QString ObjectDataBase::makeWorkingCopy(const QString &source)
 {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
-    QDir().mkpath(folder);
-    constexpr int attempts = 10000;
-    for (int attempt = 0; attempt < attempts; ++attempt) {
-        QString path =
-            u"%1/qvxdatatemp_%2_%3"_s.arg(folder, QString::number(std::rand()), QString::number(std::rand()));
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
-            if (file.exists())
-                continue;
-            qDebug() << "working copy" << path << file.errorString();
-            return {};
-        }
-        workingCopies_.append(path);
-        WorkingCopies::add(path);
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser);
-        if (!source.isEmpty() && !fill(file, source))
-            file.resize(0);
-        return path;
-    }
-    return {};
+    QFile file;
+    if (!WorkingCopies::create(file))
+        return {};
+    workingCopies_.append(file.fileName());
+    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser);
+    if (source.isEmpty() || fill(file, source))
+        return file.fileName();
+    // What is no database leaves an empty one; a copy that the disk does not take is none.
+    const bool isNoCopy = file.error() != QFile::NoError;
+    file.resize(0);
+    return isNoCopy ? QString() : file.fileName();
 }
 
 bool ObjectDataBase::connectTo(const QString &workingCopy)
 {
     closeDatabase();
     forgetCaches();
-    damaged_ = false;
-    if (workingCopy.isEmpty())
+    damaged_ = workingCopy.isEmpty();
+    if (damaged_)
         return false;
     database_.setDatabaseName(QDir::toNativeSeparators(workingCopy));
     if (database_.open())

@@ -82,6 +82,9 @@ public:
     void closeDatabase();
     /// True from a successful create or open on.
     bool isOpen() const { return database_.isOpen(); }
+    /// True if there was no place for a working copy, or a statement has failed in a way that leaves it half changed, as
+    /// on a full disk: what is read from it is not to be trusted, and a save refuses it.
+    bool isDamaged() const { return damaged_; }
     /// Why the last open or save failed; empty where there is nothing to tell the user.
     QString lastError() const { return lastError_; }
     /// The user's file, as last opened or saved.

@@ -5,23 +5,25 @@
 #include <QMutexLocker>
 #include <QThread>
 
+#include <utility>
+
 void StoreGate::close()
 {
-    {
-        const QMutexLocker locker(&mutex_);
-        if (!allowed_.contains(QThread::currentThreadId()))
-            allowed_.append(QThread::currentThreadId());
-    }
+    const QMutexLocker locker(&mutex_);
+    ended_.removeOne(QThread::currentThreadId());
+    if (!holders_.contains(QThread::currentThreadId()))
+        holders_.append(QThread::currentThreadId());
     closed_ = true;
 }
 
 void StoreGate::open()
 {
-    {
-        const QMutexLocker locker(&mutex_);
-        allowed_.removeAll(QThread::currentThreadId());
-    }
-    closed_ = false;
+    const QMutexLocker locker(&mutex_);
+    if (ended_.removeOne(QThread::currentThreadId()))
+        return;
+    if (!holders_.removeOne(QThread::currentThreadId()))
+        ended_.append(std::exchange(holders_, {}));
+    closed_ = !holders_.isEmpty();
 }
 
 void StoreGate::waitUntilIdle(int milliseconds) const
@@ -36,7 +38,7 @@ bool StoreGate::mayPass() const
     if (!closed_)
         return true;
     const QMutexLocker locker(&mutex_);
-    return allowed_.contains(QThread::currentThreadId());
+    return holders_.contains(QThread::currentThreadId());
 }
 
 StoreGate::Passage::Passage(StoreGate &gate)

@@ -206,7 +206,9 @@ QString XDDGenerator::nameOf(ObjectDataBase &store, const QString &baseName, qui
 
 QString XDDGenerator::fileName() const
 {
-    return nameOf(*database(), baseName(), line(), isMultiLine()) + u".xdd"_s;
+    const QString name = database() ? nameOf(*database(), baseName(), line(), isMultiLine())
+                                    : documentName(baseName(), line(), isMultiLine());
+    return name + u".xdd"_s;
 }
 
 void XDDGenerator::write(QTextStream &stream)

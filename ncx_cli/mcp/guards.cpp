@@ -44,10 +44,18 @@ std::optional<Reply> Guards::keysAreGiven(const ToolCall &call)
         names.isEmpty() ? last : u"%1 and/or %2"_s.arg(names.join(", "_L1), last)));
 }
 
+std::optional<Reply> Guards::storeIsWhole(const ToolCall &call)
+{
+    if (!call.store().isDamaged())
+        return {};
+    return Reply::refusal(
+        u"The working copy of the project is damaged (is the disk full?) - call open_project again."_s);
+}
+
 std::optional<Reply> Guards::storeIsReachable(const ToolCall &call)
 {
     if (call.store().isOpen())
-        return {};
+        return storeIsWhole(call);
     return Reply::refusal(u"Internal error: no database available."_s);
 }
 

@@ -9,6 +9,9 @@ namespace Guards {
 std::optional<Reply> projectIsOpen(const ToolCall &call);
 /// All required arguments are there. The schema has seen to that for calls over the wire.
 std::optional<Reply> keysAreGiven(const ToolCall &call);
+/// No write has failed halfway: what such a store still says of the project is not the project.
+std::optional<Reply> storeIsWhole(const ToolCall &call);
+/// The store is there and whole.
 std::optional<Reply> storeIsReachable(const ToolCall &call);
 
 std::optional<Reply> lineExists(const ToolCall &call);

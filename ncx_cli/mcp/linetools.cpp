@@ -119,7 +119,12 @@ constexpr Tool readers[] = {
      {},
      {projectIsOpen, storeIsReachable},
      listLines},
-    {"get_line"_L1, "Get details of a single line"_L1, {Arguments::line}, {}, {projectIsOpen, keysAreGiven}, getLine},
+    {"get_line"_L1,
+     "Get details of a single line"_L1,
+     {Arguments::line},
+     {},
+     {projectIsOpen, keysAreGiven, storeIsWhole},
+     getLine},
 };
 
 constexpr Tool editors[] = {

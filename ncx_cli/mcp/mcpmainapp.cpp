@@ -6,6 +6,7 @@
 #include "ncx_cli/mcp/toolcatalogue.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QJsonDocument>
 
 #include <cstdio>
@@ -65,8 +66,9 @@ void MCPMainApp::start()
         QCoreApplication::exit(1);
         return;
     }
+    // The current folder may be another one later: an open or a command behind a generation changes it.
     if (const QString path = valueOf(arguments_, "-codbpath"_L1); !path.isEmpty())
-        session_.setProfilePath(path);
+        session_.setProfilePath(QDir(path).absolutePath());
     reader_ = std::make_unique<MCPStdinReader>();
     session_.setReadingEnabled = [this](bool enabled) { reader_->setReadingEnabled(enabled); };
     connect(reader_.get(), &MCPStdinReader::lineReceived, this, &MCPMainApp::onLineReceived);

@@ -61,12 +61,17 @@ std::shared_ptr<ObjectDataBase> load(const ToolCall &call, std::optional<Reply> 
 
 Reply listProfileIndices(const ToolCall &call)
 {
-    // A wrong id is told before the throttle, so that it does not use up the one call a minute.
-    if (auto refusal = throttled(call.session().profileIndexListing()))
+    // What cannot be listed does not use up the one call a minute: a wrong id, which a guard has told, or a full disk.
+    AccessThrottle &throttle = call.session().profileIndexListing();
+    const AccessThrottle before = throttle;
+    if (auto refusal = throttled(throttle))
         return *refusal;
     std::optional<Reply> refusal;
     const auto store = load(call, refusal);
-    return refusal ? *refusal : Reply::json(DictionaryJson::summaries(*store, 0));
+    if (!refusal)
+        return Reply::json(DictionaryJson::summaries(*store, 0));
+    throttle = before;
+    return *refusal;
 }
 
 Reply getProfileIndex(const ToolCall &call)

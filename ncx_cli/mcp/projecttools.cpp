@@ -3,6 +3,9 @@
 #include "ncx_cli/mcp/guards.h"
 #include "ncx_cli/mcp/projectsession.h"
 #include "ncx_cli/mcp/toolfamilies.h"
+#include "store/objectdatabase.h"
+
+#include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 using namespace Guards;
@@ -37,8 +40,10 @@ Reply openProject(const ToolCall &call)
     const QString file = call.text(path.name);
     call.session().setProjectOpen(false);
     bool opened = false;
-    const QString messages = captured(call, [&](GeneratorMainHandler &handler) { opened = handler.openProject(file); });
+    QString messages = captured(call, [&](GeneratorMainHandler &handler) { opened = handler.openProject(file); });
     call.session().setProjectOpen(opened);
+    if (!opened && QFileInfo::exists(file) && call.store().isDamaged())
+        messages += u"The working copy of the project cannot be written (is the disk full?)."_s;
     const QString outcome = opened ? u"Project opened: %1\n%2"_s : u"Failed to open project: %1\n%2"_s;
     return Reply::text(outcome.arg(file, messages), !opened);
 }
@@ -49,6 +54,8 @@ Reply importFile(const ToolCall &call)
     bool imported = false;
     const QString messages =
         captured(call, [&](GeneratorMainHandler &handler) { imported = handler.importFile(file); });
+    if (auto refusal = storeIsWhole(call))
+        return *refusal;
     const QString outcome = imported ? u"Import successful: %1\n%2"_s : u"Import failed: %1\n%2"_s;
     return Reply::text(outcome.arg(file, messages), !imported);
 }
@@ -68,6 +75,8 @@ void generateInto(const ToolCall &call, GeneratorMainHandler &handler)
 Reply generate(const ToolCall &call)
 {
     const QString messages = captured(call, [&](GeneratorMainHandler &handler) { generateInto(call, handler); });
+    if (auto refusal = storeIsWhole(call))
+        return *refusal;
     const bool failed = call.session().generatorResult() != GeneratorMainHandler::GenerationDone;
     return Reply::text((failed ? u"Generation failed.\n"_s : u"Generation completed.\n"_s) + messages, failed);
 }
@@ -96,21 +105,21 @@ constexpr Tool tools[] = {
      "ncx_cli/MCP_PLAN.md Phase 6)."_L1,
      {path},
      {},
-     {projectIsOpen, keysAreGiven, pathIsGiven},
+     {projectIsOpen, keysAreGiven, pathIsGiven, storeIsWhole},
      importFile},
     {"generate"_L1,
      "Run the generator pipeline on the currently open project - always generates every output applicable to the "
      "project's line type(s), there is no per-format selection."_L1,
      {},
      {disableCheck, outputPath},
-     {projectIsOpen},
+     {projectIsOpen, storeIsWhole},
      generate},
     {"save_project"_L1, "Save the currently open project to disk"_L1, {}, {}, {projectIsOpen}, saveProject},
     {"check_model"_L1,
      "Run the model consistency check on the currently open project, without generating output"_L1,
      {},
      {},
-     {projectIsOpen},
+     {projectIsOpen, storeIsWhole},
      checkModel},
 };
 

@@ -16,6 +16,7 @@ public:
     {
         MethodNotFound = -32601, ///< of an unknown tool, too
         InvalidParams = -32602,
+        InternalError = -32603,
         AccessThrottled = -32000,
         NoProfilePath = -32002
     };

@@ -53,9 +53,12 @@ Reply Resources::read(ProjectSession &session, const QString &uri)
     const QString place = uri.sliced(scheme.size());
     const qsizetype slash = place.indexOf(u'/');
     const QString id = slash < 0 ? place : place.first(slash);
-    const auto store = session.profiles().load(id);
-    if (!store)
+    ProfileDatabases &profiles = session.profiles();
+    const auto store = profiles.load(id);
+    if (!store && profiles.filePath(id).isEmpty())
         return Reply::invalidParams(u"Unknown codb resource: %1"_s.arg(uri));
+    if (!store)
+        return Reply::error(Reply::InternalError, profiles.lastError());
     if (slash < 0)
         return contents(uri, QJsonDocument(DictionaryJson::summaries(*store, 0)));
     const QString indexText = place.sliced(slash + 1);

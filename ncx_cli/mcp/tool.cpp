@@ -1,24 +1,42 @@
 #include "ncx_cli/mcp/tool.h"
 
+#include "ncx_cli/mcp/guards.h"
 #include "ncx_cli/mcp/projectsession.h"
+#include "store/objectdatabase.h"
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+QString storable(QString text)
+{
+    if (!text.isValidUtf16())
+        text = QString::fromUtf8(text.toUtf8());
+    return text.replace(QChar::Null, QChar::ReplacementCharacter);
+}
+
+} // namespace
 
 ObjectDataBase &ToolCall::store() const
 {
     return session_.store();
 }
 
+QJsonValue ToolCall::value(QLatin1StringView name) const
+{
+    const QJsonValue value = arguments_.value(name);
+    return value.isString() ? storable(value.toString()) : value;
+}
+
 QString ToolCall::text(QLatin1StringView name, const QString &fallback) const
 {
-    QString text = arguments_.value(name).toString(fallback);
-    if (!text.isValidUtf16())
-        text = QString::fromUtf8(text.toUtf8());
-    return text.replace(QChar::Null, QChar::ReplacementCharacter);
+    return value(name).toString(fallback);
 }
 
 Reply ToolCall::edited(const QString &sentence, bool isError) const
 {
+    if (const auto refusal = Guards::storeIsWhole(*this))
+        return *refusal;
     return Reply::text(sentence + u"\n\n"_s + session_.checkSummary(), isError);
 }
 

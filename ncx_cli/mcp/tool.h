@@ -27,15 +27,16 @@ public:
     const Tool &tool() const { return tool_; }
 
     bool has(QLatin1StringView name) const { return arguments_.contains(name); }
-    QJsonValue value(QLatin1StringView name) const { return arguments_.value(name); }
+    /// An argument as it is, a text but for what no project can hold: a null character or half a surrogate pair is
+    /// replaced by a character that tells so.
+    QJsonValue value(QLatin1StringView name) const;
     /// An integer argument, 0 where it is absent. Written as 7.0 it is 7.
     template <typename Integer>
     Integer number(QLatin1StringView name) const
     {
         return static_cast<Integer>(arguments_.value(name).toInteger());
     }
-    /// A text argument, the fallback where it is absent. What no project can hold, a null character or half a surrogate
-    /// pair, is replaced by a character that tells so.
+    /// A text argument, the fallback where it is absent.
     QString text(QLatin1StringView name, const QString &fallback = {}) const;
     /// A boolean argument, false where it is absent.
     bool flag(QLatin1StringView name) const { return arguments_.value(name).toBool(); }
@@ -45,7 +46,8 @@ public:
     quint16 index() const { return number<quint16>(QLatin1StringView("index")); }
     quint8 sub() const { return number<quint8>(QLatin1StringView("sub")); }
 
-    /// The reply of a tool that has changed the project: its sentence, a blank line and what a fresh model check says.
+    /// The reply of a tool that has changed the project: its sentence, a blank line and what a fresh model check says;
+    /// a failure if the store was damaged by the change.
     Reply edited(const QString &sentence, bool isError = false) const;
 
 private:

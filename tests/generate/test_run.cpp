@@ -90,6 +90,33 @@ protected:
 const QStringList checkPassed{u"\nCheck of model consistency started"_s, u"\nCheck of model consistency finished.\n"_s};
 const QStringList endOfRun{u"Generation finished."_s, u"Generation completed."_s};
 
+TEST_F(Run, FailsTheJobsOfAProjectWithoutLines)
+{
+    ProjectBuilder project;
+    open(project);
+    const auto store = handler_.database();
+    ASSERT_TRUE(store->removeNode(0));
+    const RunRow rows[] = {{.applies = always, .make = make<'a'>, .started = "A %2 in %1"}};
+    handler_.setRunTable(rows);
+    EXPECT_EQ(generate().sliced(2),
+              QStringList({u"A a.txt in DIR"_s, u"<b>ERROR - Generation of a.txt failed. The project has no line.</b>"_s}) +
+                  endOfRun);
+    EXPECT_EQ(results_, QList<int>{GeneratorMainHandler::GenerationDone});
+    EXPECT_FALSE(exists(u"a.txt"_s));
+
+    for (const RunRow &row : runTable()) {
+        if (!row.make)
+            continue;
+        const auto generator = row.make(RunContext::ofProject(store), 0);
+        EXPECT_EQ(generator->setDatabase(store), AbstractGenerator::NoStore);
+        generator->setOutputFolder(folder_.path());
+        EXPECT_TRUE(generator->checkWritable());
+        EXPECT_EQ(generator->startJob(), AbstractGenerator::Success);
+        generator->waitForJob();
+        EXPECT_EQ(generator->errorCode(), AbstractGenerator::StoreError) << row.started;
+    }
+}
+
 TEST_F(Run, WalksRowsInOrderAndGroupsLineByLine)
 {
     ProjectBuilder project;
