@@ -108,8 +108,6 @@ void PostGenProcessor::proceedGenerationSlot()
     }
 }
 
-// ---- The command ---------------------------------------------------------------------------------------------------
-
 PostGenProcessor::Command PostGenProcessor::configuredCommand() const
 {
     if (isOn(database_->getMiscSetting(u"postGenEnabled"_s)))
@@ -251,8 +249,6 @@ void PostGenProcessor::releaseProcess()
     released->push_back(std::move(process_));
 }
 
-// ---- The EDS checker -----------------------------------------------------------------------------------------------
-
 void PostGenProcessor::startEdsCheck()
 {
     edsLines_.clear();
@@ -291,8 +287,6 @@ void PostGenProcessor::edsCheckerFinished()
     say(u"EDS Checker finished.\n"_s);
     checkNextEdsFile();
 }
-
-// ---- The rest ------------------------------------------------------------------------------------------------------
 
 void PostGenProcessor::convertLineEndings() const
 {

@@ -35,8 +35,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// ---- When a row takes part
-
 bool always(const RunContext & /*run*/)
 {
     return true;
@@ -119,8 +117,6 @@ bool wantsCppCopies(const RunContext &run)
 {
     return hasIndications(run) && run.isOn(u"generate_cpp_output"_s);
 }
-
-// ---- Generators
 
 template <class Generator>
 std::unique_ptr<FileGenerator> makeGenerator(const RunContext & /*run*/, quint8 /*line*/)
@@ -209,8 +205,6 @@ std::unique_ptr<FileGenerator> makeSrdo(const RunContext &run, quint8 /*line*/)
     return generator;
 }
 
-// ---- Names in messages
-
 /// For messages that have a file's extension of their own.
 QString nameOfLine(const RunContext &run, quint8 line)
 {
@@ -221,8 +215,6 @@ QString nameOfXdd(const RunContext &run, quint8 line)
 {
     return XDDGenerator::nameOf(*run.store, run.baseName, line, run.multiLine);
 }
-
-// ---- Steps
 
 RunFlow writeVirtualDictionary(GenerationRun &run, quint8 line)
 {
@@ -290,8 +282,6 @@ RunFlow copyToCpp(GenerationRun &run, quint8 /*line*/)
     writeCppCopies(run.context().outputFolder);
     return RunFlow::Continue;
 }
-
-// ---- The rows
 
 constexpr auto fileNotWritable = "The file %2 in %1 is not writable";
 

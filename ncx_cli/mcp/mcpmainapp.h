@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ncx_cli/mcp/projectsession.h"
-#include "ncx_cli/mcp/reply.h"
+#include "ncx_cli/mcp/call/reply.h"
+#include "ncx_cli/mcp/session/projectsession.h"
 
 #include <QQueue>
 #include <QStringList>

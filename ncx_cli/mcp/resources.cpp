@@ -1,7 +1,7 @@
 #include "ncx_cli/mcp/resources.h"
 
-#include "ncx_cli/mcp/dictionaryjson.h"
-#include "ncx_cli/mcp/projectsession.h"
+#include "ncx_cli/mcp/session/projectsession.h"
+#include "ncx_cli/mcp/tools/dictionaryjson.h"
 
 #include <QJsonDocument>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ncx_cli/mcp/reply.h"
+#include "ncx_cli/mcp/call/reply.h"
 
 class ProjectSession;
 

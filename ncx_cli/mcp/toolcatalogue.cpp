@@ -1,6 +1,6 @@
 #include "ncx_cli/mcp/toolcatalogue.h"
 
-#include "ncx_cli/mcp/toolfamilies.h"
+#include "ncx_cli/mcp/tools/toolfamilies.h"
 
 namespace {
 

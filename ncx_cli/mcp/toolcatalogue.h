@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ncx_cli/mcp/tool.h"
+#include "ncx_cli/mcp/call/tool.h"
 
 #include <QHash>
 

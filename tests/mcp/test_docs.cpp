@@ -1,5 +1,5 @@
-#include "ncx_cli/mcp/settingscatalogue.h"
-#include "ncx_cli/mcp/toolfamilies.h"
+#include "ncx_cli/mcp/tools/settingscatalogue.h"
+#include "ncx_cli/mcp/tools/toolfamilies.h"
 #include "support/testhome.h"
 
 #include <gtest/gtest.h>

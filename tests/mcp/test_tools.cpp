@@ -1,6 +1,6 @@
 #include "check/modelchecker.h"
-#include "ncx_cli/mcp/projectsession.h"
 #include "ncx_cli/mcp/resources.h"
+#include "ncx_cli/mcp/session/projectsession.h"
 #include "ncx_cli/mcp/toolcatalogue.h"
 #include "support/mcpdriver.h"
 #include "support/projectbuilder.h"

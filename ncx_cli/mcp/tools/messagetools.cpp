@@ -1,4 +1,4 @@
-#include "ncx_cli/mcp/messagetools.h"
+#include "ncx_cli/mcp/tools/messagetools.h"
 
 #include "store/objectdatabase.h"
 

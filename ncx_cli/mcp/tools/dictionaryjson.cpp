@@ -1,4 +1,4 @@
-#include "ncx_cli/mcp/dictionaryjson.h"
+#include "ncx_cli/mcp/tools/dictionaryjson.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,8 +1,6 @@
-#include "ncx_cli/mcp/tool.h"
+#include "ncx_cli/mcp/call/tool.h"
 
-#include "ncx_cli/mcp/guards.h"
-#include "ncx_cli/mcp/projectsession.h"
-#include "store/objectdatabase.h"
+#include "ncx_cli/mcp/session/projectsession.h"
 
 using namespace Qt::StringLiterals;
 
@@ -35,8 +33,8 @@ QString ToolCall::text(QLatin1StringView name, const QString &fallback) const
 
 Reply ToolCall::edited(const QString &sentence, bool isError) const
 {
-    if (const auto refusal = Guards::storeIsWhole(*this))
-        return *refusal;
+    if (const QString damage = session_.damage(); !damage.isEmpty())
+        return Reply::refusal(damage);
     return Reply::text(sentence + u"\n\n"_s + session_.checkSummary(), isError);
 }
 

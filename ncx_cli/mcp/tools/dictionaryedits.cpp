@@ -1,10 +1,10 @@
 // Tools that edit the object dictionary of a CANopen line.
 
-#include "ncx_cli/mcp/arguments.h"
-#include "ncx_cli/mcp/dictionaryguards.h"
-#include "ncx_cli/mcp/dictionaryjson.h"
-#include "ncx_cli/mcp/guards.h"
-#include "ncx_cli/mcp/toolfamilies.h"
+#include "ncx_cli/mcp/tools/arguments.h"
+#include "ncx_cli/mcp/tools/dictionaryguards.h"
+#include "ncx_cli/mcp/tools/dictionaryjson.h"
+#include "ncx_cli/mcp/tools/guards.h"
+#include "ncx_cli/mcp/tools/toolfamilies.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
 

@@ -1,9 +1,9 @@
 // The CAN-IDs and data elements of raw CAN lines.
 
-#include "ncx_cli/mcp/guards.h"
-#include "ncx_cli/mcp/messagetools.h"
-#include "ncx_cli/mcp/projectsession.h"
-#include "ncx_cli/mcp/toolfamilies.h"
+#include "ncx_cli/mcp/session/projectsession.h"
+#include "ncx_cli/mcp/tools/guards.h"
+#include "ncx_cli/mcp/tools/messagetools.h"
+#include "ncx_cli/mcp/tools/toolfamilies.h"
 #include "store/objectdatabase.h"
 
 #include <limits>

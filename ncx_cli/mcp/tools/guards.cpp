@@ -1,7 +1,7 @@
-#include "ncx_cli/mcp/guards.h"
+#include "ncx_cli/mcp/tools/guards.h"
 
 #include "generate/runcontext.h"
-#include "ncx_cli/mcp/projectsession.h"
+#include "ncx_cli/mcp/session/projectsession.h"
 #include "store/objectdatabase.h"
 
 #include <QCoreApplication>
@@ -46,10 +46,8 @@ std::optional<Reply> Guards::keysAreGiven(const ToolCall &call)
 
 std::optional<Reply> Guards::storeIsWhole(const ToolCall &call)
 {
-    if (!call.store().isDamaged())
-        return {};
-    return Reply::refusal(
-        u"The working copy of the project is damaged (is the disk full?) - call open_project again."_s);
+    const QString damage = call.session().damage();
+    return damage.isEmpty() ? std::nullopt : std::optional(Reply::refusal(damage));
 }
 
 std::optional<Reply> Guards::storeIsReachable(const ToolCall &call)

@@ -1,4 +1,4 @@
-#include "ncx_cli/mcp/settingvalue.h"
+#include "ncx_cli/mcp/tools/settingvalue.h"
 
 #include <QRegularExpression>
 #include <QVariant>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ncx_cli/mcp/tool.h"
+#include "ncx_cli/mcp/call/tool.h"
 
 /// The tests that tools share. Each is named after what must hold, and answers in its own words where it does not.
 namespace Guards {

@@ -1,10 +1,10 @@
 // The CAN lines of the project.
 
 #include "generate/runcontext.h"
-#include "ncx_cli/mcp/arguments.h"
-#include "ncx_cli/mcp/guards.h"
-#include "ncx_cli/mcp/projectsession.h"
-#include "ncx_cli/mcp/toolfamilies.h"
+#include "ncx_cli/mcp/session/projectsession.h"
+#include "ncx_cli/mcp/tools/arguments.h"
+#include "ncx_cli/mcp/tools/guards.h"
+#include "ncx_cli/mcp/tools/toolfamilies.h"
 #include "store/objectdatabase.h"
 
 #include <QCoreApplication>

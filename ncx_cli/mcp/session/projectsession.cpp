@@ -1,4 +1,4 @@
-#include "ncx_cli/mcp/projectsession.h"
+#include "ncx_cli/mcp/session/projectsession.h"
 
 #include "store/objectdatabase.h"
 
@@ -16,6 +16,13 @@ void ProjectSession::setProfilePath(const QString &path)
 {
     profilePath_ = path;
     profiles_ = std::make_unique<ProfileDatabases>(path);
+}
+
+QString ProjectSession::damage() const
+{
+    if (!store().isDamaged())
+        return {};
+    return u"The working copy of the project is damaged (is the disk full?) - call open_project again."_s;
 }
 
 QString ProjectSession::checkSummary()

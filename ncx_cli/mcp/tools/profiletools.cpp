@@ -1,10 +1,10 @@
 // The reference profiles: looking objects up, and copying them into a line of the project.
 
-#include "ncx_cli/mcp/arguments.h"
-#include "ncx_cli/mcp/dictionaryjson.h"
-#include "ncx_cli/mcp/guards.h"
-#include "ncx_cli/mcp/projectsession.h"
-#include "ncx_cli/mcp/toolfamilies.h"
+#include "ncx_cli/mcp/session/projectsession.h"
+#include "ncx_cli/mcp/tools/arguments.h"
+#include "ncx_cli/mcp/tools/dictionaryjson.h"
+#include "ncx_cli/mcp/tools/guards.h"
+#include "ncx_cli/mcp/tools/toolfamilies.h"
 #include "store/objectdatabase.h"
 
 #include <chrono>

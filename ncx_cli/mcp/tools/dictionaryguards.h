@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ncx_cli/mcp/tool.h"
+#include "ncx_cli/mcp/call/tool.h"
 
 /// Tests and refusals about the object that `line`, `index` and `sub` of a call address.
 namespace DictionaryGuards {

@@ -2,8 +2,8 @@
 
 #include "generate/generatormainhandler.h"
 #include "import/profiledatabases.h"
-#include "ncx_cli/mcp/accessthrottle.h"
-#include "ncx_cli/mcp/mcpoutputhandler.h"
+#include "ncx_cli/mcp/session/accessthrottle.h"
+#include "ncx_cli/mcp/session/mcpoutputhandler.h"
 
 #include <functional>
 
@@ -23,6 +23,9 @@ public:
     /// Set by `open_project` alone. A failed open leaves none open, also where one was before.
     bool isProjectOpen() const { return projectOpen_; }
     void setProjectOpen(bool open) { projectOpen_ = open; }
+    /// Why nothing that the store says of the project is to be trusted any more: a write has failed halfway. Empty as
+    /// long as the store is whole.
+    QString damage() const;
     /// The result of the last generation.
     GeneratorMainHandler::GeneratorResult generatorResult() const { return generatorResult_; }
 

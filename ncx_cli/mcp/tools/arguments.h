@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ncx_cli/mcp/property.h"
+#include "ncx_cli/mcp/call/property.h"
 
 /// The arguments that tools of several families share; a shared one reads the same in all of them. An argument of one
 /// family alone stands beside that family's tools.

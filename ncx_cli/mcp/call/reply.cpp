@@ -1,4 +1,4 @@
-#include "ncx_cli/mcp/reply.h"
+#include "ncx_cli/mcp/call/reply.h"
 
 #include <QJsonDocument>
 

@@ -1,12 +1,12 @@
 // The settings of the project, as far as the catalogue knows them.
 
 #include "generate/runcontext.h"
-#include "ncx_cli/mcp/arguments.h"
-#include "ncx_cli/mcp/guards.h"
-#include "ncx_cli/mcp/projectsession.h"
-#include "ncx_cli/mcp/settingscatalogue.h"
-#include "ncx_cli/mcp/settingvalue.h"
-#include "ncx_cli/mcp/toolfamilies.h"
+#include "ncx_cli/mcp/session/projectsession.h"
+#include "ncx_cli/mcp/tools/arguments.h"
+#include "ncx_cli/mcp/tools/guards.h"
+#include "ncx_cli/mcp/tools/settingscatalogue.h"
+#include "ncx_cli/mcp/tools/settingvalue.h"
+#include "ncx_cli/mcp/tools/toolfamilies.h"
 #include "store/objectdatabase.h"
 
 #include <QCoreApplication>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ncx_cli/mcp/property.h"
-#include "ncx_cli/mcp/reply.h"
+#include "ncx_cli/mcp/call/property.h"
+#include "ncx_cli/mcp/call/reply.h"
 
 #include <initializer_list>
 #include <optional>

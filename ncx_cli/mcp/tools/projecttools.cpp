@@ -1,8 +1,8 @@
 // The project as a whole: open, import, generate, save, check.
 
-#include "ncx_cli/mcp/guards.h"
-#include "ncx_cli/mcp/projectsession.h"
-#include "ncx_cli/mcp/toolfamilies.h"
+#include "ncx_cli/mcp/session/projectsession.h"
+#include "ncx_cli/mcp/tools/guards.h"
+#include "ncx_cli/mcp/tools/toolfamilies.h"
 #include "store/objectdatabase.h"
 
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ncx_cli/mcp/settingscatalogue.h"
+#include "ncx_cli/mcp/tools/settingscatalogue.h"
 
 #include <QJsonValue>
 

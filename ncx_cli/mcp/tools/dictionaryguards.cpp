@@ -1,6 +1,6 @@
-#include "ncx_cli/mcp/dictionaryguards.h"
+#include "ncx_cli/mcp/tools/dictionaryguards.h"
 
-#include "ncx_cli/mcp/dictionaryjson.h"
+#include "ncx_cli/mcp/tools/dictionaryjson.h"
 
 using namespace Qt::StringLiterals;
 

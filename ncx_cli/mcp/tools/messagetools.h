@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ncx_cli/mcp/arguments.h"
-#include "ncx_cli/mcp/tool.h"
+#include "ncx_cli/mcp/call/tool.h"
+#include "ncx_cli/mcp/tools/arguments.h"
 #include "store/storerecords.h"
 
 #include <QHash>

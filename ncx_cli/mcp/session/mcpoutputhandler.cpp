@@ -1,4 +1,4 @@
-#include "ncx_cli/mcp/mcpoutputhandler.h"
+#include "ncx_cli/mcp/session/mcpoutputhandler.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "ncx_cli/mcp/property.h"
+#include "ncx_cli/mcp/call/property.h"
 
 #include <QJsonArray>
 #include <QMap>
