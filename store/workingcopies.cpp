@@ -2,15 +2,18 @@
 
 #include <QDebug>
 #include <QDir>
+#include <QMap>
+#include <QMutex>
+#include <QRegularExpression>
 #include <QStandardPaths>
 
 #include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <optional>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -21,7 +24,6 @@ namespace {
 struct Copy
 {
     QByteArray path;
-    int holder; ///< a descriptor of the file that keeps its lock
     std::atomic<bool> exists = true;
     Copy *next = nullptr;
 };
@@ -38,40 +40,67 @@ void removeAndEnd(int signal)
     raise(signal);
 }
 
-void list(const QString &path, int holder)
+void list(const QString &path)
 {
-    auto *copy = new Copy{.path = QFile::encodeName(path), .holder = holder, .next = first};
+    auto *copy = new Copy{.path = QFile::encodeName(path), .next = first};
     while (!first.compare_exchange_weak(copy->next, copy)) {
     }
 }
 
-/// Locks the first `bytes` of a file, or all of it with 0, for the open file and not for the process: the database
-/// locks by process, and a process loses such locks when it closes the file anywhere.
-bool lock(int file, off_t bytes, bool wait)
+/// Opens the file of a folder in which each working copy has a byte of its own, locked as long as a process holds the
+/// copy; -1 if there can be none.
+int openLocks(const QString &folder)
+{
+    const QByteArray path = QFile::encodeName(QDir(folder).filePath(u".qvxdatalock"_s));
+    return open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
+}
+
+/// The descriptor that holds this process's locks. It stays open: the system takes the locks back when the process
+/// ends, however that comes.
+int ownLocks(const QString &folder)
+{
+    static QMutex mutex;
+    static QMap<QString, int> files;
+    const QMutexLocker locker(&mutex);
+    if (!files.contains(folder)) {
+        const int file = openLocks(folder);
+        if (file < 0)
+            return file;
+        files.insert(folder, file);
+    }
+    return files.value(folder);
+}
+
+/// The byte that stands for a working copy: the two numbers of its name side by side. Nothing for another name.
+std::optional<off_t> byteOf(const QString &name)
+{
+    static const QRegularExpression form(u"\\Aqvxdatatemp_(\\d{1,10})_(\\d{1,10})\\z"_s);
+    const QRegularExpressionMatch match = form.match(name);
+    const qint64 high = match.captured(1).toLongLong();
+    const qint64 low = match.captured(2).toLongLong();
+    if (!match.hasMatch() || high > RAND_MAX || low > RAND_MAX)
+        return {};
+    return off_t{high * (qint64{RAND_MAX} + 1) + low};
+}
+
+enum class Lock
+{
+    Done,
+    HeldByAnother,
+    Impossible
+};
+
+/// Takes or gives back the lock of a byte for a descriptor, not for the process as a whole.
+Lock setLock(int file, off_t byte, short type)
 {
     struct flock range = {};
-    range.l_type = F_WRLCK;
+    range.l_type = type;
     range.l_whence = SEEK_SET;
-    range.l_len = bytes;
-    int result = 0;
-    do
-        result = fcntl(file, wait ? F_OFD_SETLKW : F_OFD_SETLK, &range);
-    while (result != 0 && errno == EINTR);
-    return result == 0;
-}
-
-/// A second descriptor of a file, which keeps it locked where the database never locks; a command that this process
-/// starts does not keep it.
-int hold(int file)
-{
-    lock(file, 1, true);
-    return fcntl(file, F_DUPFD_CLOEXEC, 0);
-}
-
-bool isThere(int file)
-{
-    struct stat status = {};
-    return fstat(file, &status) == 0 && status.st_nlink > 0;
+    range.l_start = byte;
+    range.l_len = 1;
+    if (fcntl(file, F_OFD_SETLK, &range) == 0)
+        return Lock::Done;
+    return errno == EAGAIN || errno == EACCES ? Lock::HeldByAnother : Lock::Impossible;
 }
 
 } // namespace
@@ -83,25 +112,25 @@ QString WorkingCopies::folder()
 
 bool WorkingCopies::create(QFile &file)
 {
-    QDir().mkpath(folder());
+    const QString place = folder();
+    QDir().mkpath(place);
+    const int locks = ownLocks(place);
     constexpr int attempts = 10000;
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        file.setFileName(
-            u"%1/qvxdatatemp_%2_%3"_s.arg(folder(), QString::number(std::rand()), QString::number(std::rand())));
-        // The exclusive creation is what keeps two processes apart, whatever names they draw.
-        if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
-            if (file.exists())
-                continue;
+        const QString name = u"qvxdatatemp_%1_%2"_s.arg(QString::number(std::rand()), QString::number(std::rand()));
+        file.setFileName(place + u'/' + name);
+        // Held before it is there, so that it is never taken for an abandoned one. The exclusive creation is what keeps
+        // two processes apart, whatever names they draw.
+        if (file.exists() || setLock(locks, *byteOf(name), F_WRLCK) == Lock::HeldByAnother)
+            continue;
+        if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
+            list(file.fileName());
+            return true;
+        }
+        if (!file.exists()) {
             qDebug() << "working copy" << file.fileName() << file.errorString();
             return false;
         }
-        const int holder = hold(file.handle());
-        if (isThere(file.handle())) {
-            list(file.fileName(), holder);
-            return true;
-        }
-        close(holder); // another process took it for an abandoned one before it was held
-        file.close();
     }
     return false;
 }
@@ -111,23 +140,30 @@ void WorkingCopies::remove(const QString &path)
     QFile::remove(path);
     const QByteArray name = QFile::encodeName(path);
     for (Copy *copy = first; copy; copy = copy->next) {
-        if (copy->path == name && copy->exists.exchange(false))
-            close(copy->holder);
+        if (copy->path == name)
+            copy->exists = false;
     }
+    const QFileInfo info(path);
+    if (const auto byte = byteOf(info.fileName()))
+        setLock(ownLocks(info.path()), *byte, F_UNLCK);
 }
 
 void WorkingCopies::removeAbandoned()
 {
-    for (const QString &name : QDir(folder()).entryList({u"qvxdatatemp_*"_s}, QDir::Files | QDir::NoSymLinks)) {
-        const QByteArray path = QFile::encodeName(QDir(folder()).filePath(name));
-        const int file = open(path.constData(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-        if (file < 0)
+    const QDir place(folder());
+    const QStringList names = place.entryList({u"qvxdatatemp_*"_s}, QDir::Files);
+    if (names.isEmpty())
+        return;
+    const int locks = openLocks(place.path());
+    for (const QString &name : names) {
+        const auto byte = byteOf(name);
+        if (!byte || setLock(locks, *byte, F_WRLCK) != Lock::Done)
             continue;
-        // The whole file: the locks of a database that an older version of the program works with count, too.
-        if (lock(file, 0, false))
-            unlink(path.constData());
-        close(file);
+        QFile::remove(place.filePath(name));
+        setLock(locks, *byte, F_UNLCK);
     }
+    if (locks >= 0)
+        close(locks);
 }
 
 void WorkingCopies::removeOnSignals()

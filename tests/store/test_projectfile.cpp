@@ -2,6 +2,8 @@
 
 #include "store/storetest.h"
 
+#include "store/workingcopies.h"
+
 #include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QFileInfo>
@@ -125,6 +127,18 @@ TEST_F(ProjectFile, WorkingCopiesAreTheirOwnAndGoWithTheStore)
         EXPECT_EQ(workingCopies(), before + 3);
     }
     EXPECT_EQ(workingCopies(), before);
+}
+
+TEST_F(ProjectFile, AbandonedWorkingCopiesAreRemoved)
+{
+    const int before = workingCopies();
+    for (const QString &name : {u"qvxdatatemp_5_6"_s, u"qvxdatatemp_2147483647_2147483647"_s, u"qvxdatatemp_mine"_s})
+        TestSupport::writeFile(TestSupport::dataFolder() + u'/' + name, "SQLite format 3");
+    EXPECT_EQ(workingCopies(), before + 3);
+    WorkingCopies::removeAbandoned();
+    EXPECT_EQ(workingCopies(), before + 1);
+    EXPECT_TRUE(QFile::remove(TestSupport::dataFolder() + u"/qvxdatatemp_mine"_s));
+    EXPECT_TRUE(store.saveDatabase(path(u"kept.ncxp"_s)));
 }
 
 TEST_F(ProjectFile, WhatIsNoProjectIsRefused)
