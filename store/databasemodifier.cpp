@@ -4,11 +4,13 @@
 
 #include <QDebug>
 #include <QFile>
-#include <QFileInfo>
 #include <QTextStream>
 
-#include <filesystem>
+#include <fcntl.h>
 #include <optional>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -16,13 +18,31 @@ namespace {
 
 constexpr qint64 maxFileSize = 16 << 20;
 
-/// The whole of a file or a pipe; none if it cannot be read or is too large to be meant. A device may never end.
+/// Opens a file or a pipe. A device may never end, and a pipe that nobody writes to within five seconds is none.
+bool openToRead(QFile &file, const QString &path)
+{
+    constexpr int patience = 5000; // milliseconds
+    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    struct stat status
+    {
+    };
+    pollfd ready{.fd = descriptor, .events = POLLIN, .revents = 0};
+    const bool readable = fstat(descriptor, &status) == 0 &&
+                          (S_ISREG(status.st_mode) || (S_ISFIFO(status.st_mode) && poll(&ready, 1, patience) > 0)) &&
+                          fcntl(descriptor, F_SETFL, 0) == 0 &&
+                          file.open(descriptor, QIODevice::ReadOnly, QFile::AutoCloseHandle);
+    if (!readable)
+        ::close(descriptor);
+    return readable;
+}
+
+/// The whole of a file or a pipe; none if it cannot be read or is too large to be meant.
 std::optional<QByteArray> contentOf(const QString &path)
 {
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(QFileInfo(path).filesystemFilePath(), error);
-    QFile file(path);
-    if ((!is_regular_file(status) && !is_fifo(status)) || !file.open(QIODevice::ReadOnly))
+    QFile file;
+    if (!openToRead(file, path))
         return std::nullopt;
     QByteArray content;
     // A pipe gives what it has at the moment.
