@@ -1,6 +1,5 @@
 #include "import/codbimporter.h"
 
-#include "import/recordquotes.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
@@ -282,7 +281,7 @@ void CODBImporter::addObject(quint16 index, const StoreRecords::IndexData &objec
 
 void CODBImporter::addEntry(quint16 index, quint8 subindex, const SubRecord &record)
 {
-    const StoreRecords::SubEntry entry = {line_, index, subindex, RecordQuotes::withQuotesDoubled(record)};
+    const StoreRecords::SubEntry entry = {line_, index, subindex, record};
     // Each copy line of a range that is not resolved replaces the row of the one before.
     if (!entries_.isEmpty() && entries_.last().index == index && entries_.last().subindex == subindex)
         entries_.last() = entry;
@@ -292,6 +291,6 @@ void CODBImporter::addEntry(quint16 index, quint8 subindex, const SubRecord &rec
 
 void CODBImporter::flush()
 {
-    store_->addSubIndices(entries_);
+    store_->addSubIndices(entries_, Quotes::Kept);
     entries_.clear();
 }

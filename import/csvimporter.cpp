@@ -1,6 +1,5 @@
 #include "import/csvimporter.h"
 
-#include "import/recordquotes.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
@@ -268,7 +267,7 @@ void CsvImporter::handleDataLine(const QString &line)
         state.madeSubZero.reset();
     }
     entries_.append({place->line, place->index, place->subindex,
-                     RecordQuotes::withQuotesDoubled(recordOf(*place, row, *state.object))});
+                     recordOf(*place, row, *state.object)});
 }
 
 CsvImporter::ObjectState &CsvImporter::stateOf(const Place &place)
@@ -422,7 +421,7 @@ void CsvImporter::flush()
             entries_.append({static_cast<quint8>(state.key() >> 16), static_cast<quint16>(state.key() & 0xffff), 0,
                              *state->madeSubZero});
     }
-    store_->addSubIndices(entries_);
+    store_->addSubIndices(entries_, Quotes::Kept);
     report_.objects = objects_.size();
     report_.subObjects = entries_.size();
     entries_.clear();

@@ -159,12 +159,10 @@ bool DOCTXTImporter::importSPN(const QStringList &fields)
     record.name = fields.value(SPNName);
     record.datatype = COHelper::mapDataTypeString(fields.value(DataType));
     record.implementation = record.varname.isEmpty() ? managedVariable : applicationVariable;
-    // The store's statement holds the name of a variable as it stands.
-    ObjectDataBase::escapeQuotes(record.varname);
     record.pgnnumber = pgn_;
     record.direction = direction_;
     record.pos = position_++;
-    store_->addSPN(line_, pgn_, direction_, *number, record);
+    store_->addSPN(line_, pgn_, direction_, *number, record, Quotes::Kept);
     ++report_.signalCount;
     return true;
 }

@@ -1,7 +1,6 @@
 #include "import/edsimporter.h"
 
 #include "import/pdoobjects.h"
-#include "import/recordquotes.h"
 #include "nodedict/canopenindex.h"
 #include "nodedict/canopensubindex.h"
 #include "nodedict/edsparser.h"
@@ -11,7 +10,6 @@
 #include <QStringList>
 
 using namespace Qt::StringLiterals;
-using RecordQuotes::withQuotesDoubled;
 
 namespace {
 
@@ -112,7 +110,7 @@ void EDSImporter::read()
     // A file that cannot be read says nothing, not even that the settings of its description are empty.
     if (parser_->LoadEds(filePath_)) {
         Q_EMIT progress(40);
-        store_->addSubIndices(entries_);
+        store_->addSubIndices(entries_, Quotes::Kept);
         Q_EMIT progress(80);
         importDescription();
         importComments();
@@ -163,7 +161,7 @@ void EDSImporter::addCompactSubs(const CANopen::CANopenIndex &object)
         sub.denotation = denotations.value(number);
         SubRecord record = recordOf(sub);
         record.pdomapping = sub.pdomapping ? PDOMapping::Allowed : PDOMapping::Forbidden;
-        store_->addSubIndex(line_, index, subindex, withQuotesDoubled(record));
+        store_->addSubIndex(line_, index, subindex, record, Quotes::Kept);
         ++report_.subObjects;
     }
 }
@@ -188,7 +186,7 @@ void EDSImporter::newSubIndex(const CANopenSubindex &sub)
     }
     if (sub.subindex == 1)
         setArrayType(index, record.datatype);
-    entries_.append({line_, index, sub.subindex, withQuotesDoubled(record)});
+    entries_.append({line_, index, sub.subindex, record});
     ++report_.subObjects;
 }
 
@@ -232,7 +230,7 @@ void EDSImporter::importComments()
         SubRecord sub;
         if (store_->getSubIndex(line_, comment.index, subindex, sub)) {
             sub.description = comment.text;
-            store_->addSubIndex(line_, comment.index, subindex, withQuotesDoubled(sub));
+            store_->addSubIndex(line_, comment.index, subindex, sub, Quotes::Kept);
         }
     }
 }

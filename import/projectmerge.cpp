@@ -1,7 +1,6 @@
 #include "import/projectmerge.h"
 
 #include "import/importreport.h"
-#include "import/recordquotes.h"
 #include "store/objectdatabase.h"
 #include "store/temporaryindex.h"
 
@@ -25,14 +24,6 @@ bool isBetween(quint32 number, quint32 first, quint32 last)
     return number >= first && number <= last;
 }
 
-/// The store's statements hold the texts of signals as they stand, but for names and descriptions.
-StoreRecords::SPN withQuotesDoubled(StoreRecords::SPN signal)
-{
-    ObjectDataBase::escapeQuotes(signal.defaultvalue);
-    ObjectDataBase::escapeQuotes(signal.varname);
-    return signal;
-}
-
 void copyPGN(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8 sourceLine,
              const StoreRecords::PGN &pgn, ImportReport &report)
 {
@@ -49,7 +40,7 @@ void copyPGN(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8
         StoreRecords::SPN data;
         if (!source.getSPN(sourceLine, number, direction, spn, data))
             continue;
-        target.addSPN(line, number, direction, spn, withQuotesDoubled(data));
+        target.addSPN(line, number, direction, spn, data, Quotes::Kept);
         ++report.signalCount;
     }
 }
@@ -67,7 +58,7 @@ void copyCANID(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quin
         StoreRecords::DataElement data;
         if (!source.getDataElement(sourceLine, id, direction, number, data))
             continue;
-        target.addDataElement(line, id, direction, number, withQuotesDoubled(data));
+        target.addDataElement(line, id, direction, number, data, Quotes::Kept);
         ++report.signalCount;
     }
 }
@@ -81,19 +72,12 @@ void ProjectMerge::copyObjects(ObjectDataBase &target, quint8 line, ObjectDataBa
         return;
     const ObjectDataBase::Transaction transaction(target);
     source.cacheAllSubs(sourceLine, 0);
-    QList<StoreRecords::SubEntry> quoted;
     for (const quint16 index : source.getIndexList(sourceLine, first, last)) {
-        target.copyIndexFrom(&source, sourceLine, index, line, index);
+        if (!target.copyIndexFrom(&source, sourceLine, index, line, index))
+            continue;
         ++report.objects;
-        // The copy hands texts on as they stand, and a quote in one of them costs the whole sub-object.
-        for (const quint8 subindex : source.getSubIndexList(sourceLine, index)) {
-            ++report.subObjects;
-            StoreRecords::SubIndexData data;
-            if (source.getSubIndex(sourceLine, index, subindex, data) && RecordQuotes::needsDoubling(data))
-                quoted.append({line, index, subindex, RecordQuotes::withQuotesDoubled(data)});
-        }
+        report.subObjects += source.getSubIndexList(sourceLine, index).size();
     }
-    target.addSubIndices(quoted);
     source.clearSubCache();
 }
 

@@ -8,8 +8,6 @@
 #include <QBuffer>
 #include <QDebug>
 #include <QRegularExpression>
-#include <QSqlError>
-#include <QSqlQuery>
 
 #include <algorithm>
 #include <span>
@@ -61,16 +59,6 @@ bool holdsOneOf(const QString &table, std::span<const Word> words)
     return std::any_of(words.begin(), words.end(), [&](Word word) { return table.contains(word); });
 }
 
-void logFailure(const char *operation, const QSqlQuery &query)
-{
-    qDebug().noquote() << operation << query.lastQuery() << "failed:" << query.lastError().text();
-}
-
-QString quotedName(QString name)
-{
-    return u'"' + name.replace(u'"', R"("")"_L1) + u'"';
-}
-
 struct ColumnInfo
 {
     QString name;
@@ -78,26 +66,30 @@ struct ColumnInfo
 };
 
 /// The columns of a table in the order of their names.
-QList<ColumnInfo> columnsOf(const QSqlDatabase &database, const QString &table)
+QList<ColumnInfo> columnsOf(Statements &statements, const QString &table)
 {
     QList<ColumnInfo> columns;
-    QSqlQuery query(database);
-    query.setForwardOnly(true);
-    if (!query.exec(u"SELECT name, type FROM PRAGMA_TABLE_INFO('%1')"_s.arg(QString(table).replace(u'\'', "''"_L1))))
-        logFailure("columnsOf", query);
-    while (query.next())
-        columns.append({query.value(0).toString(), query.value(1).toString()});
+    statements.visit({"columnsOf", u"SELECT name, type FROM PRAGMA_TABLE_INFO(?)"_s}, {table},
+                     [&](const ResultRow &row) {
+                         columns.append({row.text(0), row.text(1)});
+                     });
     std::sort(columns.begin(), columns.end(),
               [](const ColumnInfo &left, const ColumnInfo &right) { return left.name < right.name; });
     return columns;
 }
 
-QStringList columnNamesOf(const QSqlDatabase &database, const QString &table)
+QStringList columnNamesOf(Statements &statements, const QString &table)
 {
     QStringList names;
-    for (const ColumnInfo &column : columnsOf(database, table))
+    for (const ColumnInfo &column : columnsOf(statements, table))
         names.append(column.name);
     return names;
+}
+
+/// A text with a null character has never arrived.
+bool isStorable(const QString &text)
+{
+    return !text.contains(QChar::Null);
 }
 
 /// Which protocols the lines of a project speak. Combined and raw CAN types count as neither of the two, but for
@@ -105,19 +97,15 @@ QStringList columnNamesOf(const QSqlDatabase &database, const QString &table)
 class LineTypes
 {
 public:
-    explicit LineTypes(const QSqlDatabase &database)
+    explicit LineTypes(Statements &statements)
     {
         static const QRegularExpression form(u"^line(0|[1-9]\\d{0,2})type$"_s);
-        QSqlQuery query(database);
-        query.setForwardOnly(true);
-        if (!query.exec(u"SELECT item, value FROM GeneralSettings"_s))
-            logFailure("LineTypes", query);
-        while (query.next()) {
-            const auto match = form.match(query.value(0).toString());
+        statements.visit({"LineTypes", u"SELECT item, value FROM GeneralSettings"_s}, {}, [this](const ResultRow &row) {
+            const auto match = form.match(row.text(0));
             const uint line = match.captured(1).toUInt();
             if (match.hasMatch() && line <= lastLine)
-                types_.insert(line, query.value(1).toInt());
-        }
+                types_.insert(line, row.value(1).toInt());
+        });
     }
 
     bool isLeftOut(const QString &table) const
@@ -223,18 +211,14 @@ const DatabaseTextConverter::TableForm *DatabaseTextConverter::formOf(const QStr
 QStringList DatabaseTextConverter::tableNames() const
 {
     QStringList tables;
-    QSqlQuery query(database_);
-    query.setForwardOnly(true);
-    if (!query.exec(u"SELECT name FROM sqlite_master WHERE type='table' ORDER BY name"_s))
-        logFailure("tableNames", query);
-    while (query.next())
-        tables.append(query.value(0).toString());
+    store_->statements().visit({"tableNames", u"SELECT name FROM sqlite_master WHERE type='table' ORDER BY name"_s}, {},
+                               [&](const ResultRow &row) { tables.append(row.text(0)); });
     return tables;
 }
 
 bool DatabaseTextConverter::convertSqlToText()
 {
-    if (!file_)
+    if (!file_ || !store_)
         return false;
     replaceNulls();
     const QStringList tables = tableNames();
@@ -257,7 +241,7 @@ bool DatabaseTextConverter::convertSqlToText()
 bool DatabaseTextConverter::writeTables(const QStringList &tables, QIODevice &device)
 {
     SettingsText::Writer writer(device);
-    const LineTypes lineTypes(database_);
+    const LineTypes lineTypes(store_->statements());
     for (const QString &table : tables) {
         if (holdsOneOf(table, ignoredWords) || lineTypes.isLeftOut(table))
             qDebug().noquote() << "Ignored table " << table;
@@ -281,22 +265,26 @@ void DatabaseTextConverter::replaceNulls(const QString &table)
         return;
     QStringList assignments;
     QStringList conditions;
-    for (const ColumnInfo &column : columnsOf(database_, table)) {
+    for (const ColumnInfo &column : columnsOf(store_->statements(), table)) {
         // Newer versions of SQLite tell the common types in capitals, whatever the table was made with.
         const bool isNumber = column.type.compare("integer"_L1, Qt::CaseInsensitive) == 0;
         if (!isNumber && column.type.compare("text"_L1, Qt::CaseInsensitive) != 0)
             continue;
-        const QString name = quotedName(column.name);
+        const QString name = SqlText::identifier(column.name);
         assignments.append(u"%1 = ifnull(%1, %2)"_s.arg(name, isNumber ? u"0"_s : u"''"_s));
         conditions.append(name + " IS NULL"_L1);
     }
     if (assignments.isEmpty())
         return;
-    QSqlQuery query(database_);
     // A row whose empty text would stand twice where it may stand once stays as it is.
-    if (!query.exec(u"UPDATE OR IGNORE %1 SET %2 WHERE %3"_s.arg(quotedName(table), assignments.join(", "_L1),
-                                                                 conditions.join(" OR "_L1))))
-        logFailure("replaceNulls", query);
+    execute("replaceNulls", u"UPDATE OR IGNORE %1 SET %2 WHERE %3"_s.arg(
+                                SqlText::identifier(table), assignments.join(", "_L1), conditions.join(" OR "_L1)));
+}
+
+/// Executes a statement that nobody is told of.
+bool DatabaseTextConverter::execute(const char *operation, const QString &text, const QVariantList &values)
+{
+    return store_->statements().execute({operation, text}, values);
 }
 
 void DatabaseTextConverter::writeTable(const QString &table, const TableForm &form, SettingsText::Writer &writer)
@@ -310,19 +298,15 @@ void DatabaseTextConverter::writeTable(const QString &table, const TableForm &fo
 
 void DatabaseTextConverter::writeSettings(const QString &table, SettingsText::Writer &writer)
 {
-    QSqlQuery query(database_);
-    query.setForwardOnly(true);
-    if (!query.exec(u"SELECT item, value FROM %1 ORDER BY item"_s.arg(quotedName(table)))) {
-        logFailure("writeSettings", query);
-        return;
-    }
     QMap<QString, QString> settings;
-    while (query.next()) {
+    const Statement select = {"writeSettings",
+                              u"SELECT item, value FROM %1 ORDER BY item"_s.arg(SqlText::identifier(table))};
+    store_->statements().visit(select, {}, [&](const ResultRow &row) {
         // In a key the text form holds no empty group.
-        const QString key = query.value(0).toString().split(u'/', Qt::SkipEmptyParts).join(u'/');
+        const QString key = row.text(0).split(u'/', Qt::SkipEmptyParts).join(u'/');
         if (!key.isEmpty())
-            settings.insert(key, query.value(1).toString());
-    }
+            settings.insert(key, row.text(1));
+    });
     for (const auto &[key, value] : settings.asKeyValueRange())
         writer.writeText(SettingsText::escapedKey(key), value);
 }
@@ -333,7 +317,7 @@ void DatabaseTextConverter::writeRows(const QString &table, const TableForm &for
     QStringList expressions = {form.path + " AS rowpath"_L1};
     QList<QByteArray> keys;
     qsizetype metadataColumn = -1;
-    for (const ColumnInfo &column : columnsOf(database_, table)) {
+    for (const ColumnInfo &column : columnsOf(store_->statements(), table)) {
         const bool isHidden =
             form.kind == Table::SubObjects &&
             std::ranges::find(hiddenSubObjectColumns, column.name) != std::end(hiddenSubObjectColumns);
@@ -341,23 +325,18 @@ void DatabaseTextConverter::writeRows(const QString &table, const TableForm &for
             continue;
         const bool isText = form.kind != Table::Nodes && form.kind != Table::UDSSettings &&
                             (column.name == "name"_L1 || (form.descriptionIsText && column.name == "description"_L1));
-        const QString name = quotedName(column.name);
+        const QString name = SqlText::identifier(column.name);
         if (column.name == "metadata"_L1)
             metadataColumn = expressions.size();
         expressions.append(isText ? u"(SELECT string FROM Strings WHERE id = t.%1)"_s.arg(name) : u"t."_s + name);
         keys.append('\\' + SettingsText::escapedKey(column.name));
     }
-    QSqlQuery query(database_);
-    query.setForwardOnly(true);
-    if (!query.exec(
-            u"SELECT %1 FROM %2 AS t ORDER BY rowpath || '/'"_s.arg(expressions.join(", "_L1), quotedName(table)))) {
-        logFailure("writeRows", query);
-        return;
-    }
-    while (query.next()) {
-        writer.setRow(SettingsText::escapedKey(query.value(0).toString()));
+    const Statement select = {"writeRows", u"SELECT %1 FROM %2 AS t ORDER BY rowpath || '/'"_s.arg(
+                                               expressions.join(", "_L1), SqlText::identifier(table))};
+    store_->statements().visit(select, {}, [&](const ResultRow &row) {
+        writer.setRow(SettingsText::escapedKey(row.text(0)));
         for (int column = 1; column <= keys.size(); ++column) {
-            const QVariant value = query.value(column);
+            const QVariant value = row.value(column);
             const QByteArray &key = keys.at(column - 1);
             if (column == metadataColumn) {
                 const QByteArray bytes = value.toByteArray();
@@ -368,7 +347,7 @@ void DatabaseTextConverter::writeRows(const QString &table, const TableForm &for
                 writer.writeText(key, value.toString());
             }
         }
-    }
+    });
     writer.setRow({});
 }
 
@@ -407,7 +386,7 @@ void DatabaseTextConverter::readGroup(const QString &group, const SettingsText::
 
 void DatabaseTextConverter::readLines(const SettingsText::Reader &reader)
 {
-    QStringList known = columnNamesOf(database_, u"Nodes"_s);
+    QStringList known = columnNamesOf(store_->statements(), u"Nodes"_s);
     known.removeAll(u"nodeId"_s);
     forEachRow(reader, u"Nodes"_s, 1, [&](const TextRow &row) {
         bool ok = false;
@@ -421,11 +400,11 @@ void DatabaseTextConverter::readLines(const SettingsText::Reader &reader)
         store_->addNode(static_cast<quint8>(line), node);
         for (qsizetype i = 0; i < row.columns.size(); ++i) {
             const QString &column = row.columns.at(i);
-            if (known.contains(column))
-                store_->setNodeSqlValue(QString::number(line), column,
-                                        ObjectDataBase::withQuotesDoubled(row.values.at(i).toString()));
+            const QString text = row.values.at(i).toString();
+            if (known.contains(column) && isStorable(text))
+                store_->setNodeSqlValue(QString::number(line), column, text, Quotes::Kept);
             else
-                qDebug().noquote() << "no column of a line" << column;
+                qDebug().noquote() << "no column of a line" << column << text;
         }
     });
 }
@@ -447,25 +426,21 @@ void DatabaseTextConverter::readSettings(const QString &group, Table kind, const
     // A key of another line than 0 has its line's suffix already.
     if (kind == Table::DescriptionSettings)
         store_->setCurrentLine(0);
-    reader.forEachKey(group, [&](const QString &key, const QVariant &value) {
-        const QString text = value.toString();
-        bool done = false;
+    const auto set = [&](const QString &key, const QString &text) {
         switch (kind) {
         case Table::DescriptionSettings:
-            done = store_->setDescriptionSetting(key, text);
-            break;
+            return store_->setDescriptionSetting(key, text);
         case Table::GeneralSettings:
-            // Unlike the others, these stand in their statement as they are given.
-            done = store_->setGeneralSetting(key, ObjectDataBase::withQuotesDoubled(text));
-            break;
+            return store_->setGeneralSetting(key, text, Quotes::Kept);
         case Table::MiscSettings:
-            done = store_->setMiscSetting(key, text);
-            break;
+            return store_->setMiscSetting(key, text);
         default:
-            done = store_->setJ1939Setting(key, text);
-            break;
+            return store_->setJ1939Setting(key, text);
         }
-        if (!done)
+    };
+    reader.forEachKey(group, [&](const QString &key, const QVariant &value) {
+        const QString text = value.toString();
+        if (!isStorable(text) || !set(key, text))
             qDebug().noquote() << group << key << "failed:" << text;
     });
 }
@@ -473,13 +448,13 @@ void DatabaseTextConverter::readSettings(const QString &group, Table kind, const
 void DatabaseTextConverter::readObjects(const QString &group, const TableForm &form, const SettingsText::Reader &reader)
 {
     const bool isSubObject = form.kind == Table::SubObjects;
-    ObjectRowWriter writer(*store_, database_, group, columnNamesOf(database_, group), isSubObject);
-    forEachRow(reader, group, isSubObject ? 2 : 1, [&](const TextRow &row) { writer.write(row); });
+    ObjectRowWriter writer(*store_, group);
+    forEachRow(reader, group, isSubObject ? 2 : 1, [&](const TextRow &row) { writer.writeRow(row); });
 }
 
 void DatabaseTextConverter::readRows(const QString &group, const TableForm &form, const SettingsText::Reader &reader)
 {
-    const QStringList known = columnNamesOf(database_, group);
+    const QStringList known = columnNamesOf(store_->statements(), group);
     if (known.isEmpty()) {
         qDebug().noquote() << "no table" << group;
         return;
@@ -487,7 +462,8 @@ void DatabaseTextConverter::readRows(const QString &group, const TableForm &form
     const QStringList keyColumns = QString(form.key).split(u',');
     forEachRow(reader, group, keyColumns.size(), [&](const TextRow &row) {
         QStringList columns;
-        QStringList values;
+        QVariantList values;
+        bool allStorable = true;
         for (qsizetype i = 0; i < row.columns.size(); ++i) {
             const QString &column = row.columns.at(i);
             const QString value = row.values.at(i).toString();
@@ -497,20 +473,18 @@ void DatabaseTextConverter::readRows(const QString &group, const TableForm &form
             }
             columns.append(column);
             const bool isText = column == "name"_L1 && form.kind != Table::UDSSettings;
-            values.append(u"'%1'"_s.arg(isText ? QString::number(store_->getStringId(value))
-                                               : ObjectDataBase::withQuotesDoubled(value)));
+            values.append(isText ? QVariant(store_->getStringId(value)) : QVariant(value));
+            allStorable = allStorable && (isText || isStorable(value));
         }
         for (qsizetype i = 0; i < keyColumns.size(); ++i) {
             if (!columns.contains(keyColumns.at(i), Qt::CaseInsensitive)) {
                 columns.append(keyColumns.at(i));
-                values.append(u"'%1'"_s.arg(row.groups.at(i).section(u'_', 0, 0)));
+                values.append(row.groups.at(i).section(u'_', 0, 0));
             }
         }
-        QSqlQuery query(database_);
-        const QString statement =
-            u"INSERT OR REPLACE INTO %1 (%2) VALUES (%3)"_s.arg(group, columns.join(", "_L1), values.join(", "_L1));
-        if (!query.exec(statement))
-            qDebug().noquote() << statement << "failed:" << query.lastError().text()
-                               << "Line:" << row.groups.join(u'/');
+        const QString statement = u"INSERT OR REPLACE INTO %1 (%2) VALUES (%3)"_s.arg(group, columns.join(", "_L1),
+                                                                                      SqlText::places(values.size()));
+        if (!allStorable || !execute("failed:", statement, values))
+            qDebug().noquote() << "Line:" << row.groups.join(u'/');
     });
 }

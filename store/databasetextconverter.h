@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <QSqlDatabase>
 #include <QString>
 #include <QVariant>
 
@@ -24,7 +23,7 @@ class Writer;
 /// The text is no full copy. It leaves out raw CAN, the network tables, the columns of a subindex that only matter to
 /// editors, and, where no line of the project speaks a protocol, the tables of that protocol.
 ///
-/// The converter works on the connection directly, past the store's gate, and wants a transaction around it.
+/// Nobody is notified of what the converter writes. It wants a transaction around it.
 class DatabaseTextConverter : public QObject
 {
     Q_OBJECT
@@ -36,7 +35,6 @@ public:
     }
 
     void setStore(ObjectDataBase *store) { store_ = store; }
-    void setDatabase(const QSqlDatabase &database) { database_ = database; }
     void setInputFile(const QString &path) { file_ = path; }
     void setOutputFile(const QString &path) { file_ = path; }
 
@@ -64,6 +62,7 @@ private:
     void writeSettings(const QString &table, SettingsText::Writer &writer);
     void writeRows(const QString &table, const TableForm &form, SettingsText::Writer &writer);
 
+    bool execute(const char *operation, const QString &text, const QVariantList &values = {});
     void readGroup(const QString &group, const SettingsText::Reader &reader);
     void readLines(const SettingsText::Reader &reader);
     void addLinesOf(const QStringList &groups);
@@ -73,6 +72,5 @@ private:
 
     bool writeFailed_ = false;
     ObjectDataBase *store_ = nullptr;
-    QSqlDatabase database_;
     std::optional<QString> file_;
 };

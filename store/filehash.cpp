@@ -5,8 +5,6 @@
 #include "texttools/clock.h"
 
 #include <QCryptographicHash>
-#include <QSqlQuery>
-#include <QSqlRecord>
 #include <QVariant>
 
 using namespace Qt::StringLiterals;
@@ -35,29 +33,25 @@ QString ObjectDataBase::computeFileHash()
 {
     QCryptographicHash hash(QCryptographicHash::Sha256);
     QStringList tables;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (execQuery(query, u"SELECT name FROM sqlite_master WHERE type='table' ORDER BY name"_s)) {
-        while (query.next())
-            tables.append(query.value(0).toString());
-    }
+    statements_.visit({nullptr, u"SELECT name FROM sqlite_master WHERE type='table' ORDER BY name"_s}, {},
+                      [&](const ResultRow &row) { tables.append(row.text(0)); });
     for (const QString &table : std::as_const(tables)) {
         hash.addData(table.toUtf8() + '\n');
         const bool holdsHash = table.compare("MiscSettings"_L1, Qt::CaseInsensitive) == 0;
         const QString own = holdsHash ? u" WHERE item NOT IN ('FileHash','TamperLog')"_s : QString();
-        if (!execQuery(query, u"SELECT * FROM \"%1\"%2 ORDER BY rowid"_s.arg(table, own)))
-            continue;
-        const int columns = query.record().count();
-        QByteArray row;
-        while (query.next()) {
-            row.clear();
-            for (int column = 0; column < columns; ++column) {
-                appendHashedForm(row, query.value(column));
-                row += '|';
-            }
-            row += '\n';
-            hash.addData(row);
-        }
+        int columns = -1;
+        QByteArray text;
+        statements_.visit({nullptr, u"SELECT * FROM %1%2 ORDER BY rowid"_s.arg(SqlText::identifier(table), own)}, {},
+                          [&](const ResultRow &row) {
+                              columns = columns < 0 ? row.count() : columns;
+                              text.clear();
+                              for (int column = 0; column < columns; ++column) {
+                                  appendHashedForm(text, row.value(column));
+                                  text += '|';
+                              }
+                              text += '\n';
+                              hash.addData(text);
+                          });
     }
     return QString::fromLatin1(hash.result().toHex());
 }

@@ -5,8 +5,6 @@
 #include "store/recordcolumns.h"
 #include "store/schema.h"
 
-#include <QSqlQuery>
-
 using namespace Qt::StringLiterals;
 using ProjectSchema::LineTable;
 using RecordColumns::Column;
@@ -62,6 +60,7 @@ Row spnRow(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
 }
 
 constexpr int spnKeyColumns = 3;
+const auto inOrder = u"order by pgnnumber asc, pos asc, rowid"_s;
 
 QString spnSelect(quint8 line, const QString &rest)
 {
@@ -69,13 +68,28 @@ QString spnSelect(quint8 line, const QString &rest)
                                                                               QString::number(line), rest);
 }
 
-SPN spnOfRow(const QSqlQuery &query, StringPool &pool)
+QString pgnSelect(quint8 line, const QString &rest)
+{
+    return u"select number, direction, %1 from PGNs%2 %3"_s.arg(RecordColumns::names(pgnColumns), QString::number(line),
+                                                                rest);
+}
+
+PGN pgnOfRow(const ResultRow &row, StringPool &pool)
+{
+    PGN data;
+    data.number = row.number<quint32>(0);
+    data.direction = row.number<quint8>(1);
+    RecordColumns::readRow(pgnColumns, row, data, pool, 2);
+    return data;
+}
+
+SPN spnOfRow(const ResultRow &row, StringPool &pool)
 {
     SPN data;
-    data.pgnnumber = static_cast<quint32>(query.value(0).toLongLong());
-    data.direction = static_cast<quint8>(query.value(1).toLongLong());
-    data.spnnumber = static_cast<quint32>(query.value(2).toLongLong());
-    RecordColumns::readRow(spnColumns, query, data, pool, spnKeyColumns);
+    data.pgnnumber = row.number<quint32>(0);
+    data.direction = row.number<quint8>(1);
+    data.spnnumber = row.number<quint32>(2);
+    RecordColumns::readRow(spnColumns, row, data, pool, spnKeyColumns);
     return data;
 }
 
@@ -84,9 +98,8 @@ SPN spnOfRow(const QSqlQuery &query, StringPool &pool)
 /// Completes the table of a line that came from an old file without having been opened as a project.
 void ObjectDataBase::ensurePGNColumns(quint8 line)
 {
-    QSqlQuery query = newQuery();
     for (const auto &[column, belowVersion] : ProjectSchema::pgnColumns())
-        migrationExec(query, ProjectSchema::addStatement(column, line));
+        migrationExec(ProjectSchema::addStatement(column, line));
 }
 
 bool ObjectDataBase::addPGN(quint8 line, quint32 number, const PGN &data)
@@ -95,25 +108,27 @@ bool ObjectDataBase::addPGN(quint8 line, quint32 number, const PGN &data)
         return false;
     const RecordColumns::TextIds ids = RecordColumns::intern(pgnColumns, data, strings_, {"name"_L1, "desc"_L1});
     const Row row = pgnRow(line, number, data.direction);
-    const QString insert = row.insert(pgnColumns, data, ids);
-    const QString update = row.update(pgnColumns, data, ids);
+    const QString insert = row.insert(pgnColumns);
+    const QString update = row.update(pgnColumns);
+    const QVariantList values = *RecordColumns::values(pgnColumns, data, ids, Quotes::Kept);
     // Only a table that lacks columns fails here, so a complete one is never asked for them.
-    if (!writeRow("addPGN", row, insert, update)) {
+    if (!writeRow("addPGN", row, insert, update, values)) {
         ensurePGNColumns(line);
-        if (!writeRow("addPGN", row, insert, update))
+        if (!writeRow("addPGN", row, insert, update, values))
             return false;
     }
     notify(Change::PGNWritten, {.line = line, .pgn = number, .direction = data.direction});
     return true;
 }
 
-bool ObjectDataBase::addSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, const SPN &data)
+bool ObjectDataBase::addSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, const SPN &data, Quotes quotes)
 {
     if (blocked_)
         return false;
     const RecordColumns::TextIds ids = RecordColumns::intern(spnColumns, data, strings_, {"name"_L1, "desc"_L1});
     const Row row = spnRow(line, pgn, direction, spn);
-    if (!writeRow("addSPN", row, row.insert(spnColumns, data, ids), row.update(spnColumns, data, ids)))
+    const std::optional<QVariantList> values = textsOf("addSPN", RecordColumns::values(spnColumns, data, ids, quotes));
+    if (!values || !writeRow("addSPN", row, row.insert(spnColumns), row.update(spnColumns), *values))
         return false;
     notify(Change::SPNWritten, {.line = line, .pgn = pgn, .spn = spn});
     return true;
@@ -123,10 +138,12 @@ bool ObjectDataBase::removePGN(quint8 line, quint32 number, quint8 direction)
 {
     if (blocked_)
         return false;
-    const Transaction transaction(*this);
-    run("removePGN", u"delete from SPNs%1 where pgnnumber = %2 and direction = %3"_s.arg(
-                         QString::number(line), QString::number(number), QString::number(direction)));
-    if (!run("removePGN", pgnRow(line, number, direction).remove()))
+    Step step(*this);
+    const Row row = pgnRow(line, number, direction);
+    const bool done =
+        run("removePGN", u"delete from SPNs%1 where pgnnumber = ? and direction = ?"_s.arg(line), row.key()) &&
+        run("removePGN", row.remove(), row.key());
+    if (!done || !step.commit())
         return false;
     notify(Change::PGNRemoved, {.line = line, .pgn = number, .direction = direction});
     return true;
@@ -134,7 +151,8 @@ bool ObjectDataBase::removePGN(quint8 line, quint32 number, quint8 direction)
 
 bool ObjectDataBase::removeSPN(quint8 line, quint32 pgn, quint32 spn, quint8 direction)
 {
-    if (blocked_ || !run("removeSPN", spnRow(line, pgn, direction, spn).remove()))
+    const Row row = spnRow(line, pgn, direction, spn);
+    if (blocked_ || !run("removeSPN", row.remove(), row.key()))
         return false;
     notify(Change::SignalRemoved, {.line = line, .pgn = pgn, .spn = spn, .direction = direction});
     return true;
@@ -142,25 +160,21 @@ bool ObjectDataBase::removeSPN(quint8 line, quint32 pgn, quint32 spn, quint8 dir
 
 bool ObjectDataBase::pgnExists(quint8 line, quint32 number, quint8 direction)
 {
-    return selectsRow(pgnRow(line, number, direction).select(u"1"_s));
+    const Row row = pgnRow(line, number, direction);
+    return statements_.hasRow({nullptr, row.select(u"1"_s)}, row.key());
 }
 
 bool ObjectDataBase::spnExists(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
 {
-    return selectsRow(spnRow(line, pgn, direction, spn).select(u"1"_s));
+    const Row row = spnRow(line, pgn, direction, spn);
+    return statements_.hasRow({nullptr, row.select(u"1"_s)}, row.key());
 }
 
 bool ObjectDataBase::getPGN(quint8 line, quint32 number, quint8 direction, PGN &data)
 {
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (!run("getPGN", query, pgnRow(line, number, direction).select(RecordColumns::names(pgnColumns))) ||
-        !query.next())
-        return false;
-    data.number = number;
-    data.direction = direction;
-    RecordColumns::readRow(pgnColumns, query, data, strings_);
-    return true;
+    return statements_.visitFirst(
+        {"getPGN", pgnSelect(line, "where "_L1 + pgnRow(line, number, direction).condition())}, {number, direction},
+        [&](const ResultRow &row) { data = pgnOfRow(row, strings_); });
 }
 
 QString ObjectDataBase::getPGNName(quint8 line, quint32 number, quint8 direction)
@@ -170,36 +184,31 @@ QString ObjectDataBase::getPGNName(quint8 line, quint32 number, quint8 direction
 
 quint16 ObjectDataBase::getPGNMappingCount(quint8 line, quint32 number, quint8 direction)
 {
-    return static_cast<quint16>(selectValue(pgnRow(line, number, direction).select(u"mappingcount"_s)).toUInt());
+    const Row row = pgnRow(line, number, direction);
+    return static_cast<quint16>(statements_.value({nullptr, row.select(u"mappingcount"_s)}, row.key()).toUInt());
 }
 
 QList<quint32> ObjectDataBase::getPGNList(quint8 line, quint8 direction, bool leaveOutSafe)
 {
     QStringList conditions;
-    if (direction != 0)
-        conditions.append(u"direction = %1"_s.arg(direction));
+    QVariantList values;
+    if (direction != 0) {
+        conditions.append(u"direction = ?"_s);
+        values.append(direction);
+    }
     if (leaveOutSafe)
         conditions.append(u"(issafe = 0 or issafe is NULL)"_s);
     const QString where = conditions.isEmpty() ? QString() : "where "_L1 + conditions.join(" AND "_L1);
-    return selectNumbers(u"select number from PGNs%1 %2 order by number asc"_s.arg(QString::number(line), where));
+    return selectNumbers(u"select number from PGNs%1 %2 order by number asc"_s.arg(QString::number(line), where),
+                         values);
 }
 
 QList<ObjectDataBase::PGN> ObjectDataBase::getAllPGNs(quint8 line)
 {
     strings_.loadTexts();
     QList<PGN> pgns;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (!run("getAllPGNs", query,
-             u"select number, direction, %1 from PGNs%2 order by direction desc, number"_s.arg(
-                 RecordColumns::names(pgnColumns), QString::number(line))))
-        return pgns;
-    while (query.next()) {
-        PGN &pgn = pgns.emplace_back();
-        pgn.number = static_cast<quint32>(query.value(0).toLongLong());
-        pgn.direction = static_cast<quint8>(query.value(1).toLongLong());
-        RecordColumns::readRow(pgnColumns, query, pgn, strings_, 2);
-    }
+    statements_.visit({"getAllPGNs", pgnSelect(line, u"order by direction desc, number"_s)}, {},
+                      [&](const ResultRow &row) { pgns.append(pgnOfRow(row, strings_)); });
     return pgns;
 }
 
@@ -207,18 +216,14 @@ QList<ObjectDataBase::SPN> ObjectDataBase::getAllSPNs(quint8 line)
 {
     strings_.loadTexts();
     QList<SPN> spns;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (!run("getAllSPNs", query, spnSelect(line, u"order by pgnnumber asc, pos asc, rowid"_s)))
-        return spns;
-    while (query.next())
-        spns.append(spnOfRow(query, strings_));
+    statements_.visit({"getAllSPNs", spnSelect(line, inOrder)}, {},
+                      [&](const ResultRow &row) { spns.append(spnOfRow(row, strings_)); });
     return spns;
 }
 
 QHash<quint32, QString> ObjectDataBase::getPGNNames(quint8 line, quint8 direction)
 {
-    return selectNames(u"select number, name from PGNs%1 where direction = %2"_s.arg(line).arg(direction));
+    return selectNames(u"select number, name from PGNs%1 where direction = ?"_s.arg(line), {direction});
 }
 
 bool ObjectDataBase::getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, SPN &data)
@@ -227,13 +232,9 @@ bool ObjectDataBase::getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 
         data = *cached;
         return true;
     }
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (!run("getSPN", query, spnSelect(line, "where "_L1 + spnRow(line, pgn, direction, spn).condition())) ||
-        !query.next())
-        return false;
-    data = spnOfRow(query, strings_);
-    return true;
+    const Row place = spnRow(line, pgn, direction, spn);
+    return statements_.visitFirst({"getSPN", spnSelect(line, "where "_L1 + place.condition())}, place.key(),
+                                  [&](const ResultRow &row) { data = spnOfRow(row, strings_); });
 }
 
 QList<quint32> ObjectDataBase::getSPNList(quint8 line, quint32 pgn, quint8 direction)
@@ -241,8 +242,8 @@ QList<quint32> ObjectDataBase::getSPNList(quint8 line, quint32 pgn, quint8 direc
     if (const QList<quint32> *cached = spnCache_.list({line, pgn, direction}))
         return *cached;
     return selectNumbers(
-        u"select spnnumber from SPNs%1 where pgnnumber = %2 and direction= %3 order by pos asc, rowid"_s.arg(
-            QString::number(line), QString::number(pgn), QString::number(direction)));
+        u"select spnnumber from SPNs%1 where pgnnumber = ? and direction = ? order by pos asc, rowid"_s.arg(line),
+        {pgn, direction});
 }
 
 QString ObjectDataBase::getSPNName(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
@@ -252,23 +253,20 @@ QString ObjectDataBase::getSPNName(quint8 line, quint32 pgn, quint8 direction, q
 
 quint32 ObjectDataBase::getSPNDataType(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
 {
-    return selectValue(spnRow(line, pgn, direction, spn).select(u"datatype"_s)).toUInt();
+    const Row row = spnRow(line, pgn, direction, spn);
+    return statements_.value({nullptr, row.select(u"datatype"_s)}, row.key()).toUInt();
 }
 
 bool ObjectDataBase::cacheSPNs(quint8 line)
 {
     spnCache_.clear();
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (!run("cacheSPNs", query, spnSelect(line, u"order by pgnnumber asc, pos asc, rowid"_s)))
-        return false;
-    while (query.next())
-        spnCache_.add(line, spnOfRow(query, strings_));
-    return true;
+    return statements_.visit({"cacheSPNs", spnSelect(line, inOrder)}, {},
+                             [&](const ResultRow &row) { spnCache_.add(line, spnOfRow(row, strings_)); });
 }
 
 bool ObjectDataBase::anySafePGN(quint8 line)
 {
-    return selectsRow(u"select number from PGNs%1 where direction in (%2, %3) and issafe <> 0 limit 1"_s.arg(
-        QString::number(line), QString::number(receive), QString::number(transmit)));
+    return statements_.hasRow(
+        {nullptr, u"select number from PGNs%1 where direction in (?, ?) and issafe <> 0 limit 1"_s.arg(line)},
+        {receive, transmit});
 }

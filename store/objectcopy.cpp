@@ -1,16 +1,16 @@
-// Copies of objects, and the column-wise writers through which attributes and text projects arrive.
+// Copies of objects, their attributes, and the writers of single values through which text projects arrive.
 
 #include "store/metadatablob.h"
 #include "store/objectdatabase.h"
+#include "store/objectrowwriter.h"
 
 #include <QDataStream>
-#include <QDebug>
 #include <QIODevice>
 #include <QMutexLocker>
 #include <QSet>
 #include <QSignalBlocker>
-#include <QSqlError>
-#include <QSqlQuery>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -51,26 +51,31 @@ bool ObjectDataBase::copyIndex(quint8 fromLine, quint16 fromIndex, quint8 toLine
     if (!getIndex(fromLine, fromIndex, object))
         return false;
 
-    const Transaction transaction(*this);
-    removeIndex(toLine, toIndex, false);
-    bool done = addIndex(toLine, toIndex, object);
     const QList<quint8> subs = getSubIndexList(fromLine, fromIndex);
+    Step step(*this);
+    if (!removeIndex(toLine, toIndex, false) || !addIndex(toLine, toIndex, object))
+        return false;
     {
         const QSignalBlocker silent(this);
-        cacheAllSubs(fromLine, fromIndex);
-        for (const quint8 sub : subs) {
-            SUBINDEX_DATA_T data;
-            getSubIndex(fromLine, fromIndex, sub, data);
-            done = addSubIndex(toLine, toIndex, sub, data);
-        }
-        cacheDenotations(toLine, toIndex);
-        // Later removals would not reach the cache, and no run is under way that still wants it.
-        clearSubCache();
+        if (!copySubs(*this, {.index = fromIndex, .line = fromLine}, subs, {.index = toIndex, .line = toLine}))
+            return false;
     }
+    if (!step.commit())
+        return false;
     for (const quint8 sub : subs)
         notify(Change::SubObjectWritten, {.index = toIndex, .subindex = sub, .line = toLine});
-    clearDenotationCache();
-    return done;
+    return true;
+}
+
+/// Copies subindices of an object, with texts of any kind.
+bool ObjectDataBase::copySubs(ObjectDataBase &from, const SubKey &source, const QList<quint8> &subs,
+                              const SubKey &target)
+{
+    return std::ranges::all_of(subs, [&](quint8 sub) {
+        SUBINDEX_DATA_T data;
+        return from.getSubIndex(source.line, source.index, sub, data) &&
+               addSubIndex(target.line, target.index, sub, data, Quotes::Kept);
+    });
 }
 
 bool ObjectDataBase::copyIndexFrom(ObjectDataBase *other, quint8 fromLine, quint16 fromIndex, quint8 toLine,
@@ -79,119 +84,51 @@ bool ObjectDataBase::copyIndexFrom(ObjectDataBase *other, quint8 fromLine, quint
     INDEX_DATA_T object;
     if (blocked_ || !other || !other->getIndex(fromLine, fromIndex, object))
         return false;
-    const Transaction transaction(*this);
-    bool done = addIndex(toLine, toIndex, object);
+    Step step(*this);
+    if (!addIndex(toLine, toIndex, object))
+        return false;
     const QList<quint8> subs = other->getSubIndexList(fromLine, fromIndex);
-    if (!objectOnly) {
-        for (const quint8 sub : subs) {
-            SUBINDEX_DATA_T data;
-            other->getSubIndex(fromLine, fromIndex, sub, data);
-            done = addSubIndex(toLine, toIndex, sub, data);
-        }
-    }
+    if (!objectOnly &&
+        !copySubs(*other, {.index = fromIndex, .line = fromLine}, subs, {.index = toIndex, .line = toLine}))
+        return false;
     const QSet<quint8> kept(subs.begin(), subs.end());
     for (const quint8 sub : getSubIndexList(toLine, toIndex)) {
-        if (!kept.contains(sub))
-            removeSubIndex(toLine, toIndex, sub);
+        if (!kept.contains(sub) && !removeSubIndex(toLine, toIndex, sub))
+            return false;
     }
-    return done;
+    return step.commit();
 }
 
-bool ObjectDataBase::setMetadata(const QString &statement, quint16 index, std::optional<quint8> subindex,
-                                 const Metadata &metadata)
+bool ObjectDataBase::setMetadata(const QString &text, QVariantList key, const Metadata &metadata)
 {
     if (blocked_)
         return false;
     const QMutexLocker locker(&cacheMutex_);
-    QSqlQuery query = newQuery();
-    query.prepare(statement);
-    query.bindValue(u":metadata"_s, MetadataBlob::serialise(metadata));
-    query.bindValue(u":objectindex"_s, index);
-    if (subindex)
-        query.bindValue(u":subindex"_s, *subindex);
-    if (execPrepared(query))
-        return true;
-    qDebug().noquote() << "setMetadata" << statement << query.lastError().text();
-    return false;
+    key.prepend(MetadataBlob::serialise(metadata));
+    return runSubs("setMetadata", text, key);
 }
 
 bool ObjectDataBase::setObjectMetadata(quint8 line, quint16 index, const Metadata &metadata)
 {
-    return setMetadata(u"update Objects%1 SET metadata = :metadata where objectindex = :objectindex"_s.arg(line), index,
-                       {}, metadata);
+    return setMetadata(u"update Objects%1 SET metadata = ? where objectindex = ?"_s.arg(line), {index}, metadata);
 }
 
 bool ObjectDataBase::setSubObjectMetadata(quint8 line, quint16 index, quint8 subindex, const Metadata &metadata)
 {
-    return setMetadata(
-        u"update SubObjects%1 SET metadata = :metadata where objectindex = :objectindex and subindex = :subindex"_s.arg(
-            line),
-        index, subindex, metadata);
-}
-
-namespace {
-
-/// The line of a per-line table as its last character tells it: a line above 9 has never been understood here.
-std::optional<quint8> lineOfTable(const QString &table)
-{
-    bool ok = false;
-    const uint line = table.right(1).toUInt(&ok);
-    return ok ? std::optional(static_cast<quint8>(line)) : std::nullopt;
-}
-
-bool isPooledColumn(const QString &column)
-{
-    return column == "name"_L1 || column == "description"_L1;
-}
-
-constexpr int automaticBase = 0;
-
-} // namespace
-
-/// Writes a column of the row that the condition names, which is made first where it is missing.
-void ObjectDataBase::writeColumn(const QString &table, const QString &condition, const QString &insert,
-                                 const QString &column, const QVariant &value)
-{
-    QSqlQuery query = newQuery();
-    if (!run("error writeColumn", query, u"select objectindex from %1 where %2"_s.arg(table, condition)))
-        return;
-    const bool exists = query.next();
-    query.finish();
-    const QString text =
-        (isPooledColumn(column) ? QString::number(strings_.idOf(value.toString())) : value.toString()).simplified();
-    if (exists || run("error writeColumn", query, insert))
-        run("error writeColumn", query, u"update %1 set %2='%3' where %4"_s.arg(table, column, text, condition));
+    return setMetadata(u"update SubObjects%1 SET metadata = ? where objectindex = ? and subindex = ?"_s.arg(line),
+                       {index, subindex}, metadata);
 }
 
 void ObjectDataBase::setObjectIndexSqlValue(const QString &table, const QString &index, const QString &column,
-                                            const QVariant &value)
+                                            const QVariant &value, Quotes quotes)
 {
-    if (blocked_ || !value.isValid())
-        return;
-    const auto line = lineOfTable(table);
-    const Metadata metadata = column == "metadata"_L1 ? MetadataBlob::parse(value.toByteArray()) : Metadata();
-    if (line && !metadata.isEmpty()) {
-        setObjectMetadata(*line, static_cast<quint16>(index.toUInt(nullptr, automaticBase)), metadata);
-        return;
-    }
-    writeColumn(table, u"objectindex = %1"_s.arg(index),
-                u"insert into %1 values(%2,0,0,0,0,0,0,0,0)"_s.arg(table, index), column, value);
+    if (!blocked_)
+        ObjectRowWriter(*this, table).writeValue({index}, column, value, quotes);
 }
 
 void ObjectDataBase::setSubindexSqlValue(const QString &table, const QString &index, const QString &subindex,
-                                         const QString &column, const QVariant &value)
+                                         const QString &column, const QVariant &value, Quotes quotes)
 {
-    if (blocked_ || !value.isValid())
-        return;
-    const auto line = lineOfTable(table);
-    const Metadata metadata = column == "metadata"_L1 ? MetadataBlob::parse(value.toByteArray()) : Metadata();
-    if (line && !metadata.isEmpty()) {
-        setSubObjectMetadata(*line, static_cast<quint16>(index.toUInt(nullptr, automaticBase)),
-                             static_cast<quint8>(subindex.toUInt(nullptr, automaticBase)), metadata);
-        return;
-    }
-    writeColumn(table, u"objectindex = %1 and subindex = %2"_s.arg(index, subindex),
-                u"insert into %1 values(%2,%3,NULL,0,0,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,0,"
-                "NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL)"_s.arg(table, index, subindex),
-                column, value);
+    if (!blocked_)
+        ObjectRowWriter(*this, table).writeValue({index, subindex}, column, value, quotes);
 }

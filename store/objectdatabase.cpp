@@ -8,9 +8,6 @@
 #include <QDebug>
 #include <QDir>
 #include <QFileInfo>
-#include <QRandomGenerator>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QThread>
 
 #include <cstdlib>
@@ -19,7 +16,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int closeTimeoutMs = 5000;
 constexpr int newProjectCachePages = 16384;
 
 /// Fills a file that has just been made with the contents of a database; false if that cannot be read.
@@ -39,55 +35,30 @@ bool fill(QFile &target, const QString &source)
     return target.flush();
 }
 
-bool isWriting(const QString &statement)
-{
-    static constexpr std::array words = {"insert"_L1, "update"_L1, "delete"_L1, "replace"_L1,
-                                         "create"_L1, "drop"_L1,   "alter"_L1};
-    const QString trimmed = statement.trimmed();
-    return std::any_of(words.begin(), words.end(),
-                       [&](QLatin1StringView word) { return trimmed.startsWith(word, Qt::CaseInsensitive); });
-}
-
-/// Without a journal, a statement that ran out of space or could not read its pages leaves the file half changed.
-bool leavesDamage(const QSqlError &error)
-{
-    constexpr int inputOutput = 10;
-    constexpr int corrupt = 11;
-    constexpr int full = 13;
-    const int code = error.nativeErrorCode().toInt() & 0xff;
-    return code == inputOutput || code == corrupt || code == full;
-}
-
 } // namespace
 
 ObjectDataBase::ObjectDataBase(QObject *parent)
     : QObject(parent)
 {
-    static std::atomic<int> connections = 0;
-
     std::srand(static_cast<unsigned>(reinterpret_cast<quintptr>(QThread::currentThreadId())));
     qRegisterMetaType<ObjectDataBase::ChangeSet>();
-    connectionName_ = u"db%1"_s.arg(++connections);
-    database_ = QSqlDatabase::addDatabase(u"QSQLITE"_s, connectionName_);
-    if (database_.lastError().isValid())
-        qDebug() << "Db drivers: " << QSqlDatabase::drivers() << "Db last error: " << database_.lastError().text();
+    statements_.setWriteListener([this](Statement::Effect effect) { noteWrite(effect); });
+    statements_.setRollbackListener([this] {
+        forgetCaches();
+        cacheStrings();
+    });
 }
 
 ObjectDataBase::~ObjectDataBase()
 {
     closeDatabase();
-    // The connection can only be taken off the list when no handle refers to it any more.
-    database_ = QSqlDatabase();
-    QSqlDatabase::removeDatabase(connectionName_);
     for (const QString &copy : std::as_const(workingCopies_))
         WorkingCopies::remove(copy);
 }
 
 void ObjectDataBase::closeDatabase()
 {
-    gate_.waitUntilIdle(closeTimeoutMs);
-    indexStatements_.reset();
-    database_.close();
+    statements_.close();
 }
 
 /// Makes a new working copy, filled from `source` unless that is empty.
@@ -110,43 +81,34 @@ bool ObjectDataBase::connectTo(const QString &workingCopy)
 {
     closeDatabase();
     forgetCaches();
-    damaged_ = workingCopy.isEmpty();
-    if (damaged_)
-        return false;
-    database_.setDatabaseName(QDir::toNativeSeparators(workingCopy));
-    if (database_.open())
-        return true;
-    qDebug() << "error sqlDbFile.open()" << database_.lastError().text();
+    if (!workingCopy.isEmpty())
+        return statements_.open(workingCopy);
+    statements_.noteDamage();
     return false;
 }
 
 void ObjectDataBase::forgetCaches()
 {
     strings_.clear();
-    subCache_.clear();
+    clearSubCache();
     keptSubs_.reset();
-    denotations_.clear();
     spnCache_.clear();
-    indexStatements_.reset();
-    transactionDepth_ = 0;
 }
 
 void ObjectDataBase::applyPragmas(int cachePages)
 {
-    QSqlQuery query = newQuery();
     for (const QString &statement :
          {u"PRAGMA page_size = 4096"_s, u"PRAGMA cache_size = %1"_s.arg(cachePages), u"PRAGMA temp_store = MEMORY"_s,
           u"PRAGMA journal_mode = OFF"_s, u"PRAGMA locking_mode = EXCLUSIVE"_s, u"PRAGMA synchronous  = OFF"_s})
-        execQuery(query, statement);
+        statements_.value({nullptr, statement});
 }
 
 bool ObjectDataBase::createGlobalTables()
 {
-    QSqlQuery query = newQuery();
     for (int i = 0; i < ProjectSchema::globalTableCount; ++i) {
         const auto table = static_cast<ProjectSchema::Table>(i);
-        const QString operation = "Create "_L1 + ProjectSchema::tableName(table);
-        if (!run(operation.toLatin1().constData(), query, ProjectSchema::createStatement(table)))
+        const QByteArray operation = "Create " + QByteArray(ProjectSchema::tableName(table).toString().toLatin1());
+        if (!runSchema(operation.constData(), ProjectSchema::createStatement(table)))
             return false;
     }
     return true;
@@ -154,169 +116,101 @@ bool ObjectDataBase::createGlobalTables()
 
 bool ObjectDataBase::createNewDataBase()
 {
-    if (!connectTo(makeWorkingCopy({})))
-        return false;
+    if (connectTo(makeWorkingCopy({})) && fillNewDataBase())
+        return true;
+    closeDatabase();
+    return false;
+}
+
+bool ObjectDataBase::fillNewDataBase()
+{
     applyPragmas(newProjectCachePages);
-    const Transaction transaction(*this);
-    if (!createGlobalTables())
+    Step step(*this);
+    if (!createGlobalTables() || !addNode(0, NODE_DATA_T()))
         return false;
-    addNode(0, NODE_DATA_T());
     notify(Change::ProjectReplaced);
     setMiscSetting(u"CreateToolVersion"_s, QCoreApplication::applicationVersion());
     setMiscSetting(u"CreateToolName"_s, QCoreApplication::applicationName());
     setMiscSetting(u"DatabaseVersion"_s, QString::number(schemaVersion));
-    return true;
+    return step.commit();
 }
 
 void ObjectDataBase::setBlocked(bool blocked)
 {
     blocked_ = blocked;
     if (blocked)
-        gate_.close();
+        statements_.gate().close();
     else
-        gate_.open();
+        statements_.gate().open();
     Q_EMIT blockStateChanged(blocked);
 }
 
-QSqlQuery ObjectDataBase::newQuery() const
+void ObjectDataBase::noteWrite(Statement::Effect effect)
 {
-    return QSqlQuery(database_);
-}
-
-bool ObjectDataBase::execQuery(QSqlQuery &query, const QString &statement)
-{
-    return execute(query, &statement);
-}
-
-bool ObjectDataBase::execPrepared(QSqlQuery &query)
-{
-    return execute(query, nullptr);
-}
-
-/// Executes a statement, or a prepared query where that is null.
-bool ObjectDataBase::execute(QSqlQuery &query, const QString *statement)
-{
-    bool done = false;
-    {
-        const StoreGate::Passage passage(gate_);
-        done = statement ? query.exec(*statement) : query.exec();
-    }
-    if (done && (writeTracking_ || keptSubs_))
-        tellWrite(statement ? *statement : query.lastQuery());
-    if (!done) {
-        keptSubs_.reset();
-        damaged_ = damaged_ || leavesDamage(query.lastError());
-    }
-    return done;
-}
-
-void ObjectDataBase::tellWrite(const QString &statement)
-{
-    if (!isWriting(statement))
-        return;
-    if (statement.contains("SubObjects"_L1, Qt::CaseInsensitive))
+    // A change of tables may be one of any of them.
+    if (effect != Statement::Effect::Rows)
         keptSubs_.reset();
     if (writeTracking_)
         Q_EMIT databaseWriteExecuted();
 }
 
-void ObjectDataBase::migrationExec(QSqlQuery &query, const QString &statement)
+bool ObjectDataBase::run(const char *operation, const QString &text, const QVariantList &values)
 {
-    if (execQuery(query, statement))
-        return;
-    const QString error = query.lastError().text();
-    if (!error.contains("duplicate column name"_L1, Qt::CaseInsensitive))
-        qDebug().noquote() << "migration statement failed:" << statement << error;
+    return statements_.execute({operation, text, Statement::Effect::Rows}, values);
 }
 
-bool ObjectDataBase::run(const char *operation, QSqlQuery &query, const QString &statement)
+bool ObjectDataBase::runSchema(const char *operation, const QString &text)
 {
-    if (execQuery(query, statement))
-        return true;
-    qDebug().noquote() << operation << statement << query.lastError().text();
-    return false;
+    return statements_.execute({operation, text, Statement::Effect::Schema});
 }
 
-bool ObjectDataBase::run(const char *operation, const QString &statement)
+/// A write to the subindices of a line, of which not even a failure leaves them as they were known.
+bool ObjectDataBase::runSubs(const char *operation, const QString &text, const QVariantList &values)
 {
-    QSqlQuery query = newQuery();
-    return run(operation, query, statement);
+    keptSubs_.reset();
+    return statements_.execute({operation, text, Statement::Effect::Subindices}, values);
 }
 
-bool ObjectDataBase::prepare(const char *operation, QSqlQuery &query, const QString &statement)
-{
-    const StoreGate::Passage passage(gate_);
-    if (query.prepare(statement))
-        return true;
-    damaged_ = damaged_ || leavesDamage(query.lastError());
-    qDebug().noquote() << operation << statement << query.lastError().text();
-    return false;
-}
-
-/// Executes a prepared query whose values are bound.
-bool ObjectDataBase::runPrepared(const char *operation, QSqlQuery &query)
-{
-    if (execPrepared(query))
-        return true;
-    qDebug().noquote() << operation << query.lastQuery() << query.lastError().text();
-    return false;
-}
-
-QVariant ObjectDataBase::selectValue(const QString &statement)
-{
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    return execQuery(query, statement) && query.next() ? query.value(0) : QVariant();
-}
-
-bool ObjectDataBase::selectsRow(const QString &statement)
-{
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    return execQuery(query, statement) && query.next();
-}
-
-/// Executes `update` if the row exists, else `insert`.
+/// Executes `update` if the row exists, else `insert`; the values are those of the columns.
 bool ObjectDataBase::writeRow(const char *operation, const RecordColumns::Row &row, const QString &insert,
-                              const QString &update)
+                              const QString &update, QVariantList values)
 {
-    QSqlQuery query = newQuery();
-    if (!run(operation, query, row.select(u"1"_s)))
+    const QVariant exists = statements_.value({operation, u"select exists(%1)"_s.arg(row.select(u"1"_s))}, row.key());
+    if (!exists.isValid())
         return false;
-    const bool exists = query.next();
-    query.finish();
-    return run(operation, query, exists ? update : insert);
+    values.append(row.key());
+    return run(operation, exists.toBool() ? update : insert, values);
+}
+
+/// Hands a record's values on, and tells of a record that has none as one of its texts breaks the statement.
+std::optional<QVariantList> ObjectDataBase::textsOf(const char *operation, std::optional<QVariantList> values)
+{
+    if (!values)
+        qDebug().noquote() << operation << "failed: a single quote in a text";
+    return values;
 }
 
 /// The text of the pool that the row's column "name" refers to.
 QString ObjectDataBase::selectText(const RecordColumns::Row &row)
 {
-    const QVariant id = selectValue(row.select(u"name"_s));
+    const QVariant id = statements_.value({nullptr, row.select(u"name"_s)}, row.key());
     return id.isNull() ? QString() : strings_.textOf(id.toInt());
 }
 
-QList<quint32> ObjectDataBase::selectNumbers(const QString &statement)
+QList<quint32> ObjectDataBase::selectNumbers(const QString &text, const QVariantList &values)
 {
     QList<quint32> numbers;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (execQuery(query, statement)) {
-        while (query.next())
-            numbers.append(static_cast<quint32>(query.value(0).toLongLong()));
-    }
+    statements_.visit({nullptr, text}, values, [&](const ResultRow &row) { numbers.append(row.number<quint32>(0)); });
     return numbers;
 }
 
 /// The pool's texts of a statement that selects numbers and text ids.
-QHash<quint32, QString> ObjectDataBase::selectNames(const QString &statement)
+QHash<quint32, QString> ObjectDataBase::selectNames(const QString &text, const QVariantList &values)
 {
     QHash<quint32, QString> names;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (execQuery(query, statement)) {
-        while (query.next())
-            names.insert(static_cast<quint32>(query.value(0).toLongLong()), strings_.textOf(query.value(1).toInt()));
-    }
+    statements_.visit({nullptr, text}, values, [&](const ResultRow &row) {
+        names.insert(row.number<quint32>(0), strings_.textOf(row.number<int>(1)));
+    });
     return names;
 }
 
@@ -324,19 +218,4 @@ void ObjectDataBase::notify(Change type, ChangeSet change)
 {
     change.type = static_cast<quint32>(type);
     Q_EMIT updateNotify(change);
-}
-
-ObjectDataBase::Transaction::Transaction(ObjectDataBase &store)
-    : store_(store)
-{
-    if (store_.transactionDepth_++ == 0)
-        store_.run("Transaction", u"begin transaction"_s);
-}
-
-ObjectDataBase::Transaction::~Transaction()
-{
-    if (--store_.transactionDepth_ != 0)
-        return;
-    store_.indexStatements_.reset();
-    store_.run("Transaction", u"commit"_s);
 }

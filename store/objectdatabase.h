@@ -2,7 +2,9 @@
 
 #include "nodedict/pdomapping.h"
 #include "store/spncache.h"
-#include "store/storegate.h"
+#include "store/statements/literaltext.h"
+#include "store/statements/statements.h"
+#include "store/statements/transaction.h"
 #include "store/storerecords.h"
 #include "store/stringpool.h"
 #include "store/subobjectcache.h"
@@ -11,13 +13,11 @@
 #include <QMap>
 #include <QMutex>
 #include <QObject>
-#include <QSqlDatabase>
 #include <QStringList>
 
-#include <memory>
+#include <atomic>
 #include <optional>
 
-class QSqlQuery;
 namespace RecordColumns {
 class Row;
 }
@@ -30,7 +30,10 @@ class Row;
 ///
 /// Records go in and out by value. Adding and updating are one operation: an existing key is updated. Writing
 /// operations return false, or do nothing, while the store is blocked (`setBlocked`). A failed statement is written to
-/// the debug log and reported as false; nothing throws.
+/// the debug log and reported as false; nothing throws. An operation of several statements is done whole or not at all.
+///
+/// Texts with single quotes: names, descriptions and the others of the string pool take them. Other texts are those of
+/// a statement (`Quotes::Literal`) unless the caller has them from a file or a project and wants them kept.
 ///
 /// One store serves all threads through one connection; the gate lets one of them in at a time.
 class ObjectDataBase : public QObject
@@ -69,25 +72,26 @@ public:
     bool createNewDataBase();
     /// Opens a project file of any age and form. A path that ends in "ncxt" is a text project, and opening that
     /// reports true whatever its conversion says. False for anything that is no project, or (`lastError`) that another
-    /// tool's protocols are in. The second argument has no effect.
+    /// tool's protocols are in; then no project is open. The second argument has no effect.
     bool openDataBase(const QString &path, bool unused = false);
     /// Opens a text project; the result is the conversion's.
     bool openTextDatabase(const QString &path);
     /// Saves to the path, or where it is empty to the project path, in the form that the path's ending asks for. A
-    /// text project reports true in any case; whether it could be written is told by `lastError`.
+    /// text project reports true in any case; whether it could be written is told by `lastError`. False without an open
+    /// project.
     bool saveDatabase(const QString &path);
     bool saveDatabaseAsSql(const QString &path);
     bool saveDatabaseAsText(const QString &path);
     /// Waits for statements under way (at most 5 s) and closes the connection.
     void closeDatabase();
-    /// True from a successful create or open on.
-    bool isOpen() const { return database_.isOpen(); }
+    /// True from a successful create or open on, until one fails.
+    bool isOpen() const { return statements_.isOpen(); }
     /// True if there was no place for a working copy, or a statement has failed in a way that leaves it half changed, as
     /// on a full disk: what is read from it is not to be trusted, and a save refuses it.
-    bool isDamaged() const { return damaged_; }
+    bool isDamaged() const { return statements_.isDamaged(); }
     /// Why the last open or save failed; empty where there is nothing to tell the user.
     QString lastError() const { return lastError_; }
-    /// The user's file, as last opened or saved.
+    /// The user's file, as last opened or saved; empty after an open that failed.
     QString projectPath() const { return projectPath_; }
     /// True if the hash of the file did not match its contents when it was opened.
     bool isTampered() const { return tampered_; }
@@ -97,44 +101,46 @@ public:
     /// Compares the stored hash, if there is one, and notes a mismatch in MiscSettings `TamperLog`.
     void verifyFileHash();
 
-    /// Executes a statement; the only way to the database. Raises `databaseWriteExecuted` where that is asked for.
-    bool execQuery(QSqlQuery &query, const QString &statement);
-    /// The same for a query that is prepared and has its values bound.
-    bool execPrepared(QSqlQuery &query);
-    /// Executes a migration statement: a failure is logged unless it says that the column exists already.
-    void migrationExec(QSqlQuery &query, const QString &statement);
-    /// A query on this project's connection.
-    QSqlQuery newQuery() const;
-    /// The connection, for the converter of text projects.
-    QSqlDatabase connection() const { return database_; }
+    /// The only way to the database, for those parts of the store that are not in here.
+    Statements &statements() { return statements_; }
 
     /// Blocks all writing operations and closes the gate for other threads, or undoes both.
     void setBlocked(bool blocked);
     bool isBlocked() const { return blocked_; }
     /// Closes the gate for other threads without blocking writes: for a job that writes.
-    void closeGate() { gate_.close(); }
-    void openGate() { gate_.open(); }
+    void closeGate() { statements_.gate().close(); }
+    void openGate() { statements_.gate().open(); }
     /// While on, each successful writing statement raises `databaseWriteExecuted`.
     void setWriteTracking(bool on) { writeTracking_ = on; }
 
-    /// Groups the statements of its lifetime into one transaction; an inner one joins the outer.
-    class Transaction
+    /// A batch of writes: one transaction, of which stays what succeeded. An inner one joins the outer.
+    class Transaction : public TransactionScope
     {
     public:
-        explicit Transaction(ObjectDataBase &store);
-        ~Transaction();
-        Q_DISABLE_COPY_MOVE(Transaction)
+        explicit Transaction(ObjectDataBase &store)
+            : TransactionScope(store.statements_, Kind::Batch)
+        {
+        }
+    };
 
-    private:
-        ObjectDataBase &store_;
+    /// Writes that belong together: unless it is committed, its end takes them back, also within a batch.
+    class Step : public TransactionScope
+    {
+    public:
+        explicit Step(ObjectDataBase &store)
+            : TransactionScope(store.statements_, Kind::Step)
+        {
+        }
     };
 
     // ---- Object dictionary (objecttables.cpp, objectqueries.cpp, objectcopy.cpp) -----------------------------------
 
     bool addIndex(quint8 line, quint16 index, const INDEX_DATA_T &data);
-    bool addSubIndex(quint8 line, quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data);
+    /// The values of a VISIBLE_STRING are kept in any case.
+    bool addSubIndex(quint8 line, quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data,
+                     Quotes quotes = Quotes::Literal);
     /// All entries in their order in one transaction; goes on after a failure, the result is the last entry's.
-    bool addSubIndices(const QList<SubEntry> &entries);
+    bool addSubIndices(const QList<SubEntry> &entries, Quotes quotes = Quotes::Literal);
     /// Removes an object with its subindices and, unless `keepConnections`, its rows in `Connections`.
     bool removeIndex(quint8 line, quint16 index, bool keepConnections = false);
     bool removeSubIndex(quint8 line, quint16 index, quint8 subindex, bool keepConnections = false);
@@ -169,7 +175,8 @@ public:
     QList<SubKey> getSubKeys(quint8 line);
     quint16 getSubIndexDataType(quint8 line, quint16 index, quint8 subindex);
     QString getSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex);
-    bool setSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex, const QString &value);
+    bool setSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex, const QString &value,
+                                 Quotes quotes = Quotes::Literal);
     /// Subindices whose column holds the value, as a number first, then as text; only those whose object exists.
     QList<SubKey> findSubIndices(quint8 line, const QString &column, const QString &value);
     /// Copies an object over another of this project; the target's former subindices are gone.
@@ -181,16 +188,13 @@ public:
     bool setSubObjectMetadata(quint8 line, quint16 index, quint8 subindex, const Metadata &metadata);
     /// Writes one column of an object row, which is made where it is missing; the form in which text projects arrive.
     void setObjectIndexSqlValue(const QString &table, const QString &index, const QString &column,
-                                const QVariant &value);
+                                const QVariant &value, Quotes quotes = Quotes::Literal);
     void setSubindexSqlValue(const QString &table, const QString &index, const QString &subindex, const QString &column,
-                             const QVariant &value);
+                             const QVariant &value, Quotes quotes = Quotes::Literal);
 
     /// Loads the subindices of a line (`index` 0) or of one object into the cache that `getSubIndex` asks first.
     void cacheAllSubs(quint8 line, quint16 index);
-    /// Loads display names: the denotation, or the name where that is empty.
-    void cacheDenotations(quint8 line, quint16 index);
     void clearSubCache();
-    void clearDenotationCache() { denotations_.clear(); }
 
     /// Id of a text in the pool, adding it where it is new; -1 on failure.
     int getStringId(const QString &text) { return strings_.idOf(text); }
@@ -198,33 +202,34 @@ public:
     void cacheStrings() { strings_.reload(); }
     /// Deletes the texts that no row refers to.
     void removeUnusedStrings();
-    /// Doubles each single quote.
+    /// Doubles each single quote, for a text that is taken as `Quotes::Literal`.
     static void escapeQuotes(QString &text);
-    static QString withQuotesDoubled(QString text);
 
     // ---- Lines (linetables.cpp) ------------------------------------------------------------------------------------
 
     /// Adds or updates a line and makes its tables. Of an existing line five fields stay: `isbootupmanager`,
     /// `isconfigmanager`, `excludepdolinking`, `multilinedata`, `lssslave`.
-    bool addNode(quint8 line, const NODE_DATA_T &data);
+    bool addNode(quint8 line, const NODE_DATA_T &data, Quotes quotes = Quotes::Literal);
     /// Removes a line; the comma lists of later lines move down by one place.
     bool removeNode(quint8 line);
     bool getNode(quint8 line, NODE_DATA_T &data);
     QList<quint8> getNodeList();
     bool nodeExists(quint8 line);
-    void setNodeSqlValue(const QString &nodeId, const QString &column, const QVariant &value);
+    void setNodeSqlValue(const QString &nodeId, const QString &column, const QVariant &value,
+                         Quotes quotes = Quotes::Literal);
     /// The line that the description settings address.
     void setCurrentLine(quint8 line) { currentLine_ = line; }
     quint8 currentLine() const { return currentLine_; }
 
     // ---- Settings (settingstables.cpp) -----------------------------------------------------------------------------
     // Values are text; a missing key reads as empty. A per-line value is a comma list, one part per line; a line
-    // beyond the end takes the last part.
+    // beyond the end takes the last part. Where a quote is not spoken of, a value is kept as it is; a key is a literal.
 
     QString getGeneralSetting(const QString &key);
     QString getGeneralSetting(const QString &key, quint8 line);
-    bool setGeneralSetting(const QString &key, const QString &value);
-    bool setGeneralSetting(const QString &key, const QString &value, quint8 line);
+    bool setGeneralSetting(const QString &key, const QString &value, Quotes quotes = Quotes::Literal);
+    /// The parts of the other lines are kept as they are.
+    bool setGeneralSetting(const QString &key, const QString &value, quint8 line, Quotes quotes = Quotes::Literal);
     /// The keys whose comma lists follow the lines when these are added, removed or cut.
     static QStringList getGeneralSettingKeys();
     bool generalSettingExists(const QString &key);
@@ -235,7 +240,7 @@ public:
     bool setDescriptionSetting(const QString &key, const QString &value);
     bool descriptionSettingExists(const QString &key);
     QString getEnergyBusSetting(const QString &key);
-    bool setEnergyBusSetting(const QString &key, const QString &value);
+    bool setEnergyBusSetting(const QString &key, const QString &value, Quotes quotes = Quotes::Literal);
     bool removeEnergyBusSetting(const QString &key);
     QStringList getEnergyBusSettingKeys();
     QString getMiscSetting(const QString &key);
@@ -246,7 +251,8 @@ public:
     // A direction is `transmit` or `receive`; 0 in a list operation means both.
 
     bool addPGN(quint8 line, quint32 number, const PGN &data);
-    bool addSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, const SPN &data);
+    bool addSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, const SPN &data,
+                Quotes quotes = Quotes::Literal);
     bool removePGN(quint8 line, quint32 number, quint8 direction);
     bool removeSPN(quint8 line, quint32 pgn, quint32 spn, quint8 direction);
     bool pgnExists(quint8 line, quint32 number, quint8 direction);
@@ -276,7 +282,8 @@ public:
 
     bool addCANID(quint8 line, quint32 id, const CANID &data);
     /// An update leaves `pos` and `bitsize` of the element as they were first inserted.
-    bool addDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number, const DataElement &data);
+    bool addDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number, const DataElement &data,
+                        Quotes quotes = Quotes::Literal);
     bool removeCANID(quint8 line, quint32 id, quint8 direction);
     bool removeDataElement(quint8 line, quint32 canid, quint32 number, quint8 direction);
     bool canidExists(quint8 line, quint32 id, quint8 direction);
@@ -318,8 +325,6 @@ Q_SIGNALS:
     void databaseWriteExecuted();
 
 private:
-    friend class StringPool;
-
     // Life
     QString makeWorkingCopy(const QString &source);
     bool connectTo(const QString &workingCopy);
@@ -327,13 +332,16 @@ private:
     void forgetCaches();
     void writeIdentity();
     bool copyWorkingCopyTo(const QString &path);
+    bool fillNewDataBase();
     bool createGlobalTables();
 
     // Steps of an open
+    bool openWorkingCopy(const QString &path);
     bool hasLines();
     void addMissingTablesAndColumns();
     void migrateLine(quint8 line);
-    bool addUniqueColumnsToSubDatabase(quint8 line, QSqlQuery &query);
+    bool addUniqueColumnsToSubDatabase(quint8 line);
+    void migrationExec(const QString &statement);
     bool savedByMatchingTool();
     void completeLine(quint8 line);
     QString inferLineType(quint8 line);
@@ -351,19 +359,17 @@ private:
     void addDescriptionDefaults(quint8 line);
 
     // Statements
-    bool run(const char *operation, QSqlQuery &query, const QString &statement);
-    bool run(const char *operation, const QString &statement);
-    bool prepare(const char *operation, QSqlQuery &query, const QString &statement);
-    bool runPrepared(const char *operation, QSqlQuery &query);
-    QVariant selectValue(const QString &statement);
-    bool selectsRow(const QString &statement);
-    bool writeRow(const char *operation, const RecordColumns::Row &row, const QString &insert, const QString &update);
+    bool run(const char *operation, const QString &text, const QVariantList &values = {});
+    bool runSchema(const char *operation, const QString &text);
+    bool runSubs(const char *operation, const QString &text, const QVariantList &values = {});
+    bool writeRow(const char *operation, const RecordColumns::Row &row, const QString &insert, const QString &update,
+                  QVariantList values);
+    static std::optional<QVariantList> textsOf(const char *operation, std::optional<QVariantList> values);
     QString selectText(const RecordColumns::Row &row);
-    QList<quint32> selectNumbers(const QString &statement);
-    QHash<quint32, QString> selectNames(const QString &statement);
-    bool execute(QSqlQuery &query, const QString *statement);
-    void tellWrite(const QString &statement);
-    bool refusesDamaged();
+    QList<quint32> selectNumbers(const QString &text, const QVariantList &values = {});
+    QHash<quint32, QString> selectNames(const QString &text, const QVariantList &values);
+    void noteWrite(Statement::Effect effect);
+    bool refusesSave();
     void notify(Change type, ChangeSet change = {});
 
     QString descriptionKey(const QString &key) const;
@@ -375,42 +381,41 @@ private:
         Unchanged,
         Written
     };
-    SettingWrite writeSetting(QLatin1StringView table, const QString &key, const QString &literal,
-                              const QString &value);
-    bool setAndNotify(QLatin1StringView table, const QString &key, const QString &literal, const QString &value,
-                      Change change, ChangeSet fields = {});
-    void dropListPart(QLatin1StringView table, quint8 line);
+    SettingWrite writeSetting(QLatin1StringView table, const QString &key, const QString &value, Quotes quotes);
+    bool setAndNotify(QLatin1StringView table, const QString &key, const QString &value, Quotes quotes, Change change,
+                      ChangeSet fields = {});
+    bool writeNodeRow(quint8 line, const NODE_DATA_T &data, Quotes quotes);
+    bool dropListPart(QLatin1StringView table, quint8 line);
     void followWrite(const SubEntry &entry, std::optional<QList<SubEntry>> kept);
-    struct IndexStatements;
-    class SubInsertion;
-    bool storeSubIndex(const SubEntry &entry, SubInsertion *prepared);
-    bool writeSubRow(const SubEntry &entry, SubInsertion *prepared);
+    bool storeSubIndex(const SubEntry &entry, Quotes quotes);
+    bool writeSubRow(const SubEntry &entry, Quotes quotes);
     void ensurePGNColumns(quint8 line);
-    bool setMetadata(const QString &statement, quint16 index, std::optional<quint8> subindex, const Metadata &metadata);
-    void writeColumn(const QString &table, const QString &condition, const QString &insert, const QString &column,
-                     const QVariant &value);
-    void setUDSColumn(quint8 line, quint8 sid, const QString &column, const QString &value);
+    bool copySubs(ObjectDataBase &from, const SubKey &source, const QList<quint8> &subs, const SubKey &target);
+    bool setMetadata(const QString &text, QVariantList key, const Metadata &metadata);
+    enum class UDSColumn
+    {
+        Active,
+        Sessions,
+        UserLevels,
+        Authentication
+    };
+    bool setUDSColumn(quint8 line, quint8 sid, UDSColumn column, const QString &value);
+    QVariant udsValue(quint8 line, quint8 sid, UDSColumn column);
 
-    QString connectionName_;
-    QSqlDatabase database_;
+    Statements statements_;
     QStringList workingCopies_;
     QString projectPath_;
     QString lastError_;
     std::atomic<bool> blocked_ = false;
     bool tampered_ = false;
-    bool damaged_ = false; ///< a statement failed so that the working copy cannot be trusted any more
     bool writeTracking_ = false;
-    int transactionDepth_ = 0;
-    std::shared_ptr<IndexStatements> indexStatements_;
     quint8 currentLine_ = 0;
-    StoreGate gate_;
-    StringPool strings_{*this};
+    StringPool strings_{statements_};
     QMutex cacheMutex_;
     SubObjectCache subCache_;
     bool keepsSubs_ = false;
     quint8 keptLine_ = 0;
     std::optional<QList<SubEntry>> keptSubs_; ///< all of `keptLine_`, as its table is
-    QHash<quint32, QString> denotations_;
     SpnCache spnCache_;
 };
 

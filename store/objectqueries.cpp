@@ -2,147 +2,130 @@
 
 #include "store/objectdatabase.h"
 
+#include "store/schema.h"
+
+#include <QRegularExpression>
 #include <QSet>
-#include <QSqlQuery>
+
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+QString subColumnSelect(quint8 line, const QString &column)
+{
+    return u"select %1 from SubObjects%2 where objectindex = ? and subindex = ?"_s.arg(column, QString::number(line));
+}
+
+/// A value as a statement holds it without quotes: a number; nothing for another text.
+std::optional<QVariant> numberOf(const QString &value)
+{
+    static const QRegularExpression hexadecimal(u"^0[xX][0-9a-fA-F]{1,16}$"_s);
+    bool ok = false;
+    if (const qint64 number = value.toLongLong(&ok); ok)
+        return number;
+    if (hexadecimal.match(value).hasMatch())
+        return static_cast<qint64>(value.toULongLong(nullptr, 16));
+    const double number = value.toDouble(&ok);
+    return ok && std::isfinite(number) ? std::optional<QVariant>(number) : std::nullopt;
+}
+
+} // namespace
+
 bool ObjectDataBase::indexExists(quint8 line, quint16 index)
 {
-    return selectsRow(u"select objectindex from Objects%1 where objectindex = %2"_s.arg(line).arg(index));
+    return statements_.hasRow({nullptr, u"select objectindex from Objects%1 where objectindex = ?"_s.arg(line)},
+                              {index});
 }
 
 bool ObjectDataBase::subIndexExists(quint8 line, quint16 index, quint8 subindex)
 {
-    return selectsRow(
-        u"select subindex from SubObjects%1 where objectindex = %2 and subindex = %3"_s.arg(line).arg(index).arg(
-            subindex));
+    return statements_.hasRow({nullptr, subColumnSelect(line, u"subindex"_s)}, {index, subindex});
 }
 
 QString ObjectDataBase::getIndexName(quint8 line, quint16 index)
 {
-    const QVariant id = selectValue(u"select name from Objects%1 where objectindex = %2"_s.arg(line).arg(index));
+    const QVariant id =
+        statements_.value({nullptr, u"select name from Objects%1 where objectindex = ?"_s.arg(line)}, {index});
     return id.isNull() ? QString() : strings_.textOf(id.toInt());
 }
 
 QList<quint16> ObjectDataBase::getIndexList(quint8 line, quint16 first, quint16 last)
 {
     QList<quint16> indices;
-    for (const quint32 index : selectNumbers(
-             u"select objectindex from Objects%1 where objectindex between %2 and %3 order by objectindex asc"_s
-                 .arg(line)
-                 .arg(first)
-                 .arg(last)))
-        indices.append(static_cast<quint16>(index));
+    statements_.visit(
+        {nullptr,
+         u"select objectindex from Objects%1 where objectindex between ? and ? order by objectindex asc"_s.arg(line)},
+        {first, last}, [&](const ResultRow &row) { indices.append(row.number<quint16>(0)); });
     return indices;
 }
 
 QMap<quint16, QString> ObjectDataBase::getIndexNames(quint8 line, quint16 first, quint16 last)
 {
     QMap<quint16, QString> names;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (!execQuery(
-            query,
-            u"select objectindex, name from Objects%1 where objectindex between %2 and %3"_s.arg(line).arg(first).arg(
-                last)))
-        return names;
-    while (query.next()) {
-        const QVariant name = query.value(1);
-        names.insert(static_cast<quint16>(query.value(0).toUInt()),
-                     name.isNull() ? QString() : strings_.textOf(name.toInt()));
-    }
+    statements_.visit(
+        {nullptr, u"select objectindex, name from Objects%1 where objectindex between ? and ?"_s.arg(line)},
+        {first, last}, [&](const ResultRow &row) {
+            const QVariant name = row.value(1);
+            names.insert(row.number<quint16>(0), name.isNull() ? QString() : strings_.textOf(name.toInt()));
+        });
     return names;
 }
 
 QMap<quint16, quint32> ObjectDataBase::getObjectTypes(quint8 line, quint16 first, quint16 last)
 {
     QMap<quint16, quint32> types;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    const QString statement =
-        u"select objectindex, objecttype from Objects%1 where objectindex between %2 and %3 order by objectindex"_s
-            .arg(line)
-            .arg(first)
-            .arg(last);
-    if (execQuery(query, statement)) {
-        while (query.next())
-            types.insert(static_cast<quint16>(query.value(0).toUInt()), query.value(1).toUInt());
-    }
+    statements_.visit(
+        {nullptr, u"select objectindex, objecttype from Objects%1 where objectindex between ? and ?"_s.arg(line)},
+        {first, last}, [&](const ResultRow &row) { types.insert(row.number<quint16>(0), row.number<quint32>(1)); });
     return types;
 }
 
 QList<ObjectDataBase::SubKey> ObjectDataBase::getSubKeys(quint8 line)
 {
     QList<SubKey> keys;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (execQuery(query,
-                  u"select objectindex, subindex from SubObjects%1 order by objectindex, subindex"_s.arg(line))) {
-        while (query.next())
-            keys.append(
-                {static_cast<quint16>(query.value(0).toUInt()), static_cast<quint8>(query.value(1).toUInt()), line});
-    }
+    statements_.visit(
+        {nullptr, u"select objectindex, subindex from SubObjects%1 order by objectindex, subindex"_s.arg(line)}, {},
+        [&](const ResultRow &row) {
+            keys.append({row.number<quint16>(0), row.number<quint8>(1), line});
+        });
     return keys;
 }
 
 quint16 ObjectDataBase::getSubIndexDataType(quint8 line, quint16 index, quint8 subindex)
 {
     return static_cast<quint16>(
-        selectValue(
-            u"select datatype from SubObjects%1 where objectindex = %2 and subindex = %3"_s.arg(line).arg(index).arg(
-                subindex))
-            .toUInt());
+        statements_.value({nullptr, subColumnSelect(line, u"datatype"_s)}, {index, subindex}).toUInt());
 }
 
 QString ObjectDataBase::getSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex)
 {
-    return selectValue(u"select defaultvalue from SubObjects%1 where objectindex = %2 and subindex = %3"_s.arg(line)
-                           .arg(index)
-                           .arg(subindex))
-        .toString();
+    return statements_.value({nullptr, subColumnSelect(line, u"defaultvalue"_s)}, {index, subindex}).toString();
 }
 
 QList<ObjectDataBase::SubKey> ObjectDataBase::findSubIndices(quint8 line, const QString &column, const QString &value)
 {
-    QSet<quint32> seen;
     QList<SubKey> found;
-    for (const QString &literal : {value, u'\'' + value + u'\''}) {
-        QSqlQuery query = newQuery();
-        query.setForwardOnly(true);
-        const QString statement =
-            u"select objectindex,subindex from SubObjects%1 as sub where (%2 = %3) and exists (select 1 from Objects%1 "
-            "where Objects%1.objectindex = sub.objectindex) order by objectindex,subindex ASC"_s.arg(
-                QString::number(line), column, literal);
-        if (!execQuery(query, statement))
-            continue;
-        while (query.next()) {
-            const quint32 index = query.value(0).toUInt();
-            const auto sub = static_cast<quint8>(query.value(1).toUInt());
-            const quint32 key = SubObjectCache::key(static_cast<quint16>(index), sub);
-            if (!seen.contains(key)) {
-                seen.insert(key);
-                found.append({static_cast<quint16>(index), sub, line});
-            }
-        }
-    }
+    if (!ProjectSchema::columnNames(ProjectSchema::LineTable::SubObjects).contains(column, Qt::CaseInsensitive))
+        return found;
+    const QString text =
+        u"select objectindex, subindex from SubObjects%1 as sub where %2 = ? and exists (select 1 from Objects%1 where "
+        "Objects%1.objectindex = sub.objectindex) order by objectindex, subindex"_s.arg(QString::number(line), column);
+    QSet<quint32> seen;
+    const auto collect = [&](const QVariant &sought) {
+        statements_.visit({nullptr, text}, {sought}, [&](const ResultRow &row) {
+            const SubKey key{row.number<quint16>(0), row.number<quint8>(1), line};
+            const quint32 number = SubObjectCache::key(key.index, key.subindex);
+            if (!seen.contains(number))
+                found.append(key);
+            seen.insert(number);
+        });
+    };
+    if (const std::optional<QVariant> number = numberOf(value))
+        collect(*number);
+    collect(value);
     return found;
-}
-
-void ObjectDataBase::cacheDenotations(quint8 line, quint16 index)
-{
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    const QString condition = index != 0 ? u" where objectindex = %1"_s.arg(index) : QString();
-    if (!execQuery(query, u"select denotation, name, objectindex, subindex from SubObjects%1%2"_s.arg(
-                              QString::number(line), condition)))
-        return;
-    while (query.next()) {
-        QString display = strings_.textOf(query.value(0).toInt());
-        if (display.isEmpty())
-            display = strings_.textOf(query.value(1).toInt());
-        denotations_.insert(query.value(2).toUInt() << 16 | quint32{line} << 8 | query.value(3).toUInt(), display);
-    }
 }
 
 void ObjectDataBase::removeUnusedStrings()
@@ -165,10 +148,10 @@ void ObjectDataBase::removeUnusedStrings()
     for (const quint32 id : selectNumbers(u"select name from Signals"_s))
         used.insert(id);
 
-    const Transaction transaction(*this);
+    Transaction transaction(*this);
     for (const quint32 id : selectNumbers(u"select id from Strings"_s)) {
         if (!used.contains(id))
-            run("removeUnusedStrings", u"delete from Strings where id = %1"_s.arg(id));
+            run("removeUnusedStrings", u"delete from Strings where id = ?"_s, {id});
     }
     cacheStrings();
 }

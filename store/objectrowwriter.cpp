@@ -5,17 +5,19 @@
 
 #include <QDebug>
 #include <QRegularExpression>
-#include <QSqlError>
 #include <QVarLengthArray>
 
 #include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
+using ProjectSchema::LineTable;
 
 namespace {
 
-/// An object's index or a subindex as SQL reads it: decimal, or hexadecimal behind "0x".
+constexpr auto operation = "error writeColumn";
+
+/// An object's index or a subindex: decimal, or hexadecimal behind "0x".
 std::optional<uint> numberOf(const QString &text)
 {
     bool ok = false;
@@ -28,170 +30,179 @@ bool isPooled(const QString &column)
     return column == "name"_L1 || column == "description"_L1;
 }
 
-bool hasPlainPath(const TextRow &row)
+std::optional<LineTable> familyOf(const QString &table)
 {
-    return std::all_of(row.groups.begin(), row.groups.end(),
-                       [](const QString &group) { return numberOf(group).has_value(); });
-}
-
-int bindPath(QSqlQuery &query, const TextRow &row)
-{
-    int place = 0;
-    for (const QString &group : row.groups)
-        query.bindValue(place++, *numberOf(group));
-    return place;
-}
-
-bool logged(const QSqlQuery &query, const QString &statement)
-{
-    qDebug().noquote() << "ObjectRowWriter" << statement << "failed:" << query.lastError().text();
-    return false;
-}
-
-bool prepare(QSqlQuery &query, const QString &statement)
-{
-    query.setForwardOnly(true);
-    return query.prepare(statement) || logged(query, statement);
-}
-
-bool execute(QSqlQuery &query)
-{
-    return query.exec() || logged(query, query.lastQuery());
+    static const QRegularExpression form(u"^(Sub)?Objects\\d{1,3}$"_s);
+    const auto match = form.match(table);
+    if (!match.hasMatch())
+        return std::nullopt;
+    return match.capturedLength(1) > 0 ? LineTable::SubObjects : LineTable::Objects;
 }
 
 } // namespace
 
-ObjectRowWriter::ObjectRowWriter(ObjectDataBase &store, const QSqlDatabase &database, QString table,
-                                 QStringList columns, bool isSubObject)
+ObjectRowWriter::ObjectRowWriter(ObjectDataBase &store, QString table)
     : store_(store)
     , table_(std::move(table))
-    , tableColumns_(std::move(columns))
-    , isSubObject_(isSubObject)
-    , select_(database)
-    , insert_(database)
+    , family_(familyOf(table_))
+    , keyColumns_{u"objectindex"_s}
 {
-    keyColumns_.append(u"objectindex"_s);
-    if (isSubObject)
+    if (family_ == LineTable::SubObjects)
         keyColumns_.append(u"subindex"_s);
-    isUsable_ = prepare(select_, u"SELECT 1 FROM %1 WHERE %2 = ?"_s.arg(table_, keyColumns_.join(" = ? AND "_L1)));
 }
 
-void ObjectRowWriter::write(const TextRow &row)
+void ObjectRowWriter::writeValue(const QStringList &groups, const QString &column, const QVariant &value, Quotes quotes)
 {
-    if (!isUsable_ || store_.isBlocked())
+    if (!value.isValid())
         return;
-    if (row.columns != columns_)
-        takeColumns(row.columns);
-    if (columnsArePlain_ && hasPlainPath(row) && !exists(row)) {
-        insertWhole(row);
+    const std::optional<QVariantList> key = keyOf(groups);
+    if (!key || !ProjectSchema::columnNames(*family_).contains(column, Qt::CaseInsensitive)) {
+        qDebug().noquote() << operation << table_ << groups.join(u'/') << column;
+        return;
+    }
+    if (writeAttributes(*key, column, value))
+        return;
+    const std::optional<QVariant> text = stored(column, value, quotes);
+    if (!text || (!exists(*key) && !insertRow({}, {}, *key)))
+        return;
+    run(u"update %1 set %2 = ? where %3"_s.arg(table_, column, condition()), QVariantList{*text} + *key);
+}
+
+void ObjectRowWriter::writeRow(const TextRow &row)
+{
+    if (store_.isBlocked())
+        return;
+    const std::optional<QVariantList> key = keyOf(row.groups);
+    if (key && isPlain(row.columns) && !exists(*key)) {
+        insertWhole(row, *key);
     } else {
         for (qsizetype i = 0; i < row.columns.size(); ++i)
-            writeSingle(row, i);
+            writeValue(row.groups, row.columns.at(i), row.values.at(i), Quotes::Kept);
     }
+}
+
+void ObjectRowWriter::insertWhole(const TextRow &row, const QVariantList &key)
+{
+    QVariantList values;
+    QVarLengthArray<qsizetype, 4> later;
+    bool anyValue = false;
+    for (qsizetype i = 0; i < row.columns.size(); ++i) {
+        const QString &column = row.columns.at(i);
+        const QVariant &value = row.values.at(i);
+        values.append(blankValue(column));
+        if (isAttributes(column, value)) {
+            // Attributes only reach a row that exists; one of which they are the first key does not yet.
+            if (anyValue)
+                later.append(i);
+            else
+                writeAttributes(key, column, value);
+        } else if (value.isValid()) {
+            anyValue = true;
+            if (const std::optional<QVariant> text = stored(column, value, Quotes::Kept))
+                values.last() = *text;
+        }
+    }
+    if (anyValue)
+        insertRow(row.columns, values, key);
+    for (const qsizetype i : later)
+        writeAttributes(key, row.columns.at(i), row.values.at(i));
+}
+
+std::optional<QVariantList> ObjectRowWriter::keyOf(const QStringList &groups) const
+{
+    QVariantList key;
+    for (const QString &group : groups) {
+        const std::optional<uint> number = numberOf(group);
+        if (!number)
+            return std::nullopt;
+        key.append(*number);
+    }
+    return family_ && key.size() == keyColumns_.size() ? std::optional(key) : std::nullopt;
+}
+
+/// True if all are columns of the table and none is of its key: a row cannot be given another key and written at once.
+bool ObjectRowWriter::isPlain(const QStringList &columns) const
+{
+    const QStringList known = ProjectSchema::columnNames(*family_);
+    return std::ranges::all_of(
+        columns, [&](const QString &column) { return known.contains(column) && !keyColumns_.contains(column); });
+}
+
+QString ObjectRowWriter::condition() const
+{
+    return keyColumns_.join(" = ? and "_L1) + " = ?"_L1;
+}
+
+bool ObjectRowWriter::exists(const QVariantList &key) const
+{
+    return store_.statements().hasRow({operation, u"select 1 from %1 where %2"_s.arg(table_, condition())}, key);
 }
 
 /// What a new row holds in a column that nothing is told about.
 QVariant ObjectRowWriter::blankValue(const QString &column) const
 {
     static const QStringList neverNull = {u"datatype"_s, u"accesstype"_s, u"implementation"_s};
-    return isSubObject_ && !neverNull.contains(column) ? QVariant() : QVariant(0);
+    return family_ == LineTable::SubObjects && !neverNull.contains(column) ? QVariant() : QVariant(0);
 }
 
-/// Prepares the insertion of a row with these columns; the next row mostly has the same.
-void ObjectRowWriter::takeColumns(const QStringList &columns)
+/// Makes the statement that inserts a row with these columns; the next row mostly has the same.
+QString ObjectRowWriter::insertion(const QStringList &columns)
 {
-    columns_ = columns;
-    blanks_.clear();
-    // A row cannot be given another key and written at once.
-    columnsArePlain_ = std::all_of(columns.begin(), columns.end(), [this](const QString &column) {
-        return tableColumns_.contains(column) && !keyColumns_.contains(column);
-    });
-    if (!columnsArePlain_)
-        return;
-    for (const QString &column : columns)
-        blanks_.append(blankValue(column));
-    QStringList names = keyColumns_ + columns;
+    if (columns == columns_ && !insertion_.isEmpty())
+        return insertion_;
+    QStringList names = columns + keyColumns_;
     QStringList values(names.size(), u"?"_s);
-    for (const QString &column : std::as_const(tableColumns_)) {
+    for (const QString &column : ProjectSchema::columnNames(*family_)) {
         if (const QVariant blank = blankValue(column); !names.contains(column) && !blank.isNull()) {
             names.append(column);
             values.append(blank.toString());
         }
     }
-    columnsArePlain_ =
-        prepare(insert_, u"INSERT INTO %1 (%2) VALUES (%3)"_s.arg(table_, names.join(u','), values.join(u',')));
+    columns_ = columns;
+    insertion_ = u"insert into %1 (%2) values(%3)"_s.arg(table_, names.join(u','), values.join(u','));
+    return insertion_;
 }
 
-bool ObjectRowWriter::exists(const TextRow &row)
+bool ObjectRowWriter::insertRow(const QStringList &columns, const QVariantList &values, const QVariantList &key)
 {
-    bindPath(select_, row);
-    const bool found = execute(select_) && select_.next();
-    select_.finish();
-    return found;
+    return run(insertion(columns), values + key);
 }
 
-void ObjectRowWriter::insertWhole(const TextRow &row)
+bool ObjectRowWriter::run(const QString &text, const QVariantList &values)
 {
-    int place = bindPath(insert_, row);
-    QVarLengthArray<qsizetype, 4> later;
-    bool anyValue = false;
-    for (qsizetype i = 0; i < row.columns.size(); ++i) {
-        QVariant value = blanks_.at(i);
-        if (isAttributes(row, i)) {
-            // Attributes only reach a row that exists; one of which they are the first key does not yet.
-            if (anyValue)
-                later.append(i);
-            else
-                writeSingle(row, i);
-        } else if (row.values.at(i).isValid()) {
-            anyValue = true;
-            if (!takeValue(row, i, value))
-                later.append(i);
-        }
-        insert_.bindValue(place++, value);
-    }
-    if (anyValue)
-        execute(insert_);
-    for (const qsizetype i : later)
-        writeSingle(row, i);
+    return store_.statements().execute({operation, text, Statement::Effect::Subindices}, values);
 }
 
-/// The value to bind; false for one that does not mean the same bound as it does in the text of a statement.
-bool ObjectRowWriter::takeValue(const TextRow &row, qsizetype i, QVariant &value)
+bool ObjectRowWriter::isAttributes(const QString &column, const QVariant &value)
 {
-    const QString text = row.values.at(i).toString();
-    const QString &column = row.columns.at(i);
-    if (isPooled(column)) {
-        value = store_.getStringId(text);
-        return true;
-    }
-    if (text.contains(QChar::Null))
+    return column == "metadata"_L1 && !MetadataBlob::parse(value.toByteArray()).isEmpty();
+}
+
+/// True if the value was attributes, which go to the line that the table's last character tells: a line above 9 has
+/// never been understood here.
+bool ObjectRowWriter::writeAttributes(const QVariantList &key, const QString &column, const QVariant &value)
+{
+    if (!isAttributes(column, value))
         return false;
-    const bool isSimple = std::none_of(text.begin(), text.end(), [](QChar ch) { return ch.isSpace(); });
-    // A null text would be bound as NULL.
-    const QString simple = isSimple ? text : text.simplified();
-    value = simple.isEmpty() ? u""_s : simple;
+    const auto line = static_cast<quint8>(table_.back().digitValue());
+    const auto index = static_cast<quint16>(key.first().toUInt());
+    const StoreRecords::Metadata attributes = MetadataBlob::parse(value.toByteArray());
+    if (family_ == LineTable::SubObjects)
+        store_.setSubObjectMetadata(line, index, static_cast<quint8>(key.last().toUInt()), attributes);
+    else
+        store_.setObjectMetadata(line, index, attributes);
     return true;
 }
 
-bool ObjectRowWriter::isAttributes(const TextRow &row, qsizetype i) const
+/// What is bound for a value; nothing, and a word in the log, for a text that cannot be stored.
+std::optional<QVariant> ObjectRowWriter::stored(const QString &column, const QVariant &value, Quotes quotes) const
 {
-    return row.columns.at(i) == "metadata"_L1 && table_.back().isDigit() &&
-           !MetadataBlob::parse(row.values.at(i).toByteArray()).isEmpty();
-}
-
-void ObjectRowWriter::writeSingle(const TextRow &row, qsizetype i)
-{
-    static const QRegularExpression word(u"^\\w+$"_s);
-    const QString &column = row.columns.at(i);
-    QVariant value = row.values.at(i);
-    // The writers place a value in their statement as it stands.
-    if (value.typeId() == QMetaType::QString && !isPooled(column))
-        value = ObjectDataBase::withQuotesDoubled(value.toString());
-    if (!hasPlainPath(row) || !word.match(column).hasMatch())
-        qDebug().noquote() << "error" << table_ << row.groups.join(u'/') << column;
-    else if (isSubObject_)
-        store_.setSubindexSqlValue(table_, row.groups.first(), row.groups.last(), column, value);
-    else
-        store_.setObjectIndexSqlValue(table_, row.groups.first(), column, value);
+    if (isPooled(column))
+        return store_.getStringId(value.toString());
+    const QString text = value.toString().simplified();
+    const std::optional<QString> literal = LiteralText::stored(text, quotes);
+    if (literal && !literal->contains(QChar::Null))
+        return *literal;
+    qDebug().noquote() << operation << table_ << column << "cannot be" << text;
+    return std::nullopt;
 }

@@ -1,6 +1,8 @@
 #pragma once
 
-#include <QSqlQuery>
+#include "store/schema.h"
+#include "store/statements/literaltext.h"
+
 #include <QStringList>
 #include <QVariant>
 
@@ -16,36 +18,37 @@ struct TextRow
     QVariantList values; ///< of the columns
 };
 
-/// Writes rows of `Objects%1` or `SubObjects%1` from the text form of a project: one statement for a row that is new
-/// and holds nothing odd, with the outcome that the store's writers of single values would leave. Other than those it
-/// keeps a value with a single quote in it.
+/// Writes `Objects%1` and `SubObjects%1` as the text form of a project tells them. Values have their white space
+/// simplified; names and descriptions go to the pool. A row that is missing is made, with 0 in its other columns or, in
+/// one of a subindex, NULL where that may stand.
 class ObjectRowWriter
 {
 public:
-    /// `columns` are the table's.
-    ObjectRowWriter(ObjectDataBase &store, const QSqlDatabase &database, QString table, QStringList columns,
-                    bool isSubObject);
+    ObjectRowWriter(ObjectDataBase &store, QString table);
 
-    void write(const TextRow &row);
+    /// One value; nothing for an invalid one. A failure is logged.
+    void writeValue(const QStringList &groups, const QString &column, const QVariant &value, Quotes quotes);
+    /// A whole row, with quotes kept: one statement where it is new, with the outcome of its values one by one.
+    void writeRow(const TextRow &row);
 
 private:
+    std::optional<QVariantList> keyOf(const QStringList &groups) const;
+    bool isPlain(const QStringList &columns) const;
+    QString condition() const;
+    bool exists(const QVariantList &key) const;
     QVariant blankValue(const QString &column) const;
-    void takeColumns(const QStringList &columns);
-    bool exists(const TextRow &row);
-    void insertWhole(const TextRow &row);
-    bool takeValue(const TextRow &row, qsizetype i, QVariant &value);
-    bool isAttributes(const TextRow &row, qsizetype i) const;
-    void writeSingle(const TextRow &row, qsizetype i);
+    QString insertion(const QStringList &columns);
+    bool insertRow(const QStringList &columns, const QVariantList &values, const QVariantList &key);
+    void insertWhole(const TextRow &row, const QVariantList &key);
+    bool run(const QString &text, const QVariantList &values);
+    static bool isAttributes(const QString &column, const QVariant &value);
+    bool writeAttributes(const QVariantList &key, const QString &column, const QVariant &value);
+    std::optional<QVariant> stored(const QString &column, const QVariant &value, Quotes quotes) const;
 
     ObjectDataBase &store_;
     QString table_;
-    QStringList tableColumns_;
+    std::optional<ProjectSchema::LineTable> family_; ///< none for a table of another kind
     QStringList keyColumns_;
-    bool isSubObject_;
-    bool isUsable_ = false;
-    QStringList columns_; ///< of the row that the insertion is prepared for
-    QVariantList blanks_; ///< of those columns
-    bool columnsArePlain_ = false;
-    QSqlQuery select_;
-    QSqlQuery insert_;
+    QStringList columns_; ///< of the last insertion
+    QString insertion_;   ///< its statement
 };

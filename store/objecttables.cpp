@@ -8,7 +8,6 @@
 
 #include <QDebug>
 #include <QMutexLocker>
-#include <QSqlQuery>
 
 #include <algorithm>
 #include <utility>
@@ -76,11 +75,6 @@ quint32 keyOf(const ObjectDataBase::SubEntry &entry)
     return SubObjectCache::key(entry.index, entry.subindex);
 }
 
-QString placeholders(std::size_t count)
-{
-    return QStringList(static_cast<qsizetype>(count), u"?"_s).join(u',');
-}
-
 QString subSelect(quint8 line, const QString &condition)
 {
     static const QString columns = RecordColumns::names(subColumns);
@@ -90,116 +84,45 @@ QString subSelect(quint8 line, const QString &condition)
 
 QString indexSelect(quint8 line)
 {
-    return u"select objectindex, metadata, %1 from Objects%2"_s.arg(RecordColumns::names(indexColumns),
-                                                                    QString::number(line));
+    static const QString columns = RecordColumns::names(indexColumns);
+    return u"select objectindex, metadata, %1 from Objects%2"_s.arg(columns, QString::number(line));
 }
 
 /// Reads a row of `indexSelect`.
-void readIndex(const QSqlQuery &query, ObjectDataBase::INDEX_DATA_T &data, StringPool &pool)
+void readIndex(const ResultRow &row, ObjectDataBase::INDEX_DATA_T &data, StringPool &pool)
 {
-    data.metadata = MetadataBlob::parse(query.value(1).toByteArray());
-    RecordColumns::readRow(indexColumns, query, data, pool, 2);
+    data.metadata = MetadataBlob::parse(row.value(1).toByteArray());
+    RecordColumns::readRow(indexColumns, row, data, pool, 2);
 }
 
 /// Reads a row of `subSelect`.
-void readSub(const QSqlQuery &query, Sub &data, StringPool &pool)
+void readSub(const ResultRow &row, Sub &data, StringPool &pool)
 {
-    data.metadata = MetadataBlob::parse(query.value(2).toByteArray());
-    RecordColumns::readRow(subColumns, query, data, pool, 3);
+    data.metadata = MetadataBlob::parse(row.value(2).toByteArray());
+    RecordColumns::readRow(subColumns, row, data, pool, 3);
 }
 
-ObjectDataBase::SubEntry subOfRow(const QSqlQuery &query, quint8 line, StringPool &pool)
+ObjectDataBase::SubEntry subOfRow(const ResultRow &row, quint8 line, StringPool &pool)
 {
-    ObjectDataBase::SubEntry entry{.line = line,
-                                   .index = static_cast<quint16>(query.value(0).toUInt()),
-                                   .subindex = static_cast<quint8>(query.value(1).toUInt()),
-                                   .data = {}};
-    readSub(query, entry.data, pool);
+    ObjectDataBase::SubEntry entry{
+        .line = line, .index = row.number<quint16>(0), .subindex = row.number<quint8>(1), .data = {}};
+    readSub(row, entry.data, pool);
     return entry;
+}
+
+/// What is bound for a subindex. The values of a VISIBLE_STRING have always been written with their quotes doubled.
+std::optional<QVariantList> subValues(const Sub &data, const RecordColumns::TextIds &ids, Quotes quotes)
+{
+    if (data.datatype == CAN::VisibleString)
+        return RecordColumns::values(subColumns, data, ids, quotes, {}, {"defaultvalue"_L1, "currentvalue"_L1});
+    return RecordColumns::values(subColumns, data, ids, quotes);
 }
 
 } // namespace
 
-/// What writes the objects of a line, prepared; kept for the time of a transaction.
-struct ObjectDataBase::IndexStatements
-{
-    IndexStatements(ObjectDataBase &store, quint8 ofLine)
-        : line(ofLine)
-        , select(store.newQuery())
-        , insert(store.newQuery())
-        , update(store.newQuery())
-    {
-        const QString table = u"Objects%1"_s.arg(line);
-        const QString names = RecordColumns::names(indexColumns);
-        select.setForwardOnly(true);
-        usable = store.prepare("addIndex", select, u"select objectindex from %1 where objectindex = ?"_s.arg(table)) &&
-                 store.prepare("addIndex", insert,
-                               u"insert into %1 (%2, objectindex, metadata) values(%3, 0)"_s.arg(
-                                   table, names, placeholders(indexColumns.size() + 1))) &&
-                 store.prepare("addIndex", update,
-                               u"update %1 set %2 = ? where objectindex = ?"_s.arg(
-                                   table, QString(names).replace(", "_L1, " = ?, "_L1)));
-    }
-
-    quint8 line;
-    bool usable = false;
-    QSqlQuery select;
-    QSqlQuery insert; ///< the columns, then the index; as in `update`
-    QSqlQuery update;
-};
-
-/// The prepared insertion of the subindices of a line. A value that is the one of the row before stays bound, which
-/// most are.
-class ObjectDataBase::SubInsertion
-{
-public:
-    SubInsertion(ObjectDataBase &store, quint8 line)
-        : store_(store)
-        , query_(store.newQuery())
-    {
-        const QString columns = RecordColumns::names(subColumns);
-        usable_ = store.prepare(
-            "addSubIndex", query_,
-            u"insert or replace into SubObjects%1 (objectindex, subindex, %2, metadata) values(%3, 0)"_s.arg(
-                QString::number(line), columns, placeholders(subColumns.size() + 2)));
-    }
-
-    /// Nothing for a row in which a text holds a quote.
-    std::optional<bool> write(const SubEntry &entry, const RecordColumns::TextIds &ids)
-    {
-        QVariantList values{entry.index, entry.subindex};
-        values.reserve(2 + static_cast<qsizetype>(subColumns.size()));
-        for (const Column<Sub> &column : subColumns) {
-            values.append(RecordColumns::valueOf(column, entry.data, ids));
-            if (values.last().typeId() == QMetaType::QString && values.last().toString().contains(u'\''))
-                return std::nullopt;
-        }
-        if (!usable_)
-            return std::nullopt;
-        for (int place = 0; place < values.size(); ++place) {
-            if (bound_.isEmpty() || bound_.at(place) != values.at(place))
-                query_.bindValue(place, values.at(place));
-        }
-        bound_ = std::move(values);
-        return store_.execPrepared(query_);
-    }
-
-private:
-    ObjectDataBase &store_;
-    QSqlQuery query_;
-    QVariantList bound_;
-    bool usable_ = false;
-};
-
 void ObjectDataBase::escapeQuotes(QString &text)
 {
     text.replace(u'\'', "''"_L1);
-}
-
-QString ObjectDataBase::withQuotesDoubled(QString text)
-{
-    escapeQuotes(text);
-    return text;
 }
 
 bool ObjectDataBase::addIndex(quint8 line, quint16 index, const INDEX_DATA_T &data)
@@ -208,56 +131,57 @@ bool ObjectDataBase::addIndex(quint8 line, quint16 index, const INDEX_DATA_T &da
         return false;
     const auto ids =
         RecordColumns::intern(indexColumns, data, strings_, {"description"_L1, "name"_L1, "device_class"_L1});
-    std::shared_ptr<IndexStatements> own;
-    std::shared_ptr<IndexStatements> &statements = transactionDepth_ > 0 ? indexStatements_ : own;
-    if (!statements || !statements->usable || statements->line != line)
-        statements = std::make_shared<IndexStatements>(*this, line);
-    QSqlQuery &select = statements->select;
-    select.bindValue(0, index);
-    if (!statements->usable || !runPrepared("addIndex", select))
+    const QString table = u"Objects%1"_s.arg(line);
+    static const QString names = RecordColumns::names(indexColumns);
+    static const QString assignments = RecordColumns::assignments(indexColumns);
+    static const QString places = SqlText::places(indexColumns.size() + 1);
+    const QVariant exists =
+        statements_.value({"addIndex", u"select exists(select 1 from %1 where objectindex = ?)"_s.arg(table)}, {index});
+    if (!exists.isValid())
         return false;
-    const bool exists = select.next();
-    select.finish();
-    QSqlQuery &write = exists ? statements->update : statements->insert;
-    int place = 0;
-    for (const Column<Index> &column : indexColumns)
-        write.bindValue(place++, RecordColumns::valueOf(column, data, ids));
-    write.bindValue(place, index);
-    const bool done = runPrepared("addIndex", write);
+    QVariantList values = *RecordColumns::values(indexColumns, data, ids, Quotes::Kept);
+    values.append(index);
+    std::optional<Step> withAttributes;
     if (!data.metadata.isEmpty())
-        setObjectMetadata(line, index, data.metadata);
+        withAttributes.emplace(*this);
+    bool done =
+        run("addIndex",
+            exists.toBool() ? u"update %1 set %2 where objectindex = ?"_s.arg(table, assignments)
+                            : u"insert into %1 (%2, objectindex, metadata) values(%3, 0)"_s.arg(table, names, places),
+            values);
+    if (withAttributes)
+        done = done && setObjectMetadata(line, index, data.metadata) && withAttributes->commit();
     notify(Change::ObjectWritten, {.index = index, .line = line});
     return done;
 }
 
-/// Writes the row of an entry. A row goes as text where it has to, and then a quote where none belongs fails.
-bool ObjectDataBase::writeSubRow(const SubEntry &entry, SubInsertion *prepared)
+bool ObjectDataBase::writeSubRow(const SubEntry &entry, Quotes quotes)
 {
     static const QString columns = RecordColumns::names(subColumns);
+    static const QString places = SqlText::places(subColumns.size() + 2);
     const auto ids =
         RecordColumns::intern(subColumns, entry.data, strings_, {"description"_L1, "name"_L1, "denotation"_L1});
-    if (prepared) {
-        if (const std::optional<bool> done = prepared->write(entry, ids))
-            return *done;
-    }
-    Sub row = entry.data;
-    if (row.datatype == CAN::VisibleString) {
-        escapeQuotes(row.defaultvalue);
-        escapeQuotes(row.currentvalue);
-    }
-    return run("addSubIndex",
-               u"insert or replace into SubObjects%1 (objectindex, subindex, %2, metadata) values(%3, %4, %5, 0)"_s.arg(
-                   QString::number(entry.line), columns, QString::number(entry.index), QString::number(entry.subindex),
-                   RecordColumns::values(subColumns, row, ids)));
+    std::optional<QVariantList> values = textsOf("addSubIndex", subValues(entry.data, ids, quotes));
+    if (!values)
+        return false;
+    values->append({entry.index, entry.subindex});
+    return runSubs("addSubIndex",
+                   u"insert or replace into SubObjects%1 (%2, objectindex, subindex, metadata) values(%3, 0)"_s.arg(
+                       QString::number(entry.line), columns, places),
+                   *values);
 }
 
-bool ObjectDataBase::storeSubIndex(const SubEntry &entry, SubInsertion *prepared)
+bool ObjectDataBase::storeSubIndex(const SubEntry &entry, Quotes quotes)
 {
     if (entry.data.datatype == CAN::VisibleString && entry.index == 0x1000 && entry.subindex == 1)
         qDebug().noquote() << "ODB:aSI 0x1000:1 = " << entry.data.defaultvalue;
-    const bool done = writeSubRow(entry, prepared);
+    std::optional<Step> withAttributes;
     if (!entry.data.metadata.isEmpty())
-        setSubObjectMetadata(entry.line, entry.index, entry.subindex, entry.data.metadata);
+        withAttributes.emplace(*this);
+    bool done = writeSubRow(entry, quotes);
+    if (withAttributes)
+        done = done && setSubObjectMetadata(entry.line, entry.index, entry.subindex, entry.data.metadata) &&
+               withAttributes->commit();
     if (done) {
         const QMutexLocker locker(&cacheMutex_);
         subCache_.refresh(entry.line, entry.index, entry.subindex, entry.data);
@@ -266,15 +190,16 @@ bool ObjectDataBase::storeSubIndex(const SubEntry &entry, SubInsertion *prepared
     return done;
 }
 
-bool ObjectDataBase::addSubIndex(quint8 line, quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data)
+bool ObjectDataBase::addSubIndex(quint8 line, quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data,
+                                 Quotes quotes)
 {
     if (blocked_)
         return false;
     const SubEntry entry{line, index, subindex, data};
     std::optional<QList<SubEntry>> kept = std::exchange(keptSubs_, std::nullopt);
-    const bool done = storeSubIndex(entry, nullptr);
+    const bool done = storeSubIndex(entry, quotes);
     // To follow each write of many would move the rest of the list as many times.
-    if (kept && keptLine_ == line && transactionDepth_ == 0)
+    if (kept && keptLine_ == line && !statements_.inTransaction())
         followWrite(entry, std::move(kept));
     return done;
 }
@@ -282,47 +207,44 @@ bool ObjectDataBase::addSubIndex(quint8 line, quint16 index, quint8 subindex, co
 /// Goes on keeping the subindices of a line of which one was written, with that one as its row is now.
 void ObjectDataBase::followWrite(const SubEntry &entry, std::optional<QList<SubEntry>> kept)
 {
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    const QString condition = u" where objectindex = %1 and subindex = %2"_s.arg(entry.index).arg(entry.subindex);
-    if (!execQuery(query, subSelect(entry.line, condition)) || !query.next())
-        return;
-    const SubEntry row = subOfRow(query, entry.line, strings_);
-    const auto place = std::ranges::lower_bound(*kept, keyOf(row), {}, keyOf);
-    if (place != kept->end() && keyOf(*place) == keyOf(row))
-        *place = row;
-    else
-        kept->insert(place, row);
-    keptSubs_ = std::move(kept);
+    statements_.visitFirst({nullptr, subSelect(entry.line, u" where objectindex = ? and subindex = ?"_s)},
+                           {entry.index, entry.subindex}, [&](const ResultRow &result) {
+                               const SubEntry row = subOfRow(result, entry.line, strings_);
+                               const auto place = std::ranges::lower_bound(*kept, keyOf(row), {}, keyOf);
+                               if (place != kept->end() && keyOf(*place) == keyOf(row))
+                                   *place = row;
+                               else
+                                   kept->insert(place, row);
+                               keptSubs_ = std::move(kept);
+                           });
 }
 
-bool ObjectDataBase::addSubIndices(const QList<SubEntry> &entries)
+bool ObjectDataBase::addSubIndices(const QList<SubEntry> &entries, Quotes quotes)
 {
     if (blocked_ || entries.isEmpty())
         return !blocked_;
-    const Transaction transaction(*this);
-    const StringPool::Batch batch(strings_);
-    const quint8 line = entries.first().line;
-    SubInsertion insertion(*this, line);
+    Transaction transaction(*this);
     bool done = true;
     for (const SubEntry &entry : entries)
-        done = storeSubIndex(entry, entry.line == line ? &insertion : nullptr);
-    return done;
+        done = storeSubIndex(entry, quotes);
+    return transaction.commit() && done;
 }
 
 bool ObjectDataBase::removeIndex(quint8 line, quint16 index, bool keepConnections)
 {
     if (blocked_)
         return false;
-    run("removeIndex", u"delete from SubObjects%2 where objectindex = %1"_s.arg(index).arg(line));
-    const bool done = run("removeIndex", u"delete from Objects%2 where objectindex = %1"_s.arg(index).arg(line));
-    if (!keepConnections) {
-        run("removeIndex", u"delete from Connections where prodnode = %1 AND prodindex = %2"_s.arg(line).arg(index));
-        run("removeIndex", u"delete from Connections where connode = %1 AND conindex = %2"_s.arg(line).arg(index));
-    }
-    if (done)
-        notify(Change::ObjectRemoved, {.index = index, .line = line});
-    return done;
+    Step step(*this);
+    const QVariantList ends = {line, index};
+    bool done = runSubs("removeIndex", u"delete from SubObjects%1 where objectindex = ?"_s.arg(line), {index}) &&
+                run("removeIndex", u"delete from Objects%1 where objectindex = ?"_s.arg(line), {index});
+    if (!keepConnections)
+        done = done && run("removeIndex", u"delete from Connections where prodnode = ? AND prodindex = ?"_s, ends) &&
+               run("removeIndex", u"delete from Connections where connode = ? AND conindex = ?"_s, ends);
+    if (!done || !step.commit())
+        return false;
+    notify(Change::ObjectRemoved, {.index = index, .line = line});
+    return true;
 }
 
 bool ObjectDataBase::removeSubIndex(quint8 line, quint16 index, quint8 subindex, bool keepConnections)
@@ -330,48 +252,40 @@ bool ObjectDataBase::removeSubIndex(quint8 line, quint16 index, quint8 subindex,
     if (blocked_)
         return false;
     const bool existed = subIndexExists(line, index, subindex);
-    const bool done =
-        run("removeSubIndex",
-            u"delete from SubObjects%1 where objectindex = %2 and subindex = %3"_s.arg(line).arg(index).arg(subindex));
-    if (!keepConnections) {
-        run("removeSubIndex",
-            u"delete from Connections where prodnode = %1 AND prodindex = %2 AND prodsub = %3"_s.arg(line)
-                .arg(index)
-                .arg(subindex));
-        removeConsumerConnection(line, index, subindex);
-    }
+    Step step(*this);
+    bool done =
+        runSubs("removeSubIndex", u"delete from SubObjects%1 where objectindex = ? and subindex = ?"_s.arg(line),
+                {index, subindex});
+    if (!keepConnections)
+        done = done &&
+               run("removeSubIndex", u"delete from Connections where prodnode = ? AND prodindex = ? AND prodsub = ?"_s,
+                   {line, index, subindex}) &&
+               removeConsumerConnection(line, index, subindex);
+    if (!done || !step.commit())
+        return false;
     if (existed)
         notify(Change::SubObjectRemoved, {.index = index, .subindex = subindex, .line = line});
-    return done;
+    return true;
 }
 
 bool ObjectDataBase::removeConsumerConnection(quint8 line, quint16 index, quint8 subindex)
 {
-    return !blocked_ && run("removeConsumerConnection",
-                            u"delete from Connections where connode = %1 AND conindex = %2 AND consub = %3"_s.arg(line)
-                                .arg(index)
-                                .arg(subindex));
+    return !blocked_ &&
+           run("removeConsumerConnection",
+               u"delete from Connections where connode = ? AND conindex = ? AND consub = ?"_s, {line, index, subindex});
 }
 
 bool ObjectDataBase::getIndex(quint8 line, quint16 index, INDEX_DATA_T &data)
 {
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (!execQuery(query, indexSelect(line) + u" where objectindex = %1"_s.arg(index)) || !query.next())
-        return false;
-    readIndex(query, data, strings_);
-    return true;
+    return statements_.visitFirst({nullptr, indexSelect(line) + u" where objectindex = ?"_s}, {index},
+                                  [&](const ResultRow &row) { readIndex(row, data, strings_); });
 }
 
 QMap<quint16, ObjectDataBase::INDEX_DATA_T> ObjectDataBase::getIndices(quint8 line, quint16 first, quint16 last)
 {
     QMap<quint16, INDEX_DATA_T> objects;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (execQuery(query, indexSelect(line) + u" where objectindex between %1 and %2"_s.arg(first).arg(last))) {
-        while (query.next())
-            readIndex(query, objects[static_cast<quint16>(query.value(0).toUInt())], strings_);
-    }
+    statements_.visit({nullptr, indexSelect(line) + u" where objectindex between ? and ?"_s}, {first, last},
+                      [&](const ResultRow &row) { readIndex(row, objects[row.number<quint16>(0)], strings_); });
     return objects;
 }
 
@@ -379,8 +293,8 @@ void ObjectDataBase::setIndexName(quint8 line, quint16 index, const QString &nam
 {
     if (blocked_ || !indexExists(line, index))
         return;
-    run("setIndexName",
-        u"update Objects%1 set name=%2 where ((objectindex = %3))"_s.arg(line).arg(strings_.idOf(name)).arg(index));
+    run("setIndexName", u"update Objects%1 set name = ? where objectindex = ?"_s.arg(line),
+        {strings_.idOf(name), index});
 }
 
 bool ObjectDataBase::getSubIndex(quint8 line, quint16 index, quint8 subindex, SUBINDEX_DATA_T &data)
@@ -392,21 +306,15 @@ bool ObjectDataBase::getSubIndex(quint8 line, quint16 index, quint8 subindex, SU
             return true;
         }
     }
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    const QString condition = u" where objectindex = %1 and subindex = %2"_s.arg(index).arg(subindex);
-    if (!execQuery(query, subSelect(line, condition)) || !query.next())
-        return false;
-    readSub(query, data, strings_);
-    return true;
+    return statements_.visitFirst({nullptr, subSelect(line, u" where objectindex = ? and subindex = ?"_s)},
+                                  {index, subindex}, [&](const ResultRow &row) { readSub(row, data, strings_); });
 }
 
 QList<quint8> ObjectDataBase::getSubIndexList(quint8 line, quint16 index, quint8 firstSub)
 {
     QList<quint8> subs;
     for (const quint32 sub : selectNumbers(
-             u"select subindex from SubObjects%1 where objectindex = %2 order by subindex asc"_s.arg(line).arg(
-                 index))) {
+             u"select subindex from SubObjects%1 where objectindex = ? order by subindex asc"_s.arg(line), {index})) {
         if (sub >= firstSub)
             subs.append(static_cast<quint8>(sub));
     }
@@ -417,15 +325,11 @@ QList<ObjectDataBase::IndexEntry> ObjectDataBase::getAllIndices(quint8 line)
 {
     strings_.loadTexts();
     QList<IndexEntry> entries;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (!run("getAllIndices", query, indexSelect(line) + " order by objectindex"_L1))
-        return entries;
-    while (query.next()) {
+    statements_.visit({"getAllIndices", indexSelect(line) + " order by objectindex"_L1}, {}, [&](const ResultRow &row) {
         IndexEntry &entry = entries.emplace_back();
-        entry.index = static_cast<quint16>(query.value(0).toUInt());
-        readIndex(query, entry.data, strings_);
-    }
+        entry.index = row.number<quint16>(0);
+        readIndex(row, entry.data, strings_);
+    });
     return entries;
 }
 
@@ -435,12 +339,9 @@ QList<ObjectDataBase::SubEntry> ObjectDataBase::getAllSubIndices(quint8 line)
         return *keptSubs_;
     strings_.loadTexts();
     QList<SubEntry> entries;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (!run("getAllSubIndices", query, subSelect(line, u" order by objectindex, subindex"_s)))
+    if (!statements_.visit({"getAllSubIndices", subSelect(line, u" order by objectindex, subindex"_s)}, {},
+                           [&](const ResultRow &row) { entries.append(subOfRow(row, line, strings_)); }))
         return entries;
-    while (query.next())
-        entries.append(subOfRow(query, line, strings_));
     if (keepsSubs_ && std::ranges::is_sorted(entries, {}, keyOf)) {
         keptLine_ = line;
         keptSubs_ = entries;
@@ -448,11 +349,14 @@ QList<ObjectDataBase::SubEntry> ObjectDataBase::getAllSubIndices(quint8 line)
     return entries;
 }
 
-bool ObjectDataBase::setSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex, const QString &value)
+bool ObjectDataBase::setSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex, const QString &value,
+                                             Quotes quotes)
 {
-    return !blocked_ && run("setSubIndexDefaultValue",
-                            u"update SubObjects%1 set defaultvalue='%2' where objectindex = %3 and subindex = %4"_s.arg(
-                                QString::number(line), value, QString::number(index), QString::number(subindex)));
+    const std::optional<QString> text = LiteralText::stored(value, quotes);
+    return !blocked_ && text &&
+           runSubs("setSubIndexDefaultValue",
+                   u"update SubObjects%1 set defaultvalue = ? where objectindex = ? and subindex = ?"_s.arg(line),
+                   {*text, index, subindex});
 }
 
 void ObjectDataBase::cacheAllSubs(quint8 line, quint16 index)
@@ -463,11 +367,8 @@ void ObjectDataBase::cacheAllSubs(quint8 line, quint16 index)
         const QList<SubEntry> all = getAllSubIndices(line);
         std::ranges::for_each(all, insert);
     } else {
-        QSqlQuery query = newQuery();
-        query.setForwardOnly(true);
-        const bool done = execQuery(query, subSelect(line, u" where objectindex = %1"_s.arg(index)));
-        while (done && query.next())
-            insert(subOfRow(query, line, strings_));
+        statements_.visit({nullptr, subSelect(line, u" where objectindex = ?"_s)}, {index},
+                          [&](const ResultRow &row) { insert(subOfRow(row, line, strings_)); });
     }
     const QMutexLocker locker(&cacheMutex_);
     subCache_.setLine(line, entries);

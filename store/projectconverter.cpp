@@ -12,7 +12,7 @@ bool ProjectConverter::doGenericCorrection()
     if (store_->getGeneralSetting(u"drv_group_filter"_s).toInt() == 1) {
         const QString defines = store_->getGeneralSetting(u"hw_defines"_s) +
                                 "\n\n /* old group filter setting */\n#define CO_DRV_GROUP_FILTER 1u\n"_L1;
-        if (store_->setGeneralSetting(u"hw_defines"_s, ObjectDataBase::withQuotesDoubled(defines)))
+        if (store_->setGeneralSetting(u"hw_defines"_s, defines, Quotes::Kept))
             store_->setGeneralSetting(u"drv_group_filter"_s, u"0"_s);
     }
     constexpr uint renumberedServerVersion = 5;
@@ -51,7 +51,7 @@ void ProjectConverter::moveMasterList()
     const QString value = store_->getGeneralSetting(key);
     if (!value.contains(u','))
         return;
-    store_->setGeneralSetting(u"nmtmaster"_s, value);
+    store_->setGeneralSetting(u"nmtmaster"_s, value, Quotes::Kept);
     store_->setGeneralSetting(key, QString());
 }
 
@@ -73,7 +73,7 @@ void ProjectConverter::unmapObject1032(quint8 line)
     if (!store_->getSubIndex(line, index, 0, data) || data.pdomapping.toUInt() != mappedOnce)
         return;
     data.pdomapping = PDOMapping(0);
-    store_->addSubIndex(line, index, 0, data);
+    store_->addSubIndex(line, index, 0, data, Quotes::Kept);
 }
 
 /// The kind that a key names, put right in the project; empty for none and for one that is marked to be left.
@@ -86,7 +86,7 @@ QString ProjectConverter::correctedKind(const QString &key)
     QString corrected = kind;
     corrected.replace(misspelt, u"security"_s);
     if (corrected != kind)
-        store_->setEnergyBusSetting(key, corrected);
+        store_->setEnergyBusSetting(key, corrected, Quotes::Kept);
     return corrected;
 }
 

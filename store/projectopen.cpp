@@ -9,8 +9,6 @@
 #include <QDebug>
 #include <QDir>
 #include <QFileInfo>
-#include <QSqlError>
-#include <QSqlQuery>
 
 using namespace Qt::StringLiterals;
 using ProjectSchema::LineTable;
@@ -48,12 +46,19 @@ bool ObjectDataBase::openDataBase(const QString &path, bool /*unused*/)
         openTextDatabase(path);
         return true;
     }
-    if (path.isEmpty())
-        return false;
-
-    const QString workingCopy = makeWorkingCopy(path);
     projectPath_ = path;
-    if (!connectTo(workingCopy) || !hasLines())
+    if (!path.isEmpty() && openWorkingCopy(makeWorkingCopy(path)))
+        return true;
+    closeDatabase();
+    forgetCaches();
+    projectPath_.clear();
+    return false;
+}
+
+/// Brings a copy of a project file to the current layout.
+bool ObjectDataBase::openWorkingCopy(const QString &path)
+{
+    if (!connectTo(path) || !hasLines())
         return false;
 
     verifyFileHash();
@@ -75,17 +80,18 @@ bool ObjectDataBase::openDataBase(const QString &path, bool /*unused*/)
 bool ObjectDataBase::openTextDatabase(const QString &path)
 {
     lastError_.clear();
-    projectPath_ = path;
+    projectPath_.clear();
     if (!createNewDataBase())
         return false;
+    projectPath_ = path;
     DatabaseTextConverter converter;
     converter.setStore(this);
-    converter.setDatabase(database_);
     converter.setInputFile(path);
     bool converted = false;
     {
-        const Transaction transaction(*this);
+        Transaction transaction(*this);
         converted = converter.convertTextToSql();
+        converted = transaction.commit() && converted;
     }
     if (converted) {
         verifyFileHash();
@@ -97,7 +103,8 @@ bool ObjectDataBase::openTextDatabase(const QString &path)
 bool ObjectDataBase::hasLines()
 {
     // A view of that name could go on for ever.
-    return selectsRow(u"select 1 from sqlite_master where type = 'table' and name = 'Nodes' collate nocase"_s) &&
+    return statements_.hasRow(
+               {nullptr, u"select 1 from sqlite_master where type = 'table' and name = 'Nodes' collate nocase"_s}) &&
            !getNodeList().isEmpty();
 }
 
@@ -106,40 +113,48 @@ int ObjectDataBase::fileSchemaVersion()
     return getMiscSetting(u"DatabaseVersion"_s).toInt();
 }
 
+/// A migration statement: a failure is logged unless it says that the column exists already.
+void ObjectDataBase::migrationExec(const QString &statement)
+{
+    if (runSchema(nullptr, statement))
+        return;
+    const QString error = statements_.errorText();
+    if (!error.contains("duplicate column name"_L1, Qt::CaseInsensitive))
+        qDebug().noquote() << "migration statement failed:" << statement << error;
+}
+
 void ObjectDataBase::addMissingTablesAndColumns()
 {
-    QSqlQuery query = newQuery();
     for (const Table table :
          {Table::GeneralSettings, Table::DescriptionSettings, Table::VirtualNodes, Table::SignalGroups, Table::Signals,
           Table::Groups, Table::EnergyBusSettings, Table::J1939Settings, Table::MiscSettings})
-        execQuery(query, ProjectSchema::createStatement(table, true));
+        runSchema(nullptr, ProjectSchema::createStatement(table, true));
 
     for (const auto &column : ProjectSchema::columnsOfEveryOpen())
-        execQuery(query, ProjectSchema::addStatement(column));
+        runSchema(nullptr, ProjectSchema::addStatement(column));
     for (const quint8 line : getNodeList())
         migrateLine(line);
 
-    execQuery(query, u"alter table Connections add priority integer"_s);
+    runSchema(nullptr, u"alter table Connections add priority integer"_s);
     for (const Table table : {Table::Connections, Table::LockedMappings, Table::LockedPDOs})
-        run("in open", query, ProjectSchema::createStatement(table, true));
+        runSchema("in open", ProjectSchema::createStatement(table, true));
     for (const LineTable family : {LineTable::PGNs, LineTable::SPNs, LineTable::CANIDs, LineTable::DataElements}) {
         QString statement = ProjectSchema::createStatement(family, 0);
         // Files have always had this spelling here; the column under its right name is added behind it.
         if (family == LineTable::SPNs)
             statement.replace("bitposition"_L1, "bitpostion"_L1);
         const QByteArray operation = "create table " + ProjectSchema::tableName(family, 0).toLatin1();
-        run(operation.constData(), query, statement);
+        runSchema(operation.constData(), statement);
     }
-    migrationExec(query, u"alter table SPNs0 add bitposition integer"_s);
+    migrationExec(u"alter table SPNs0 add bitposition integer"_s);
 }
 
 void ObjectDataBase::migrateLine(quint8 line)
 {
-    QSqlQuery query = newQuery();
     const auto add = [&](const QList<ProjectSchema::LineColumn> &columns) {
         for (const auto &[column, belowVersion] : columns) {
             if (belowVersion == 0 || fileSchemaVersion() < belowVersion)
-                migrationExec(query, ProjectSchema::addStatement(column, line));
+                migrationExec(ProjectSchema::addStatement(column, line));
         }
     };
     constexpr int uniqueSubObjectsVersion = 101;
@@ -147,36 +162,32 @@ void ObjectDataBase::migrateLine(quint8 line)
 
     add(ProjectSchema::objectColumns());
     if (fileSchemaVersion() < uniqueSubObjectsVersion)
-        addUniqueColumnsToSubDatabase(line, query);
+        addUniqueColumnsToSubDatabase(line);
     add(ProjectSchema::signalColumns());
     // Before version 103 there is no such table yet; it is made complete further on.
     if (fileSchemaVersion() < udsAuthenticationVersion)
-        execQuery(query, u"alter table UDSSettings%1 add authentication text"_s.arg(line));
+        runSchema(nullptr, u"alter table UDSSettings%1 add authentication text"_s.arg(line));
     add(ProjectSchema::pgnColumns());
 }
 
 /// Rebuilds the table of a line so that a subindex can stand in it only once. An old file may hold its columns in
 /// another order, NULL where no row may have it now, and a subindex twice, of which the first has always counted.
-bool ObjectDataBase::addUniqueColumnsToSubDatabase(quint8 line, QSqlQuery &query)
+bool ObjectDataBase::addUniqueColumnsToSubDatabase(quint8 line)
 {
+    constexpr auto operation = "addUniqueColumnsToSubDatabase";
     const QString table = ProjectSchema::tableName(LineTable::SubObjects, line);
     const QString columns = ProjectSchema::columnNames(LineTable::SubObjects).join(u',');
     const QString values = ProjectSchema::columnsWithoutNull(LineTable::SubObjects).join(u',');
 
-    execQuery(query, u"drop table if exists %1_old"_s.arg(table));
-    if (!run("addUniqueColumnsToSubDatabase", query, u"alter table %1 rename to %1_old"_s.arg(table)))
-        return false;
-    const bool copied =
-        run("addUniqueColumnsToSubDatabase", query,
-            ProjectSchema::createStatement(LineTable::SubObjects, line, false)) &&
-        run("addUniqueColumnsToSubDatabase", query,
-            u"INSERT OR IGNORE INTO %1 (%2) SELECT %3 FROM %1_old ORDER BY rowid"_s.arg(table, columns, values));
-    if (!copied) {
-        execQuery(query, u"drop table if exists %1"_s.arg(table));
-        execQuery(query, u"alter table %1_old rename to %1"_s.arg(table));
-        return false;
-    }
-    return run("addUniqueColumnsToSubDatabase", query, u"DROP TABLE %1_old"_s.arg(table));
+    Step step(*this);
+    const bool done =
+        runSchema(operation, u"drop table if exists %1_old"_s.arg(table)) &&
+        runSchema(operation, u"alter table %1 rename to %1_old"_s.arg(table)) &&
+        runSchema(operation, ProjectSchema::createStatement(LineTable::SubObjects, line, false)) &&
+        runSubs(operation,
+                u"INSERT OR IGNORE INTO %1 (%2) SELECT %3 FROM %1_old ORDER BY rowid"_s.arg(table, columns, values)) &&
+        runSchema(operation, u"DROP TABLE %1_old"_s.arg(table));
+    return done && step.commit();
 }
 
 bool ObjectDataBase::savedByMatchingTool()
@@ -223,7 +234,7 @@ QString ObjectDataBase::inferLineType(quint8 line)
 
 void ObjectDataBase::activateDefaultServices(quint8 line)
 {
-    if (selectsRow(u"select sid from UDSSettings%1 where active = 1"_s.arg(line)))
+    if (statements_.hasRow({nullptr, u"select sid from UDSSettings%1 where active = 1"_s.arg(line)}))
         return;
     const Transaction transaction(*this);
     for (const auto &[sid, sessions] : defaultServices)
@@ -240,7 +251,7 @@ void ObjectDataBase::makeEdsPathsAbsolute()
         if (!getNode(line, node) || node.edspath.isEmpty() || QFileInfo(node.edspath).isAbsolute())
             continue;
         node.edspath = QFileInfo(node.edspath).absoluteFilePath();
-        addNode(line, node);
+        addNode(line, node, Quotes::Kept);
     }
 }
 
@@ -272,7 +283,5 @@ void ObjectDataBase::repairAfterOpen(int fileVersion)
     }
     repairMappingCounts();
     trimLineLists();
-    QSqlQuery query = newQuery();
-    if (!execQuery(query, u"VACUUM"_s))
-        qDebug().noquote() << "VACUUM failed:" << query.lastQuery() << query.lastError().text();
+    runSchema("VACUUM failed:", u"VACUUM"_s);
 }

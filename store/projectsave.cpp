@@ -58,12 +58,16 @@ bool ObjectDataBase::saveDatabase(const QString &path)
     return target.endsWith("ncxt"_L1) ? saveDatabaseAsText(target) : saveDatabaseAsSql(target);
 }
 
-/// True, with the reason told, if saving would replace a good file by a broken one.
-bool ObjectDataBase::refusesDamaged()
+/// True, with the reason told, if there is nothing to save or saving would replace a good file by a broken one.
+bool ObjectDataBase::refusesSave()
 {
-    if (damaged_)
+    if (statements_.isDamaged())
         lastError_ = u"The working copy of the project is damaged (is the disk full?); the project is not saved."_s;
-    return damaged_;
+    else if (!isOpen())
+        lastError_ = u"No project is open."_s;
+    else
+        return false;
+    return true;
 }
 
 void ObjectDataBase::writeIdentity()
@@ -77,6 +81,8 @@ void ObjectDataBase::writeIdentity()
 
 bool ObjectDataBase::saveDatabaseAsSql(const QString &path)
 {
+    if (!isOpen())
+        return !refusesSave();
     {
         const Transaction transaction(*this);
         for (const quint8 line : scratchLines)
@@ -85,15 +91,15 @@ bool ObjectDataBase::saveDatabaseAsSql(const QString &path)
     }
     const QString target = path.isEmpty() ? projectPath_ : path;
     if (QFileInfo(target).completeSuffix().toLower() == "data"_L1) {
-        run("saveDatabaseAsSql", u"update SubObjects0 set changedbyuser=0 where changedbyuser = 1"_s);
-        run("saveDatabaseAsSql", u"update SubObjects0 set wizardsource=454 where changedbyuser = 0"_s);
+        runSubs("saveDatabaseAsSql", u"update SubObjects0 set changedbyuser=0 where changedbyuser = 1"_s);
+        runSubs("saveDatabaseAsSql", u"update SubObjects0 set wizardsource=454 where changedbyuser = 0"_s);
     }
     writeIdentity();
-    if (refusesDamaged())
+    if (refusesSave())
         return false;
 
     if (!copyWorkingCopyTo(target)) {
-        qDebug().noquote() << "ERROR copy " << database_.databaseName() << "to " << target;
+        qDebug().noquote() << "ERROR copy " << statements_.path() << "to " << target;
         lastError_ = cannotWrite(target);
         return false;
     }
@@ -108,7 +114,7 @@ bool ObjectDataBase::copyWorkingCopyTo(const QString &path)
     // Behind a link, it is the file that is saved, and not the link that is lost.
     const QString behindLinks = QFileInfo(path).canonicalFilePath();
     const QString target = behindLinks.isEmpty() ? path : behindLinks;
-    QFile source(database_.databaseName());
+    QFile source(statements_.path());
     if (target.isEmpty() || !source.open(QIODevice::ReadOnly))
         return false;
     const QByteArray content = source.readAll();
@@ -133,9 +139,10 @@ bool ObjectDataBase::copyWorkingCopyTo(const QString &path)
 
 bool ObjectDataBase::saveDatabaseAsText(const QString &path)
 {
+    if (!isOpen())
+        return !refusesSave();
     DatabaseTextConverter converter;
     converter.setStore(this);
-    converter.setDatabase(database_);
     converter.setOutputFile(path);
     const Transaction transaction(*this);
     for (const quint8 line : scratchLines)
@@ -144,7 +151,7 @@ bool ObjectDataBase::saveDatabaseAsText(const QString &path)
     converter.replaceNulls();
     writeIdentity();
     projectPath_ = path;
-    if (refusesDamaged())
+    if (refusesSave())
         return true;
     converter.convertSqlToText();
     if (converter.writeFailed())

@@ -5,8 +5,6 @@
 #include "store/recordcolumns.h"
 #include "store/schema.h"
 
-#include <QSqlQuery>
-
 using namespace Qt::StringLiterals;
 using ProjectSchema::LineTable;
 using RecordColumns::Column;
@@ -43,6 +41,7 @@ constexpr std::array<Column<DataElement>, 9> elementColumnTable = {
     number<&DataElement::bitposition>("bitpos"_L1),
 };
 constexpr std::span<const Column<DataElement>> elementColumns = elementColumnTable;
+constexpr RecordColumns::Names setOnce = {"pos"_L1, "bitsize"_L1};
 
 Row canidRow(quint8 line, quint32 id, quint8 direction)
 {
@@ -55,6 +54,34 @@ Row elementRow(quint8 line, quint32 canid, quint8 direction, quint32 number)
             {{"canid"_L1, canid}, {"number"_L1, number}, {"direction"_L1, direction}}};
 }
 
+QString canidSelect(quint8 line, const QString &rest)
+{
+    return u"select id, direction, %1 from CANIDs%2 %3"_s.arg(RecordColumns::names(canidColumns), QString::number(line),
+                                                              rest);
+}
+
+QString elementSelect(quint8 line, const QString &rest)
+{
+    return u"select canid, direction, number, %1 from DataElements%2 %3"_s.arg(RecordColumns::names(elementColumns),
+                                                                               QString::number(line), rest);
+}
+
+CANID canidOfRow(const ResultRow &row, StringPool &pool)
+{
+    CANID data;
+    data.id = row.number<quint32>(0);
+    data.direction = row.number<quint8>(1);
+    RecordColumns::readRow(canidColumns, row, data, pool, 2);
+    return data;
+}
+
+void readElement(const ResultRow &row, DataElement &data, StringPool &pool)
+{
+    data.direction = row.number<quint8>(1);
+    data.spnnumber = row.number<quint32>(2);
+    RecordColumns::readRow(elementColumns, row, data, pool, 3);
+}
+
 } // namespace
 
 bool ObjectDataBase::addCANID(quint8 line, quint32 id, const CANID &data)
@@ -63,21 +90,28 @@ bool ObjectDataBase::addCANID(quint8 line, quint32 id, const CANID &data)
         return false;
     const RecordColumns::TextIds ids = RecordColumns::intern(canidColumns, data, strings_, {"name"_L1, "desc"_L1});
     const Row row = canidRow(line, id, data.direction);
-    if (!writeRow("addCANID", row, row.insert(canidColumns, data, ids), row.update(canidColumns, data, ids)))
+    if (!writeRow("addCANID", row, row.insert(canidColumns), row.update(canidColumns),
+                  *RecordColumns::values(canidColumns, data, ids, Quotes::Kept)))
         return false;
     notify(Change::CANIDWritten, {.line = line, .canid = id, .direction = data.direction});
     return true;
 }
 
 bool ObjectDataBase::addDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number,
-                                    const DataElement &data)
+                                    const DataElement &data, Quotes quotes)
 {
     if (blocked_)
         return false;
     const RecordColumns::TextIds ids = RecordColumns::intern(elementColumns, data, strings_, {"name"_L1, "desc"_L1});
     const Row row = elementRow(line, canid, direction, number);
-    if (!writeRow("addDataElement", row, row.insert(elementColumns, data, ids),
-                  row.update(elementColumns, data, ids, {"pos"_L1, "bitsize"_L1})))
+    const bool exists = dataElementExists(line, canid, direction, number);
+    const RecordColumns::Names except = exists ? setOnce : RecordColumns::Names();
+    std::optional<QVariantList> values =
+        textsOf("addDataElement", RecordColumns::values(elementColumns, data, ids, quotes, except));
+    if (!values)
+        return false;
+    values->append(row.key());
+    if (!run("addDataElement", exists ? row.update(elementColumns, setOnce) : row.insert(elementColumns), *values))
         return false;
     notify(Change::DataElementWritten, {.line = line, .canid = canid, .number = number});
     return true;
@@ -87,10 +121,12 @@ bool ObjectDataBase::removeCANID(quint8 line, quint32 id, quint8 direction)
 {
     if (blocked_)
         return false;
-    const Transaction transaction(*this);
-    run("removeCANID", u"delete from DataElements%1 where canid = %2 and direction = %3"_s.arg(
-                           QString::number(line), QString::number(id), QString::number(direction)));
-    if (!run("removeCANID", canidRow(line, id, direction).remove()))
+    Step step(*this);
+    const Row row = canidRow(line, id, direction);
+    const bool done =
+        run("removeCANID", u"delete from DataElements%1 where canid = ? and direction = ?"_s.arg(line), row.key()) &&
+        run("removeCANID", row.remove(), row.key());
+    if (!done || !step.commit())
         return false;
     notify(Change::CANIDRemoved, {.line = line, .canid = id, .direction = direction});
     return true;
@@ -98,7 +134,8 @@ bool ObjectDataBase::removeCANID(quint8 line, quint32 id, quint8 direction)
 
 bool ObjectDataBase::removeDataElement(quint8 line, quint32 canid, quint32 number, quint8 direction)
 {
-    if (blocked_ || !run("removeDataElement", elementRow(line, canid, direction, number).remove()))
+    const Row row = elementRow(line, canid, direction, number);
+    if (blocked_ || !run("removeDataElement", row.remove(), row.key()))
         return false;
     notify(Change::SignalRemoved, {.line = line, .canid = canid, .number = number, .direction = direction});
     return true;
@@ -106,25 +143,21 @@ bool ObjectDataBase::removeDataElement(quint8 line, quint32 canid, quint32 numbe
 
 bool ObjectDataBase::canidExists(quint8 line, quint32 id, quint8 direction)
 {
-    return selectsRow(canidRow(line, id, direction).select(u"1"_s));
+    const Row row = canidRow(line, id, direction);
+    return statements_.hasRow({nullptr, row.select(u"1"_s)}, row.key());
 }
 
 bool ObjectDataBase::dataElementExists(quint8 line, quint32 canid, quint8 direction, quint32 number)
 {
-    return selectsRow(elementRow(line, canid, direction, number).select(u"1"_s));
+    const Row row = elementRow(line, canid, direction, number);
+    return statements_.hasRow({nullptr, row.select(u"1"_s)}, row.key());
 }
 
 bool ObjectDataBase::getCANID(quint8 line, quint32 id, quint8 direction, CANID &data)
 {
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (!run("getCANID", query, canidRow(line, id, direction).select(RecordColumns::names(canidColumns))) ||
-        !query.next())
-        return false;
-    data.id = id;
-    data.direction = direction;
-    RecordColumns::readRow(canidColumns, query, data, strings_);
-    return true;
+    const Row place = canidRow(line, id, direction);
+    return statements_.visitFirst({"getCANID", canidSelect(line, "where "_L1 + place.condition())}, place.key(),
+                                  [&](const ResultRow &row) { data = canidOfRow(row, strings_); });
 }
 
 QString ObjectDataBase::getCANIDName(quint8 line, quint32 id, quint8 direction)
@@ -134,26 +167,17 @@ QString ObjectDataBase::getCANIDName(quint8 line, quint32 id, quint8 direction)
 
 QList<quint32> ObjectDataBase::getCANIDList(quint8 line, quint8 direction)
 {
-    const QString where = direction == 0 ? QString() : u"where direction = %1"_s.arg(direction);
-    return selectNumbers(u"select id from CANIDs%1 %2 order by id asc"_s.arg(QString::number(line), where));
+    const QString where = direction == 0 ? QString() : u"where direction = ?"_s;
+    const QVariantList values = direction == 0 ? QVariantList() : QVariantList{direction};
+    return selectNumbers(u"select id from CANIDs%1 %2 order by id asc"_s.arg(QString::number(line), where), values);
 }
 
 QList<ObjectDataBase::CANID> ObjectDataBase::getAllCANIDs(quint8 line)
 {
     strings_.loadTexts();
     QList<CANID> canids;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (!run("getAllCANIDs", query,
-             u"select id, direction, %1 from CANIDs%2 order by direction desc, id"_s.arg(
-                 RecordColumns::names(canidColumns), QString::number(line))))
-        return canids;
-    while (query.next()) {
-        CANID &canid = canids.emplace_back();
-        canid.id = static_cast<quint32>(query.value(0).toLongLong());
-        canid.direction = static_cast<quint8>(query.value(1).toLongLong());
-        RecordColumns::readRow(canidColumns, query, canid, strings_, 2);
-    }
+    statements_.visit({"getAllCANIDs", canidSelect(line, u"order by direction desc, id"_s)}, {},
+                      [&](const ResultRow &row) { canids.append(canidOfRow(row, strings_)); });
     return canids;
 }
 
@@ -161,39 +185,25 @@ QList<ObjectDataBase::DataElement> ObjectDataBase::getAllDataElements(quint8 lin
 {
     strings_.loadTexts();
     QList<DataElement> elements;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (!run("getAllDataElements", query,
-             u"select canid, direction, number, %1 from DataElements%2 order by number, rowid"_s.arg(
-                 RecordColumns::names(elementColumns), QString::number(line))))
-        return elements;
-    while (query.next()) {
-        DataElement &element = elements.emplace_back();
-        element.pgnnumber = static_cast<quint32>(query.value(0).toLongLong());
-        element.direction = static_cast<quint8>(query.value(1).toLongLong());
-        element.spnnumber = static_cast<quint32>(query.value(2).toLongLong());
-        RecordColumns::readRow(elementColumns, query, element, strings_, 3);
-    }
+    statements_.visit({"getAllDataElements", elementSelect(line, u"order by number, rowid"_s)}, {},
+                      [&](const ResultRow &row) {
+                          DataElement &element = elements.emplace_back();
+                          element.pgnnumber = row.number<quint32>(0);
+                          readElement(row, element, strings_);
+                      });
     return elements;
 }
 
 QHash<quint32, QString> ObjectDataBase::getCANIDNames(quint8 line, quint8 direction)
 {
-    return selectNames(u"select id, name from CANIDs%1 where direction = %2"_s.arg(line).arg(direction));
+    return selectNames(u"select id, name from CANIDs%1 where direction = ?"_s.arg(line), {direction});
 }
 
 bool ObjectDataBase::getDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number, DataElement &data)
 {
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (!run("getDataElement", query,
-             elementRow(line, canid, direction, number).select(RecordColumns::names(elementColumns))) ||
-        !query.next())
-        return false;
-    data.spnnumber = number;
-    data.direction = direction;
-    RecordColumns::readRow(elementColumns, query, data, strings_);
-    return true;
+    const Row place = elementRow(line, canid, direction, number);
+    return statements_.visitFirst({"getDataElement", elementSelect(line, "where "_L1 + place.condition())}, place.key(),
+                                  [&](const ResultRow &row) { readElement(row, data, strings_); });
 }
 
 QString ObjectDataBase::getDataElementName(quint8 line, quint32 canid, quint8 direction, quint32 number)
@@ -204,6 +214,6 @@ QString ObjectDataBase::getDataElementName(quint8 line, quint32 canid, quint8 di
 QList<quint32> ObjectDataBase::getDataElementList(quint8 line, quint32 canid, quint8 direction)
 {
     return selectNumbers(
-        u"select number from DataElements%1 where canid = %2 and direction= %3 order by number asc"_s.arg(
-            QString::number(line), QString::number(canid), QString::number(direction)));
+        u"select number from DataElements%1 where canid = ? and direction = ? order by number asc"_s.arg(line),
+        {canid, direction});
 }

@@ -1,14 +1,16 @@
 #pragma once
 
+#include "store/statements/literaltext.h"
+#include "store/statements/statements.h"
 #include "store/stringpool.h"
 
-#include <QSqlQuery>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 #include <QVarLengthArray>
 
 #include <algorithm>
+#include <optional>
 #include <span>
 #include <type_traits>
 #include <utility>
@@ -39,12 +41,6 @@ struct MemberTraits<Member>
     using Value = V;
 };
 
-/// A text that is bound as empty, not as NULL.
-inline QString notNull(const QString &text)
-{
-    return text.isNull() ? QStringLiteral("") : text;
-}
-
 /// An integer or bool; a bool is stored as 0 or 1.
 template <auto Member>
 constexpr auto number(QLatin1StringView name)
@@ -61,13 +57,13 @@ constexpr auto number(QLatin1StringView name)
                           }};
 }
 
-/// A text, which stands in a statement quoted but with nothing in it escaped.
+/// A text.
 template <auto Member>
 constexpr auto text(QLatin1StringView name)
 {
     using Record = typename MemberTraits<Member>::Record;
     return Column<Record>{
-        name, [](const Record &record) { return QVariant(notNull(record.*Member)); }, nullptr,
+        name, [](const Record &record) { return QVariant(record.*Member); }, nullptr,
         [](Record &record, const QVariant &value, StringPool &) { record.*Member = value.toString(); }};
 }
 
@@ -106,13 +102,6 @@ QVariant valueOf(const Column<Record> &column, const Record &record, const TextI
     return id == ids.end() ? -1 : id->second;
 }
 
-template <class Record>
-QString literalOf(const Column<Record> &column, const Record &record, const TextIds &ids)
-{
-    const QVariant value = valueOf(column, record, ids);
-    return value.typeId() == QMetaType::QString ? u'\'' + value.toString() + u'\'' : value.toString();
-}
-
 /// "a, b, c"
 template <class Record>
 QString names(std::span<const Column<Record>> columns)
@@ -123,26 +112,45 @@ QString names(std::span<const Column<Record>> columns)
     return list.join(QLatin1StringView(", "));
 }
 
-/// "1, 'text', 7": the values in the order of the columns.
-template <class Record>
-QString values(std::span<const Column<Record>> columns, const Record &record, const TextIds &ids)
+/// Names of columns that a statement leaves out.
+using Names = std::initializer_list<QLatin1StringView>;
+
+inline bool holds(Names names, QLatin1StringView name)
 {
-    QStringList list;
-    list.reserve(static_cast<qsizetype>(columns.size()));
-    for (const Column<Record> &column : columns)
-        list.append(literalOf(column, record, ids));
-    return list.join(QLatin1StringView(", "));
+    return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-/// "a = 1, b = 'text'": for an update; columns named in `except` are left out.
+/// What is bound for the columns, in their order; nothing if the write of one of the texts fails. The texts of the
+/// columns in `kept` are stored as they are in any case.
 template <class Record>
-QString assignments(std::span<const Column<Record>> columns, const Record &record, const TextIds &ids,
-                    std::initializer_list<QLatin1StringView> except = {})
+std::optional<QVariantList> values(std::span<const Column<Record>> columns, const Record &record, const TextIds &ids,
+                                   Quotes quotes, Names except = {}, Names kept = {})
+{
+    QVariantList list;
+    list.reserve(static_cast<qsizetype>(columns.size()) + 4);
+    for (const Column<Record> &column : columns) {
+        if (holds(except, column.name))
+            continue;
+        QVariant value = valueOf(column, record, ids);
+        if (quotes == Quotes::Literal && value.typeId() == QMetaType::QString && !holds(kept, column.name)) {
+            std::optional<QString> text = LiteralText::stored(value.toString(), quotes);
+            if (!text)
+                return std::nullopt;
+            value = *std::move(text);
+        }
+        list.append(std::move(value));
+    }
+    return list;
+}
+
+/// "a = ?, b = ?"
+template <class Record>
+QString assignments(std::span<const Column<Record>> columns, Names except = {})
 {
     QStringList list;
     for (const Column<Record> &column : columns) {
-        if (std::find(except.begin(), except.end(), column.name) == except.end())
-            list.append(column.name + QLatin1StringView(" = ") + literalOf(column, record, ids));
+        if (!holds(except, column.name))
+            list.append(column.name + QLatin1StringView(" = ?"));
     }
     return list.join(QLatin1StringView(", "));
 }
@@ -158,47 +166,46 @@ public:
     {
         for (const auto &[name, value] : key) {
             names_.append(name);
-            values_.append(QString::number(value));
-            conditions_.append(name + QLatin1StringView(" = ") + values_.last());
+            key_.append(value);
         }
     }
 
-    QString condition() const { return conditions_.join(QLatin1StringView(" and ")); }
+    /// What is bound for the key, at the end of each statement but the insertion.
+    const QVariantList &key() const { return key_; }
+    QString condition() const { return names_.join(QLatin1StringView(" = ? and ")) + QLatin1StringView(" = ?"); }
     QString select(const QString &columns) const
     {
         return QStringLiteral("select %1 from %2 where %3").arg(columns, table_, condition());
     }
     QString remove() const { return QStringLiteral("delete from %1 where %2").arg(table_, condition()); }
 
+    /// The values of the columns are bound first, then the key.
     template <class Record>
-    QString insert(std::span<const Column<Record>> columns, const Record &record, const TextIds &ids) const
+    QString insert(std::span<const Column<Record>> columns) const
     {
-        return QStringLiteral("insert into %1 (%2, %3) values(%4, %5)")
-            .arg(table_, names_.join(u','), names(columns), values_.join(u','),
-                 RecordColumns::values(columns, record, ids));
+        return QStringLiteral("insert into %1 (%2, %3) values(%4)")
+            .arg(table_, names(columns), names_.join(QLatin1StringView(", ")),
+                 SqlText::places(static_cast<qsizetype>(columns.size()) + names_.size()));
     }
     template <class Record>
-    QString update(std::span<const Column<Record>> columns, const Record &record, const TextIds &ids,
-                   std::initializer_list<QLatin1StringView> except = {}) const
+    QString update(std::span<const Column<Record>> columns, Names except = {}) const
     {
-        return QStringLiteral("update %1 set %2 where %3")
-            .arg(table_, assignments(columns, record, ids, except), condition());
+        return QStringLiteral("update %1 set %2 where %3").arg(table_, assignments(columns, except), condition());
     }
 
 private:
     QString table_;
     QStringList names_;
-    QStringList values_;
-    QStringList conditions_;
+    QVariantList key_;
 };
 
-/// Fills a record from the current row of a query whose columns from `first` on are those of the list.
+/// Fills a record from a row whose columns from `first` on are those of the list.
 template <class Record>
-void readRow(std::span<const Column<Record>> columns, const QSqlQuery &query, Record &record, StringPool &pool,
+void readRow(std::span<const Column<Record>> columns, const ResultRow &row, Record &record, StringPool &pool,
              int first = 0)
 {
     for (const Column<Record> &column : columns)
-        column.read(record, query.value(first++), pool);
+        column.read(record, row.value(first++), pool);
 }
 
 } // namespace RecordColumns

@@ -6,10 +6,7 @@
 #include "nodedict/cohelper.h"
 #include "store/temporaryindex.h"
 
-#include <QDebug>
 #include <QSet>
-#include <QSqlError>
-#include <QSqlQuery>
 
 using namespace Qt::StringLiterals;
 
@@ -27,9 +24,9 @@ struct MessageKey
     friend size_t qHash(const MessageKey &key, size_t seed = 0) { return qHashMulti(seed, key.number, key.direction); }
 };
 
-MessageKey keyOfRow(const QSqlQuery &query)
+MessageKey keyOfRow(const ResultRow &row)
 {
-    return {static_cast<quint32>(query.value(0).toLongLong()), static_cast<quint8>(query.value(1).toLongLong())};
+    return {row.number<quint32>(0), row.number<quint8>(1)};
 }
 
 /// Bits that a signal takes in its message.
@@ -60,32 +57,25 @@ void placeBehindEachOther(QList<ObjectDataBase::SPN> &message)
 void ObjectDataBase::repairMappingCounts()
 {
     const Transaction transaction(*this);
+    constexpr auto operation = "repairMappingCounts";
     for (const quint8 line : getNodeList()) {
         QHash<MessageKey, quint32> counts;
-        QSqlQuery query = newQuery();
-        query.setForwardOnly(true);
-        if (run("repairMappingCounts", query, u"select pgnnumber, direction from SPNs%1"_s.arg(line))) {
-            while (query.next())
-                ++counts[keyOfRow(query)];
-        }
+        statements_.visit({operation, u"select pgnnumber, direction from SPNs%1"_s.arg(line)}, {},
+                          [&](const ResultRow &row) { ++counts[keyOfRow(row)]; });
         QHash<MessageKey, quint32> wrong;
-        if (run("repairMappingCounts", query,
-                u"select number, direction, mappingcount from PGNs%1 where direction in (%2, %3)"_s.arg(
-                    QString::number(line), QString::number(receive), QString::number(transmit)))) {
-            while (query.next()) {
-                const MessageKey key = keyOfRow(query);
-                if (query.value(2).toUInt() != counts.value(key))
+        statements_.visit(
+            {operation, u"select number, direction, mappingcount from PGNs%1 where direction in (?, ?)"_s.arg(line)},
+            {receive, transmit}, [&](const ResultRow &row) {
+                const MessageKey key = keyOfRow(row);
+                if (row.value(2).toUInt() != counts.value(key))
                     wrong.insert(key, counts.value(key));
-            }
-        }
+            });
         if (wrong.isEmpty())
             continue;
         const TemporaryIndex index(*this, line, TemporaryIndex::pgnKeys);
         for (const auto &[key, count] : wrong.asKeyValueRange())
-            run("repairMappingCounts", query,
-                u"update PGNs%1 SET mappingcount = %2 where number = %3 AND direction = %4 "_s.arg(
-                    QString::number(line), QString::number(count), QString::number(key.number),
-                    QString::number(key.direction)));
+            run(operation, u"update PGNs%1 SET mappingcount = ? where number = ? AND direction = ?"_s.arg(line),
+                {count, key.number, key.direction});
     }
     clearSPNCache();
 }
@@ -93,35 +83,28 @@ void ObjectDataBase::repairMappingCounts()
 void ObjectDataBase::repairSPNDirections(quint8 line)
 {
     const Transaction transaction(*this);
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
+    constexpr auto operation = "repairSPNDirections";
     QHash<quint32, quint8> directions;
-    if (!run("repairSPNDirections", query, u"select number, direction from PGNs%1"_s.arg(line)))
+    if (!statements_.visit({operation, u"select number, direction from PGNs%1"_s.arg(line)}, {},
+                           [&](const ResultRow &row) {
+                               const MessageKey key = keyOfRow(row);
+                               directions.insert(key.number, key.direction);
+                           }))
         return;
-    while (query.next()) {
-        const MessageKey key = keyOfRow(query);
-        directions.insert(key.number, key.direction);
-    }
     QSet<quint32> wrong;
-    if (!run("repairSPNDirections", query, u"select pgnnumber,direction from SPNs%1"_s.arg(line)))
+    if (!statements_.visit({operation, u"select pgnnumber, direction from SPNs%1"_s.arg(line)}, {},
+                           [&](const ResultRow &row) {
+                               const MessageKey key = keyOfRow(row);
+                               if (directions.value(key.number, key.direction) != key.direction)
+                                   wrong.insert(key.number);
+                           }))
         return;
-    while (query.next()) {
-        const MessageKey key = keyOfRow(query);
-        const auto pgn = directions.constFind(key.number);
-        if (pgn != directions.constEnd() && *pgn != key.direction)
-            wrong.insert(key.number);
-    }
     if (wrong.isEmpty())
         return;
-    query.finish();
     const TemporaryIndex index(*this, line, "SPNs%1 (pgnnumber)"_L1);
-    query.prepare(u"update SPNs%1 SET direction = :direction where pgnnumber = :pgnnumber"_s.arg(line));
-    for (const quint32 number : std::as_const(wrong)) {
-        query.bindValue(u":direction"_s, directions.value(number));
-        query.bindValue(u":pgnnumber"_s, number);
-        if (!execPrepared(query))
-            qDebug().noquote() << "repairSPNDirections" << query.lastQuery() << query.lastError().text();
-    }
+    for (const quint32 number : std::as_const(wrong))
+        run(operation, u"update SPNs%1 SET direction = ? where pgnnumber = ?"_s.arg(line),
+            {directions.value(number), number});
 }
 
 void ObjectDataBase::repairBitPositions(quint8 line)
@@ -151,7 +134,7 @@ void ObjectDataBase::repairDataElementPositions(quint8 line, quint8 direction)
             continue;
         placeBehindEachOther(elements);
         for (const DataElement &element : std::as_const(elements))
-            addDataElement(line, canid, direction, element.spnnumber, element);
+            addDataElement(line, canid, direction, element.spnnumber, element, Quotes::Kept);
     }
 }
 
@@ -167,7 +150,7 @@ void ObjectDataBase::repairSPNPositions(quint8 line, quint8 direction)
         }
         placeBehindEachOther(spns);
         for (const SPN &spn : std::as_const(spns))
-            addSPN(line, pgn, direction, spn.spnnumber, spn);
+            addSPN(line, pgn, direction, spn.spnnumber, spn, Quotes::Kept);
     }
     clearSPNCache();
 }

@@ -2,8 +2,6 @@
 
 #include "store/objectdatabase.h"
 
-#include <QSqlQuery>
-
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -61,36 +59,38 @@ QStringList ObjectDataBase::getGeneralSettingKeys()
 
 QString ObjectDataBase::settingOf(QLatin1StringView table, const QString &key)
 {
-    return selectValue(u"select value from %1 where item = '%2'"_s.arg(table, key)).toString();
+    return statements_.value({nullptr, u"select value from %1 where item = ?"_s.arg(table)}, {key}).toString();
 }
 
 bool ObjectDataBase::settingExists(QLatin1StringView table, const QString &key)
 {
-    return selectsRow(u"select item from %1 where item = '%2'"_s.arg(table, key));
+    return statements_.hasRow({nullptr, u"select item from %1 where item = ?"_s.arg(table)}, {key});
 }
 
-/// Writes a value, which `literal` gives as it stands in a statement: with its quotes doubled where the table wants
-/// that. Of a row that holds the value already nothing is written.
+/// Writes a value. Of a row that holds the value already nothing is written. A key is a literal text in all tables.
 ObjectDataBase::SettingWrite ObjectDataBase::writeSetting(QLatin1StringView table, const QString &key,
-                                                          const QString &literal, const QString &value)
+                                                          const QString &value, Quotes quotes)
 {
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (!execQuery(query, u"select value from %1 where item = '%2'"_s.arg(table, key)))
+    const std::optional<QString> item = LiteralText::stored(key, Quotes::Literal);
+    if (!item)
         return SettingWrite::Failed;
-    const bool exists = query.next();
-    if (exists && query.value(0).toString() == value && !query.value(0).isNull())
+    std::optional<QVariant> before;
+    if (!statements_.visit({nullptr, u"select value from %1 where item = ?"_s.arg(table)}, {*item},
+                           [&](const ResultRow &row) { before = row.value(0); }))
+        return SettingWrite::Failed;
+    if (before && !before->isNull() && before->toString() == value)
         return SettingWrite::Unchanged;
-    query.finish();
-    const QString statement = exists ? u"update %1 set value = '%3' where item = '%2'"_s.arg(table, key, literal)
-                                     : u"insert into %1 values('%2','%3')"_s.arg(table, key, literal);
-    return execQuery(query, statement) ? SettingWrite::Written : SettingWrite::Failed;
+    const std::optional<QString> text = LiteralText::stored(value, quotes);
+    const QString statement = before ? u"update %1 set value = ? where item = ?"_s.arg(table)
+                                     : u"insert into %1 (value, item) values(?, ?)"_s.arg(table);
+    const bool done = text && statements_.execute({nullptr, statement, Statement::Effect::Rows}, {*text, *item});
+    return done ? SettingWrite::Written : SettingWrite::Failed;
 }
 
-bool ObjectDataBase::setAndNotify(QLatin1StringView table, const QString &key, const QString &literal,
-                                  const QString &value, Change change, ChangeSet fields)
+bool ObjectDataBase::setAndNotify(QLatin1StringView table, const QString &key, const QString &value, Quotes quotes,
+                                  Change change, ChangeSet fields)
 {
-    const SettingWrite result = writeSetting(table, key, literal, value);
+    const SettingWrite result = writeSetting(table, key, value, quotes);
     if (result == SettingWrite::Written)
         notify(change, fields);
     return result != SettingWrite::Failed;
@@ -106,20 +106,23 @@ QString ObjectDataBase::getGeneralSetting(const QString &key, quint8 line)
     return partForLine(getGeneralSetting(key), line);
 }
 
-bool ObjectDataBase::setGeneralSetting(const QString &key, const QString &value)
+bool ObjectDataBase::setGeneralSetting(const QString &key, const QString &value, Quotes quotes)
 {
-    return setAndNotify(general, key, value, value, Change::GeneralSetting);
+    return setAndNotify(general, key, value, quotes, Change::GeneralSetting);
 }
 
-bool ObjectDataBase::setGeneralSetting(const QString &key, const QString &value, quint8 line)
+bool ObjectDataBase::setGeneralSetting(const QString &key, const QString &value, quint8 line, Quotes quotes)
 {
+    const std::optional<QString> part = LiteralText::stored(value, quotes);
+    if (!part)
+        return false;
     // An empty value has no parts, so that the first of them is a blank like any other that nobody wrote.
     const QString whole = getGeneralSetting(key);
     QStringList parts = whole.isEmpty() ? QStringList() : whole.split(u',');
     while (line >= parts.size())
         parts.append(u" "_s);
-    parts[line] = value;
-    return setGeneralSetting(key, parts.join(u','));
+    parts[line] = *part;
+    return setGeneralSetting(key, parts.join(u','), Quotes::Kept);
 }
 
 bool ObjectDataBase::generalSettingExists(const QString &key)
@@ -139,7 +142,7 @@ QString ObjectDataBase::getJ1939Setting(const QString &key, quint8 line)
 
 bool ObjectDataBase::setJ1939Setting(const QString &key, const QString &value)
 {
-    return !blocked_ && setAndNotify(j1939, key, withQuotesDoubled(value), value, Change::J1939Setting);
+    return !blocked_ && setAndNotify(j1939, key, value, Quotes::Kept, Change::J1939Setting);
 }
 
 QString ObjectDataBase::descriptionKey(const QString &key) const
@@ -154,7 +157,7 @@ QString ObjectDataBase::getDescriptionSetting(const QString &key)
 
 bool ObjectDataBase::setDescriptionSetting(const QString &key, const QString &value)
 {
-    return setAndNotify(description, descriptionKey(key), withQuotesDoubled(value), value, Change::DescriptionSetting,
+    return setAndNotify(description, descriptionKey(key), value, Quotes::Kept, Change::DescriptionSetting,
                         {.line = currentLine_});
 }
 
@@ -169,25 +172,21 @@ QString ObjectDataBase::getEnergyBusSetting(const QString &key)
     return settingOf(energyBus, key);
 }
 
-bool ObjectDataBase::setEnergyBusSetting(const QString &key, const QString &value)
+bool ObjectDataBase::setEnergyBusSetting(const QString &key, const QString &value, Quotes quotes)
 {
-    return setAndNotify(energyBus, key, value, value, Change::EnergyBusSetting);
+    return setAndNotify(energyBus, key, value, quotes, Change::EnergyBusSetting);
 }
 
 bool ObjectDataBase::removeEnergyBusSetting(const QString &key)
 {
-    return !blocked_ && run("removeEnergyBusSetting", u"delete from EnergyBusSettings where item = '%1'"_s.arg(key));
+    return !blocked_ && run("removeEnergyBusSetting", u"delete from EnergyBusSettings where item = ?"_s, {key});
 }
 
 QStringList ObjectDataBase::getEnergyBusSettingKeys()
 {
     QStringList keys;
-    QSqlQuery query = newQuery();
-    query.setForwardOnly(true);
-    if (execQuery(query, u"select item from EnergyBusSettings"_s)) {
-        while (query.next())
-            keys.append(query.value(0).toString());
-    }
+    statements_.visit({nullptr, u"select item from EnergyBusSettings"_s}, {},
+                      [&](const ResultRow &row) { keys.append(row.text(0)); });
     return keys;
 }
 
@@ -198,7 +197,7 @@ QString ObjectDataBase::getMiscSetting(const QString &key)
 
 bool ObjectDataBase::setMiscSetting(const QString &key, const QString &value)
 {
-    return !blocked_ && setAndNotify(misc, key, withQuotesDoubled(value), value, Change::MiscSetting);
+    return !blocked_ && setAndNotify(misc, key, value, Quotes::Kept, Change::MiscSetting);
 }
 
 bool ObjectDataBase::miscSettingExists(const QString &key)
@@ -213,8 +212,8 @@ void ObjectDataBase::addDescriptionDefaults(quint8 line)
     for (const auto &[key, value] : descriptionDefaults) {
         const QString item = key + suffix;
         if (!settingExists(description, item))
-            run("addDescriptionDefaults",
-                u"insert into DescriptionSettings values('%1','%2')"_s.arg(item, withQuotesDoubled(value)));
+            run("addDescriptionDefaults", u"insert into DescriptionSettings (item, value) values(?, ?)"_s,
+                {item, QString(value)});
     }
 }
 
@@ -224,5 +223,5 @@ void ObjectDataBase::trimLineLists()
     const quint8 highest = lines.isEmpty() ? quint8{0} : *std::max_element(lines.begin(), lines.end());
     // A key without a row gets one here, with an empty value.
     for (const QString &key : getGeneralSettingKeys())
-        setGeneralSetting(key, getGeneralSetting(key).split(u',').mid(0, highest + 1).join(u','));
+        setGeneralSetting(key, getGeneralSetting(key).split(u',').mid(0, highest + 1).join(u','), Quotes::Kept);
 }

@@ -1,11 +1,14 @@
 #include "store/stringpool.h"
 
-#include "store/objectdatabase.h"
-
-#include <QSqlQuery>
-#include <QVariant>
+#include "store/statements/statements.h"
 
 using namespace Qt::StringLiterals;
+
+/// A text that the map never finds, as it stands there with its quotes doubled.
+bool StringPool::hasARowPerInterning(const QString &text)
+{
+    return text.contains(u'\'');
+}
 
 int StringPool::idOf(const QString &text)
 {
@@ -15,7 +18,7 @@ int StringPool::idOf(const QString &text)
     const int added = insert(text);
     if (added >= 0)
         texts_.insert(added, text);
-    if (!text.contains(u'\'')) {
+    if (!hasARowPerInterning(text)) {
         if (added >= 0)
             ids_.insert(text, added);
         return added;
@@ -23,40 +26,16 @@ int StringPool::idOf(const QString &text)
     const int first = firstQuoted_.value(text, added);
     if (added >= 0 && !firstQuoted_.contains(text))
         firstQuoted_.insert(text, added);
-    if (first >= 0) {
-        QString escaped = text;
-        ObjectDataBase::escapeQuotes(escaped);
-        ids_.insert(escaped, first);
-    }
+    if (first >= 0)
+        ids_.insert(QString(text).replace(u'\'', "''"_L1), first);
     return first;
-}
-
-StringPool::Batch::Batch(StringPool &pool)
-    : pool_(pool)
-{
-    Q_ASSERT(!pool_.batchInsert_);
-    pool_.batchInsert_ = std::make_unique<QSqlQuery>(pool_.store_.newQuery());
-    if (!pool_.batchInsert_->prepare(u"insert into Strings values(NULL,?)"_s))
-        pool_.batchInsert_.reset();
-}
-
-StringPool::Batch::~Batch()
-{
-    pool_.batchInsert_.reset();
 }
 
 int StringPool::insert(const QString &text)
 {
-    if (batchInsert_) {
-        batchInsert_->bindValue(0, text.isNull() ? u""_s : text);
-        return store_.execPrepared(*batchInsert_) ? batchInsert_->lastInsertId().toInt() : -1;
-    }
-    QString escaped = text;
-    ObjectDataBase::escapeQuotes(escaped);
-    QSqlQuery query = store_.newQuery();
-    if (!store_.run("getStringId", query, u"insert into Strings values(NULL,'%1')"_s.arg(escaped)))
-        return -1;
-    return query.lastInsertId().toInt();
+    const std::optional<qint64> id =
+        statements_.insert({"getStringId", u"insert into Strings values(NULL,?)"_s, Statement::Effect::Rows}, {text});
+    return id ? static_cast<int>(*id) : -1;
 }
 
 QString StringPool::textOf(int id)
@@ -64,7 +43,7 @@ QString StringPool::textOf(int id)
     const auto it = texts_.constFind(id);
     if (it != texts_.constEnd())
         return *it;
-    QString text = store_.selectValue(u"select string from Strings where id = %1"_s.arg(id)).toString();
+    QString text = statements_.value({nullptr, u"select string from Strings where id = ?"_s}, {id}).toString();
     texts_.insert(id, text);
     return text;
 }
@@ -73,31 +52,21 @@ void StringPool::loadTexts()
 {
     if (textsLoaded_)
         return;
-    QSqlQuery query = store_.newQuery();
-    query.setForwardOnly(true);
-    if (!store_.execQuery(query, u"select id, string from Strings"_s))
-        return;
-    while (query.next())
-        texts_.insert(query.value(0).toInt(), query.value(1).toString());
-    textsLoaded_ = true;
+    textsLoaded_ = statements_.visit({nullptr, u"select id, string from Strings"_s}, {},
+                                     [this](const ResultRow &row) { texts_.insert(row.number<int>(0), row.text(1)); });
 }
 
 void StringPool::reload()
 {
     clear();
-    QSqlQuery query = store_.newQuery();
-    query.setForwardOnly(true);
-    if (!store_.execQuery(query, u"select * from Strings"_s))
-        return;
-    while (query.next()) {
-        const int id = query.value(0).toInt();
-        const QString text = query.value(1).toString();
+    textsLoaded_ = statements_.visit({nullptr, u"select * from Strings"_s}, {}, [this](const ResultRow &row) {
+        const int id = row.number<int>(0);
+        const QString text = row.text(1);
         texts_.insert(id, text);
         ids_.insert(text, id);
-        if (text.contains(u'\'') && !firstQuoted_.contains(text))
+        if (hasARowPerInterning(text) && !firstQuoted_.contains(text))
             firstQuoted_.insert(text, id);
-    }
-    textsLoaded_ = true;
+    });
 }
 
 void StringPool::clear()

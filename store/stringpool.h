@@ -1,12 +1,9 @@
 #pragma once
 
 #include <QHash>
-#include <QSqlQuery>
 #include <QString>
 
-#include <memory>
-
-class ObjectDataBase;
+class Statements;
 
 /// The table `Strings`: every name, description, device class and denotation of a project once per distinct text.
 ///
@@ -15,8 +12,8 @@ class ObjectDataBase;
 class StringPool
 {
 public:
-    explicit StringPool(ObjectDataBase &store)
-        : store_(store)
+    explicit StringPool(Statements &statements)
+        : statements_(statements)
     {
     }
 
@@ -30,25 +27,13 @@ public:
     void loadTexts();
     void clear();
 
-    /// During its lifetime new texts are added by one prepared statement; at most one at a time.
-    class Batch
-    {
-    public:
-        explicit Batch(StringPool &pool);
-        ~Batch();
-        Q_DISABLE_COPY_MOVE(Batch)
-
-    private:
-        StringPool &pool_;
-    };
-
 private:
+    static bool hasARowPerInterning(const QString &text);
     int insert(const QString &text);
 
-    ObjectDataBase &store_;
+    Statements &statements_;
     QHash<int, QString> texts_;
     bool textsLoaded_ = false;
     QHash<QString, int> ids_;         ///< interned during this session: by the text with its quotes doubled
     QHash<QString, int> firstQuoted_; ///< first row of each text that holds a quote
-    std::unique_ptr<QSqlQuery> batchInsert_;
 };

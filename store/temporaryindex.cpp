@@ -3,18 +3,15 @@
 #include "store/objectdatabase.h"
 
 #include <QDebug>
-#include <QSqlError>
-#include <QSqlQuery>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-void execute(ObjectDataBase &store, const QString &statement)
+void execute(ObjectDataBase &store, const QString &text)
 {
-    QSqlQuery query = store.newQuery();
-    if (!store.execQuery(query, statement))
-        qDebug().noquote() << "TemporaryIndex" << statement << query.lastError().text();
+    if (!store.statements().execute({"TemporaryIndex", text, Statement::Effect::Schema}))
+        qDebug().noquote() << "the job goes on without its index";
 }
 
 } // namespace

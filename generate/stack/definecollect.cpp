@@ -351,8 +351,7 @@ void DefineCollector::readEnergyBus()
         if (!device.match(key).hasMatch())
             continue;
         const QString name = store_.getEnergyBusSetting(key).trimmed();
-        const QString kind =
-            store_.getEnergyBusSetting(u"sec_%1_kind"_s.arg(ObjectDataBase::withQuotesDoubled(name))).trimmed();
+        const QString kind = store_.getEnergyBusSetting(u"sec_%1_kind"_s.arg(name)).trimmed();
         ++model_.energyBusDevices[kind.isEmpty() ? name : kind];
     }
 }

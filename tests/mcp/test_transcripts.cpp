@@ -6,7 +6,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSqlQuery>
 #include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
@@ -107,8 +106,7 @@ private:
             ObjectDataBase store;
             EXPECT_TRUE(QFile::exists(path + u".ncxp"_s) ? store.openDataBase(path + u".ncxp"_s)
                                                          : store.openTextDatabase(path + u".ncxt"_s));
-            QSqlQuery query = store.newQuery();
-            EXPECT_TRUE(store.execQuery(query, text)) << qPrintable(text);
+            EXPECT_TRUE(store.statements().execute({"test", text})) << qPrintable(text);
             EXPECT_TRUE(store.saveDatabase(path + u".ncxp"_s));
         }
     }

@@ -40,6 +40,8 @@ Value argument(Arguments &arguments)
     Value value{};
     if constexpr (std::is_integral_v<Value>)
         value = static_cast<Value>(arguments.takeNumber());
+    else if constexpr (std::is_same_v<Value, Quotes>)
+        value = arguments.take() == "kept"_L1 ? Quotes::Kept : Quotes::Literal;
     else if constexpr (std::is_same_v<Value, QString> || std::is_same_v<Value, QVariant>)
         value = arguments.take();
     else
@@ -122,8 +124,8 @@ Operation op(Result (Store::*member)(Parameters...) const)
     return bound<decltype(member), Result, Parameters...>(member);
 }
 
-using TextSetter = bool (Store::*)(const QString &, const QString &);
-using PartSetter = bool (Store::*)(const QString &, const QString &, quint8);
+using TextSetter = bool (Store::*)(const QString &, const QString &, Quotes);
+using PartSetter = bool (Store::*)(const QString &, const QString &, quint8, Quotes);
 using TextGetter = QString (Store::*)(const QString &);
 using PartGetter = QString (Store::*)(const QString &, quint8);
 

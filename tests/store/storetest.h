@@ -25,22 +25,18 @@ protected:
     static QStringList rowsOf(ObjectDataBase &database, const QString &statement)
     {
         QStringList result;
-        QSqlQuery query = database.newQuery();
-        if (!database.execQuery(query, statement))
-            return {QStringLiteral("failed")};
-        while (query.next()) {
+        const bool done = database.statements().visit({"test", statement}, {}, [&](const ResultRow &row) {
             QStringList columns;
-            for (int i = 0; query.value(i).isValid(); ++i)
-                columns.append(query.isNull(i) ? QStringLiteral("NULL") : query.value(i).toString());
+            for (int i = 0; i < row.count(); ++i)
+                columns.append(row.value(i).isNull() ? QStringLiteral("NULL") : row.text(i));
             result.append(columns.join(u'|'));
-        }
-        return result;
+        });
+        return done ? result : QStringList{QStringLiteral("failed")};
     }
 
     bool exec(const QString &statement)
     {
-        QSqlQuery query = store.newQuery();
-        return store.execQuery(query, statement);
+        return store.statements().execute({"test", statement, Statement::Effect::Subindices});
     }
 
     /// Makes a database file from statements, outside any store.

@@ -157,9 +157,15 @@ TEST_F(ProjectFile, WhatIsNoProjectIsRefused)
 
     for (const QString &name : {u"empty"_s, u"upper.NCXT"_s, u"foreign"_s, u"nolines"_s, u"endless"_s, u"wrapped"_s,
                                 u"truncated"_s, u""_s, u"missing"_s, u"/dev/zero"_s})
-        EXPECT_FALSE(store.openDataBase(path(name))) << name.toStdString();
-    EXPECT_FALSE(store.openDataBase({}));
-    EXPECT_EQ(store.lastError(), u""_s);
+        expectRefused(path(name), u""_s);
+    expectRefused({}, u""_s);
+    makeDatabase(path(u"foreign.ncxp"_s), {});
+    store.createNewDataBase();
+    store.setGeneralSetting(u"line0type"_s, u"2"_s);
+    store.setMiscSetting(u"CreateToolVersion"_s, u""_s);
+    store.saveDatabase(path(u"foreign.ncxp"_s));
+    makeDatabase(path(u"foreign.ncxp"_s), {u"update MiscSettings set value = '' where item = 'SaveToolType'"_s});
+    expectRefused(path(u"foreign.ncxp"_s), u"File was not created with this tool."_s);
     EXPECT_TRUE(store.openDataBase(path(u"whole.ncxp"_s)));
 }
 
@@ -168,11 +174,13 @@ TEST_F(ProjectFile, EnergyBusFileGetsAbsolutePaths)
     ObjectDataBase::NODE_DATA_T node;
     node.edspath = u"sub/x.eds"_s;
     store.addNode(0, node);
-    store.saveDatabase(path(u"a.ncxe"_s));
+    const QString file = path(u"it's/a.ncxe"_s);
+    QDir(folder.path()).mkdir(u"it's"_s);
+    store.saveDatabase(file);
     const QString here = QDir::currentPath();
-    ASSERT_TRUE(store.openDataBase(path(u"a.ncxe"_s)));
+    ASSERT_TRUE(store.openDataBase(file));
     ASSERT_TRUE(store.getNode(0, node));
-    EXPECT_EQ(node.edspath, QFileInfo(path(u"a.ncxe"_s)).canonicalPath() + u"/sub/x.eds"_s);
+    EXPECT_EQ(node.edspath, QFileInfo(file).canonicalPath() + u"/sub/x.eds"_s);
     QDir::setCurrent(here);
 }
 
@@ -200,13 +208,16 @@ TEST_F(ProjectFile, WriteTrackingTellsOfWritesOnly)
 {
     int writes = 0;
     QObject::connect(&store, &ObjectDataBase::databaseWriteExecuted, [&] { ++writes; });
-    exec(u"insert into GeneralSettings values('a','1')"_s);
+    store.setGeneralSetting(u"a"_s, u"1"_s);
     EXPECT_EQ(writes, 0);
     store.setWriteTracking(true);
-    exec(u"  Update GeneralSettings set value = 2"_s);
-    exec(u"select * from GeneralSettings"_s);
-    exec(u"insert into NoSuchTable values(1)"_s);
+    store.setGeneralSetting(u"a"_s, u"2"_s);
+    store.setGeneralSetting(u"a"_s, u"2"_s);
+    store.setIndexName(9, 0x2000, u"of a line that there is not"_s);
     EXPECT_EQ(writes, 1);
+    store.createUDSSettingsTable(9);
+    store.removeSubIndex(0, 0x2000, 0, true);
+    EXPECT_EQ(writes, 3);
 }
 
 } // namespace

@@ -287,7 +287,7 @@ TEST_F(TextForm, FailedWriteLeavesTheFileBeforeIt)
     ASSERT_TRUE(TestSupport::writeFile(file, before));
     store.setGeneralSetting(u"user_defines"_s, QString(100000, u'x'));
     DatabaseTextConverter converter;
-    converter.setDatabase(store.connection());
+    converter.setStore(&store);
     converter.setOutputFile(file);
     rlimit limit{};
     getrlimit(RLIMIT_FSIZE, &limit);

@@ -153,8 +153,8 @@ Reply deleteSubindex(const ToolCall &call)
 
 Reply setSubindexValue(const ToolCall &call)
 {
-    call.store().setSubIndexDefaultValue(call.line(), call.index(), call.sub(),
-                                         ObjectDataBase::withQuotesDoubled(call.text(newDefaultValue.name)));
+    call.store().setSubIndexDefaultValue(call.line(), call.index(), call.sub(), call.text(newDefaultValue.name),
+                                         Quotes::Kept);
     return call.edited(u"Updated defaultValue of subindex %1 on line %2."_s.arg(subindexText(call.index(), call.sub()),
                                                                                 QString::number(call.line())));
 }

@@ -234,11 +234,10 @@ std::optional<Reply> dependencyRefusal(const ToolCall &call, const Setting &sett
 /// Writes the text and reads it back; true if it has arrived.
 bool writeText(const ToolCall &call, const Setting &setting, Line line, const QString &text)
 {
-    const QString quoted = ObjectDataBase::withQuotesDoubled(text);
     if (line)
-        call.store().setGeneralSetting(setting.key, quoted, *line);
+        call.store().setGeneralSetting(setting.key, text, *line, Quotes::Kept);
     else
-        call.store().setGeneralSetting(setting.key, quoted);
+        call.store().setGeneralSetting(setting.key, text, Quotes::Kept);
     const QString stored = storedText(call, setting, line);
     if (setting.type == Setting::Type::String && !setting.isPerLine())
         return stored == text;

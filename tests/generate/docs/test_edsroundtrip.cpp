@@ -48,8 +48,6 @@ void reduceSub(ObjectDataBase::SUBINDEX_DATA_T &sub)
         sub.lowlimit.clear();
         sub.uplimit.clear();
     }
-    if (sub.datatype != CAN::VisibleString)
-        ObjectDataBase::escapeQuotes(sub.defaultvalue);
 }
 
 /// Leaves of an imported line what a description of ours can say.
@@ -71,7 +69,7 @@ void reduce(ObjectDataBase &store)
             reduceSub(sub);
             if (subindex == 0 && isGroup(object) && index >= 0x2000)
                 sub.defaultvalue = QString::number(subs.last());
-            store.addSubIndex(0, index, subindex, sub);
+            store.addSubIndex(0, index, subindex, sub, Quotes::Kept);
         }
     }
     store.setCurrentLine(0);
