@@ -37,10 +37,10 @@ TransactionScope::~TransactionScope()
 {
     if (ended_ || isOver())
         return;
-    if (kind_ == Kind::Batch)
-        end();
-    else
+    if (kind_ == Kind::Step)
         takeBack();
+    else if (!end()) // what was reported as done is not
+        statements_.damaged_ = true;
 }
 
 bool TransactionScope::commit()

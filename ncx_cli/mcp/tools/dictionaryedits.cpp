@@ -222,8 +222,7 @@ Reply copyIndex(const ToolCall &call)
 {
     const Place source = sourceOf(call);
     const Place destination = destinationOf(call);
-    call.store().copyIndex(source.line, source.index, destination.line, destination.index);
-    if (!call.store().indexExists(destination.line, destination.index))
+    if (!call.store().copyIndex(source.line, source.index, destination.line, destination.index))
         return Reply::refusal(u"Failed to copy index %1 to %2."_s.arg(source.text(), destination.text()));
     return call.edited(u"Copied index %1 to %2."_s.arg(source.text(), destination.text()));
 }
