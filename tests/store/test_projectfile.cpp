@@ -23,6 +23,19 @@ protected:
     {
         return static_cast<int>(QDir(TestSupport::dataFolder()).entryList({u"qvxdatatemp_*"_s}, QDir::Files).size());
     }
+
+    /// No project is open after an open that fails, and none is saved.
+    void expectRefused(const QString &file, const QString &reason)
+    {
+        SCOPED_TRACE(file.toStdString());
+        const QString elsewhere = path(u"elsewhere.ncxp"_s);
+        EXPECT_FALSE(store.openDataBase(file));
+        EXPECT_EQ(store.lastError(), reason);
+        EXPECT_TRUE(!store.isOpen() && store.projectPath().isEmpty() && store.getNodeList().isEmpty());
+        EXPECT_FALSE(store.saveDatabase({}) || store.saveDatabase(elsewhere) || QFile::exists(elsewhere));
+        EXPECT_FALSE(store.saveDatabase(path(u"elsewhere.ncxt"_s)));
+        EXPECT_NE(store.lastError(), u""_s);
+    }
 };
 
 TEST_F(ProjectFile, SavedProjectComesBackWithoutTamperMark)
@@ -159,7 +172,6 @@ TEST_F(ProjectFile, WhatIsNoProjectIsRefused)
                                 u"truncated"_s, u""_s, u"missing"_s, u"/dev/zero"_s})
         expectRefused(path(name), u""_s);
     expectRefused({}, u""_s);
-    makeDatabase(path(u"foreign.ncxp"_s), {});
     store.createNewDataBase();
     store.setGeneralSetting(u"line0type"_s, u"2"_s);
     store.setMiscSetting(u"CreateToolVersion"_s, u""_s);
