@@ -86,12 +86,6 @@ QStringList columnNamesOf(Statements &statements, const QString &table)
     return names;
 }
 
-/// A text with a null character has never arrived.
-bool isStorable(const QString &text)
-{
-    return !text.contains(QChar::Null);
-}
-
 /// Which protocols the lines of a project speak. Combined and raw CAN types count as neither of the two, but for
 /// "CANopen and J1939".
 class LineTypes
@@ -401,7 +395,7 @@ void DatabaseTextConverter::readLines(const SettingsText::Reader &reader)
         for (qsizetype i = 0; i < row.columns.size(); ++i) {
             const QString &column = row.columns.at(i);
             const QString text = row.values.at(i).toString();
-            if (known.contains(column) && isStorable(text))
+            if (known.contains(column))
                 store_->setNodeSqlValue(QString::number(line), column, text, Quotes::Kept);
             else
                 qDebug().noquote() << "no column of a line" << column << text;
@@ -440,7 +434,7 @@ void DatabaseTextConverter::readSettings(const QString &group, Table kind, const
     };
     reader.forEachKey(group, [&](const QString &key, const QVariant &value) {
         const QString text = value.toString();
-        if (!isStorable(text) || !set(key, text))
+        if (!set(key, text))
             qDebug().noquote() << group << key << "failed:" << text;
     });
 }
@@ -474,7 +468,7 @@ void DatabaseTextConverter::readRows(const QString &group, const TableForm &form
             columns.append(column);
             const bool isText = column == "name"_L1 && form.kind != Table::UDSSettings;
             values.append(isText ? QVariant(store_->getStringId(value)) : QVariant(value));
-            allStorable = allStorable && (isText || isStorable(value));
+            allStorable = allStorable && (isText || LiteralText::stored(value, Quotes::Kept));
         }
         for (qsizetype i = 0; i < keyColumns.size(); ++i) {
             if (!columns.contains(keyColumns.at(i), Qt::CaseInsensitive)) {

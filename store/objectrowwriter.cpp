@@ -201,7 +201,7 @@ std::optional<QVariant> ObjectRowWriter::stored(const QString &column, const QVa
         return store_.getStringId(value.toString());
     const QString text = value.toString().simplified();
     const std::optional<QString> literal = LiteralText::stored(text, quotes);
-    if (literal && !literal->contains(QChar::Null))
+    if (literal)
         return *literal;
     qDebug().noquote() << operation << table_ << column << "cannot be" << text;
     return std::nullopt;

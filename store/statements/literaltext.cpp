@@ -16,7 +16,7 @@ bool LiteralText::breaksStatement(QStringView text)
 std::optional<QString> LiteralText::stored(const QString &text, Quotes quotes)
 {
     if (quotes == Quotes::Kept)
-        return text;
+        return text.contains(QChar::Null) ? std::nullopt : std::optional(text);
     if (breaksStatement(text))
         return std::nullopt;
     QString single = text;

@@ -8,7 +8,7 @@
 enum class Quotes
 {
     Literal, ///< as between the quotes of a statement: two are one, and a text with a single one is not written
-    Kept     ///< nothing: the text is stored as it is
+    Kept     ///< nothing: the text is stored as it is, unless there is a null character in it
 };
 
 /// Texts as they stand in a statement. Many operations have always taken theirs so, and what quotes do there is a part

@@ -222,7 +222,8 @@ Reply copyIndex(const ToolCall &call)
 {
     const Place source = sourceOf(call);
     const Place destination = destinationOf(call);
-    if (!call.store().copyIndex(source.line, source.index, destination.line, destination.index))
+    const bool done = call.store().copyIndex(source.line, source.index, destination.line, destination.index);
+    if (!done || !call.store().indexExists(destination.line, destination.index))
         return Reply::refusal(u"Failed to copy index %1 to %2."_s.arg(source.text(), destination.text()));
     return call.edited(u"Copied index %1 to %2."_s.arg(source.text(), destination.text()));
 }
