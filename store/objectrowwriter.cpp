@@ -63,9 +63,9 @@ void ObjectRowWriter::writeValue(const QStringList &groups, const QString &colum
     if (writeAttributes(*key, column, value))
         return;
     const std::optional<QVariant> text = stored(column, value, quotes);
-    if (!text || (!exists(*key) && !insertRow({}, {}, *key)))
-        return;
-    run(u"update %1 set %2 = ? where %3"_s.arg(table_, column, condition()), QVariantList{*text} + *key);
+    // The row is made for a value that cannot be stored, too.
+    if ((exists(*key) || insertRow({}, {}, *key)) && text)
+        run(u"update %1 set %2 = ? where %3"_s.arg(table_, column, condition()), QVariantList{*text} + *key);
 }
 
 void ObjectRowWriter::writeRow(const TextRow &row)
