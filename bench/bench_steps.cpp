@@ -3,9 +3,9 @@
 // Opens the project, imports the device description, checks, generates file by file, and saves. Prints a line for each
 // step: milliseconds, a tab, and what it was. A project that does not pass the check is an error.
 
-#include "generate/generationrun.h"
-#include "generate/generatormainhandler.h"
-#include "generate/outputhandlerbase.h"
+#include "generate/base/outputhandlerbase.h"
+#include "generate/run/generationrun.h"
+#include "generate/run/generatormainhandler.h"
 #include "store/objectdatabase.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 #include "check/modelchecker.h"
 
-#include "check/specialpgns.h"
+#include "check/line/specialpgns.h"
 #include "store/objectdatabase.h"
 #include "store/usersettings.h"
 

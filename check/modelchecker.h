@@ -1,7 +1,7 @@
 #pragma once
 
-#include "check/checkrules.h"
-#include "check/warninggroups.h"
+#include "check/frame/checkrules.h"
+#include "check/frame/warninggroups.h"
 
 #include <QObject>
 

@@ -2,7 +2,7 @@
 // line of the input is a change of its database: a table, a column, a row, what to do, and a text to do it with.
 
 #include "fuzz/scratch.h"
-#include "generate/generatormainhandler.h"
+#include "generate/run/generatormainhandler.h"
 #include "store/objectdatabase.h"
 
 #include <QDir>

@@ -1,8 +1,8 @@
 // The reader of DBC files, and the writer on what it accepts.
 
 #include "fuzz/scratch.h"
-#include "generate/docs/dbcreader.h"
-#include "generate/docs/dbcwriter.h"
+#include "generate/bus/dbcreader.h"
+#include "generate/bus/dbcwriter.h"
 
 #include <QTextStream>
 

@@ -2,7 +2,7 @@
 // one that can be checked and written afterwards.
 
 #include "fuzz/scratch.h"
-#include "generate/generatormainhandler.h"
+#include "generate/run/generatormainhandler.h"
 #include "store/objectdatabase.h"
 
 using namespace Qt::StringLiterals;

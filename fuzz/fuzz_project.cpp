@@ -2,7 +2,7 @@
 // is done, and what is saved must open again.
 
 #include "fuzz/scratch.h"
-#include "generate/generatormainhandler.h"
+#include "generate/run/generatormainhandler.h"
 
 using namespace Qt::StringLiterals;
 

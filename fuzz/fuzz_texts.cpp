@@ -1,13 +1,13 @@
 // The small readers: placeholders, number lists, C strings, values, former sources, feature files, templates and
 // modifier files. The first byte chooses one.
 
-#include "check/storevalue.h"
-#include "check/versionreader.h"
+#include "check/line/storevalue.h"
+#include "check/line/versionreader.h"
 #include "fuzz/scratch.h"
-#include "generate/stack/cppcopies.h"
-#include "generate/stack/projectprops.h"
-#include "generate/stack/usersection.h"
-#include "generate/templates.h"
+#include "generate/base/templates.h"
+#include "generate/define/projectprops.h"
+#include "generate/define/usersection.h"
+#include "generate/objdict/cppcopies.h"
 #include "nodedict/cohelper.h"
 #include "nodedict/edsvalue.h"
 #include "store/databasemodifier.h"

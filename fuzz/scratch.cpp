@@ -1,7 +1,7 @@
 #include "fuzz/scratch.h"
 
-#include "generate/generatormainhandler.h"
-#include "generate/outputhandlerbase.h"
+#include "generate/base/outputhandlerbase.h"
+#include "generate/run/generatormainhandler.h"
 #include "store/objectdatabase.h"
 
 #include <QCoreApplication>

@@ -266,8 +266,7 @@ void CsvImporter::handleDataLine(const QString &line)
         state.hasSubZero = true;
         state.madeSubZero.reset();
     }
-    entries_.append({place->line, place->index, place->subindex,
-                     recordOf(*place, row, *state.object)});
+    entries_.append({place->line, place->index, place->subindex, recordOf(*place, row, *state.object)});
 }
 
 CsvImporter::ObjectState &CsvImporter::stateOf(const Place &place)

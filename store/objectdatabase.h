@@ -86,8 +86,8 @@ public:
     void closeDatabase();
     /// True from a successful create or open on, until one fails.
     bool isOpen() const { return statements_.isOpen(); }
-    /// True if there was no place for a working copy, or a statement has failed in a way that leaves it half changed, as
-    /// on a full disk: what is read from it is not to be trusted, and a save refuses it.
+    /// True if there was no place for a working copy, or a statement has failed in a way that leaves it half changed,
+    /// as on a full disk: what is read from it is not to be trusted, and a save refuses it.
     bool isDamaged() const { return statements_.isDamaged(); }
     /// Why the last open or save failed; empty where there is nothing to tell the user.
     QString lastError() const { return lastError_; }

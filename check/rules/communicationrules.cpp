@@ -1,9 +1,9 @@
 // Rules of the communication objects of CiA 301, CiA 302 and CiA 1301: which must exist, and what they must hold.
 
-#include "check/checkloops.h"
-#include "check/checktext.h"
+#include "check/frame/checkloops.h"
+#include "check/line/checktext.h"
+#include "check/line/storevalue.h"
 #include "check/rules/rulelists.h"
-#include "check/storevalue.h"
 #include "nodedict/cohelper.h"
 
 using namespace Qt::StringLiterals;

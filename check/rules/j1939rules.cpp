@@ -1,9 +1,9 @@
 // Rules of a J1939 line: its settings, its parameter groups with their safety, and their signals.
 
-#include "check/checkloops.h"
-#include "check/checktext.h"
+#include "check/frame/checkloops.h"
+#include "check/line/checktext.h"
+#include "check/line/safetytypes.h"
 #include "check/rules/rulelists.h"
-#include "check/safetytypes.h"
 #include "store/objectdatabase.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // Rules of a CANopen line's settings: whether the installed stack fits, the node-id, and lists with an entry per line.
 
+#include "check/line/storevalue.h"
+#include "check/line/versionreader.h"
 #include "check/rules/rulelists.h"
-#include "check/storevalue.h"
-#include "check/versionreader.h"
 #include "store/lineprotocols.h"
 #include "store/objectdatabase.h"
 

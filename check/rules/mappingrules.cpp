@@ -1,9 +1,9 @@
 // Rules of what is mapped: into PDOs and SRDOs, and which modes of mapping the device needs for that.
 
-#include "check/checkloops.h"
-#include "check/checktext.h"
+#include "check/frame/checkloops.h"
+#include "check/line/checktext.h"
+#include "check/line/storevalue.h"
 #include "check/rules/rulelists.h"
-#include "check/storevalue.h"
 #include "store/objectdatabase.h"
 
 #include <QRegularExpression>

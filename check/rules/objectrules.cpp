@@ -1,9 +1,9 @@
 // Rules that hold for every object and subindex of a dictionary: values, names, access, implementation, limits.
 
-#include "check/checkloops.h"
-#include "check/checktext.h"
+#include "check/frame/checkloops.h"
+#include "check/line/checktext.h"
+#include "check/line/valueform.h"
 #include "check/rules/rulelists.h"
-#include "check/valueform.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
 

@@ -1,9 +1,9 @@
 // Rules of PDO communication objects: their mapping, COB-IDs and times.
 
-#include "check/checkloops.h"
-#include "check/checktext.h"
+#include "check/frame/checkloops.h"
+#include "check/line/checktext.h"
+#include "check/line/storevalue.h"
 #include "check/rules/rulelists.h"
-#include "check/storevalue.h"
 
 #include <algorithm>
 

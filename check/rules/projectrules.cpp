@@ -1,8 +1,8 @@
 // Rules of the project as a whole: UDS, what an update of the tool asks for, and settings of no single line.
 
-#include "check/numericsettings.h"
+#include "check/line/numericsettings.h"
+#include "check/line/storevalue.h"
 #include "check/rules/rulelists.h"
-#include "check/storevalue.h"
 #include "store/lineprotocols.h"
 #include "store/objectdatabase.h"
 

@@ -1,7 +1,7 @@
 // Rules of a raw CAN line: its identifiers and the signals of their messages.
 
-#include "check/checkloops.h"
-#include "check/checktext.h"
+#include "check/frame/checkloops.h"
+#include "check/line/checktext.h"
 #include "check/rules/rulelists.h"
 
 using namespace Qt::StringLiterals;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "check/checkrules.h"
+#include "check/frame/checkrules.h"
 
 // The rules by subject, each list in a file of its subject's name, from which `CheckRules::builtIn` is joined.
 

@@ -1,12 +1,12 @@
 #include "generate/j1939/pgngenerator.h"
 
-#include "generate/codewriter.h"
-#include "generate/dialect.h"
+#include "generate/base/codewriter.h"
+#include "generate/base/dialect.h"
+#include "generate/common/commoninit.h"
+#include "generate/common/sourceopening.h"
+#include "generate/common/udsblocks.h"
+#include "generate/j1939/externdecl.h"
 #include "generate/j1939/pgnsections.h"
-#include "generate/stack/commoninit.h"
-#include "generate/stack/externdecl.h"
-#include "generate/stack/sourceopening.h"
-#include "generate/stack/udsblocks.h"
 #include "store/objectdatabase.h"
 #include "store/settings.h"
 

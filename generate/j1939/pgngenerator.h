@@ -1,7 +1,7 @@
 #pragma once
 
-#include "generate/filegenerator.h"
-#include "generate/fileheader.h"
+#include "generate/base/filegenerator.h"
+#include "generate/base/fileheader.h"
 
 /// Writes gen_pgn.c: which parameter groups (SAE J1939-21) a device sends and receives, how their signals map onto
 /// variables, the NAME by which it claims its address (SAE J1939-81), and the start-up of the stack.

@@ -1,7 +1,7 @@
 #include "generate/j1939/pgnsections.h"
 
-#include "generate/codewriter.h"
-#include "generate/dialect.h"
+#include "generate/base/codewriter.h"
+#include "generate/base/dialect.h"
 
 #include <utility>
 

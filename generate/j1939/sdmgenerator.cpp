@@ -1,9 +1,9 @@
 #include "generate/j1939/sdmgenerator.h"
 
-#include "generate/codewriter.h"
-#include "generate/dialect.h"
+#include "generate/base/codewriter.h"
+#include "generate/base/dialect.h"
+#include "generate/common/sourceopening.h"
 #include "generate/j1939/safetysections.h"
-#include "generate/stack/sourceopening.h"
 #include "store/objectdatabase.h"
 #include "store/settings.h"
 

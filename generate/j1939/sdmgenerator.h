@@ -1,8 +1,8 @@
 #pragma once
 
-#include "generate/filegenerator.h"
-#include "generate/fileheader.h"
-#include "generate/templates.h"
+#include "generate/base/filegenerator.h"
+#include "generate/base/fileheader.h"
+#include "generate/base/templates.h"
 
 #include <memory>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "generate/generatormainhandler.h"
+#include "generate/run/generatormainhandler.h"
 
 #include <QMap>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "generate/outputhandlerbase.h"
+#include "generate/base/outputhandlerbase.h"
 
 #include <QTextStream>
 

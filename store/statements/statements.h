@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/storegate.h"
+#include "store/statements/storegate.h"
 
 #include <QMutex>
 #include <QSqlDatabase>

@@ -1,7 +1,7 @@
 #include "check/rulecase.h"
 
+#include "check/line/specialpgns.h"
 #include "check/modelchecker.h"
-#include "check/specialpgns.h"
 #include "store/lineprotocols.h"
 #include "support/testhome.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "check/checkrules.h"
+#include "check/frame/checkrules.h"
 #include "support/projectscript.h"
 
 #include <QTemporaryDir>

@@ -1,6 +1,6 @@
-#include "check/checkloops.h"
+#include "check/frame/checkloops.h"
+#include "check/line/specialpgns.h"
 #include "check/modelchecker.h"
-#include "check/specialpgns.h"
 #include "support/projectbuilder.h"
 #include "support/testhome.h"
 

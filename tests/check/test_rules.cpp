@@ -1,6 +1,6 @@
+#include "check/line/storevalue.h"
 #include "check/modelchecker.h"
 #include "check/rulecase.h"
-#include "check/storevalue.h"
 #include "support/printing.h"
 #include "support/testhome.h"
 

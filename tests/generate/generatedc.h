@@ -1,6 +1,6 @@
 #pragma once
 
-#include "generate/filegenerator.h"
+#include "generate/base/filegenerator.h"
 #include "support/processrunner.h"
 #include "support/projectbuilder.h"
 #include "support/testhome.h"

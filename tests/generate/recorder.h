@@ -1,6 +1,6 @@
 #pragma once
 
-#include "generate/outputhandlerbase.h"
+#include "generate/base/outputhandlerbase.h"
 
 /// Keeps the messages as they came, the forwarded ones behind "> ".
 class Recorder : public OutputHandlerBase

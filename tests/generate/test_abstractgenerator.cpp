@@ -1,4 +1,4 @@
-#include "generate/filegenerator.h"
+#include "generate/base/filegenerator.h"
 #include "support/projectbuilder.h"
 #include "support/testhome.h"
 

@@ -1,5 +1,5 @@
-#include "generate/codewriter.h"
-#include "generate/fileheader.h"
+#include "generate/base/codewriter.h"
+#include "generate/base/fileheader.h"
 #include "support/printing.h"
 
 #include <gtest/gtest.h>

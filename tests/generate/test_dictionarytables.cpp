@@ -1,5 +1,5 @@
-#include "generate/stack/dictionarytables.h"
-#include "generate/stack/indexdefines.h"
+#include "generate/model/dictionarytables.h"
+#include "generate/names/indexdefines.h"
 #include "support/projectbuilder.h"
 
 #include <gtest/gtest.h>

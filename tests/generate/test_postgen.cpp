@@ -1,6 +1,6 @@
-#include "generate/postgenprocessor.h"
-#include "generate/postgenprogresshandler.h"
 #include "generate/recorder.h"
+#include "generate/run/postgenprocessor.h"
+#include "generate/run/postgenprogresshandler.h"
 #include "support/projectbuilder.h"
 #include "support/testhome.h"
 

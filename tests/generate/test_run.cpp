@@ -1,8 +1,8 @@
 #include "check/modelchecker.h"
-#include "generate/filegenerator.h"
-#include "generate/generationrun.h"
-#include "generate/generatormainhandler.h"
+#include "generate/base/filegenerator.h"
 #include "generate/recorder.h"
+#include "generate/run/generationrun.h"
+#include "generate/run/generatormainhandler.h"
 #include "support/projectbuilder.h"
 #include "support/testhome.h"
 
@@ -98,9 +98,10 @@ TEST_F(Run, FailsTheJobsOfAProjectWithoutLines)
     ASSERT_TRUE(store->removeNode(0));
     const RunRow rows[] = {{.applies = always, .make = make<'a'>, .started = "A %2 in %1"}};
     handler_.setRunTable(rows);
-    EXPECT_EQ(generate().sliced(2),
-              QStringList({u"A a.txt in DIR"_s, u"<b>ERROR - Generation of a.txt failed. The project has no line.</b>"_s}) +
-                  endOfRun);
+    EXPECT_EQ(
+        generate().sliced(2),
+        QStringList({u"A a.txt in DIR"_s, u"<b>ERROR - Generation of a.txt failed. The project has no line.</b>"_s}) +
+            endOfRun);
     EXPECT_EQ(results_, QList<int>{GeneratorMainHandler::GenerationDone});
     EXPECT_FALSE(exists(u"a.txt"_s));
 

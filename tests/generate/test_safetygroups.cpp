@@ -1,8 +1,8 @@
-#include "generate/codewriter.h"
-#include "generate/dialect.h"
+#include "generate/base/codewriter.h"
+#include "generate/base/dialect.h"
 #include "generate/j1939/safetymapping.h"
 #include "generate/j1939/sdmgenerator.h"
-#include "generate/stack/externdeclgenerator.h"
+#include "generate/names/externdeclgenerator.h"
 #include "generatedc.h"
 
 #include <gtest/gtest.h>

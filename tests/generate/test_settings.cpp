@@ -1,5 +1,5 @@
-#include "generate/generatormainhandler.h"
 #include "generate/recorder.h"
+#include "generate/run/generatormainhandler.h"
 #include "store/settings.h"
 #include "support/projectscript.h"
 #include "support/testhome.h"

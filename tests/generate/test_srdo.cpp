@@ -1,6 +1,6 @@
-#include "generate/generatormainhandler.h"
-#include "generate/stack/srdogenerator.h"
-#include "generate/templates.h"
+#include "generate/base/templates.h"
+#include "generate/run/generatormainhandler.h"
+#include "generate/srdo/srdogenerator.h"
 #include "generatedc.h"
 
 #include <gtest/gtest.h>

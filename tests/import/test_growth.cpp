@@ -1,4 +1,4 @@
-#include "generate/importdispatch.h"
+#include "generate/run/importdispatch.h"
 #include "import/importproject.h"
 #include "store/objectdatabase.h"
 #include "store/temporaryindex.h"

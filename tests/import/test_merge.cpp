@@ -1,4 +1,4 @@
-#include "generate/importdispatch.h"
+#include "generate/run/importdispatch.h"
 #include "import/doctxtimporter.h"
 #include "import/importproject.h"
 #include "import/ncxpimporter.h"

@@ -1,7 +1,7 @@
 #include "stack/generatedsources.h"
 
-#include "generate/generatormainhandler.h"
 #include "generate/recorder.h"
+#include "generate/run/generatormainhandler.h"
 #include "store/objectdatabase.h"
 #include "support/processrunner.h"
 #include "support/testhome.h"

@@ -1,4 +1,4 @@
-#include "store/storegate.h"
+#include "store/statements/storegate.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "generate/outputhandlerbase.h"
+#include "generate/base/outputhandlerbase.h"
 
 /// The sink of the server: keeps the texts of an operation, without their markup, until its tool takes them into its
 /// reply.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "generate/generatormainhandler.h"
+#include "generate/run/generatormainhandler.h"
 #include "import/profiledatabases.h"
 #include "ncx_cli/mcp/session/accessthrottle.h"
 #include "ncx_cli/mcp/session/mcpoutputhandler.h"

@@ -1,6 +1,6 @@
 #include "ncx_cli/mcp/tools/guards.h"
 
-#include "generate/runcontext.h"
+#include "generate/base/runcontext.h"
 #include "ncx_cli/mcp/session/projectsession.h"
 #include "store/objectdatabase.h"
 

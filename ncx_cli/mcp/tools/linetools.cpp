@@ -1,6 +1,6 @@
 // The CAN lines of the project.
 
-#include "generate/runcontext.h"
+#include "generate/base/runcontext.h"
 #include "ncx_cli/mcp/session/projectsession.h"
 #include "ncx_cli/mcp/tools/arguments.h"
 #include "ncx_cli/mcp/tools/guards.h"

@@ -1,6 +1,6 @@
 // The settings of the project, as far as the catalogue knows them.
 
-#include "generate/runcontext.h"
+#include "generate/base/runcontext.h"
 #include "ncx_cli/mcp/session/projectsession.h"
 #include "ncx_cli/mcp/tools/arguments.h"
 #include "ncx_cli/mcp/tools/guards.h"

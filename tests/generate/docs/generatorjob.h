@@ -1,6 +1,6 @@
 #pragma once
 
-#include "generate/filegenerator.h"
+#include "generate/base/filegenerator.h"
 #include "support/testhome.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "generate/docs/edsgenerator.h"
+#include "generate/descriptions/edsgenerator.h"
 #include "generate/docs/generatorjob.h"
-#include "generate/docs/objectrecords.h"
+#include "generate/model/objectrecords.h"
 #include "import/importproject.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"

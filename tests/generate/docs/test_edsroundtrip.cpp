@@ -1,4 +1,4 @@
-#include "generate/docs/edsgenerator.h"
+#include "generate/descriptions/edsgenerator.h"
 #include "generate/docs/generatorjob.h"
 #include "import/importproject.h"
 #include "nodedict/canopendatatype.h"

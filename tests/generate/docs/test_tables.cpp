@@ -1,6 +1,6 @@
 #include "generate/docs/generatorjob.h"
-#include "generate/docs/icsvgenerator.h"
-#include "generate/docs/tablefields.h"
+#include "generate/tables/icsvgenerator.h"
+#include "generate/tables/tablefields.h"
 #include "import/csvimporter.h"
 #include "import/importproject.h"
 #include "nodedict/canopendatatype.h"

@@ -1,6 +1,6 @@
 #include "generate/docs/generatorjob.h"
-#include "generate/docs/htmlgenerator.h"
-#include "generate/docs/textdocgenerator.h"
+#include "generate/pages/htmlgenerator.h"
+#include "generate/pages/textdocgenerator.h"
 #include "import/doctxtimporter.h"
 #include "nodedict/canopendatatype.h"
 #include "support/projectbuilder.h"

@@ -1,6 +1,6 @@
-#include "generate/docs/doctext.h"
+#include "generate/common/doctext.h"
+#include "generate/descriptions/xddgenerator.h"
 #include "generate/docs/generatorjob.h"
-#include "generate/docs/xddgenerator.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "check/frame/warninggroups.h"
+#include "check/line/checkedline.h"
+#include "store/settings.h"
+
+#include <QMap>
+#include <QSet>
+
+#include <functional>
+
+class ObjectDataBase;
+
+/// What a check has said so far, and what it holds back.
+struct CheckReport
+{
+    std::function<void(const QString &)> send; ///< each text, in the order of the rules
+    qint32 errors = 0;
+    bool corrected = false; ///< a COB-ID was corrected in the store
+    QList<WarningGroup> suppressedGroups;
+    QMap<WarningGroup, int> suppressedCounts;
+};
+
+/// What a rule of the whole project sees and says.
+class ProjectCheck
+{
+public:
+    ProjectCheck(ObjectDataBase &store, CheckReport &report)
+        : store_(store)
+        , general_(store)
+        , j1939_(store, Settings::Table::J1939)
+        , report_(report)
+    {
+    }
+
+    ObjectDataBase &store() const { return store_; }
+    const Settings &general() const { return general_; }
+    const Settings &j1939() const { return j1939_; }
+
+    /// Sends a text as an error, and counts it.
+    void error(const QString &text);
+    /// The same, with the word "Error" in red.
+    void redError(const QString &text);
+    /// Sends a text unless its group is suppressed, in which case it is counted for the closing text.
+    void warning(WarningGroup group, const QString &text);
+    /// The same, but a suppressed hint is not counted.
+    void hint(WarningGroup group, const QString &text);
+    /// Sends a text that neither counts nor can be suppressed.
+    void info(const QString &text);
+
+protected:
+    CheckReport &report() { return report_; }
+
+private:
+    ObjectDataBase &store_;
+    Settings general_;
+    Settings j1939_;
+    CheckReport &report_;
+};
+
+/// What a rule of a line sees and says.
+class Check : public ProjectCheck
+{
+public:
+    struct Options
+    {
+        QString outputFolder; ///< base of a relative stack path
+        bool corrects = true;
+        QSet<quint32> specialPGNs = {};
+    };
+
+    Check(ObjectDataBase &store, CheckReport &report, quint8 line, Options options);
+
+    CheckedLine &line() { return line_; }
+    const QString &outputFolder() const { return options_.outputFolder; }
+    /// True for a PGN that the stack handles by itself on this line.
+    bool isSpecialPGN(quint32 pgn) const { return options_.specialPGNs.contains(pgn); }
+    /// False for a user who does not want corrections.
+    bool corrects() const { return options_.corrects; }
+
+    /// Writes a corrected subindex to the store, and then sends the text. False, without a word, where the store
+    /// refuses the subindex: it stays as it was.
+    bool correct(quint16 index, quint8 subindex, const StoreRecords::SubIndexData &data, const QString &text);
+    /// The same for a COB-ID, of which the line check reports that it was corrected.
+    bool correctCobId(quint16 index, quint8 subindex, const StoreRecords::SubIndexData &data, const QString &text);
+
+private:
+    CheckedLine line_;
+    Options options_;
+};

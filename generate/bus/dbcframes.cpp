@@ -1,0 +1,292 @@
+#include "generate/bus/dbcframes.h"
+
+#include "generate/bus/candb.h"
+#include "generate/common/documentgenerator.h"
+#include "nodedict/canopendatatype.h"
+#include "nodedict/cohelper.h"
+
+#include <QRegularExpression>
+#include <QSet>
+
+#include <algorithm>
+#include <iterator>
+#include <span>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Words that a reader takes for the beginning of a statement or for a type.
+bool isKeyword(const QString &text)
+{
+    static const QSet<QString> words{
+        u"VERSION"_s,
+        u"NS_"_s,
+        u"NS_DESC_"_s,
+        u"BS_"_s,
+        u"BU_"_s,
+        u"BO_"_s,
+        u"SG_"_s,
+        u"EV_"_s,
+        u"CM_"_s,
+        u"BA_"_s,
+        u"BA_DEF_"_s,
+        u"BA_DEF_DEF_"_s,
+        u"BA_DEF_REL_"_s,
+        u"BA_REL_"_s,
+        u"BA_DEF_DEF_REL_"_s,
+        u"BA_DEF_SGTYPE_"_s,
+        u"BA_SGTYPE_"_s,
+        u"BO_TX_BU_"_s,
+        u"BU_BO_REL_"_s,
+        u"BU_EV_REL_"_s,
+        u"BU_SG_REL_"_s,
+        u"CAT_"_s,
+        u"CAT_DEF_"_s,
+        u"ENVVAR_DATA_"_s,
+        u"EV_DATA_"_s,
+        u"FILTER"_s,
+        u"SGTYPE_"_s,
+        u"SGTYPE_VAL_"_s,
+        u"SG_MUL_VAL_"_s,
+        u"SIGTYPE_VALTYPE_"_s,
+        u"SIG_GROUP_"_s,
+        u"SIG_TYPE_REF_"_s,
+        u"SIG_VALTYPE_"_s,
+        u"VAL_"_s,
+        u"VAL_TABLE_"_s,
+        u"INT"_s,
+        u"HEX"_s,
+        u"FLOAT"_s,
+        u"STRING"_s,
+        u"ENUM"_s,
+    };
+    return words.contains(text);
+}
+
+/// The text as an identifier: letters, digits and underscores of it, or the fallback where there are none.
+QString identifier(QString text, const QString &fallback)
+{
+    static const QRegularExpression others(u"[^0-9a-zA-Z_]"_s);
+    text.remove(others);
+    if (text.isEmpty())
+        return fallback;
+    return text.front().isDigit() || isKeyword(text) ? u'_' + text : text;
+}
+
+/// The name, with the first number behind it that makes it free. `last` is the highest number that was behind it.
+template <typename IsTaken>
+QString freeName(const QString &name, int &last, IsTaken isTaken)
+{
+    QString candidate = name;
+    while (isTaken(candidate)) {
+        last = std::max(last + 1, 2);
+        candidate = u"%1_%2"_s.arg(name).arg(last);
+    }
+    return candidate;
+}
+
+/// A comment on one line, since many readers of DBC files take them line by line.
+QString comment(QString text)
+{
+    for (QChar &c : text) {
+        if (c < u' ')
+            c = u' ';
+    }
+    return text.trimmed();
+}
+
+bool isSigned(quint32 dataType)
+{
+    return COHelper::getDefaultLimits(dataType).low.startsWith(u'-') || dataType == CAN::Real32 ||
+           dataType == CAN::Real64;
+}
+
+CANdb::ValueType valueType(quint32 dataType)
+{
+    return dataType == CAN::Real32   ? CANdb::ValueType::Float
+           : dataType == CAN::Real64 ? CANdb::ValueType::Double
+                                     : CANdb::ValueType::Integer;
+}
+
+bool isCharacterType(quint32 dataType)
+{
+    return COHelper::isTextType(dataType) && dataType != CAN::OctetString && dataType != CAN::Domain;
+}
+
+struct StackSignal
+{
+    QLatin1StringView name;
+    quint32 startBit;
+    quint32 bits;
+};
+
+// Layouts of SAE J1939-81 (NAME), SAE J1939-21 (acknowledgement) and SAE J1939-73 (lamps).
+constexpr StackSignal nameSignals[] = {
+    {"Identity Number"_L1, 0, 21}, {"Manufacturer Code"_L1, 21, 11},
+    {"ECU Instance"_L1, 32, 3},    {"Function Instance"_L1, 35, 5},
+    {"Function"_L1, 40, 8},        {"reserved"_L1, 48, 1},
+    {"Vehicle System"_L1, 49, 7},  {"Vehicle System Instance"_L1, 56, 4},
+    {"Industry Group"_L1, 60, 3},  {"Addr Claiming Supported"_L1, 63, 1},
+};
+constexpr StackSignal acknowledgeSignals[] = {
+    {"Control_Byte"_L1, 0, 8},
+    {"Group_Function"_L1, 8, 8},
+    {"reserved"_L1, 16, 16},
+    {"Address"_L1, 32, 8},
+};
+constexpr StackSignal lampSignals[] = {
+    {"Protect_Lamp"_L1, 0, 2},
+    {"AmberWarningLamp"_L1, 2, 2},
+    {"RedStopLamp"_L1, 4, 2},
+    {"MILLamp"_L1, 6, 2},
+};
+
+struct StackMessage
+{
+    quint32 pgn;
+    QLatin1StringView name;
+    QLatin1StringView comment;
+    std::span<const StackSignal> signalList;
+    bool isDm1;
+};
+
+constexpr StackMessage stackMessages[] = {
+    {60928, "Address Claiming"_L1, "This PGN is used to send the Address Claiming."_L1, nameSignals, false},
+    {59392, "Acknowledge_Message"_L1, ""_L1, acknowledgeSignals, false},
+    {65226, "Diagnostic_Message_1"_L1, ""_L1, lampSignals, true},
+};
+constexpr quint8 stackPriority = 6;
+constexpr quint32 classicalLength = 8;
+
+} // namespace
+
+quint32 DbcFrames::idOfPGN(quint32 pgn, quint8 priority, quint8 sourceAddress)
+{
+    const bool isPdu1 = (pgn & 0xFF00) < 0xF000;
+    const quint32 group = isPdu1 ? (pgn & 0x3FF00) | 0xFE : pgn & 0x3FFFF;
+    return CANdb::extendedFrame | (quint32{priority} & 7) << 26 | group << 8 | sourceAddress;
+}
+
+void DbcFrames::addCanIds(ObjectDataBase &store, quint8 line)
+{
+    for (const BusMessage &message : BusMessage::canIds(store, line)) {
+        const quint32 id = message.isExtended() ? message.canId() | CANdb::extendedFrame : message.canId();
+        add({.id = id, .name = identifier(message.name, u"MSG_%1"_s.arg(message.canId()))}, message);
+    }
+}
+
+void DbcFrames::addPGNs(ObjectDataBase &store, quint8 line, quint8 sourceAddress)
+{
+    for (const BusMessage &pgn : BusMessage::pgns(store, line)) {
+        add({.id = idOfPGN(pgn.number, pgn.priority, sourceAddress),
+             .name = identifier(pgn.name, u"MSG_%1"_s.arg(pgn.number)),
+             .isJ1939 = true},
+            pgn);
+    }
+}
+
+void DbcFrames::addStackMessages(quint8 sourceAddress, bool withDm1)
+{
+    for (const StackMessage &own : stackMessages) {
+        if (own.isDm1 && !withDm1)
+            continue;
+        BusMessage message{.number = own.pgn, .description = own.comment};
+        for (const StackSignal &signal : own.signalList) {
+            StoreRecords::SPN &spn = message.signalList.emplaceBack();
+            spn.name = signal.name;
+            spn.implementation = 0;
+            spn.bitposition = static_cast<quint16>(signal.startBit);
+            spn.bitsize = static_cast<quint16>(signal.bits);
+        }
+        add({.id = idOfPGN(own.pgn, stackPriority, sourceAddress),
+             .name = identifier(own.name, {}),
+             .length = classicalLength,
+             .isJ1939 = true},
+            message);
+    }
+}
+
+/// The frame that a message goes into.
+qsizetype DbcFrames::placeFor(DbcFrame frame)
+{
+    const auto place = frameById_.constFind(frame.id);
+    if (place != frameById_.constEnd() && form_ == Form::OneFrame)
+        return *place;
+    const auto isTaken = [&](const QString &name) {
+        const auto owner = frameNames_.constFind(name);
+        return owner != frameNames_.constEnd() && *owner != frame.id;
+    };
+    frame.name = freeName(frame.name, frameNumbers_[frame.name], isTaken);
+    frameNames_.insert(frame.name, frame.id);
+    frameById_.insert(frame.id, frames_.size());
+    frames_.append(frame);
+    contents_.emplaceBack();
+    return frames_.size() - 1;
+}
+
+void DbcFrames::add(DbcFrame frame, const BusMessage &message)
+{
+    const qsizetype place = placeFor(std::move(frame));
+    DbcFrame &target = frames_[place];
+    if (target.comment.isEmpty())
+        target.comment = comment(message.description);
+    if (target.cycleTimeMs == 0)
+        target.cycleTimeMs = message.cycleTimeMs;
+    for (const StoreRecords::SPN &signal : message.signalList) {
+        const DbcSignal added{.name = identifier(signal.name, u"SIG_%1"_s.arg(signal.spnnumber)),
+                              .comment = comment(signal.desc),
+                              .startBit = signal.bitposition,
+                              .bits = BusMessage::bitsOf(signal),
+                              .isSigned = isSigned(signal.datatype),
+                              .valueType = valueType(signal.datatype),
+                              .isText = isCharacterType(signal.datatype),
+                              .isApplicationVariable = signal.implementation == DocumentWords::applicationVariable,
+                              .variable = signal.varname};
+        if (added.bits > 0)
+            addSignal(place, added, message);
+    }
+}
+
+bool DbcFrames::overlaps(const Contents &contents, const DbcSignal &signal)
+{
+    const auto behind = contents.ends.lowerBound(signal.startBit);
+    if (behind != contents.ends.end() && behind.key() < signal.startBit + signal.bits)
+        return true;
+    return behind != contents.ends.begin() && std::prev(behind).value() > signal.startBit;
+}
+
+void DbcFrames::addSignal(qsizetype place, DbcSignal signal, const BusMessage &message)
+{
+    DbcFrame &target = frames_[place];
+    Contents &contents = contents_[place];
+    const auto sameName = contents.byName.constFind(signal.name);
+    if (sameName != contents.byName.constEnd()) {
+        const DbcSignal &other = target.signalList.at(*sameName);
+        if (other.startBit == signal.startBit && other.bits == signal.bits && other.isSigned == signal.isSigned &&
+            other.valueType == signal.valueType)
+            return;
+    }
+    if (form_ == Form::OneFrame && overlaps(contents, signal)) {
+        const QString direction = message.direction == 0    ? QString()
+                                  : message.isTransmitted() ? u", sent"_s
+                                                            : u", received"_s;
+        target.leftOut.append(u"%1 (%2|%3%4)"_s.arg(signal.name).arg(signal.startBit).arg(signal.bits).arg(direction));
+        return;
+    }
+    signal.name = freeName(signal.name, contents.numbers[signal.name],
+                           [&](const QString &name) { return contents.byName.contains(name); });
+    contents.byName.insert(signal.name, target.signalList.size());
+    contents.ends.insert(signal.startBit, signal.startBit + signal.bits);
+    target.length = std::max(target.length, (signal.startBit + signal.bits + 7) / 8);
+    target.signalList.append(signal);
+}
+
+QString DbcFrame::fullComment() const
+{
+    if (leftOut.isEmpty())
+        return comment;
+    const QString told = u"Left out, since other signals have their bits: "_s + leftOut.join(", "_L1);
+    return comment.isEmpty() ? told : u"%1 - %2"_s.arg(comment, told);
+}

@@ -1,0 +1,506 @@
+#include "generate/bus/dbcreader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using CANdb::AttributeDefinition;
+
+namespace {
+
+bool beginsWord(QChar c)
+{
+    return c == u'_' || (c < u'\x80' && c.isLetter());
+}
+
+bool isDigit(QChar c)
+{
+    return c >= u'0' && c <= u'9';
+}
+
+bool isInWord(QChar c)
+{
+    return beginsWord(c) || isDigit(c);
+}
+
+struct TypeWord
+{
+    QLatin1StringView word;
+    AttributeDefinition::Type type;
+};
+
+constexpr TypeWord typeWords[] = {
+    {"INT"_L1, AttributeDefinition::Type::Integer},      {"HEX"_L1, AttributeDefinition::Type::Hex},
+    {"FLOAT"_L1, AttributeDefinition::Type::Float},      {"STRING"_L1, AttributeDefinition::Type::String},
+    {"ENUM"_L1, AttributeDefinition::Type::Enumeration},
+};
+
+} // namespace
+
+std::optional<CANdb::Database> DbcReader::read(const QString &text)
+{
+    *this = {};
+    text_ = text;
+    advance();
+    while (ok() && token_.kind != Kind::End) {
+        statementStart_ = token_.start;
+        if (token_.kind != Kind::Word)
+            fail(u"Keyword expected"_s);
+        else
+            (this->*statements().value(token_.text, &DbcReader::keepStatement))();
+    }
+    if (!ok())
+        return std::nullopt;
+    return std::move(database_);
+}
+
+// ---- Tokens --------------------------------------------------------------------------------------------------------
+
+void DbcReader::fail(const QString &text)
+{
+    if (ok())
+        error_ = u"Line %1: %2"_s.arg(QString::number(token_.line), text);
+}
+
+void DbcReader::advance()
+{
+    token_ = scan();
+}
+
+void DbcReader::skipSpace()
+{
+    for (; position_ < text_.size(); ++position_) {
+        const QChar c = text_.at(position_);
+        if (c == u'\n')
+            ++line_;
+        else if (!c.isSpace())
+            return;
+    }
+}
+
+DbcReader::Token DbcReader::scan()
+{
+    skipSpace();
+    Token token{.start = position_, .end = position_, .line = line_};
+    if (position_ >= text_.size())
+        return token;
+    const auto takeWhile = [this](auto belongs) {
+        while (position_ < text_.size() && belongs(text_.at(position_)))
+            ++position_;
+    };
+    const QChar first = text_.at(position_);
+    const QChar second = position_ + 1 < text_.size() ? text_.at(position_ + 1) : QChar();
+    if (first == u'"')
+        return scanText();
+    if (beginsWord(first)) {
+        token.kind = Kind::Word;
+        takeWhile(isInWord);
+    } else if (isDigit(first) || ((first == u'-' || first == u'+' || first == u'.') && (isDigit(second)))) {
+        token.kind = Kind::Number;
+        ++position_;
+        takeWhile([](QChar c) { return isDigit(c) || c == u'.'; });
+        if (position_ < text_.size() && (text_.at(position_) == u'e' || text_.at(position_) == u'E')) {
+            position_ += 2; // with the sign or first digit of the exponent
+            takeWhile(isDigit);
+        }
+        position_ = std::min(position_, text_.size());
+    } else {
+        token.kind = Kind::Symbol;
+        ++position_;
+    }
+    token.end = position_;
+    token.text = text_.sliced(token.start, token.end - token.start);
+    return token;
+}
+
+DbcReader::Token DbcReader::scanText()
+{
+    Token token{.kind = Kind::Text, .start = position_, .line = line_};
+    for (++position_; position_ < text_.size(); ++position_) {
+        QChar c = text_.at(position_);
+        if (c == u'"') {
+            token.end = ++position_;
+            return token;
+        }
+        if (c == u'\\' && position_ + 1 < text_.size() && text_.at(position_ + 1) == u'"')
+            c = text_.at(++position_);
+        if (c == u'\n')
+            ++line_;
+        token.text.append(c);
+    }
+    token.end = position_;
+    fail(u"Text without end"_s);
+    return token;
+}
+
+bool DbcReader::takeSymbol(QChar symbol)
+{
+    if (token_.kind != Kind::Symbol || token_.text != symbol)
+        return false;
+    advance();
+    return true;
+}
+
+void DbcReader::expectSymbol(QChar symbol, QLatin1StringView where)
+{
+    if (!takeSymbol(symbol))
+        fail(u"'%1' expected (%2)"_s.arg(symbol).arg(where));
+}
+
+QString DbcReader::expect(Kind kind, QLatin1StringView fault)
+{
+    if (token_.kind != kind) {
+        fail(fault);
+        return {};
+    }
+    QString text = token_.text;
+    advance();
+    return text;
+}
+
+double DbcReader::expectNumber(QLatin1StringView fault)
+{
+    bool isNumber = token_.kind == Kind::Number;
+    double number = isNumber ? token_.text.toDouble(&isNumber) : 0;
+    // The range of a signal of many bytes may be beyond that of the type.
+    if (!isNumber && std::isinf(number)) {
+        number = std::copysign(std::numeric_limits<double>::max(), number);
+        isNumber = true;
+    }
+    if (isNumber)
+        advance();
+    else
+        fail(fault);
+    return number;
+}
+
+quint32 DbcReader::expectUnsigned(QLatin1StringView fault)
+{
+    bool isNumber = token_.kind == Kind::Number;
+    const quint32 number = isNumber ? token_.text.toUInt(&isNumber) : 0;
+    if (isNumber)
+        advance();
+    else
+        fail(fault);
+    return number;
+}
+
+CANdb::ValueNames DbcReader::expectValueNames(QLatin1StringView where)
+{
+    CANdb::ValueNames values;
+    while (ok() && token_.kind == Kind::Number) {
+        const double value = expectNumber("Value expected"_L1);
+        values.append({value, expect(Kind::Text, "Name of a value expected"_L1)});
+    }
+    expectSymbol(u';', where);
+    return values;
+}
+
+// ---- Statements ----------------------------------------------------------------------------------------------------
+
+const QHash<QString, DbcReader::Statement> &DbcReader::statements()
+{
+    static const QHash<QString, Statement> table{
+        {u"VERSION"_s, &DbcReader::readVersion},
+        {u"NS_"_s, &DbcReader::readNewSymbols},
+        {u"BS_"_s, &DbcReader::readBitTiming},
+        {u"BU_"_s, &DbcReader::readNodes},
+        {u"VAL_TABLE_"_s, &DbcReader::readValueTable},
+        {u"BO_"_s, &DbcReader::readMessage},
+        {u"CM_"_s, &DbcReader::readComment},
+        {u"BA_DEF_"_s, &DbcReader::readDefinition},
+        {u"BA_DEF_DEF_"_s, &DbcReader::readDefault},
+        {u"BA_"_s, &DbcReader::readAttribute},
+        {u"VAL_"_s, &DbcReader::readValues},
+        {u"SIG_VALTYPE_"_s, &DbcReader::readValueType},
+        {u"SG_MUL_VAL_"_s, &DbcReader::readMultiplexing},
+    };
+    return table;
+}
+
+/// Keeps a statement from its beginning, wherever in it the reading stands, to its semicolon.
+void DbcReader::keepStatement()
+{
+    while (token_.kind != Kind::End && !(token_.kind == Kind::Symbol && token_.text == u';'))
+        advance();
+    const qsizetype end = token_.end;
+    expectSymbol(u';', "statement"_L1);
+    if (ok())
+        database_.otherStatements.append(text_.sliced(statementStart_, end - statementStart_));
+}
+
+void DbcReader::readVersion()
+{
+    advance();
+    database_.version = expect(Kind::Text, "Version text expected"_L1);
+}
+
+void DbcReader::readNewSymbols()
+{
+    advance();
+    expectSymbol(u':', "new symbols"_L1);
+    // The symbols are keywords themselves; these two follow the section and are never in it.
+    while (token_.kind == Kind::Word && !isWord("BS_"_L1) && !isWord("BU_"_L1)) {
+        database_.newSymbols.append(token_.text);
+        advance();
+    }
+}
+
+void DbcReader::readBitTiming()
+{
+    advance();
+    expectSymbol(u':', "bit timing"_L1);
+    const qsizetype start = token_.start;
+    qsizetype end = start;
+    for (; token_.kind == Kind::Number || token_.kind == Kind::Symbol; advance())
+        end = token_.end;
+    database_.bitTiming = text_.sliced(start, end - start);
+}
+
+void DbcReader::readNodes()
+{
+    advance();
+    expectSymbol(u':', "nodes"_L1);
+    while (token_.kind == Kind::Word && !statements().contains(token_.text) && !token_.text.endsWith(u'_')) {
+        nodeByName_.insert(token_.text, database_.nodes.size());
+        database_.nodes.append(CANdb::Node{.name = token_.text});
+        advance();
+    }
+}
+
+void DbcReader::readValueTable()
+{
+    advance();
+    CANdb::ValueTable table;
+    table.name = expect(Kind::Word, "Value table name missing or invalid"_L1);
+    table.values = expectValueNames("value table"_L1);
+    database_.valueTables.append(table);
+}
+
+void DbcReader::readMessage()
+{
+    advance();
+    CANdb::Message message;
+    message.id = expectUnsigned("Message id missing or invalid"_L1);
+    message.name = expect(Kind::Word, "Message name missing or invalid"_L1);
+    expectSymbol(u':', "message"_L1);
+    message.length = expectUnsigned("Message length expected"_L1);
+    message.sender = expect(Kind::Word, "Message sender expected"_L1);
+    messageById_.insert(message.id, database_.messages.size());
+    database_.messages.append(message);
+    while (ok() && isWord("SG_"_L1))
+        readSignal();
+}
+
+void DbcReader::readSignal()
+{
+    advance();
+    CANdb::Signal signal;
+    signal.name = expect(Kind::Word, "Signal name missing or invalid"_L1);
+    if (token_.kind == Kind::Word)
+        signal.multiplexing = expect(Kind::Word, {});
+    expectSymbol(u':', "signal"_L1);
+    signal.startBit = expectUnsigned("Signal bit position expected"_L1);
+    expectSymbol(u'|', "signal"_L1);
+    signal.size = expectUnsigned("Signal size expected"_L1);
+    expectSymbol(u'@', "signal"_L1);
+    signal.isLittleEndian = expectUnsigned("Signal byte order expected"_L1) == 1;
+    signal.isSigned = takeSymbol(u'-');
+    if (!signal.isSigned)
+        expectSymbol(u'+', "signal sign"_L1);
+    expectSymbol(u'(', "signal factor"_L1);
+    signal.factor = expectNumber("Signal factor expected"_L1);
+    expectSymbol(u',', "signal factor"_L1);
+    signal.offset = expectNumber("Signal offset expected"_L1);
+    expectSymbol(u')', "signal offset"_L1);
+    expectSymbol(u'[', "signal range"_L1);
+    signal.minimum = expectNumber("Signal minimum expected"_L1);
+    expectSymbol(u'|', "signal range"_L1);
+    signal.maximum = expectNumber("Signal maximum expected"_L1);
+    expectSymbol(u']', "signal range"_L1);
+    const int line = token_.line;
+    signal.unit = expect(Kind::Text, "Signal unit expected"_L1);
+    signal.receivers.clear();
+    while (token_.kind == Kind::Word && token_.line == line) {
+        signal.receivers.append(token_.text);
+        advance();
+        takeSymbol(u',');
+    }
+    CANdb::Message &message = database_.messages.last();
+    // Of equal names the first is the one that others refer to.
+    const std::pair key(message.id, signal.name);
+    if (!signalByName_.contains(key))
+        signalByName_.insert(key, {database_.messages.size() - 1, message.signalList.size()});
+    message.signalList.append(signal);
+}
+
+CANdb::Message *DbcReader::message(quint32 id)
+{
+    const auto place = messageById_.constFind(id);
+    return place == messageById_.constEnd() ? nullptr : &database_.messages[*place];
+}
+
+CANdb::Signal *DbcReader::expectSignal()
+{
+    const quint32 id = expectUnsigned("Message id expected"_L1);
+    const QString name = expect(Kind::Word, "Signal name expected"_L1);
+    const auto place = signalByName_.constFind({id, name});
+    return place == signalByName_.constEnd() ? nullptr : &database_.messages[place->first].signalList[place->second];
+}
+
+DbcReader::Target DbcReader::readTarget()
+{
+    if (token_.kind != Kind::Word)
+        return {&database_.comment, &database_.attributes};
+    const QString owner = expect(Kind::Word, {});
+    if (owner == "BO_"_L1) {
+        CANdb::Message *found = message(expectUnsigned("Message id expected"_L1));
+        return found ? Target{&found->comment, &found->attributes} : Target{};
+    }
+    if (owner == "SG_"_L1) {
+        CANdb::Signal *found = expectSignal();
+        return found ? Target{&found->comment, &found->attributes} : Target{};
+    }
+    const auto place =
+        owner == "BU_"_L1 ? nodeByName_.constFind(expect(Kind::Word, "Node name expected"_L1)) : nodeByName_.constEnd();
+    if (place == nodeByName_.constEnd())
+        return {};
+    return {&database_.nodes[*place].comment, &database_.nodes[*place].attributes};
+}
+
+void DbcReader::readComment()
+{
+    advance();
+    const Target target = readTarget();
+    if (!target.comment) {
+        keepStatement();
+        return;
+    }
+    *target.comment = expect(Kind::Text, "Comment text expected"_L1);
+    expectSymbol(u';', "comment"_L1);
+}
+
+void DbcReader::readDefinition()
+{
+    advance();
+    AttributeDefinition definition;
+    if (token_.kind == Kind::Word) {
+        const QString owner = expect(Kind::Word, {});
+        if (owner == "EV_"_L1) {
+            keepStatement();
+            return;
+        }
+        definition.owner = owner == "BO_"_L1   ? CANdb::Owner::Message
+                           : owner == "SG_"_L1 ? CANdb::Owner::Signal
+                                               : CANdb::Owner::Node;
+    }
+    definition.name = expect(Kind::Text, "Attribute name expected"_L1);
+    const QString type = expect(Kind::Word, "Attribute type expected"_L1);
+    const auto row = std::ranges::find(typeWords, type, &TypeWord::word);
+    if (row == std::end(typeWords)) {
+        fail(u"Unknown attribute type"_s);
+        return;
+    }
+    definition.type = row->type;
+    if (definition.type == AttributeDefinition::Type::Enumeration) {
+        do
+            definition.words.append(expect(Kind::Text, "Word of an enumeration expected"_L1));
+        while (ok() && takeSymbol(u','));
+    } else if (token_.kind == Kind::Number) {
+        definition.minimum = expectNumber("Attribute minimum expected"_L1);
+        definition.maximum = expectNumber("Attribute maximum expected"_L1);
+    }
+    expectSymbol(u';', "attribute definition"_L1);
+    database_.definitions.append(definition);
+}
+
+void DbcReader::readDefault()
+{
+    advance();
+    const QString name = expect(Kind::Text, "Attribute name expected"_L1);
+    const Token value = token_;
+    if (value.kind != Kind::Text && value.kind != Kind::Number)
+        fail(u"Attribute default expected"_s);
+    advance();
+    expectSymbol(u';', "attribute default"_L1);
+    bool known = false;
+    for (AttributeDefinition &definition : database_.definitions) {
+        if (definition.name != name)
+            continue;
+        definition.defaultValue = value.text;
+        known = true;
+    }
+    if (!known && ok())
+        database_.otherStatements.append(text_.sliced(statementStart_, value.end - statementStart_) + u';');
+}
+
+QString DbcReader::valueOf(const QString &attribute, const Token &value) const
+{
+    if (value.kind == Kind::Number)
+        return value.text;
+    const auto definition = std::ranges::find(database_.definitions, attribute, &AttributeDefinition::name);
+    const bool isWord =
+        definition != database_.definitions.end() && definition->type == AttributeDefinition::Type::Enumeration;
+    const qsizetype place = isWord ? definition->words.indexOf(value.text) : -1;
+    return place < 0 ? value.text : QString::number(place);
+}
+
+void DbcReader::readAttribute()
+{
+    advance();
+    const QString name = expect(Kind::Text, "Attribute name expected"_L1);
+    const Target target = readTarget();
+    if (!target.attributes) {
+        keepStatement();
+        return;
+    }
+    const Token value = token_;
+    if (value.kind != Kind::Text && value.kind != Kind::Number)
+        fail(u"Attribute value expected"_s);
+    advance();
+    expectSymbol(u';', "attribute value"_L1);
+    target.attributes->append({name, valueOf(name, value)});
+}
+
+void DbcReader::readValues()
+{
+    advance();
+    CANdb::Signal *signal = token_.kind == Kind::Number ? expectSignal() : nullptr;
+    if (signal)
+        signal->values = expectValueNames("values"_L1);
+    else
+        keepStatement();
+}
+
+void DbcReader::readValueType()
+{
+    advance();
+    CANdb::Signal *signal = expectSignal();
+    if (!signal) {
+        keepStatement();
+        return;
+    }
+    takeSymbol(u':');
+    signal->valueType = static_cast<CANdb::ValueType>(expectUnsigned("Signal value type expected"_L1));
+    expectSymbol(u';', "signal value type"_L1);
+}
+
+void DbcReader::readMultiplexing()
+{
+    advance();
+    CANdb::Signal *signal = expectSignal();
+    if (!signal) {
+        keepStatement();
+        return;
+    }
+    signal->multiplexer = expect(Kind::Word, "Multiplexer expected"_L1);
+    do {
+        const quint32 first = expectUnsigned("Multiplexer value expected"_L1);
+        // The end of a range is read together with the dash before it.
+        const double last = -expectNumber("Multiplexer range expected"_L1);
+        signal->multiplexRanges.append(u"%1-%2"_s.arg(first).arg(last, 0, 'f', 0));
+    } while (ok() && takeSymbol(u','));
+    expectSymbol(u';', "multiplexer ranges"_L1);
+}

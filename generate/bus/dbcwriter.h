@@ -1,0 +1,12 @@
+#pragma once
+
+#include "generate/bus/candb.h"
+
+class QTextStream;
+
+/// Prints a database in the form DBC.
+void writeDbc(QTextStream &stream, const CANdb::Database &database);
+
+/// A text as it stands between the quotes of a DBC file: quotes inside get a backslash. A backslash at its end would do
+/// that to the closing quote, and gets a blank behind it.
+QString dbcText(QString text);

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "generate/base/filegenerator.h"
+
+/// Base of the documents that people read about one line of a project.
+class DocumentGenerator : public FileGenerator
+{
+    Q_OBJECT
+
+public:
+    using FileGenerator::FileGenerator;
+
+protected:
+    /// `ending` behind the base name, the line's number where there are several, and the suffix.
+    QString nameWith(QLatin1StringView ending) const;
+
+    /// To be asked before each object: lets other threads work. False once the job was cancelled; nothing is kept of
+    /// the document then, since half of one looks like a whole one.
+    bool goesOn();
+};
+
+/// Words that several documents share.
+namespace DocumentWords {
+
+/// "Managed Variable", "Managed Const", "Variable", "Virtual Object"; the number for another code.
+QString implementation(quint8 code);
+/// The code of a variable that the application owns.
+inline constexpr quint8 applicationVariable = 2;
+/// Frame format of ISO 11898-1: "Standard" with 11 bits of identifier, "Extended" with 29.
+QString frameFormat(bool isExtended);
+
+} // namespace DocumentWords

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "generate/base/codewriter.h"
+#include "generate/descriptions/edsgenerator.h"
+#include "generate/model/objectrecords.h"
+
+class ObjectDataBase;
+
+/// Prints an Electronic Data Sheet (CiA 306), section by section.
+///
+/// The format gives a value one line, so that line breaks and other control characters of names and values become
+/// blanks. It has no field for a description either: these stand in comment lines that begin ";;", at the end of the
+/// section that they are about. `EdsParser` reads all of it back.
+class EdsWriter
+{
+public:
+    EdsWriter(QTextStream &stream, ObjectDataBase &store, quint8 line, EdsVariant variant);
+
+    /// FileInfo to DummyUsage.
+    void writeHead(const QString &baseName);
+    /// The lists of mandatory, manufacturer's and optional objects. `indices` are those that get sections, ascending.
+    void writeObjectLists(const QList<quint16> &indices);
+    void writeObject(const ObjectRecords &object);
+    /// The text that the user adds to the end of the file.
+    void writeAdditionalSections();
+
+private:
+    QString setting(const QString &key) const;
+    QString identity(quint8 subindex) const;
+    bool hasMultiplexedPdo() const;
+    void writeComments();
+    void writeDeviceInfo();
+    void writeList(const QString &section, const QList<quint16> &indices);
+    void writePlain(const ObjectRecords &object);
+    void writeGroup(const ObjectRecords &object);
+    void writeAttributes(const StoreRecords::SubIndexData &sub, const QString &defaultValue,
+                         const QString &description);
+    void writeDescription(const QString &text);
+    void pair(const QString &key, const QString &value);
+
+    CodeWriter out_;
+    ObjectDataBase &store_;
+    const quint8 line_;
+    const EdsVariant variant_;
+};

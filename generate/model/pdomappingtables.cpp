@@ -1,0 +1,227 @@
+#include "generate/model/pdomappingtables.h"
+
+#include "generate/base/codewriter.h"
+#include "generate/model/dictionarycollect.h"
+#include "generate/model/dictionarytables.h"
+
+#include <QHash>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr quint16 mappingOffset = 0x200; ///< from a communication object to its mapping object
+constexpr quint8 maxEntries = 64;        ///< CiA 301; larger counts mark multiplexed PDOs
+constexpr quint16 routingObject = 0x1F2C;
+
+/// The communication objects of one direction.
+struct PdoObjects
+{
+    quint16 first;
+    quint16 last;
+};
+constexpr PdoObjects receiveObjects{0x1400, 0x15FF};
+constexpr PdoObjects transmitObjects{0x1800, 0x19FF};
+
+std::size_t largestMapping(const DictionaryTables &tables)
+{
+    std::size_t rows = 0;
+    for (const DictionaryLine &line : tables.lines) {
+        if (!line.isDevice())
+            continue;
+        for (const PdoObjects &pdos : {receiveObjects, transmitObjects}) {
+            for (const DictionaryObject &object : line.range(pdos.first + mappingOffset, pdos.last + mappingOffset))
+                rows = std::max(rows, object.subs.empty() ? 0 : object.subs.size() - 1);
+        }
+    }
+    return rows;
+}
+
+bool routesPdos(const DictionaryLine &line)
+{
+    const DictionaryObject *object = line.object(routingObject);
+    return object && !object->subs.empty() && object->subs.back().subindex > 0;
+}
+
+QString elementAddress(QLatin1StringView prefix, ValueType type, const QMap<quint32, quint16> &positions, quint32 key)
+{
+    const auto position = positions.constFind(key);
+    return position == positions.constEnd()
+               ? u"NULL"_s
+               : u"&%1%2[%3]"_s.arg(prefix, valueTypeName(type), QString::number(*position));
+}
+
+/// The address of a mapped subindex's data; "NULL" where it has none in this file.
+QString dataPointer(const DictionaryTables &tables, quint8 line, quint16 index, const DictionarySub &sub)
+{
+    const auto type = valueTypeOf(sub.data.datatype);
+    const quint32 ownKey = subKey(line, index, sub.subindex);
+    switch (sub.data.implementation) {
+    case ManagedVariable:
+        return type ? elementAddress("od_"_L1, *type, tables.variableIndexMap,
+                                     sub.data.sharedlines ? subKey(0, index, sub.subindex) : ownKey)
+                    : u"NULL"_s;
+    case ManagedConst:
+        return type ? elementAddress("od_const_"_L1, *type, tables.defaultIndexMap, ownKey) : u"NULL"_s;
+    case Variable:
+        return DictionaryCollect::variableAddress(DictionaryCollect::variableName(sub, index, line));
+    default:
+        return u"0"_s;
+    }
+}
+
+PdoMapEntry mapEntry(const DictionaryTables &tables, const DictionaryLine &line, quint32 value)
+{
+    const auto index = static_cast<quint16>(value >> 16);
+    const DictionarySub *sub = line.sub(index, static_cast<quint8>(value >> 8));
+    if (!sub)
+        return {.pointer = u"NULL"_s, .value = value};
+    return {.pointer = dataPointer(tables, line.number, index, *sub), .dataType = sub->data.datatype, .value = value};
+}
+
+quint32 mappedValue(const DictionaryObject &mapping, quint8 subindex)
+{
+    const DictionarySub *sub = mapping.sub(subindex);
+    return sub ? parseNumber(sub->data.defaultvalue) : 0;
+}
+
+/// How many entries a count stands for.
+quint8 entryCount(quint8 count)
+{
+    return count > maxEntries ? 1 : count;
+}
+
+std::vector<PdoMapping> readPdos(const DictionaryTables &tables, const DictionaryLine &line, const PdoObjects &pdos)
+{
+    std::vector<PdoMapping> result;
+    for (const DictionaryObject &object : line.range(pdos.first, pdos.last)) {
+        PdoMapping pdo{.index = object.index, .number = static_cast<quint16>(object.index - pdos.first + 1)};
+        const DictionaryObject *mapping = line.object(object.index + mappingOffset);
+        const DictionarySub *count = mapping ? mapping->sub(0) : nullptr;
+        pdo.fixed = !count || count->data.accesstype != "rw"_L1;
+        if (pdo.fixed && count) {
+            pdo.count = static_cast<quint8>(parseNumber(count->data.defaultvalue));
+            for (quint8 i = 1; i <= entryCount(pdo.count); ++i)
+                pdo.entries.push_back(mapEntry(tables, line, mappedValue(*mapping, i)));
+        }
+        if (pdo.fixed && pdo.count != 0)
+            pdo.table = pdo.number;
+        result.push_back(std::move(pdo));
+    }
+    return result;
+}
+
+/// All that makes the table of a mapping, so that equal mappings have equal texts.
+QString tableContents(const PdoMapping &pdo)
+{
+    QString contents = QString::number(pdo.count);
+    for (const PdoMapEntry &entry : pdo.entries)
+        contents += u"\n%1 %2"_s.arg(QString::number(entry.value), entry.pointer);
+    return contents;
+}
+
+void shareTables(LinePdoTables &pdos)
+{
+    QHash<QString, quint16> known;
+    for (std::size_t i = 0; i < pdos.rpdos.size(); ++i) {
+        PdoMapping &pdo = pdos.rpdos[i];
+        if (!pdo.fixed)
+            continue;
+        const QString contents = tableContents(pdo);
+        if (!known.contains(contents)) {
+            known.insert(contents, static_cast<quint16>(pdos.uniqueRpdoTables.size()));
+            pdos.uniqueRpdoTables.push_back(i);
+        }
+        pdo.table = known.value(contents);
+    }
+}
+
+/// The first TPDO of a line that sends a mapped value, by that value.
+using Senders = QHash<quint32, quint32>;
+
+Senders sendersOf(const DictionaryLine &line)
+{
+    Senders senders;
+    for (const DictionaryObject &object : line.range(transmitObjects.first, transmitObjects.last)) {
+        const DictionaryObject *mapping = line.object(object.index + mappingOffset);
+        const DictionarySub *count = mapping ? mapping->sub(0) : nullptr;
+        if (!count)
+            continue;
+        const quint8 entries = entryCount(static_cast<quint8>(parseNumber(count->data.defaultvalue)));
+        for (quint8 i = 1; i <= entries; ++i) {
+            const quint32 value = mappedValue(*mapping, i);
+            if (!senders.contains(value))
+                senders.insert(value, quint32{object.index} - transmitObjects.first + 1);
+        }
+    }
+    return senders;
+}
+
+/// Received data goes on with the TPDOs of the lines that share the object.
+void routeReceivedData(DictionaryTables &tables)
+{
+    QHash<quint8, Senders> senders;
+    for (const DictionaryLine &line : tables.lines)
+        senders.insert(line.number, sendersOf(line));
+    for (DictionaryLine &line : tables.lines) {
+        for (PdoMapping &pdo : line.pdos.rpdos) {
+            for (PdoMapEntry &entry : pdo.entries) {
+                for (const quint8 target : tables.lineList) {
+                    const DictionarySub *sub = tables.sub(target, static_cast<quint16>(entry.value >> 16),
+                                                          static_cast<quint8>(entry.value >> 8));
+                    const bool shared = sub && sub->data.sharedlines;
+                    entry.routing.push_back(shared ? senders.value(target).value(entry.value) : 0);
+                }
+            }
+        }
+    }
+}
+
+} // namespace
+
+QString mapTableName(PdoDirection direction, const QString &lineSuffix, quint16 number)
+{
+    const auto pdo = direction == PdoDirection::Transmit ? "TPDO"_L1 : "RPDO"_L1;
+    return u"mapTable%1%2%3"_s.arg(pdo, lineSuffix, QString::number(number));
+}
+
+QStringList mappingWarnings(const DictionaryTables &tables)
+{
+    QStringList warnings;
+    const auto tell = [&](const DictionaryLine &line, QLatin1StringView kind, const std::vector<PdoMapping> &pdos) {
+        for (const PdoMapping &pdo : pdos) {
+            for (const PdoMapEntry &entry : pdo.entries) {
+                if (entry.hasNoData())
+                    warnings.append(u"<b>Warning: %1 %2 of line %3 maps object 0x%4-0x%5, which has no data that a "
+                                    "PDO could carry.</b>"_s.arg(kind, Code::dec(pdo.number), Code::dec(line.number),
+                                                                 Code::hex(entry.value >> 16, 4),
+                                                                 Code::hex(entry.value >> 8 & 0xFF, 2)));
+            }
+        }
+    };
+    for (const DictionaryLine &line : tables.lines) {
+        tell(line, "TPDO"_L1, line.pdos.tpdos);
+        tell(line, "RPDO"_L1, line.pdos.rpdos);
+    }
+    return warnings;
+}
+
+void collectPdoTables(DictionaryTables &tables)
+{
+    tables.mapRows = largestMapping(tables);
+    tables.pdoRouting = std::ranges::any_of(tables.lines, routesPdos);
+    for (DictionaryLine &line : tables.lines) {
+        if (!line.isDevice())
+            continue;
+        line.pdos.tpdos = readPdos(tables, line, transmitObjects);
+        line.pdos.rpdos = readPdos(tables, line, receiveObjects);
+        if (!tables.pdoRouting)
+            shareTables(line.pdos);
+    }
+    if (tables.pdoRouting)
+        routeReceivedData(tables);
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "generate/base/filegenerator.h"
+#include "generate/base/fileheader.h"
+
+class CodeWriter;
+
+/// Writes gen_extern_decl.h, which declares the application's variables of J1939 and raw CAN mappings, and beside it
+/// gen_var_decl.c, which defines them for an application that does not.
+class ExtDeclGenerator : public FileGenerator
+{
+    Q_OBJECT
+
+public:
+    ExtDeclGenerator()
+        : ExtDeclGenerator(SourceForm::Classic)
+    {
+    }
+    QString fileName() const override;
+
+protected:
+    explicit ExtDeclGenerator(SourceForm form)
+        : form_(form)
+    {
+    }
+    void write(QTextStream &stream) override;
+    void writeCompanions() override;
+
+private:
+    void writeIncludes(CodeWriter &out) const;
+
+    SourceForm form_;
+};
+
+/// The V4 form of both files.
+class ExtDeclGeneratorV4 : public ExtDeclGenerator
+{
+    Q_OBJECT
+
+public:
+    ExtDeclGeneratorV4()
+        : ExtDeclGenerator(SourceForm::V4)
+    {
+    }
+};

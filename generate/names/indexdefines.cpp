@@ -1,0 +1,347 @@
+#include "generate/names/indexdefines.h"
+
+#include "generate/base/codewriter.h"
+#include "store/lineprotocols.h"
+#include "store/objectdatabase.h"
+#include "texttools/helper.h"
+
+#include <QHash>
+#include <QRegularExpression>
+#include <QThread>
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using Code::dec;
+using Code::hex;
+
+namespace {
+
+using Signal = StoreRecords::SPN;
+
+/// Signals of a line by their message, number and direction.
+using SignalsByMessage = QHash<std::pair<quint32, quint8>, QList<Signal>>;
+
+SignalsByMessage byMessage(const QList<Signal> &list)
+{
+    SignalsByMessage messages;
+    for (const Signal &signal : list)
+        messages[{signal.pgnnumber, signal.direction}].append(signal);
+    return messages;
+}
+
+bool hasDirection(quint8 direction)
+{
+    return direction == ObjectDataBase::receive || direction == ObjectDataBase::transmit;
+}
+
+/// An identifier made of a text: upper case, "_" for all that C does not allow and never two of them in a row, none at
+/// either end.
+QString identifier(QLatin1StringView prefix, const QString &text)
+{
+    QString name;
+    for (const QChar letter : QString(prefix + text.toUpper())) {
+        const bool allowed = letter < u'\x80' && letter.isLetterOrNumber();
+        if (allowed || !name.endsWith(u'_'))
+            name.append(allowed ? letter : u'_');
+    }
+    if (name.startsWith(u'_'))
+        name.remove(0, 1);
+    if (name.endsWith(u'_'))
+        name.chop(1);
+    return name;
+}
+
+// Unsigned constants. Both are as short as they can be: a subindex 0 named like the entry that closes the list repeats
+// that definition, and C allows this for equal texts only.
+QString decimal(quint64 value)
+{
+    return dec(value) + u'u';
+}
+QString hexadecimal(quint64 value)
+{
+    return u"0x%1u"_s.arg(hex(value));
+}
+
+/// The name that a user gave an item by an attribute; empty if there is none.
+QString customName(const StoreRecords::Metadata &metadata, const QString &attribute)
+{
+    return metadata.value(attribute).toUpper().replace(u' ', u'_');
+}
+
+/// The names that are taken: by the line under way, without its prefix, and what each name of the file stands for.
+class Names
+{
+public:
+    void startLine(const QString &prefix)
+    {
+        prefix_ = prefix;
+        used_.clear();
+    }
+
+    /// The name, with the next count behind it where it is taken.
+    QString counted(const QString &name, const QString &value)
+    {
+        QString candidate = name;
+        while (isTaken(candidate, value))
+            candidate = name + QString::number(++used_[name]);
+        take(candidate, value);
+        return candidate;
+    }
+
+    /// The name, with the first of the ends behind it that makes it free.
+    QString tagged(const QString &name, const QString &value, const QStringList &ends)
+    {
+        QString candidate = name;
+        for (auto end = ends.begin(); end != ends.end() && isTaken(candidate, value); ++end)
+            candidate = name + *end;
+        return counted(candidate, value);
+    }
+
+    /// For a name that has no other form: true if it may stand for the value, which it does from then on.
+    bool takeFixed(const QString &name, const QString &value)
+    {
+        if (contradicts(name, value))
+            return false;
+        take(name, value);
+        return true;
+    }
+
+private:
+    bool contradicts(const QString &name, const QString &value) const
+    {
+        const auto it = values_.constFind(prefix_ + name);
+        return it != values_.constEnd() && *it != value;
+    }
+    bool isTaken(const QString &name, const QString &value) const
+    {
+        return used_.contains(name) || contradicts(name, value);
+    }
+    void take(const QString &name, const QString &value)
+    {
+        if (!used_.contains(name))
+            used_.insert(name, 0);
+        values_.insert(prefix_ + name, value);
+    }
+
+    QString prefix_;
+    QHash<QString, int> used_; ///< and how often each was taken again
+    QHash<QString, QString> values_{
+        {QString::fromLatin1(numberOfEntriesName), QString::fromLatin1(numberOfEntriesValue)}};
+};
+
+/// The parts of a NAME (SAE J1939-81) and the SPNs that they have in the address claim.
+struct NamePart
+{
+    QLatin1StringView name;
+    quint32 spn;
+};
+
+constexpr quint32 addressClaim = 60928;
+
+constexpr std::array addressClaimParts{
+    NamePart{"SPN_NAME_OF_CONTROLLER_APPLICATION"_L1, 2848},
+    NamePart{"SPN_IDENTITY_NUMBER"_L1, 2837},
+    NamePart{"SPN_MANUFACTURER_CODE"_L1, 2838},
+    NamePart{"SPN_ECU_INSTANCE"_L1, 2840},
+    NamePart{"SPN_FUNCTION_INSTANCE"_L1, 2839},
+    NamePart{"SPN_FUNCTION"_L1, 2841},
+    NamePart{"SPN_VEHICLE_SYSTEM"_L1, 2842},
+    NamePart{"SPN_VEHICLE_SYSTEM_INSTANCE"_L1, 2843},
+    NamePart{"SPN_INDUSTRY_GROUP"_L1, 2846},
+    NamePart{"SPN_ARBITRARY_ADDRESS_CAPABLE"_L1, 2844},
+};
+
+/// Communication objects of one kind of PDO (CiA 301); the first belongs to PDO 1.
+struct PdoRange
+{
+    QLatin1StringView kind;
+    quint16 first;
+    quint16 last;
+};
+
+constexpr std::array pdoRanges{PdoRange{"RPDO"_L1, 0x1400, 0x15FF}, PdoRange{"TPDO"_L1, 0x1800, 0x19FF}};
+
+class LineCollector
+{
+public:
+    LineCollector(ObjectDataBase &store, Names &names, quint8 line, IndexDefines::Line &result)
+        : store_(store)
+        , names_(names)
+        , line_(line)
+        , result_(result)
+    {
+        names_.startLine(result.prefix);
+    }
+
+    void collectObjects(const std::function<bool()> &cancelled);
+    void collectCanIds();
+    void collectPgns();
+    void collectAddressClaim();
+
+private:
+    void add(IndexDefines::Block block);
+    IndexDefines::Block objectBlock(const StoreRecords::IndexEntry &object,
+                                    std::span<const StoreRecords::SubEntry> subs);
+    void addShortPdoName(IndexDefines::Block &block, quint16 index);
+
+    ObjectDataBase &store_;
+    Names &names_;
+    quint8 line_;
+    IndexDefines::Line &result_;
+};
+
+void LineCollector::add(IndexDefines::Block block)
+{
+    result_.blocks.append(std::move(block));
+    QThread::yieldCurrentThread();
+}
+
+void LineCollector::collectObjects(const std::function<bool()> &cancelled)
+{
+    constexpr quint16 firstNamed = 0x1000;
+    const QList<StoreRecords::SubEntry> subs = store_.getAllSubIndices(line_);
+    auto next = subs.begin();
+    for (const StoreRecords::IndexEntry &object : store_.getAllIndices(line_)) {
+        if (object.index < firstNamed)
+            continue;
+        if (cancelled())
+            return;
+        const auto isBefore = [](const StoreRecords::SubEntry &sub, quint32 index) { return sub.index < index; };
+        const auto first = std::lower_bound(next, subs.end(), quint32{object.index}, isBefore);
+        next = std::lower_bound(first, subs.end(), object.index + 1U, isBefore);
+        add(objectBlock(object, {first, next}));
+    }
+}
+
+IndexDefines::Block LineCollector::objectBlock(const StoreRecords::IndexEntry &object,
+                                               std::span<const StoreRecords::SubEntry> subs)
+{
+    const auto nameOf = [&](QLatin1StringView prefix, const QString &text, quint8 subindex) {
+        return identifier(prefix, Helper::substituteVariables(text, object.index, subindex, line_));
+    };
+
+    QString name = customName(object.data.metadata, u"objectdefine"_s);
+    if (name.isEmpty())
+        name = nameOf("I_"_L1, object.data.name.isEmpty() ? u"unnamed object"_s : object.data.name, 0);
+    const QString value = hexadecimal(object.index);
+    IndexDefines::Block block{{.name = names_.counted(name, value), .value = value}};
+    addShortPdoName(block, object.index);
+
+    for (const StoreRecords::SubEntry &sub : subs) {
+        QString subName = customName(sub.data.metadata, u"subdefine"_s);
+        if (subName.isEmpty())
+            subName = nameOf("S_"_L1, sub.data.name, sub.subindex);
+        const QString subValue = hexadecimal(sub.subindex);
+        block.append({.name = names_.counted(subName, subValue), .value = subValue, .ofSubindex = true});
+    }
+    return block;
+}
+
+void LineCollector::addShortPdoName(IndexDefines::Block &block, quint16 index)
+{
+    static const QRegularExpression linePrefix(u"^L[0-9]+_"_s);
+    static const QRegularExpression pdoOfNode(u"^I_([RT]PDO)_COMM_PAR_([0-9]+)_FOR_NODE_([0-9]+)_([A-Za-z0-9_]+)$"_s);
+    const auto match = pdoOfNode.match(QString(block.first().name).remove(linePrefix));
+    if (!match.hasMatch())
+        return;
+    for (const PdoRange &range : pdoRanges) {
+        if (match.captured(1) != range.kind || index < range.first || index > range.last)
+            continue;
+        const QString name =
+            u"%1_%2_%3_%4"_s.arg(match.captured(1), match.captured(3), match.captured(4), match.captured(2));
+        const QString value = decimal(quint64{index} - range.first + 1);
+        if (names_.takeFixed(name, value))
+            block.append({.name = name, .value = value});
+    }
+}
+
+void LineCollector::collectCanIds()
+{
+    const SignalsByMessage elements = byMessage(store_.getAllDataElements(line_));
+    QHash<quint8, quint32> positions;
+    for (const StoreRecords::CANID &canId : store_.getAllCANIDs(line_)) {
+        if (!hasDirection(canId.direction))
+            continue;
+        const QString value = decimal(++positions[canId.direction]);
+        const QString end = u"_%1"_s.arg(hex(canId.id, 4));
+        IndexDefines::Block block{
+            {.name = names_.tagged(identifier("ID_"_L1, canId.name), value, {end}), .value = value}};
+        if (const QString fixedName = "ID"_L1 + end; names_.takeFixed(fixedName, value))
+            block.append({.name = fixedName, .value = value});
+        for (const Signal &element : elements.value({canId.id, canId.direction})) {
+            const QString elementValue = decimal(quint64{element.spnnumber} + 1);
+            block.append(
+                {.name = names_.tagged(identifier("S_"_L1, element.name), elementValue, {end}), .value = elementValue});
+        }
+        add(std::move(block));
+    }
+}
+
+void LineCollector::collectPgns()
+{
+    const SignalsByMessage spns = byMessage(store_.getAllSPNs(line_));
+    for (const StoreRecords::PGN &pgn : store_.getAllPGNs(line_)) {
+        if (!hasDirection(pgn.direction))
+            continue;
+        const QString value = decimal(pgn.number);
+        const QString end = u"_%1"_s.arg(hex(pgn.number, 4));
+        IndexDefines::Block block{{.name = names_.counted(identifier("PGN_"_L1, pgn.name), value),
+                                   .value = value,
+                                   .comment = u" /* 0x%1 */"_s.arg(hex(pgn.number, 4))}};
+        for (const Signal &spn : spns.value({pgn.number, pgn.direction})) {
+            const QString spnValue = decimal(spn.spnnumber);
+            block.append({.name = names_.tagged(identifier("SPN_"_L1, spn.name), spnValue,
+                                                {end, u"%1_%2"_s.arg(end, dec(spn.spnnumber))}),
+                          .value = spnValue});
+        }
+        add(std::move(block));
+    }
+}
+
+void LineCollector::collectAddressClaim()
+{
+    const QString end = u"_%1"_s.arg(hex(addressClaim));
+    const auto define = [&](const QString &name, quint32 number, const QString &comment) {
+        const QString value = decimal(number);
+        return IndexDefines::Define{.name = names_.takeFixed(name, value) ? name : names_.tagged(name, value, {end}),
+                                    .value = value,
+                                    .comment = comment};
+    };
+    IndexDefines::Block block{define(u"PGN_ADDRESS_CLAIM"_s, addressClaim, u" /* 0x%1 */"_s.arg(hex(addressClaim, 4)))};
+    for (const NamePart &part : addressClaimParts)
+        block.append(define(part.name, part.spn, {}));
+    add(std::move(block));
+}
+
+/// A line whose protocol is J1939, or CANopen and J1939, claims an address by itself; a raw CAN line beside J1939 is
+/// left to the application.
+bool claimsAddress(ObjectDataBase &store, quint8 line)
+{
+    const LineProtocols protocols = LineProtocols::ofLine(store, line);
+    return protocols.j1939 && !protocols.rawCan && !store.pgnExists(line, addressClaim, ObjectDataBase::transmit);
+}
+
+} // namespace
+
+IndexDefines collectIndexDefines(ObjectDataBase &store, const QList<quint8> &lines, bool withPrefix,
+                                 const std::function<bool()> &cancelled)
+{
+    IndexDefines defines;
+    Names names;
+    for (const quint8 line : lines) {
+        IndexDefines::Line &result = defines.lines.emplace_back();
+        if (withPrefix)
+            result.prefix = u"L%1_"_s.arg(line);
+        LineCollector collector(store, names, line, result);
+        collector.collectObjects(cancelled);
+        collector.collectCanIds();
+        collector.collectPgns();
+        if (claimsAddress(store, line))
+            collector.collectAddressClaim();
+    }
+    return defines;
+}

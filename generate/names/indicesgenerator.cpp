@@ -1,0 +1,55 @@
+#include "generate/names/indicesgenerator.h"
+
+#include "generate/base/codewriter.h"
+#include "generate/base/fileheader.h"
+#include "generate/names/indexdefines.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int nameWidth = 25;
+
+void writeLine(CodeWriter &out, const IndexDefines::Line &line)
+{
+    for (const IndexDefines::Block &block : line.blocks) {
+        for (const IndexDefines::Define &define : block)
+            out(u"#define ${GAP}${PREFIX}${NAME}\t${VALUE}${COMMENT}", {{"GAP", define.ofSubindex ? u" "_s : QString()},
+                                                                        {"PREFIX", line.prefix},
+                                                                        {"NAME", define.name.leftJustified(nameWidth)},
+                                                                        {"VALUE", define.value},
+                                                                        {"COMMENT", define.comment}});
+        out(u"");
+    }
+}
+
+} // namespace
+
+QString IndicesGenerator::fileName() const
+{
+    return u"gen_indices.h"_s;
+}
+
+QString IndicesGenerator::jobName() const
+{
+    return u"gen_indices.h generator"_s;
+}
+
+void IndicesGenerator::write(QTextStream &stream)
+{
+    const IndexDefines defines = collectIndexDefines(*database(), lines_, isMultiLine() || generatesMultiLine(),
+                                                     [this] { return takeCancelRequest(); });
+    CodeWriter out(stream);
+    writeFileHeader(out, SourceFile::GenIndices, SourceForm::V4, baseName());
+    out(uR"(
+        /* protect against multiple inclusion of the file */
+        #ifndef GEN_INDICES_H
+        #define GEN_INDICES_H 1
+
+        )");
+    for (const IndexDefines::Line &line : defines.lines)
+        writeLine(out, line);
+    out(u"#define  ${NAME}\t${VALUE}\n", {{"NAME", QString::fromLatin1(numberOfEntriesName).leftJustified(nameWidth)},
+                                          {"VALUE", QString::fromLatin1(numberOfEntriesValue)}});
+    out(u"#endif /* GEN_INDICES_H */");
+}

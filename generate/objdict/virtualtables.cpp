@@ -1,0 +1,114 @@
+#include "generate/objdict/virtualtables.h"
+
+#include "generate/base/codewriter.h"
+#include "generate/model/dictionarycollect.h"
+#include "store/objectdatabase.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+using Code::hex;
+
+namespace {
+
+class Collector
+{
+public:
+    Collector(const DictionaryTables &tables, bool dynamic)
+        : tables_(tables)
+        , dynamic_(dynamic)
+    {
+    }
+
+    VirtualTables collect()
+    {
+        for (const DictionaryLine &line : tables_.lines) {
+            for (const DictionaryObject &object : line.objects) {
+                if (object.isVirtual())
+                    addObject(line.number, object);
+            }
+        }
+        return std::move(result_);
+    }
+
+private:
+    void addObject(quint8 line, const DictionaryObject &object)
+    {
+        AssignRow row{.index = object.index,
+                      .highest = object.subs.back().subindex,
+                      .objectType = DictionaryCollect::objectTypeWord(object.objectType)};
+        starts_.insert(objectKey(line, object.index), static_cast<quint32>(result_.description.size()));
+        for (const DictionarySub &sub : object.subs) {
+            if (sub.data.implementation != VirtualObject)
+                continue;
+            const bool owned = line == 0 || !sub.data.sharedlines;
+            const quint16 number = owned ? nextNumber(sub.data.datatype) : quint16{0};
+            // A row that stands for a tail leaves the numbers behind its own to that tail.
+            if (sub.subindex > object.compactLimit)
+                continue;
+            ++row.subs;
+            if (owned)
+                result_.description.push_back(description(line, object, sub, number));
+        }
+        const quint8 owner = object.subs.front().data.sharedlines ? quint8{0} : line;
+        row.start = starts_.value(objectKey(owner, object.index));
+        result_.assign.push_back(row);
+    }
+
+    /// BOOLEAN and small numbers are stored as bytes, so that all of these count together.
+    quint16 nextNumber(quint16 dataType)
+    {
+        const auto type = valueTypeOf(dataType);
+        return type ? valueCounts_[static_cast<std::size_t>(*type)]++ : otherCounts_[dataType]++;
+    }
+
+    VirtualDescriptionRow description(quint8 line, const DictionaryObject &object, const DictionarySub &sub,
+                                      quint16 number)
+    {
+        const quint32 key = subKey(line, object.index, sub.subindex);
+        VirtualDescriptionRow row{.index = object.index,
+                                  .subindex = sub.subindex,
+                                  .dataType = sub.data.datatype,
+                                  .attributes = DictionaryCollect::accessAttributes(sub.data),
+                                  .defaultPosition = tables_.defaultIndexMap.value(key),
+                                  .lowerPosition = tables_.lowerLimitIndexMap.value(key),
+                                  .upperPosition = tables_.upperLimitIndexMap.value(key)};
+        row.valueIsIndex = DictionaryCollect::serviceValue(object.index, sub.subindex) == object.index;
+        row.value = row.valueIsIndex ? object.index : number;
+        if (dynamic_)
+            row.attributes += " | CO_ATTR_DYNOD"_L1;
+        if (object.compactLimit != notCompact && sub.subindex == object.compactLimit)
+            row.attributes += " | CO_ATTR_COMPACT"_L1;
+        return row;
+    }
+
+    const DictionaryTables &tables_;
+    bool dynamic_;
+    VirtualTables result_;
+    QHash<quint32, quint32> starts_;
+    std::array<quint16, valueTypeCount> valueCounts_{};
+    QHash<quint16, quint16> otherCounts_; ///< by data type
+};
+
+} // namespace
+
+QString VirtualDescriptionRow::dataName() const
+{
+    return u"V_%1_%2"_s.arg(hex(index), hex(subindex));
+}
+
+VirtualTables collectVirtualTables(const DictionaryTables &tables, bool dynamic)
+{
+    return Collector(tables, dynamic).collect();
+}
+
+bool hasVirtualObjects(ObjectDataBase &store)
+{
+    return std::ranges::any_of(store.getNodeList(), [&](quint8 line) {
+        return line < dictionaryLineLimit &&
+               std::ranges::any_of(store.findSubIndices(line, u"implementation"_s, QString::number(VirtualObject)),
+                                   [](const ObjectDataBase::SubKey &key) {
+                                       return key.subindex == 0 && key.index >= firstDictionaryIndex;
+                                   });
+    });
+}

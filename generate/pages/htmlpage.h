@@ -1,0 +1,44 @@
+#pragma once
+
+#include "generate/base/codewriter.h"
+
+#include <QString>
+
+/// Prints the tables that the HTML documents are made of: a head, and rows of a word and its value whose colours take
+/// turns in each table.
+///
+/// What is given as markup stands as it is; a text is escaped on its way.
+class HtmlPage
+{
+public:
+    explicit HtmlPage(QTextStream &stream)
+        : out(stream)
+    {
+    }
+
+    /// `width` in pixels, 0 for that of the style sheet.
+    void beginTable(int width = 0);
+    void endTable();
+    /// A head across the table; links find it under the id.
+    void head(const QString &id, const QString &markup);
+    /// A head that is a row with a word and a value.
+    void headRow(const QString &word, const QString &markup);
+    /// `wordWidth` in pixels, 0 for that of the style sheet.
+    void row(const QString &word, const QString &markup, int wordWidth = 0);
+    /// Nothing for an empty text.
+    void description(const QString &text);
+    /// A row without words.
+    void line(const QString &markup);
+    /// An entry of the table of contents. A hint is a text that shows while somebody points at the entry.
+    void link(const QString &id, const QString &markup, const QString &hint = {});
+
+    /// The text with the characters that HTML reads as markup, the German letters and line feeds written out.
+    static QString escaped(QString text);
+
+    CodeWriter out;
+
+private:
+    QString nextClass();
+
+    bool alternate_ = true;
+};

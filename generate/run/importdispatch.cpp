@@ -1,0 +1,95 @@
+#include "generate/run/importdispatch.h"
+
+#include "generate/base/runcontext.h"
+#include "import/csvimporter.h"
+#include "import/doctxtimporter.h"
+#include "import/edsimporter.h"
+#include "import/importreport.h"
+#include "import/projectmerge.h"
+#include "store/objectdatabase.h"
+
+#include <QDebug>
+#include <QFileInfo>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Store = std::shared_ptr<ObjectDataBase>;
+
+/// Objects of the communication, manufacturer and device profile areas (CiA 301); the rest of a dictionary is the
+/// stack's own.
+constexpr quint32 firstProfileIndex = 0x1000;
+constexpr quint32 lastProfileIndex = 0xBFFF;
+constexpr quint32 lastObject = 0xFFFF;
+
+/// PGNs have 18 bits (SAE J1939-21); of another project those of the data pages 0 and 1 are taken.
+constexpr quint32 lastPGN = 0x3FFFF;
+constexpr quint32 lastMergedPGN = 0x1FFFF;
+constexpr quint32 lastCANID = 0x1FFFFFFF;
+
+/// Runs an importer on line 0 for the objects of a range.
+template <typename Importer, quint32 first, quint32 last>
+bool importWith(const Store &store, const QString &path)
+{
+    Importer importer;
+    importer.setIndexRange(first, last);
+    importer.setLine(0);
+    importer.setDatabase(store);
+    if (!importer.setFile(path))
+        return false;
+    importer.startImport();
+    importer.waitForEnd();
+    return true;
+}
+
+/// Takes over, for each line of the project, what its protocols know from the line of the same number.
+bool mergeProject(const Store &store, const QString &path)
+{
+    ObjectDataBase source;
+    if (!source.openDataBase(path, true))
+        return false;
+    ImportReport report;
+    const ObjectDataBase::Transaction transaction(*store);
+    for (const quint8 line : store->getNodeList()) {
+        const LineProtocols protocols = RunContext::protocolsOf(*store, line);
+        if (protocols.canOpen)
+            ProjectMerge::copyObjects(*store, line, source, line, firstProfileIndex, lastObject, report);
+        if (protocols.j1939)
+            ProjectMerge::copyPGNs(*store, line, source, line, 0, lastMergedPGN, report);
+        if (protocols.rawCan)
+            ProjectMerge::copyCANIDs(*store, line, source, line, 0, lastCANID, report);
+    }
+    qDebug().noquote() << report.text();
+    return true;
+}
+
+struct ImportForm
+{
+    QLatin1StringView suffix;   ///< in lower case
+    QLatin1StringView nameHint; ///< what the base name must contain; empty for anything
+    bool (*import)(const Store &, const QString &path);
+};
+
+constexpr std::array forms{
+    ImportForm{"csv"_L1, ""_L1, importWith<CsvImporter, firstProfileIndex, lastProfileIndex>},
+    ImportForm{"eds"_L1, ""_L1, importWith<EDSImporter, firstProfileIndex, lastProfileIndex>},
+    ImportForm{"dcf"_L1, ""_L1, importWith<EDSImporter, firstProfileIndex, lastProfileIndex>},
+    ImportForm{"txt"_L1, "doc"_L1, importWith<DOCTXTImporter, 0, lastPGN>},
+    ImportForm{"ncxp"_L1, ""_L1, mergeProject},
+};
+
+} // namespace
+
+bool ImportDispatch::importFile(const Store &store, const QString &path)
+{
+    const QFileInfo file(path);
+    const QString suffix = file.suffix().toLower();
+    for (const ImportForm &form : forms) {
+        if (suffix == form.suffix && file.baseName().contains(form.nameHint))
+            return form.import(store, path);
+    }
+    return false;
+}

@@ -1,0 +1,127 @@
+#include "generate/tables/icsvgenerator.h"
+
+#include "generate/base/codewriter.h"
+#include "generate/common/doctext.h"
+#include "generate/common/documentname.h"
+#include "generate/model/objectrecords.h"
+#include "generate/tables/tablefields.h"
+#include "nodedict/cohelper.h"
+#include "texttools/helper.h"
+
+#include <QTextStream>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+using TableFields::field;
+using TableFields::flag;
+
+namespace {
+
+using Object = ObjectRecords;
+using Sub = ObjectRecords::Sub;
+
+/// The row tells of an object without items, a variable or a domain, rather than of an item.
+bool isWholeObject(const Object &object, const Sub &sub)
+{
+    return !object.isGroup() && sub.subindex == 0;
+}
+
+/// The word is on the row that tells of the object: an importer takes it from there.
+QString codeOf(const Object &object, const Sub &sub)
+{
+    const bool tells = isWholeObject(object, sub) || object.object.objecttype == CANopen::Var;
+    return tells ? COHelper::objectCode2String(object.object.objecttype) : QString();
+}
+
+QString typeOf(const Object &object, const Sub &sub)
+{
+    return COHelper::index2DataTypeString(isWholeObject(object, sub) ? object.object.datatype : sub.data.datatype);
+}
+
+QString nameOf(const Object &object, const Sub &sub)
+{
+    return field(isWholeObject(object, sub) ? object.name() : object.name(sub));
+}
+
+/// A row of the table is one line, so that the text's line breaks are spelled out.
+QString descriptionField(const QString &text)
+{
+    return field(DocText::lines(text).join(Helper::csvDescLinebreak));
+}
+
+QString descriptionOf(const Object &object, const Sub &sub)
+{
+    return descriptionField(isWholeObject(object, sub) ? object.plainDescription() : sub.data.description);
+}
+
+struct Column
+{
+    QLatin1StringView name;
+    QString (*field)(const Object &, const Sub &);
+    QString (*headField)(const Object &) = nullptr; ///< of a head row; none for an empty field
+};
+
+constexpr QLatin1StringView documentationColumn = "description"_L1;
+
+// clang-format off
+constexpr std::array columns{
+    Column{"index"_L1, [](const Object &object, const Sub &) { return "0x"_L1 + Code::hex(object.index, 4); },
+           [](const Object &object) { return "0x"_L1 + Code::hex(object.index, 4); }},
+    Column{"sub"_L1, [](const Object &, const Sub &sub) { return "0x"_L1 + Code::hex(sub.subindex, 2); }},
+    Column{"objectcode"_L1, codeOf,
+           [](const Object &object) { return COHelper::objectCode2String(object.object.objecttype); }},
+    Column{"datatype"_L1, typeOf,
+           [](const Object &object) { return COHelper::index2DataTypeString(object.object.datatype); }},
+    Column{"edsname"_L1, nameOf, [](const Object &object) { return field(object.name()); }},
+    Column{"varname"_L1, [](const Object &, const Sub &sub) { return field(sub.data.varname); }},
+    Column{"access"_L1, [](const Object &, const Sub &sub) { return field(sub.data.accesstype); }},
+    Column{"mapable"_L1, [](const Object &, const Sub &sub) { return sub.data.pdomapping.getCSVStringValue(); }},
+    Column{"hasdefault"_L1, [](const Object &, const Sub &sub) { return flag(sub.data.defaultineds); }},
+    Column{"defaultineds"_L1, [](const Object &, const Sub &sub) { return flag(sub.data.writedefaulttoeds != 0); }},
+    Column{"value"_L1, [](const Object &, const Sub &sub) { return field(TableFields::value(sub.data.datatype, sub.data.defaultvalue)); }},
+    Column{documentationColumn, descriptionOf,
+           [](const Object &object) { return descriptionField(object.object.description); }},
+    Column{"size"_L1, [](const Object &, const Sub &sub) { return Code::dec(sub.data.size); }},
+    Column{"implementation"_L1, [](const Object &, const Sub &sub) { return TableFields::implementation(sub.data.implementation); }},
+    Column{"haslimit"_L1, [](const Object &, const Sub &sub) { return flag(sub.data.limitineds); }},
+    Column{"lowlimit"_L1, [](const Object &, const Sub &sub) { return field(sub.data.lowlimit); }},
+    Column{"uplimit"_L1, [](const Object &, const Sub &sub) { return field(sub.data.uplimit); }},
+    Column{"nvstorage"_L1, [](const Object &, const Sub &sub) { return flag(sub.data.nvstorage); }},
+};
+// clang-format on
+
+/// A row of what `fieldOf` gives for each column.
+template <typename FieldOf>
+void writeRow(QTextStream &stream, bool withDocumentation, FieldOf fieldOf)
+{
+    QStringList fields;
+    for (const Column &column : columns) {
+        if (withDocumentation || column.name != documentationColumn)
+            fields.append(fieldOf(column));
+    }
+    stream << fields.join(u',') << '\n';
+}
+
+} // namespace
+
+QString ICSVGenerator::fileName() const
+{
+    return documentName(baseName(), line(), isMultiLine()) + u".icsv"_s;
+}
+
+void ICSVGenerator::writeHead(QTextStream &stream)
+{
+    stream << u"# This is an importable ICSV file for the %1 project.\n#\n"_s.arg(DocText::oneLine(baseName()));
+    writeRow(stream, hasDocumentation_, [](const Column &column) { return QString(column.name); });
+}
+
+void ICSVGenerator::writeObject(QTextStream &stream, const ObjectRecords &object)
+{
+    if (object.isGroup()) {
+        writeRow(stream, hasDocumentation_,
+                 [&](const Column &column) { return column.headField ? column.headField(object) : QString(); });
+    }
+    for (const Sub &sub : object.subs)
+        writeRow(stream, hasDocumentation_, [&](const Column &column) { return column.field(object, sub); });
+}
