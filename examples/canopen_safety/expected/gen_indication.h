@@ -6,8 +6,8 @@
 #ifndef GEN_INDICATION
 #define GEN_INDICATION 1
 
-/*
+/* 
    There are not any static indication functions defined.
-   If there were some, they would be declared here.
+   If there were some, they would be declared here. 
 */
 #endif /* GEN_INDICATION*/

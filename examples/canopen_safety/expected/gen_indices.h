@@ -7,81 +7,81 @@
 #ifndef GEN_INDICES_H
 #define GEN_INDICES_H 1
 
-#define I_DEVICE_TYPE 0x1000u
-#define S_DEVICE_TYPE 0x0u
+#define I_DEVICE_TYPE            	0x1000u
+#define  S_DEVICE_TYPE            	0x0u
 
-#define I_ERROR_REGISTER 0x1001u
-#define S_ERROR_REGISTER 0x0u
+#define I_ERROR_REGISTER         	0x1001u
+#define  S_ERROR_REGISTER         	0x0u
 
-#define I_COB_ID_EMCY 0x1014u
-#define S_COB_ID_EMCY 0x0u
+#define I_COB_ID_EMCY            	0x1014u
+#define  S_COB_ID_EMCY            	0x0u
 
-#define I_PRODUCER_HEARTBEAT_TIME 0x1017u
-#define S_PRODUCER_HEARTBEAT_TIME 0x0u
+#define I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  S_PRODUCER_HEARTBEAT_TIME	0x0u
 
-#define I_IDENTITY_OBJECT 0x1018u
-#define S_NUMBER_OF_ENTRIES 0x0u
-#define S_VENDOR_ID 0x1u
-#define S_PRODUCT_CODE 0x2u
-#define S_REVISION_NUMBER 0x3u
-#define S_SERIAL_NUMBER 0x4u
+#define I_IDENTITY_OBJECT        	0x1018u
+#define  S_NUMBER_OF_ENTRIES      	0x0u
+#define  S_VENDOR_ID              	0x1u
+#define  S_PRODUCT_CODE           	0x2u
+#define  S_REVISION_NUMBER        	0x3u
+#define  S_SERIAL_NUMBER          	0x4u
 
-#define I_SRDO_COMMUNICATION_PARAMETER_1 0x1301u
-#define S_NUMBER_OF_ENTRIES1 0x0u
-#define S_INFORMATION_DIRECTION 0x1u
-#define S_REFRESH_TIME 0x2u
-#define S_VALIDATION_TIME 0x3u
-#define S_TRANSMISSION_TYPE 0x4u
-#define S_COB_ID_1 0x5u
-#define S_COB_ID_2 0x6u
+#define I_SRDO_COMMUNICATION_PARAMETER_1	0x1301u
+#define  S_NUMBER_OF_ENTRIES1     	0x0u
+#define  S_INFORMATION_DIRECTION  	0x1u
+#define  S_REFRESH_TIME           	0x2u
+#define  S_VALIDATION_TIME        	0x3u
+#define  S_TRANSMISSION_TYPE      	0x4u
+#define  S_COB_ID_1               	0x5u
+#define  S_COB_ID_2               	0x6u
 
-#define I_SRDO_COMMUNICATION_PARAMETER_2 0x1302u
-#define S_NUMBER_OF_ENTRIES2 0x0u
-#define S_INFORMATION_DIRECTION1 0x1u
-#define S_REFRESH_TIME1 0x2u
-#define S_VALIDATION_TIME1 0x3u
-#define S_TRANSMISSION_TYPE1 0x4u
-#define S_COB_ID_11 0x5u
-#define S_COB_ID_21 0x6u
+#define I_SRDO_COMMUNICATION_PARAMETER_2	0x1302u
+#define  S_NUMBER_OF_ENTRIES2     	0x0u
+#define  S_INFORMATION_DIRECTION1 	0x1u
+#define  S_REFRESH_TIME1          	0x2u
+#define  S_VALIDATION_TIME1       	0x3u
+#define  S_TRANSMISSION_TYPE1     	0x4u
+#define  S_COB_ID_11              	0x5u
+#define  S_COB_ID_21              	0x6u
 
-#define I_SRDO_MAPPING_PARAMETER_1 0x1381u
-#define S_NUMBER_OF_ENTRIES3 0x0u
-#define S_MAPPED_OBJECT_1 0x1u
-#define S_MAPPED_OBJECT_2 0x2u
-#define S_MAPPED_OBJECT_3 0x3u
-#define S_MAPPED_OBJECT_4 0x4u
+#define I_SRDO_MAPPING_PARAMETER_1	0x1381u
+#define  S_NUMBER_OF_ENTRIES3     	0x0u
+#define  S_MAPPED_OBJECT_1        	0x1u
+#define  S_MAPPED_OBJECT_2        	0x2u
+#define  S_MAPPED_OBJECT_3        	0x3u
+#define  S_MAPPED_OBJECT_4        	0x4u
 
-#define I_SRDO_MAPPING_PARAMETER_2 0x1382u
-#define S_NUMBER_OF_ENTRIES4 0x0u
-#define S_MAPPED_OBJECT_11 0x1u
-#define S_MAPPED_OBJECT_21 0x2u
+#define I_SRDO_MAPPING_PARAMETER_2	0x1382u
+#define  S_NUMBER_OF_ENTRIES4     	0x0u
+#define  S_MAPPED_OBJECT_11       	0x1u
+#define  S_MAPPED_OBJECT_21       	0x2u
 
-#define I_CONFIGURATION_VALID 0x13feu
-#define S_CONFIGURATION_VALID 0x0u
+#define I_CONFIGURATION_VALID    	0x13feu
+#define  S_CONFIGURATION_VALID    	0x0u
 
-#define I_SAFETY_CONFIGURATION_SIGNATURE 0x13ffu
-#define S_NUMBER_OF_ENTRIES5 0x0u
-#define S_SIGNATURE_SRDO_1 0x1u
-#define S_SIGNATURE_SRDO_2 0x2u
+#define I_SAFETY_CONFIGURATION_SIGNATURE	0x13ffu
+#define  S_NUMBER_OF_ENTRIES5     	0x0u
+#define  S_SIGNATURE_SRDO_1       	0x1u
+#define  S_SIGNATURE_SRDO_2       	0x2u
 
-#define I_LIGHT_CURTAIN_STATE 0x2000u
-#define S_LIGHT_CURTAIN_STATE 0x0u
+#define I_LIGHT_CURTAIN_STATE    	0x2000u
+#define  S_LIGHT_CURTAIN_STATE    	0x0u
 
-#define I_DISTANCE 0x2001u
-#define S_DISTANCE 0x0u
+#define I_DISTANCE               	0x2001u
+#define  S_DISTANCE               	0x0u
 
-#define I_LIGHT_CURTAIN_STATE_INVERTED 0x2010u
-#define S_LIGHT_CURTAIN_STATE_INVERTED 0x0u
+#define I_LIGHT_CURTAIN_STATE_INVERTED	0x2010u
+#define  S_LIGHT_CURTAIN_STATE_INVERTED	0x0u
 
-#define I_DISTANCE_INVERTED 0x2011u
-#define S_DISTANCE_INVERTED 0x0u
+#define I_DISTANCE_INVERTED      	0x2011u
+#define  S_DISTANCE_INVERTED      	0x0u
 
-#define I_RELEASE 0x2020u
-#define S_RELEASE 0x0u
+#define I_RELEASE                	0x2020u
+#define  S_RELEASE                	0x0u
 
-#define I_RELEASE_INVERTED 0x2030u
-#define S_RELEASE_INVERTED 0x0u
+#define I_RELEASE_INVERTED       	0x2030u
+#define  S_RELEASE_INVERTED       	0x0u
 
-#define S_NUMBER_OF_ENTRIES 0x0u
+#define  S_NUMBER_OF_ENTRIES      	0x0u
 
 #endif /* GEN_INDICES_H */

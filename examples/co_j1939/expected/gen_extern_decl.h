@@ -7,14 +7,14 @@
 #ifndef GEN_EXTERN_DECL_H
 #define GEN_EXTERN_DECL_H 1
 
-#include <core_datatype.h>
 #include <gen_define.h>
+#include <core_datatype.h>
 /* external variables */
 
 /* line 0*/
 /* PGN 0xfef1*/
-extern UNSIGNED16 vehicleSpeed; /* SPN84 */
+extern UNSIGNED16	vehicleSpeed;	/* SPN84 */
 /* PGN 0xff02*/
-extern UNSIGNED16 pumpSpeed; /* SPN520310 */
+extern UNSIGNED16	pumpSpeed;	/* SPN520310 */
 
 #endif /* GEN_EXTERN_DECL_H */

@@ -7,56 +7,56 @@
 #ifndef GEN_INDICES_H
 #define GEN_INDICES_H 1
 
-#define I_DEVICE_TYPE 0x1000u
-#define S_DEVICE_TYPE 0x0u
+#define I_DEVICE_TYPE            	0x1000u
+#define  S_DEVICE_TYPE            	0x0u
 
-#define I_ERROR_REGISTER 0x1001u
-#define S_ERROR_REGISTER 0x0u
+#define I_ERROR_REGISTER         	0x1001u
+#define  S_ERROR_REGISTER         	0x0u
 
-#define I_COB_ID_EMCY 0x1014u
-#define S_COB_ID_EMCY 0x0u
+#define I_COB_ID_EMCY            	0x1014u
+#define  S_COB_ID_EMCY            	0x0u
 
-#define I_PRODUCER_HEARTBEAT_TIME 0x1017u
-#define S_PRODUCER_HEARTBEAT_TIME 0x0u
+#define I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  S_PRODUCER_HEARTBEAT_TIME	0x0u
 
-#define I_IDENTITY_OBJECT 0x1018u
-#define S_NUMBER_OF_ENTRIES 0x0u
-#define S_VENDOR_ID 0x1u
-#define S_PRODUCT_CODE 0x2u
-#define S_REVISION_NUMBER 0x3u
-#define S_SERIAL_NUMBER 0x4u
+#define I_IDENTITY_OBJECT        	0x1018u
+#define  S_NUMBER_OF_ENTRIES      	0x0u
+#define  S_VENDOR_ID              	0x1u
+#define  S_PRODUCT_CODE           	0x2u
+#define  S_REVISION_NUMBER        	0x3u
+#define  S_SERIAL_NUMBER          	0x4u
 
-#define I_TPDO_COMMUNICATION_PARAMETER 0x1800u
-#define S_NUMBER_OF_ENTRIES1 0x0u
-#define S_COB_ID 0x1u
-#define S_TRANSMISSION_TYPE 0x2u
+#define I_TPDO_COMMUNICATION_PARAMETER	0x1800u
+#define  S_NUMBER_OF_ENTRIES1     	0x0u
+#define  S_COB_ID                 	0x1u
+#define  S_TRANSMISSION_TYPE      	0x2u
 
-#define I_TPDO_MAPPING_PARAMETER 0x1a00u
-#define S_NUMBER_OF_ENTRIES2 0x0u
-#define S_MAPPED_OBJECT 0x1u
+#define I_TPDO_MAPPING_PARAMETER 	0x1a00u
+#define  S_NUMBER_OF_ENTRIES2     	0x0u
+#define  S_MAPPED_OBJECT          	0x1u
 
-#define I_VEHICLE_SPEED 0x2000u
-#define S_VEHICLE_SPEED 0x0u
+#define I_VEHICLE_SPEED          	0x2000u
+#define  S_VEHICLE_SPEED          	0x0u
 
-#define PGN_CRUISE_CONTROL_AND_VEHICLE_SPEED 65265u /* 0xfef1 */
-#define SPN_WHEEL_BASED_VEHICLE_SPEED 84u
+#define PGN_CRUISE_CONTROL_AND_VEHICLE_SPEED	65265u /* 0xfef1 */
+#define SPN_WHEEL_BASED_VEHICLE_SPEED	84u
 
-#define PGN_PUMP_STATUS 65282u /* 0xff02 */
-#define SPN_PUMP_SPEED 520310u
-#define SPN_PUMP_MODE 520311u
+#define PGN_PUMP_STATUS          	65282u /* 0xff02 */
+#define SPN_PUMP_SPEED           	520310u
+#define SPN_PUMP_MODE            	520311u
 
-#define PGN_ADDRESS_CLAIM 60928u /* 0xee00 */
-#define SPN_NAME_OF_CONTROLLER_APPLICATION 2848u
-#define SPN_IDENTITY_NUMBER 2837u
-#define SPN_MANUFACTURER_CODE 2838u
-#define SPN_ECU_INSTANCE 2840u
-#define SPN_FUNCTION_INSTANCE 2839u
-#define SPN_FUNCTION 2841u
-#define SPN_VEHICLE_SYSTEM 2842u
-#define SPN_VEHICLE_SYSTEM_INSTANCE 2843u
-#define SPN_INDUSTRY_GROUP 2846u
-#define SPN_ARBITRARY_ADDRESS_CAPABLE 2844u
+#define PGN_ADDRESS_CLAIM        	60928u /* 0xee00 */
+#define SPN_NAME_OF_CONTROLLER_APPLICATION	2848u
+#define SPN_IDENTITY_NUMBER      	2837u
+#define SPN_MANUFACTURER_CODE    	2838u
+#define SPN_ECU_INSTANCE         	2840u
+#define SPN_FUNCTION_INSTANCE    	2839u
+#define SPN_FUNCTION             	2841u
+#define SPN_VEHICLE_SYSTEM       	2842u
+#define SPN_VEHICLE_SYSTEM_INSTANCE	2843u
+#define SPN_INDUSTRY_GROUP       	2846u
+#define SPN_ARBITRARY_ADDRESS_CAPABLE	2844u
 
-#define S_NUMBER_OF_ENTRIES 0x0u
+#define  S_NUMBER_OF_ENTRIES      	0x0u
 
 #endif /* GEN_INDICES_H */

@@ -7,49 +7,49 @@
 #ifndef GEN_INDICES_H
 #define GEN_INDICES_H 1
 
-#define I_DEVICE_TYPE 0x1000u
-#define S_HIGHEST_SUB_INDEX_SUPPORTED 0x0u
-#define S_LOGICAL_DEVICE_1 0x1u
+#define I_DEVICE_TYPE            	0x1000u
+#define  S_HIGHEST_SUB_INDEX_SUPPORTED	0x0u
+#define  S_LOGICAL_DEVICE_1       	0x1u
 
-#define I_ERROR_REGISTER 0x1001u
-#define S_ERROR_REGISTER 0x0u
+#define I_ERROR_REGISTER         	0x1001u
+#define  S_ERROR_REGISTER         	0x0u
 
-#define I_PRODUCER_HEARTBEAT_TIME 0x1017u
-#define S_PRODUCER_HEARTBEAT_TIME 0x0u
+#define I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  S_PRODUCER_HEARTBEAT_TIME	0x0u
 
-#define I_IDENTITY_OBJECT 0x1018u
-#define S_HIGHEST_SUB_INDEX_SUPPORTED1 0x0u
-#define S_VENDOR_ID 0x1u
-#define S_PRODUCT_CODE 0x2u
-#define S_REVISION_NUMBER 0x3u
-#define S_SERIAL_NUMBER 0x4u
+#define I_IDENTITY_OBJECT        	0x1018u
+#define  S_HIGHEST_SUB_INDEX_SUPPORTED1	0x0u
+#define  S_VENDOR_ID              	0x1u
+#define  S_PRODUCT_CODE           	0x2u
+#define  S_REVISION_NUMBER        	0x3u
+#define  S_SERIAL_NUMBER          	0x4u
 
-#define I_NMT_INHIBIT_TIME 0x102au
-#define S_NMT_INHIBIT_TIME 0x0u
+#define I_NMT_INHIBIT_TIME       	0x102au
+#define  S_NMT_INHIBIT_TIME       	0x0u
 
-#define I_SDO_SERVER_PARAMETER 0x1200u
-#define S_HIGHEST_SUB_INDEX_SUPPORTED2 0x0u
-#define S_COB_ID_CLIENT_TO_SERVER 0x1u
-#define S_COB_ID_SERVER_TO_CLIENT 0x2u
+#define I_SDO_SERVER_PARAMETER   	0x1200u
+#define  S_HIGHEST_SUB_INDEX_SUPPORTED2	0x0u
+#define  S_COB_ID_CLIENT_TO_SERVER	0x1u
+#define  S_COB_ID_SERVER_TO_CLIENT	0x2u
 
-#define I_TPDO_1_COMMUNICATION_PARAMETER 0x1800u
-#define S_HIGHEST_SUB_INDEX_SUPPORTED3 0x0u
-#define S_COB_ID 0x1u
-#define S_TRANSMISSION_TYPE 0x2u
-#define S_EVENT_TIMER 0x5u
+#define I_TPDO_1_COMMUNICATION_PARAMETER	0x1800u
+#define  S_HIGHEST_SUB_INDEX_SUPPORTED3	0x0u
+#define  S_COB_ID                 	0x1u
+#define  S_TRANSMISSION_TYPE      	0x2u
+#define  S_EVENT_TIMER            	0x5u
 
-#define I_TPDO_1_MAPPING_PARAMETER 0x1a00u
-#define S_NUMBER_OF_MAPPED_OBJECTS 0x0u
-#define S_OBJECT_1 0x1u
-#define S_OBJECT_2 0x2u
-#define S_OBJECT_3 0x3u
+#define I_TPDO_1_MAPPING_PARAMETER	0x1a00u
+#define  S_NUMBER_OF_MAPPED_OBJECTS	0x0u
+#define  S_OBJECT_1               	0x1u
+#define  S_OBJECT_2               	0x2u
+#define  S_OBJECT_3               	0x3u
 
-#define I_SAMPLES 0x2000u
-#define S_HIGHEST_SUB_INDEX_SUPPORTED4 0x0u
-#define S_SAMPLE_1 0x1u
-#define S_SAMPLE_2 0x2u
-#define S_SAMPLE_3 0x3u
+#define I_SAMPLES                	0x2000u
+#define  S_HIGHEST_SUB_INDEX_SUPPORTED4	0x0u
+#define  S_SAMPLE_1               	0x1u
+#define  S_SAMPLE_2               	0x2u
+#define  S_SAMPLE_3               	0x3u
 
-#define S_NUMBER_OF_ENTRIES 0x0u
+#define  S_NUMBER_OF_ENTRIES      	0x0u
 
 #endif /* GEN_INDICES_H */

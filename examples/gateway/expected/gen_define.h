@@ -8,63 +8,63 @@
 #define GEN_DEFINE_H 1
 
 /* some information about the tool that has generated this file */
-#define GEN_TOOL_NAME CANOPEN_NODECOMPOSER
-#define GEN_TOOL_VERSION 0x040303ul
+#define GEN_TOOL_NAME	CANOPEN_NODECOMPOSER
+#define GEN_TOOL_VERSION	0x040303ul
 /* init struct versions */
-#define GEN_COMMON_INIT_STRUCT_VERSION 1u
-#define GEN_CANOPEN_INIT_STRUCT_VERSION 5u
-#define GEN_J1939_INIT_STRUCT_VERSION 5u
+#define GEN_COMMON_INIT_STRUCT_VERSION	1u
+#define GEN_CANOPEN_INIT_STRUCT_VERSION	5u
+#define GEN_J1939_INIT_STRUCT_VERSION	5u
 /* Line Settings */
-#define CAN_MULTI_LINE 1u
-#define CAN_MULTI_LINE_CNT 2u
-#define CANOPEN_SUPPORTED 1u
+#define CAN_MULTI_LINE	1u
+#define CAN_MULTI_LINE_CNT	2u
+#define CANOPEN_SUPPORTED	1u
 /* Number of receive/transmit buffer entries per line */
-#define CORE_REC_BUFFER_COUNTS 20u, 20u
-#define CORE_TR_BUFFER_COUNTS 20u, 20u
+#define CORE_REC_BUFFER_COUNTS	20u, 20u
+#define CORE_TR_BUFFER_COUNTS	20u, 20u
 /* Number of objects per line */
-#define CO_OBJECTS_LINE_0_CNT 8u
-#define CO_OBJECT_COUNTS 8u, 0u
-#define CO_TXPDO_COUNTS 1u, 0u
-#define CO_RXPDO_COUNTS 0u, 0u
-#define CO_SSDO_COUNTS 1u, 0u
-#define CO_CSDO_COUNTS 0u, 0u
-#define CO_ASSIGN_COUNTS 0u, 0u
-#define CO_MAX_ASSIGN_COUNTS 0u, 0u
-#define CO_GUARDING_COUNTS CO_MAX_ASSIGN_COUNTS
-#define CO_ERR_CTRL_COUNTS 0u, 0u
-#define CO_ERR_HIST_COUNTS 0u, 0u
-#define CO_ACT_ERR_HIST_COUNTS 0u, 0u
-#define CO_EMCY_CONS_COUNTS 0u, 0u
-#define CO_NODE_IDS 16,
-#define CO_NODE_ID_FUNCTIONS NULL, NULL
+#define CO_OBJECTS_LINE_0_CNT	8u
+#define CO_OBJECT_COUNTS	8u, 0u
+#define CO_TXPDO_COUNTS	1u, 0u
+#define CO_RXPDO_COUNTS	0u, 0u
+#define CO_SSDO_COUNTS	1u, 0u
+#define CO_CSDO_COUNTS	0u, 0u
+#define CO_ASSIGN_COUNTS	0u, 0u
+#define CO_MAX_ASSIGN_COUNTS	0u, 0u
+#define CO_GUARDING_COUNTS	CO_MAX_ASSIGN_COUNTS
+#define CO_ERR_CTRL_COUNTS	0u, 0u
+#define CO_ERR_HIST_COUNTS	0u, 0u
+#define CO_ACT_ERR_HIST_COUNTS	0u, 0u
+#define CO_EMCY_CONS_COUNTS	0u, 0u
+#define CO_NODE_IDS	16,
+#define CO_NODE_ID_FUNCTIONS	NULL,NULL
 /* Definition of numbers of CANopen services */
-#define CO_PROFILE_401 1u
-#define CO_SDO_SERVER_CNT 1u
-#define CO_PDO_TRANSMIT_CNT 1u
-#define CO_MAX_MAP_ENTRIES 1u
-#define CO_EMCY_PRODUCER 1u
+#define CO_PROFILE_401	1u
+#define CO_SDO_SERVER_CNT	1u
+#define CO_PDO_TRANSMIT_CNT	1u
+#define CO_MAX_MAP_ENTRIES	1u
+#define CO_EMCY_PRODUCER	1u
 /* Definition of number of call-back functions for each service*/
 /* Definition of CAN queue sizes */
-#define CORE_CONFIG_REC_BUFFER_CNT 40u
-#define CORE_CONFIG_TRANS_BUFFER_CNT 40u
+#define CORE_CONFIG_REC_BUFFER_CNT	40u
+#define CORE_CONFIG_TRANS_BUFFER_CNT	40u
 /* J1939 Defines */
-#define J1939_SUPPORTED 1u
-#define J1939_RECEIVE_PGN_CFG_CNT 1u
-#define J1939_RECEIVE_PGN_CNT 1u
-#define J1939_TRANSMIT_PGN_CNT 1u
-#define J1939_RECEIVE_PGN_CFG_COUNTS 0u, 1u
-#define J1939_RECEIVE_PGN_COUNTS 0u, 1u
-#define J1939_TRANSMIT_PGN_COUNTS 0u, 1u
-#define J1939_SSDO_COUNTS 1u, 0u
-#define J1939_CSDO_COUNTS 0u, 0u
-#define J1939_REC_PGN_INDICATION_CNT 1u
-#define J1939_TR_PGN_INDICATION_CNT 1u
+#define J1939_SUPPORTED	1u
+#define J1939_RECEIVE_PGN_CFG_CNT	1u
+#define J1939_RECEIVE_PGN_CNT	1u
+#define J1939_TRANSMIT_PGN_CNT	1u
+#define J1939_RECEIVE_PGN_CFG_COUNTS	0u, 1u
+#define J1939_RECEIVE_PGN_COUNTS	0u, 1u
+#define J1939_TRANSMIT_PGN_COUNTS	0u, 1u
+#define J1939_SSDO_COUNTS	1u, 0u
+#define J1939_CSDO_COUNTS	0u, 0u
+#define J1939_REC_PGN_INDICATION_CNT	1u
+#define J1939_TR_PGN_INDICATION_CNT	1u
 
 /* ISO-TP Defines */
 /* number of virtual objects */
 /* Hardware settings */
 #define TARGET_0 1u
-#define CORE_TIMER_INTERVAL 1000u
+#define CORE_TIMER_INTERVAL	1000u
 /* COB Definitions */
 #define CORE_COB_COUNTS 6u, 0u
 #define CORE_COB_CNT 6u

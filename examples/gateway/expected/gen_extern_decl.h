@@ -7,16 +7,16 @@
 #ifndef GEN_EXTERN_DECL_H
 #define GEN_EXTERN_DECL_H 1
 
-#include <core_datatype.h>
 #include <gen_define.h>
+#include <core_datatype.h>
 /* external variables */
 
 /* line 0*/
 
 /* line 1: (variables that exist in multiple lines are only declared once)*/
 /* PGN 0xfef1*/
-extern UNSIGNED16 vehicleSpeed; /* SPN84 */
+extern UNSIGNED16	vehicleSpeed;	/* SPN84 */
 /* PGN 0xff01*/
-extern UNSIGNED8 busLoad; /* SPN520301 */
+extern UNSIGNED8	busLoad;	/* SPN520301 */
 
 #endif /* GEN_EXTERN_DECL_H */

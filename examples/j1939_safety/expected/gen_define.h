@@ -8,49 +8,49 @@
 #define GEN_DEFINE_H 1
 
 /* some information about the tool that has generated this file */
-#define GEN_TOOL_NAME CANOPEN_NODECOMPOSER
-#define GEN_TOOL_VERSION 0x040303ul
+#define GEN_TOOL_NAME	CANOPEN_NODECOMPOSER
+#define GEN_TOOL_VERSION	0x040303ul
 /* init struct versions */
-#define GEN_COMMON_INIT_STRUCT_VERSION 1u
-#define GEN_J1939_INIT_STRUCT_VERSION 5u
+#define GEN_COMMON_INIT_STRUCT_VERSION	1u
+#define GEN_J1939_INIT_STRUCT_VERSION	5u
 /* Definition of CAN queue sizes */
-#define CORE_CONFIG_REC_BUFFER_CNT 20u
-#define CORE_CONFIG_TRANS_BUFFER_CNT 20u
+#define CORE_CONFIG_REC_BUFFER_CNT	20u
+#define CORE_CONFIG_TRANS_BUFFER_CNT	20u
 /* J1939 Defines */
-#define J1939_SUPPORTED 1u
-#define J1939_SDG_SUPPORTED 1u
-#define J1939_SDG_TYPE_1_SUPPORTED 1u
-#define J1939_SDG_TYPE_2_SUPPORTED 1u
-#define J1939_SDG_TIMER_INTERVAL 10u
-#define J1939_SDG_REC_ADDR_CNT 2u
-#define J1939_RECEIVE_PGN_CFG_CNT 1u
-#define J1939_RECEIVE_PGN_CNT 1u
-#define J1939_TRANSMIT_PGN_CNT 1u
-#define J1939_RECEIVE_PGN_CFG_COUNTS 1u
-#define J1939_RECEIVE_PGN_COUNTS 1u
-#define J1939_TRANSMIT_PGN_COUNTS 1u
-#define J1939_SSDO_COUNTS 0u
-#define J1939_CSDO_COUNTS 0u
-#define J1939_SDG_TRANS_CNT 2u
-#define J1939_SDG_TRANS_COUNTS 2u
-#define J1939_SDG_REC_CNT 1u
-#define J1939_SDG_REC_COUNTS 1u
-#define J1939_REC_PGN_INDICATION_CNT 2u
-#define J1939_TR_PGN_INDICATION_CNT 1u
+#define J1939_SUPPORTED	1u
+#define J1939_SDG_SUPPORTED	1u
+#define J1939_SDG_TYPE_1_SUPPORTED	1u
+#define J1939_SDG_TYPE_2_SUPPORTED	1u
+#define J1939_SDG_TIMER_INTERVAL	10u
+#define J1939_SDG_REC_ADDR_CNT	2u
+#define J1939_RECEIVE_PGN_CFG_CNT	1u
+#define J1939_RECEIVE_PGN_CNT	1u
+#define J1939_TRANSMIT_PGN_CNT	1u
+#define J1939_RECEIVE_PGN_CFG_COUNTS	1u
+#define J1939_RECEIVE_PGN_COUNTS	1u
+#define J1939_TRANSMIT_PGN_COUNTS	1u
+#define J1939_SSDO_COUNTS	0u
+#define J1939_CSDO_COUNTS	0u
+#define J1939_SDG_TRANS_CNT	2u
+#define J1939_SDG_TRANS_COUNTS	2u
+#define J1939_SDG_REC_CNT	1u
+#define J1939_SDG_REC_COUNTS	1u
+#define J1939_REC_PGN_INDICATION_CNT	2u
+#define J1939_TR_PGN_INDICATION_CNT	1u
 /* COB definitions */
 #define CORE_COB_CNT 0u
-#define CORE_COB_COUNTS 0u
+#define CORE_COB_COUNTS	0u
 /* Number of receive/transmit buffer entries per line */
-#define CORE_REC_BUFFER_CNT 20u
-#define CORE_TR_BUFFER_CNT 20u
-#define CORE_REC_BUFFER_COUNTS 20u
-#define CORE_TR_BUFFER_COUNTS 20u
+#define CORE_REC_BUFFER_CNT	20u
+#define CORE_TR_BUFFER_CNT	20u
+#define CORE_REC_BUFFER_COUNTS	20u
+#define CORE_TR_BUFFER_COUNTS	20u
 
 /* ISO-TP Defines */
 /* number of virtual objects */
 /* Hardware settings */
 #define TARGET_0 1u
-#define CORE_TIMER_INTERVAL 1000u
+#define CORE_TIMER_INTERVAL	1000u
 /* do not modify comments starting with 'user-specific section:' */
 /* user-specific section: start */
 

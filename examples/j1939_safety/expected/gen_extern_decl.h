@@ -7,34 +7,33 @@
 #ifndef GEN_EXTERN_DECL_H
 #define GEN_EXTERN_DECL_H 1
 
-#include <core_datatype.h>
 #include <gen_define.h>
+#include <core_datatype.h>
 /* external variables */
 
 /* line 0*/
 /* PGN 0xef00*/
-extern UNSIGNED8 command; /* SPN1 */
+extern UNSIGNED8	command;	/* SPN1 */
 /* PGN 0xf002*/
-extern UNSIGNED8 stopRequested[J1939_SDG_REC_ADDR_CNT]; /* SPN520210 */
-extern UNSIGNED8 stopReason[J1939_SDG_REC_ADDR_CNT];    /* SPN520211 */
-extern UNSIGNED16 stopDelay[J1939_SDG_REC_ADDR_CNT];    /* SPN520212 */
-extern UNSIGNED8 stopLevel[J1939_SDG_REC_ADDR_CNT];     /* SPN520213 */
+extern UNSIGNED8	stopRequested[J1939_SDG_REC_ADDR_CNT];	/* SPN520210 */
+extern UNSIGNED8	stopReason[J1939_SDG_REC_ADDR_CNT];	/* SPN520211 */
+extern UNSIGNED16	stopDelay[J1939_SDG_REC_ADDR_CNT];	/* SPN520212 */
+extern UNSIGNED8	stopLevel[J1939_SDG_REC_ADDR_CNT];	/* SPN520213 */
 /* PGN 0xf000*/
-struct brake_s
-{
-    UNSIGNED8 mode;
-    UNSIGNED8 source;
+struct brake_s {
+	UNSIGNED8	mode;
+	UNSIGNED8	source;
 };
-extern struct brake_s brake;   /* SPN520192 */
-extern UNSIGNED8 brakeLamp;    /* SPN520194 */
-extern UNSIGNED16 brakeForce;  /* SPN520195 */
-extern UNSIGNED8 brakeAxle;    /* SPN520196 */
-extern UNSIGNED8 brakeCounter; /* SPN520197 */
+extern struct brake_s	brake;	/* SPN520192 */
+extern UNSIGNED8	brakeLamp;	/* SPN520194 */
+extern UNSIGNED16	brakeForce;	/* SPN520195 */
+extern UNSIGNED8	brakeAxle;	/* SPN520196 */
+extern UNSIGNED8	brakeCounter;	/* SPN520197 */
 /* PGN 0xf001*/
-extern UNSIGNED32 steeringAngle; /* SPN520200 */
-extern UNSIGNED32 steeringRate;  /* SPN520201 */
-extern UNSIGNED8 steeringValid;  /* SPN520202 */
+extern UNSIGNED32	steeringAngle;	/* SPN520200 */
+extern UNSIGNED32	steeringRate;	/* SPN520201 */
+extern UNSIGNED8	steeringValid;	/* SPN520202 */
 /* PGN 0xfef1*/
-extern UNSIGNED16 vehicleSpeed; /* SPN84 */
+extern UNSIGNED16	vehicleSpeed;	/* SPN84 */
 
 #endif /* GEN_EXTERN_DECL_H */

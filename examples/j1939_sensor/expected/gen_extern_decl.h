@@ -7,27 +7,26 @@
 #ifndef GEN_EXTERN_DECL_H
 #define GEN_EXTERN_DECL_H 1
 
-#include <core_datatype.h>
 #include <gen_define.h>
+#include <core_datatype.h>
 /* external variables */
 
 /* line 0*/
 /* PGN 0xef00*/
-extern UNSIGNED8 command;     /* SPN1 */
-extern UNSIGNED16 filterTime; /* SPN2 */
+extern UNSIGNED8	command;	/* SPN1 */
+extern UNSIGNED16	filterTime;	/* SPN2 */
 /* PGN 0xfe56*/
-extern UNSIGNED8 fluidLevel; /* SPN1761 */
-struct fluid_s
-{
-    UNSIGNED8 heater;
+extern UNSIGNED8	fluidLevel;	/* SPN1761 */
+struct fluid_s {
+	UNSIGNED8	heater;
 };
-extern struct fluid_s fluid; /* SPN4365 */
+extern struct fluid_s	fluid;	/* SPN4365 */
 /* PGN 0xfeeb*/
-extern char make[6];          /* SPN586 */
-extern char serialNumber[12]; /* SPN588 */
+extern char	make[6];	/* SPN586 */
+extern char	serialNumber[12];	/* SPN588 */
 /* PGN 0xfeee*/
-extern UNSIGNED8 coolantTemperature; /* SPN110 */
-extern UNSIGNED8 temperature[2];     /* SPN174 */
-extern UNSIGNED16 oilTemperature;    /* SPN175 */
+extern UNSIGNED8	coolantTemperature;	/* SPN110 */
+extern UNSIGNED8	temperature[2];	/* SPN174 */
+extern UNSIGNED16	oilTemperature;	/* SPN175 */
 
 #endif /* GEN_EXTERN_DECL_H */

@@ -7,21 +7,21 @@
 #ifndef GEN_INDICES_H
 #define GEN_INDICES_H 1
 
-#define I_DEVICE_TYPE 0x1000u
-#define S_DEVICE_TYPE 0x0u
+#define I_DEVICE_TYPE            	0x1000u
+#define  S_DEVICE_TYPE            	0x0u
 
-#define I_ERROR_REGISTER 0x1001u
-#define S_ERROR_REGISTER 0x0u
+#define I_ERROR_REGISTER         	0x1001u
+#define  S_ERROR_REGISTER         	0x0u
 
-#define I_PRODUCER_HEARTBEAT_TIME 0x1017u
-#define S_PRODUCER_HEARTBEAT_TIME 0x0u
+#define I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  S_PRODUCER_HEARTBEAT_TIME	0x0u
 
-#define I_IDENTITY_OBJECT 0x1018u
-#define S_HIGHEST_SUB_INDEX_SUPPORTED 0x0u
-#define S_VENDOR_ID 0x1u
-#define S_PRODUCT_CODE 0x2u
-#define S_REVISION_NUMBER 0x3u
+#define I_IDENTITY_OBJECT        	0x1018u
+#define  S_HIGHEST_SUB_INDEX_SUPPORTED	0x0u
+#define  S_VENDOR_ID              	0x1u
+#define  S_PRODUCT_CODE           	0x2u
+#define  S_REVISION_NUMBER        	0x3u
 
-#define S_NUMBER_OF_ENTRIES 0x0u
+#define  S_NUMBER_OF_ENTRIES      	0x0u
 
 #endif /* GEN_INDICES_H */

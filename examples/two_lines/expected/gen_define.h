@@ -8,72 +8,72 @@
 #define GEN_DEFINE_H 1
 
 /* some information about the tool that has generated this file */
-#define GEN_TOOL_NAME CANOPEN_NODECOMPOSER
-#define GEN_TOOL_VERSION 0x040303ul
+#define GEN_TOOL_NAME	CANOPEN_NODECOMPOSER
+#define GEN_TOOL_VERSION	0x040303ul
 /* init struct versions */
-#define GEN_COMMON_INIT_STRUCT_VERSION 1u
-#define GEN_CANOPEN_INIT_STRUCT_VERSION 5u
+#define GEN_COMMON_INIT_STRUCT_VERSION	1u
+#define GEN_CANOPEN_INIT_STRUCT_VERSION	5u
 /* Line Settings */
-#define CAN_MULTI_LINE 1u
-#define CAN_MULTI_LINE_CNT 2u
-#define CANOPEN_SUPPORTED 1u
+#define CAN_MULTI_LINE	1u
+#define CAN_MULTI_LINE_CNT	2u
+#define CANOPEN_SUPPORTED	1u
 /* Number of receive/transmit buffer entries per line */
-#define CORE_REC_BUFFER_COUNTS 20u, 10u
-#define CORE_TR_BUFFER_COUNTS 20u, 10u
+#define CORE_REC_BUFFER_COUNTS	20u, 10u
+#define CORE_TR_BUFFER_COUNTS	20u, 10u
 /* Number of objects per line */
-#define CO_OBJECTS_LINE_0_CNT 23u
-#define CO_OBJECTS_LINE_1_CNT 20u
-#define CO_OBJECT_COUNTS 23u, 20u
-#define CORE_COB_COUNTS 19u, 16u
-#define CO_TXPDO_COUNTS 1u, 2u
-#define CO_RXPDO_COUNTS 2u, 1u
-#define CO_SSDO_COUNTS 2u, 1u
-#define CO_CSDO_COUNTS 1u, 0u
-#define CO_ASSIGN_COUNTS 0u, 0u
-#define CO_MAX_ASSIGN_COUNTS 0u, 0u
-#define CO_GUARDING_COUNTS CO_MAX_ASSIGN_COUNTS
-#define CO_ERR_CTRL_COUNTS 3u, 0u
-#define CO_ERR_HIST_COUNTS 0u, 0u
-#define CO_ACT_ERR_HIST_COUNTS 0u, 0u
-#define CO_EMCY_CONS_COUNTS 0u, 3u
-#define CO_NODE_IDS 5, 6
-#define CO_NODE_ID_FUNCTIONS NULL, NULL
+#define CO_OBJECTS_LINE_0_CNT	23u
+#define CO_OBJECTS_LINE_1_CNT	20u
+#define CO_OBJECT_COUNTS	23u, 20u
+#define CORE_COB_COUNTS	19u, 16u
+#define CO_TXPDO_COUNTS	1u, 2u
+#define CO_RXPDO_COUNTS	2u, 1u
+#define CO_SSDO_COUNTS	2u, 1u
+#define CO_CSDO_COUNTS	1u, 0u
+#define CO_ASSIGN_COUNTS	0u, 0u
+#define CO_MAX_ASSIGN_COUNTS	0u, 0u
+#define CO_GUARDING_COUNTS	CO_MAX_ASSIGN_COUNTS
+#define CO_ERR_CTRL_COUNTS	3u, 0u
+#define CO_ERR_HIST_COUNTS	0u, 0u
+#define CO_ACT_ERR_HIST_COUNTS	0u, 0u
+#define CO_EMCY_CONS_COUNTS	0u, 3u
+#define CO_NODE_IDS	5,6
+#define CO_NODE_ID_FUNCTIONS	NULL,NULL
 /* Definition of numbers of CANopen services */
-#define CO_NMT_MASTER 1u
-#define CO_LSS_MASTER_SUPPORTED 1u
-#define CO_LSS_SUPPORTED 1u
-#define CO_IDNEGO_SUPPORTED 1u
-#define CO_NETWORK_ROUTING_COUNTS 2u, 0u
-#define CO_NETWORK_ROUTING_CNT 2u
-#define CO_SDO_SERVER_CNT 3u
-#define CO_SDO_CLIENT_CNT 1u
-#define CO_PDO_TRANSMIT_CNT 3u
-#define CO_PDO_RECEIVE_CNT 3u
-#define CO_PDO_REC_TIMER_SUPPORTED 1u
-#define CO_MAX_MAP_ENTRIES 3u
-#define CO_REC_PDO_DYN_MAP_ENTRIES 1u
-#define CO_HB_CONSUMER_CNT 3u
-#define CO_SYNC_SUPPORTED 1u
-#define CO_EMCY_PRODUCER 1u
-#define CO_GUARDING_SLAVE 1u
-#define CO_EMCY_CONSUMER_CNT 3u
-#define CO_TIME_SUPPORTED 1u
-#define CO_CONFIG_LIMIT_CHECK 1u
-#define CORE_INHIBIT_SUPPORTED 1u
+#define CO_NMT_MASTER	1u
+#define CO_LSS_MASTER_SUPPORTED	1u
+#define CO_LSS_SUPPORTED	1u
+#define CO_IDNEGO_SUPPORTED	1u
+#define CO_NETWORK_ROUTING_COUNTS	2u, 0u
+#define CO_NETWORK_ROUTING_CNT	2u
+#define CO_SDO_SERVER_CNT	3u
+#define CO_SDO_CLIENT_CNT	1u
+#define CO_PDO_TRANSMIT_CNT	3u
+#define CO_PDO_RECEIVE_CNT	3u
+#define CO_PDO_REC_TIMER_SUPPORTED	1u
+#define CO_MAX_MAP_ENTRIES	3u
+#define CO_REC_PDO_DYN_MAP_ENTRIES	1u
+#define CO_HB_CONSUMER_CNT	3u
+#define CO_SYNC_SUPPORTED	1u
+#define CO_EMCY_PRODUCER	1u
+#define CO_GUARDING_SLAVE	1u
+#define CO_EMCY_CONSUMER_CNT	3u
+#define CO_TIME_SUPPORTED	1u
+#define CO_CONFIG_LIMIT_CHECK	1u
+#define CORE_INHIBIT_SUPPORTED	1u
 /* number of used COB objects */
-#define CORE_COB_CNT 35u
+#define CORE_COB_CNT	35u
 /* Definition of number of call-back functions for each service*/
-#define CO_EVENT_DYNAMIC_LED 1u
+#define CO_EVENT_DYNAMIC_LED	1u
 /* Definition of CAN queue sizes */
-#define CORE_CONFIG_REC_BUFFER_CNT 30u
-#define CORE_CONFIG_TRANS_BUFFER_CNT 30u
+#define CORE_CONFIG_REC_BUFFER_CNT	30u
+#define CORE_CONFIG_TRANS_BUFFER_CNT	30u
 
 /* ISO-TP Defines */
 /* number of virtual objects */
 /* Hardware settings */
 #define TARGET_0 1u
-#define CORE_TIMER_INTERVAL 0x3e8u
-#define GEN_OVERWRITE_PREDEF_CONN_SET 1u
+#define CORE_TIMER_INTERVAL	0x3e8u
+#define GEN_OVERWRITE_PREDEF_CONN_SET	1u
 /* do not modify comments starting with 'user-specific section:' */
 /* user-specific section: start */
 

@@ -7,194 +7,194 @@
 #ifndef GEN_INDICES_H
 #define GEN_INDICES_H 1
 
-#define L0_I_DEVICE_TYPE 0x1000u
-#define L0_S_DEVICE_TYPE 0x0u
+#define L0_I_DEVICE_TYPE            	0x1000u
+#define  L0_S_DEVICE_TYPE            	0x0u
 
-#define L0_I_ERROR_REGISTER 0x1001u
-#define L0_S_ERROR_REGISTER 0x0u
+#define L0_I_ERROR_REGISTER         	0x1001u
+#define  L0_S_ERROR_REGISTER         	0x0u
 
-#define L0_I_COB_ID_SYNC 0x1005u
-#define L0_S_COB_ID_SYNC 0x0u
+#define L0_I_COB_ID_SYNC            	0x1005u
+#define  L0_S_COB_ID_SYNC            	0x0u
 
-#define L0_I_COMMUNICATION_CYCLE_PERIOD 0x1006u
-#define L0_S_COMMUNICATION_CYCLE_PERIOD 0x0u
+#define L0_I_COMMUNICATION_CYCLE_PERIOD	0x1006u
+#define  L0_S_COMMUNICATION_CYCLE_PERIOD	0x0u
 
-#define L0_I_COB_ID_EMCY 0x1014u
-#define L0_S_COB_ID_EMCY 0x0u
+#define L0_I_COB_ID_EMCY            	0x1014u
+#define  L0_S_COB_ID_EMCY            	0x0u
 
-#define L0_I_CONSUMER_HEARTBEAT_TIME 0x1016u
-#define L0_S_HIGHEST_SUB_INDEX_SUPPORTED 0x0u
-#define L0_S_ENTRY_1 0x1u
-#define L0_S_ENTRY_2 0x2u
+#define L0_I_CONSUMER_HEARTBEAT_TIME	0x1016u
+#define  L0_S_HIGHEST_SUB_INDEX_SUPPORTED	0x0u
+#define  L0_S_ENTRY_1                	0x1u
+#define  L0_S_ENTRY_2                	0x2u
 
-#define L0_I_PRODUCER_HEARTBEAT_TIME 0x1017u
-#define L0_S_PRODUCER_HEARTBEAT_TIME 0x0u
+#define L0_I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  L0_S_PRODUCER_HEARTBEAT_TIME	0x0u
 
-#define L0_I_IDENTITY_OBJECT 0x1018u
-#define L0_S_HIGHEST_SUB_INDEX_SUPPORTED1 0x0u
-#define L0_S_VENDOR_ID 0x1u
-#define L0_S_PRODUCT_CODE 0x2u
-#define L0_S_REVISION_NUMBER 0x3u
-#define L0_S_SERIAL_NUMBER 0x4u
+#define L0_I_IDENTITY_OBJECT        	0x1018u
+#define  L0_S_HIGHEST_SUB_INDEX_SUPPORTED1	0x0u
+#define  L0_S_VENDOR_ID              	0x1u
+#define  L0_S_PRODUCT_CODE           	0x2u
+#define  L0_S_REVISION_NUMBER        	0x3u
+#define  L0_S_SERIAL_NUMBER          	0x4u
 
-#define L0_I_SYNCHRONOUS_COUNTER_OVERFLOW_VALUE 0x1019u
-#define L0_S_SYNCHRONOUS_COUNTER_OVERFLOW_VALUE 0x0u
+#define L0_I_SYNCHRONOUS_COUNTER_OVERFLOW_VALUE	0x1019u
+#define  L0_S_SYNCHRONOUS_COUNTER_OVERFLOW_VALUE	0x0u
 
-#define L0_I_SDO_SERVER_PARAMETER 0x1200u
-#define L0_S_HIGHEST_SUB_INDEX_SUPPORTED2 0x0u
-#define L0_S_COB_ID_CLIENT_TO_SERVER 0x1u
-#define L0_S_COB_ID_SERVER_TO_CLIENT 0x2u
+#define L0_I_SDO_SERVER_PARAMETER   	0x1200u
+#define  L0_S_HIGHEST_SUB_INDEX_SUPPORTED2	0x0u
+#define  L0_S_COB_ID_CLIENT_TO_SERVER	0x1u
+#define  L0_S_COB_ID_SERVER_TO_CLIENT	0x2u
 
-#define L0_I_SECOND_SDO_SERVER_PARAMETER 0x1201u
-#define L0_S_HIGHEST_SUB_INDEX_SUPPORTED3 0x0u
-#define L0_S_COB_ID_CLIENT_TO_SERVER1 0x1u
-#define L0_S_COB_ID_SERVER_TO_CLIENT1 0x2u
+#define L0_I_SECOND_SDO_SERVER_PARAMETER	0x1201u
+#define  L0_S_HIGHEST_SUB_INDEX_SUPPORTED3	0x0u
+#define  L0_S_COB_ID_CLIENT_TO_SERVER1	0x1u
+#define  L0_S_COB_ID_SERVER_TO_CLIENT1	0x2u
 
-#define L0_I_SDO_CLIENT_PARAMETER 0x1280u
-#define L0_S_HIGHEST_SUB_INDEX_SUPPORTED4 0x0u
-#define L0_S_COB_ID_CLIENT_TO_SERVER2 0x1u
-#define L0_S_COB_ID_SERVER_TO_CLIENT2 0x2u
-#define L0_S_NODE_ID_OF_THE_SERVER 0x3u
+#define L0_I_SDO_CLIENT_PARAMETER   	0x1280u
+#define  L0_S_HIGHEST_SUB_INDEX_SUPPORTED4	0x0u
+#define  L0_S_COB_ID_CLIENT_TO_SERVER2	0x1u
+#define  L0_S_COB_ID_SERVER_TO_CLIENT2	0x2u
+#define  L0_S_NODE_ID_OF_THE_SERVER  	0x3u
 
-#define L0_I_RPDO_1_COMMUNICATION_PARAMETER 0x1400u
-#define L0_S_HIGHEST_SUB_INDEX_SUPPORTED5 0x0u
-#define L0_S_COB_ID 0x1u
-#define L0_S_TRANSMISSION_TYPE 0x2u
-#define L0_S_EVENT_TIMER 0x5u
+#define L0_I_RPDO_1_COMMUNICATION_PARAMETER	0x1400u
+#define  L0_S_HIGHEST_SUB_INDEX_SUPPORTED5	0x0u
+#define  L0_S_COB_ID                 	0x1u
+#define  L0_S_TRANSMISSION_TYPE      	0x2u
+#define  L0_S_EVENT_TIMER            	0x5u
 
-#define L0_I_RPDO_2_COMMUNICATION_PARAMETER 0x1401u
-#define L0_S_HIGHEST_SUB_INDEX_SUPPORTED6 0x0u
-#define L0_S_COB_ID1 0x1u
-#define L0_S_TRANSMISSION_TYPE1 0x2u
-#define L0_S_INHIBIT_TIME 0x3u
-#define L0_S_EVENT_TIMER1 0x5u
+#define L0_I_RPDO_2_COMMUNICATION_PARAMETER	0x1401u
+#define  L0_S_HIGHEST_SUB_INDEX_SUPPORTED6	0x0u
+#define  L0_S_COB_ID1                	0x1u
+#define  L0_S_TRANSMISSION_TYPE1     	0x2u
+#define  L0_S_INHIBIT_TIME           	0x3u
+#define  L0_S_EVENT_TIMER1           	0x5u
 
-#define L0_I_RPDO_1_MAPPING_PARAMETER 0x1600u
-#define L0_S_NUMBER_OF_MAPPED_OBJECTS 0x0u
-#define L0_S_OBJECT_1 0x1u
-#define L0_S_OBJECT_2 0x2u
-#define L0_S_OBJECT_3 0x3u
+#define L0_I_RPDO_1_MAPPING_PARAMETER	0x1600u
+#define  L0_S_NUMBER_OF_MAPPED_OBJECTS	0x0u
+#define  L0_S_OBJECT_1               	0x1u
+#define  L0_S_OBJECT_2               	0x2u
+#define  L0_S_OBJECT_3               	0x3u
 
-#define L0_I_RPDO_2_MAPPING_PARAMETER 0x1601u
-#define L0_S_NUMBER_OF_MAPPED_OBJECTS1 0x0u
-#define L0_S_OBJECT_11 0x1u
+#define L0_I_RPDO_2_MAPPING_PARAMETER	0x1601u
+#define  L0_S_NUMBER_OF_MAPPED_OBJECTS1	0x0u
+#define  L0_S_OBJECT_11              	0x1u
 
-#define L0_I_TPDO_1_COMMUNICATION_PARAMETER 0x1800u
-#define L0_S_HIGHEST_SUB_INDEX_SUPPORTED7 0x0u
-#define L0_S_COB_ID2 0x1u
-#define L0_S_TRANSMISSION_TYPE2 0x2u
-#define L0_S_INHIBIT_TIME1 0x3u
-#define L0_S_EVENT_TIMER2 0x5u
-#define L0_S_SYNC_START_VALUE 0x6u
+#define L0_I_TPDO_1_COMMUNICATION_PARAMETER	0x1800u
+#define  L0_S_HIGHEST_SUB_INDEX_SUPPORTED7	0x0u
+#define  L0_S_COB_ID2                	0x1u
+#define  L0_S_TRANSMISSION_TYPE2     	0x2u
+#define  L0_S_INHIBIT_TIME1          	0x3u
+#define  L0_S_EVENT_TIMER2           	0x5u
+#define  L0_S_SYNC_START_VALUE       	0x6u
 
-#define L0_I_TPDO_1_MAPPING_PARAMETER 0x1a00u
-#define L0_S_NUMBER_OF_MAPPED_OBJECTS2 0x0u
-#define L0_S_OBJECT_12 0x1u
-#define L0_S_OBJECT_21 0x2u
+#define L0_I_TPDO_1_MAPPING_PARAMETER	0x1a00u
+#define  L0_S_NUMBER_OF_MAPPED_OBJECTS2	0x0u
+#define  L0_S_OBJECT_12              	0x1u
+#define  L0_S_OBJECT_21              	0x2u
 
-#define L0_I_PDO_ROUTING 0x1f2cu
-#define L0_S_HIGHEST_SUB_INDEX_SUPPORTED8 0x0u
-#define L0_S_ROUTE_1 0x1u
+#define L0_I_PDO_ROUTING            	0x1f2cu
+#define  L0_S_HIGHEST_SUB_INDEX_SUPPORTED8	0x0u
+#define  L0_S_ROUTE_1                	0x1u
 
-#define L0_I_SETPOINTS 0x2000u
-#define L0_S_HIGHEST_SUB_INDEX_SUPPORTED9 0x0u
-#define L0_S_MODE 0x1u
-#define L0_S_SPEED 0x2u
-#define L0_S_TORQUE 0x3u
+#define L0_I_SETPOINTS              	0x2000u
+#define  L0_S_HIGHEST_SUB_INDEX_SUPPORTED9	0x0u
+#define  L0_S_MODE                   	0x1u
+#define  L0_S_SPEED                  	0x2u
+#define  L0_S_TORQUE                 	0x3u
 
-#define L0_I_ACTUAL_SPEED 0x2001u
-#define L0_S_ACTUAL_SPEED 0x0u
+#define L0_I_ACTUAL_SPEED           	0x2001u
+#define  L0_S_ACTUAL_SPEED           	0x0u
 
-#define L0_I_LOCATION 0x2002u
-#define L0_S_LOCATION 0x0u
+#define L0_I_LOCATION               	0x2002u
+#define  L0_S_LOCATION               	0x0u
 
-#define L0_I_MACHINE_OVERRIDE 0x2010u
-#define L0_S_MACHINE_OVERRIDE 0x0u
+#define L0_I_MACHINE_OVERRIDE       	0x2010u
+#define  L0_S_MACHINE_OVERRIDE       	0x0u
 
-#define L1_I_DEVICE_TYPE 0x1000u
-#define L1_S_DEVICE_TYPE 0x0u
+#define L1_I_DEVICE_TYPE            	0x1000u
+#define  L1_S_DEVICE_TYPE            	0x0u
 
-#define L1_I_ERROR_REGISTER 0x1001u
-#define L1_S_ERROR_REGISTER 0x0u
+#define L1_I_ERROR_REGISTER         	0x1001u
+#define  L1_S_ERROR_REGISTER         	0x0u
 
-#define L1_I_COB_ID_SYNC 0x1005u
-#define L1_S_COB_ID_SYNC 0x0u
+#define L1_I_COB_ID_SYNC            	0x1005u
+#define  L1_S_COB_ID_SYNC            	0x0u
 
-#define L1_I_COMMUNICATION_CYCLE_PERIOD 0x1006u
-#define L1_S_COMMUNICATION_CYCLE_PERIOD 0x0u
+#define L1_I_COMMUNICATION_CYCLE_PERIOD	0x1006u
+#define  L1_S_COMMUNICATION_CYCLE_PERIOD	0x0u
 
-#define L1_I_GUARD_TIME 0x100cu
-#define L1_S_GUARD_TIME 0x0u
+#define L1_I_GUARD_TIME             	0x100cu
+#define  L1_S_GUARD_TIME             	0x0u
 
-#define L1_I_LIFE_TIME_FACTOR 0x100du
-#define L1_S_LIFE_TIME_FACTOR 0x0u
+#define L1_I_LIFE_TIME_FACTOR       	0x100du
+#define  L1_S_LIFE_TIME_FACTOR       	0x0u
 
-#define L1_I_COB_ID_TIME_STAMP 0x1012u
-#define L1_S_COB_ID_TIME_STAMP 0x0u
+#define L1_I_COB_ID_TIME_STAMP      	0x1012u
+#define  L1_S_COB_ID_TIME_STAMP      	0x0u
 
-#define L1_I_IDENTITY_OBJECT 0x1018u
-#define L1_S_HIGHEST_SUB_INDEX_SUPPORTED 0x0u
-#define L1_S_VENDOR_ID 0x1u
-#define L1_S_PRODUCT_CODE 0x2u
-#define L1_S_REVISION_NUMBER 0x3u
-#define L1_S_SERIAL_NUMBER 0x4u
+#define L1_I_IDENTITY_OBJECT        	0x1018u
+#define  L1_S_HIGHEST_SUB_INDEX_SUPPORTED	0x0u
+#define  L1_S_VENDOR_ID              	0x1u
+#define  L1_S_PRODUCT_CODE           	0x2u
+#define  L1_S_REVISION_NUMBER        	0x3u
+#define  L1_S_SERIAL_NUMBER          	0x4u
 
-#define L1_I_EMERGENCY_CONSUMER 0x1028u
-#define L1_S_HIGHEST_SUB_INDEX_SUPPORTED1 0x0u
-#define L1_S_ENTRY_1 0x1u
-#define L1_S_ENTRY_2 0x2u
+#define L1_I_EMERGENCY_CONSUMER     	0x1028u
+#define  L1_S_HIGHEST_SUB_INDEX_SUPPORTED1	0x0u
+#define  L1_S_ENTRY_1                	0x1u
+#define  L1_S_ENTRY_2                	0x2u
 
-#define L1_I_NMT_INHIBIT_TIME 0x102au
-#define L1_S_NMT_INHIBIT_TIME 0x0u
+#define L1_I_NMT_INHIBIT_TIME       	0x102au
+#define  L1_S_NMT_INHIBIT_TIME       	0x0u
 
-#define L1_I_RPDO_1_COMMUNICATION_PARAMETER 0x1400u
-#define L1_S_HIGHEST_SUB_INDEX_SUPPORTED2 0x0u
-#define L1_S_COB_ID 0x1u
-#define L1_S_TRANSMISSION_TYPE 0x2u
-#define L1_S_EVENT_TIMER 0x5u
+#define L1_I_RPDO_1_COMMUNICATION_PARAMETER	0x1400u
+#define  L1_S_HIGHEST_SUB_INDEX_SUPPORTED2	0x0u
+#define  L1_S_COB_ID                 	0x1u
+#define  L1_S_TRANSMISSION_TYPE      	0x2u
+#define  L1_S_EVENT_TIMER            	0x5u
 
-#define L1_I_RPDO_1_MAPPING_PARAMETER 0x1600u
-#define L1_S_NUMBER_OF_MAPPED_OBJECTS 0x0u
-#define L1_S_OBJECT_1 0x1u
+#define L1_I_RPDO_1_MAPPING_PARAMETER	0x1600u
+#define  L1_S_NUMBER_OF_MAPPED_OBJECTS	0x0u
+#define  L1_S_OBJECT_1               	0x1u
 
-#define L1_I_TPDO_1_COMMUNICATION_PARAMETER 0x1800u
-#define L1_S_HIGHEST_SUB_INDEX_SUPPORTED3 0x0u
-#define L1_S_COB_ID1 0x1u
-#define L1_S_TRANSMISSION_TYPE1 0x2u
-#define L1_S_EVENT_TIMER1 0x5u
+#define L1_I_TPDO_1_COMMUNICATION_PARAMETER	0x1800u
+#define  L1_S_HIGHEST_SUB_INDEX_SUPPORTED3	0x0u
+#define  L1_S_COB_ID1                	0x1u
+#define  L1_S_TRANSMISSION_TYPE1     	0x2u
+#define  L1_S_EVENT_TIMER1           	0x5u
 
-#define L1_I_TPDO_2_COMMUNICATION_PARAMETER 0x1801u
-#define L1_S_HIGHEST_SUB_INDEX_SUPPORTED4 0x0u
-#define L1_S_COB_ID2 0x1u
-#define L1_S_TRANSMISSION_TYPE2 0x2u
-#define L1_S_INHIBIT_TIME 0x3u
-#define L1_S_EVENT_TIMER2 0x5u
+#define L1_I_TPDO_2_COMMUNICATION_PARAMETER	0x1801u
+#define  L1_S_HIGHEST_SUB_INDEX_SUPPORTED4	0x0u
+#define  L1_S_COB_ID2                	0x1u
+#define  L1_S_TRANSMISSION_TYPE2     	0x2u
+#define  L1_S_INHIBIT_TIME           	0x3u
+#define  L1_S_EVENT_TIMER2           	0x5u
 
-#define L1_I_TPDO_1_MAPPING_PARAMETER 0x1a00u
-#define L1_S_NUMBER_OF_MAPPED_OBJECTS1 0x0u
-#define L1_S_OBJECT_11 0x1u
-#define L1_S_OBJECT_2 0x2u
-#define L1_S_OBJECT_3 0x3u
+#define L1_I_TPDO_1_MAPPING_PARAMETER	0x1a00u
+#define  L1_S_NUMBER_OF_MAPPED_OBJECTS1	0x0u
+#define  L1_S_OBJECT_11              	0x1u
+#define  L1_S_OBJECT_2               	0x2u
+#define  L1_S_OBJECT_3               	0x3u
 
-#define L1_I_TPDO_2_MAPPING_PARAMETER 0x1a01u
-#define L1_S_NUMBER_OF_MAPPED_OBJECTS2 0x0u
-#define L1_S_OBJECT_12 0x1u
+#define L1_I_TPDO_2_MAPPING_PARAMETER	0x1a01u
+#define  L1_S_NUMBER_OF_MAPPED_OBJECTS2	0x0u
+#define  L1_S_OBJECT_12              	0x1u
 
-#define L1_I_SETPOINTS 0x2000u
-#define L1_S_HIGHEST_SUB_INDEX_SUPPORTED5 0x0u
-#define L1_S_MODE 0x1u
-#define L1_S_SPEED 0x2u
-#define L1_S_TORQUE 0x3u
+#define L1_I_SETPOINTS              	0x2000u
+#define  L1_S_HIGHEST_SUB_INDEX_SUPPORTED5	0x0u
+#define  L1_S_MODE                   	0x1u
+#define  L1_S_SPEED                  	0x2u
+#define  L1_S_TORQUE                 	0x3u
 
-#define L1_I_ACTUAL_SPEED 0x2001u
-#define L1_S_ACTUAL_SPEED 0x0u
+#define L1_I_ACTUAL_SPEED           	0x2001u
+#define  L1_S_ACTUAL_SPEED           	0x0u
 
-#define L1_I_LOCATION 0x2002u
-#define L1_S_LOCATION 0x0u
+#define L1_I_LOCATION               	0x2002u
+#define  L1_S_LOCATION               	0x0u
 
-#define L1_I_DRIVE_COUNT 0x2011u
-#define L1_S_DRIVE_COUNT 0x0u
+#define L1_I_DRIVE_COUNT            	0x2011u
+#define  L1_S_DRIVE_COUNT            	0x0u
 
-#define S_NUMBER_OF_ENTRIES 0x0u
+#define  S_NUMBER_OF_ENTRIES      	0x0u
 
 #endif /* GEN_INDICES_H */

@@ -8,56 +8,56 @@
 #define GEN_DEFINE_H 1
 
 /* some information about the tool that has generated this file */
-#define GEN_TOOL_NAME CANOPEN_NODECOMPOSER
-#define GEN_TOOL_VERSION 0x040303ul
+#define GEN_TOOL_NAME	CANOPEN_NODECOMPOSER
+#define GEN_TOOL_VERSION	0x040303ul
 /* init struct versions */
-#define GEN_COMMON_INIT_STRUCT_VERSION 1u
-#define GEN_CANOPEN_INIT_STRUCT_VERSION 5u
+#define GEN_COMMON_INIT_STRUCT_VERSION	1u
+#define GEN_CANOPEN_INIT_STRUCT_VERSION	5u
 /* Line Settings */
-#define CANOPEN_SUPPORTED 1u
+#define CANOPEN_SUPPORTED	1u
 /* Number of receive/transmit buffer entries per line */
-#define CORE_REC_BUFFER_COUNTS 10u
-#define CORE_TR_BUFFER_COUNTS 10u
+#define CORE_REC_BUFFER_COUNTS	10u
+#define CORE_TR_BUFFER_COUNTS	10u
 /* Number of objects per line */
-#define CO_OBJECTS_LINE_0_CNT 21u
-#define CO_OBJECT_COUNTS 21u
-#define CORE_COB_COUNTS 4u
-#define CO_TXPDO_COUNTS 0u
-#define CO_RXPDO_COUNTS 0u
-#define CO_SSDO_COUNTS 1u
-#define CO_CSDO_COUNTS 0u
-#define CO_ASSIGN_COUNTS 0u
-#define CO_MAX_ASSIGN_COUNTS 0u
-#define CO_GUARDING_COUNTS CO_MAX_ASSIGN_COUNTS
-#define CO_ERR_CTRL_COUNTS 0u
-#define CO_ERR_HIST_COUNTS 0u
-#define CO_ACT_ERR_HIST_COUNTS 0u
-#define CO_EMCY_CONS_COUNTS 0u
-#define CO_NODE_IDS 7
-#define CO_NODE_ID_FUNCTIONS NULL
+#define CO_OBJECTS_LINE_0_CNT	21u
+#define CO_OBJECT_COUNTS	21u
+#define CORE_COB_COUNTS	4u
+#define CO_TXPDO_COUNTS	0u
+#define CO_RXPDO_COUNTS	0u
+#define CO_SSDO_COUNTS	1u
+#define CO_CSDO_COUNTS	0u
+#define CO_ASSIGN_COUNTS	0u
+#define CO_MAX_ASSIGN_COUNTS	0u
+#define CO_GUARDING_COUNTS	CO_MAX_ASSIGN_COUNTS
+#define CO_ERR_CTRL_COUNTS	0u
+#define CO_ERR_HIST_COUNTS	0u
+#define CO_ACT_ERR_HIST_COUNTS	0u
+#define CO_EMCY_CONS_COUNTS	0u
+#define CO_NODE_IDS	7
+#define CO_NODE_ID_FUNCTIONS	NULL
 /* Definition of numbers of CANopen services */
-#define CO_DYNAMIC_OBJDIC 1u
-#define CO_SDO_SERVER_CNT 1u
-#define CO_CONFIG_LIMIT_CHECK 1u
-#define CO_EXTENDED_DATA_TYPES 1u
-#define CO_UTF8_DATA_TYPE 1u
+#define CO_DYNAMIC_OBJDIC	1u
+#define CO_SDO_SERVER_CNT	1u
+#define CO_CONFIG_LIMIT_CHECK	1u
+#define CO_EXTENDED_DATA_TYPES	1u
+#define CO_UTF8_DATA_TYPE	1u
 /* number of used COB objects */
-#define CORE_COB_CNT 4u
+#define CORE_COB_CNT	4u
 /* Definition of number of call-back functions for each service*/
 /* Definition of CAN queue sizes */
-#define CORE_CONFIG_REC_BUFFER_CNT 10u
-#define CORE_CONFIG_TRANS_BUFFER_CNT 10u
+#define CORE_CONFIG_REC_BUFFER_CNT	10u
+#define CORE_CONFIG_TRANS_BUFFER_CNT	10u
 
 /* ISO-TP Defines */
 /* number of virtual objects */
-#define CO_VIRTUAL_INDEX_CNT 2u
-#define CO_VIRTUAL_U8_CNT 2u
-#define CO_VIRTUAL_U32_CNT 3u
-#define CO_VOD_ASSIGN_CNT 2u
-#define CO_VOBJ_DESC_CNT 5u
+#define CO_VIRTUAL_INDEX_CNT	2u
+#define CO_VIRTUAL_U8_CNT	2u
+#define CO_VIRTUAL_U32_CNT	3u
+#define CO_VOD_ASSIGN_CNT	2u
+#define CO_VOBJ_DESC_CNT	5u
 /* Hardware settings */
 #define TARGET_0 1u
-#define CORE_TIMER_INTERVAL 1000u
+#define CORE_TIMER_INTERVAL	1000u
 /* application-specific defines as defined in NodeComposer */
 #define CONFIG_MEMORY
 /* end of application-specific defines */

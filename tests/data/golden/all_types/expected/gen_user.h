@@ -6,8 +6,8 @@
 #ifndef GEN_USER_H
 #define GEN_USER_H 1
 
-#include <co_canopen.h>
 #include <gen_define.h>
+#include <co_canopen.h>
 /* prototype for function to overwrite predefined connection set */
 RET_T userOverwriteCobIdSettings(void);
 

@@ -7,48 +7,48 @@
 #ifndef GEN_INDICES_H
 #define GEN_INDICES_H 1
 
-#define I_DEVICE_TYPE 0x1000u
-#define S_NUMBER_OF_TYPES 0x0u
-#define S_TYPE_OF_AXIS_1 0x1u
-#define S_TYPE_OF_AXIS_2 0x2u
+#define I_DEVICE_TYPE            	0x1000u
+#define  S_NUMBER_OF_TYPES        	0x0u
+#define  S_TYPE_OF_AXIS_1         	0x1u
+#define  S_TYPE_OF_AXIS_2         	0x2u
 
-#define I_ERROR_REGISTER 0x1001u
-#define S_ERROR_REGISTER 0x0u
+#define I_ERROR_REGISTER         	0x1001u
+#define  S_ERROR_REGISTER         	0x0u
 
-#define I_MANUFACTURER_DEVICE_NAME 0x1008u
-#define S_MANUFACTURER_DEVICE_NAME 0x0u
+#define I_MANUFACTURER_DEVICE_NAME	0x1008u
+#define  S_MANUFACTURER_DEVICE_NAME	0x0u
 
-#define I_PRODUCER_HEARTBEAT_TIME 0x1017u
-#define S_PRODUCER_HEARTBEAT_TIME 0x0u
+#define I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  S_PRODUCER_HEARTBEAT_TIME	0x0u
 
-#define I_IDENTITY_OBJECT 0x1018u
-#define S_NUMBER_OF_ENTRIES 0x0u
-#define S_VENDOR_ID 0x1u
-#define S_PRODUCT_CODE 0x2u
-#define S_REVISION_NUMBER 0x3u
+#define I_IDENTITY_OBJECT        	0x1018u
+#define  S_NUMBER_OF_ENTRIES      	0x0u
+#define  S_VENDOR_ID              	0x1u
+#define  S_PRODUCT_CODE           	0x2u
+#define  S_REVISION_NUMBER        	0x3u
 
-#define I_LIST_OF_FD_TYPES 0x1030u
-#define S_LIST_OF_FD_TYPES 0x0u
+#define I_LIST_OF_FD_TYPES       	0x1030u
+#define  S_LIST_OF_FD_TYPES       	0x0u
 
-#define I_SDO_SERVER_PARAMETER 0x1200u
-#define S_NUMBER_OF_ENTRIES1 0x0u
-#define S_COB_ID_CLIENT_TO_SERVER 0x1u
-#define S_COB_ID_SERVER_TO_CLIENT 0x2u
+#define I_SDO_SERVER_PARAMETER   	0x1200u
+#define  S_NUMBER_OF_ENTRIES1     	0x0u
+#define  S_COB_ID_CLIENT_TO_SERVER	0x1u
+#define  S_COB_ID_SERVER_TO_CLIENT	0x2u
 
-#define I_OFFSETS_RAW 0x2100u
-#define S_HIGHEST_SUB_INDEX 0x0u
-#define S_OFFSET_1 0x1u
-#define S_OFFSET_4 0x4u
+#define I_OFFSETS_RAW            	0x2100u
+#define  S_HIGHEST_SUB_INDEX      	0x0u
+#define  S_OFFSET_1               	0x1u
+#define  S_OFFSET_4               	0x4u
 
-#define I_FIRMWARE 0x2101u
-#define S_FIRMWARE 0x0u
+#define I_FIRMWARE               	0x2101u
+#define  S_FIRMWARE               	0x0u
 
-#define I_TARGET_VELOCITY 0x60ffu
-#define S_TARGET_VELOCITY 0x0u
+#define I_TARGET_VELOCITY        	0x60ffu
+#define  S_TARGET_VELOCITY        	0x0u
 
-#define I_BEYOND_ALL_LISTS 0xe000u
-#define S_BEYOND_ALL_LISTS 0x0u
+#define I_BEYOND_ALL_LISTS       	0xe000u
+#define  S_BEYOND_ALL_LISTS       	0x0u
 
-#define S_NUMBER_OF_ENTRIES 0x0u
+#define  S_NUMBER_OF_ENTRIES      	0x0u
 
 #endif /* GEN_INDICES_H */

@@ -7,25 +7,25 @@
 #ifndef GEN_EXTERN_DECL_H
 #define GEN_EXTERN_DECL_H 1
 
-#include <core_datatype.h>
 #include <gen_define.h>
+#include <core_datatype.h>
 /* external variables */
 
 /* line 0*/
 /* PGN 0xef00*/
-extern UNSIGNED8 anyValue; /* SPN1 */
+extern UNSIGNED8	anyValue;	/* SPN1 */
 /* PGN 0xef00*/
-extern UNSIGNED8 answerFlag; /* SPN2 */
+extern UNSIGNED8	answerFlag;	/* SPN2 */
 /* PGN 0xff14*/
-extern UNSIGNED32 assured; /* SPN3 */
+extern UNSIGNED32	assured;	/* SPN3 */
 
 /* line 1: (variables that exist in multiple lines are only declared once)*/
 /* PGN 0xf003*/
-extern UNSIGNED32 safeD; /* SPN13 */
-extern UNSIGNED8 safeE;  /* SPN14 */
+extern UNSIGNED32	safeD;	/* SPN13 */
+extern UNSIGNED8	safeE;	/* SPN14 */
 /* PGN 0xf002*/
-extern UNSIGNED32 safeA; /* SPN10 */
-extern UNSIGNED32 safeB; /* SPN11 */
-extern UNSIGNED32 safeC; /* SPN12 */
+extern UNSIGNED32	safeA;	/* SPN10 */
+extern UNSIGNED32	safeB;	/* SPN11 */
+extern UNSIGNED32	safeC;	/* SPN12 */
 
 #endif /* GEN_EXTERN_DECL_H */

@@ -7,62 +7,62 @@
 #ifndef GEN_INDICES_H
 #define GEN_INDICES_H 1
 
-#define L0_I_DEVICE_TYPE 0x1000u
-#define L0_S_DEVICE_TYPE 0x0u
+#define L0_I_DEVICE_TYPE            	0x1000u
+#define  L0_S_DEVICE_TYPE            	0x0u
 
-#define L0_I_ERROR_REGISTER 0x1001u
-#define L0_S_ERROR_REGISTER 0x0u
+#define L0_I_ERROR_REGISTER         	0x1001u
+#define  L0_S_ERROR_REGISTER         	0x0u
 
-#define L0_I_IDENTITY_OBJECT 0x1018u
-#define L0_S_NUMBER_OF_ENTRIES 0x0u
-#define L0_S_VENDOR_ID 0x1u
-#define L0_S_PRODUCT_CODE 0x2u
-#define L0_S_REVISION_NUMBER 0x3u
-#define L0_S_SERIAL_NUMBER 0x4u
+#define L0_I_IDENTITY_OBJECT        	0x1018u
+#define  L0_S_NUMBER_OF_ENTRIES      	0x0u
+#define  L0_S_VENDOR_ID              	0x1u
+#define  L0_S_PRODUCT_CODE           	0x2u
+#define  L0_S_REVISION_NUMBER        	0x3u
+#define  L0_S_SERIAL_NUMBER          	0x4u
 
-#define L0_PGN_ANY_SENDER 61184u /* 0xef00 */
-#define L0_SPN_VALUE 1u
+#define L0_PGN_ANY_SENDER           	61184u /* 0xef00 */
+#define L0_SPN_VALUE                	1u
 
-#define L0_PGN_ANSWER 61184u /* 0xef00 */
-#define L0_SPN_VALUE_ef00 1u
-#define L0_SPN_FLAG 2u
+#define L0_PGN_ANSWER               	61184u /* 0xef00 */
+#define L0_SPN_VALUE_ef00           	1u
+#define L0_SPN_FLAG                 	2u
 
-#define L0_PGN_ASSURED 65300u /* 0xff14 */
-#define L0_SPN_VALUE_ff14 3u
+#define L0_PGN_ASSURED              	65300u /* 0xff14 */
+#define L0_SPN_VALUE_ff14           	3u
 
-#define L0_PGN_ADDRESS_CLAIM 60928u /* 0xee00 */
-#define L0_SPN_NAME_OF_CONTROLLER_APPLICATION 2848u
-#define L0_SPN_IDENTITY_NUMBER 2837u
-#define L0_SPN_MANUFACTURER_CODE 2838u
-#define L0_SPN_ECU_INSTANCE 2840u
-#define L0_SPN_FUNCTION_INSTANCE 2839u
-#define L0_SPN_FUNCTION 2841u
-#define L0_SPN_VEHICLE_SYSTEM 2842u
-#define L0_SPN_VEHICLE_SYSTEM_INSTANCE 2843u
-#define L0_SPN_INDUSTRY_GROUP 2846u
-#define L0_SPN_ARBITRARY_ADDRESS_CAPABLE 2844u
+#define L0_PGN_ADDRESS_CLAIM        	60928u /* 0xee00 */
+#define L0_SPN_NAME_OF_CONTROLLER_APPLICATION	2848u
+#define L0_SPN_IDENTITY_NUMBER      	2837u
+#define L0_SPN_MANUFACTURER_CODE    	2838u
+#define L0_SPN_ECU_INSTANCE         	2840u
+#define L0_SPN_FUNCTION_INSTANCE    	2839u
+#define L0_SPN_FUNCTION             	2841u
+#define L0_SPN_VEHICLE_SYSTEM       	2842u
+#define L0_SPN_VEHICLE_SYSTEM_INSTANCE	2843u
+#define L0_SPN_INDUSTRY_GROUP       	2846u
+#define L0_SPN_ARBITRARY_ADDRESS_CAPABLE	2844u
 
-#define L1_PGN_SAFETY_DATA_MESSAGE 61443u /* 0xf003 */
-#define L1_SPN_D 13u
-#define L1_SPN_E 14u
+#define L1_PGN_SAFETY_DATA_MESSAGE  	61443u /* 0xf003 */
+#define L1_SPN_D                    	13u
+#define L1_SPN_E                    	14u
 
-#define L1_PGN_LONG_SAFETY_GROUP 61442u /* 0xf002 */
-#define L1_SPN_A 10u
-#define L1_SPN_B 11u
-#define L1_SPN_C 12u
+#define L1_PGN_LONG_SAFETY_GROUP    	61442u /* 0xf002 */
+#define L1_SPN_A                    	10u
+#define L1_SPN_B                    	11u
+#define L1_SPN_C                    	12u
 
-#define L1_PGN_ADDRESS_CLAIM 60928u /* 0xee00 */
-#define L1_SPN_NAME_OF_CONTROLLER_APPLICATION 2848u
-#define L1_SPN_IDENTITY_NUMBER 2837u
-#define L1_SPN_MANUFACTURER_CODE 2838u
-#define L1_SPN_ECU_INSTANCE 2840u
-#define L1_SPN_FUNCTION_INSTANCE 2839u
-#define L1_SPN_FUNCTION 2841u
-#define L1_SPN_VEHICLE_SYSTEM 2842u
-#define L1_SPN_VEHICLE_SYSTEM_INSTANCE 2843u
-#define L1_SPN_INDUSTRY_GROUP 2846u
-#define L1_SPN_ARBITRARY_ADDRESS_CAPABLE 2844u
+#define L1_PGN_ADDRESS_CLAIM        	60928u /* 0xee00 */
+#define L1_SPN_NAME_OF_CONTROLLER_APPLICATION	2848u
+#define L1_SPN_IDENTITY_NUMBER      	2837u
+#define L1_SPN_MANUFACTURER_CODE    	2838u
+#define L1_SPN_ECU_INSTANCE         	2840u
+#define L1_SPN_FUNCTION_INSTANCE    	2839u
+#define L1_SPN_FUNCTION             	2841u
+#define L1_SPN_VEHICLE_SYSTEM       	2842u
+#define L1_SPN_VEHICLE_SYSTEM_INSTANCE	2843u
+#define L1_SPN_INDUSTRY_GROUP       	2846u
+#define L1_SPN_ARBITRARY_ADDRESS_CAPABLE	2844u
 
-#define S_NUMBER_OF_ENTRIES 0x0u
+#define  S_NUMBER_OF_ENTRIES      	0x0u
 
 #endif /* GEN_INDICES_H */

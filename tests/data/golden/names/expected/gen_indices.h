@@ -7,34 +7,34 @@
 #ifndef GEN_INDICES_H
 #define GEN_INDICES_H 1
 
-#define I_DEVICE_TYPE 0x1000u
-#define S_DEVICE_TYPE 0x0u
+#define I_DEVICE_TYPE            	0x1000u
+#define  S_DEVICE_TYPE            	0x0u
 
-#define I_ERROR_REGISTER 0x1001u
-#define S_ERROR_REGISTER 0x0u
+#define I_ERROR_REGISTER         	0x1001u
+#define  S_ERROR_REGISTER         	0x0u
 
-#define I_PRODUCER_HEARTBEAT_TIME 0x1017u
-#define S_PRODUCER_HEARTBEAT_TIME 0x0u
+#define I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  S_PRODUCER_HEARTBEAT_TIME	0x0u
 
-#define I_IDENTITY_OBJECT 0x1018u
-#define S_NUMBER_OF_ENTRIES 0x0u
-#define S_VENDOR_ID 0x1u
-#define S_NUMBER_OF_ENTRIES1 0x2u
-#define S_REVISION_NUMBER 0x3u
+#define I_IDENTITY_OBJECT        	0x1018u
+#define  S_NUMBER_OF_ENTRIES      	0x0u
+#define  S_VENDOR_ID              	0x1u
+#define  S_NUMBER_OF_ENTRIES1     	0x2u
+#define  S_REVISION_NUMBER        	0x3u
 
-#define I_SENSOR_1_RAW 0x2000u
-#define S_SENSOR_1_RAW 0x0u
+#define I_SENSOR_1_RAW           	0x2000u
+#define  S_SENSOR_1_RAW           	0x0u
 
-#define I_SENSOR_1_RAW1 0x2001u
-#define S_SENSOR_1_RAW1 0x0u
+#define I_SENSOR_1_RAW1          	0x2001u
+#define  S_SENSOR_1_RAW1          	0x0u
 
-#define I 0x2002u
+#define I                        	0x2002u
 
-#define I_WINKEL_IN 0x2003u
+#define I_WINKEL_IN              	0x2003u
 
-#define I_VALUE_OF_2004 0x2004u
-#define S_A_NAME_THAT_IS_MUCH_LONGER_THAN_THE_COLUMN 0x0u
+#define I_VALUE_OF_2004          	0x2004u
+#define  S_A_NAME_THAT_IS_MUCH_LONGER_THAN_THE_COLUMN	0x0u
 
-#define S_NUMBER_OF_ENTRIES 0x0u
+#define  S_NUMBER_OF_ENTRIES      	0x0u
 
 #endif /* GEN_INDICES_H */

@@ -7,28 +7,28 @@
 #ifndef GEN_EXTERN_DECL_H
 #define GEN_EXTERN_DECL_H 1
 
-#include <core_datatype.h>
 #include <gen_define.h>
+#include <core_datatype.h>
 /* external variables */
 
 /* line 0*/
 /* PGN 0xef00*/
-extern char text[4]; /* SPN1 */
+extern char	text[4];	/* SPN1 */
 /* PGN 0xf004*/
-extern UNSIGNED16 engineSpeed; /* SPN190 */
+extern UNSIGNED16	engineSpeed;	/* SPN190 */
 
 /* line 1: (variables that exist in multiple lines are only declared once)*/
 /* CAN-ID 0x200*/
-extern UNSIGNED8 machineState; /* SPN1 */
+extern UNSIGNED8	machineState;	/* SPN1 */
 
 /* line 2: (variables that exist in multiple lines are only declared once)*/
 /* PGN 0xfeca*/
-extern UNSIGNED32 code; /* SPN1214 */
+extern UNSIGNED32	code;	/* SPN1214 */
 /* PGN 0xf005*/
-extern INTEGER8 gear; /* SPN523 */
+extern INTEGER8	gear;	/* SPN523 */
 /* CAN-ID 0x80012345*/
-extern UNSIGNED8 trailerCommand; /* SPN1 */
+extern UNSIGNED8	trailerCommand;	/* SPN1 */
 /* CAN-ID 0x201*/
-extern UNSIGNED8 trailerState; /* SPN1 */
+extern UNSIGNED8	trailerState;	/* SPN1 */
 
 #endif /* GEN_EXTERN_DECL_H */

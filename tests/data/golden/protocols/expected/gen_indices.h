@@ -7,77 +7,77 @@
 #ifndef GEN_INDICES_H
 #define GEN_INDICES_H 1
 
-#define L0_I_DEVICE_TYPE 0x1000u
-#define L0_S_DEVICE_TYPE 0x0u
+#define L0_I_DEVICE_TYPE            	0x1000u
+#define  L0_S_DEVICE_TYPE            	0x0u
 
-#define L0_I_ERROR_REGISTER 0x1001u
-#define L0_S_ERROR_REGISTER 0x0u
+#define L0_I_ERROR_REGISTER         	0x1001u
+#define  L0_S_ERROR_REGISTER         	0x0u
 
-#define L0_I_PRODUCER_HEARTBEAT_TIME 0x1017u
-#define L0_S_PRODUCER_HEARTBEAT_TIME 0x0u
+#define L0_I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  L0_S_PRODUCER_HEARTBEAT_TIME	0x0u
 
-#define L0_I_IDENTITY_OBJECT 0x1018u
-#define L0_S_HIGHEST_SUB_INDEX_SUPPORTED 0x0u
-#define L0_S_VENDOR_ID 0x1u
-#define L0_S_PRODUCT_CODE 0x2u
-#define L0_S_REVISION_NUMBER 0x3u
+#define L0_I_IDENTITY_OBJECT        	0x1018u
+#define  L0_S_HIGHEST_SUB_INDEX_SUPPORTED	0x0u
+#define  L0_S_VENDOR_ID              	0x1u
+#define  L0_S_PRODUCT_CODE           	0x2u
+#define  L0_S_REVISION_NUMBER        	0x3u
 
-#define L0_I_I_INPUTS_I_6000 0x6000u
-#define L0_S_HIGHEST_SUB_INDEX_SUPPORTED1 0x0u
-#define L0_S_INPUT_1 0x1u
+#define L0_I_I_INPUTS_I_6000        	0x6000u
+#define  L0_S_HIGHEST_SUB_INDEX_SUPPORTED1	0x0u
+#define  L0_S_INPUT_1                	0x1u
 
-#define L0_PGN_PROPRIETARY_A 61184u /* 0xef00 */
-#define L0_SPN_TEXT 1u
+#define L0_PGN_PROPRIETARY_A        	61184u /* 0xef00 */
+#define L0_SPN_TEXT                 	1u
 
-#define L0_PGN_ELECTRONIC_ENGINE_CONTROLLER_1 61444u /* 0xf004 */
-#define L0_SPN_DRIVER_S_DEMAND 512u
-#define L0_SPN_ENGINE_SPEED 190u
+#define L0_PGN_ELECTRONIC_ENGINE_CONTROLLER_1	61444u /* 0xf004 */
+#define L0_SPN_DRIVER_S_DEMAND      	512u
+#define L0_SPN_ENGINE_SPEED         	190u
 
-#define L0_PGN_ADDRESS_CLAIM 60928u /* 0xee00 */
-#define L0_SPN_NAME_OF_CONTROLLER_APPLICATION 2848u
-#define L0_SPN_IDENTITY_NUMBER 2837u
-#define L0_SPN_MANUFACTURER_CODE 2838u
-#define L0_SPN_ECU_INSTANCE 2840u
-#define L0_SPN_FUNCTION_INSTANCE 2839u
-#define L0_SPN_FUNCTION 2841u
-#define L0_SPN_VEHICLE_SYSTEM 2842u
-#define L0_SPN_VEHICLE_SYSTEM_INSTANCE 2843u
-#define L0_SPN_INDUSTRY_GROUP 2846u
-#define L0_SPN_ARBITRARY_ADDRESS_CAPABLE 2844u
+#define L0_PGN_ADDRESS_CLAIM        	60928u /* 0xee00 */
+#define L0_SPN_NAME_OF_CONTROLLER_APPLICATION	2848u
+#define L0_SPN_IDENTITY_NUMBER      	2837u
+#define L0_SPN_MANUFACTURER_CODE    	2838u
+#define L0_SPN_ECU_INSTANCE         	2840u
+#define L0_SPN_FUNCTION_INSTANCE    	2839u
+#define L0_SPN_FUNCTION             	2841u
+#define L0_SPN_VEHICLE_SYSTEM       	2842u
+#define L0_SPN_VEHICLE_SYSTEM_INSTANCE	2843u
+#define L0_SPN_INDUSTRY_GROUP       	2846u
+#define L0_SPN_ARBITRARY_ADDRESS_CAPABLE	2844u
 
-#define L1_I_DEVICE_TYPE 0x1000u
-#define L1_S_DEVICE_TYPE 0x0u
+#define L1_I_DEVICE_TYPE            	0x1000u
+#define  L1_S_DEVICE_TYPE            	0x0u
 
-#define L1_I_ERROR_REGISTER 0x1001u
-#define L1_S_ERROR_REGISTER 0x0u
+#define L1_I_ERROR_REGISTER         	0x1001u
+#define  L1_S_ERROR_REGISTER         	0x0u
 
-#define L1_I_PRODUCER_HEARTBEAT_TIME 0x1017u
-#define L1_S_PRODUCER_HEARTBEAT_TIME 0x0u
+#define L1_I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  L1_S_PRODUCER_HEARTBEAT_TIME	0x0u
 
-#define L1_I_IDENTITY_OBJECT 0x1018u
-#define L1_S_HIGHEST_SUB_INDEX_SUPPORTED 0x0u
-#define L1_S_VENDOR_ID 0x1u
-#define L1_S_PRODUCT_CODE 0x2u
-#define L1_S_REVISION_NUMBER 0x3u
+#define L1_I_IDENTITY_OBJECT        	0x1018u
+#define  L1_S_HIGHEST_SUB_INDEX_SUPPORTED	0x0u
+#define  L1_S_VENDOR_ID              	0x1u
+#define  L1_S_PRODUCT_CODE           	0x2u
+#define  L1_S_REVISION_NUMBER        	0x3u
 
-#define L1_ID_MACHINE_STATE 1u
-#define L1_ID_0200 1u
-#define L1_S_STATE 2u
+#define L1_ID_MACHINE_STATE         	1u
+#define L1_ID_0200                  	1u
+#define L1_S_STATE                  	2u
 
-#define L2_ID_TRAILER_COMMAND 1u
-#define L2_ID_80012345 1u
-#define L2_S_COMMAND 2u
+#define L2_ID_TRAILER_COMMAND       	1u
+#define L2_ID_80012345              	1u
+#define L2_S_COMMAND                	2u
 
-#define L2_ID_TRAILER_STATE 1u
-#define L2_ID_0201 1u
-#define L2_S_STATE 2u
+#define L2_ID_TRAILER_STATE         	1u
+#define L2_ID_0201                  	1u
+#define L2_S_STATE                  	2u
 
-#define L2_PGN_DIAGNOSTIC 65226u /* 0xfeca */
-#define L2_SPN_TROUBLE_CODE 1214u
+#define L2_PGN_DIAGNOSTIC           	65226u /* 0xfeca */
+#define L2_SPN_TROUBLE_CODE         	1214u
 
-#define L2_PGN_TRANSMISSION 61445u /* 0xf005 */
-#define L2_SPN_CURRENT_GEAR 523u
+#define L2_PGN_TRANSMISSION         	61445u /* 0xf005 */
+#define L2_SPN_CURRENT_GEAR         	523u
 
-#define S_NUMBER_OF_ENTRIES 0x0u
+#define  S_NUMBER_OF_ENTRIES      	0x0u
 
 #endif /* GEN_INDICES_H */

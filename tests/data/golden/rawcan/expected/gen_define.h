@@ -8,49 +8,49 @@
 #define GEN_DEFINE_H 1
 
 /* some information about the tool that has generated this file */
-#define GEN_TOOL_NAME CANOPEN_NODECOMPOSER
-#define GEN_TOOL_VERSION 0x040303ul
+#define GEN_TOOL_NAME	CANOPEN_NODECOMPOSER
+#define GEN_TOOL_VERSION	0x040303ul
 /* init struct versions */
-#define GEN_COMMON_INIT_STRUCT_VERSION 1u
-#define GEN_RAWCAN_INIT_STRUCT_VERSION 4u
+#define GEN_COMMON_INIT_STRUCT_VERSION	1u
+#define GEN_RAWCAN_INIT_STRUCT_VERSION	4u
 /* Line Settings */
 /* Number of receive/transmit buffer entries per line */
-#define CORE_REC_BUFFER_COUNTS 10u
-#define CORE_TR_BUFFER_COUNTS 5u
+#define CORE_REC_BUFFER_COUNTS	10u
+#define CORE_TR_BUFFER_COUNTS	5u
 /* Number of objects per line */
-#define CO_OBJECT_COUNTS 0u
-#define CO_TXPDO_COUNTS 0u
-#define CO_RXPDO_COUNTS 0u
-#define CO_SSDO_COUNTS 0u
-#define CO_CSDO_COUNTS 0u
-#define CO_ASSIGN_COUNTS 0u
-#define CO_MAX_ASSIGN_COUNTS 0u
-#define CO_GUARDING_COUNTS CO_MAX_ASSIGN_COUNTS
-#define CO_ERR_CTRL_COUNTS 0u
-#define CO_ERR_HIST_COUNTS 0u
-#define CO_ACT_ERR_HIST_COUNTS 0u
-#define CO_EMCY_CONS_COUNTS 0u
-#define CO_NODE_IDS 0
-#define CO_NODE_ID_FUNCTIONS NULL
+#define CO_OBJECT_COUNTS	0u
+#define CO_TXPDO_COUNTS	0u
+#define CO_RXPDO_COUNTS	0u
+#define CO_SSDO_COUNTS	0u
+#define CO_CSDO_COUNTS	0u
+#define CO_ASSIGN_COUNTS	0u
+#define CO_MAX_ASSIGN_COUNTS	0u
+#define CO_GUARDING_COUNTS	CO_MAX_ASSIGN_COUNTS
+#define CO_ERR_CTRL_COUNTS	0u
+#define CO_ERR_HIST_COUNTS	0u
+#define CO_ACT_ERR_HIST_COUNTS	0u
+#define CO_EMCY_CONS_COUNTS	0u
+#define CO_NODE_IDS	0
+#define CO_NODE_ID_FUNCTIONS	NULL
 /* Definition of numbers of CANopen services */
 /* Definition of number of call-back functions for each service*/
 /* Definition of CAN queue sizes */
-#define CORE_CONFIG_REC_BUFFER_CNT 10u
-#define CORE_CONFIG_TRANS_BUFFER_CNT 5u
+#define CORE_CONFIG_REC_BUFFER_CNT	10u
+#define CORE_CONFIG_TRANS_BUFFER_CNT	5u
 
 /* CAN RAW Defines */
-#define RAWCAN_SUPPORTED 1u
-#define RAWCAN_RECEIVE_CNT 2u
-#define RAWCAN_RECEIVE_COUNTS 2u
-#define RAWCAN_TRANSMIT_CNT 2u
-#define RAWCAN_TRANSMIT_COUNTS 2u
-#define CORE_INHIBIT_SUPPORTED 1u
+#define RAWCAN_SUPPORTED	1u
+#define RAWCAN_RECEIVE_CNT	2u
+#define RAWCAN_RECEIVE_COUNTS	2u
+#define RAWCAN_TRANSMIT_CNT	2u
+#define RAWCAN_TRANSMIT_COUNTS	2u
+#define CORE_INHIBIT_SUPPORTED	1u
 
 /* ISO-TP Defines */
 /* number of virtual objects */
 /* Hardware settings */
 #define TARGET_0 1u
-#define CORE_TIMER_INTERVAL 1000u
+#define CORE_TIMER_INTERVAL	1000u
 /* COB Definitions */
 #define CORE_COB_COUNTS 4u
 #define CORE_COB_CNT 4u

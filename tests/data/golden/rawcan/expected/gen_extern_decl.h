@@ -7,22 +7,22 @@
 #ifndef GEN_EXTERN_DECL_H
 #define GEN_EXTERN_DECL_H 1
 
-#include <core_datatype.h>
 #include <gen_define.h>
+#include <core_datatype.h>
 /* external variables */
 
 /* line 0*/
 /* CAN-ID 0x300*/
-extern UNSIGNED16 limitA; /* SPN1 */
-extern UNSIGNED16 limitB; /* SPN2 */
+extern UNSIGNED16	limitA;	/* SPN1 */
+extern UNSIGNED16	limitB;	/* SPN2 */
 /* CAN-ID 0x301*/
-extern UNSIGNED8 request; /* SPN1 */
+extern UNSIGNED8	request;	/* SPN1 */
 /* CAN-ID 0x123*/
-extern INTEGER16 motorSpeed;     /* SPN1 */
-extern UNSIGNED8 motorDirection; /* SPN2 */
-extern UNSIGNED8 motorSpare;     /* SPN3 */
+extern INTEGER16	motorSpeed;	/* SPN1 */
+extern UNSIGNED8	motorDirection;	/* SPN2 */
+extern UNSIGNED8	motorSpare;	/* SPN3 */
 /* CAN-ID 0x98ff1234*/
-extern REAL32 pumpFlow; /* SPN1 */
-extern char pumpTag[3]; /* SPN2 */
+extern REAL32	pumpFlow;	/* SPN1 */
+extern char	pumpTag[3];	/* SPN2 */
 
 #endif /* GEN_EXTERN_DECL_H */

@@ -7,26 +7,26 @@
 #ifndef GEN_INDICES_H
 #define GEN_INDICES_H 1
 
-#define ID_MOTOR_SPEED 1u
-#define ID_0300 1u
-#define S_LIMIT 2u
-#define S_LIMIT_0300 3u
+#define ID_MOTOR_SPEED           	1u
+#define ID_0300                  	1u
+#define S_LIMIT                  	2u
+#define S_LIMIT_0300             	3u
 
-#define ID 2u
-#define ID_0301 2u
-#define S_REQUEST 2u
+#define ID                       	2u
+#define ID_0301                  	2u
+#define S_REQUEST                	2u
 
-#define ID_MOTOR_SPEED_0123 1u
-#define ID_0123 1u
-#define S_SPEED 2u
-#define S_DIRECTION_BRAKE 3u
-#define S 4u
+#define ID_MOTOR_SPEED_0123      	1u
+#define ID_0123                  	1u
+#define S_SPEED                  	2u
+#define S_DIRECTION_BRAKE        	3u
+#define S                        	4u
 
-#define ID_2ND_PUMP 2u
-#define ID_98ff1234 2u
-#define S_FLOW 2u
-#define S_TAG 3u
+#define ID_2ND_PUMP              	2u
+#define ID_98ff1234              	2u
+#define S_FLOW                   	2u
+#define S_TAG                    	3u
 
-#define S_NUMBER_OF_ENTRIES 0x0u
+#define  S_NUMBER_OF_ENTRIES      	0x0u
 
 #endif /* GEN_INDICES_H */

@@ -8,64 +8,64 @@
 #define GEN_DEFINE_H 1
 
 /* some information about the tool that has generated this file */
-#define GEN_TOOL_NAME CANOPEN_NODECOMPOSER
-#define GEN_TOOL_VERSION 0x040303ul
+#define GEN_TOOL_NAME	CANOPEN_NODECOMPOSER
+#define GEN_TOOL_VERSION	0x040303ul
 /* init struct versions */
-#define GEN_COMMON_INIT_STRUCT_VERSION 1u
-#define GEN_UDS_INIT_STRUCT_VERSION 6u
-#define GEN_CANOPEN_INIT_STRUCT_VERSION 5u
+#define GEN_COMMON_INIT_STRUCT_VERSION	1u
+#define GEN_UDS_INIT_STRUCT_VERSION	6u
+#define GEN_CANOPEN_INIT_STRUCT_VERSION	5u
 /* Line Settings */
-#define CAN_MULTI_LINE 1u
-#define CAN_MULTI_LINE_CNT 2u
-#define CANOPEN_SUPPORTED 1u
+#define CAN_MULTI_LINE	1u
+#define CAN_MULTI_LINE_CNT	2u
+#define CANOPEN_SUPPORTED	1u
 /* Number of receive/transmit buffer entries per line */
-#define CORE_REC_BUFFER_COUNTS 10u, 10u
-#define CORE_TR_BUFFER_COUNTS 5u, 5u
+#define CORE_REC_BUFFER_COUNTS	10u, 10u
+#define CORE_TR_BUFFER_COUNTS	5u, 5u
 /* Number of objects per line */
-#define CO_OBJECTS_LINE_0_CNT 4u
-#define CO_OBJECTS_LINE_1_CNT 4u
-#define CO_OBJECT_COUNTS 4u, 4u
-#define CORE_COB_COUNTS 15u, 17u
-#define CO_TXPDO_COUNTS 0u, 0u
-#define CO_RXPDO_COUNTS 0u, 0u
-#define CO_SSDO_COUNTS 1u, 1u
-#define CO_CSDO_COUNTS 0u, 0u
-#define CO_ASSIGN_COUNTS 0u, 0u
-#define CO_MAX_ASSIGN_COUNTS 0u, 0u
-#define CO_GUARDING_COUNTS CO_MAX_ASSIGN_COUNTS
-#define CO_ERR_CTRL_COUNTS 0u, 0u
-#define CO_ERR_HIST_COUNTS 0u, 0u
-#define CO_ACT_ERR_HIST_COUNTS 0u, 0u
-#define CO_EMCY_CONS_COUNTS 0u, 0u
-#define CO_NODE_IDS 1, 2
-#define CO_NODE_ID_FUNCTIONS NULL, NULL
+#define CO_OBJECTS_LINE_0_CNT	4u
+#define CO_OBJECTS_LINE_1_CNT	4u
+#define CO_OBJECT_COUNTS	4u, 4u
+#define CORE_COB_COUNTS	15u, 17u
+#define CO_TXPDO_COUNTS	0u, 0u
+#define CO_RXPDO_COUNTS	0u, 0u
+#define CO_SSDO_COUNTS	1u, 1u
+#define CO_CSDO_COUNTS	0u, 0u
+#define CO_ASSIGN_COUNTS	0u, 0u
+#define CO_MAX_ASSIGN_COUNTS	0u, 0u
+#define CO_GUARDING_COUNTS	CO_MAX_ASSIGN_COUNTS
+#define CO_ERR_CTRL_COUNTS	0u, 0u
+#define CO_ERR_HIST_COUNTS	0u, 0u
+#define CO_ACT_ERR_HIST_COUNTS	0u, 0u
+#define CO_EMCY_CONS_COUNTS	0u, 0u
+#define CO_NODE_IDS	1,2
+#define CO_NODE_ID_FUNCTIONS	NULL,NULL
 /* Definition of numbers of CANopen services */
-#define CO_SDO_SERVER_CNT 2u
+#define CO_SDO_SERVER_CNT	2u
 /* number of used COB objects */
-#define CORE_COB_CNT 32u
+#define CORE_COB_CNT	32u
 /* Definition of number of call-back functions for each service*/
 /* Definition of CAN queue sizes */
-#define CORE_CONFIG_REC_BUFFER_CNT 20u
-#define CORE_CONFIG_TRANS_BUFFER_CNT 10u
+#define CORE_CONFIG_REC_BUFFER_CNT	20u
+#define CORE_CONFIG_TRANS_BUFFER_CNT	10u
 
 /* ISO-TP Defines */
-#define ISOTP_SUPPORTED 1u
-#define ISOTP_CLIENT_CONNECTION_CNT 4u
-#define ISOTP_SERVER_CONNECTION_CNT 7u
-#define ISOTP_CLIENT_COUNTS 1u, 3u
-#define ISOTP_SERVER_COUNTS 4u, 3u
-#define UDS_SERVER_SUPPORTED 1u
-#define UDS_SECURITY_SEED_KEY_LEN 4u
-#define UDS_SESSION_TIMEOUT 5000u
-#define UDS_AUTHENTICATION_REQUIRED 1u
+#define ISOTP_SUPPORTED	1u
+#define ISOTP_CLIENT_CONNECTION_CNT	4u
+#define ISOTP_SERVER_CONNECTION_CNT	7u
+#define ISOTP_CLIENT_COUNTS	1u, 3u
+#define ISOTP_SERVER_COUNTS	4u, 3u
+#define UDS_SERVER_SUPPORTED	1u
+#define UDS_SECURITY_SEED_KEY_LEN	4u
+#define UDS_SESSION_TIMEOUT	5000u
+#define UDS_AUTHENTICATION_REQUIRED	1u
 
 /* static UDS indication binding */
-#define UDS_EVENT_STATIC_CHECK_REQ_SESSION 1u
-#define UDS_EVENT_STATIC_GENERIC_FCT 1u
+#define UDS_EVENT_STATIC_CHECK_REQ_SESSION	1u
+#define UDS_EVENT_STATIC_GENERIC_FCT	1u
 /* number of virtual objects */
 /* Hardware settings */
 #define TARGET_0 1u
-#define CORE_TIMER_INTERVAL 1000u
+#define CORE_TIMER_INTERVAL	1000u
 /* do not modify comments starting with 'user-specific section:' */
 /* user-specific section: start */
 

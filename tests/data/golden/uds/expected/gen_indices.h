@@ -7,38 +7,38 @@
 #ifndef GEN_INDICES_H
 #define GEN_INDICES_H 1
 
-#define L0_I_DEVICE_TYPE 0x1000u
-#define L0_S_DEVICE_TYPE 0x0u
+#define L0_I_DEVICE_TYPE            	0x1000u
+#define  L0_S_DEVICE_TYPE            	0x0u
 
-#define L0_I_ERROR_REGISTER 0x1001u
-#define L0_S_ERROR_REGISTER 0x0u
+#define L0_I_ERROR_REGISTER         	0x1001u
+#define  L0_S_ERROR_REGISTER         	0x0u
 
-#define L0_I_PRODUCER_HEARTBEAT_TIME 0x1017u
-#define L0_S_PRODUCER_HEARTBEAT_TIME 0x0u
+#define L0_I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  L0_S_PRODUCER_HEARTBEAT_TIME	0x0u
 
-#define L0_I_IDENTITY_OBJECT 0x1018u
-#define L0_S_HIGHEST_SUB_INDEX_SUPPORTED 0x0u
-#define L0_S_VENDOR_ID 0x1u
-#define L0_S_PRODUCT_CODE 0x2u
-#define L0_S_REVISION_NUMBER 0x3u
-#define L0_S_SERIAL_NUMBER 0x4u
+#define L0_I_IDENTITY_OBJECT        	0x1018u
+#define  L0_S_HIGHEST_SUB_INDEX_SUPPORTED	0x0u
+#define  L0_S_VENDOR_ID              	0x1u
+#define  L0_S_PRODUCT_CODE           	0x2u
+#define  L0_S_REVISION_NUMBER        	0x3u
+#define  L0_S_SERIAL_NUMBER          	0x4u
 
-#define L1_I_DEVICE_TYPE 0x1000u
-#define L1_S_DEVICE_TYPE 0x0u
+#define L1_I_DEVICE_TYPE            	0x1000u
+#define  L1_S_DEVICE_TYPE            	0x0u
 
-#define L1_I_ERROR_REGISTER 0x1001u
-#define L1_S_ERROR_REGISTER 0x0u
+#define L1_I_ERROR_REGISTER         	0x1001u
+#define  L1_S_ERROR_REGISTER         	0x0u
 
-#define L1_I_PRODUCER_HEARTBEAT_TIME 0x1017u
-#define L1_S_PRODUCER_HEARTBEAT_TIME 0x0u
+#define L1_I_PRODUCER_HEARTBEAT_TIME	0x1017u
+#define  L1_S_PRODUCER_HEARTBEAT_TIME	0x0u
 
-#define L1_I_IDENTITY_OBJECT 0x1018u
-#define L1_S_HIGHEST_SUB_INDEX_SUPPORTED 0x0u
-#define L1_S_VENDOR_ID 0x1u
-#define L1_S_PRODUCT_CODE 0x2u
-#define L1_S_REVISION_NUMBER 0x3u
-#define L1_S_SERIAL_NUMBER 0x4u
+#define L1_I_IDENTITY_OBJECT        	0x1018u
+#define  L1_S_HIGHEST_SUB_INDEX_SUPPORTED	0x0u
+#define  L1_S_VENDOR_ID              	0x1u
+#define  L1_S_PRODUCT_CODE           	0x2u
+#define  L1_S_REVISION_NUMBER        	0x3u
+#define  L1_S_SERIAL_NUMBER          	0x4u
 
-#define S_NUMBER_OF_ENTRIES 0x0u
+#define  S_NUMBER_OF_ENTRIES      	0x0u
 
 #endif /* GEN_INDICES_H */
