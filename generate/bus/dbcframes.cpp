@@ -171,17 +171,17 @@ quint32 DbcFrames::idOfPGN(quint32 pgn, quint8 priority, quint8 sourceAddress)
 
 void DbcFrames::addCanIds(ObjectDataBase &store, quint8 line)
 {
-    for (const BusMessage &message : BusMessage::canIds(store, line)) {
+    for (const LineMessage &message : LineMessages::ofDocuments(LineMessages::canIds(store, line), line)) {
         const quint32 id = message.isExtended() ? message.canId() | CANdb::extendedFrame : message.canId();
-        add({.id = id, .name = identifier(message.name, u"MSG_%1"_s.arg(message.canId()))}, message);
+        add({.id = id, .name = identifier(message.head.name, u"MSG_%1"_s.arg(message.canId()))}, message);
     }
 }
 
 void DbcFrames::addPGNs(ObjectDataBase &store, quint8 line, quint8 sourceAddress)
 {
-    for (const BusMessage &pgn : BusMessage::pgns(store, line)) {
-        add({.id = idOfPGN(pgn.number, pgn.priority, sourceAddress),
-             .name = identifier(pgn.name, u"MSG_%1"_s.arg(pgn.number)),
+    for (const LineMessage &pgn : LineMessages::ofDocuments(LineMessages::parameterGroups(store, line), line)) {
+        add({.id = idOfPGN(pgn.head.number, pgn.head.priority, sourceAddress),
+             .name = identifier(pgn.head.name, u"MSG_%1"_s.arg(pgn.head.number)),
              .isJ1939 = true},
             pgn);
     }
@@ -192,9 +192,9 @@ void DbcFrames::addStackMessages(quint8 sourceAddress, bool withDm1)
     for (const StackMessage &own : stackMessages) {
         if (own.isDm1 && !withDm1)
             continue;
-        BusMessage message{.number = own.pgn, .description = own.comment};
+        LineMessage message{.head = {.desc = own.comment, .number = own.pgn}};
         for (const StackSignal &signal : own.signalList) {
-            StoreRecords::SPN &spn = message.signalList.emplaceBack();
+            StoreRecords::SPN &spn = message.items.emplaceBack();
             spn.name = signal.name;
             spn.implementation = 0;
             spn.bitposition = static_cast<quint16>(signal.startBit);
@@ -226,19 +226,19 @@ qsizetype DbcFrames::placeFor(DbcFrame frame)
     return frames_.size() - 1;
 }
 
-void DbcFrames::add(DbcFrame frame, const BusMessage &message)
+void DbcFrames::add(DbcFrame frame, const LineMessage &message)
 {
     const qsizetype place = placeFor(std::move(frame));
     DbcFrame &target = frames_[place];
     if (target.comment.isEmpty())
-        target.comment = comment(message.description);
+        target.comment = comment(message.head.desc);
     if (target.cycleTimeMs == 0)
-        target.cycleTimeMs = message.cycleTimeMs;
-    for (const StoreRecords::SPN &signal : message.signalList) {
+        target.cycleTimeMs = message.head.cycletime_ms;
+    for (const StoreRecords::SPN &signal : message.items) {
         const DbcSignal added{.name = identifier(signal.name, u"SIG_%1"_s.arg(signal.spnnumber)),
                               .comment = comment(signal.desc),
                               .startBit = signal.bitposition,
-                              .bits = BusMessage::bitsOf(signal),
+                              .bits = LineMessages::bits(signal),
                               .isSigned = isSigned(signal.datatype),
                               .valueType = valueType(signal.datatype),
                               .isText = isCharacterType(signal.datatype),
@@ -257,7 +257,7 @@ bool DbcFrames::overlaps(const Contents &contents, const DbcSignal &signal)
     return behind != contents.ends.begin() && std::prev(behind).value() > signal.startBit;
 }
 
-void DbcFrames::addSignal(qsizetype place, DbcSignal signal, const BusMessage &message)
+void DbcFrames::addSignal(qsizetype place, DbcSignal signal, const LineMessage &message)
 {
     DbcFrame &target = frames_[place];
     Contents &contents = contents_[place];
@@ -269,9 +269,9 @@ void DbcFrames::addSignal(qsizetype place, DbcSignal signal, const BusMessage &m
             return;
     }
     if (form_ == Form::OneFrame && overlaps(contents, signal)) {
-        const QString direction = message.direction == 0    ? QString()
-                                  : message.isTransmitted() ? u", sent"_s
-                                                            : u", received"_s;
+        const QString direction = message.head.direction == 0 ? QString()
+                                  : message.isTransmitted()   ? u", sent"_s
+                                                              : u", received"_s;
         target.leftOut.append(u"%1 (%2|%3%4)"_s.arg(signal.name).arg(signal.startBit).arg(signal.bits).arg(direction));
         return;
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "generate/bus/candb.h"
-#include "generate/model/busmessages.h"
+#include "generate/model/linemessages.h"
 
 #include <QHash>
 #include <QMap>
@@ -79,9 +79,9 @@ private:
         QMap<quint32, quint32> ends = {};      ///< of the signals' bits, by the first; no two overlap
     };
 
-    void add(DbcFrame frame, const BusMessage &message);
+    void add(DbcFrame frame, const LineMessage &message);
     qsizetype placeFor(DbcFrame frame);
-    void addSignal(qsizetype place, DbcSignal signal, const BusMessage &message);
+    void addSignal(qsizetype place, DbcSignal signal, const LineMessage &message);
     static bool overlaps(const Contents &contents, const DbcSignal &signal);
 
     Form form_;

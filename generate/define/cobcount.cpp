@@ -8,7 +8,7 @@
 #include <array>
 
 using namespace Qt::StringLiterals;
-using namespace ObjectRange;
+namespace Index = CANopen::Index;
 
 namespace {
 
@@ -18,12 +18,12 @@ struct Line
     Settings settings;
     const LineDictionary &dictionary;
 
-    quint32 setting(const QString &key) const { return settings.number(key, dictionary.line()); }
-    bool isOn(const QString &key) const { return settings.isOn(key, dictionary.line()); }
+    quint32 setting(const QString &key) const { return settings.number(key, dictionary.number); }
+    bool isOn(const QString &key) const { return settings.isOn(key, dictionary.number); }
     bool canFd() const { return isOn(u"canfd_supported"_s); }
     bool isMaster() const { return isOn(u"nmtmaster"_s); }
     bool has(quint16 index) const { return dictionary.has(index); }
-    quint32 count(Range range) const { return dictionary.count(range.first, range.last); }
+    quint32 count(CANopen::IndexRange range) const { return dictionary.count(range); }
 };
 
 quint32 onePerEntry(const Line &line, quint16 index)
@@ -34,14 +34,14 @@ quint32 onePerEntry(const Line &line, quint16 index)
 
 quint32 heartbeats(const Line &line)
 {
-    const quint32 consumers = onePerEntry(line, 0x1016);
+    const quint32 consumers = onePerEntry(line, Index::heartbeatConsumers);
     return consumers > 0 && line.isOn(u"only_one_hb_buffer"_s) ? 1 : consumers;
 }
 
 quint32 sdoServers(const Line &line)
 {
-    const quint32 servers = line.count(ObjectRange::sdoServers);
-    return 2 * (servers == 0 && line.has(0x1000) ? 1 : servers);
+    const quint32 servers = line.count(Index::sdoServers);
+    return 2 * (servers == 0 && line.has(Index::deviceType) ? 1 : servers);
 }
 
 quint32 layerSetting(const Line &line)
@@ -53,10 +53,10 @@ quint32 layerSetting(const Line &line)
 
 quint32 assignedSlaves(const Line &line)
 {
-    if (!line.has(0x1F81))
+    if (!line.has(Index::slaveAssignment))
         return 0;
     const quint32 limit = line.setting(u"max_slave_assignment"_s);
-    return limit != 0 ? limit : line.dictionary.subCount(0x1F81);
+    return limit != 0 ? limit : line.dictionary.subCount(Index::slaveAssignment);
 }
 
 quint32 sleepMode(const Line &line)
@@ -74,7 +74,7 @@ quint32 sleepMode(const Line &line)
 quint32 flyingMaster(const Line &line)
 {
     constexpr quint32 takesPart = 1U << 5;
-    return (line.dictionary.value(0x1F80, 0) & takesPart) != 0 ? 10 : 0;
+    return (line.dictionary.value(Index::networkStartup, 0) & takesPart) != 0 ? 10 : 0;
 }
 
 constexpr std::array<quint32 (*)(const Line &), 18> terms{
@@ -83,22 +83,22 @@ constexpr std::array<quint32 (*)(const Line &), 18> terms{
             return 0;
         return line.isOn(u"usdo_client_cnt"_s) ? 4 : 2;
     },
-    [](const Line &line) -> quint32 { return line.has(0x1000) ? 2 : 0; },
-    [](const Line &line) -> quint32 { return line.has(0x1014) ? 1 : 0; },
-    [](const Line &line) -> quint32 { return onePerEntry(line, 0x1028); },
+    [](const Line &line) -> quint32 { return line.has(Index::deviceType) ? 2 : 0; },
+    [](const Line &line) -> quint32 { return line.has(Index::emcyCobId) ? 1 : 0; },
+    [](const Line &line) -> quint32 { return onePerEntry(line, Index::emcyConsumers); },
     sdoServers,
-    [](const Line &line) -> quint32 { return line.has(0x1300) ? 2 : 0; },
-    [](const Line &line) -> quint32 { return 2 * line.count(sdoClients); },
-    [](const Line &line) -> quint32 { return line.count(txMappings) + line.count(rxMappings); },
-    [](const Line &line) -> quint32 { return line.has(0x1005) ? 1 : 0; },
+    [](const Line &line) -> quint32 { return line.has(Index::globalFailSafe) ? 2 : 0; },
+    [](const Line &line) -> quint32 { return 2 * line.count(Index::sdoClients); },
+    [](const Line &line) -> quint32 { return line.count(Index::tpdoMappings) + line.count(Index::rpdoMappings); },
+    [](const Line &line) -> quint32 { return line.has(Index::syncCobId) ? 1 : 0; },
     heartbeats,
-    [](const Line &line) -> quint32 { return line.has(0x1012) ? 2 : 0; },
+    [](const Line &line) -> quint32 { return line.has(Index::timeCobId) ? 2 : 0; },
     layerSetting,
     [](const Line &line) -> quint32 { return line.isOn(u"idnego_supported"_s) ? 2 : 0; },
     assignedSlaves,
     sleepMode,
-    [](const Line &line) -> quint32 { return line.has(0x1F10) ? 1 : 0; },
-    [](const Line &line) -> quint32 { return 2 * line.count(srdos); },
+    [](const Line &line) -> quint32 { return line.has(Index::slaveReset) ? 1 : 0; },
+    [](const Line &line) -> quint32 { return 2 * line.count(Index::srdos); },
     flyingMaster,
 };
 
@@ -107,7 +107,7 @@ constexpr std::array<quint32 (*)(const Line &), 18> terms{
 quint32 CobCount::ofCanOpen(ObjectDataBase &store, const LineDictionary &dictionary)
 {
     const Line line{Settings(store), dictionary};
-    quint32 sum = additional(store, dictionary.line());
+    quint32 sum = additional(store, dictionary.number);
     for (const auto term : terms)
         sum += term(line);
     return sum;

@@ -3,6 +3,7 @@
 #include "generate/define/cobcount.h"
 #include "generate/define/definemodel.h"
 #include "generate/model/linedictionary.h"
+#include "generate/model/linemessages.h"
 #include "generate/model/linesettings.h"
 #include "nodedict/canopendatatype.h"
 #include "store/objectdatabase.h"
@@ -13,12 +14,11 @@
 #include <array>
 
 using namespace Qt::StringLiterals;
-using namespace ObjectRange;
+using CANopen::IndexRange;
+namespace Index = CANopen::Index;
 
 namespace {
 
-constexpr quint32 addressClaim = 60928;
-constexpr quint8 virtualObject = 3;
 /// Subindex 0 of the mapping of a multiplexed PDO (CiA 301).
 constexpr quint32 sourceAddressMode = 254;
 constexpr quint32 destinationAddressMode = 255;
@@ -58,8 +58,8 @@ private:
     quint32 cobs(const LineCounts &line, const LineDictionary &dictionary) const;
     void readProfile(const std::vector<LineDictionary> &dictionaries);
     void readPdos(const LineDictionary &dictionary);
-    void readMappings(const LineDictionary &dictionary, Range range, bool &multiplexed);
-    quint32 dynamicMappings(const LineDictionary &dictionary, Range pdos) const;
+    void readMappings(const LineDictionary &dictionary, IndexRange mappings, bool &multiplexed);
+    quint32 dynamicMappings(const LineDictionary &dictionary, IndexRange pdos) const;
     void readNetworkStart(const LineDictionary &dictionary);
     void readStaticSrdo(const LineDictionary &dictionary);
     void readTypes(const LineDictionary &dictionary);
@@ -86,18 +86,18 @@ void DefineCollector::collect()
     model_.canFd = model_.isSet(u"canfd_supported"_s);
     std::vector<LineDictionary> dictionaries;
     for (const quint8 number : LineSettings::stackLines(store_)) {
-        LineDictionary dictionary(store_, number);
+        LineDictionary dictionary(store_, number, 0);
         if (dictionary.takesPart(RunContext::protocolsOf(store_, number)))
             dictionaries.push_back(std::move(dictionary));
     }
     if (dictionaries.empty())
-        dictionaries.emplace_back(store_, quint8{0});
+        dictionaries.emplace_back(store_, quint8{0}, quint16{0});
     model_.severalLines = dictionaries.size() > 1 || model_.options.generateMultiLine;
 
     for (const LineDictionary &dictionary : dictionaries) {
         countLine(dictionary);
-        for (const quint16 index : dictionary.indices())
-            model_.objects_.insert(index);
+        for (const LineObject &object : dictionary.range(Index::all))
+            model_.objects_.insert(object.index);
         readPdos(dictionary);
         readNetworkStart(dictionary);
         readStaticSrdo(dictionary);
@@ -110,7 +110,7 @@ void DefineCollector::collect()
 
 void DefineCollector::countLine(const LineDictionary &dictionary)
 {
-    LineCounts line{.number = dictionary.line(), .protocols = RunContext::protocolsOf(store_, dictionary.line())};
+    LineCounts line{.number = dictionary.number, .protocols = RunContext::protocolsOf(store_, dictionary.number)};
     line.receiveBuffer = text(u"receivebuffersize"_s, line);
     line.transmitBuffer = text(u"transmitbuffersize"_s, line);
     line.nodeIdFunction = text(u"co_node_id_fct"_s, line);
@@ -127,23 +127,22 @@ void DefineCollector::countLine(const LineDictionary &dictionary)
 
 void DefineCollector::countObjects(LineCounts &line, const LineDictionary &dictionary) const
 {
-    const auto count = [&](Range range) { return dictionary.count(range.first, range.last); };
-    line.hasDeviceType = dictionary.has(0x1000);
-    line.objects = static_cast<quint32>(dictionary.indices().size());
-    line.txPdos = count(txPdos);
-    line.rxPdos = count(rxPdos);
-    line.txMappings = count(txMappings);
-    line.rxMappings = count(rxMappings);
-    line.srdos = count(srdos);
-    line.assignedSlaves = dictionary.subCount(0x1F81);
+    line.hasDeviceType = dictionary.has(Index::deviceType);
+    line.objects = dictionary.count(Index::all);
+    line.txPdos = dictionary.count(Index::tpdos);
+    line.rxPdos = dictionary.count(Index::rpdos);
+    line.txMappings = dictionary.count(Index::tpdoMappings);
+    line.rxMappings = dictionary.count(Index::rpdoMappings);
+    line.srdos = dictionary.count(Index::srdos);
+    line.assignedSlaves = dictionary.subCount(Index::slaveAssignment);
     const quint32 maxAssigned = setting(u"max_slave_assignment"_s, line);
     line.maxAssignedSlaves = maxAssigned != 0 ? maxAssigned : line.assignedSlaves;
-    line.errorControls = dictionary.subCount(0x1016);
-    line.storeEntries = dictionary.subCount(0x1010);
-    line.errorHistory = dictionary.subCount(0x1003);
-    line.activeErrors = dictionary.subCount(0x1032);
-    line.emergencyConsumers = dictionary.subCount(0x1028);
-    line.networkRoutes = dictionary.subCount(0x1F2C);
+    line.errorControls = dictionary.subCount(Index::heartbeatConsumers);
+    line.storeEntries = dictionary.subCount(Index::storeParameters);
+    line.errorHistory = dictionary.subCount(Index::errorHistory);
+    line.activeErrors = dictionary.subCount(Index::activeErrors);
+    line.emergencyConsumers = dictionary.subCount(Index::emcyConsumers);
+    line.networkRoutes = dictionary.subCount(Index::networkRouting);
 }
 
 /// The servers and clients that have objects. Where there are none, a classical CANopen device still has its default
@@ -153,10 +152,10 @@ void DefineCollector::countSdo(LineCounts &line, const LineDictionary &dictionar
     const bool canOpenOnly = line.protocols.canOpen && !line.protocols.combined();
     const bool j1939 = line.protocols.j1939 && !line.protocols.canOpen;
     const auto supports = [&](const QString &key) { return j1939 && model_.j1939_.isOn(key, line.number); };
-    line.sdoServers = dictionary.count(sdoServers.first, sdoServers.last);
+    line.sdoServers = dictionary.count(Index::sdoServers);
     if (line.sdoServers == 0 && ((canOpenOnly && !model_.canFd) || supports(u"cia510serversupport"_s)))
         line.sdoServers = 1;
-    line.sdoClients = dictionary.count(sdoClients.first, sdoClients.last);
+    line.sdoClients = dictionary.count(Index::sdoClients);
     if (line.sdoClients == 0 && supports(u"cia510clientsupport"_s))
         line.sdoClients = 1;
     if (isOn(u"usdo_server_enabled"_s, line))
@@ -187,9 +186,10 @@ void DefineCollector::countConnections(LineCounts &line) const
 void DefineCollector::countGroups(LineCounts &line)
 {
     const bool safety = model_.j1939_.isOn(u"safetysupport"_s, line.number);
-    for (const ObjectDataBase::PGN &group : store_.getAllPGNs(line.number)) {
-        const bool received = group.direction == ObjectDataBase::receive;
-        if (group.number == addressClaim || (!received && group.direction != ObjectDataBase::transmit))
+    for (const LineMessage &message : LineMessages::parameterGroups(store_, line.number)) {
+        const StoreRecords::PGN &group = message.head;
+        const bool received = !message.isTransmitted();
+        if (group.number == LineMessages::addressClaim)
             continue;
         quint32 &groups = received ? line.receivedPgns : line.transmittedPgns;
         quint32 &safetyGroups = received ? line.receivedSafetyGroups : line.transmittedSafetyGroups;
@@ -202,13 +202,10 @@ void DefineCollector::countGroups(LineCounts &line)
 
 void DefineCollector::countCanIds(LineCounts &line)
 {
-    const auto count = [&](quint8 direction) {
-        return static_cast<quint32>(store_.getCANIDList(line.number, direction).size());
-    };
-    line.receivedCanIds = count(ObjectDataBase::receive);
-    line.transmittedCanIds = count(ObjectDataBase::transmit);
-    for (const ObjectDataBase::CANID &canId : store_.getAllCANIDs(line.number))
-        model_.inhibitedCanIds |= canId.direction == ObjectDataBase::transmit && canId.inhibittime_ms > 0;
+    for (const LineMessage &canId : LineMessages::canIds(store_, line.number)) {
+        ++(canId.isTransmitted() ? line.transmittedCanIds : line.receivedCanIds);
+        model_.inhibitedCanIds |= canId.isTransmitted() && canId.head.inhibittime_ms > 0;
+    }
 }
 
 quint32 DefineCollector::cobs(const LineCounts &line, const LineDictionary &dictionary) const
@@ -223,52 +220,55 @@ void DefineCollector::readProfile(const std::vector<LineDictionary> &dictionarie
 {
     constexpr quint32 firstDeviceProfile = 401;
     constexpr quint16 vehicleAddOn = 447;
-    const quint8 sub = model_.canFd ? 1 : 0;
-    const auto deviceType = [&](const LineDictionary &each) { return each.value(0x1000, sub); };
+    constexpr quint16 vehicleGroups = 0x6000;
+    const quint8 typeSub = model_.canFd ? 1 : 0;
+    const auto deviceType = [&](const LineDictionary &each) { return each.value(Index::deviceType, typeSub); };
     if (std::ranges::none_of(dictionaries, [&](const auto &each) { return deviceType(each) >= firstDeviceProfile; }))
         return;
-    const auto first = std::ranges::find_if(dictionaries, [](const auto &each) { return each.has(0x1000); });
+    const auto first = std::ranges::find_if(dictionaries, [](const auto &each) { return each.has(Index::deviceType); });
     model_.dictionary.profile = static_cast<quint16>(deviceType(*first));
     if (model_.dictionary.profile != vehicleAddOn)
         return;
     for (const quint8 group : {quint8{1}, quint8{2}}) {
-        if (first->subs(0x6000).contains(group))
-            model_.dictionary.vehicleGroups.append(first->value(0x6000, group));
+        if (const StoreRecords::SubEntry *sub = first->sub(vehicleGroups, group))
+            model_.dictionary.vehicleGroups.append(defaultNumber(sub));
     }
 }
 
 void DefineCollector::readPdos(const LineDictionary &dictionary)
 {
+    const auto has = [&](IndexRange pdos, quint8 subindex) {
+        return std::ranges::any_of(dictionary.range(pdos), [&](const LineObject &pdo) { return pdo.sub(subindex); });
+    };
+    constexpr quint8 inhibitTime = 3;
+    constexpr quint8 eventTimer = 5;
     DefineModel::Dictionary &result = model_.dictionary;
-    for (const ObjectDataBase::SubKey &key : store_.findSubIndices(dictionary.line(), u"subindex"_s, u"5"_s))
-        result.receiveTimer |= key.index >= rxPdos.first && key.index <= rxPdos.last;
-    for (const ObjectDataBase::SubKey &key : store_.findSubIndices(dictionary.line(), u"subindex"_s, u"3"_s))
-        result.inhibit |= key.index >= txPdos.first && key.index <= txPdos.last;
-    result.inhibit |= dictionary.has(0x1015);
-    readMappings(dictionary, rxMappings, result.multiplexReceive);
-    readMappings(dictionary, txMappings, result.multiplexTransmit);
-    result.dynamicRxMappings += dynamicMappings(dictionary, rxPdos);
-    result.dynamicTxMappings += dynamicMappings(dictionary, txPdos);
+    result.receiveTimer |= has(Index::rpdos, eventTimer);
+    result.inhibit |= has(Index::tpdos, inhibitTime) || dictionary.has(Index::emcyInhibitTime);
+    readMappings(dictionary, Index::rpdoMappings, result.multiplexReceive);
+    readMappings(dictionary, Index::tpdoMappings, result.multiplexTransmit);
+    result.dynamicRxMappings += dynamicMappings(dictionary, Index::rpdos);
+    result.dynamicTxMappings += dynamicMappings(dictionary, Index::tpdos);
 }
 
-void DefineCollector::readMappings(const LineDictionary &dictionary, Range range, bool &multiplexed)
+void DefineCollector::readMappings(const LineDictionary &dictionary, IndexRange mappings, bool &multiplexed)
 {
     DefineModel::Dictionary &result = model_.dictionary;
-    for (const quint16 index : dictionary.range(range.first, range.last)) {
-        const quint32 subs = dictionary.subCount(index);
+    for (const LineObject &mapping : dictionary.range(mappings)) {
+        const auto subs = static_cast<quint32>(mapping.subs.size());
         result.maxMapEntries = std::max(result.maxMapEntries, subs > 0 ? subs - 1 : 0);
-        const quint32 entries = dictionary.value(index, 0);
+        const quint32 entries = defaultNumber(mapping.sub(0));
         result.multiplexSource |= entries == sourceAddressMode;
         result.multiplexDestination |= entries == destinationAddressMode;
         multiplexed |= entries == sourceAddressMode || entries == destinationAddressMode;
     }
 }
 
-quint32 DefineCollector::dynamicMappings(const LineDictionary &dictionary, Range pdos) const
+quint32 DefineCollector::dynamicMappings(const LineDictionary &dictionary, IndexRange pdos) const
 {
-    const QList<quint16> indices = dictionary.range(pdos.first, pdos.last);
-    return static_cast<quint32>(std::ranges::count_if(indices, [&](quint16 index) {
-        return dictionary.access(static_cast<quint16>(index + mappingOffset), 0) == "rw"_L1;
+    return static_cast<quint32>(std::ranges::count_if(dictionary.range(pdos), [&](const LineObject &pdo) {
+        const StoreRecords::SubEntry *count = dictionary.sub(pdo.index + Index::pdoMappingOffset, 0);
+        return count && count->data.accesstype == "rw"_L1;
     }));
 }
 
@@ -276,12 +276,12 @@ quint32 DefineCollector::dynamicMappings(const LineDictionary &dictionary, Range
 /// itself.
 void DefineCollector::readNetworkStart(const LineDictionary &dictionary)
 {
-    const bool isMaster = model_.general_.isOn(u"nmtmaster"_s, dictionary.line());
-    if (dictionary.has(0x1F80))
+    const bool isMaster = model_.general_.isOn(u"nmtmaster"_s, dictionary.number);
+    if (dictionary.has(Index::networkStartup))
         (isMaster ? model_.dictionary.flyingMaster : model_.dictionary.selfStarting) = true;
 
     const quint8 currentLine = store_.currentLine();
-    store_.setCurrentLine(dictionary.line());
+    store_.setCurrentLine(dictionary.number);
     if (LineSettings::number(store_.getDescriptionSetting(u"SelfStarting"_s)) > 0)
         model_.dictionary.selfStarting = true;
     store_.setCurrentLine(currentLine);
@@ -293,15 +293,15 @@ void DefineCollector::readStaticSrdo(const LineDictionary &dictionary)
     if (!model_.isSet(u"static_srdo_data"_s))
         return;
     QSet<quint32> seen;
-    for (const quint16 index : dictionary.range(srdoMappings.first, srdoMappings.last)) {
-        for (const quint8 entry : dictionary.subs(index)) {
-            const quint32 mapped = entry == 0 ? 0 : dictionary.value(index, entry) >> 8;
-            const auto object = static_cast<quint16>(mapped >> 8);
-            if (mapped == 0 || seen.contains(mapped) || !dictionary.has(object))
+    for (const LineObject &mapping : dictionary.range(Index::staticSrdoMappings)) {
+        for (const StoreRecords::SubEntry &entry : mapping.subs) {
+            const quint32 mapped = entry.subindex == 0 ? 0 : defaultNumber(&entry) >> 8;
+            const auto index = static_cast<quint16>(mapped >> 8);
+            const StoreRecords::SubEntry *sub = dictionary.sub(index, static_cast<quint8>(mapped));
+            if (!sub || index < Index::all.first || seen.contains(mapped))
                 continue;
             seen.insert(mapped);
-            const auto sub = static_cast<quint8>(mapped);
-            ++model_.dictionary.staticSrdo[storedAs(store_.getSubIndexDataType(dictionary.line(), object, sub))];
+            ++model_.dictionary.staticSrdo[storedAs(sub->data.datatype)];
         }
     }
 }
@@ -309,25 +309,22 @@ void DefineCollector::readStaticSrdo(const LineDictionary &dictionary)
 void DefineCollector::readTypes(const LineDictionary &dictionary)
 {
     DefineModel::Dictionary &result = model_.dictionary;
-    const quint8 line = dictionary.line();
-    const auto has = [&](quint16 dataType) {
-        return !store_.findSubIndices(line, u"datatype"_s, QString::number(dataType)).isEmpty();
-    };
-    result.wideTypes = result.wideTypes || std::ranges::any_of(wideTypes, has);
-    result.utf8 = result.utf8 || has(CAN::Utf8String);
-
-    QSet<quint16> virtualIndices;
-    const auto virtualSubs = store_.findSubIndices(line, u"implementation"_s, QString::number(virtualObject));
-    for (const ObjectDataBase::SubKey &key : virtualSubs) {
-        if (key.subindex == 0 && key.index >= all.first)
-            virtualIndices.insert(key.index);
+    for (const LineObject &object : dictionary.objects) {
+        for (const StoreRecords::SubEntry &sub : object.subs) {
+            result.wideTypes |= std::ranges::find(wideTypes, sub.data.datatype) != wideTypes.end();
+            result.utf8 |= sub.data.datatype == CAN::Utf8String;
+        }
     }
-    result.virtualObjects += static_cast<quint32>(virtualIndices.size());
-    for (const ObjectDataBase::SubKey &key : virtualSubs) {
-        if (!virtualIndices.contains(key.index))
+    for (const LineObject &object : dictionary.range(Index::all)) {
+        if (!object.isVirtual())
             continue;
-        ++result.virtualSubs;
-        ++result.virtualTypes[storedAs(store_.getSubIndexDataType(line, key.index, key.subindex))];
+        ++result.virtualObjects;
+        for (const StoreRecords::SubEntry &sub : object.subs) {
+            if (sub.data.implementation != CANopen::Implementation::VirtualObject)
+                continue;
+            ++result.virtualSubs;
+            ++result.virtualTypes[storedAs(sub.data.datatype)];
+        }
     }
 }
 

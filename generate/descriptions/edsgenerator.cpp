@@ -7,13 +7,14 @@
 #include <QDebug>
 #include <QThread>
 
+#include <algorithm>
+#include <iterator>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
 const QString tagAttribute = u"eds_define"_s;
-
-constexpr quint16 firstIndex = 0x1000;
 
 /// Objects that exist with CANopen FD only.
 constexpr bool isExtendedOnly(quint16 index)
@@ -42,11 +43,10 @@ QStringList edsTags(ObjectDataBase &store, quint8 line)
         if (own != metadata.constEnd() && !tags.contains(*own))
             tags.append(*own);
     };
-    const ObjectReader reader(store, line, firstIndex);
-    for (const quint16 index : reader.indices()) {
-        const ObjectRecords records = reader.read(index);
-        note(records.object.metadata);
-        for (const ObjectRecords::Sub &sub : records.subs)
+    const LineDictionary dictionary(store, line);
+    for (const LineObject &object : dictionary.objects) {
+        note(object.data.metadata);
+        for (const StoreRecords::SubEntry &sub : object.subs)
             note(sub.data.metadata);
     }
     return tags;
@@ -67,30 +67,23 @@ QString EDSGenerator::jobName() const
     return u"EDS file"_s;
 }
 
-QList<quint16> EDSGenerator::writtenIndices(const ObjectReader &reader) const
-{
-    QList<quint16> indices;
-    for (auto object = reader.objects().cbegin(); object != reader.objects().cend(); ++object) {
-        if (variant_.holds(object->metadata) && (variant_.extended || !isExtendedOnly(object.key())))
-            indices.append(object.key());
-    }
-    return indices;
-}
-
 void EDSGenerator::write(QTextStream &stream)
 {
-    EdsWriter writer(stream, *database(), line(), variant_);
-    const ObjectReader reader(*database(), line(), firstIndex);
-    const QList<quint16> indices = writtenIndices(reader);
+    const LineDictionary dictionary(*database(), line());
+    std::vector<LineObject> objects;
+    std::ranges::copy_if(dictionary.objects, std::back_inserter(objects), [this](const LineObject &object) {
+        return variant_.holds(object.data.metadata) && (variant_.extended || !isExtendedOnly(object.index));
+    });
+    EdsWriter writer(stream, *database(), dictionary, variant_);
     writer.writeHead(baseName());
-    writer.writeObjectLists(indices);
+    writer.writeObjectLists(objects);
     Q_EMIT progress(25);
-    for (const quint16 index : indices) {
+    for (const LineObject &object : objects) {
         if (takeCancelRequest()) {
             qDebug() << "Generation aborted";
             break;
         }
-        writer.writeObject(reader.read(index));
+        writer.writeObject(object);
         QThread::yieldCurrentThread();
     }
     Q_EMIT progress(98);

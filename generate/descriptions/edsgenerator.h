@@ -6,7 +6,6 @@
 #include <QStringList>
 
 class ObjectDataBase;
-class ObjectReader;
 
 /// Which of a line's device descriptions is meant.
 struct EdsVariant
@@ -41,7 +40,5 @@ protected:
     void write(QTextStream &stream) override;
 
 private:
-    QList<quint16> writtenIndices(const ObjectReader &reader) const;
-
     EdsVariant variant_;
 };

@@ -5,35 +5,24 @@
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 #include "texttools/clock.h"
+#include "texttools/numbertext.h"
 
 #include <QCoreApplication>
 
 #include <array>
 
 using namespace Qt::StringLiterals;
+using CANopen::IndexRange;
 using Code::dec;
 using Code::hex;
+namespace Index = CANopen::Index;
 
 namespace {
 
-constexpr quint16 deviceType = 0x1000;
-constexpr quint16 identityObject = 0x1018;
-constexpr quint16 firstManufacturerIndex = 0x2000;
-
-struct IndexRange
-{
-    quint16 first;
-    quint16 last;
-
-    constexpr bool holds(quint16 index) const { return index >= first && index <= last; }
-};
-
-constexpr IndexRange receivePdos{0x1400, 0x15ff};
-constexpr IndexRange transmitPdos{0x1800, 0x19ff};
-constexpr IndexRange pdoMappings{0x1600, 0x1bff};
-constexpr IndexRange communication{0x1000, 0x1fff};
-constexpr IndexRange manufacturer{0x2000, 0x5fff};
-constexpr IndexRange profile{0x6000, 0xcfff};
+constexpr IndexRange pdoMappings{0x1600, 0x1BFF};
+constexpr IndexRange communication{0x1000, 0x1FFF};
+constexpr IndexRange manufacturer{0x2000, 0x5FFF};
+constexpr IndexRange profile{0x6000, 0xCFFF};
 
 /// The value of a mapping's subindex 0 from which on it is that of a multiplexed PDO (CiA 301: 254 SAM, 255 DAM).
 constexpr quint32 firstMultiplexed = 254;
@@ -47,17 +36,15 @@ constexpr qsizetype longestCommentLine = 250;
 
 constexpr bool isMandatory(quint16 index)
 {
-    return index == 0x1000 || index == 0x1001 || index == 0x1018;
+    return index == Index::deviceType || index == Index::errorRegister || index == Index::identity;
 }
 
 QString dataTypeOf(const StoreRecords::SubIndexData &sub)
 {
     const auto own = sub.metadata.constFind(u"eds_datatype"_s);
     if (own != sub.metadata.constEnd()) {
-        bool isNumber = false;
-        const uint type = own->toUInt(&isNumber, 0);
-        if (isNumber)
-            return dec(type);
+        if (const std::optional<quint32> type = NumberText::byPrefix(*own))
+            return dec(*type);
     }
     return dec(sub.datatype < firstOwnDataType ? sub.datatype : quint16{CAN::Unsigned8});
 }
@@ -74,13 +61,13 @@ QString textOf(const QList<uint> &characters)
 
 } // namespace
 
-EdsWriter::EdsWriter(QTextStream &stream, ObjectDataBase &store, quint8 line, EdsVariant variant)
+EdsWriter::EdsWriter(QTextStream &stream, ObjectDataBase &store, const LineDictionary &dictionary, EdsVariant variant)
     : out_(stream)
     , store_(store)
-    , line_(line)
+    , dictionary_(dictionary)
     , variant_(std::move(variant))
 {
-    store_.setCurrentLine(line);
+    store_.setCurrentLine(dictionary.number);
 }
 
 void EdsWriter::pair(const QString &key, const QString &value)
@@ -95,9 +82,8 @@ QString EdsWriter::setting(const QString &key) const
 
 QString EdsWriter::identity(quint8 subindex) const
 {
-    StoreRecords::SubIndexData sub;
-    store_.getSubIndex(line_, identityObject, subindex, sub);
-    return DocText::oneLine(sub.defaultvalue);
+    const StoreRecords::SubEntry *sub = dictionary_.entry(Index::identity, subindex);
+    return sub ? DocText::oneLine(sub->data.defaultvalue) : QString();
 }
 
 void EdsWriter::writeHead(const QString &baseName)
@@ -172,9 +158,7 @@ void EdsWriter::writeComments()
 
 void EdsWriter::writeDeviceInfo()
 {
-    const auto count = [this](const IndexRange &range) {
-        return QString::number(store_.getIndexList(line_, range.first, range.last).size());
-    };
+    const auto count = [this](IndexRange range) { return dec(dictionary_.count(range)); };
     const QString granularity = setting(u"Granularity"_s);
     out_(uR"(
         [DeviceInfo]
@@ -216,8 +200,8 @@ void EdsWriter::writeDeviceInfo()
           {"B500", setting(u"BaudRate_500"_s)},
           {"B800", setting(u"BaudRate_800"_s)},
           {"B1000", setting(u"BaudRate_1000"_s)},
-          {"RECEIVE", count(receivePdos)},
-          {"TRANSMIT", count(transmitPdos)},
+          {"RECEIVE", count(Index::rpdos)},
+          {"TRANSMIT", count(Index::tpdos)},
           {"LSS", setting(u"LSS_Supported"_s)},
           {"GRANULARITY", granularity.isEmpty() ? u"0"_s : granularity},
           {"GROUP", hasMultiplexedPdo() ? u"1"_s : u"0"_s}});
@@ -225,24 +209,23 @@ void EdsWriter::writeDeviceInfo()
 
 bool EdsWriter::hasMultiplexedPdo() const
 {
-    const QList<quint16> mappings = store_.getIndexList(line_, pdoMappings.first, pdoMappings.last);
-    return std::ranges::any_of(mappings, [this](quint16 index) {
-        StoreRecords::SubIndexData count;
-        return store_.getSubIndex(line_, index, 0, count) && count.defaultvalue.toUInt(nullptr, 0) >= firstMultiplexed;
+    return std::ranges::any_of(dictionary_.range(pdoMappings), [](const LineObject &mapping) {
+        return defaultNumber(mapping.sub(0)) >= firstMultiplexed;
     });
 }
 
-void EdsWriter::writeObjectLists(const QList<quint16> &indices)
+void EdsWriter::writeObjectLists(std::span<const LineObject> objects)
 {
     QList<quint16> optional;
     QList<quint16> manufacturers;
-    for (const quint16 index : indices) {
-        if (manufacturer.holds(index))
+    for (const LineObject &object : objects) {
+        const quint16 index = object.index;
+        if (manufacturer.contains(index))
             manufacturers.append(index);
-        else if ((communication.holds(index) && !isMandatory(index)) || profile.holds(index))
+        else if ((communication.contains(index) && !isMandatory(index)) || profile.contains(index))
             optional.append(index);
     }
-    writeList(u"MandatoryObjects"_s, {0x1000, 0x1001, 0x1018});
+    writeList(u"MandatoryObjects"_s, {Index::deviceType, Index::errorRegister, Index::identity});
     writeList(u"ManufacturerObjects"_s, manufacturers);
     writeList(u"OptionalObjects"_s, optional);
 }
@@ -256,15 +239,15 @@ void EdsWriter::writeList(const QString &section, const QList<quint16> &indices)
     out_(u"");
 }
 
-void EdsWriter::writeObject(const ObjectRecords &object)
+void EdsWriter::writeObject(const LineObject &object)
 {
-    const quint32 code = object.object.objecttype;
+    const quint32 code = object.data.objecttype;
     out_(u"[${INDEX}]", {{"INDEX", hex(object.index, 4)}});
     pair(u"ParameterName"_s, object.name());
-    if (!variant_.extended && object.index == deviceType && code == CANopen::Array) {
+    if (!variant_.extended && object.index == Index::deviceType && code == CANopen::Array) {
         // A device of several profiles lists their types; without FD only the first of them counts.
         pair(u"ObjectType"_s, dec(CANopen::Var));
-        if (const ObjectRecords::Sub *first = object.sub(1))
+        if (const StoreRecords::SubEntry *first = object.sub(1))
             writeAttributes(first->data, first->data.defaultvalue, first->data.description);
     } else {
         pair(u"ObjectType"_s, dec(code));
@@ -276,20 +259,20 @@ void EdsWriter::writeObject(const ObjectRecords &object)
     out_(u"");
 }
 
-void EdsWriter::writePlain(const ObjectRecords &object)
+void EdsWriter::writePlain(const LineObject &object)
 {
     const StoreRecords::SubIndexData unnamed;
-    const ObjectRecords::Sub *sub = object.sub(0);
+    const StoreRecords::SubEntry *sub = object.sub(0);
     const StoreRecords::SubIndexData &data = sub ? sub->data : unnamed;
     writeAttributes(data, data.defaultvalue, object.plainDescription());
 }
 
-void EdsWriter::writeGroup(const ObjectRecords &object)
+void EdsWriter::writeGroup(const LineObject &object)
 {
-    const auto isInFile = [this](const ObjectRecords::Sub &sub) { return variant_.holds(sub.data.metadata); };
+    const auto isInFile = [this](const StoreRecords::SubEntry &sub) { return variant_.holds(sub.data.metadata); };
     pair(u"SubNumber"_s, QString::number(std::ranges::count_if(object.subs, isInFile)));
-    writeDescription(object.object.description);
-    for (const ObjectRecords::Sub &sub : object.subs) {
+    writeDescription(object.data.description);
+    for (const StoreRecords::SubEntry &sub : object.subs) {
         if (!isInFile(sub))
             continue;
         out_(uR"(
@@ -297,9 +280,9 @@ void EdsWriter::writeGroup(const ObjectRecords &object)
             [${INDEX}sub${SUBINDEX}]
             )",
              {{"INDEX", hex(object.index, 4)}, {"SUBINDEX", hex(sub.subindex)}});
-        pair(u"ParameterName"_s, object.name(sub));
+        pair(u"ParameterName"_s, filledText(sub.data.name, sub));
         pair(u"ObjectType"_s, dec(CANopen::Var));
-        const bool countsSubs = sub.subindex == 0 && object.index >= firstManufacturerIndex;
+        const bool countsSubs = sub.subindex == 0 && object.index >= manufacturer.first;
         writeAttributes(sub.data, countsSubs ? dec(object.highestSubindex()) : sub.data.defaultvalue,
                         sub.data.description);
     }

@@ -2,7 +2,7 @@
 
 #include "generate/base/codewriter.h"
 #include "generate/descriptions/edsgenerator.h"
-#include "generate/model/objectrecords.h"
+#include "generate/model/linedictionary.h"
 
 class ObjectDataBase;
 
@@ -14,13 +14,14 @@ class ObjectDataBase;
 class EdsWriter
 {
 public:
-    EdsWriter(QTextStream &stream, ObjectDataBase &store, quint8 line, EdsVariant variant);
+    /// `dictionary` has to outlive the writer.
+    EdsWriter(QTextStream &stream, ObjectDataBase &store, const LineDictionary &dictionary, EdsVariant variant);
 
     /// FileInfo to DummyUsage.
     void writeHead(const QString &baseName);
-    /// The lists of mandatory, manufacturer's and optional objects. `indices` are those that get sections, ascending.
-    void writeObjectLists(const QList<quint16> &indices);
-    void writeObject(const ObjectRecords &object);
+    /// The lists of mandatory, manufacturer's and optional objects, of those that get sections, ascending.
+    void writeObjectLists(std::span<const LineObject> objects);
+    void writeObject(const LineObject &object);
     /// The text that the user adds to the end of the file.
     void writeAdditionalSections();
 
@@ -31,8 +32,8 @@ private:
     void writeComments();
     void writeDeviceInfo();
     void writeList(const QString &section, const QList<quint16> &indices);
-    void writePlain(const ObjectRecords &object);
-    void writeGroup(const ObjectRecords &object);
+    void writePlain(const LineObject &object);
+    void writeGroup(const LineObject &object);
     void writeAttributes(const StoreRecords::SubIndexData &sub, const QString &defaultValue,
                          const QString &description);
     void writeDescription(const QString &text);
@@ -40,6 +41,6 @@ private:
 
     CodeWriter out_;
     ObjectDataBase &store_;
-    const quint8 line_;
+    const LineDictionary &dictionary_;
     const EdsVariant variant_;
 };

@@ -3,10 +3,11 @@
 #include "generate/base/codewriter.h"
 #include "generate/common/doctext.h"
 #include "generate/common/documentname.h"
-#include "generate/model/objectrecords.h"
+#include "generate/model/linedictionary.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 #include "texttools/clock.h"
+#include "texttools/numbertext.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -14,23 +15,19 @@
 #include <QXmlStreamWriter>
 
 using namespace Qt::StringLiterals;
+using CANopen::Implementation;
 using Code::dec;
 using Code::hex;
 
 namespace {
 
-constexpr quint16 identityObject = 0x1018;
-
 /// The namespace of XML Schema instances (W3C XML Schema part 1).
 constexpr auto schemaInstance = "http://www.w3.org/2001/XMLSchema-instance"_L1;
-
-constexpr quint8 managedConst = 1;
-constexpr quint8 applicationVariable = 2;
 
 QString vendorId(ObjectDataBase &store, quint8 line)
 {
     StoreRecords::SubIndexData sub;
-    store.getSubIndex(line, identityObject, 1, sub);
+    store.getSubIndex(line, CANopen::Index::identity, 1, sub);
     return sub.defaultvalue;
 }
 
@@ -57,7 +54,7 @@ QString usdoAccess(const QString &access)
 bool showsDefault(const StoreRecords::SubIndexData &sub)
 {
     return sub.defaultineds && !sub.defaultvalue.isEmpty() &&
-           (sub.implementation == applicationVariable || sub.implementation == managedConst);
+           (sub.implementation == Implementation::Variable || sub.implementation == Implementation::ManagedConst);
 }
 
 /// Prints the document. All texts pass through `text` and `attribute`.
@@ -114,17 +111,17 @@ public:
         endProfile();
     }
 
-    void writeObject(const ObjectRecords &records)
+    void writeObject(const LineObject &object)
     {
-        const quint32 code = records.object.objecttype;
+        const quint32 code = object.data.objecttype;
         begin("CANopenFDDataObject"_L1);
-        attribute("index"_L1, hex(records.index, 4));
-        attribute("name"_L1, records.name());
+        attribute("index"_L1, hex(object.index, 4));
+        attribute("name"_L1, object.name());
         attribute("objectType"_L1, dec(code));
         if (code != CANopen::Record)
-            attribute("dataType"_L1, hex(records.object.datatype, 2));
-        for (const ObjectRecords::Sub &sub : records.subs)
-            writeElement(sub.subindex, records.name(sub), sub.data);
+            attribute("dataType"_L1, hex(object.data.datatype, 2));
+        for (const StoreRecords::SubEntry &sub : object.subs)
+            writeElement(sub.subindex, filledText(sub.data.name, sub), sub.data);
         end();
     }
 
@@ -200,7 +197,7 @@ private:
 
 QString XDDGenerator::nameOf(ObjectDataBase &store, const QString &baseName, quint8 line, bool multiLine)
 {
-    const uint vendor = vendorId(store, line).toUInt(nullptr, 0);
+    const quint32 vendor = NumberText::byPrefix(vendorId(store, line)).value_or(0);
     return hex(vendor, 8) + u'_' + documentName(baseName, line, multiLine);
 }
 
@@ -220,13 +217,13 @@ void XDDGenerator::write(QTextStream &stream)
     writer.writeDevice(ownName);
     Q_EMIT progress(20);
     writer.beginCommunication(ownName);
-    const ObjectReader reader(*database(), line(), 0);
-    for (const quint16 index : reader.indices()) {
+    const LineDictionary dictionary(*database(), line(), 0);
+    for (const LineObject &object : dictionary.objects) {
         if (takeCancelRequest()) {
             qDebug() << "Generation aborted";
             break;
         }
-        writer.writeObject(reader.read(index));
+        writer.writeObject(object);
     }
     writer.endCommunication();
     writer.finish();

@@ -13,7 +13,6 @@
 #include <QStringList>
 
 #include <algorithm>
-#include <array>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -88,6 +87,7 @@ public:
     ExternDeclarations collect();
 
 private:
+    void addMessages(const QList<LineMessage> &messages);
     void addMessage(const LineMessage &message);
     void addSignal(const LineMessage &message, const StoreRecords::SPN &signal);
     void addOwnDimension(Variable &variable, qsizetype depth, const LineMessage &message,
@@ -118,7 +118,7 @@ void Collector::addOwnDimension(Variable &variable, qsizetype depth, const LineM
         constexpr quint32 bitsPerByte = 8;
         Dimension &bytes = dimensionOf(variable, depth);
         bytes.count = std::max<quint64>(bytes.count, (signal.bitsize + bitsPerByte - 1) / bitsPerByte);
-    } else if (safety_ && sendersApart_ && message.head.issafe && message.head.direction == ObjectDataBase::receive) {
+    } else if (safety_ && sendersApart_ && message.head.issafe && !message.isTransmitted()) {
         dimensionOf(variable, depth).senders = u"J1939_SDG_REC_ADDR_CNT"_s;
     }
 }
@@ -159,26 +159,25 @@ void Collector::addMessage(const LineMessage &message)
         addSignal(message, signal);
 }
 
+void Collector::addMessages(const QList<LineMessage> &messages)
+{
+    for (const quint8 direction : {StoreRecords::receive, StoreRecords::transmit}) {
+        for (const LineMessage &message : LineMessages::ofStack(messages, direction))
+            addMessage(message);
+    }
+}
+
 ExternDeclarations Collector::collect()
 {
-    constexpr std::array directions{ObjectDataBase::receive, ObjectDataBase::transmit};
     const Settings j1939(store_, Settings::Table::J1939);
     for (const quint8 line : LineSettings::stackLines(store_)) {
         result_.lines.append(ExternDeclarations::Line{.number = line});
         const LineProtocols protocols = RunContext::protocolsOf(store_, line);
         safety_ = j1939.isOn(u"safetysupport"_s, line);
-        if (protocols.j1939) {
-            store_.cacheSPNs(line);
-            for (const quint8 direction : directions)
-                std::ranges::for_each(LineMessages::parameterGroups(store_, line, direction),
-                                      [this](const LineMessage &message) { addMessage(message); });
-            store_.clearSPNCache();
-        }
-        if (protocols.rawCan) {
-            for (const quint8 direction : directions)
-                std::ranges::for_each(LineMessages::canIds(store_, line, direction),
-                                      [this](const LineMessage &message) { addMessage(message); });
-        }
+        if (protocols.j1939)
+            addMessages(LineMessages::parameterGroups(store_, line));
+        if (protocols.rawCan)
+            addMessages(LineMessages::canIds(store_, line));
     }
     return result_;
 }

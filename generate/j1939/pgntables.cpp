@@ -7,6 +7,7 @@
 #include "generate/model/linemessages.h"
 #include "generate/model/linesettings.h"
 #include "nodedict/canopendatatype.h"
+#include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 #include "store/settings.h"
@@ -19,6 +20,7 @@
 #include <optional>
 
 using namespace Qt::StringLiterals;
+using CANopen::Implementation;
 
 namespace {
 
@@ -189,8 +191,8 @@ QString Collector::addManaged(quint32 dataType, const QString &value, const QStr
 
 QString Collector::pointerTo(const StoreRecords::SPN &signal, const QString &comment)
 {
-    constexpr quint8 lastManagedImplementation = 1;
-    if (signal.implementation <= lastManagedImplementation)
+    if (signal.implementation == Implementation::ManagedVariable ||
+        signal.implementation == Implementation::ManagedConst)
         return addManaged(signal.datatype, signal.defaultvalue, comment);
     QString variable = LineMessages::variable(signal);
     if (variable.isEmpty())
@@ -205,7 +207,7 @@ QString Collector::pointerTo(const StoreRecords::SPN &signal, const QString &com
 PgnTables::Message Collector::messageOf(const LineMessage &message)
 {
     const StoreRecords::PGN &head = message.head;
-    const bool isTransmit = head.direction == ObjectDataBase::transmit;
+    const bool isTransmit = message.isTransmitted();
     PgnTables::Message result{.number = head.number,
                               .name = Code::commentText(head.name),
                               .isCanId = message.isCanId,
@@ -298,18 +300,16 @@ void Collector::collectLine(quint8 number, LineProtocols protocols)
     if (protocols.j1939) {
         const auto groups =
             settings_.isOn(u"safetysupport"_s, number) ? LineMessages::Groups::Ordinary : LineMessages::Groups::All;
-        store_.cacheSPNs(number);
-        line().receivedPgns =
-            messagesOf(LineMessages::parameterGroups(store_, number, ObjectDataBase::receive, groups));
-        line().transmittedPgns =
-            messagesOf(LineMessages::parameterGroups(store_, number, ObjectDataBase::transmit, groups));
-        store_.clearSPNCache();
+        const QList<LineMessage> messages = LineMessages::parameterGroups(store_, number);
+        line().receivedPgns = messagesOf(LineMessages::ofStack(messages, StoreRecords::receive, groups));
+        line().transmittedPgns = messagesOf(LineMessages::ofStack(messages, StoreRecords::transmit, groups));
         addAddressClaim();
         line().sourceAddress = static_cast<quint8>(settings_.number(u"startaddress"_s, number));
     }
     if (protocols.rawCan) {
-        line().receivedCanIds = messagesOf(LineMessages::canIds(store_, number, ObjectDataBase::receive));
-        line().transmittedCanIds = messagesOf(LineMessages::canIds(store_, number, ObjectDataBase::transmit));
+        const QList<LineMessage> messages = LineMessages::canIds(store_, number);
+        line().receivedCanIds = messagesOf(LineMessages::ofStack(messages, StoreRecords::receive));
+        line().transmittedCanIds = messagesOf(LineMessages::ofStack(messages, StoreRecords::transmit));
         partCanIdsFromPgns();
     }
 }

@@ -95,12 +95,11 @@ SafetyGroups::Group groupOf(const LineMessage &message, bool canFd, bool perSend
     return group;
 }
 
-QList<SafetyGroups::Group> groupsOf(ObjectDataBase &store, quint8 line, quint8 direction, bool canFd, bool perSender,
+QList<SafetyGroups::Group> groupsOf(const QList<LineMessage> &messages, quint8 direction, bool canFd, bool perSender,
                                     KnownVariables &known)
 {
     QList<SafetyGroups::Group> groups;
-    for (const LineMessage &message :
-         LineMessages::parameterGroups(store, line, direction, LineMessages::Groups::Safety))
+    for (const LineMessage &message : LineMessages::ofStack(messages, direction, LineMessages::Groups::Safety))
         groups.append(groupOf(message, canFd, perSender, known));
     return groups;
 }
@@ -124,10 +123,9 @@ SafetyGroups SafetyGroups::collect(ObjectDataBase &store, const Dialect &dialect
     for (const quint8 line : LineSettings::stackLines(store)) {
         Line groups{.number = line};
         if (RunContext::protocolsOf(store, line).j1939 && j1939.isOn(u"safetysupport"_s, line)) {
-            store.cacheSPNs(line);
-            groups.received = groupsOf(store, line, ObjectDataBase::receive, canFd, result.sendersApart, known);
-            groups.transmitted = groupsOf(store, line, ObjectDataBase::transmit, canFd, false, known);
-            store.clearSPNCache();
+            const QList<LineMessage> messages = LineMessages::parameterGroups(store, line);
+            groups.received = groupsOf(messages, StoreRecords::receive, canFd, result.sendersApart, known);
+            groups.transmitted = groupsOf(messages, StoreRecords::transmit, canFd, false, known);
         }
         result.lines.append(groups);
     }

@@ -3,32 +3,8 @@
 #include "generate/model/dictionarytables.h"
 #include "nodedict/cohelper.h"
 
-#include <QByteArray>
-
 /// The steps of `collectDictionaryTables`, in the order in which each finds what it reads.
 namespace DictionaryCollect {
-
-/// Which subindices of an object a rule means.
-enum class Subs : quint8
-{
-    All,
-    NotZero,
-    One
-};
-
-/// Objects that a rule means, both ends included.
-struct Objects
-{
-    quint16 first;
-    quint16 last;
-    Subs subs;
-
-    constexpr bool hold(quint16 index, quint8 subindex) const
-    {
-        return index >= first && index <= last &&
-               (subs == Subs::All || (subs == Subs::NotZero ? subindex != 0 : subindex == 1));
-    }
-};
 
 /// Elements of the arrays of managed variables.
 void managedVariables(DictionaryTables &tables);
@@ -41,20 +17,16 @@ void applicationVariables(DictionaryTables &tables);
 /// Rows of od_description and od_assign, and the numbers of both.
 void rows(DictionaryTables &tables);
 
-/// The C name of a variable of the application, or the expression that stands for it.
-QString variableName(const DictionarySub &sub, quint16 index, quint8 line);
-/// The address of such a variable: an expression, which has a "(", as it stands; "NULL" where there is no name.
+/// The address of a variable of the application: an expression, which has a "(", as it stands; "NULL" where there is no
+/// name.
 QString variableAddress(const QString &name);
 /// The limits that the description of a subindex tells; none where it tells neither, whatever its flag says.
 std::optional<COHelper::Limits> declaredLimits(const StoreRecords::SubIndexData &data);
 /// "CO_ODTYPE_VAR" and so on; "invalid" for a code that no object of a dictionary may have.
 QLatin1StringView objectTypeWord(quint32 objectType);
 /// The end of the specifier of a description row; `staticSrdo`: an SRDO carries the subindex.
-QLatin1StringView specifier(const DictionarySub &sub, quint16 index, bool staticSrdo);
+QLatin1StringView specifier(const StoreRecords::SubEntry &sub, bool staticSrdo);
 /// The attributes of a row up to the PDO mapping, joined by " | ".
 QString accessAttributes(const StoreRecords::SubIndexData &data);
-/// The service number or index that the value column has for an object of the communication profile; none where it
-/// has the position of a variable.
-std::optional<quint16> serviceValue(quint16 index, quint8 subindex);
 
 } // namespace DictionaryCollect

@@ -1,6 +1,7 @@
 #include "generate/model/dictionarytables.h"
 
 #include "generate/model/dictionarycollect.h"
+#include "generate/model/linesettings.h"
 #include "store/objectdatabase.h"
 #include "store/settings.h"
 
@@ -9,6 +10,8 @@
 using namespace Qt::StringLiterals;
 
 namespace {
+
+using Entry = StoreRecords::SubEntry;
 
 /// The first object whose equal subindices may share a row: what lies below is small and fixed by CiA 301.
 constexpr quint16 firstCompactIndex = 0x1200;
@@ -26,14 +29,14 @@ bool equalForStack(const StoreRecords::SubIndexData &a, const StoreRecords::SubI
 
 /// Walks from the last subindex down, as long as the subindices are equal. A gap met on the way means that the stack
 /// cannot count on the tail.
-quint8 compactLimit(const DictionaryObject &object)
+quint8 compactLimit(const LineObject &object)
 {
     if (object.index < firstCompactIndex || object.subs.size() < 3)
         return notCompact;
     quint8 limit = notCompact;
-    const DictionarySub &last = object.subs.back();
+    const Entry &last = object.subs.back();
     for (std::size_t i = object.subs.size() - 1; i > 0 && object.subs[i - 1].subindex > 0; --i) {
-        const DictionarySub &previous = object.subs[i - 1];
+        const Entry &previous = object.subs[i - 1];
         if (previous.subindex + 1 != object.subs[i].subindex)
             return notCompact;
         if (!equalForStack(previous.data, last.data))
@@ -54,35 +57,12 @@ void readSettings(DictionaryTables &tables, ObjectDataBase &store)
     tables.bitwiseMapping = settings.isOn(u"bitwise_mapping"_s);
 }
 
-std::vector<DictionaryObject> readObjects(ObjectDataBase &store, quint8 line, bool compact)
-{
-    std::vector<DictionaryObject> objects;
-    const QMap<quint16, quint32> types = store.getObjectTypes(line, firstDictionaryIndex, 0xFFFF);
-    for (auto type = types.begin(); type != types.end(); ++type)
-        objects.push_back({.index = type.key(), .objectType = type.value()});
-    auto object = objects.begin();
-    for (const ObjectDataBase::SubKey &key : store.getSubKeys(line)) {
-        while (object != objects.end() && object->index < key.index)
-            ++object;
-        if (object == objects.end())
-            break;
-        DictionarySub sub{.subindex = key.subindex};
-        if (object->index == key.index && store.getSubIndex(line, key.index, key.subindex, sub.data))
-            object->subs.push_back(std::move(sub));
-    }
-    if (compact)
-        std::ranges::for_each(objects, [](DictionaryObject &each) { each.compactLimit = compactLimit(each); });
-    return objects;
-}
-
 void readLines(DictionaryTables &tables, ObjectDataBase &store)
 {
-    QList<quint8> numbers = store.getNodeList();
-    std::ranges::sort(numbers);
-    for (const quint8 number : numbers) {
-        if (number >= dictionaryLineLimit)
-            break;
-        DictionaryLine line{.number = number, .objects = readObjects(store, number, tables.options.compactDescription)};
+    for (const quint8 number : LineSettings::stackLines(store)) {
+        DictionaryLine line{{store, number}};
+        if (tables.options.compactDescription)
+            std::ranges::for_each(line.objects, [](LineObject &each) { each.compactLimit = compactLimit(each); });
         if (line.isDevice())
             tables.lineList.push_back(number);
         if (!line.objects.empty())
@@ -96,12 +76,10 @@ void readLines(DictionaryTables &tables, ObjectDataBase &store)
 /// The objects that the mapping of SRDOs names: 0xIIIISSLL in each subindex of a mapping object.
 void readStaticSrdoObjects(DictionaryTables &tables)
 {
-    constexpr quint16 firstMapping = 0x1380;
-    constexpr quint16 lastMapping = 0x13B0;
     for (const DictionaryLine &line : tables.lines) {
-        for (const DictionaryObject &object : line.range(firstMapping, lastMapping)) {
-            for (const DictionarySub &sub : object.subs) {
-                const quint32 mapped = parseNumber(sub.data.defaultvalue);
+        for (const LineObject &object : line.range(CANopen::Index::staticSrdoMappings)) {
+            for (const Entry &sub : object.subs) {
+                const quint32 mapped = defaultNumber(&sub);
                 if (sub.subindex > 0)
                     tables.staticSrdoObjects.insert(
                         subKey(line.number, static_cast<quint16>(mapped >> 16), static_cast<quint8>(mapped >> 8)));
@@ -124,49 +102,13 @@ bool exceedsPositions(const DictionaryTables &tables)
 
 } // namespace
 
-const DictionarySub *DictionaryObject::sub(quint8 subindex) const
-{
-    const auto it = std::ranges::lower_bound(subs, subindex, {}, &DictionarySub::subindex);
-    return it == subs.end() || it->subindex != subindex ? nullptr : &*it;
-}
-
-bool DictionaryObject::isVirtual() const
-{
-    const DictionarySub *first = sub(0);
-    return first && first->data.implementation == VirtualObject;
-}
-
-const DictionaryObject *DictionaryLine::object(quint16 index) const
-{
-    const auto it = std::ranges::lower_bound(objects, index, {}, &DictionaryObject::index);
-    return it == objects.end() || it->index != index ? nullptr : &*it;
-}
-
-const DictionarySub *DictionaryLine::sub(quint16 index, quint8 subindex) const
-{
-    const DictionaryObject *owner = object(index);
-    return owner ? owner->sub(subindex) : nullptr;
-}
-
-std::span<const DictionaryObject> DictionaryLine::range(quint16 first, quint16 last) const
-{
-    return {std::ranges::lower_bound(objects, first, {}, &DictionaryObject::index),
-            std::ranges::upper_bound(objects, last, {}, &DictionaryObject::index)};
-}
-
-std::size_t DictionaryLine::subCount(quint16 index) const
-{
-    const DictionaryObject *owner = object(index);
-    return owner ? owner->subs.size() : 0;
-}
-
 const DictionaryLine *DictionaryTables::line(quint8 number) const
 {
     const auto it = std::ranges::lower_bound(lines, number, {}, &DictionaryLine::number);
     return it == lines.end() || it->number != number ? nullptr : &*it;
 }
 
-const DictionarySub *DictionaryTables::sub(quint8 number, quint16 index, quint8 subindex) const
+const Entry *DictionaryTables::sub(quint8 number, quint16 index, quint8 subindex) const
 {
     const DictionaryLine *owner = line(number);
     return owner ? owner->sub(index, subindex) : nullptr;

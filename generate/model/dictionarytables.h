@@ -1,13 +1,12 @@
 #pragma once
 
+#include "generate/model/linedictionary.h"
 #include "generate/model/pdomappingtables.h"
 #include "generate/model/valuepools.h"
-#include "store/storerecords.h"
 
 #include <QMap>
 #include <QSet>
 
-#include <span>
 #include <vector>
 
 class ObjectDataBase;
@@ -17,67 +16,25 @@ constexpr quint32 subKey(quint8 line, quint16 index, quint8 subindex)
 {
     return quint32{line} << 24 | quint32{index} << 8 | subindex;
 }
+constexpr quint32 subKey(const StoreRecords::SubEntry &sub)
+{
+    return subKey(sub.line, sub.index, sub.subindex);
+}
 /// Key of an object: line in bits 24 to 31, index in 0 to 15.
 constexpr quint32 objectKey(quint8 line, quint16 index)
 {
     return quint32{line} << 24 | index;
 }
 
-/// Objects below this index and lines from this number up take no part in the dictionary.
-inline constexpr quint16 firstDictionaryIndex = 0x1000;
-inline constexpr quint8 dictionaryLineLimit = 32;
-
-/// What a subindex becomes in the generated sources (column `implementation`).
-enum Implementation : quint8
-{
-    ManagedVariable = 0, ///< an element of an array of the generated file
-    ManagedConst = 1,    ///< a constant of the generated file
-    Variable = 2,        ///< a variable of the application
-    VirtualObject = 3    ///< served by the application's own access functions; not in these tables
-};
-
-/// A limit that no subindex lies above: the object has a row for each of its subindices.
-inline constexpr quint8 notCompact = 255;
-
-struct DictionarySub
-{
-    quint8 subindex = 0;
-    StoreRecords::SubIndexData data{};
-};
-
-struct DictionaryObject
-{
-    quint16 index = 0;
-    quint32 objectType = 0;            ///< CANopen::ObjectCode
-    std::vector<DictionarySub> subs{}; ///< ascending
-    /// The first subindex of a tail of equal ones, which stands for all behind it; `notCompact` if there is none.
-    quint8 compactLimit = notCompact;
-
-    /// Null where the object has no such subindex.
-    const DictionarySub *sub(quint8 subindex) const;
-    /// True if the object is left to gen_vobjdict.c.
-    bool isVirtual() const;
-};
-
 /// A line that has objects from 0x1000 up, with all of these.
-struct DictionaryLine
+struct DictionaryLine : LineDictionary
 {
-    quint8 number = 0;
-    std::vector<DictionaryObject> objects{}; ///< ascending
     // The line's part of the tables. The start and the number of rows run on from line to line.
     quint32 assignStart = 0;
     quint32 assignCount = 0;
     quint32 descriptionCount = 0; ///< all rows up to the line's last, among them those of objects shared with line 0
     LinePdoTables pdos{};
 
-    /// Null where the line has no such object.
-    const DictionaryObject *object(quint16 index) const;
-    /// Null where the line has no such subindex.
-    const DictionarySub *sub(quint16 index, quint8 subindex) const;
-    /// The objects of an index range, both ends included.
-    std::span<const DictionaryObject> range(quint16 first, quint16 last) const;
-    /// Number of subindices of an object; 0 if it does not exist.
-    std::size_t subCount(quint16 index) const;
     /// With a single object the line is no CANopen device: it has no start-up, no PDO tables and no string defaults.
     bool isDevice() const { return objects.size() > 1; }
 };
@@ -202,7 +159,7 @@ struct DictionaryTables
     /// Null for a line without objects.
     const DictionaryLine *line(quint8 number) const;
     /// Null where the line has no such subindex.
-    const DictionarySub *sub(quint8 line, quint16 index, quint8 subindex) const;
+    const StoreRecords::SubEntry *sub(quint8 line, quint16 index, quint8 subindex) const;
     /// Position of a subindex's default value in the constants of its type; 0 if there is none.
     quint16 defaultPosition(quint8 line, quint16 index, quint8 subindex) const
     {
@@ -212,5 +169,5 @@ struct DictionaryTables
     QString lineSuffix(quint8 line) const;
 };
 
-/// Reads the dictionary of all lines. Each record is taken from the store's cache if that is filled.
+/// Reads the dictionary of all lines.
 DictionaryTables collectDictionaryTables(ObjectDataBase &store, const DictionaryOptions &options);

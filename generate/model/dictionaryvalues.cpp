@@ -1,44 +1,30 @@
 #include "generate/model/dictionarycollect.h"
+
+#include "generate/model/serviceobjects.h"
 #include "nodedict/canopendatatype.h"
 #include "texttools/helper.h"
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
-using DictionaryCollect::Objects;
-using DictionaryCollect::Subs;
+using CANopen::Implementation;
+using Entry = StoreRecords::SubEntry;
 
 namespace {
-
-// What the stack keeps by itself, so that there is no array element for it.
-constexpr Objects servedObjects[] = {
-    {0x1005, 0x1006, Subs::All},     {0x100C, 0x100D, Subs::All}, {0x1010, 0x1011, Subs::NotZero},
-    {0x1012, 0x1012, Subs::All},     {0x1016, 0x1017, Subs::All}, {0x1019, 0x1019, Subs::All},
-    {0x1028, 0x1028, Subs::NotZero}, {0x1029, 0x1029, Subs::One}, {0x102A, 0x102A, Subs::All},
-    {0x1200, 0x12FF, Subs::NotZero}, {0x1300, 0x1300, Subs::All}, {0x1301, 0x13FF, Subs::NotZero},
-    {0x1400, 0x1BFF, Subs::NotZero}, {0x1F10, 0x1F11, Subs::All}, {0x1F81, 0x1F82, Subs::NotZero},
-};
-
-bool isServedByStack(quint16 index, quint8 subindex)
-{
-    return std::ranges::any_of(servedObjects, [&](const Objects &each) { return each.hold(index, subindex); });
-}
 
 /// Every subindex of all lines by line, index and subindex.
 template <typename Visit>
 void forEachSub(const DictionaryTables &tables, const Visit &visit)
 {
     for (const DictionaryLine &line : tables.lines) {
-        for (const DictionaryObject &object : line.objects) {
-            for (const DictionarySub &sub : object.subs)
-                visit(line, object, sub);
-        }
+        for (const LineObject &object : line.objects)
+            std::ranges::for_each(object.subs, visit);
     }
 }
 
-bool isSharedElsewhere(const DictionaryLine &line, const DictionarySub &sub)
+bool isSharedElsewhere(const Entry &sub)
 {
-    return sub.data.sharedlines && line.number != 0;
+    return sub.data.sharedlines && sub.line != 0;
 }
 
 bool isWritable(const StoreRecords::SubIndexData &data)
@@ -99,13 +85,13 @@ QByteArray defaultBytes(const QString &text)
 
 void DictionaryCollect::managedVariables(DictionaryTables &tables)
 {
-    forEachSub(tables, [&](const DictionaryLine &line, const DictionaryObject &object, const DictionarySub &sub) {
+    forEachSub(tables, [&](const Entry &sub) {
         const auto type = valueTypeOf(sub.data.datatype);
-        if (sub.data.implementation != ManagedVariable || !type || isServedByStack(object.index, sub.subindex) ||
-            isSharedElsewhere(line, sub))
+        if (sub.data.implementation != Implementation::ManagedVariable || !type ||
+            ServiceObjects::keepsValue(sub.index, sub.subindex) || isSharedElsewhere(sub))
             return;
         ValueArray &array = tables.managed[static_cast<std::size_t>(*type)];
-        const quint32 key = subKey(line.number, object.index, sub.subindex);
+        const quint32 key = subKey(sub);
         tables.variableIndexMap.insert(key, static_cast<quint16>(array.values.size()));
         array.values.push_back(parseValue(*type, sub.data.defaultvalue));
         array.keys.push_back(key);
@@ -114,9 +100,9 @@ void DictionaryCollect::managedVariables(DictionaryTables &tables)
 
 void DictionaryCollect::constants(DictionaryTables &tables)
 {
-    forEachSub(tables, [&](const DictionaryLine &line, const DictionaryObject &object, const DictionarySub &sub) {
+    forEachSub(tables, [&](const Entry &sub) {
         const StoreRecords::SubIndexData &data = sub.data;
-        const quint32 key = subKey(line.number, object.index, sub.subindex);
+        const quint32 key = subKey(sub);
         // The node-id is added at run time; the constant is what it is added to.
         QString text = data.defaultvalue;
         text.remove("$nodeid+"_L1, Qt::CaseInsensitive);
@@ -130,7 +116,7 @@ void DictionaryCollect::constants(DictionaryTables &tables)
             const int base = hasDecimalLimits(*type) ? 10 : 0;
             tables.lowerLimitIndexMap.insert(key, tables.constants.add(parseValue(*type, limits->low, base)));
             tables.upperLimitIndexMap.insert(key, tables.constants.add(parseValue(*type, limits->high, base)));
-        } else if (data.implementation == ManagedConst) {
+        } else if (data.implementation == Implementation::ManagedConst) {
             if (data.datatype == CAN::VisibleString || data.datatype == CAN::OctetString)
                 appendText(tables.visibleStrings, tables.defaultIndexMap, key, text, data.size);
             else if (data.datatype == CAN::Utf8String)
@@ -142,11 +128,11 @@ void DictionaryCollect::constants(DictionaryTables &tables)
 void DictionaryCollect::stringDefaults(DictionaryTables &tables)
 {
     quint32 offset = 0;
-    forEachSub(tables, [&](const DictionaryLine &line, const DictionaryObject &object, const DictionarySub &sub) {
+    forEachSub(tables, [&](const Entry &sub) {
         const bool isString = sub.data.datatype == CAN::VisibleString || sub.data.datatype == CAN::OctetString;
-        if (!line.isDevice() || sub.data.implementation != Variable || !isString)
+        if (sub.data.implementation != Implementation::Variable || !isString || !tables.line(sub.line)->isDevice())
             return;
-        const quint32 key = subKey(line.number, object.index, sub.subindex);
+        const quint32 key = subKey(sub);
         tables.stringSizeMap.insert(key, sub.data.size);
         tables.stringOffsetMap.insert(key, offset);
         tables.stringDefaultMap.insert(key, {sub.data.defaultvalue, defaultBytes(sub.data.defaultvalue)});
@@ -159,11 +145,6 @@ std::optional<COHelper::Limits> DictionaryCollect::declaredLimits(const StoreRec
     return data.limitineds ? COHelper::declaredLimits(data.datatype, data.lowlimit, data.uplimit) : std::nullopt;
 }
 
-QString DictionaryCollect::variableName(const DictionarySub &sub, quint16 index, quint8 line)
-{
-    return Helper::substituteVariables(sub.data.varname, index, sub.subindex, line);
-}
-
 QString DictionaryCollect::variableAddress(const QString &name)
 {
     if (name.isEmpty())
@@ -173,9 +154,9 @@ QString DictionaryCollect::variableAddress(const QString &name)
 
 void DictionaryCollect::applicationVariables(DictionaryTables &tables)
 {
-    forEachSub(tables, [&](const DictionaryLine &line, const DictionaryObject &object, const DictionarySub &sub) {
-        const quint32 key = subKey(line.number, object.index, sub.subindex);
-        if (sub.data.implementation != Variable || tables.staticSrdoObjects.contains(key))
+    forEachSub(tables, [&](const Entry &sub) {
+        const quint32 key = subKey(sub);
+        if (sub.data.implementation != Implementation::Variable || tables.staticSrdoObjects.contains(key))
             return;
         VariableArray *array = nullptr;
         if (const auto type = valueTypeOf(sub.data.datatype))
@@ -185,7 +166,7 @@ void DictionaryCollect::applicationVariables(DictionaryTables &tables)
         else
             return;
         tables.variableIndexMap.insert(key, static_cast<quint16>(array->names.size()));
-        array->names.push_back(variableName(sub, object.index, line.number));
+        array->names.push_back(filledText(sub.data.varname, sub));
         array->sizes.push_back(sub.data.size);
         array->keys.push_back(key);
     });

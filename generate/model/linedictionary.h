@@ -1,65 +1,84 @@
 #pragma once
 
+#include "nodedict/codes.h"
 #include "store/lineprotocols.h"
+#include "store/storerecords.h"
 
-#include <QHash>
 #include <QList>
 #include <QString>
 
+#include <span>
+#include <vector>
+
 class ObjectDataBase;
 
-/// The objects of a line from 0x1000 up, for questions about some of them.
+/// A limit that no subindex lies above: the object has a row for each of its subindices.
+inline constexpr quint8 notCompact = 255;
+
+/// An object of a line with its subindices.
+struct LineObject
+{
+    quint8 line = 0;
+    quint16 index = 0;
+    StoreRecords::IndexData data{};
+    std::span<const StoreRecords::SubEntry> subs{}; ///< ascending; they live as long as the line's dictionary
+    /// The first subindex of a tail of equal ones, which stands for all behind it. Told by `collectDictionaryTables`.
+    quint8 compactLimit = notCompact;
+
+    /// Null where the object has no such subindex.
+    const StoreRecords::SubEntry *sub(quint8 subindex) const;
+    /// 0 where there is none.
+    quint8 highestSubindex() const { return subs.empty() ? quint8{0} : subs.back().subindex; }
+    /// ARRAY or RECORD: the subindices are items of their own.
+    bool isGroup() const;
+    /// True if the object is left to gen_vobjdict.c.
+    bool isVirtual() const;
+
+    /// Name and description with their placeholders filled.
+    QString name() const;
+    QString description() const;
+    /// The text about an object without subindices of its own, to which the description of subindex 0 belongs just as
+    /// the object's: both, unless they are the same. An import puts such a text into both places.
+    QString plainDescription() const;
+};
+
+/// A text of a subindex with its placeholders filled.
+QString filledText(const QString &text, const StoreRecords::SubEntry &sub);
+/// The number that is the default value of a subindex; 0 for none and for what is no number.
+quint32 defaultNumber(const StoreRecords::SubEntry *sub);
+
+/// The object dictionary of a line, read by one scan of its objects and one of its subindices: what every output knows
+/// of it.
 class LineDictionary
 {
 public:
-    LineDictionary(ObjectDataBase &store, quint8 line);
+    LineDictionary() = default;
+    /// The objects from `first` up.
+    LineDictionary(ObjectDataBase &store, quint8 line, quint16 first = CANopen::Index::firstCommunicationObject);
 
-    quint8 line() const { return line_; }
-    const QList<quint16> &indices() const { return indices_; }
-    /// Whether the stack has the line: a CANopen line without objects is left out everywhere, as it is in the object
-    /// dictionary.
+    /// Null where the line has no such object.
+    const LineObject *object(quint16 index) const;
+    bool has(quint16 index) const { return object(index) != nullptr; }
+    std::span<const LineObject> range(CANopen::IndexRange indices) const;
+    quint32 count(CANopen::IndexRange indices) const { return static_cast<quint32>(range(indices).size()); }
+    /// Number of subindices of an object; 0 if it does not exist.
+    quint32 subCount(quint16 index) const;
+    /// Null where the line has no such object or subindex.
+    const StoreRecords::SubEntry *sub(quint16 index, quint8 subindex) const;
+    /// The same for a subindex whose object may be missing.
+    const StoreRecords::SubEntry *entry(quint16 index, quint8 subindex) const;
+    const QList<StoreRecords::SubEntry> &entries() const { return entries_; }
+    quint32 value(quint16 index, quint8 subindex) const { return defaultNumber(sub(index, subindex)); }
+    /// Whether the stack has the line: a CANopen line without objects is left out everywhere.
     bool takesPart(const LineProtocols &protocols) const
     {
-        return protocols.j1939 || protocols.rawCan || !indices_.isEmpty();
+        constexpr quint16 first = CANopen::Index::firstCommunicationObject;
+        return protocols.j1939 || protocols.rawCan || (!objects.empty() && objects.back().index >= first);
     }
-    bool has(quint16 index) const;
-    /// The objects of a range, both ends included, ascending.
-    QList<quint16> range(quint16 first, quint16 last) const;
-    quint32 count(quint16 first, quint16 last) const { return static_cast<quint32>(range(first, last).size()); }
-    /// Subindices of an object, ascending; none if it does not exist.
-    QList<quint8> subs(quint16 index) const;
-    quint32 subCount(quint16 index) const { return static_cast<quint32>(subs(index).size()); }
-    /// Default value of a subindex; 0 if there is none or it is no number.
-    quint32 value(quint16 index, quint8 subindex) const;
-    /// Access type of a subindex; empty if there is none.
-    QString access(quint16 index, quint8 subindex) const;
+
+    quint8 number = 0;
+    std::vector<LineObject> objects{}; ///< ascending
 
 private:
-    ObjectDataBase &store_;
-    quint8 line_;
-    QList<quint16> indices_;
-    QHash<quint16, QList<quint8>> subs_;
+    QList<StoreRecords::SubEntry> entries_; ///< by index and subindex
 };
-
-/// Indices of CiA 301, 302, 304 and 1301 by their first and last.
-namespace ObjectRange {
-
-struct Range
-{
-    quint16 first;
-    quint16 last;
-};
-
-inline constexpr Range all{0x1000, 0xFFFF};
-inline constexpr Range sdoServers{0x1200, 0x127F};
-inline constexpr Range sdoClients{0x1280, 0x12FF};
-inline constexpr Range srdos{0x1301, 0x137F};
-inline constexpr Range srdoMappings{0x1380, 0x13B0};
-inline constexpr Range rxPdos{0x1400, 0x15FF};
-inline constexpr Range rxMappings{0x1600, 0x17FF};
-inline constexpr Range txPdos{0x1800, 0x19FF};
-inline constexpr Range txMappings{0x1A00, 0x1BFF};
-/// Distance of a PDO's mapping from its communication parameters.
-inline constexpr quint16 mappingOffset = 0x200;
-
-} // namespace ObjectRange

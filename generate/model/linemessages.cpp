@@ -1,61 +1,96 @@
 #include "generate/model/linemessages.h"
 
 #include "nodedict/canopendatatype.h"
+#include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
+#include "texttools/helper.h"
 
 #include <QHash>
 
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
-QList<LineMessage> LineMessages::parameterGroups(ObjectDataBase &store, quint8 line, quint8 direction, Groups groups)
+namespace {
+
+LineMessage messageOf(const StoreRecords::PGN &pgn)
 {
-    QHash<quint32, StoreRecords::PGN> heads;
-    for (const StoreRecords::PGN &pgn : store.getAllPGNs(line)) {
-        if (pgn.direction == direction)
-            heads.insert(pgn.number, pgn);
-    }
+    return {.head = pgn};
+}
+
+LineMessage messageOf(const StoreRecords::CANID &canId)
+{
+    return {.head = {.name = canId.name,
+                     .desc = canId.desc,
+                     .number = canId.id,
+                     .cycletime_ms = canId.cycletime_ms,
+                     .inhibittime_ms = canId.inhibittime_ms,
+                     .direction = canId.direction},
+            .isCanId = true};
+}
+
+bool hasDirection(const LineMessage &message)
+{
+    return message.head.direction == StoreRecords::receive || message.isTransmitted();
+}
+
+/// The records with their signals, both in the order that they come in.
+template <typename Record>
+QList<LineMessage> messagesOf(const QList<Record> &records, const QList<StoreRecords::SPN> &items)
+{
+    QHash<std::pair<quint32, quint8>, QList<StoreRecords::SPN>> byMessage;
+    for (const StoreRecords::SPN &item : items)
+        byMessage[{item.pgnnumber, item.direction}].append(item);
     QList<LineMessage> messages;
-    for (const quint32 number : store.getPGNList(line, direction, groups == Groups::Ordinary)) {
-        const auto head = heads.constFind(number);
-        if (number == addressClaim || head == heads.constEnd())
-            continue;
-        LineMessage message{.head = *head};
-        if (groups == Groups::Safety && !message.head.issafe)
-            continue;
-        for (const quint32 spn : store.getSPNList(line, number, direction)) {
-            StoreRecords::SPN item;
-            if (store.getSPN(line, number, direction, spn, item))
-                message.items.append(item);
-        }
-        messages.append(message);
+    for (const Record &record : records) {
+        LineMessage message = messageOf(record);
+        message.items = byMessage.value({message.head.number, message.head.direction});
+        if (hasDirection(message))
+            messages.append(message);
     }
     return messages;
 }
 
-QList<LineMessage> LineMessages::canIds(ObjectDataBase &store, quint8 line, quint8 direction)
+} // namespace
+
+QList<LineMessage> LineMessages::parameterGroups(ObjectDataBase &store, quint8 line)
 {
-    QHash<quint32, QList<StoreRecords::DataElement>> elements;
-    for (const StoreRecords::DataElement &element : store.getAllDataElements(line)) {
-        if (element.direction == direction)
-            elements[element.pgnnumber].append(element);
+    return messagesOf(store.getAllPGNs(line), store.getAllSPNs(line));
+}
+
+QList<LineMessage> LineMessages::canIds(ObjectDataBase &store, quint8 line)
+{
+    return messagesOf(store.getAllCANIDs(line), store.getAllDataElements(line));
+}
+
+QList<LineMessage> LineMessages::ofStack(const QList<LineMessage> &messages, quint8 direction, Groups groups)
+{
+    QList<LineMessage> result;
+    std::ranges::copy_if(messages, std::back_inserter(result), [&](const LineMessage &message) {
+        const bool isClaim = !message.isCanId && message.head.number == addressClaim;
+        const bool isAsked = groups == Groups::All || (groups == Groups::Safety) == message.head.issafe;
+        return message.head.direction == direction && !isClaim && isAsked;
+    });
+    return result;
+}
+
+QList<LineMessage> LineMessages::ofDocuments(const QList<LineMessage> &messages, quint8 line)
+{
+    QList<LineMessage> result = messages;
+    std::ranges::stable_partition(result, &LineMessage::isTransmitted);
+    for (LineMessage &message : result) {
+        message.head.name = Helper::substituteVariables(message.head.name, message.head.number, 0, line);
+        message.head.desc = Helper::substituteVariables(message.head.desc, message.head.number, 0, line);
+        for (StoreRecords::SPN &item : message.items) {
+            item.name = Helper::substituteVariables(item.name, item.pgnnumber, item.spnnumber, line);
+            item.desc = Helper::substituteVariables(item.desc, item.pgnnumber, item.spnnumber, line);
+        }
     }
-    QList<LineMessage> messages;
-    for (const StoreRecords::CANID &canId : store.getAllCANIDs(line)) {
-        if (canId.direction != direction)
-            continue;
-        LineMessage message{.isCanId = true, .items = elements.value(canId.id)};
-        message.head.number = canId.id;
-        message.head.direction = direction;
-        message.head.name = canId.name;
-        message.head.cycletime_ms = canId.cycletime_ms;
-        message.head.inhibittime_ms = canId.inhibittime_ms;
-        messages.append(message);
-    }
-    return messages;
+    return result;
 }
 
 quint32 LineMessages::bits(const StoreRecords::SPN &signal)
@@ -66,8 +101,7 @@ quint32 LineMessages::bits(const StoreRecords::SPN &signal)
 
 QString LineMessages::variable(const StoreRecords::SPN &signal)
 {
-    constexpr quint8 applicationVariable = 2;
-    return signal.implementation == applicationVariable ? signal.varname.trimmed() : QString();
+    return signal.implementation == CANopen::Implementation::Variable ? signal.varname.trimmed() : QString();
 }
 
 namespace {

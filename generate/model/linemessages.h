@@ -9,16 +9,26 @@ class ObjectDataBase;
 /// A message of a line with its signals: a parameter group, or a raw CAN-ID read in the same form.
 struct LineMessage
 {
-    StoreRecords::PGN head = {}; ///< of a CAN-ID: its id as number, name, times and direction
+    StoreRecords::PGN head = {}; ///< of a CAN-ID: its id as the project has it, texts, times and direction
     bool isCanId = false;
     QList<StoreRecords::SPN> items = {}; ///< SPNs by their place in the group, data elements by number
+
+    bool isTransmitted() const { return head.direction == StoreRecords::transmit; }
+    /// The identifier without what the project marks beside it.
+    quint32 canId() const { return head.number & 0x1FFFFFFF; }
+    /// A CAN-ID of 29 bits, whatever its value: marked by a bit above these.
+    bool isExtended() const { return head.number > 0x1FFFFFFF; }
 };
 
-/// How the generators of J1939 and raw CAN read the messages of a line.
+/// The messages of a line, read by one scan of the messages and one of their signals: what every output knows of them.
 namespace LineMessages {
 
 /// The group by which a J1939 device claims its address (SAE J1939-81). The stack handles it by itself.
 inline constexpr quint32 addressClaim = 60928;
+
+/// Those received before those transmitted, ascending in each direction.
+QList<LineMessage> parameterGroups(ObjectDataBase &store, quint8 line);
+QList<LineMessage> canIds(ObjectDataBase &store, quint8 line);
 
 /// Which groups a list holds: safety data groups (SAE J1939-76) are exchanged by a part of the stack of their own.
 enum class Groups
@@ -28,11 +38,11 @@ enum class Groups
     Safety
 };
 
-/// The parameter groups of a direction, ascending, without the address claim. The SPNs come from the store's cache,
-/// which is to be filled for the line (`cacheSPNs`).
-QList<LineMessage> parameterGroups(ObjectDataBase &store, quint8 line, quint8 direction, Groups groups = Groups::All);
-/// The CAN-IDs of a direction, ascending.
-QList<LineMessage> canIds(ObjectDataBase &store, quint8 line, quint8 direction);
+/// The messages of one direction that the stack is told of: without the address claim.
+QList<LineMessage> ofStack(const QList<LineMessage> &messages, quint8 direction, Groups groups = Groups::All);
+/// The messages as documents and bus databases have them: those transmitted first, with the placeholders in names and
+/// descriptions filled.
+QList<LineMessage> ofDocuments(const QList<LineMessage> &messages, quint8 line);
 
 /// Width of a signal in its message: that of its data type, or its own size where the type tells none.
 quint32 bits(const StoreRecords::SPN &signal);

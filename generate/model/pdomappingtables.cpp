@@ -11,21 +11,21 @@
 #include <utility>
 
 using namespace Qt::StringLiterals;
+namespace Index = CANopen::Index;
+using CANopen::Implementation;
+using CANopen::IndexRange;
+using Entry = StoreRecords::SubEntry;
 
 namespace {
 
-constexpr quint16 mappingOffset = 0x200; ///< from a communication object to its mapping object
-constexpr quint8 maxEntries = 64;        ///< CiA 301; larger counts mark multiplexed PDOs
-constexpr quint16 routingObject = 0x1F2C;
+constexpr quint8 maxEntries = 64; ///< CiA 301; larger counts mark multiplexed PDOs
 
-/// The communication objects of one direction.
-struct PdoObjects
+/// The mapping objects of a range of communication objects.
+constexpr IndexRange mappingsOf(IndexRange pdos)
 {
-    quint16 first;
-    quint16 last;
-};
-constexpr PdoObjects receiveObjects{0x1400, 0x15FF};
-constexpr PdoObjects transmitObjects{0x1800, 0x19FF};
+    return {static_cast<quint16>(pdos.first + Index::pdoMappingOffset),
+            static_cast<quint16>(pdos.last + Index::pdoMappingOffset)};
+}
 
 std::size_t largestMapping(const DictionaryTables &tables)
 {
@@ -33,8 +33,8 @@ std::size_t largestMapping(const DictionaryTables &tables)
     for (const DictionaryLine &line : tables.lines) {
         if (!line.isDevice())
             continue;
-        for (const PdoObjects &pdos : {receiveObjects, transmitObjects}) {
-            for (const DictionaryObject &object : line.range(pdos.first + mappingOffset, pdos.last + mappingOffset))
+        for (const IndexRange pdos : {Index::rpdos, Index::tpdos}) {
+            for (const LineObject &object : line.range(mappingsOf(pdos)))
                 rows = std::max(rows, object.subs.empty() ? 0 : object.subs.size() - 1);
         }
     }
@@ -43,8 +43,8 @@ std::size_t largestMapping(const DictionaryTables &tables)
 
 bool routesPdos(const DictionaryLine &line)
 {
-    const DictionaryObject *object = line.object(routingObject);
-    return object && !object->subs.empty() && object->subs.back().subindex > 0;
+    const LineObject *object = line.object(Index::networkRouting);
+    return object && object->highestSubindex() > 0;
 }
 
 QString elementAddress(QLatin1StringView prefix, ValueType type, const QMap<quint32, quint16> &positions, quint32 key)
@@ -56,37 +56,28 @@ QString elementAddress(QLatin1StringView prefix, ValueType type, const QMap<quin
 }
 
 /// The address of a mapped subindex's data; "NULL" where it has none in this file.
-QString dataPointer(const DictionaryTables &tables, quint8 line, quint16 index, const DictionarySub &sub)
+QString dataPointer(const DictionaryTables &tables, const Entry &sub)
 {
     const auto type = valueTypeOf(sub.data.datatype);
-    const quint32 ownKey = subKey(line, index, sub.subindex);
-    switch (sub.data.implementation) {
-    case ManagedVariable:
+    const quint8 implementation = sub.data.implementation;
+    if (implementation == Implementation::ManagedVariable)
         return type ? elementAddress("od_"_L1, *type, tables.variableIndexMap,
-                                     sub.data.sharedlines ? subKey(0, index, sub.subindex) : ownKey)
+                                     sub.data.sharedlines ? subKey(0, sub.index, sub.subindex) : subKey(sub))
                     : u"NULL"_s;
-    case ManagedConst:
-        return type ? elementAddress("od_const_"_L1, *type, tables.defaultIndexMap, ownKey) : u"NULL"_s;
-    case Variable:
-        return DictionaryCollect::variableAddress(DictionaryCollect::variableName(sub, index, line));
-    default:
-        return u"0"_s;
-    }
+    if (implementation == Implementation::ManagedConst)
+        return type ? elementAddress("od_const_"_L1, *type, tables.defaultIndexMap, subKey(sub)) : u"NULL"_s;
+    if (implementation == Implementation::Variable)
+        return DictionaryCollect::variableAddress(filledText(sub.data.varname, sub));
+    return u"0"_s;
 }
 
 PdoMapEntry mapEntry(const DictionaryTables &tables, const DictionaryLine &line, quint32 value)
 {
     const auto index = static_cast<quint16>(value >> 16);
-    const DictionarySub *sub = line.sub(index, static_cast<quint8>(value >> 8));
+    const Entry *sub = line.sub(index, static_cast<quint8>(value >> 8));
     if (!sub)
         return {.pointer = u"NULL"_s, .value = value};
-    return {.pointer = dataPointer(tables, line.number, index, *sub), .dataType = sub->data.datatype, .value = value};
-}
-
-quint32 mappedValue(const DictionaryObject &mapping, quint8 subindex)
-{
-    const DictionarySub *sub = mapping.sub(subindex);
-    return sub ? parseNumber(sub->data.defaultvalue) : 0;
+    return {.pointer = dataPointer(tables, *sub), .dataType = sub->data.datatype, .value = value};
 }
 
 /// How many entries a count stands for.
@@ -95,18 +86,18 @@ quint8 entryCount(quint8 count)
     return count > maxEntries ? 1 : count;
 }
 
-std::vector<PdoMapping> readPdos(const DictionaryTables &tables, const DictionaryLine &line, const PdoObjects &pdos)
+std::vector<PdoMapping> readPdos(const DictionaryTables &tables, const DictionaryLine &line, IndexRange pdos)
 {
     std::vector<PdoMapping> result;
-    for (const DictionaryObject &object : line.range(pdos.first, pdos.last)) {
+    for (const LineObject &object : line.range(pdos)) {
         PdoMapping pdo{.index = object.index, .number = static_cast<quint16>(object.index - pdos.first + 1)};
-        const DictionaryObject *mapping = line.object(object.index + mappingOffset);
-        const DictionarySub *count = mapping ? mapping->sub(0) : nullptr;
+        const LineObject *mapping = line.object(object.index + Index::pdoMappingOffset);
+        const Entry *count = mapping ? mapping->sub(0) : nullptr;
         pdo.fixed = !count || count->data.accesstype != "rw"_L1;
         if (pdo.fixed && count) {
-            pdo.count = static_cast<quint8>(parseNumber(count->data.defaultvalue));
+            pdo.count = static_cast<quint8>(defaultNumber(count));
             for (quint8 i = 1; i <= entryCount(pdo.count); ++i)
-                pdo.entries.push_back(mapEntry(tables, line, mappedValue(*mapping, i)));
+                pdo.entries.push_back(mapEntry(tables, line, defaultNumber(mapping->sub(i))));
         }
         if (pdo.fixed && pdo.count != 0)
             pdo.table = pdo.number;
@@ -146,16 +137,16 @@ using Senders = QHash<quint32, quint32>;
 Senders sendersOf(const DictionaryLine &line)
 {
     Senders senders;
-    for (const DictionaryObject &object : line.range(transmitObjects.first, transmitObjects.last)) {
-        const DictionaryObject *mapping = line.object(object.index + mappingOffset);
-        const DictionarySub *count = mapping ? mapping->sub(0) : nullptr;
+    for (const LineObject &object : line.range(Index::tpdos)) {
+        const LineObject *mapping = line.object(object.index + Index::pdoMappingOffset);
+        const Entry *count = mapping ? mapping->sub(0) : nullptr;
         if (!count)
             continue;
-        const quint8 entries = entryCount(static_cast<quint8>(parseNumber(count->data.defaultvalue)));
+        const quint8 entries = entryCount(static_cast<quint8>(defaultNumber(count)));
         for (quint8 i = 1; i <= entries; ++i) {
-            const quint32 value = mappedValue(*mapping, i);
+            const quint32 value = defaultNumber(mapping->sub(i));
             if (!senders.contains(value))
-                senders.insert(value, quint32{object.index} - transmitObjects.first + 1);
+                senders.insert(value, quint32{object.index} - Index::tpdos.first + 1);
         }
     }
     return senders;
@@ -171,8 +162,8 @@ void routeReceivedData(DictionaryTables &tables)
         for (PdoMapping &pdo : line.pdos.rpdos) {
             for (PdoMapEntry &entry : pdo.entries) {
                 for (const quint8 target : tables.lineList) {
-                    const DictionarySub *sub = tables.sub(target, static_cast<quint16>(entry.value >> 16),
-                                                          static_cast<quint8>(entry.value >> 8));
+                    const Entry *sub = tables.sub(target, static_cast<quint16>(entry.value >> 16),
+                                                  static_cast<quint8>(entry.value >> 8));
                     const bool shared = sub && sub->data.sharedlines;
                     entry.routing.push_back(shared ? senders.value(target).value(entry.value) : 0);
                 }
@@ -217,8 +208,8 @@ void collectPdoTables(DictionaryTables &tables)
     for (DictionaryLine &line : tables.lines) {
         if (!line.isDevice())
             continue;
-        line.pdos.tpdos = readPdos(tables, line, transmitObjects);
-        line.pdos.rpdos = readPdos(tables, line, receiveObjects);
+        line.pdos.tpdos = readPdos(tables, line, Index::tpdos);
+        line.pdos.rpdos = readPdos(tables, line, Index::rpdos);
         if (!tables.pdoRouting)
             shareTables(line.pdos);
     }

@@ -157,11 +157,6 @@ PoolValue parseValue(ValueType type, const QString &text, int base)
     return {.type = type, .bits = parseBits(row, text, base) & (~quint64{0} >> (64 - row.bits))};
 }
 
-quint32 parseNumber(const QString &text)
-{
-    return text.toUInt(nullptr, 0);
-}
-
 quint16 ConstantPool::add(const PoolValue &value)
 {
     const auto type = static_cast<std::size_t>(value.type);

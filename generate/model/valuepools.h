@@ -47,8 +47,6 @@ struct PoolValue
 /// Reads a number in the notation of CiA 306. What is no number of the type's kind is 0; one beyond the type's width
 /// is cut to it, so that 0xFF is -1 in an INTEGER8. `base` 0 takes the base from the prefix.
 PoolValue parseValue(ValueType type, const QString &text, int base = 0);
-/// The same for a plain number: its low 32 bits, or 0.
-quint32 parseNumber(const QString &text);
 
 /// One array of values, its elements in the order of their positions.
 struct ValueArray

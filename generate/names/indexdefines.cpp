@@ -1,6 +1,8 @@
 #include "generate/names/indexdefines.h"
 
 #include "generate/base/codewriter.h"
+#include "generate/model/linedictionary.h"
+#include "generate/model/linemessages.h"
 #include "store/lineprotocols.h"
 #include "store/objectdatabase.h"
 #include "texttools/helper.h"
@@ -9,9 +11,7 @@
 #include <QRegularExpression>
 #include <QThread>
 
-#include <algorithm>
 #include <array>
-#include <span>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -19,24 +19,6 @@ using Code::dec;
 using Code::hex;
 
 namespace {
-
-using Signal = StoreRecords::SPN;
-
-/// Signals of a line by their message, number and direction.
-using SignalsByMessage = QHash<std::pair<quint32, quint8>, QList<Signal>>;
-
-SignalsByMessage byMessage(const QList<Signal> &list)
-{
-    SignalsByMessage messages;
-    for (const Signal &signal : list)
-        messages[{signal.pgnnumber, signal.direction}].append(signal);
-    return messages;
-}
-
-bool hasDirection(quint8 direction)
-{
-    return direction == ObjectDataBase::receive || direction == ObjectDataBase::transmit;
-}
 
 /// An identifier made of a text: upper case, "_" for all that C does not allow and never two of them in a row, none at
 /// either end.
@@ -140,8 +122,6 @@ struct NamePart
     quint32 spn;
 };
 
-constexpr quint32 addressClaim = 60928;
-
 constexpr std::array addressClaimParts{
     NamePart{"SPN_NAME_OF_CONTROLLER_APPLICATION"_L1, 2848},
     NamePart{"SPN_IDENTITY_NUMBER"_L1, 2837},
@@ -159,11 +139,10 @@ constexpr std::array addressClaimParts{
 struct PdoRange
 {
     QLatin1StringView kind;
-    quint16 first;
-    quint16 last;
+    CANopen::IndexRange indices;
 };
 
-constexpr std::array pdoRanges{PdoRange{"RPDO"_L1, 0x1400, 0x15FF}, PdoRange{"TPDO"_L1, 0x1800, 0x19FF}};
+constexpr std::array pdoRanges{PdoRange{"RPDO"_L1, CANopen::Index::rpdos}, PdoRange{"TPDO"_L1, CANopen::Index::tpdos}};
 
 class LineCollector
 {
@@ -184,8 +163,7 @@ public:
 
 private:
     void add(IndexDefines::Block block);
-    IndexDefines::Block objectBlock(const StoreRecords::IndexEntry &object,
-                                    std::span<const StoreRecords::SubEntry> subs);
+    IndexDefines::Block objectBlock(const LineObject &object);
     void addShortPdoName(IndexDefines::Block &block, quint16 index);
 
     ObjectDataBase &store_;
@@ -202,23 +180,15 @@ void LineCollector::add(IndexDefines::Block block)
 
 void LineCollector::collectObjects(const std::function<bool()> &cancelled)
 {
-    constexpr quint16 firstNamed = 0x1000;
-    const QList<StoreRecords::SubEntry> subs = store_.getAllSubIndices(line_);
-    auto next = subs.begin();
-    for (const StoreRecords::IndexEntry &object : store_.getAllIndices(line_)) {
-        if (object.index < firstNamed)
-            continue;
+    const LineDictionary dictionary(store_, line_);
+    for (const LineObject &object : dictionary.objects) {
         if (cancelled())
             return;
-        const auto isBefore = [](const StoreRecords::SubEntry &sub, quint32 index) { return sub.index < index; };
-        const auto first = std::lower_bound(next, subs.end(), quint32{object.index}, isBefore);
-        next = std::lower_bound(first, subs.end(), object.index + 1U, isBefore);
-        add(objectBlock(object, {first, next}));
+        add(objectBlock(object));
     }
 }
 
-IndexDefines::Block LineCollector::objectBlock(const StoreRecords::IndexEntry &object,
-                                               std::span<const StoreRecords::SubEntry> subs)
+IndexDefines::Block LineCollector::objectBlock(const LineObject &object)
 {
     const auto nameOf = [&](QLatin1StringView prefix, const QString &text, quint8 subindex) {
         return identifier(prefix, Helper::substituteVariables(text, object.index, subindex, line_));
@@ -231,7 +201,7 @@ IndexDefines::Block LineCollector::objectBlock(const StoreRecords::IndexEntry &o
     IndexDefines::Block block{{.name = names_.counted(name, value), .value = value}};
     addShortPdoName(block, object.index);
 
-    for (const StoreRecords::SubEntry &sub : subs) {
+    for (const StoreRecords::SubEntry &sub : object.subs) {
         QString subName = customName(sub.data.metadata, u"subdefine"_s);
         if (subName.isEmpty())
             subName = nameOf("S_"_L1, sub.data.name, sub.subindex);
@@ -249,11 +219,11 @@ void LineCollector::addShortPdoName(IndexDefines::Block &block, quint16 index)
     if (!match.hasMatch())
         return;
     for (const PdoRange &range : pdoRanges) {
-        if (match.captured(1) != range.kind || index < range.first || index > range.last)
+        if (match.captured(1) != range.kind || !range.indices.contains(index))
             continue;
         const QString name =
             u"%1_%2_%3_%4"_s.arg(match.captured(1), match.captured(3), match.captured(4), match.captured(2));
-        const QString value = decimal(quint64{index} - range.first + 1);
+        const QString value = decimal(quint64{index} - range.indices.first + 1);
         if (names_.takeFixed(name, value))
             block.append({.name = name, .value = value});
     }
@@ -261,18 +231,15 @@ void LineCollector::addShortPdoName(IndexDefines::Block &block, quint16 index)
 
 void LineCollector::collectCanIds()
 {
-    const SignalsByMessage elements = byMessage(store_.getAllDataElements(line_));
     QHash<quint8, quint32> positions;
-    for (const StoreRecords::CANID &canId : store_.getAllCANIDs(line_)) {
-        if (!hasDirection(canId.direction))
-            continue;
-        const QString value = decimal(++positions[canId.direction]);
-        const QString end = u"_%1"_s.arg(hex(canId.id, 4));
+    for (const LineMessage &canId : LineMessages::canIds(store_, line_)) {
+        const QString value = decimal(++positions[canId.head.direction]);
+        const QString end = u"_%1"_s.arg(hex(canId.head.number, 4));
         IndexDefines::Block block{
-            {.name = names_.tagged(identifier("ID_"_L1, canId.name), value, {end}), .value = value}};
+            {.name = names_.tagged(identifier("ID_"_L1, canId.head.name), value, {end}), .value = value}};
         if (const QString fixedName = "ID"_L1 + end; names_.takeFixed(fixedName, value))
             block.append({.name = fixedName, .value = value});
-        for (const Signal &element : elements.value({canId.id, canId.direction})) {
+        for (const StoreRecords::DataElement &element : canId.items) {
             const QString elementValue = decimal(quint64{element.spnnumber} + 1);
             block.append(
                 {.name = names_.tagged(identifier("S_"_L1, element.name), elementValue, {end}), .value = elementValue});
@@ -283,16 +250,13 @@ void LineCollector::collectCanIds()
 
 void LineCollector::collectPgns()
 {
-    const SignalsByMessage spns = byMessage(store_.getAllSPNs(line_));
-    for (const StoreRecords::PGN &pgn : store_.getAllPGNs(line_)) {
-        if (!hasDirection(pgn.direction))
-            continue;
-        const QString value = decimal(pgn.number);
-        const QString end = u"_%1"_s.arg(hex(pgn.number, 4));
-        IndexDefines::Block block{{.name = names_.counted(identifier("PGN_"_L1, pgn.name), value),
+    for (const LineMessage &pgn : LineMessages::parameterGroups(store_, line_)) {
+        const QString value = decimal(pgn.head.number);
+        const QString end = u"_%1"_s.arg(hex(pgn.head.number, 4));
+        IndexDefines::Block block{{.name = names_.counted(identifier("PGN_"_L1, pgn.head.name), value),
                                    .value = value,
-                                   .comment = u" /* 0x%1 */"_s.arg(hex(pgn.number, 4))}};
-        for (const Signal &spn : spns.value({pgn.number, pgn.direction})) {
+                                   .comment = u" /* 0x%1 */"_s.arg(hex(pgn.head.number, 4))}};
+        for (const StoreRecords::SPN &spn : pgn.items) {
             const QString spnValue = decimal(spn.spnnumber);
             block.append({.name = names_.tagged(identifier("SPN_"_L1, spn.name), spnValue,
                                                 {end, u"%1_%2"_s.arg(end, dec(spn.spnnumber))}),
@@ -304,14 +268,15 @@ void LineCollector::collectPgns()
 
 void LineCollector::collectAddressClaim()
 {
-    const QString end = u"_%1"_s.arg(hex(addressClaim));
+    const QString end = u"_%1"_s.arg(hex(LineMessages::addressClaim));
     const auto define = [&](const QString &name, quint32 number, const QString &comment) {
         const QString value = decimal(number);
         return IndexDefines::Define{.name = names_.takeFixed(name, value) ? name : names_.tagged(name, value, {end}),
                                     .value = value,
                                     .comment = comment};
     };
-    IndexDefines::Block block{define(u"PGN_ADDRESS_CLAIM"_s, addressClaim, u" /* 0x%1 */"_s.arg(hex(addressClaim, 4)))};
+    IndexDefines::Block block{define(u"PGN_ADDRESS_CLAIM"_s, LineMessages::addressClaim,
+                                     u" /* 0x%1 */"_s.arg(hex(LineMessages::addressClaim, 4)))};
     for (const NamePart &part : addressClaimParts)
         block.append(define(part.name, part.spn, {}));
     add(std::move(block));
@@ -322,7 +287,8 @@ void LineCollector::collectAddressClaim()
 bool claimsAddress(ObjectDataBase &store, quint8 line)
 {
     const LineProtocols protocols = LineProtocols::ofLine(store, line);
-    return protocols.j1939 && !protocols.rawCan && !store.pgnExists(line, addressClaim, ObjectDataBase::transmit);
+    return protocols.j1939 && !protocols.rawCan &&
+           !store.pgnExists(line, LineMessages::addressClaim, ObjectDataBase::transmit);
 }
 
 } // namespace

@@ -2,7 +2,8 @@
 
 #include "generate/base/codewriter.h"
 #include "generate/model/dictionarycollect.h"
-#include "store/objectdatabase.h"
+#include "generate/model/linesettings.h"
+#include "generate/model/serviceobjects.h"
 
 #include <algorithm>
 
@@ -23,34 +24,34 @@ public:
     VirtualTables collect()
     {
         for (const DictionaryLine &line : tables_.lines) {
-            for (const DictionaryObject &object : line.objects) {
+            for (const LineObject &object : line.objects) {
                 if (object.isVirtual())
-                    addObject(line.number, object);
+                    addObject(object);
             }
         }
         return std::move(result_);
     }
 
 private:
-    void addObject(quint8 line, const DictionaryObject &object)
+    void addObject(const LineObject &object)
     {
         AssignRow row{.index = object.index,
-                      .highest = object.subs.back().subindex,
-                      .objectType = DictionaryCollect::objectTypeWord(object.objectType)};
-        starts_.insert(objectKey(line, object.index), static_cast<quint32>(result_.description.size()));
-        for (const DictionarySub &sub : object.subs) {
-            if (sub.data.implementation != VirtualObject)
+                      .highest = object.highestSubindex(),
+                      .objectType = DictionaryCollect::objectTypeWord(object.data.objecttype)};
+        starts_.insert(objectKey(object.line, object.index), static_cast<quint32>(result_.description.size()));
+        for (const StoreRecords::SubEntry &sub : object.subs) {
+            if (sub.data.implementation != CANopen::Implementation::VirtualObject)
                 continue;
-            const bool owned = line == 0 || !sub.data.sharedlines;
+            const bool owned = sub.line == 0 || !sub.data.sharedlines;
             const quint16 number = owned ? nextNumber(sub.data.datatype) : quint16{0};
             // A row that stands for a tail leaves the numbers behind its own to that tail.
             if (sub.subindex > object.compactLimit)
                 continue;
             ++row.subs;
             if (owned)
-                result_.description.push_back(description(line, object, sub, number));
+                result_.description.push_back(description(object, sub, number));
         }
-        const quint8 owner = object.subs.front().data.sharedlines ? quint8{0} : line;
+        const quint8 owner = object.subs.front().data.sharedlines ? quint8{0} : object.line;
         row.start = starts_.value(objectKey(owner, object.index));
         result_.assign.push_back(row);
     }
@@ -62,10 +63,9 @@ private:
         return type ? valueCounts_[static_cast<std::size_t>(*type)]++ : otherCounts_[dataType]++;
     }
 
-    VirtualDescriptionRow description(quint8 line, const DictionaryObject &object, const DictionarySub &sub,
-                                      quint16 number)
+    VirtualDescriptionRow description(const LineObject &object, const StoreRecords::SubEntry &sub, quint16 number)
     {
-        const quint32 key = subKey(line, object.index, sub.subindex);
+        const quint32 key = subKey(sub);
         VirtualDescriptionRow row{.index = object.index,
                                   .subindex = sub.subindex,
                                   .dataType = sub.data.datatype,
@@ -73,7 +73,7 @@ private:
                                   .defaultPosition = tables_.defaultIndexMap.value(key),
                                   .lowerPosition = tables_.lowerLimitIndexMap.value(key),
                                   .upperPosition = tables_.upperLimitIndexMap.value(key)};
-        row.valueIsIndex = DictionaryCollect::serviceValue(object.index, sub.subindex) == object.index;
+        row.valueIsIndex = ServiceObjects::value(object.index, sub.subindex) == object.index;
         row.value = row.valueIsIndex ? object.index : number;
         if (dynamic_)
             row.attributes += " | CO_ATTR_DYNOD"_L1;
@@ -104,11 +104,7 @@ VirtualTables collectVirtualTables(const DictionaryTables &tables, bool dynamic)
 
 bool hasVirtualObjects(ObjectDataBase &store)
 {
-    return std::ranges::any_of(store.getNodeList(), [&](quint8 line) {
-        return line < dictionaryLineLimit &&
-               std::ranges::any_of(store.findSubIndices(line, u"implementation"_s, QString::number(VirtualObject)),
-                                   [](const ObjectDataBase::SubKey &key) {
-                                       return key.subindex == 0 && key.index >= firstDictionaryIndex;
-                                   });
+    return std::ranges::any_of(LineSettings::stackLines(store), [&](quint8 line) {
+        return std::ranges::any_of(LineDictionary(store, line).objects, &LineObject::isVirtual);
     });
 }

@@ -3,7 +3,6 @@
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 #include "texttools/clock.h"
-#include "texttools/helper.h"
 
 #include <QCoreApplication>
 
@@ -12,8 +11,6 @@ using Code::dec;
 using Code::hex;
 
 namespace {
-
-constexpr quint8 managedConst = 1;
 
 struct ProjectRow
 {
@@ -32,6 +29,38 @@ constexpr ProjectRow projectRows[] = {
 QString fileNameMarkup(const QString &name)
 {
     return name.toHtmlEscaped();
+}
+
+void writeSubIndex(HtmlPage &page, const StoreRecords::SubEntry &record)
+{
+    const StoreRecords::SubIndexData &sub = record.data;
+    page.out(u" <br/>");
+    page.beginTable();
+    page.headRow(u"Sub "_s, u"0x%1"_s.arg(hex(record.subindex, 2)));
+    page.row(u"Name "_s, filledText(sub.name, record));
+    page.row(u"Data Type"_s, COHelper::index2DataTypeString(sub.datatype));
+    page.row(u"Access "_s, HtmlPage::escaped(sub.accesstype));
+    if (sub.defaultineds || sub.implementation == CANopen::Implementation::ManagedConst)
+        page.row(u"Defaultvalue "_s, HtmlPage::escaped(sub.defaultvalue));
+    if (sub.limitineds) {
+        page.row(u"Low Limit "_s, HtmlPage::escaped(sub.lowlimit));
+        page.row(u"High Limit "_s, HtmlPage::escaped(sub.uplimit));
+    }
+    page.description(filledText(sub.description, record));
+    page.endTable();
+}
+
+void writeObject(HtmlPage &page, const LineObject &object)
+{
+    page.out(u"  <p>");
+    page.beginTable();
+    page.head(dec(object.index), u" Object: 0x%1 %2"_s.arg(hex(object.index, 4), object.name()));
+    page.row(u"Object Code"_s, COHelper::objectCode2String(object.data.objecttype));
+    page.description(object.description());
+    page.endTable();
+    for (const StoreRecords::SubEntry &sub : object.subs)
+        writeSubIndex(page, sub);
+    page.out(u"  <hr />");
 }
 
 /// Addresses the description settings of a line for its lifetime.
@@ -173,66 +202,27 @@ HTMLDocumentGenerator::Titles HTMLGenerator::titles() const
 
 void HTMLGenerator::collect()
 {
-    reader_.emplace(*database(), line(), quint16{0x1000});
-    for (const auto &[index, object] : reader_->objects().asKeyValueRange()) {
-        objects_.append({.index = index,
-                         .name = Helper::substituteVariables(object.name, index, 0, line()),
-                         .code = object.objecttype,
-                         .description = Helper::substituteVariables(object.description, index, 0, line())});
-    }
+    dictionary_ = LineDictionary(*database(), line());
 }
 
 void HTMLGenerator::writeLinks(HtmlPage &page)
 {
     // The objects of the communication, the maker's and the profiles' areas (CiA 301) stand apart.
     QList<quint16> areas{0x2000, 0x6000};
-    for (const Object &object : objects_) {
+    for (const LineObject &object : dictionary_.objects) {
         while (!areas.isEmpty() && object.index >= areas.first()) {
             page.out(u"<br>");
             areas.removeFirst();
         }
-        page.link(dec(object.index), u"0x%1 %2"_s.arg(hex(object.index, 4), object.name));
+        page.link(dec(object.index), u"0x%1 %2"_s.arg(hex(object.index, 4), object.name()));
     }
 }
 
 void HTMLGenerator::writeContents(HtmlPage &page)
 {
-    for (const Object &object : objects_) {
+    for (const LineObject &object : dictionary_.objects) {
         if (!goesOn())
             return;
         writeObject(page, object);
     }
-}
-
-void HTMLGenerator::writeObject(HtmlPage &page, const Object &object)
-{
-    page.out(u"  <p>");
-    page.beginTable();
-    page.head(dec(object.index), u" Object: 0x%1 %2"_s.arg(hex(object.index, 4), object.name));
-    page.row(u"Object Code"_s, COHelper::objectCode2String(object.code));
-    page.description(object.description);
-    page.endTable();
-    const ObjectRecords records = reader_->read(object.index);
-    for (const ObjectRecords::Sub &sub : records.subs)
-        writeSubIndex(page, records, sub);
-    page.out(u"  <hr />");
-}
-
-void HTMLGenerator::writeSubIndex(HtmlPage &page, const ObjectRecords &object, const ObjectRecords::Sub &record)
-{
-    const StoreRecords::SubIndexData &sub = record.data;
-    page.out(u" <br/>");
-    page.beginTable();
-    page.headRow(u"Sub "_s, u"0x%1"_s.arg(hex(record.subindex, 2)));
-    page.row(u"Name "_s, object.name(record));
-    page.row(u"Data Type"_s, COHelper::index2DataTypeString(sub.datatype));
-    page.row(u"Access "_s, HtmlPage::escaped(sub.accesstype));
-    if (sub.defaultineds || sub.implementation == managedConst)
-        page.row(u"Defaultvalue "_s, HtmlPage::escaped(sub.defaultvalue));
-    if (sub.limitineds) {
-        page.row(u"Low Limit "_s, HtmlPage::escaped(sub.lowlimit));
-        page.row(u"High Limit "_s, HtmlPage::escaped(sub.uplimit));
-    }
-    page.description(Helper::substituteVariables(sub.description, object.index, record.subindex, object.line));
-    page.endTable();
 }

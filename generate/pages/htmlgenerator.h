@@ -1,10 +1,8 @@
 #pragma once
 
 #include "generate/common/documentgenerator.h"
-#include "generate/model/objectrecords.h"
+#include "generate/model/linedictionary.h"
 #include "generate/pages/htmlpage.h"
-
-#include <optional>
 
 /// Base of the HTML documents: one self-contained page with what is known about the project, a table of contents and
 /// the contents.
@@ -41,7 +39,7 @@ private:
     void writeProject(HtmlPage &page, const QString &project);
 };
 
-/// The object dictionary of a line. An object that cannot be read is left out.
+/// The object dictionary of a line.
 class HTMLGenerator : public HTMLDocumentGenerator
 {
     Q_OBJECT
@@ -56,16 +54,5 @@ protected:
     void writeContents(HtmlPage &page) override;
 
 private:
-    struct Object
-    {
-        quint16 index = 0;
-        QString name;
-        quint32 code = 0;
-        QString description;
-    };
-    void writeObject(HtmlPage &page, const Object &object);
-    static void writeSubIndex(HtmlPage &page, const ObjectRecords &object, const ObjectRecords::Sub &record);
-
-    std::optional<ObjectReader> reader_;
-    QList<Object> objects_;
+    LineDictionary dictionary_;
 };

@@ -12,9 +12,9 @@ constexpr int tableWidth = 600;
 constexpr int spnWordWidth = 250;
 
 /// Number and direction together name a message.
-QString anchorOf(const BusMessage &message)
+QString anchorOf(const LineMessage &message)
 {
-    return (message.isTransmitted() ? u"tx%1"_s : u"rx%1"_s).arg(message.number);
+    return (message.isTransmitted() ? u"tx%1"_s : u"rx%1"_s).arg(message.head.number);
 }
 
 QString milliseconds(quint32 time)
@@ -22,14 +22,14 @@ QString milliseconds(quint32 time)
     return u"%1 ms"_s.arg(time);
 }
 
-QString cycleTime(const BusMessage &message)
+QString cycleTime(const LineMessage &message)
 {
-    return message.cycleTimeMs == 0 ? u"acyclic"_s : milliseconds(message.cycleTimeMs);
+    return message.head.cycletime_ms == 0 ? u"acyclic"_s : milliseconds(message.head.cycletime_ms);
 }
 
-QString pgnWithDirection(const BusMessage &pgn)
+QString pgnWithDirection(const LineMessage &pgn)
 {
-    return u"0x%1/%2"_s.arg(hex(pgn.number, 4), pgn.isTransmitted() ? u"TX"_s : u"RX"_s);
+    return u"0x%1/%2"_s.arg(hex(pgn.head.number, 4), pgn.isTransmitted() ? u"TX"_s : u"RX"_s);
 }
 
 void writeImplementation(HtmlPage &page, const StoreRecords::SPN &signal)
@@ -38,18 +38,18 @@ void writeImplementation(HtmlPage &page, const StoreRecords::SPN &signal)
     page.row(u"Variable Name"_s, HtmlPage::escaped(signal.varname));
 }
 
-void writePGN(HtmlPage &page, const BusMessage &pgn)
+void writePGN(HtmlPage &page, const LineMessage &pgn)
 {
     page.out(u"  <p>");
     page.beginTable(tableWidth);
     page.head(anchorOf(pgn), u" PGN: "_s + pgnWithDirection(pgn));
-    page.row(u"Name "_s, pgn.name);
+    page.row(u"Name "_s, pgn.head.name);
     page.row(u"Direction"_s, pgn.isTransmitted() ? u"Transmit (TX)"_s : u"Receive (RX)"_s);
     page.row(u"Cycle Time"_s, cycleTime(pgn));
-    page.row(u"Inhibit Time"_s, milliseconds(pgn.inhibitTimeMs));
-    page.description(pgn.description);
+    page.row(u"Inhibit Time"_s, milliseconds(pgn.head.inhibittime_ms));
+    page.description(pgn.head.desc);
     page.endTable();
-    for (const StoreRecords::SPN &spn : pgn.signalList) {
+    for (const StoreRecords::SPN &spn : pgn.items) {
         page.out(u" <br/>");
         page.beginTable(tableWidth);
         page.headRow(u"SPN "_s, dec(spn.spnnumber));
@@ -67,7 +67,7 @@ void writeElement(HtmlPage &page, const StoreRecords::DataElement &element)
     page.beginTable(tableWidth);
     page.headRow(u"Signal "_s, element.name);
     page.row(u"Bit Position"_s, dec(element.bitposition));
-    page.row(u"Bit Length"_s, dec(BusMessage::bitsOf(element)));
+    page.row(u"Bit Length"_s, dec(LineMessages::bits(element)));
     page.row(u"Data Type"_s, COHelper::index2DataTypeString(element.datatype));
     page.row(u"Default Value"_s, HtmlPage::escaped(element.defaultvalue));
     page.description(element.desc);
@@ -75,19 +75,19 @@ void writeElement(HtmlPage &page, const StoreRecords::DataElement &element)
     page.endTable();
 }
 
-void writeCanId(HtmlPage &page, const BusMessage &message)
+void writeCanId(HtmlPage &page, const LineMessage &message)
 {
     page.out(u"  <p>");
     page.beginTable(tableWidth);
     page.head(anchorOf(message), u" CAN-ID: 0x%1"_s.arg(hex(message.canId())));
-    page.row(u"Name "_s, message.name);
+    page.row(u"Name "_s, message.head.name);
     page.row(u"Direction"_s, message.isTransmitted() ? u"Transmit (TX)"_s : u"Receive (RX)"_s);
     page.row(u"Frame Format"_s, DocumentWords::frameFormat(message.isExtended()));
     page.row(message.isTransmitted() ? u"Cycle Time"_s : u"Exp. Cycle Time"_s, cycleTime(message));
-    page.row(u"Inhibit Time"_s, milliseconds(message.inhibitTimeMs));
-    page.description(message.description);
+    page.row(u"Inhibit Time"_s, milliseconds(message.head.inhibittime_ms));
+    page.description(message.head.desc);
     page.endTable();
-    for (const StoreRecords::DataElement &element : message.signalList)
+    for (const StoreRecords::DataElement &element : message.items)
         writeElement(page, element);
     page.out(u"<hr noshade width=\"600\" align=\"left\"/>");
 }
@@ -106,18 +106,18 @@ QString J1939HTMLGenerator::styles() const
 
 void J1939HTMLGenerator::collect()
 {
-    pgns_ = BusMessage::pgns(*database(), line());
+    pgns_ = LineMessages::ofDocuments(LineMessages::parameterGroups(*database(), line()), line());
 }
 
 void J1939HTMLGenerator::writeLinks(HtmlPage &page)
 {
-    for (const BusMessage &pgn : pgns_)
-        page.link(anchorOf(pgn), pgnWithDirection(pgn), pgn.name);
+    for (const LineMessage &pgn : pgns_)
+        page.link(anchorOf(pgn), pgnWithDirection(pgn), pgn.head.name);
 }
 
 void J1939HTMLGenerator::writeContents(HtmlPage &page)
 {
-    for (const BusMessage &pgn : pgns_) {
+    for (const LineMessage &pgn : pgns_) {
         if (!goesOn())
             return;
         writePGN(page, pgn);
@@ -136,18 +136,18 @@ QString RawCANHTMLGenerator::styles() const
 
 void RawCANHTMLGenerator::collect()
 {
-    messages_ = BusMessage::canIds(*database(), line());
+    messages_ = LineMessages::ofDocuments(LineMessages::canIds(*database(), line()), line());
 }
 
 void RawCANHTMLGenerator::writeLinks(HtmlPage &page)
 {
-    for (const BusMessage &message : messages_)
-        page.link(anchorOf(message), u"0x%1 %2"_s.arg(hex(message.canId()), message.name));
+    for (const LineMessage &message : messages_)
+        page.link(anchorOf(message), u"0x%1 %2"_s.arg(hex(message.canId()), message.head.name));
 }
 
 void RawCANHTMLGenerator::writeContents(HtmlPage &page)
 {
-    for (const BusMessage &message : messages_) {
+    for (const LineMessage &message : messages_) {
         if (!goesOn())
             return;
         writeCanId(page, message);

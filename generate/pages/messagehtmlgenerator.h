@@ -1,6 +1,6 @@
 #pragma once
 
-#include "generate/model/busmessages.h"
+#include "generate/model/linemessages.h"
 #include "generate/pages/htmlgenerator.h"
 
 /// The PGNs and SPNs of a line as an HTML page.
@@ -19,7 +19,7 @@ protected:
     void writeContents(HtmlPage &page) override;
 
 private:
-    QList<BusMessage> pgns_;
+    QList<LineMessage> pgns_;
 };
 
 /// The raw CAN-IDs and data elements of a line as an HTML page.
@@ -38,5 +38,5 @@ protected:
     void writeContents(HtmlPage &page) override;
 
 private:
-    QList<BusMessage> messages_;
+    QList<LineMessage> messages_;
 };

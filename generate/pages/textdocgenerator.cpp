@@ -1,11 +1,10 @@
 #include "generate/pages/textdocgenerator.h"
 
 #include "generate/base/codewriter.h"
-#include "generate/model/busmessages.h"
-#include "generate/model/objectrecords.h"
+#include "generate/model/linedictionary.h"
+#include "generate/model/linemessages.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
-#include "texttools/helper.h"
 
 #include <QCoreApplication>
 
@@ -17,39 +16,36 @@ namespace {
 
 constexpr auto textEnding = "_doc.txt"_L1;
 
-void writeSubIndex(CodeWriter &out, const ObjectRecords &object, const ObjectRecords::Sub &record)
+void writeSubIndex(CodeWriter &out, const StoreRecords::SubEntry &record)
 {
     const StoreRecords::SubIndexData &sub = record.data;
     out(u"  Sub:          0x${subindex} - ${name}",
-        {{"subindex", hex(record.subindex, 2)}, {"name", object.name(record)}});
+        {{"subindex", hex(record.subindex, 2)}, {"name", filledText(sub.name, record)}});
     out(u"  DataType:     ${type}", {{"type", COHelper::index2DataTypeString(sub.datatype)}});
     if (!sub.defaultvalue.isEmpty())
         out(u"  DefaultValue: ${value}", {{"value", sub.defaultvalue}});
     out(u"  AccessType:   ${access}", {{"access", sub.accesstype}});
     out(u"  PDOMapping:   ${mapping}", {{"mapping", dec(sub.pdomapping.toUInt())}});
     if (!sub.description.isEmpty())
-        out(u"  Description:  ${text}",
-            {{"text", Helper::substituteVariables(sub.description, object.index, record.subindex, object.line)}});
+        out(u"  Description:  ${text}", {{"text", filledText(sub.description, record)}});
 }
 
-void writeObject(CodeWriter &out, const ObjectRecords &records)
+void writeObject(CodeWriter &out, const LineObject &object)
 {
-    const StoreRecords::IndexData &object = records.object;
     out(uR"(
 
         Index:       0x${index} - ${name}
         DataType:    ${type}
         ObjectCode:  ${code}
         )",
-        {{"index", hex(records.index, 4)},
-         {"name", records.name()},
-         {"type", COHelper::index2DataTypeString(object.datatype)},
-         {"code", COHelper::objectCode2String(object.objecttype)}});
-    if (!object.description.isEmpty())
-        out(u"Description: ${text}",
-            {{"text", Helper::substituteVariables(object.description, records.index, 0, records.line)}});
-    for (const ObjectRecords::Sub &sub : records.subs)
-        writeSubIndex(out, records, sub);
+        {{"index", hex(object.index, 4)},
+         {"name", object.name()},
+         {"type", COHelper::index2DataTypeString(object.data.datatype)},
+         {"code", COHelper::objectCode2String(object.data.objecttype)}});
+    if (!object.data.description.isEmpty())
+        out(u"Description: ${text}", {{"text", object.description()}});
+    for (const StoreRecords::SubEntry &sub : object.subs)
+        writeSubIndex(out, sub);
 }
 
 /// The text as one field of a line whose fields tabs separate.
@@ -62,21 +58,22 @@ QString field(QString text)
     return text;
 }
 
-void writePGN(CodeWriter &out, const BusMessage &pgn)
+void writePGN(CodeWriter &out, const LineMessage &pgn)
 {
-    const QString inhibit = pgn.inhibitTimeMs == 0 ? QString() : u"\tInhibit Time (ms):\t%1"_s.arg(pgn.inhibitTimeMs);
+    const QString inhibit =
+        pgn.head.inhibittime_ms == 0 ? QString() : u"\tInhibit Time (ms):\t%1"_s.arg(pgn.head.inhibittime_ms);
     out(u"PGN:\t0x${hex}/${number}\tName:\t${name}\tDirection:\t${direction}\tCycle Time (ms):\t${cycle}\tPriority:\t"
         u"${priority}${inhibit}",
-        {{"hex", hex(pgn.number, 4)},
-         {"number", dec(pgn.number)},
-         {"name", field(pgn.name)},
+        {{"hex", hex(pgn.head.number, 4)},
+         {"number", dec(pgn.head.number)},
+         {"name", field(pgn.head.name)},
          {"direction", pgn.isTransmitted() ? u"TX"_s : u"RX"_s},
-         {"cycle", dec(pgn.cycleTimeMs)},
-         {"priority", dec(pgn.priority)},
+         {"cycle", dec(pgn.head.cycletime_ms)},
+         {"priority", dec(pgn.head.priority)},
          {"inhibit", inhibit}});
-    if (pgn.description.size() > 1)
-        out(u"\tDescription:\t${text}", {{"text", field(pgn.description)}});
-    for (const StoreRecords::SPN &spn : pgn.signalList) {
+    if (pgn.head.desc.size() > 1)
+        out(u"\tDescription:\t${text}", {{"text", field(pgn.head.desc)}});
+    for (const StoreRecords::SPN &spn : pgn.items) {
         const QString size = spn.bitsize == 0 ? QString() : u"\tSize:\t%1"_s.arg(spn.bitsize);
         const QString variable = spn.implementation == DocumentWords::applicationVariable
                                      ? u"\tVariable:\t"_s + field(spn.varname)
@@ -94,7 +91,7 @@ void writeElement(CodeWriter &out, const StoreRecords::DataElement &element)
 {
     out(u"[bit ${position}, ${bits} bit]  ${name}  (${type})",
         {{"position", dec(element.bitposition).rightJustified(3)},
-         {"bits", dec(BusMessage::bitsOf(element)).rightJustified(3)},
+         {"bits", dec(LineMessages::bits(element)).rightJustified(3)},
          {"name", element.name},
          {"type", COHelper::index2DataTypeString(element.datatype)}});
     if (!element.defaultvalue.isEmpty())
@@ -103,23 +100,23 @@ void writeElement(CodeWriter &out, const StoreRecords::DataElement &element)
         out(u"${text}", {{"text", element.desc}});
 }
 
-void writeCanId(CodeWriter &out, const BusMessage &message)
+void writeCanId(CodeWriter &out, const LineMessage &message)
 {
     out(u"[CAN-ID: 0x${id} ${format}]  ${name}", {{"id", hex(message.canId(), 8)},
                                                   {"format", DocumentWords::frameFormat(message.isExtended())},
-                                                  {"name", message.name}});
-    if (message.cycleTimeMs == 0)
+                                                  {"name", message.head.name}});
+    if (message.head.cycletime_ms == 0)
         out(u"  Cycle time:   acyclic");
     else if (message.isTransmitted())
-        out(u"  Cycle time:      ${time} ms", {{"time", dec(message.cycleTimeMs)}});
+        out(u"  Cycle time:      ${time} ms", {{"time", dec(message.head.cycletime_ms)}});
     else
-        out(u"  Exp. cycle time: ${time} ms", {{"time", dec(message.cycleTimeMs)}});
-    if (message.inhibitTimeMs != 0)
-        out(u"  Inhibit time: ${time} ms", {{"time", dec(message.inhibitTimeMs)}});
-    if (!message.description.isEmpty())
-        out(u"  Description:  ${text}", {{"text", message.description}});
-    out(u"  Signals (${count}):", {{"count", dec(static_cast<quint64>(message.signalList.size()))}});
-    for (const StoreRecords::DataElement &element : message.signalList)
+        out(u"  Exp. cycle time: ${time} ms", {{"time", dec(message.head.cycletime_ms)}});
+    if (message.head.inhibittime_ms != 0)
+        out(u"  Inhibit time: ${time} ms", {{"time", dec(message.head.inhibittime_ms)}});
+    if (!message.head.desc.isEmpty())
+        out(u"  Description:  ${text}", {{"text", message.head.desc}});
+    out(u"  Signals (${count}):", {{"count", dec(static_cast<quint64>(message.items.size()))}});
+    for (const StoreRecords::DataElement &element : message.items)
         writeElement(out, element);
 }
 
@@ -149,11 +146,11 @@ void TextDocGenerator::write(QTextStream &stream)
 
         )",
         {{"project", baseName()}});
-    const ObjectReader reader(*database(), line(), 0x1000);
-    for (const quint16 index : reader.indices()) {
+    const LineDictionary dictionary(*database(), line());
+    for (const LineObject &object : dictionary.objects) {
         if (!goesOn())
             return;
-        writeObject(out, reader.read(index));
+        writeObject(out, object);
     }
 }
 
@@ -167,7 +164,8 @@ void J1939TextDocGenerator::write(QTextStream &stream)
     CodeWriter out(stream);
     out(u"PGN/SPN Documenation for ${project} - generated by ${application} ${version} ",
         {{"project", baseName()}, {"application", QCoreApplication::applicationName()}, {"version", toolVersion()}});
-    for (const BusMessage &pgn : BusMessage::pgns(*database(), line())) {
+    for (const LineMessage &pgn :
+         LineMessages::ofDocuments(LineMessages::parameterGroups(*database(), line()), line())) {
         if (!goesOn())
             return;
         writePGN(out, pgn);
@@ -189,12 +187,12 @@ void RawCANTextDocGenerator::write(QTextStream &stream)
         )",
         {{"project", baseName()}});
     quint8 block = 0;
-    for (const BusMessage &message : BusMessage::canIds(*database(), line())) {
+    for (const LineMessage &message : LineMessages::ofDocuments(LineMessages::canIds(*database(), line()), line())) {
         if (!goesOn())
             return;
-        if (message.direction != block)
+        if (message.head.direction != block)
             writeBlockHead(out, message.isTransmitted());
-        block = message.direction;
+        block = message.head.direction;
         writeCanId(out, message);
     }
 }

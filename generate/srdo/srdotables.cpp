@@ -2,11 +2,12 @@
 
 #include "generate/base/codewriter.h"
 #include "generate/base/runcontext.h"
-#include "generate/model/linedictionary.h"
+#include "generate/model/dictionarytables.h"
 #include "generate/model/linesettings.h"
 #include "nodedict/canopendatatype.h"
 #include "store/objectdatabase.h"
 #include "texttools/helper.h"
+#include "texttools/numbertext.h"
 
 #include <QHash>
 #include <QRegularExpression>
@@ -15,18 +16,21 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <utility>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 using Code::dec;
 using Code::hex;
+using Entry = StoreRecords::SubEntry;
 
 namespace {
 
-constexpr quint16 firstSrdo = 0x1301;
-constexpr quint16 lastSrdo = 0x1340;
+/// The SRDOs that a device has at most (EN 50325-5).
+constexpr CANopen::IndexRange startedSrdos{0x1301, 0x1340};
 constexpr quint16 mappingOffset = 0x80;
 /// What stands in a mapping below this is a data type: a gap of its width.
-constexpr quint16 firstObject = 0x1000;
+constexpr quint16 firstObject = CANopen::Index::firstCommunicationObject;
 constexpr quint32 bitsPerByte = 8;
 /// The statements split values of up to four bytes.
 constexpr quint32 maxMappedBits = 32;
@@ -82,19 +86,19 @@ const QRegularExpression &identifier()
 }
 
 /// The identifiers in the variables that the project names: whatever the module adds has to be called otherwise.
-QSet<QString> namesOfProject(ObjectDataBase &store)
+QSet<QString> namesOfProject(ObjectDataBase &store, const std::vector<LineDictionary> &lines)
 {
     QSet<QString> names;
     const auto add = [&names](const QString &variable) {
         for (auto it = identifier().globalMatch(variable); it.hasNext();)
             names.insert(it.next().captured());
     };
-    for (const quint8 line : LineSettings::stackLines(store)) {
-        for (const auto &entry : store.getAllSubIndices(line))
-            add(Helper::substituteVariables(entry.data.varname, entry.index, entry.subindex, line));
-        for (const auto &signal : store.getAllSPNs(line))
+    for (const LineDictionary &line : lines) {
+        for (const Entry &entry : line.entries())
+            add(filledText(entry.data.varname, entry));
+        for (const StoreRecords::SPN &signal : store.getAllSPNs(line.number))
             add(signal.varname);
-        for (const auto &element : store.getAllDataElements(line))
+        for (const StoreRecords::DataElement &element : store.getAllDataElements(line.number))
             add(element.varname);
     }
     return names;
@@ -108,35 +112,60 @@ bool isPlainName(const QString &name)
 
 quint32 keyOf(const SrdoTables::Mapped &mapped)
 {
-    return quint32{mapped.line} << 24 | quint32{mapped.index} << 8 | mapped.subindex;
+    return subKey(mapped.line, mapped.index, mapped.subindex);
+}
+
+/// The entries of a mapping, as many as it tells.
+QList<quint32> mappingOf(const LineObject *mapping)
+{
+    QList<quint32> entries;
+    if (!mapping)
+        return entries;
+    const quint32 told = defaultNumber(mapping->sub(0));
+    for (const Entry &sub : mapping->subs) {
+        if (sub.subindex > 0 && sub.subindex <= told)
+            entries.append(defaultNumber(&sub));
+    }
+    return entries;
+}
+
+QString number(const LineObject &object, quint8 subindex, int digits)
+{
+    return u"0x%1u"_s.arg(hex(defaultNumber(object.sub(subindex)), digits));
+}
+
+/// The identifier of a message. Without a number of its own the first SRDO has that of the pre-defined connection set.
+QString cobId(const LineObject &object, quint8 subindex, const QString &predefined)
+{
+    const Entry *sub = object.sub(subindex);
+    QString text = sub ? sub->data.defaultvalue.trimmed() : QString();
+    const bool ofNode = text.contains(nodeIdMark, Qt::CaseInsensitive);
+    if (object.index == CANopen::Index::srdos.first && (text.isEmpty() || ofNode))
+        return predefined;
+    text.remove(nodeIdMark, Qt::CaseInsensitive).remove(u'+');
+    const QString value = u"0x%1ul"_s.arg(hex(NumberText::byPrefix(text).value_or(0)));
+    return ofNode ? value + u" + ownNodeId"_s : value;
 }
 
 class Collector
 {
 public:
-    Collector(ObjectDataBase &store, SrdoTables &tables)
-        : store_(store)
-        , tables_(tables)
-        , projectNames_(namesOfProject(store))
+    Collector(QSet<QString> projectNames, SrdoTables &tables)
+        : tables_(tables)
+        , projectNames_(std::move(projectNames))
     {
         while (!isFree(tables_.scratch))
             tables_.scratch += u'_';
     }
 
     /// The objects of a line whose data belong to the module, whether or not an SRDO exchanges them.
-    void collectStatic(quint8 line);
-    void collectSrdo(quint8 line, quint16 index);
+    void collectStatic(const LineDictionary &line);
+    void collectSrdos(const LineDictionary &line);
 
 private:
-    QString defaultOf(quint16 index, quint8 subindex) const
-    {
-        return store_.getSubIndexDefaultValue(line_, index, subindex);
-    }
-    QList<quint32> mappingOf(quint16 index) const;
-    QString number(quint16 index, quint8 subindex, int digits, const char *suffix) const;
-    QString cobId(const SrdoTables::Srdo &srdo, quint8 subindex, const QString &predefined) const;
+    void collectSrdo(const LineObject &object, const LineObject *mapping);
     SrdoTables::Mapped mappedOf(quint32 entry, bool exchanged);
-    void nameVariable(SrdoTables::Mapped &mapped, const ObjectDataBase::SUBINDEX_DATA_T &sub);
+    void nameVariable(SrdoTables::Mapped &mapped, const StoreRecords::SubIndexData &sub);
     void nameShadow(SrdoTables::Mapped &mapped);
     bool isFree(const QString &name) const { return !projectNames_.contains(name); }
     bool canBe(const QString &variable, const SrdoTables::Mapped &mapped) const;
@@ -144,44 +173,14 @@ private:
     SrdoTables::Variable variable(const QString &name, const SrdoTables::Mapped &mapped, bool isStatic) const;
     QString placeOf(const SrdoTables::Mapped &mapped) const;
 
-    ObjectDataBase &store_;
     SrdoTables &tables_;
     QSet<QString> projectNames_;
-    quint8 line_ = 0;
+    const LineDictionary *line_ = nullptr;
     QHash<QString, SrdoTables::Variable> declared_;
     QHash<QString, QString> shadows_; ///< by what they are copies of
     QSet<QString> shadowNames_;
     QSet<quint32> static_; ///< line, index and subindex
 };
-
-QList<quint32> Collector::mappingOf(quint16 index) const
-{
-    const QList<quint8> subs = store_.getSubIndexList(line_, index, 1);
-    const quint32 told = LineSettings::number(defaultOf(index, 0));
-    QList<quint32> entries;
-    for (const quint8 sub : subs) {
-        if (sub <= told)
-            entries.append(LineSettings::number(defaultOf(index, sub)));
-    }
-    return entries;
-}
-
-QString Collector::number(quint16 index, quint8 subindex, int digits, const char *suffix) const
-{
-    return u"0x%1%2"_s.arg(hex(LineSettings::number(defaultOf(index, subindex)), digits), QString::fromLatin1(suffix));
-}
-
-/// The identifier of a message. Without a number of its own the first SRDO has that of the pre-defined connection set.
-QString Collector::cobId(const SrdoTables::Srdo &srdo, quint8 subindex, const QString &predefined) const
-{
-    QString text = defaultOf(srdo.index(), subindex).trimmed();
-    const bool ofNode = text.contains(nodeIdMark, Qt::CaseInsensitive);
-    if (srdo.number == 1 && (text.isEmpty() || ofNode))
-        return predefined;
-    text.remove(nodeIdMark, Qt::CaseInsensitive).remove(u'+');
-    const QString value = u"0x%1ul"_s.arg(hex(LineSettings::number(text)));
-    return ofNode ? value + u" + ownNodeId"_s : value;
-}
 
 QString Collector::placeOf(const SrdoTables::Mapped &mapped) const
 {
@@ -219,11 +218,10 @@ void Collector::declare(const SrdoTables::Mapped &mapped)
     tables_.variables.append(declared);
 }
 
-void Collector::nameVariable(SrdoTables::Mapped &mapped, const ObjectDataBase::SUBINDEX_DATA_T &sub)
+void Collector::nameVariable(SrdoTables::Mapped &mapped, const StoreRecords::SubIndexData &sub)
 {
-    constexpr quint8 applicationVariable = 2;
     const QString own =
-        sub.implementation == applicationVariable
+        sub.implementation == CANopen::Implementation::Variable
             ? Helper::substituteVariables(sub.varname.trimmed(), mapped.index, mapped.subindex, mapped.line)
             : QString();
     const bool usable = canBe(own, mapped);
@@ -258,25 +256,23 @@ void Collector::nameShadow(SrdoTables::Mapped &mapped)
     mapped.shadow = shadow;
 }
 
-void Collector::collectStatic(quint8 line)
+void Collector::collectStatic(const LineDictionary &line)
 {
-    line_ = line;
-    for (const quint16 index :
-         store_.getIndexList(line, ObjectRange::srdoMappings.first, ObjectRange::srdoMappings.last)) {
-        for (const quint8 entrySub : store_.getSubIndexList(line, index, 1)) {
-            const quint32 entry = LineSettings::number(defaultOf(index, entrySub));
-            SrdoTables::Mapped mapped{
-                .line = line, .index = static_cast<quint16>(entry >> 16), .subindex = static_cast<quint8>(entry >> 8)};
-            ObjectDataBase::SUBINDEX_DATA_T sub;
-            if (mapped.index < firstObject || static_.contains(keyOf(mapped)) ||
-                !store_.getSubIndex(line, mapped.index, mapped.subindex, sub))
+    for (const LineObject &mapping : line.range(CANopen::Index::staticSrdoMappings)) {
+        for (const Entry &entrySub : mapping.subs) {
+            const quint32 entry = entrySub.subindex == 0 ? 0 : defaultNumber(&entrySub);
+            SrdoTables::Mapped mapped{.line = line.number,
+                                      .index = static_cast<quint16>(entry >> 16),
+                                      .subindex = static_cast<quint8>(entry >> 8)};
+            const Entry *sub = line.entry(mapped.index, mapped.subindex);
+            if (mapped.index < firstObject || static_.contains(keyOf(mapped)) || !sub)
                 continue;
-            const auto kind = kindOf(sub.datatype);
+            const auto kind = kindOf(sub->data.datatype);
             if (!kind)
                 continue;
             static_.insert(keyOf(mapped));
             mapped.kind = *kind;
-            nameVariable(mapped, sub);
+            nameVariable(mapped, sub->data);
             tables_.entries.append(mapped);
         }
     }
@@ -285,7 +281,7 @@ void Collector::collectStatic(quint8 line)
 SrdoTables::Mapped Collector::mappedOf(quint32 entry, bool exchanged)
 {
     const quint32 bits = entry & 0xFF;
-    SrdoTables::Mapped mapped{.line = line_,
+    SrdoTables::Mapped mapped{.line = line_->number,
                               .index = static_cast<quint16>(entry >> 16),
                               .subindex = static_cast<quint8>(entry >> 8),
                               .bytes = bits / bitsPerByte};
@@ -293,21 +289,20 @@ SrdoTables::Mapped Collector::mappedOf(quint32 entry, bool exchanged)
     mapped.isSupported = bits > 0 && bits % bitsPerByte == 0;
     if (mapped.isDummy)
         return mapped;
-    ObjectDataBase::SUBINDEX_DATA_T sub;
-    const bool exists = store_.getSubIndex(line_, mapped.index, mapped.subindex, sub);
-    const auto kind = exists ? kindOf(sub.datatype) : std::nullopt;
+    const Entry *sub = line_->entry(mapped.index, mapped.subindex);
+    const auto kind = sub ? kindOf(sub->data.datatype) : std::nullopt;
     if (!kind || kind->bytes * bitsPerByte != bits || bits > maxMappedBits) {
         mapped.isSupported = false;
         return mapped;
     }
     mapped.kind = *kind;
-    nameVariable(mapped, sub);
+    nameVariable(mapped, sub->data);
     if (exchanged && mapped.isSupported)
         nameShadow(mapped);
     return mapped;
 }
 
-void Collector::collectSrdo(quint8 line, quint16 index)
+void Collector::collectSrdo(const LineObject &object, const LineObject *mapping)
 {
     constexpr quint8 directionSub = 1;
     constexpr quint8 refreshSub = 2;
@@ -317,33 +312,39 @@ void Collector::collectSrdo(quint8 line, quint16 index)
     constexpr quint32 transmits = 1;
     constexpr quint32 receives = 2;
 
-    line_ = line;
-    const quint32 direction = LineSettings::number(defaultOf(index, directionSub));
-    SrdoTables::Srdo srdo{.line = line,
-                          .number = static_cast<quint16>(index - firstSrdo + 1),
+    const quint32 direction = defaultNumber(object.sub(directionSub));
+    SrdoTables::Srdo srdo{.line = object.line,
+                          .number = static_cast<quint16>(object.index - CANopen::Index::srdos.first + 1),
                           .isTransmit = direction == transmits,
                           .isReceive = direction == receives,
-                          .mapping = mappingOf(index + mappingOffset),
-                          .direction = number(index, directionSub, 2, "u"),
-                          .refreshTime = number(index, refreshSub, 4, "u"),
-                          .validationTime = number(index, validationSub, 2, "u")};
-    const QString suffix = tables_.multiLine ? u"_l%1"_s.arg(line) : QString();
+                          .mapping = mappingOf(mapping),
+                          .direction = number(object, directionSub, 2),
+                          .refreshTime = number(object, refreshSub, 4),
+                          .validationTime = number(object, validationSub, 2)};
+    const QString suffix = tables_.multiLine ? u"_l%1"_s.arg(object.line) : QString();
     srdo.name = u"srdo%1%2"_s.arg(dec(srdo.number), suffix);
     if (!srdo.mapping.isEmpty())
         srdo.mapTable = u"mapTable%1%2"_s.arg(dec(srdo.number), suffix);
-    srdo.normalCobId = cobId(srdo, normalSub, u"0xfful + (ownNodeId * 2ul)"_s);
-    srdo.invertedCobId = cobId(srdo, invertedSub, u"0x100ul + (ownNodeId * 2ul)"_s);
+    srdo.normalCobId = cobId(object, normalSub, u"0xfful + (ownNodeId * 2ul)"_s);
+    srdo.invertedCobId = cobId(object, invertedSub, u"0x100ul + (ownNodeId * 2ul)"_s);
     const bool exchanged = srdo.isTransmit || srdo.isReceive;
     for (qsizetype i = 0; i < srdo.mapping.size(); ++i)
         (i % 2 == 0 ? srdo.normal : srdo.inverted).append(mappedOf(srdo.mapping.at(i), exchanged));
     tables_.srdos.append(srdo);
 }
 
+void Collector::collectSrdos(const LineDictionary &line)
+{
+    line_ = &line;
+    for (const LineObject &object : line.range(startedSrdos))
+        collectSrdo(object, line.object(object.index + mappingOffset));
+}
+
 } // namespace
 
 quint16 SrdoTables::Srdo::index() const
 {
-    return static_cast<quint16>(firstSrdo + number - 1);
+    return static_cast<quint16>(CANopen::Index::srdos.first + number - 1);
 }
 
 const QList<SrdoTables::TypeKind> &SrdoTables::typeKinds()
@@ -353,16 +354,17 @@ const QList<SrdoTables::TypeKind> &SrdoTables::typeKinds()
 
 SrdoTables SrdoTables::collect(ObjectDataBase &store, bool multiLine, bool staticData)
 {
-    const QList<quint8> lines = LineSettings::stackLines(store);
-    SrdoTables tables{.multiLine = multiLine, .lineCount = lines.size()};
-    Collector collector(store, tables);
-    for (const quint8 line : lines) {
-        if (!RunContext::protocolsOf(store, line).canOpen)
+    std::vector<LineDictionary> lines;
+    for (const quint8 line : LineSettings::stackLines(store))
+        lines.emplace_back(store, line);
+    SrdoTables tables{.multiLine = multiLine, .lineCount = static_cast<qsizetype>(lines.size())};
+    Collector collector(namesOfProject(store, lines), tables);
+    for (const LineDictionary &line : lines) {
+        if (!RunContext::protocolsOf(store, line.number).canOpen)
             continue;
         if (staticData)
             collector.collectStatic(line);
-        for (const quint16 index : store.getIndexList(line, firstSrdo, lastSrdo))
-            collector.collectSrdo(line, index);
+        collector.collectSrdos(line);
     }
     return tables;
 }

@@ -13,23 +13,25 @@ using CobId = PredefinedSet::CobId;
 namespace {
 
 constexpr QLatin1StringView nodeIdMark{"$NODEID+"};
+/// All but the default one.
+constexpr CANopen::IndexRange furtherSdoServers{0x1201, 0x127F};
 
-std::vector<CobId> sdoCobIds(std::span<const DictionaryObject> objects)
+std::vector<CobId> sdoCobIds(std::span<const LineObject> objects)
 {
     std::vector<CobId> cobIds;
-    for (const DictionaryObject &object : objects) {
+    for (const LineObject &object : objects) {
         for (const quint8 subindex : {quint8{1}, quint8{2}})
             cobIds.push_back({.index = object.index, .subindex = subindex, .offset = {}});
     }
     return cobIds;
 }
 
-std::vector<CobId> pdoCobIds(std::span<const DictionaryObject> objects)
+std::vector<CobId> pdoCobIds(std::span<const LineObject> objects)
 {
     std::vector<CobId> cobIds;
-    for (const DictionaryObject &object : objects) {
+    for (const LineObject &object : objects) {
         CobId cobId{.index = object.index, .subindex = 1, .offset = {}};
-        const DictionarySub *sub = object.sub(cobId.subindex);
+        const StoreRecords::SubEntry *sub = object.sub(cobId.subindex);
         const QString text = sub == nullptr ? QString() : sub->data.defaultvalue;
         const qsizetype mark = text.indexOf(nodeIdMark, 0, Qt::CaseInsensitive);
         cobId.addsNodeId = mark >= 0;
@@ -240,10 +242,10 @@ PredefinedSet PredefinedSet::collect(ObjectDataBase &store, const DictionaryTabl
         if (settings.isOn(u"overwrite_predef"_s, number) && dictionary != nullptr)
             set.lines.push_back({
                 .line = number,
-                .sdoServers = sdoCobIds(dictionary->range(0x1201, 0x127F)),
-                .sdoClients = sdoCobIds(dictionary->range(0x1280, 0x12FF)),
-                .rpdos = pdoCobIds(dictionary->range(0x1400, 0x15FF)),
-                .tpdos = pdoCobIds(dictionary->range(0x1800, 0x19FF)),
+                .sdoServers = sdoCobIds(dictionary->range(furtherSdoServers)),
+                .sdoClients = sdoCobIds(dictionary->range(CANopen::Index::sdoClients)),
+                .rpdos = pdoCobIds(dictionary->range(CANopen::Index::rpdos)),
+                .tpdos = pdoCobIds(dictionary->range(CANopen::Index::tpdos)),
             });
         if (!set.multiLine)
             break;

@@ -3,30 +3,15 @@
 #include "generate/base/codewriter.h"
 #include "generate/model/dictionarytables.h"
 #include "store/settings.h"
+#include "texttools/numbertext.h"
 
 using namespace Qt::StringLiterals;
+namespace Index = CANopen::Index;
 
 namespace {
 
-// Objects of CiA 301, 302, 304 and 1301 that decide which services there are.
-constexpr quint16 syncCobId = 0x1005;
-constexpr quint16 syncPeriod = 0x1006;
-constexpr quint16 guardTime = 0x100C;
-constexpr quint16 timeCobId = 0x1012;
-constexpr quint16 emcyCobId = 0x1014;
-constexpr quint16 heartbeatConsumers = 0x1016;
-constexpr quint16 heartbeatProducer = 0x1017;
-constexpr quint16 syncOverflow = 0x1019;
-constexpr quint16 emcyConsumers = 0x1028;
-constexpr quint16 firstSdoServer = 0x1200;
-constexpr quint16 lastSdoServer = 0x127F;
-constexpr quint16 firstSdoClient = 0x1280;
-constexpr quint16 lastSdoClient = 0x12FF;
-constexpr quint16 globalFailSafe = 0x1300;
-constexpr quint16 firstSrdo = 0x1301;
-constexpr quint16 lastSrdo = 0x1340;
-constexpr quint16 slaveReset = 0x1F10;
-constexpr quint16 slaveAssignment = 0x1F81;
+/// The SRDOs that a device has at most (EN 50325-5).
+constexpr CANopen::IndexRange startedSrdos{0x1301, 0x1340};
 
 constexpr quint32 timeProducerBit = 0x40000000;
 constexpr quint32 timeConsumerBit = 0x80000000;
@@ -34,6 +19,12 @@ constexpr quint32 timeConsumerBit = 0x80000000;
 QString unsignedText(std::size_t value)
 {
     return Code::dec(value) + u'u';
+}
+
+/// The number of the service that an object of a range belongs to, from 1.
+QString numberIn(CANopen::IndexRange range, const LineObject &object)
+{
+    return unsignedText(object.index - range.first + 1U);
 }
 
 QString boolText(bool value)
@@ -80,26 +71,24 @@ public:
     }
 
 private:
-    bool has(quint16 index) const { return dictionary_ != nullptr && dictionary_->object(index) != nullptr; }
-
-    std::size_t subCount(quint16 index) const { return dictionary_ == nullptr ? 0 : dictionary_->subCount(index); }
+    bool has(quint16 index) const { return dictionary_ != nullptr && dictionary_->has(index); }
 
     /// Subindices of an object apart from the one that counts them.
-    std::size_t entryCount(quint16 index) const
+    quint32 entryCount(quint16 index) const
     {
-        const std::size_t count = subCount(index);
+        const quint32 count = dictionary_ == nullptr ? 0 : dictionary_->subCount(index);
         return count == 0 ? 0 : count - 1;
     }
 
-    std::span<const DictionaryObject> range(quint16 first, quint16 last) const
+    std::span<const LineObject> range(CANopen::IndexRange indices) const
     {
-        return dictionary_ == nullptr ? std::span<const DictionaryObject>() : dictionary_->range(first, last);
+        return dictionary_ == nullptr ? std::span<const LineObject>() : dictionary_->range(indices);
     }
 
     /// The constant that holds the default value of a subindex; `missing` where there is none.
     QString constant(quint16 index, quint8 subindex, const QString &missing) const
     {
-        const DictionarySub *sub = tables_.sub(services_.line, index, subindex);
+        const StoreRecords::SubEntry *sub = tables_.sub(services_.line, index, subindex);
         const auto type = sub == nullptr ? std::nullopt : valueTypeOf(sub->data.datatype);
         if (!type || !isArithmetic(*type))
             return missing;
@@ -142,26 +131,28 @@ private:
 
     void addErrorControl()
     {
-        const QString consumers = unsignedText(entryCount(heartbeatConsumers));
-        if (has(heartbeatProducer))
-            add(Service::ErrorControl, u"coErrorCtrlInit"_s, {constant(heartbeatProducer, 0, u"0"_s), consumers});
-        else if (has(guardTime))
+        const QString consumers = unsignedText(entryCount(Index::heartbeatConsumers));
+        if (has(Index::heartbeatProducer))
+            add(Service::ErrorControl, u"coErrorCtrlInit"_s,
+                {constant(Index::heartbeatProducer, 0, u"0"_s), consumers});
+        else if (has(Index::guardTime))
             add(Service::ErrorControl, u"coErrorCtrlInit"_s, {u"0"_s, consumers},
                 u"initialize error control (Node Guarding)"_s);
     }
 
     void addSync()
     {
-        if (has(syncCobId))
+        if (has(Index::syncCobId))
             add(Service::Sync, u"coSyncInit"_s,
-                {constant(syncCobId, 0, u"0"_s), constant(syncPeriod, 0, u"0"_s), constant(syncOverflow, 0, u"0"_s)});
+                {constant(Index::syncCobId, 0, u"0"_s), constant(Index::syncPeriod, 0, u"0"_s),
+                 constant(Index::syncOverflow, 0, u"0"_s)});
     }
 
     void addTime()
     {
-        const DictionarySub *sub = tables_.sub(services_.line, timeCobId, 0);
+        const StoreRecords::SubEntry *sub = tables_.sub(services_.line, Index::timeCobId, 0);
         QString text = sub == nullptr ? QString() : sub->data.defaultvalue;
-        const quint32 cobId = parseNumber(text.remove(u"$nodeid+"_s, Qt::CaseInsensitive));
+        const quint32 cobId = NumberText::byPrefix(text.remove(u"$nodeid+"_s, Qt::CaseInsensitive)).value_or(0);
         add(Service::Time, u"coTimeInit"_s,
             {boolText((cobId & timeProducerBit) != 0), boolText((cobId & timeConsumerBit) != 0)});
     }
@@ -170,33 +161,35 @@ private:
     {
         if (settings_.isOn(u"event_led"_s))
             add(Service::Led, u"coLedInit"_s);
-        if (has(emcyCobId))
+        if (has(Index::emcyCobId))
             add(Service::EmcyProducer, u"coEmcyProducerInit"_s);
-        if (has(emcyConsumers))
-            add(Service::EmcyConsumer, u"coEmcyConsumerInit"_s, {unsignedText(entryCount(emcyConsumers))});
-        if (has(timeCobId))
+        if (has(Index::emcyConsumers))
+            add(Service::EmcyConsumer, u"coEmcyConsumerInit"_s, {unsignedText(entryCount(Index::emcyConsumers))});
+        if (has(Index::timeCobId))
             addTime();
-        if (has(slaveReset))
+        if (has(Index::slaveReset))
             add(Service::Srd, u"coSrdInit"_s);
-        if (has(globalFailSafe))
+        if (has(Index::globalFailSafe))
             add(Service::Gfc, u"coGfcInit"_s, {u"CO_TRUE"_s, u"CO_TRUE"_s});
         if (settings_.isOn(u"isotp_connection_cnt"_s))
             add(Service::IsoTp, u"isoTpInit"_s);
         if (settings_.isOn(u"idnego_supported"_s))
             add(Service::IdNegotiation, u"coIdNegoInit"_s);
-        if (!settings_.isOn(u"bootup_manager"_s) && has(slaveAssignment))
+        if (!settings_.isOn(u"bootup_manager"_s) && has(Index::slaveAssignment))
             add(Service::Guarding, u"coGuardingInit"_s);
     }
 
     /// The first server is not among them: it is always started, and how depends on CAN FD.
     void addSdos()
     {
-        for (const DictionaryObject &object : range(firstSdoServer + 1, lastSdoServer))
-            add(Service::SdoServer, u"coSdoServerInit"_s, {unsignedText(object.index - firstSdoServer + 1U)});
-        if (!has(firstSdoClient) && !services_.usdoClient)
+        for (const LineObject &object : range(Index::sdoServers)) {
+            if (object.index != Index::sdoServers.first)
+                add(Service::SdoServer, u"coSdoServerInit"_s, {numberIn(Index::sdoServers, object)});
+        }
+        if (!has(Index::sdoClients.first) && !services_.usdoClient)
             return;
-        for (const DictionaryObject &object : range(firstSdoClient, lastSdoClient))
-            add(Service::SdoClient, u"coSdoClientInit"_s, {unsignedText(object.index - firstSdoClient + 1U)});
+        for (const LineObject &object : range(Index::sdoClients))
+            add(Service::SdoClient, u"coSdoClientInit"_s, {numberIn(Index::sdoClients, object)});
     }
 
     QString tableArgument(PdoDirection direction, const PdoMapping &pdo) const
@@ -225,8 +218,8 @@ private:
     /// Direction, refresh time or cycle, validation time, transmission type and both COB-IDs (EN 50325-5).
     void addSrdos()
     {
-        for (const DictionaryObject &object : range(firstSrdo, lastSrdo)) {
-            QStringList arguments{unsignedText(object.index - firstSrdo + 1U)};
+        for (const LineObject &object : range(startedSrdos)) {
+            QStringList arguments{numberIn(startedSrdos, object)};
             for (quint8 subindex = 1; subindex <= 6; ++subindex)
                 arguments.append(constant(object.index, subindex, u"0u"_s));
             add(Service::Srdo, u"coSrdoInit"_s, arguments);

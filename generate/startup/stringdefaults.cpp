@@ -2,7 +2,6 @@
 
 #include "generate/base/codewriter.h"
 #include "generate/model/dictionarytables.h"
-#include "texttools/helper.h"
 
 void writeStringDefaultFunction(CodeWriter &out, const DictionaryTables &tables)
 {
@@ -15,7 +14,7 @@ void writeStringDefaultFunction(CodeWriter &out, const DictionaryTables &tables)
         const auto line = static_cast<quint8>(it.key() >> 24);
         const auto index = static_cast<quint16>(it.key() >> 8);
         const auto subindex = static_cast<quint8>(it.key());
-        const DictionarySub *sub = tables.sub(line, index, subindex);
+        const StoreRecords::SubEntry *sub = tables.sub(line, index, subindex);
         if (sub == nullptr || sub->data.varname.isEmpty())
             continue;
         out(uR"(
@@ -25,7 +24,7 @@ void writeStringDefaultFunction(CodeWriter &out, const DictionaryTables &tables)
             {{"LINE", Code::dec(line)},
              {"INDEX", Code::hex(index, 4)},
              {"SUB", Code::dec(subindex)},
-             {"NAME", Helper::substituteVariables(sub->data.varname, index, subindex, line)},
+             {"NAME", filledText(sub->data.varname, *sub)},
              {"OFFSET", Code::dec(tables.stringOffsetMap.value(it.key()))},
              {"SIZE", Code::dec(it.value())}});
     }

@@ -2,7 +2,7 @@
 
 #include "generate/base/codewriter.h"
 #include "generate/common/documentname.h"
-#include "generate/model/objectrecords.h"
+#include "generate/model/linedictionary.h"
 #include "generate/tables/tablefields.h"
 #include "nodedict/cohelper.h"
 
@@ -16,12 +16,12 @@ using TableFields::flag;
 
 namespace {
 
-using Sub = ObjectRecords::Sub;
+using Sub = StoreRecords::SubEntry;
 
-QString nameOf(const ObjectRecords &object, const Sub &sub)
+QString nameOf(const LineObject &object, const Sub &sub)
 {
-    const bool isVariable = object.object.objecttype == CANopen::Var;
-    return field(isVariable ? object.name() : object.name() + u' ' + object.name(sub));
+    const bool isVariable = object.data.objecttype == CANopen::Var;
+    return field(isVariable ? object.name() : object.name() + u' ' + filledText(sub.data.name, sub));
 }
 
 QString implementationOf(const Sub &sub)
@@ -33,29 +33,29 @@ QString implementationOf(const Sub &sub)
 struct Column
 {
     QLatin1StringView name;
-    QString (*field)(const ObjectRecords &, const Sub &);
+    QString (*field)(const LineObject &, const Sub &);
 };
 
 // clang-format off
 constexpr std::array columns{
-    Column{"Index"_L1, [](const ObjectRecords &object, const Sub &) { return "0x"_L1 + Code::hex(object.index, 4); }},
-    Column{"Sub"_L1, [](const ObjectRecords &, const Sub &sub) { return "0x"_L1 + Code::hex(sub.subindex, 2); }},
+    Column{"Index"_L1, [](const LineObject &object, const Sub &) { return "0x"_L1 + Code::hex(object.index, 4); }},
+    Column{"Sub"_L1, [](const LineObject &, const Sub &sub) { return "0x"_L1 + Code::hex(sub.subindex, 2); }},
     Column{"EDSname"_L1, nameOf},
-    Column{"Datatype"_L1, [](const ObjectRecords &, const Sub &sub) { return COHelper::index2DataTypeString(sub.data.datatype); }},
-    Column{"Access"_L1, [](const ObjectRecords &, const Sub &sub) { return field(sub.data.accesstype); }},
-    Column{"Value"_L1, [](const ObjectRecords &, const Sub &sub) { return field(TableFields::value(sub.data.datatype, sub.data.defaultvalue)); }},
-    Column{"varname"_L1, [](const ObjectRecords &, const Sub &sub) { return field(sub.data.varname); }},
-    Column{"LowLimit"_L1, [](const ObjectRecords &, const Sub &sub) { return field(sub.data.lowlimit); }},
-    Column{"UpLimit"_L1, [](const ObjectRecords &, const Sub &sub) { return field(sub.data.uplimit); }},
-    Column{"hasDefault"_L1, [](const ObjectRecords &, const Sub &sub) { return flag(sub.data.defaultineds); }},
-    Column{"hasLimit"_L1, [](const ObjectRecords &, const Sub &sub) { return flag(sub.data.limitineds); }},
-    Column{"refuseRead"_L1, [](const ObjectRecords &, const Sub &sub) { return flag(sub.data.refuseread); }},
-    Column{"refuseWrite"_L1, [](const ObjectRecords &, const Sub &sub) { return flag(sub.data.refusewrite); }},
-    Column{"defaultInEDS"_L1, [](const ObjectRecords &, const Sub &sub) { return flag(sub.data.writedefaulttoeds != 0); }},
-    Column{"implementation"_L1, [](const ObjectRecords &, const Sub &sub) { return implementationOf(sub); }},
-    Column{"Size"_L1, [](const ObjectRecords &, const Sub &sub) { return Code::dec(sub.data.size); }},
-    Column{"ObjectCode"_L1, [](const ObjectRecords &object, const Sub &) { return COHelper::objectCode2String(object.object.objecttype); }},
-    Column{"mapable"_L1, [](const ObjectRecords &, const Sub &sub) { return sub.data.pdomapping.getCSVStringValue(); }},
+    Column{"Datatype"_L1, [](const LineObject &, const Sub &sub) { return COHelper::index2DataTypeString(sub.data.datatype); }},
+    Column{"Access"_L1, [](const LineObject &, const Sub &sub) { return field(sub.data.accesstype); }},
+    Column{"Value"_L1, [](const LineObject &, const Sub &sub) { return field(TableFields::value(sub.data.datatype, sub.data.defaultvalue)); }},
+    Column{"varname"_L1, [](const LineObject &, const Sub &sub) { return field(sub.data.varname); }},
+    Column{"LowLimit"_L1, [](const LineObject &, const Sub &sub) { return field(sub.data.lowlimit); }},
+    Column{"UpLimit"_L1, [](const LineObject &, const Sub &sub) { return field(sub.data.uplimit); }},
+    Column{"hasDefault"_L1, [](const LineObject &, const Sub &sub) { return flag(sub.data.defaultineds); }},
+    Column{"hasLimit"_L1, [](const LineObject &, const Sub &sub) { return flag(sub.data.limitineds); }},
+    Column{"refuseRead"_L1, [](const LineObject &, const Sub &sub) { return flag(sub.data.refuseread); }},
+    Column{"refuseWrite"_L1, [](const LineObject &, const Sub &sub) { return flag(sub.data.refusewrite); }},
+    Column{"defaultInEDS"_L1, [](const LineObject &, const Sub &sub) { return flag(sub.data.writedefaulttoeds != 0); }},
+    Column{"implementation"_L1, [](const LineObject &, const Sub &sub) { return implementationOf(sub); }},
+    Column{"Size"_L1, [](const LineObject &, const Sub &sub) { return Code::dec(sub.data.size); }},
+    Column{"ObjectCode"_L1, [](const LineObject &object, const Sub &) { return COHelper::objectCode2String(object.data.objecttype); }},
+    Column{"mapable"_L1, [](const LineObject &, const Sub &sub) { return sub.data.pdomapping.getCSVStringValue(); }},
 };
 // clang-format on
 
@@ -74,7 +74,7 @@ void CSVGenerator::writeHead(QTextStream &stream)
     stream << names.join(u',') << '\n';
 }
 
-void CSVGenerator::writeObject(QTextStream &stream, const ObjectRecords &object)
+void CSVGenerator::writeObject(QTextStream &stream, const LineObject &object)
 {
     for (const Sub &sub : object.subs) {
         for (const Column &column : columns)

@@ -14,5 +14,5 @@ public:
 
 protected:
     void writeHead(QTextStream &stream) override;
-    void writeObject(QTextStream &stream, const ObjectRecords &object) override;
+    void writeObject(QTextStream &stream, const LineObject &object) override;
 };

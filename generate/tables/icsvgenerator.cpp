@@ -3,7 +3,7 @@
 #include "generate/base/codewriter.h"
 #include "generate/common/doctext.h"
 #include "generate/common/documentname.h"
-#include "generate/model/objectrecords.h"
+#include "generate/model/linedictionary.h"
 #include "generate/tables/tablefields.h"
 #include "nodedict/cohelper.h"
 #include "texttools/helper.h"
@@ -18,8 +18,8 @@ using TableFields::flag;
 
 namespace {
 
-using Object = ObjectRecords;
-using Sub = ObjectRecords::Sub;
+using Object = LineObject;
+using Sub = StoreRecords::SubEntry;
 
 /// The row tells of an object without items, a variable or a domain, rather than of an item.
 bool isWholeObject(const Object &object, const Sub &sub)
@@ -30,18 +30,18 @@ bool isWholeObject(const Object &object, const Sub &sub)
 /// The word is on the row that tells of the object: an importer takes it from there.
 QString codeOf(const Object &object, const Sub &sub)
 {
-    const bool tells = isWholeObject(object, sub) || object.object.objecttype == CANopen::Var;
-    return tells ? COHelper::objectCode2String(object.object.objecttype) : QString();
+    const bool tells = isWholeObject(object, sub) || object.data.objecttype == CANopen::Var;
+    return tells ? COHelper::objectCode2String(object.data.objecttype) : QString();
 }
 
 QString typeOf(const Object &object, const Sub &sub)
 {
-    return COHelper::index2DataTypeString(isWholeObject(object, sub) ? object.object.datatype : sub.data.datatype);
+    return COHelper::index2DataTypeString(isWholeObject(object, sub) ? object.data.datatype : sub.data.datatype);
 }
 
 QString nameOf(const Object &object, const Sub &sub)
 {
-    return field(isWholeObject(object, sub) ? object.name() : object.name(sub));
+    return field(isWholeObject(object, sub) ? object.name() : filledText(sub.data.name, sub));
 }
 
 /// A row of the table is one line, so that the text's line breaks are spelled out.
@@ -70,9 +70,9 @@ constexpr std::array columns{
            [](const Object &object) { return "0x"_L1 + Code::hex(object.index, 4); }},
     Column{"sub"_L1, [](const Object &, const Sub &sub) { return "0x"_L1 + Code::hex(sub.subindex, 2); }},
     Column{"objectcode"_L1, codeOf,
-           [](const Object &object) { return COHelper::objectCode2String(object.object.objecttype); }},
+           [](const Object &object) { return COHelper::objectCode2String(object.data.objecttype); }},
     Column{"datatype"_L1, typeOf,
-           [](const Object &object) { return COHelper::index2DataTypeString(object.object.datatype); }},
+           [](const Object &object) { return COHelper::index2DataTypeString(object.data.datatype); }},
     Column{"edsname"_L1, nameOf, [](const Object &object) { return field(object.name()); }},
     Column{"varname"_L1, [](const Object &, const Sub &sub) { return field(sub.data.varname); }},
     Column{"access"_L1, [](const Object &, const Sub &sub) { return field(sub.data.accesstype); }},
@@ -81,7 +81,7 @@ constexpr std::array columns{
     Column{"defaultineds"_L1, [](const Object &, const Sub &sub) { return flag(sub.data.writedefaulttoeds != 0); }},
     Column{"value"_L1, [](const Object &, const Sub &sub) { return field(TableFields::value(sub.data.datatype, sub.data.defaultvalue)); }},
     Column{documentationColumn, descriptionOf,
-           [](const Object &object) { return descriptionField(object.object.description); }},
+           [](const Object &object) { return descriptionField(object.data.description); }},
     Column{"size"_L1, [](const Object &, const Sub &sub) { return Code::dec(sub.data.size); }},
     Column{"implementation"_L1, [](const Object &, const Sub &sub) { return TableFields::implementation(sub.data.implementation); }},
     Column{"haslimit"_L1, [](const Object &, const Sub &sub) { return flag(sub.data.limitineds); }},
@@ -116,7 +116,7 @@ void ICSVGenerator::writeHead(QTextStream &stream)
     writeRow(stream, hasDocumentation_, [](const Column &column) { return QString(column.name); });
 }
 
-void ICSVGenerator::writeObject(QTextStream &stream, const ObjectRecords &object)
+void ICSVGenerator::writeObject(QTextStream &stream, const LineObject &object)
 {
     if (object.isGroup()) {
         writeRow(stream, hasDocumentation_,

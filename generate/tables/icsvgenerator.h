@@ -19,7 +19,7 @@ public:
 
 protected:
     void writeHead(QTextStream &stream) override;
-    void writeObject(QTextStream &stream, const ObjectRecords &object) override;
+    void writeObject(QTextStream &stream, const LineObject &object) override;
 
 private:
     bool hasDocumentation_ = true;

@@ -1,6 +1,6 @@
 #include "generate/tables/tablegenerator.h"
 
-#include "generate/model/objectrecords.h"
+#include "generate/model/linedictionary.h"
 #include "store/objectdatabase.h"
 
 #include <QDebug>
@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr quint16 firstIndex = 0x1000;
 constexpr std::array<quint16, 2> areas{0x2000, 0x6000};
 
 } // namespace
@@ -19,14 +18,14 @@ void TableGenerator::write(QTextStream &stream)
 {
     writeHead(stream);
     auto area = areas.begin();
-    const ObjectReader reader(*database(), line(), firstIndex);
-    for (const quint16 index : reader.indices()) {
+    const LineDictionary dictionary(*database(), line());
+    for (const LineObject &object : dictionary.objects) {
         if (takeCancelRequest()) {
             qDebug() << "Generation aborted";
             return;
         }
-        for (; area != areas.end() && index >= *area; ++area)
+        for (; area != areas.end() && object.index >= *area; ++area)
             stream << " \n";
-        writeObject(stream, reader.read(index));
+        writeObject(stream, object);
     }
 }

@@ -2,7 +2,7 @@
 
 #include "generate/base/filegenerator.h"
 
-struct ObjectRecords;
+struct LineObject;
 
 /// What the tables of a line's object dictionary have in common: the rows stand in the order of the dictionary, from
 /// 0x1000 up, and a line of one blank sets the areas of the manufacturer (from 0x2000) and of profiles (from 0x6000)
@@ -17,5 +17,5 @@ public:
 protected:
     void write(QTextStream &stream) override;
     virtual void writeHead(QTextStream &stream) = 0;
-    virtual void writeObject(QTextStream &stream, const ObjectRecords &object) = 0;
+    virtual void writeObject(QTextStream &stream, const LineObject &object) = 0;
 };

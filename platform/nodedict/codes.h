@@ -44,19 +44,34 @@ inline constexpr quint16 storeParameters = 0x1010;
 inline constexpr quint16 restoreParameters = 0x1011;
 inline constexpr quint16 timeCobId = 0x1012;
 inline constexpr quint16 emcyCobId = 0x1014;
+inline constexpr quint16 emcyInhibitTime = 0x1015;
 inline constexpr quint16 heartbeatConsumers = 0x1016;
 inline constexpr quint16 heartbeatProducer = 0x1017;
 inline constexpr quint16 identity = 0x1018;
+inline constexpr quint16 syncOverflow = 0x1019;
 inline constexpr quint16 emcyConsumers = 0x1028;
 inline constexpr quint16 nmtInhibitTime = 0x102A;
+inline constexpr quint16 activeErrors = 0x1032;
+inline constexpr quint16 globalFailSafe = 0x1300;
+inline constexpr quint16 slaveReset = 0x1F10;
+inline constexpr quint16 networkRouting = 0x1F2C;
+inline constexpr quint16 networkStartup = 0x1F80;
 inline constexpr quint16 slaveAssignment = 0x1F81;
 
+/// Objects of every kind; what lies below describes data types.
+inline constexpr IndexRange all{firstCommunicationObject, 0xFFFF};
+inline constexpr IndexRange sdoServers{0x1200, 0x127F};
+inline constexpr IndexRange sdoClients{0x1280, 0x12FF};
 inline constexpr IndexRange srdos{0x1301, 0x137F};
 inline constexpr IndexRange srdoMappings{0x1381, 0x13FF};
+/// Mappings of the SRDOs whose data the module of SRDOs may own.
+inline constexpr IndexRange staticSrdoMappings{0x1380, 0x13B0};
 inline constexpr IndexRange rpdos{0x1400, 0x15FF};
 inline constexpr IndexRange rpdoMappings{0x1600, 0x17FF};
 inline constexpr IndexRange tpdos{0x1800, 0x19FF};
 inline constexpr IndexRange tpdoMappings{0x1A00, 0x1BFF};
+/// Distance of a PDO's mapping from its communication parameters.
+inline constexpr quint16 pdoMappingOffset = 0x200;
 
 } // namespace Index
 } // namespace CANopen

@@ -1,6 +1,6 @@
 #include "generate/descriptions/edsgenerator.h"
 #include "generate/docs/generatorjob.h"
-#include "generate/model/objectrecords.h"
+#include "generate/model/linedictionary.h"
 #include "import/importproject.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
@@ -61,10 +61,9 @@ class Expectation
 public:
     explicit Expectation(ObjectDataBase &store)
     {
-        const ObjectReader reader(store, 0, 0x1000);
-        for (const quint16 index : reader.indices()) {
-            const ObjectRecords object = reader.read(index);
-            for (const ObjectRecords::Sub &sub : object.subs)
+        const LineDictionary dictionary(store, 0);
+        for (const LineObject &object : dictionary.objects) {
+            for (const StoreRecords::SubEntry &sub : object.subs)
                 add(object, sub);
         }
     }
@@ -82,13 +81,13 @@ public:
     }
 
 private:
-    void add(const ObjectRecords &object, const ObjectRecords::Sub &sub)
+    void add(const LineObject &object, const StoreRecords::SubEntry &sub)
     {
-        const bool isDomain = object.object.objecttype == CANopen::Domain;
+        const bool isDomain = object.data.objecttype == CANopen::Domain;
         const bool counts = object.isGroup() && sub.subindex == 0 && object.index >= 0x2000;
         const bool mapped = !isDomain && sub.data.pdomapping.toBinary() != 0;
         const int type = sub.data.datatype < 100 ? sub.data.datatype : 5; // types of the program's own
-        const QString name = object.isGroup() ? object.name(sub) : object.name();
+        const QString name = object.isGroup() ? filledText(sub.data.name, sub) : object.name();
         QString value = counts ? QString::number(object.highestSubindex()) : sub.data.defaultvalue;
         if (value.startsWith("|x"_L1))
             value.remove(0, 2);
