@@ -15,6 +15,7 @@ set(NCX_PROGRAMS ncx_cli ncx_cli_j1939 ncx_cli_can ncx_cli_energybus)
 set(NCX_INSTALL_PROGRAMDIR "${CMAKE_INSTALL_LIBEXECDIR}/ncx_cli")
 
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core Sql Xml)
+find_package(SQLite3 REQUIRED)
 
 find_program(NCX_CCACHE ccache)
 if(NCX_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)

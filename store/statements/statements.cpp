@@ -3,9 +3,12 @@
 #include <QDebug>
 #include <QDir>
 #include <QMutexLocker>
-#include <QSqlQuery>
-#include <QSqlRecord>
+#include <QSqlDriver>
+#include <QSqlError>
 
+#include <sqlite3.h>
+
+#include <algorithm>
 #include <atomic>
 #include <utility>
 
@@ -17,31 +20,118 @@ namespace {
 constexpr std::size_t mostKept = 512;
 
 /// A statement that ran out of space or could not read its pages has left something out.
-bool leavesDamage(const QSqlError &error)
+bool leavesDamage(int error)
 {
-    constexpr int inputOutput = 10;
-    constexpr int corrupt = 11;
-    constexpr int full = 13;
-    const int code = error.nativeErrorCode().toInt() & 0xff;
-    return code == inputOutput || code == corrupt || code == full;
+    constexpr int withoutDetails = 0xff;
+    const int code = error & withoutDetails;
+    return code == SQLITE_IOERR || code == SQLITE_CORRUPT || code == SQLITE_FULL;
 }
 
-/// A text without characters is a text, too.
-QVariant bound(const QVariant &value)
+/// As the driver does it. A text and bytes must live until the statement is reset.
+int bind(sqlite3_stmt *statement, int place, const QVariant &value)
 {
-    return value.typeId() == QMetaType::QString && value.toString().isNull() ? QVariant(u""_s) : value;
+    switch (value.typeId()) {
+    case QMetaType::UnknownType:
+        return sqlite3_bind_null(statement, place);
+    case QMetaType::QString: {
+        const auto *text = static_cast<const QString *>(value.constData());
+        // A text without characters is a text, too.
+        return text->isNull() ? sqlite3_bind_text(statement, place, "", 0, SQLITE_STATIC)
+                              : sqlite3_bind_text16(statement, place, text->utf16(), static_cast<int>(text->size() * 2),
+                                                    SQLITE_STATIC);
+    }
+    case QMetaType::QByteArray: {
+        const auto *bytes = static_cast<const QByteArray *>(value.constData());
+        return bytes->isNull() ? sqlite3_bind_null(statement, place)
+                               : sqlite3_bind_blob(statement, place, bytes->constData(),
+                                                   static_cast<int>(bytes->size()), SQLITE_STATIC);
+    }
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+        return sqlite3_bind_int64(statement, place, value.toLongLong());
+    case QMetaType::Double:
+        return sqlite3_bind_double(statement, place, value.toDouble());
+    default: {
+        const QByteArray text = value.toString().toUtf8();
+        return sqlite3_bind_text(statement, place, text.constData(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
+    }
+    }
+}
+
+bool bindAll(sqlite3_stmt *statement, const QVariantList &values)
+{
+    Q_ASSERT_X(sqlite3_bind_parameter_count(statement) == values.size(), "Statements", "a value for each place");
+    int place = 0;
+    return std::ranges::all_of(values,
+                               [&](const QVariant &value) { return bind(statement, ++place, value) == SQLITE_OK; });
+}
+
+bool isAscii(QByteArrayView bytes)
+{
+    uchar all = 0;
+    for (const char byte : bytes)
+        all |= static_cast<uchar>(byte);
+    return all < 0x80;
+}
+
+/// The connection as SQLite knows it; null if the driver is another one.
+sqlite3 *handleOf(const QSqlDatabase &connection)
+{
+    const QVariant handle = connection.driver()->handle();
+    return handle.typeName() == "sqlite3*"_ba ? *static_cast<sqlite3 *const *>(handle.constData()) : nullptr;
 }
 
 } // namespace
 
 int ResultRow::count() const
 {
-    return query_.record().count();
+    return sqlite3_column_count(statement_);
 }
 
 QVariant ResultRow::value(int column) const
 {
-    return query_.value(column);
+    switch (sqlite3_column_type(statement_, column)) {
+    case SQLITE_INTEGER:
+        return QVariant(qint64{sqlite3_column_int64(statement_, column)});
+    case SQLITE_FLOAT:
+        return QVariant(sqlite3_column_double(statement_, column));
+    case SQLITE_BLOB: {
+        const auto *bytes = static_cast<const char *>(sqlite3_column_blob(statement_, column));
+        return QVariant(QByteArray(bytes, sqlite3_column_bytes(statement_, column)));
+    }
+    case SQLITE_NULL:
+        return QVariant(QMetaType::fromType<QString>());
+    default:
+        return QVariant(text(column));
+    }
+}
+
+QString ResultRow::text(int column) const
+{
+    const int type = sqlite3_column_type(statement_, column);
+    if (type == SQLITE_NULL)
+        return {};
+    if (type != SQLITE_TEXT)
+        return value(column).toString();
+    const QByteArrayView bytes(sqlite3_column_text(statement_, column), sqlite3_column_bytes(statement_, column));
+    if (isAscii(bytes))
+        return QString::fromLatin1(bytes);
+    const void *text = sqlite3_column_text16(statement_, column);
+    return QString(static_cast<const QChar *>(text), sqlite3_column_bytes16(statement_, column) / 2);
+}
+
+qint64 ResultRow::integer(int column) const
+{
+    if (sqlite3_column_type(statement_, column) == SQLITE_INTEGER)
+        return sqlite3_column_int64(statement_, column);
+    return value(column).toLongLong();
+}
+
+void Statements::Finalizer::operator()(sqlite3_stmt *statement) const
+{
+    sqlite3_finalize(statement);
 }
 
 Statements::Statements()
@@ -67,8 +157,10 @@ bool Statements::open(const QString &path)
     ++generation_;
     damaged_ = false;
     connection_.setDatabaseName(QDir::toNativeSeparators(path));
-    if (connection_.open())
-        return true;
+    if (connection_.open()) {
+        database_ = handleOf(connection_);
+        return database_ != nullptr;
+    }
     qDebug() << "error sqlDbFile.open()" << connection_.lastError().text();
     return false;
 }
@@ -82,6 +174,7 @@ void Statements::close()
         kept_.clear();
     }
     depth_ = 0;
+    database_ = nullptr;
     connection_.close();
 }
 
@@ -92,9 +185,9 @@ bool Statements::execute(const Statement &statement, const QVariantList &values)
 
 std::optional<qint64> Statements::insert(const Statement &statement, const QVariantList &values)
 {
-    std::optional<qint64> id;
-    perform(statement, values, [&id](const QSqlQuery &query) { id = query.lastInsertId().toLongLong(); });
-    return id;
+    if (!perform(statement, values))
+        return std::nullopt;
+    return sqlite3_last_insert_rowid(database_);
 }
 
 QVariant Statements::value(const Statement &statement, const QVariantList &values)
@@ -111,91 +204,85 @@ bool Statements::hasRow(const Statement &statement, const QVariantList &values)
 
 bool Statements::visit(const Statement &statement, const QVariantList &values, const Visitor &visitor)
 {
-    return perform(statement, values, [&visitor](QSqlQuery &query) {
-        const ResultRow row(query);
-        while (query.next())
+    return perform(statement, values, [&visitor](sqlite3_stmt *result, bool hasRow) {
+        const ResultRow row(result);
+        int step = hasRow ? SQLITE_ROW : SQLITE_DONE;
+        for (; step == SQLITE_ROW; step = sqlite3_step(result))
             visitor(row);
+        return step == SQLITE_DONE;
     });
 }
 
 bool Statements::visitFirst(const Statement &statement, const QVariantList &values, const Visitor &visitor)
 {
     bool found = false;
-    perform(statement, values, [&](QSqlQuery &query) {
-        found = query.next();
+    perform(statement, values, [&](sqlite3_stmt *result, bool hasRow) {
+        found = hasRow;
         if (found)
-            visitor(ResultRow(query));
+            visitor(ResultRow(result));
+        return true;
     });
     return found;
 }
 
-/// Runs a statement and lets `use` read its result. It is out of the kept ones meanwhile, so that a visitor may run
+/// Runs a statement and lets `read` have its result. It is out of the kept ones meanwhile, so that a visitor may run
 /// the same again.
-bool Statements::perform(const Statement &statement, const QVariantList &values,
-                         const std::function<void(QSqlQuery &)> &use)
+bool Statements::perform(const Statement &statement, const QVariantList &values, const Reader &read)
 {
-    Kept::node_type kept;
-    bool done = false;
+    Prepared running;
+    int step = SQLITE_ERROR;
     {
         const StoreGate::Passage passage(gate_);
-        kept = take(statement.text);
-        const bool isPrepared = !kept.empty();
-        if (!isPrepared) {
-            Kept fresh;
-            fresh.emplace(statement.text, QSqlQuery(connection_));
-            kept = fresh.extract(fresh.begin());
-        }
-        done = prepareAndRun(kept.mapped(), isPrepared, statement, values);
+        running = prepared(statement.text);
+        if (!running)
+            return fail(statement, "Unable to execute statement");
+        if (!bindAll(running.get(), values))
+            return fail(statement, "Unable to bind parameters");
+        step = sqlite3_step(running.get());
     }
-    if (!done) {
-        note(statement, kept.mapped().lastError());
-        return false;
-    }
-    if (use)
-        use(kept.mapped());
+    if ((step != SQLITE_ROW && step != SQLITE_DONE) || (read && !read(running.get(), step == SQLITE_ROW)))
+        return fail(statement, "Unable to fetch row");
     // One that is not at its end holds its table, and a drop or a commit would have to wait for it.
-    kept.mapped().finish();
+    sqlite3_reset(running.get());
     if (statement.effect != Statement::Effect::Schema)
-        keep(std::move(kept));
+        keep(statement.text, std::move(running));
     if (written_ && statement.effect != Statement::Effect::None)
         written_(statement.effect);
     return true;
 }
 
-bool Statements::prepareAndRun(QSqlQuery &query, bool isPrepared, const Statement &statement,
-                               const QVariantList &values)
+/// The statement that was kept, or a fresh one; null if it cannot be prepared.
+Statements::Prepared Statements::prepared(const QString &text)
 {
-    if (!isPrepared) {
-        query.setForwardOnly(true);
-        if (!query.prepare(statement.text))
-            return false;
+    {
+        const QMutexLocker locker(&mutex_);
+        if (auto kept = kept_.extract(text))
+            return std::move(kept.mapped());
     }
-    int place = 0;
-    for (const QVariant &value : values)
-        query.bindValue(place++, bound(value));
-    return query.exec();
+    sqlite3_stmt *fresh = nullptr;
+    if (database_) {
+        const QByteArray bytes = text.toUtf8();
+        sqlite3_prepare_v2(database_, bytes.constData(), static_cast<int>(bytes.size()), &fresh, nullptr);
+    }
+    return Prepared(fresh);
 }
 
-Statements::Kept::node_type Statements::take(const QString &text)
-{
-    const QMutexLocker locker(&mutex_);
-    return kept_.extract(text);
-}
-
-void Statements::keep(Kept::node_type statement)
+void Statements::keep(const QString &text, Prepared statement)
 {
     const QMutexLocker locker(&mutex_);
     if (kept_.size() >= mostKept)
         kept_.clear();
-    kept_.insert(std::move(statement));
+    kept_.emplace(text, std::move(statement));
 }
 
-void Statements::note(const Statement &statement, const QSqlError &error)
+bool Statements::fail(const Statement &statement, const char *what)
 {
-    error_ = error;
-    damaged_ = damaged_ || leavesDamage(error);
+    const int code = database_ ? sqlite3_extended_errcode(database_) : SQLITE_MISUSE;
+    error_ = QString::fromUtf8(database_ ? sqlite3_errmsg(database_) : "no database") + u' ' + QLatin1StringView(what);
+    damaged_ = damaged_ || leavesDamage(code);
     if (statement.operation)
-        qDebug().noquote() << statement.operation << statement.text << error.text();
+        qDebug().noquote() << statement.operation << statement.text << error_;
+    return false;
 }
 
 void Statements::tellRollback()

@@ -4,15 +4,16 @@
 
 #include <QMutex>
 #include <QSqlDatabase>
-#include <QSqlError>
 #include <QString>
 #include <QVariant>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <unordered_map>
 
-class QSqlQuery;
+struct sqlite3;
+struct sqlite3_stmt;
 
 /// A statement and what is told of it. Its text has a "?" in the place of each value, and of a project's own texts none
 /// but the names of its tables and columns, as identifiers.
@@ -35,23 +36,27 @@ struct Statement
 class ResultRow
 {
 public:
-    explicit ResultRow(const QSqlQuery &query)
-        : query_(query)
+    explicit ResultRow(sqlite3_stmt *statement)
+        : statement_(statement)
     {
     }
 
     int count() const;
+    /// A qint64, a double, a QByteArray or a QString; a null QVariant for a NULL.
     QVariant value(int column) const;
-    QString text(int column) const { return value(column).toString(); }
+    /// Null for a NULL.
+    QString text(int column) const;
     /// 0 for a NULL and for a text that is no number; cut to the type.
     template <class Number>
     Number number(int column) const
     {
-        return static_cast<Number>(value(column).toLongLong());
+        return static_cast<Number>(integer(column));
     }
 
 private:
-    const QSqlQuery &query_;
+    qint64 integer(int column) const;
+
+    sqlite3_stmt *statement_;
 };
 
 /// All statements of a project go through here.
@@ -59,6 +64,9 @@ private:
 /// Each passes the gate, is prepared once and kept, and has its values bound by position; a null QString is bound as an
 /// empty text, an invalid QVariant as NULL. A failure is logged with the operation, the statement and the driver's
 /// error. Nothing throws.
+///
+/// The connection is one of the driver QSQLITE, but the statements run on SQLite itself: through the driver each value
+/// would become a QVariant, each name of a column a text, and a project has a million of them.
 class Statements
 {
 public:
@@ -91,7 +99,7 @@ public:
     bool visitFirst(const Statement &statement, const QVariantList &values, const Visitor &visitor);
 
     /// Of the last statement that failed.
-    QString errorText() const { return error_.text(); }
+    QString errorText() const { return error_; }
     /// True if a statement has failed because the file could not be read or written as a whole, until the next open.
     bool isDamaged() const { return damaged_; }
     /// For what has gone wrong in another way.
@@ -106,21 +114,26 @@ public:
 
 private:
     friend class TransactionScope;
-    using Kept = std::unordered_map<QString, QSqlQuery>;
+    struct Finalizer
+    {
+        void operator()(sqlite3_stmt *statement) const;
+    };
+    using Prepared = std::unique_ptr<sqlite3_stmt, Finalizer>;
+    /// Reads the result of a statement from its first row; false where it cannot be read to its end.
+    using Reader = std::function<bool(sqlite3_stmt *, bool hasRow)>;
 
-    bool perform(const Statement &statement, const QVariantList &values,
-                 const std::function<void(QSqlQuery &)> &use = {});
-    bool prepareAndRun(QSqlQuery &query, bool isPrepared, const Statement &statement, const QVariantList &values);
-    Kept::node_type take(const QString &text);
-    void keep(Kept::node_type statement);
-    void note(const Statement &statement, const QSqlError &error);
+    bool perform(const Statement &statement, const QVariantList &values, const Reader &read = {});
+    Prepared prepared(const QString &text);
+    void keep(const QString &text, Prepared statement);
+    bool fail(const Statement &statement, const char *what);
     void tellRollback();
 
     QSqlDatabase connection_;
+    sqlite3 *database_ = nullptr; ///< of the connection, while it is open
     StoreGate gate_;
     QMutex mutex_;
-    Kept kept_;
-    QSqlError error_;
+    std::unordered_map<QString, Prepared> kept_;
+    QString error_;
     int generation_ = 0;
     int depth_ = 0; ///< of the transaction scopes
     bool damaged_ = false;
