@@ -1,3 +1,4 @@
+#include "support/datacases.h"
 #include "support/processrunner.h"
 #include "support/projectscript.h"
 #include "support/testhome.h"
@@ -24,22 +25,6 @@ using namespace TestSupport;
 // NCX_ACCEPT=1 in the environment takes the output of this build as expected, to be read as a difference.
 
 namespace {
-
-/// The templates that the examples share, and a build with a project of its own.
-constexpr std::array otherFolders{"stack"_L1, "cmake_build"_L1};
-
-QStringList cases()
-{
-    QStringList folders;
-    for (const QString &root : {u"/tests/data/golden"_s, u"/examples"_s}) {
-        const QDir parent(QStringLiteral(NCX_SOURCE_DIR) + root);
-        for (const QString &name : parent.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
-            if (std::ranges::find(otherFolders, name) == otherFolders.end())
-                folders.append(parent.filePath(name));
-        }
-    }
-    return folders;
-}
 
 QSet<QString> filesIn(const QString &folder)
 {
@@ -221,24 +206,20 @@ private:
     QSet<QString> input_;
 };
 
-TEST(Goldens, GenerateAsExpected)
+class Goldens : public testing::TestWithParam<FileCase>
 {
-    const QStringList folders = cases();
-    EXPECT_FALSE(folders.isEmpty());
-    for (const QString &folder : folders) {
-        SCOPED_TRACE(qPrintable(folder));
-        Golden(folder).check();
-    }
+};
+
+TEST_P(Goldens, GenerateAsExpected)
+{
+    Golden(GetParam().path).check();
 }
 
-TEST(Goldens, HaveTheDateOfToday)
+TEST_P(Goldens, HaveTheDateOfToday)
 {
-    int dated = 0;
-    for (const QString &folder : cases()) {
-        SCOPED_TRACE(qPrintable(folder));
-        dated += Golden(folder).checkDates();
-    }
-    EXPECT_GT(dated, 100);
+    EXPECT_GT(Golden(GetParam().path).checkDates(), 0);
 }
+
+INSTANTIATE_TEST_SUITE_P(Projects, Goldens, testing::ValuesIn(projectCases()), caseName);
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
+#include "support/datacases.h"
 #include "support/testhome.h"
 
 #include <gtest/gtest.h>
@@ -12,6 +13,7 @@
 #include <QSet>
 
 using namespace Qt::StringLiterals;
+using namespace TestSupport;
 
 namespace {
 
@@ -58,21 +60,24 @@ QByteArrayList linesOf(const QString &path)
 } // namespace
 
 // Each text in the folder has beside it the dump of the line that it makes, without and with its copy lines.
-TEST(CodbImport, Cases)
+class CodbCases : public testing::TestWithParam<FileCase>
 {
-    for (const QString &path : TestSupport::casesIn(u"codb"_s, {u"*.codb"_s})) {
-        for (const bool resolve : {false, true}) {
-            const bool hasCopies = path.endsWith("/copies.codb"_L1);
-            const auto store = ImportTest::emptyProject();
-            CODBImporter importer;
-            importer.setResolveCopyLines(resolve);
-            const QString report = ImportTest::run(importer, store, path);
-            TestSupport::expectInFile(ImportTest::dump(*store) + report,
-                                      u"codb/%1%2.txt"_s.arg(QFileInfo(path).completeBaseName(),
-                                                             resolve && hasCopies ? u"-resolved"_s : u""_s));
-        }
+};
+
+TEST_P(CodbCases, MakeTheirLine)
+{
+    const QString name = GetParam().baseName();
+    for (const bool resolve : {false, true}) {
+        const auto store = ImportTest::emptyProject();
+        CODBImporter importer;
+        importer.setResolveCopyLines(resolve);
+        const QString report = ImportTest::run(importer, store, GetParam().path);
+        const QString suffix = resolve && name == "copies"_L1 ? u"-resolved"_s : QString();
+        TestSupport::expectInFile(ImportTest::dump(*store) + report, u"codb/%1%2.txt"_s.arg(name, suffix));
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(Import, CodbCases, testing::ValuesIn(fileCases(u"codb"_s, {u"*.codb"_s})), caseName);
 
 TEST(CodbImport, SubObjectsJoinObjectsOfTheLine)
 {

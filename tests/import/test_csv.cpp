@@ -1,6 +1,7 @@
 #include "import/csvimporter.h"
 #include "import/importproject.h"
 #include "store/objectdatabase.h"
+#include "support/datacases.h"
 #include "support/testhome.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@
 #include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
+using namespace TestSupport;
 
 namespace {
 
@@ -51,20 +53,23 @@ constexpr char wideHeader[] = "index,sub,datatype,access,edsname,value,";
 } // namespace
 
 // Each table in the folder has beside it the dump of the line that it makes, however the spreadsheet saves it.
-TEST(CsvImport, Cases)
+class CsvCases : public testing::TestWithParam<FileCase>
 {
-    for (const QString &path : TestSupport::casesIn(u"import-csv"_s, {u"*.csv"_s})) {
-        const QByteArray table = TestSupport::readFile(path);
-        const QString text = QString::fromUtf8(table);
-        const QByteArray utf16("\xff\xfe" + QByteArray(reinterpret_cast<const char *>(text.utf16()), text.size() * 2));
-        for (const QByteArray &form : {table, QByteArray(table).replace('\n', "\r\n"), "\xef\xbb\xbf" + table, utf16}) {
-            const Store store = ImportTest::emptyProject();
-            const QString report = importTable(store, form).report;
-            TestSupport::expectInFile(ImportTest::dump(*store) + report,
-                                      u"import-csv/%1.txt"_s.arg(QFileInfo(path).completeBaseName()));
-        }
+};
+
+TEST_P(CsvCases, MakeTheirLine)
+{
+    const QByteArray table = TestSupport::readFile(GetParam().path);
+    const QString text = QString::fromUtf8(table);
+    const QByteArray utf16("\xff\xfe" + QByteArray(reinterpret_cast<const char *>(text.utf16()), text.size() * 2));
+    for (const QByteArray &form : {table, QByteArray(table).replace('\n', "\r\n"), "\xef\xbb\xbf" + table, utf16}) {
+        const Store store = ImportTest::emptyProject();
+        const QString report = importTable(store, form).report;
+        TestSupport::expectInFile(ImportTest::dump(*store) + report, u"import-csv/%1.txt"_s.arg(GetParam().baseName()));
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(Import, CsvCases, testing::ValuesIn(fileCases(u"import-csv"_s, {u"*.csv"_s})), caseName);
 
 TEST(CsvImport, ReadsLatin1)
 {

@@ -1,6 +1,7 @@
 #include "import/edsimporter.h"
 #include "import/importproject.h"
 #include "store/objectdatabase.h"
+#include "support/datacases.h"
 #include "support/testhome.h"
 
 #include <gtest/gtest.h>
@@ -9,21 +10,27 @@
 #include <QStringEncoder>
 
 using namespace Qt::StringLiterals;
+using namespace TestSupport;
 using ImportTest::dump;
 using ImportTest::emptyProject;
 using ImportTest::importEds;
 using ImportTest::importText;
 
 // Each description in the folder has beside it the dump of the project that it makes.
-TEST(EdsImport, Cases)
+class EdsCases : public testing::TestWithParam<FileCase>
 {
-    for (const QString &path : TestSupport::casesIn(u"import"_s, {u"*.eds"_s, u"*.dcf"_s})) {
-        const auto store = emptyProject();
-        EDSImporter importer;
-        const QString report = ImportTest::run(importer, store, path);
-        TestSupport::expectInFile(dump(*store) + report, u"import/%1.txt"_s.arg(QFileInfo(path).completeBaseName()));
-    }
+};
+
+TEST_P(EdsCases, MakeTheirProject)
+{
+    const auto store = emptyProject();
+    EDSImporter importer;
+    const QString report = ImportTest::run(importer, store, GetParam().path);
+    TestSupport::expectInFile(dump(*store) + report, u"import/%1.txt"_s.arg(GetParam().baseName()));
 }
+
+INSTANTIATE_TEST_SUITE_P(Import, EdsCases, testing::ValuesIn(fileCases(u"import"_s, {u"*.eds"_s, u"*.dcf"_s})),
+                         caseName);
 
 // The same text in every encoding and with every line ending makes the same project.
 TEST(EdsImport, EncodingsAndLineEndings)

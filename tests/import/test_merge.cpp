@@ -2,6 +2,7 @@
 #include "import/doctxtimporter.h"
 #include "import/importproject.h"
 #include "import/ncxpimporter.h"
+#include "support/datacases.h"
 #include "support/projectscript.h"
 #include "support/recordfields.h"
 #include "support/testhome.h"
@@ -12,7 +13,7 @@
 #include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
-using TestSupport::ProjectScript;
+using namespace TestSupport;
 using TestSupport::RecordFields::described;
 
 namespace {
@@ -64,25 +65,24 @@ protected:
     QTemporaryDir folder_;
 };
 
-using Documentation = Merge;
-
 } // namespace
 
-// The head of the file tells how its cases are written.
-TEST_F(Merge, Cases)
+class MergeCases : public Merge, public testing::WithParamInterface<TextCase>
 {
-    const QByteArray file = TestSupport::readFile(QStringLiteral(NCX_SOURCE_DIR "/tests/data/merge/cases.txt"));
-    QStringList cases = QString::fromUtf8(file).trimmed().split(u"\n\n== "_s);
-    EXPECT_GT(cases.size(), 1);
-    for (QString &text : cases.mid(1)) {
-        const QStringList lines = text.split(u'\n').filter(QRegularExpression(u"^(?!\\| )"_s));
-        const qsizetype into = lines.indexOf("into"_L1);
-        const Store target = made(lines.sliced(into + 1));
-        EXPECT_TRUE(ImportDispatch::importFile(target, saved(lines.mid(1, into - 1))));
-        cases[cases.indexOf(text)] = lines.join(u'\n') + u"\n| "_s + contents(*target).join("\n| "_L1);
-    }
-    TestSupport::expectInFile(cases.join("\n\n== "_L1) + u'\n', u"merge/cases.txt"_s);
+};
+
+// The head of the file tells how its cases are written.
+TEST_P(MergeCases, HoldWhatIsExpected)
+{
+    static const QRegularExpression command(u"^(?!\\| |$)"_s);
+    const QStringList lines = GetParam().lines.filter(command);
+    const qsizetype into = lines.indexOf("into"_L1);
+    const Store target = made(lines.sliced(into + 1));
+    EXPECT_TRUE(ImportDispatch::importFile(target, saved(lines.mid(1, into - 1))));
+    expectCase(GetParam(), lines + QStringList{u"| "_s + contents(*target).join("\n| "_L1), u""_s});
 }
+
+INSTANTIATE_TEST_SUITE_P(Import, MergeCases, testing::ValuesIn(textCases(u"merge"_s, {u"== "_s})), caseName);
 
 TEST_F(Merge, RefusesWhatIsNoProject)
 {
@@ -118,22 +118,31 @@ TEST_F(Merge, OfOneLineIntoAnother)
     }
 }
 
-// Each text of the folder has beside it what it brings to a J1939 line.
-TEST_F(Documentation, Cases)
+class Documentation : public Merge, public testing::WithParamInterface<FileCase>
 {
-    for (const QString &text : TestSupport::casesIn(u"import-doc"_s, {u"*_doc.txt"_s})) {
-        const QString expected = u"import-doc/%1.txt"_s.arg(QFileInfo(text).completeBaseName().chopped(4));
-        const Store store = made({u"line 0 = 2"_s});
-        DOCTXTImporter importer;
-        importer.setIndexRange(0, 0x3ffff);
-        const QString report = ImportTest::run(importer, store, text);
-        TestSupport::expectInFile(contents(*store).join(u'\n') + u'\n' + report, expected);
-        // Nothing is doubled by a second import, whatever the line ends, nor is noise at the end.
-        const QByteArray again = TestSupport::readFile(text).replace('\n', "\r\n") + QByteArray(5000, '\0');
-        ASSERT_TRUE(TestSupport::writeFile(path(u"my_doc.txt"_s), again));
-        ASSERT_TRUE(ImportDispatch::importFile(store, path(u"my_doc.txt"_s)));
-        TestSupport::expectInFile(contents(*store).join(u'\n') + u'\n' + report, expected);
-    }
+};
+
+// Each text of the folder has beside it what it brings to a J1939 line.
+TEST_P(Documentation, BringsWhatIsExpected)
+{
+    const QString expected = u"import-doc/%1.txt"_s.arg(GetParam().baseName().chopped(4));
+    const Store store = made({u"line 0 = 2"_s});
+    DOCTXTImporter importer;
+    importer.setIndexRange(0, 0x3ffff);
+    const QString report = ImportTest::run(importer, store, GetParam().path);
+    TestSupport::expectInFile(contents(*store).join(u'\n') + u'\n' + report, expected);
+    // Nothing is doubled by a second import, whatever the line ends, nor is noise at the end.
+    const QByteArray again = TestSupport::readFile(GetParam().path).replace('\n', "\r\n") + QByteArray(5000, '\0');
+    ASSERT_TRUE(TestSupport::writeFile(path(u"my_doc.txt"_s), again));
+    ASSERT_TRUE(ImportDispatch::importFile(store, path(u"my_doc.txt"_s)));
+    TestSupport::expectInFile(contents(*store).join(u'\n') + u'\n' + report, expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Import, Documentation, testing::ValuesIn(fileCases(u"import-doc"_s, {u"*_doc.txt"_s})),
+                         caseName);
+
+TEST_F(Merge, OfDocumentationIsShownInTheGuide)
+{
     const QString guide = QString::fromUtf8(TestSupport::readFile(QStringLiteral(NCX_SOURCE_DIR "/docs/import.md")));
     const QByteArray shown =
         TestSupport::readFile(QStringLiteral(NCX_SOURCE_DIR "/tests/data/import-doc/messages_doc.txt"));

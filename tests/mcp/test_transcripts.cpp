@@ -1,4 +1,5 @@
 #include "store/objectdatabase.h"
+#include "support/datacases.h"
 #include "support/mcpdriver.h"
 #include "support/testhome.h"
 
@@ -157,22 +158,23 @@ void compare(const QStringList &played, const QStringList &expected)
     EXPECT_EQ(played.size(), expected.size());
 }
 
-TEST(Transcripts, PlayAsWritten)
+class Transcripts : public testing::TestWithParam<FileCase>
+{
+};
+
+TEST_P(Transcripts, PlayAsWritten)
 {
     // What the check corrects by itself is the matter of its own tests.
     QDir(home().path()).mkpath(u".config"_s);
     writeFile(home().filePath(u".config/norvane.ini"_s), "[General]\ndisableautocorrection=true\n");
-    const QStringList names = QDir(dataRoot).entryList({u"*.txt"_s}, QDir::Files, QDir::Name);
-    EXPECT_FALSE(names.isEmpty());
-    for (const QString &name : names) {
-        SCOPED_TRACE(qPrintable(name));
-        const QStringList expected = QString::fromUtf8(readFile(dataRoot + name)).split(u'\n');
-        const QStringList played = Session(expected).played();
-        if (qEnvironmentVariableIntValue("NCX_ACCEPT") == 1)
-            writeFile(dataRoot + name, played.join(u'\n').toUtf8());
-        else
-            compare(played, expected);
-    }
+    const QStringList expected = QString::fromUtf8(readFile(GetParam().path)).split(u'\n');
+    const QStringList played = Session(expected).played();
+    if (qEnvironmentVariableIntValue("NCX_ACCEPT") == 1)
+        writeFile(GetParam().path, played.join(u'\n').toUtf8());
+    else
+        compare(played, expected);
 }
+
+INSTANTIATE_TEST_SUITE_P(Server, Transcripts, testing::ValuesIn(fileCases(u"mcp"_s, {u"*.txt"_s})), caseName);
 
 } // namespace

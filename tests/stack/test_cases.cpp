@@ -1,5 +1,6 @@
 #include "check/rulecase.h"
 #include "stack/generatedsources.h"
+#include "support/datacases.h"
 #include "support/processrunner.h"
 #include "support/testhome.h"
 
@@ -91,85 +92,80 @@ private:
     GeneratedSources sources_;
 };
 
-/// Walks over a file of cases, and keeps it as it would be with the output of this build.
-class CaseFile
+/// A case with the commands of those that it goes on from.
+struct GeneratorCase : TextCase
 {
-public:
-    void check(const QString &path)
-    {
-        for (const QString &line : QString::fromUtf8(readFile(path)).chopped(1).split(u'\n')) {
-            if (line.startsWith(indent)) {
-                expected_.append(line.sliced(indent.size()));
-                continue;
-            }
-            compare();
-            read(line);
-            accepted_.append(line);
+    QStringList commands = {};
+};
+
+QString commandOf(const QString &line)
+{
+    return QString(line)
+        .replace("\\n"_L1, "\n"_L1)
+        .replace("\\r"_L1, "\r"_L1)
+        .replace("${EXAMPLES}"_L1, QLatin1StringView(NCX_SOURCE_DIR "/examples"));
+}
+
+bool isCommand(const QString &line)
+{
+    static const QRegularExpression others(u"^($|[=+>] |#|    )"_s);
+    return !others.match(line).hasMatch();
+}
+
+QList<GeneratorCase> generatorCases()
+{
+    QList<GeneratorCase> cases;
+    QStringList commands;
+    for (const TextCase &textCase : textCases(u"generate"_s, {u"= "_s, u"+ "_s})) {
+        if (textCase.lines.first().startsWith(u'='))
+            commands.clear();
+        for (const QString &line : textCase.lines) {
+            if (isCommand(line))
+                commands.append(commandOf(line));
         }
-        compare();
-        if (qEnvironmentVariableIntValue("NCX_ACCEPT") == 1)
-            writeFile(path, (accepted_.join(u'\n') + u'\n').toUtf8());
+        cases.append({textCase, commands});
+    }
+    return cases;
+}
+
+class GeneratorCases : public testing::TestWithParam<GeneratorCase>
+{
+protected:
+    GeneratorCases() { qputenv("SOURCE_DATE_EPOCH", "1794733920"); }
+    ~GeneratorCases() override { qunsetenv("SOURCE_DATE_EPOCH"); }
+
+    /// What this build makes of a selector.
+    QStringList selected(const QString &selector)
+    {
+        const bool isClassic = selector.startsWith("classic "_L1);
+        std::unique_ptr<CaseRun> &run = isClassic ? classic_ : v4_;
+        if (!run)
+            run = std::make_unique<CaseRun>(GetParam().commands, isClassic);
+        QStringList lines = run->select(isClassic ? selector.section(u' ', 1) : selector);
+        lines.replaceInStrings(u"\n"_s, u"\\n"_s).replaceInStrings(u"\r"_s, u"\\r"_s);
+        for (QString &line : lines)
+            line.prepend(indent);
+        return lines;
     }
 
 private:
-    void read(const QString &line)
-    {
-        if (line.startsWith("= "_L1) || line.startsWith("+ "_L1)) {
-            if (line.startsWith(u'='))
-                commands_.clear();
-            title_ = line.sliced(2);
-            v4_.reset();
-            classic_.reset();
-        } else if (line.startsWith("> "_L1)) {
-            selector_ = line.sliced(2);
-        } else if (!line.isEmpty() && !line.startsWith(u'#')) {
-            commands_.append(QString(line)
-                                 .replace("\\n"_L1, "\n"_L1)
-                                 .replace("\\r"_L1, "\r"_L1)
-                                 .replace("${EXAMPLES}"_L1, QLatin1StringView(NCX_SOURCE_DIR "/examples")));
-        }
-    }
-
-    /// What was read behind a selector.
-    void compare()
-    {
-        if (selector_.isEmpty())
-            return;
-        SCOPED_TRACE(qPrintable(title_ + u": "_s + selector_));
-        const bool isClassic = selector_.startsWith("classic "_L1);
-        std::unique_ptr<CaseRun> &run = isClassic ? classic_ : v4_;
-        if (!run)
-            run = std::make_unique<CaseRun>(commands_, isClassic);
-        QStringList actual = run->select(isClassic ? selector_.section(u' ', 1) : selector_);
-        actual.replaceInStrings(u"\n"_s, u"\\n"_s).replaceInStrings(u"\r"_s, u"\\r"_s);
-        // As one text each, of which a failure shows the difference.
-        EXPECT_EQ(actual.join(u'\n').toStdString(), expected_.join(u'\n').toStdString());
-        for (const QString &text : actual)
-            accepted_.append(indent + text);
-        selector_.clear();
-        expected_.clear();
-    }
-
-    QString title_;
-    QStringList commands_;
-    QString selector_;
-    QStringList expected_;
-    QStringList accepted_;
     std::unique_ptr<CaseRun> v4_;
     std::unique_ptr<CaseRun> classic_;
 };
 
-TEST(GeneratorCases, GenerateAsExpected)
+TEST_P(GeneratorCases, GenerateAsExpected)
 {
-    qputenv("SOURCE_DATE_EPOCH", "1794733920");
-    const QDir folder(QStringLiteral(NCX_SOURCE_DIR "/tests/data/generate"));
-    const QStringList files = folder.entryList({u"*.txt"_s}, QDir::Files);
-    EXPECT_FALSE(files.isEmpty());
-    for (const QString &file : files) {
-        SCOPED_TRACE(qPrintable(file));
-        CaseFile().check(folder.filePath(file));
+    QStringList made;
+    for (const QString &line : GetParam().lines) {
+        if (line.startsWith(indent))
+            continue;
+        made.append(line);
+        if (line.startsWith("> "_L1))
+            made += selected(line.sliced(2));
     }
-    qunsetenv("SOURCE_DATE_EPOCH");
+    expectCase(GetParam(), made);
 }
+
+INSTANTIATE_TEST_SUITE_P(Generate, GeneratorCases, testing::ValuesIn(generatorCases()), caseName);
 
 } // namespace

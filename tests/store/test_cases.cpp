@@ -3,11 +3,11 @@
 
 #include "store/databasemodifier.h"
 #include "store/projectconverter.h"
+#include "support/datacases.h"
 #include "support/recordfields.h"
 
 using namespace Qt::StringLiterals;
-using TestSupport::readFile;
-using TestSupport::writeFile;
+using namespace TestSupport;
 
 // A case begins in a file tests/data/store/*.txt with a new store:
 //   == TITLE          what the case is about
@@ -125,26 +125,22 @@ private:
     QStringList played_;
 };
 
-TEST(StoreCases, GiveWhatIsExpected)
+class StoreCases : public testing::TestWithParam<TextCase>
 {
-    const QDir folder(QStringLiteral(NCX_SOURCE_DIR "/tests/data/store"));
-    for (const QString &name : folder.entryList({u"*.txt"_s}, QDir::Files)) {
-        const QStringList expected = QString::fromUtf8(readFile(folder.filePath(name))).split(u'\n');
-        QStringList played;
-        std::unique_ptr<StoreCase> storeCase;
-        for (const QString &line : expected) {
-            if (line.startsWith("== "_L1)) {
-                storeCase = std::make_unique<StoreCase>();
-                played.append(line);
-            } else if (!line.startsWith("= "_L1) && !line.startsWith("~ "_L1)) {
-                played += storeCase ? storeCase->play(line) : QStringList{line};
-            }
-        }
-        if (qEnvironmentVariableIntValue("NCX_ACCEPT") == 1)
-            writeFile(folder.filePath(name), played.join(u'\n').toUtf8());
-        else
-            EXPECT_EQ(played.join(u'\n').toStdString(), expected.join(u'\n').toStdString()) << qPrintable(name);
+};
+
+TEST_P(StoreCases, GiveWhatIsExpected)
+{
+    const QStringList &lines = GetParam().lines;
+    QStringList played{lines.first()};
+    StoreCase storeCase;
+    for (const QString &line : lines.sliced(1)) {
+        if (!line.startsWith("= "_L1) && !line.startsWith("~ "_L1))
+            played += storeCase.play(line);
     }
+    expectCase(GetParam(), played);
 }
+
+INSTANTIATE_TEST_SUITE_P(Store, StoreCases, testing::ValuesIn(textCases(u"store"_s, {u"== "_s})), caseName);
 
 } // namespace

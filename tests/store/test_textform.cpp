@@ -4,6 +4,7 @@
 
 #include "store/databasetextconverter.h"
 #include "store/metadatablob.h"
+#include "support/datacases.h"
 #include "texttools/settingstext.h"
 
 #include <QBuffer>
@@ -14,6 +15,7 @@
 #include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
+using namespace TestSupport;
 using SettingsText::Reader;
 using SettingsText::Writer;
 
@@ -198,23 +200,27 @@ TEST_F(TextForm, ReaderFindsWhatTheFrameworkFinds)
     EXPECT_GT(withEntries, 1000);
 }
 
-// Each text of the folder has beside it the form in which the project is saved, and that opens to the same.
-TEST_F(TextForm, Cases)
+class TextCases : public TextForm, public testing::WithParamInterface<FileCase>
 {
-    for (const QString &text : TestSupport::casesIn(u"text"_s, {u"*.ncxt"_s})) {
-        ASSERT_TRUE(store.openTextDatabase(text));
-        for (int round = 0; round < 2; ++round) {
-            const QString file = path(u"saved.ncxt"_s);
-            ASSERT_TRUE(store.saveDatabaseAsText(file) && store.saveDatabaseAsText(path(u"again.ncxt"_s)));
-            EXPECT_EQ(TestSupport::readFile(path(u"again.ncxt"_s)), TestSupport::readFile(file));
-            // The hash and what comes of it change from save to save.
-            const QStringList lines = QString::fromUtf8(TestSupport::readFile(file)).split(u'\n');
-            TestSupport::expectInFile(lines.filter(QRegularExpression(u"^(?!FileHash|TamperLog)"_s)).join(u'\n'),
-                                      u"text/%1.txt"_s.arg(QFileInfo(text).completeBaseName()));
-            ASSERT_TRUE(store.openTextDatabase(file));
-        }
+};
+
+// Each text of the folder has beside it the form in which the project is saved, and that opens to the same.
+TEST_P(TextCases, OpenAndAreSavedAsExpected)
+{
+    ASSERT_TRUE(store.openTextDatabase(GetParam().path));
+    for (int round = 0; round < 2; ++round) {
+        const QString file = path(u"saved.ncxt"_s);
+        ASSERT_TRUE(store.saveDatabaseAsText(file) && store.saveDatabaseAsText(path(u"again.ncxt"_s)));
+        EXPECT_EQ(TestSupport::readFile(path(u"again.ncxt"_s)), TestSupport::readFile(file));
+        // The hash and what comes of it change from save to save.
+        const QStringList lines = QString::fromUtf8(TestSupport::readFile(file)).split(u'\n');
+        TestSupport::expectInFile(lines.filter(QRegularExpression(u"^(?!FileHash|TamperLog)"_s)).join(u'\n'),
+                                  u"text/%1.txt"_s.arg(GetParam().baseName()));
+        ASSERT_TRUE(store.openTextDatabase(file));
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(Store, TextCases, testing::ValuesIn(fileCases(u"text"_s, {u"*.ncxt"_s})), caseName);
 
 TEST_F(TextForm, ReaderTakesGarbage)
 {

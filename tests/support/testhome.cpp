@@ -70,16 +70,6 @@ void TestSupport::expectInFile(const QString &made, const QString &name)
         EXPECT_EQ(made.toStdString(), readFile(path).toStdString()) << qPrintable(name);
 }
 
-QStringList TestSupport::casesIn(const QString &folder, const QStringList &endings)
-{
-    const QDir cases(QStringLiteral(NCX_SOURCE_DIR "/tests/data/") + folder);
-    QStringList paths;
-    for (const QString &name : cases.entryList(endings, QDir::Files))
-        paths.append(cases.filePath(name));
-    EXPECT_FALSE(paths.isEmpty());
-    return paths;
-}
-
 int main(int argc, char **argv)
 {
     testing::InitGoogleTest(&argc, argv);

@@ -23,7 +23,4 @@ bool writeFile(const QString &path, const QByteArray &content);
 /// Compares text with the file of this name in tests/data. NCX_ACCEPT=1 in the environment writes the file.
 void expectInFile(const QString &made, const QString &name);
 
-/// The files of a folder in tests/data with one of the endings; there is one at least.
-QStringList casesIn(const QString &folder, const QStringList &endings);
-
 } // namespace TestSupport
