@@ -1,6 +1,7 @@
 #pragma once
 
 #include "import/importreport.h"
+#include "nodedict/codes.h"
 
 #include <QObject>
 #include <QString>
@@ -62,8 +63,8 @@ protected:
     quint8 line_ = 0;
     std::shared_ptr<ObjectDataBase> store_;
     QString filePath_;
-    quint32 firstIndex_ = 0x1000;
-    quint32 lastIndex_ = 0xBFFF;
+    quint32 firstIndex_ = CANopen::Index::firstCommunicationObject;
+    quint32 lastIndex_ = CANopen::Index::lastProfileObject;
     ImportReport report_;
 
 private:

@@ -1,6 +1,7 @@
 #include "import/codbimporter.h"
 
 #include "nodedict/canopendatatype.h"
+#include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 #include "texttools/numbertext.h"
@@ -13,6 +14,7 @@
 #include <utility>
 
 using namespace Qt::StringLiterals;
+using CANopen::Implementation;
 
 namespace {
 
@@ -35,8 +37,6 @@ enum Field : quint8
     Mapping = 21,
     MappingRule = 22
 };
-
-constexpr quint16 firstManufacturerIndex = 0x2000;
 
 /// Where a sub-object line belongs: sub-index 0 if it ends before it, and 0x0000:00, which no object owns, if one of
 /// the two is no number that fits.
@@ -134,10 +134,10 @@ void setLimits(SubRecord &record, const QStringList &fields)
 void setImplementation(SubRecord &record, quint16 index, quint8 subindex)
 {
     if (record.datatype == CAN::Domain) {
-        record.implementation = 2;
+        record.implementation = codeOf(Implementation::Variable);
         record.varname = u"v_%1%2"_s.arg(QString::number(index), QString::number(subindex));
     } else if (record.datatype == CAN::VisibleString) {
-        record.implementation = 1;
+        record.implementation = codeOf(Implementation::ManagedConst);
         if (record.defaultvalue.isEmpty()) {
             record.defaultvalue = u" "_s;
             record.size = 1;
@@ -252,8 +252,9 @@ void CODBImporter::fitToObject(quint16 index, quint8 subindex, SubRecord &record
     if (!known)
         return;
     const bool array = known->objecttype == CANopen::Array;
-    if (subindex == 0 && index >= firstManufacturerIndex && (array || known->objecttype == CANopen::Record))
-        record.implementation = 1;
+    if (subindex == 0 && index >= CANopen::Index::firstManufacturerObject &&
+        (array || known->objecttype == CANopen::Record))
+        record.implementation = codeOf(Implementation::ManagedConst);
     if (subindex == 1 && array && known->datatype != record.datatype) {
         StoreRecords::IndexData object = *known;
         object.datatype = record.datatype;

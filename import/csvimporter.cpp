@@ -1,6 +1,7 @@
 #include "import/csvimporter.h"
 
 #include "nodedict/canopendatatype.h"
+#include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 #include "texttools/helper.h"
@@ -11,18 +12,11 @@
 #include <utility>
 
 using namespace Qt::StringLiterals;
+using CANopen::codeOf;
 
 namespace {
 
 using SubRecord = ObjectDataBase::SUBINDEX_DATA_T;
-
-enum ImplementationCode : quint8
-{
-    ManagedVariable = 0,
-    ManagedConst = 1,
-    ApplicationVariable = 2,
-    VirtualObject = 3
-};
 
 constexpr qsizetype leastFields = 5;
 
@@ -37,9 +31,7 @@ std::optional<qint64> flagOf(const QString &text)
         return 1;
     if (word == "no"_L1)
         return 0;
-    bool readable = false;
-    const qint64 number = word.toLongLong(&readable, word.startsWith("0x"_L1) ? 16 : 10);
-    return readable ? std::optional(number) : std::nullopt;
+    return NumberText::signedInBase(word, word.startsWith("0x"_L1) ? 16 : 10);
 }
 
 /// The code of a word that a table written by the program has; none for another word.
@@ -321,7 +313,9 @@ void CsvImporter::provideSubZero(const Place &place, const Row &row, ObjectState
         record.name = u"Highest Subindex supported"_s;
         record.datatype = CAN::Unsigned8;
         record.accesstype = u"ro"_s;
-        record.implementation = row.word(Implementation) == "virtualobject"_L1 ? VirtualObject : ManagedConst;
+        record.implementation =
+            codeOf(row.word(Implementation) == "virtualobject"_L1 ? CANopen::Implementation::VirtualObject
+                                                                  : CANopen::Implementation::ManagedConst);
         record.defaultvalue = u"0"_s;
         record.lowlimit.clear();
         record.uplimit.clear();
@@ -329,7 +323,7 @@ void CsvImporter::provideSubZero(const Place &place, const Row &row, ObjectState
         state.madeSubZero = record;
         state.hasSubZero = true;
     }
-    if (state.madeSubZero && place.subindex > state.madeSubZero->defaultvalue.toUInt())
+    if (state.madeSubZero && place.subindex > NumberText::decimal(state.madeSubZero->defaultvalue).value_or(0))
         state.madeSubZero->defaultvalue = QString::number(place.subindex);
 }
 
@@ -368,10 +362,11 @@ StoreRecords::SubIndexData CsvImporter::recordOf(const Place &place, const Row &
     if (const auto code = implementationOf(row.text(Implementation)))
         record.implementation = *code;
     else if (record.accesstype == "const"_L1 || isArrayCount)
-        record.implementation = ManagedConst;
+        record.implementation = codeOf(CANopen::Implementation::ManagedConst);
     else
-        record.implementation = record.varname.isEmpty() ? ManagedVariable : ApplicationVariable;
-    if (record.implementation == ApplicationVariable && record.varname.isEmpty())
+        record.implementation = codeOf(record.varname.isEmpty() ? CANopen::Implementation::ManagedVariable
+                                                                : CANopen::Implementation::Variable);
+    if (record.implementation == CANopen::Implementation::Variable && record.varname.isEmpty())
         record.varname = u"v_%1%2"_s.arg(QString::number(place.index), QString::number(place.subindex));
     return record;
 }

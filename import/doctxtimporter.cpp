@@ -1,5 +1,6 @@
 #include "import/doctxtimporter.h"
 
+#include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 #include "store/temporaryindex.h"
@@ -12,6 +13,7 @@
 #include <optional>
 
 using namespace Qt::StringLiterals;
+using CANopen::Implementation;
 
 namespace {
 
@@ -36,9 +38,6 @@ enum SPNField : quint8
 };
 constexpr qsizetype leastSPNFields = 7;
 constexpr qsizetype lastOption = 9;
-
-constexpr quint8 managedVariable = 0;
-constexpr quint8 applicationVariable = 2;
 
 quint8 directionOf(const QString &text)
 {
@@ -158,7 +157,8 @@ bool DOCTXTImporter::importSPN(const QStringList &fields)
     record.spnnumber = *number;
     record.name = fields.value(SPNName);
     record.datatype = COHelper::mapDataTypeString(fields.value(DataType));
-    record.implementation = record.varname.isEmpty() ? managedVariable : applicationVariable;
+    record.implementation =
+        codeOf(record.varname.isEmpty() ? Implementation::ManagedVariable : Implementation::Variable);
     record.pgnnumber = pgn_;
     record.direction = direction_;
     record.pos = position_++;

@@ -3,6 +3,7 @@
 #include "import/pdoobjects.h"
 #include "nodedict/canopenindex.h"
 #include "nodedict/canopensubindex.h"
+#include "nodedict/codes.h"
 #include "nodedict/edsparser.h"
 #include "nodedict/edsvalue.h"
 #include "store/objectdatabase.h"
@@ -47,19 +48,20 @@ void nameDomainVariable(SubRecord &record, quint16 index, quint8 subindex)
 {
     if (record.datatype != CAN::Domain)
         return;
-    record.implementation = 2;
+    record.implementation = codeOf(CANopen::Implementation::Variable);
     record.varname = u"v_%1%2"_s.arg(QString::number(index), QString::number(subindex));
 }
 
-/// A read-only object goes out in a PDO only, a write-only one comes in only.
+/// What can only be read or only be written is mapped in one direction. Imported projects have always had the numbers
+/// of the two crosswise.
 PDOMapping pdoMappingOf(const CANopenSubindex &sub)
 {
     if (!sub.pdomapping)
         return PDOMapping::Forbidden;
     if (sub.accesstype == "ro"_L1 || sub.accesstype == "rwr"_L1)
-        return PDOMapping(3U);
+        return PDOMapping::RPDO;
     if (sub.accesstype == "wo"_L1 || sub.accesstype == "rww"_L1)
-        return PDOMapping(4U);
+        return PDOMapping::TPDO;
     return PDOMapping::Allowed;
 }
 

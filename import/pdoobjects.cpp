@@ -1,6 +1,7 @@
 #include "import/pdoobjects.h"
 
 #include "nodedict/canopendatatype.h"
+#include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 
@@ -11,10 +12,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr quint32 mappingOffset = 0x200;
+using CANopen::Index::pdoMappingOffset;
+
 constexpr quint8 mappingEntries = 8;
 /// Indices from the first communication object to the last mapping object of a direction.
-constexpr size_t places = mappingOffset + PDOObjects::maxCount;
+constexpr size_t places = pdoMappingOffset + PDOObjects::maxCount;
 
 struct SubRow
 {
@@ -50,8 +52,8 @@ struct DirectionRow
 };
 
 constexpr DirectionRow directions[] = {
-    {0x1400, "Receive PDO parameter"_L1, receiveSubs},
-    {0x1800, "Transmit PDO parameter"_L1, transmitSubs},
+    {CANopen::Index::rpdos.first, "Receive PDO parameter"_L1, receiveSubs},
+    {CANopen::Index::tpdos.first, "Transmit PDO parameter"_L1, transmitSubs},
 };
 
 ObjectDataBase::SUBINDEX_DATA_T recordOf(const SubRow &row)
@@ -88,7 +90,7 @@ public:
                 addMapping(i);
             }
         }
-        if (countFrom(mappingOffset) < count) {
+        if (countFrom(pdoMappingOffset) < count) {
             for (quint32 i = 0; i < count; ++i)
                 addMapping(i);
         }
@@ -97,7 +99,7 @@ public:
 
 private:
     /// Number of objects in one of the two ranges.
-    size_t countFrom(quint32 offset) const { return (existing_ >> offset << mappingOffset).count(); }
+    size_t countFrom(quint32 offset) const { return (existing_ >> offset << pdoMappingOffset).count(); }
 
     void addObject(quint32 offset, const QString &name)
     {
@@ -119,7 +121,7 @@ private:
 
     void addMapping(quint32 number)
     {
-        const quint32 offset = mappingOffset + number;
+        const quint32 offset = pdoMappingOffset + number;
         if (existing_.test(offset))
             return;
         addObject(offset, u"Mapping Parameter"_s);
@@ -136,7 +138,7 @@ private:
     ObjectDataBase &store_;
     quint8 line_;
     const DirectionRow &row_;
-    /// Communication objects from 0, mapping objects from `mappingOffset`.
+    /// Communication objects from 0, mapping objects from `pdoMappingOffset`.
     std::bitset<places> existing_;
     QList<ObjectDataBase::SubEntry> entries_;
 };

@@ -1,6 +1,7 @@
 #include "import/projectmerge.h"
 
 #include "import/importreport.h"
+#include "nodedict/codes.h"
 #include "store/objectdatabase.h"
 #include "store/temporaryindex.h"
 
@@ -11,8 +12,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr quint32 identifierBits = 0x1fffffff;
 
 bool isDirection(quint8 direction)
 {
@@ -108,7 +107,7 @@ void ProjectMerge::copyCANIDs(ObjectDataBase &target, quint8 line, ObjectDataBas
     const TemporaryIndex elementIndex(target, line, TemporaryIndex::elementKeys);
     const TemporaryIndex sourceIndex(source, sourceLine, TemporaryIndex::elementKeys);
     for (const StoreRecords::CANID &canid : source.getAllCANIDs(sourceLine)) {
-        if (isDirection(canid.direction) && isBetween(canid.id & identifierBits, first, last))
+        if (isDirection(canid.direction) && isBetween(canid.id & CAN::identifierBits, first, last))
             copyCANID(target, line, source, sourceLine, canid, report);
     }
 }

@@ -15,8 +15,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr quint32 canIdBits = 0x1FFFFFFF;
-
 /// Bits of a message that signals take.
 class TakenBits
 {
@@ -163,7 +161,7 @@ LineSettings readSettings(ObjectDataBase &store, quint8 line)
     settings.nmtMaster = general.isOn(u"nmtmaster"_s, line);
     settings.safetySupport = Settings(store, Settings::Table::J1939).isOn(u"safetysupport"_s, line);
     const quint32 nodeId = general.number(u"co_node_id"_s, line);
-    if (nodeId >= 1 && nodeId <= 127)
+    if (nodeId >= 1 && nodeId <= CANopen::lastNodeId)
         settings.nodeId = static_cast<quint8>(nodeId);
     settings.defaultCobIds = predefinedCobIds(settings.nodeId);
     return settings;
@@ -268,7 +266,7 @@ std::optional<quint64> CheckedLine::cobIdKey(const CheckedObject &communication)
     const std::optional<StoreValue> cobId = PDO::cobIdOf(communication);
     if (!cobId)
         return {};
-    const quint64 canId = cobId->magnitude & canIdBits;
+    const quint64 canId = cobId->magnitude & CAN::identifierBits;
     if (!cobId->nodeRelative)
         return canId;
     // Without a fixed node-id a relative COB-ID can only be held against another.

@@ -5,8 +5,7 @@
 
 bool DefaultCobId::fits(const StoreValue &cobId) const
 {
-    constexpr quint32 canIdBits = 0x1FFFFFFF;
-    const auto value = static_cast<quint32>(cobId.magnitude & canIdBits);
+    const auto value = static_cast<quint32>(cobId.magnitude & CAN::identifierBits);
     if (cobId.nodeRelative)
         return value == base;
     return !nodeId || value == base + *nodeId;

@@ -4,10 +4,9 @@
 #include "check/line/storevalue.h"
 #include "nodedict/codes.h"
 
-/// Process data objects as CiA 301 lays them out: a communication object and, 0x200 above it, a mapping object.
+/// Process data objects (CiA 301).
 namespace PDO {
 
-inline constexpr quint16 mappingOffset = 0x200;
 inline constexpr quint32 disabledBit = 0x80000000; ///< of a COB-ID
 inline constexpr quint8 maxEntries = 64;
 
@@ -63,10 +62,8 @@ bool isEnabled(const CheckedObject *communication);
 
 } // namespace PDO
 
-/// Safety-relevant data objects (EN 50325-5): a communication object and, 0x80 above it, a mapping object.
+/// Safety-relevant data objects (EN 50325-5).
 namespace SRDO {
-
-inline constexpr quint16 mappingOffset = 0x80;
 
 constexpr bool isMapping(quint16 index)
 {

@@ -1,5 +1,7 @@
 #include "check/line/storevalue.h"
 
+#include "texttools/numbertext.h"
+
 using namespace Qt::StringLiterals;
 
 std::optional<StoreValue> StoreValue::parse(const QString &text)
@@ -21,9 +23,11 @@ std::optional<StoreValue> StoreValue::parse(const QString &text)
         number = number.sliced(1);
     if (number.isEmpty() || !number.front().isDigit())
         return {};
-    bool ok = false;
-    value.magnitude = number.toULongLong(&ok, 0);
-    return ok ? std::optional(value) : std::nullopt;
+    const auto magnitude = NumberText::byPrefix<quint64>(number);
+    if (!magnitude)
+        return {};
+    value.magnitude = *magnitude;
+    return value;
 }
 
 std::optional<quint64> plainValue(const QString &text)

@@ -3,6 +3,7 @@
 #include "check/line/storevalue.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
+#include "texttools/numbertext.h"
 
 #include <algorithm>
 #include <limits>
@@ -59,19 +60,16 @@ qint64 complement(quint64 bits, quint16 type)
 /// A default value of a signed type. Hexadecimal digits that reach its sign bit are its two's complement.
 std::optional<qint64> signedValue(const QString &text, quint16 type)
 {
-    bool ok = false;
-    const qint64 value = text.toLongLong(&ok, 0);
-    if (!ok)
-        return {};
-    const bool isComplement =
-        value > 0 && text.contains(u'x', Qt::CaseInsensitive) && value >> (COHelper::getDataLengthBits(type) - 1) == 1;
-    return isComplement ? complement(static_cast<quint64>(value), type) : value;
+    const auto value = NumberText::signedByPrefix(text);
+    const bool isComplement = value && *value > 0 && text.contains(u'x', Qt::CaseInsensitive) &&
+                              *value >> (COHelper::getDataLengthBits(type) - 1) == 1;
+    return isComplement ? complement(static_cast<quint64>(*value), type) : value;
 }
 
 /// A limit of a signed type, which is decimal.
 qint64 signedLimit(const QString &text, quint16 type)
 {
-    const qint64 value = text.toLongLong(nullptr, 10);
+    const qint64 value = NumberText::signedInBase(text, 10).value_or(0);
     const bool fits = value >= std::numeric_limits<qint32>::min() && value <= std::numeric_limits<quint32>::max();
     return fits ? complement(static_cast<quint64>(value), type) : 0;
 }
@@ -79,7 +77,8 @@ qint64 signedLimit(const QString &text, quint16 type)
 quint64 unsignedLimit(const QString &text, quint16 type)
 {
     const quint32 bits = std::max(COHelper::getDataLengthBits(type), 8U);
-    const quint64 value = bits > 32 ? text.toULongLong(nullptr, 0) : quint64{text.toUInt(nullptr, 0)};
+    const quint64 value =
+        bits > 32 ? NumberText::byPrefix<quint64>(text).value_or(0) : NumberText::byPrefix<quint32>(text).value_or(0);
     return value & (~quint64{0} >> (64 - bits));
 }
 
@@ -116,15 +115,19 @@ bool ValueForm::isSupported(quint16 dataType)
 
 bool ValueForm::isReadable(const QString &value, quint16 dataType)
 {
-    bool ok = true;
-    const Form form = dataType == CAN::Unsigned7 ? Form::Other : formOf(dataType);
-    if (form == Form::Unsigned && !value.contains("$NODEID"_L1, Qt::CaseInsensitive))
-        value.toULongLong(&ok, 0);
-    else if (form == Form::Signed)
-        value.toLongLong(&ok, 0);
-    else if (form == Form::Real)
-        value.toFloat(&ok);
-    return ok;
+    bool isReal = false;
+    switch (dataType == CAN::Unsigned7 ? Form::Other : formOf(dataType)) {
+    case Form::Unsigned:
+        return value.contains("$NODEID"_L1, Qt::CaseInsensitive) || NumberText::byPrefix<quint64>(value);
+    case Form::Signed:
+        return NumberText::signedByPrefix(value).has_value();
+    case Form::Real:
+        value.toFloat(&isReal);
+        return isReal;
+    case Form::Other:
+        break;
+    }
+    return true;
 }
 
 bool ValueForm::fitsLimits(const StoreRecords::SubIndexData &data, std::optional<quint8> nodeId)

@@ -190,7 +190,7 @@ void errorHistoryWithoutEmcy(Check &check, const CheckedObject &object)
 void emcyConsumerIsZero(Check &check, const CheckedSubindex &sub)
 {
     const bool isZero = sub.data.defaultvalue.trimmed().isEmpty() || plainValue(sub.data.defaultvalue) == quint64{0};
-    if (sub.subindex >= 1 && sub.subindex <= 127 && isZero)
+    if (sub.subindex >= 1 && sub.subindex <= lastNodeId && isZero)
         check.error(u"Object 0x%1-%2: The value of this sub index may not be 0x00000000."_s.arg(hex4(sub.index),
                                                                                                 dec(sub.subindex)));
 }

@@ -5,6 +5,7 @@
 #include "check/line/storevalue.h"
 #include "check/rules/rulelists.h"
 #include "store/objectdatabase.h"
+#include "texttools/numbertext.h"
 
 #include <QRegularExpression>
 
@@ -16,7 +17,8 @@ using PDO::MappingEntry;
 
 namespace {
 
-constexpr quint16 lastCorrectedMapping = 0x1A03; ///< of the four TPDOs of the pre-defined connection set
+/// Of the four TPDOs of the pre-defined connection set.
+constexpr quint16 lastCorrectedMapping = Index::tpdoMappings.first + 3;
 
 /// Mapping objects of all TPDOs, then of all RPDOs.
 void eachPdoMapping(Check &check, const Visit<CheckedObject> &visit)
@@ -27,7 +29,7 @@ void eachPdoMapping(Check &check, const Visit<CheckedObject> &visit)
 
 quint16 communicationOf(const CheckedObject &mapping)
 {
-    return mapping.index - PDO::mappingOffset;
+    return mapping.index - Index::pdoMappingOffset;
 }
 
 bool isOnBus(Check &check, const CheckedObject &mapping)
@@ -48,7 +50,8 @@ QString disabled(const QString &cobId)
     const QRegularExpressionMatch match = form.match(cobId);
     if (!match.hasMatch())
         return {};
-    const auto value = static_cast<quint32>(match.captured(2).toULongLong(nullptr, 16)) | PDO::disabledBit;
+    const auto value =
+        static_cast<quint32>(NumberText::hexadecimal<quint64>(match.captured(2)).value_or(0)) | PDO::disabledBit;
     return match.captured(1) + u"0x%1"_s.arg(value, 8, 16, QLatin1Char('0'));
 }
 
@@ -199,7 +202,7 @@ void emptyPdoIsDisabled(Check &check, const CheckedObject &mapping)
 /// The active entries of the mapping object that belongs to an SRDO's communication object.
 void itsSrdoEntries(Check &check, const CheckedObject &srdo, const Visit<MappingEntry> &visit)
 {
-    const CheckedObject *mapping = check.line().object(srdo.index + SRDO::mappingOffset);
+    const CheckedObject *mapping = check.line().object(srdo.index + Index::srdoMappingOffset);
     if (!mapping)
         return;
     itsEntries(check, *mapping, [&visit](const MappingEntry &entry) {
@@ -211,7 +214,7 @@ void itsSrdoEntries(Check &check, const CheckedObject &srdo, const Visit<Mapping
 void srdoMappingMissing(Check &check, const CheckedObject &object)
 {
     const quint16 index = object.index;
-    const auto mapping = static_cast<quint16>(index + SRDO::mappingOffset);
+    const auto mapping = static_cast<quint16>(index + Index::srdoMappingOffset);
     if (!check.line().object(mapping))
         check.error(u"Object 0x%1: The corresponding SRDO mapping object 0x%2 does not exist."_s.arg(hex4(index),
                                                                                                      hex4(mapping)));

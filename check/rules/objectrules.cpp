@@ -93,7 +93,7 @@ void countIsNoConst(Check &check, const CheckedObject &object)
     if (data.accesstype == "const"_L1 || data.implementation == Implementation::ManagedConst ||
         data.implementation == Implementation::VirtualObject)
         return;
-    data.implementation = static_cast<quint8>(Implementation::ManagedConst);
+    data.implementation = codeOf(Implementation::ManagedConst);
     check.correct(object.index, 0, data,
                   u"Object 0x%1-0</i>:'Managed Const' is used as implementation type for this subindex."_s.arg(
                       hex4(object.index)));

@@ -19,7 +19,7 @@ void eachPdo(Check &check, const Visit<CheckedObject> &visit)
 
 quint16 mappingOf(const CheckedObject &communication)
 {
-    return communication.index + PDO::mappingOffset;
+    return communication.index + CANopen::Index::pdoMappingOffset;
 }
 
 bool isInEds(const CheckedSubindex &sub)

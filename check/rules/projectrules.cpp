@@ -5,6 +5,7 @@
 #include "check/rules/rulelists.h"
 #include "store/lineprotocols.h"
 #include "store/objectdatabase.h"
+#include "texttools/numbertext.h"
 
 #include <QCoreApplication>
 #include <QSet>
@@ -14,8 +15,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr quint8 udsLines = 32; ///< lines from here on have no UDS
 
 constexpr QLatin1StringView udsFunctionKeys[] = {
     "uds_fct_check_req_session"_L1, "uds_fct_clear_dtc_info"_L1,    "uds_fct_dtc_info"_L1,
@@ -27,7 +26,7 @@ constexpr QLatin1StringView udsFunctionKeys[] = {
 void eachUdsLine(ProjectCheck &check, const Visit<quint8> &visit)
 {
     for (const quint8 line : check.store().getNodeList()) {
-        if (line < udsLines)
+        if (line < firstLineBeyondStack)
             visit(line);
     }
 }
@@ -63,7 +62,7 @@ void eachNumericSetting(ProjectCheck &check, const Visit<CheckedSetting> &visit)
 bool isUdsActive(ProjectCheck &check)
 {
     return std::ranges::any_of(check.store().getNodeList(), [&check](quint8 line) {
-        return line < udsLines &&
+        return line < firstLineBeyondStack &&
                (check.general().isOn(u"uds_server_active"_s, line) || check.general().isOn(u"uds_client_cnt"_s, line));
     });
 }
@@ -193,12 +192,9 @@ void masterOfSeveralProtocols(ProjectCheck &check)
 
 void settingIsNoNumber(ProjectCheck &check, const CheckedSetting &setting)
 {
-    bool isNumber = false;
+    constexpr int decimal = 10; // "08" is a number, but not an octal one
     const QString &value = setting.value;
-    value.toLongLong(&isNumber, 0);
-    if (!isNumber)
-        value.toLongLong(&isNumber, 10); // "08" is a number, but not an octal one
-    if (!isNumber)
+    if (!NumberText::signedByPrefix(value) && !NumberText::signedInBase(value, decimal))
         check.error(u"\"%1\" has non-numeric value \"%2\"."_s.arg(setting.label, value));
 }
 

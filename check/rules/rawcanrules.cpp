@@ -3,13 +3,11 @@
 #include "check/frame/checkloops.h"
 #include "check/line/checktext.h"
 #include "check/rules/rulelists.h"
+#include "nodedict/codes.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr quint32 extendedFlag = 0x80000000;
-constexpr quint32 highestBaseId = 0x7FF;
 
 void canIdInBothDirections(Check &check, const CheckedCanId &canId)
 {
@@ -22,7 +20,7 @@ void canIdInBothDirections(Check &check, const CheckedCanId &canId)
 void canIdWithoutExtendedFlag(Check &check, const CheckedCanId &canId)
 {
     const quint32 id = canId.data.id;
-    if ((id & extendedFlag) == 0 && id > highestBaseId)
+    if ((id & CAN::extendedFlag) == 0 && id > CAN::highestBaseId)
         check.redError(u" CAN-ID 0x%1 is higher then 0x7ff, but extended flag is not set."_s.arg(hex(id)));
 }
 

@@ -2,6 +2,7 @@
 
 #include "ncx_cli/mcp/session/projectsession.h"
 #include "ncx_cli/mcp/tools/dictionaryjson.h"
+#include "texttools/numbertext.h"
 
 #include <QJsonDocument>
 
@@ -21,9 +22,8 @@ Reply contents(const QString &uri, const QJsonDocument &document)
 /// The object that the text names, decimal or with "0x".
 std::optional<QJsonObject> objectOf(ObjectDataBase &store, const QString &indexText)
 {
-    bool isNumber = false;
-    const ushort index = indexText.toUShort(&isNumber, 0);
-    return isNumber ? DictionaryJson::object(store, 0, index) : std::nullopt;
+    const auto index = NumberText::byPrefix<quint16>(indexText);
+    return index ? DictionaryJson::object(store, 0, *index) : std::nullopt;
 }
 
 } // namespace

@@ -4,7 +4,28 @@
 
 // Codes of the domain that several floors compare with, each declared once.
 
+namespace CAN {
+
+/// Protocols of a line, as its setting `line%1type` tells them.
+enum class LineType : quint8
+{
+    CanOpen = 1,
+    J1939 = 2,
+    RawCan = 4,
+    CanOpenAndJ1939 = 5,
+    CanOpenAndRawCan = 6,
+    J1939AndRawCan = 7
+};
+
+inline constexpr quint32 highestBaseId = 0x7FF;       ///< of the 11 bits of a base identifier
+inline constexpr quint32 identifierBits = 0x1FFFFFFF; ///< the 29 bits of an extended one
+inline constexpr quint32 extendedFlag = 0x80000000;   ///< marks an extended identifier in a project
+
+} // namespace CAN
+
 namespace CANopen {
+
+inline constexpr quint8 lastNodeId = 127; ///< 1 is the first
 
 /// Where the value of a subindex is kept.
 enum class Implementation : quint8
@@ -15,10 +36,15 @@ enum class Implementation : quint8
     VirtualObject = 3    ///< not stored: a callback serves it
 };
 
+constexpr quint8 codeOf(Implementation implementation)
+{
+    return static_cast<quint8>(implementation);
+}
+
 /// A record holds its code as a number.
 constexpr bool operator==(quint8 code, Implementation implementation)
 {
-    return code == static_cast<quint8>(implementation);
+    return code == codeOf(implementation);
 }
 
 /// Object indices, both ends included.
@@ -58,6 +84,9 @@ inline constexpr quint16 networkRouting = 0x1F2C;
 inline constexpr quint16 networkStartup = 0x1F80;
 inline constexpr quint16 slaveAssignment = 0x1F81;
 
+inline constexpr quint16 firstManufacturerObject = 0x2000;
+inline constexpr quint16 lastProfileObject = 0xBFFF;
+
 /// Objects of every kind; what lies below describes data types.
 inline constexpr IndexRange all{firstCommunicationObject, 0xFFFF};
 inline constexpr IndexRange sdoServers{0x1200, 0x127F};
@@ -70,7 +99,8 @@ inline constexpr IndexRange rpdos{0x1400, 0x15FF};
 inline constexpr IndexRange rpdoMappings{0x1600, 0x17FF};
 inline constexpr IndexRange tpdos{0x1800, 0x19FF};
 inline constexpr IndexRange tpdoMappings{0x1A00, 0x1BFF};
-/// Distance of a PDO's mapping from its communication parameters.
+/// Distances of a mapping from its communication parameters.
+inline constexpr quint16 srdoMappingOffset = 0x80;
 inline constexpr quint16 pdoMappingOffset = 0x200;
 
 } // namespace Index

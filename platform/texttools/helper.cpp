@@ -1,5 +1,6 @@
 #include "texttools/helper.h"
 
+#include "texttools/numbertext.h"
 #include "texttools/wholefile.h"
 
 #include <QFile>
@@ -27,13 +28,6 @@ QString valueOf(QStringView word, std::initializer_list<Variable> variables)
                        : QString::number(variable.value);
     }
     return {};
-}
-
-bool isNumber(const QString &text)
-{
-    bool ok = false;
-    text.toULongLong(&ok, text.startsWith("0x"_L1, Qt::CaseInsensitive) ? 16 : 10);
-    return ok;
 }
 
 } // namespace
@@ -72,7 +66,7 @@ QString Helper::addLowerCaseUtoNumberLists(const QString &list)
     QStringList parts = list.split(u',');
     for (QString &part : parts) {
         const QString word = part.trimmed();
-        if (isNumber(word))
+        if (NumberText::decimalOrHexadecimal<quint64>(word))
             part.insert(part.indexOf(word) + word.size(), u'u');
     }
     return parts.join(u',');
@@ -82,7 +76,7 @@ QByteArray Helper::hexPairs(QStringView digits)
 {
     QByteArray bytes;
     for (qsizetype i = 0; i < digits.size(); i += 2)
-        bytes.append(static_cast<char>(digits.mid(i, 2).toUShort(nullptr, 16)));
+        bytes.append(static_cast<char>(NumberText::hexadecimal<quint8>(digits.mid(i, 2)).value_or(0)));
     return bytes;
 }
 

@@ -6,12 +6,14 @@
 #include <limits>
 #include <optional>
 
-/// Unsigned numbers in texts, a reader for each notation. Each answers none for a text that is no such number and for
-/// a number that the type cannot hold. Blanks around a number do not count.
+/// Numbers in texts, a reader for each notation. Each answers none for a text that is no such number and for a number
+/// that the type cannot hold. Blanks around a number do not count.
 namespace NumberText {
 
 /// In a base from 2 to 36, or for 0 in that of its prefix.
 std::optional<quint64> inBase(QStringView text, int base);
+/// The same for a number that may have a sign.
+std::optional<qint64> signedInBase(QStringView text, int base);
 
 template <std::unsigned_integral Number>
 std::optional<Number> fitting(std::optional<quint64> number)
@@ -25,6 +27,12 @@ template <std::unsigned_integral Number = quint32>
 std::optional<Number> byPrefix(QStringView text)
 {
     return fitting<Number>(inBase(text, 0));
+}
+
+/// "-26", "-0x1a" or "-032"
+inline std::optional<qint64> signedByPrefix(QStringView text)
+{
+    return signedInBase(text, 0);
 }
 
 /// "26"

@@ -1,5 +1,6 @@
 #include "ncx_cli/mcp/session/projectsession.h"
 
+#include "store/lineprotocols.h"
 #include "store/objectdatabase.h"
 
 #include <QCoreApplication>
@@ -41,10 +42,11 @@ int ProjectSession::lineTypeCode(quint8 line) const
 
 bool ProjectSession::lineTypeSupported(int typeCode)
 {
+    const LineProtocols protocols = LineProtocols::ofType(typeCode);
     const QString application = QCoreApplication::applicationName();
     if (application == "CAN NodeComposer"_L1)
         return true;
     if (application == "J1939 NodeComposer"_L1)
-        return typeCode == 2 || typeCode == 7;
-    return typeCode == 1 || typeCode == 5 || typeCode == 6;
+        return protocols.j1939 && !protocols.canOpen;
+    return protocols.canOpen;
 }

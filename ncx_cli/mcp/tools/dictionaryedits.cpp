@@ -6,6 +6,7 @@
 #include "ncx_cli/mcp/tools/guards.h"
 #include "ncx_cli/mcp/tools/toolfamilies.h"
 #include "nodedict/canopendatatype.h"
+#include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
 
 #include <QCoreApplication>
@@ -63,7 +64,7 @@ ObjectDataBase::SUBINDEX_DATA_T firstSubindex(const ObjectDataBase::INDEX_DATA_T
         sub.defaultvalue = u"0"_s;
         sub.lowlimit = u"0"_s;
         sub.uplimit = u"255"_s;
-        sub.implementation = 1;
+        sub.implementation = codeOf(CANopen::Implementation::ManagedConst);
         return sub;
     }
     const COHelper::Limits limits = COHelper::getDefaultLimits(object.datatype);

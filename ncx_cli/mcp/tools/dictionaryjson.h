@@ -1,5 +1,6 @@
 #pragma once
 
+#include "nodedict/codes.h"
 #include "store/objectdatabase.h"
 
 #include <QJsonArray>
@@ -9,7 +10,7 @@
 namespace DictionaryJson {
 
 /// Objects below are data types (CiA 301), which no listing shows.
-inline constexpr quint16 firstIndex = 0x1000;
+inline constexpr quint16 firstIndex = CANopen::Index::firstCommunicationObject;
 inline constexpr quint16 lastIndex = 0xFFFF;
 
 /// "0x" and four lower-case hexadecimal digits.

@@ -5,6 +5,7 @@
 #include "ncx_cli/mcp/tools/arguments.h"
 #include "ncx_cli/mcp/tools/guards.h"
 #include "ncx_cli/mcp/tools/toolfamilies.h"
+#include "nodedict/codes.h"
 #include "store/objectdatabase.h"
 
 #include <QCoreApplication>
@@ -16,10 +17,12 @@ using namespace Guards;
 
 namespace {
 
-/// A line's protocols by the names that `add_line` takes; the code of each is what a project stores.
+/// The names that `add_line` takes for a line's protocols, and what they stand for.
 constexpr QLatin1StringView lineTypeNames[]{"CANopen"_L1,       "J1939"_L1,          "RawCAN"_L1,
                                             "CANopen+J1939"_L1, "CANopen+RawCAN"_L1, "J1939+RawCAN"_L1};
-constexpr int lineTypeCodes[]{1, 2, 4, 5, 6, 7};
+constexpr CAN::LineType lineTypes[]{CAN::LineType::CanOpen,          CAN::LineType::J1939,
+                                    CAN::LineType::RawCan,           CAN::LineType::CanOpenAndJ1939,
+                                    CAN::LineType::CanOpenAndRawCan, CAN::LineType::J1939AndRawCan};
 
 constexpr Property name = Properties::string("name"_L1, "Line name (optional)"_L1);
 constexpr Property isMaster = Properties::boolean("isMaster"_L1, "Line acts as NMT master (default: false)"_L1);
@@ -62,19 +65,19 @@ Reply getLine(const ToolCall &call)
                         {u"dcfPath"_s, data.dcfpath}});
 }
 
-/// The code of a type's name; nothing for an unknown name.
-std::optional<int> codeOfLineType(const QString &text)
+/// The type of that name; nothing for an unknown name.
+std::optional<CAN::LineType> lineTypeOf(const QString &text)
 {
     const auto *const found = std::ranges::find_if(lineTypeNames, [&](auto known) { return known == text; });
     if (found == std::end(lineTypeNames))
         return {};
-    return lineTypeCodes[found - std::begin(lineTypeNames)];
+    return lineTypes[found - std::begin(lineTypeNames)];
 }
 
-Reply addLineOfType(const ToolCall &call, int typeCode)
+Reply addLineOfType(const ToolCall &call, CAN::LineType type)
 {
     const quint8 line = call.line();
-    if (!ProjectSession::lineTypeSupported(typeCode)) {
+    if (!ProjectSession::lineTypeSupported(static_cast<int>(type))) {
         return Reply::refusal(u"This build (%1) does not support lineType \"%2\"."_s.arg(
             QCoreApplication::applicationName(), call.text(lineType.name)));
     }
@@ -84,15 +87,15 @@ Reply addLineOfType(const ToolCall &call, int typeCode)
     call.store().addNode(line, data);
     if (!call.store().nodeExists(line))
         return Reply::refusal(u"Failed to add line %1."_s.arg(line));
-    call.store().setGeneralSetting(u"line%1type"_s.arg(line), QString::number(typeCode));
+    call.store().setGeneralSetting(u"line%1type"_s.arg(line), QString::number(static_cast<int>(type)));
     return call.edited(u"Line %1 added."_s.arg(line));
 }
 
 Reply addLine(const ToolCall &call)
 {
     if (call.has(lineType.name)) {
-        if (const auto typeCode = codeOfLineType(call.text(lineType.name)))
-            return addLineOfType(call, *typeCode);
+        if (const auto type = lineTypeOf(call.text(lineType.name)))
+            return addLineOfType(call, *type);
         return Reply::invalidParams(u"Invalid lineType: expected CANopen, J1939, RawCAN, CANopen+J1939, CANopen+RawCAN "
                                     "or J1939+RawCAN"_s);
     }
@@ -102,7 +105,7 @@ Reply addLine(const ToolCall &call)
             u"lineType is required in this build (CAN NodeComposer supports multiple protocols, "
             "none can be inferred)"_s);
     }
-    return addLineOfType(call, application == "J1939 NodeComposer"_L1 ? 2 : 1);
+    return addLineOfType(call, application == "J1939 NodeComposer"_L1 ? CAN::LineType::J1939 : CAN::LineType::CanOpen);
 }
 
 Reply deleteLine(const ToolCall &call)

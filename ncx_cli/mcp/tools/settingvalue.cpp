@@ -1,5 +1,7 @@
 #include "ncx_cli/mcp/tools/settingvalue.h"
 
+#include "texttools/numbertext.h"
+
 #include <QRegularExpression>
 #include <QVariant>
 
@@ -34,24 +36,17 @@ Text boolText(const Setting &setting, const QJsonValue &value)
 
 Text unsignedText(const Setting &setting, const QJsonValue &value)
 {
-    static const QRegularExpression decimal(u"\\A(0|[1-9][0-9]*)\\z"_s);
-    static const QRegularExpression hexadecimal(u"\\A0[xX][0-9a-fA-F]+\\z"_s);
-
+    static const QRegularExpression form(u"\\A(0|[1-9][0-9]*|0[xX][0-9a-fA-F]+)\\z"_s);
     const auto whole = wholeNumber(value);
     const QString text = whole ? QString::number(*whole) : value.toString().trimmed();
-    bool fits = false;
-    quint32 number = 0;
-    if (decimal.match(text).hasMatch())
-        number = text.toUInt(&fits, 10);
-    else if (hexadecimal.match(text).hasMatch())
-        number = text.toUInt(&fits, 16);
-    if (!fits)
+    const auto number = form.match(text).hasMatch() ? NumberText::byPrefix(text) : std::nullopt;
+    if (!number)
         return {.refusal = u"Setting %1 expects an unsigned integer (decimal or 0x hex)."_s.arg(setting.key)};
     const quint32 min = setting.min.value_or(0);
     const quint32 max = setting.max.value_or(std::numeric_limits<quint32>::max());
-    if (number < min || number > max)
+    if (*number < min || *number > max)
         return {.refusal = u"Setting %1 expects a value from %2 to %3."_s.arg(setting.key).arg(min).arg(max)};
-    return {.text = setting.decimal ? QString::number(number) : text};
+    return {.text = setting.decimal ? QString::number(*number) : text};
 }
 
 Text enumText(const Setting &setting, const QJsonValue &value)
