@@ -16,6 +16,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr auto defaultApplication = "CANopen NodeComposer"_L1;
+constexpr auto defaultVersion = "4.3.3"_L1;
 
 template <class Port>
 std::vector<CheckRule<Port>> recording(std::span<const CheckRule<Port>> rules, QString &current)
@@ -72,6 +73,8 @@ CaseProject::CaseProject(const QStringList &commands)
         const QString file = folder_.filePath(rest.section(u" = "_s, 0, 0));
         if (command.startsWith("application "_L1)) {
             QCoreApplication::setApplicationName(rest);
+        } else if (command.startsWith("version "_L1)) {
+            QCoreApplication::setApplicationVersion(rest);
         } else if (command.startsWith("file "_L1)) {
             QDir().mkpath(QFileInfo(file).path());
             EXPECT_TRUE(TestSupport::writeFile(file, rest.section(u" = "_s, 1).toUtf8()));
@@ -89,6 +92,7 @@ CaseProject::~CaseProject()
 {
     store()->setBlocked(false);
     QCoreApplication::setApplicationName(defaultApplication);
+    QCoreApplication::setApplicationVersion(defaultVersion);
 }
 
 CaseProject::Outcome CaseProject::check()

@@ -166,8 +166,10 @@ TEST(SpecialPGNs, FollowTheDiagnosticMessagesThatAreOn)
                                   {19, 54016}, {21, 49408}, {26, 64952}, {31, 41728}, {35, 40704},
                                   {36, 64868}, {52, 64852}, {55, 64723}, {57, 64710}};
     for (auto it = pgns.cbegin(); it != pgns.cend(); ++it)
-        project.j1939((it.key() % 2 ? u"diagsupport_dm%1"_s : u"diagsupport_dmtool%1"_s).arg(it.key()), u"0,1"_s);
-    project.j1939(u"diagsupport_dm9"_s, u"1"_s).j1939(u"diagsupport_dm2"_s, u"0,0"_s);
+        project.j1939((it.key() % 2 ? u"diagsupport_dm%1"_s : u"diagsupport_dmtool%1"_s).arg(it.key()), u"0,2"_s);
+    project.j1939(u"diagsupport_dm6"_s, u"0,1"_s)
+        .j1939(u"diagsupport_dm9"_s, u"1"_s)
+        .j1939(u"diagsupport_dm2"_s, u"0,0"_s);
     QList<quint32> list = specialPGNs(*project.store()).mid(9);
     EXPECT_EQ(list, pgns.values());
     EXPECT_EQ(specialPGNs(*project.store(), quint8(0)).size(), 9);

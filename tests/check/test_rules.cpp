@@ -134,7 +134,9 @@ TEST_P(RuleCases, SaysWhatIsExpected)
 {
     SCOPED_TRACE(qPrintable(GetParam().place()));
     CaseProject project(GetParam().commands);
+    const quint8 currentLine = project.store()->currentLine();
     const CaseProject::Outcome outcome = project.check();
+    EXPECT_EQ(project.store()->currentLine(), currentLine);
     EXPECT_EQ(outcome.messages, GetParam().messages);
     EXPECT_EQ(deduplicated(outcome.rules), deduplicated(GetParam().rules()));
     const auto isError = [](const QString &text) { return text.contains(u"Error: "_s); };
@@ -207,8 +209,9 @@ TEST(StoreValues, ReadEveryFormOfANumber)
         EXPECT_EQ(value->nodeRelative, nodeRelative);
     }
     for (const QString &text : {u""_s, u"x"_s, u"0x"_s, u"08"_s, u"1.5"_s, u"--1"_s, u"$NODEID-1"_s, u"$NODEIDs"_s,
-                                u"18446744073709551616"_s})
+                                u"18446744073709551616"_s, u"+5"_s, u"$NODEID++5"_s})
         EXPECT_FALSE(StoreValue::parse(text)) << qPrintable(text);
+    EXPECT_FALSE(plainValue(u"-3"_s) || plainValue(u"$NODEID+3"_s));
 }
 
 } // namespace
