@@ -53,8 +53,6 @@ bool isLongerThanFrame(Check & /*check*/, const CheckedPGN &pgn)
     return pgn.bits > classicalFrameBits;
 }
 
-// ---- Settings
-
 void sortedCobList(Check &check)
 {
     if (check.general().isOn(u"sorted_coblist"_s))
@@ -85,8 +83,6 @@ void manufacturerIsNorvane(Check &check)
             u"<strong>Warning: The manufacturer code 1447 (Norvane Fieldbus GmbH) may not be used for production. "
             "</strong>"_s);
 }
-
-// ---- PGNs
 
 void pgnIsSpecial(Check &check, const CheckedPGN &pgn)
 {
@@ -161,8 +157,6 @@ void sdmTooLong(Check &check, const CheckedPGN &pgn)
         check.error(u"PG (%1/0x%2) transmitted as SDM may not exceed 64 bit."_s.arg(dec(number), hex(number)));
 }
 
-// ---- Transport
-
 void transportMissing(Check &check, const CheckedPGN & /*pgn*/)
 {
     if (!isOnForLine(check, u"bamsupport"_s) && !isOnForLine(check, u"cmdtsupport"_s))
@@ -174,8 +168,6 @@ void transportWithoutPackets(Check &check)
     if (isOnForLine(check, u"cmdtsupport"_s) && !isOnForLine(check, u"cmdtpackets"_s))
         check.error(u"CMDT packet count should not be 0 in J1939 configuration."_s);
 }
-
-// ---- SPNs
 
 void spnWithoutVariable(Check &check, const CheckedSignal &signal)
 {

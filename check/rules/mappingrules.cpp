@@ -75,8 +75,6 @@ const CheckedSubindex *targetOf(const MappingEntry &entry)
     return entry.isDummy() ? nullptr : entry.target;
 }
 
-// ---- A mapping object
-
 void communicationMissing(Check &check, const CheckedObject &object)
 {
     const quint16 communication = communicationOf(object);
@@ -103,8 +101,6 @@ void mappingAccessDiffers(Check &check, const CheckedObject &mapping)
             u"Object 0x%1: All subindices of a PDO mapping object must have the same access type. (const for static "
             "mapping or rw for dynamic mapping"_s.arg(hex4(mapping.index)));
 }
-
-// ---- Its entries
 
 /// Of a PDO on the bus that maps something at all.
 void entryIsEmpty(Check &check, const CheckedObject &mapping, const MappingEntry &entry)
@@ -167,8 +163,6 @@ void mappedIsNotReadable(Check &check, const CheckedObject &object, const Mappin
             hex4(object.index), hex4(target->index), dec(target->subindex)));
 }
 
-// ---- The mapping as a whole
-
 void pdoTooLong(Check &check, const CheckedObject &object)
 {
     if (PDO::mappedBits(check.line(), object) > check.line().settings().frameBits())
@@ -196,8 +190,6 @@ void emptyPdoIsDisabled(Check &check, const CheckedObject &mapping)
     if (!check.correctCobId(cobId.index, 1, data, text) && !PDO::mapsSomething(mapping))
         reportEmptyMapping(check, mapping);
 }
-
-// ---- SRDOs
 
 /// The active entries of the mapping object that belongs to an SRDO's communication object.
 void itsSrdoEntries(Check &check, const CheckedObject &srdo, const Visit<MappingEntry> &visit)
@@ -242,8 +234,6 @@ void srdoMappingForbidden(Check &check, const CheckedObject &object, const Mappi
         check.error(u"Object 0x%1: The PDO mapping must be enabled for object 0x%2:%3 to use it in an SRDO."_s.arg(
             hex4(object.index), hex4(target->index), dec(target->subindex)));
 }
-
-// ---- Modes of mapping, told once per line
 
 bool mapsBits(Check &check, const CheckedObject &object)
 {

@@ -45,8 +45,6 @@ bool isVariable(const QString &name)
     return expression.match(name).hasMatch();
 }
 
-// ---- Values
-
 void valueUnreadable(Check &check, const CheckedSubindex &sub)
 {
     const QString &value = sub.data.defaultvalue;
@@ -54,8 +52,6 @@ void valueUnreadable(Check &check, const CheckedSubindex &sub)
         !ValueForm::isReadable(value, sub.data.datatype))
         check.error(u"Value conversion failed with Object 0x%1-0x%2."_s.arg(hex4(sub.index), hex2(sub.subindex)));
 }
-
-// ---- Objects
 
 /// A mapping object may be empty: what that means is told where its PDO is.
 void noSubindices(Check &check, const CheckedObject &object)
@@ -120,8 +116,6 @@ void variableWithSubindices(Check &check, const CheckedObject &object)
     if (object.data.objecttype == Var && object.subs.size() > 1)
         check.error(u"Object 0x%1: The object is a VARIABLE but has multiple subindices."_s.arg(hex4(object.index)));
 }
-
-// ---- Subindices
 
 void limitCheckIsOff(Check &check, const CheckedSubindex &sub)
 {
@@ -209,8 +203,6 @@ void defaultBeyondLimits(Check &check, const CheckedSubindex &sub)
         check.error(u"Object 0x%1-0x%2: The defaultvalue is not in the range of the limits."_s.arg(hex4(sub.index),
                                                                                                    hex2(sub.subindex)));
 }
-
-// ---- Names across objects
 
 void variableUsedTwice(Check &check, const CheckedSubindex &sub)
 {

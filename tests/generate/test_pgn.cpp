@@ -1,4 +1,3 @@
-#include "generate/base/codewriter.h"
 #include "generate/base/dialect.h"
 #include "generate/define/definegenerator.h"
 #include "generate/j1939/pgngenerator.h"
@@ -7,7 +6,6 @@
 #include "generate/names/externdeclgenerator.h"
 #include "generate/objdict/objdictgenerator.h"
 #include "generatedc.h"
-#include "nodedict/cohelper.h"
 
 #include <gtest/gtest.h>
 
@@ -23,15 +21,33 @@ namespace {
 constexpr quint8 tx = ObjectDataBase::transmit;
 constexpr quint8 rx = ObjectDataBase::receive;
 
-// ---- What the stack reads ------------------------------------------------------------------------------------------
+/// What the tables say of a signal of a type.
+struct TypeRow
+{
+    quint32 type;
+    const char *v4;      ///< the word of the V4 form
+    const char *classic; ///< that of the classic form
+    quint32 bits;        ///< 0 for those that have a width of their own
+    bool isManaged;      ///< the stack may hold the value
+};
 
-constexpr std::array dataTypes{1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 22U, 27U, 100U, 105U, 109U, 118U, 120U, 121U, 10U, 15U};
+constexpr TypeRow typeRows[] = {
+    {1, "B", "NUMERIC", 1, true},           {2, "I8", "NUMERIC", 8, true},
+    {3, "I16", "NUMERIC", 16, true},        {4, "I32", "NUMERIC", 32, true},
+    {5, "U8", "NUMERIC", 8, true},          {6, "U16", "NUMERIC", 16, true},
+    {7, "U32", "NUMERIC", 32, true},        {8, "R32", "NUMERIC", 32, false},
+    {10, "NON_NUMERIC", "NONE", 0, false},  {15, "NON_NUMERIC", "NONE", 0, false},
+    {22, "U24", "NUMERIC", 24, true},       {27, "U64", "NUMERIC", 64, true},
+    {100, "U2", "NUMERIC", 2, true},        {105, "U7", "NUMERIC", 7, true},
+    {109, "U12", "NUMERIC", 12, true},      {118, "U22", "NUMERIC", 22, true},
+    {120, "STRING_NULL", "NONE", 0, false}, {121, "STRING_ASTERIKS", "NONE", 0, false},
+};
 
 /// Makes a signal of any type and kind, with a variable of that name where it has one.
 auto randomSignal(std::mt19937 &random, const QString &variable)
 {
     return [&random, variable](StoreRecords::SPN &signal) {
-        signal.datatype = dataTypes.at(random() % dataTypes.size());
+        signal.datatype = typeRows[random() % std::size(typeRows)].type;
         signal.bitposition = static_cast<quint16>(random());
         signal.bitsize = static_cast<quint16>(8 * (1 + random() % 40));
         signal.defaultvalue = QString::number(random() % 2);
@@ -109,25 +125,23 @@ void PrintTo(const Form &form, std::ostream *out)
          << (form.dynamic ? "_dynamic" : "") << (form.initialised ? "" : "_uninitialised");
 }
 
-/// What a walk over the stack's tables has to print for a signal, by the store alone.
+/// What a walk over the stack's tables has to print for a signal.
 QString expectedSignal(const StoreRecords::SPN &signal, quint32 number, const Form &form)
 {
-    const bool text = signal.datatype >= 120 || signal.datatype == 10 || signal.datatype == 15;
-    QString word = text ? u"NONE"_s : u"NUMERIC"_s;
-    if (form.v4)
-        word = signal.datatype == 121   ? u"STRING_ASTERIKS"_s
-               : signal.datatype == 120 ? u"STRING_NULL"_s
-               : text                   ? u"NON_NUMERIC"_s
-                                        : COHelper::index2DataTypeShortString(signal.datatype);
-    const bool managed = signal.implementation < 2 && !text && signal.datatype != 8;
-    // Without static values the variables of groups begin with 0.
-    const quint64 value = form.initialised ? signal.defaultvalue.toULongLong() : 0;
-    const QString digits = signal.datatype == 27 ? Code::hex(value, 16) : QString::number(value);
-    const QString target = managed ? u"managed "_s + digits : signal.implementation == 2 ? signal.varname : u"NULL"_s;
+    const TypeRow &row = *std::ranges::find(typeRows, signal.datatype, &TypeRow::type);
+    QString target = u"NULL"_s;
+    if (signal.implementation == 2)
+        target = signal.varname;
+    else if (signal.implementation < 2 && row.isManaged) {
+        // Without static values the variables of groups begin with 0.
+        const bool isOne = form.initialised && signal.defaultvalue == "1"_L1;
+        target =
+            signal.datatype == 27 ? u"managed 000000000000000%1"_s.arg(int{isOne}) : u"managed %1"_s.arg(int{isOne});
+    }
     return u"  %1 at %2 bits %3 %4 %5"_s.arg(number)
         .arg(signal.bitposition)
-        .arg(text ? signal.bitsize : COHelper::getDataLengthBits(signal.datatype))
-        .arg(word, target);
+        .arg(row.bits > 0 ? row.bits : signal.bitsize)
+        .arg(QLatin1StringView(form.v4 ? row.v4 : row.classic), target);
 }
 
 QStringList expectedGroup(ObjectDataBase &store, quint8 line, quint32 number, quint8 direction, const Form &form)

@@ -96,8 +96,6 @@ TEST(SafetyMapping, RefusesWhatItCannotExpress)
     }
 }
 
-// ---- Hundreds of layouts, compiled ---------------------------------------------------------------------------------
-
 QList<quint32> randomSizes(std::mt19937 &random, bool isClassical)
 {
     const auto pick = [&random](quint32 count) { return static_cast<quint32>(random() % count); };
@@ -201,8 +199,6 @@ TEST(SafetyMapping, CarriesRandomLayoutsThereAndBack)
     const ProcessResult result = folder.run();
     EXPECT_EQ(result.exitCode, 0) << "layout and step: " << qPrintable(result.output);
 }
-
-// ---- A whole device ------------------------------------------------------------------------------------------------
 
 const QString stackFolder = QStringLiteral(NCX_SOURCE_DIR "/examples/stack");
 

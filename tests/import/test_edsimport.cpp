@@ -45,11 +45,13 @@ TEST(EdsImport, EncodingsAndLineEndings)
     QStringEncoder littleEndian(QStringConverter::Utf16LE, QStringConverter::Flag::WriteBom);
     QStringEncoder bigEndian(QStringConverter::Utf16BE, QStringConverter::Flag::WriteBom);
     QStringEncoder unmarked(QStringConverter::Utf16LE);
+    QStringEncoder unmarkedBigEndian(QStringConverter::Utf16BE);
     for (const QString &ending : {u"\n"_s, u"\r\n"_s, u"\r"_s, u"\n\n"_s}) {
         const QString variant = QString(text).replace(u'\n', ending);
-        const QByteArrayList forms = {variant.toUtf8(),   "\xef\xbb\xbf" + variant.toUtf8(),
-                                      variant.toLatin1(), littleEndian(variant),
-                                      bigEndian(variant), unmarked(variant)};
+        const QByteArrayList forms = {variant.toUtf8(),          "\xef\xbb\xbf" + variant.toUtf8(),
+                                      variant.toLatin1(),        littleEndian(variant),
+                                      bigEndian(variant),        unmarked(variant),
+                                      unmarkedBigEndian(variant)};
         for (const QByteArray &form : forms) {
             const auto store = emptyProject();
             ASSERT_TRUE(importText(store, form));

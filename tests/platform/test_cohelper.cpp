@@ -76,13 +76,30 @@ TEST(COHelper, DataTypesOutsideTheTable)
     EXPECT_EQ(COHelper::getDefaultLimits(0).high, QString());
     for (const QString &row :
          u"visible string=9|Octet-String=10|uint8_t=5|float=8|VS(8)=9|u8s=5|word=6|\tu16 =6|0x40=64|"
-         "010=8|09=9|0=0|=0|nonsense=0|65536=0|-5=0"_s.split(u'|'))
+         "010=8|09=9|0=0|=0|nonsense=0|VS[8]=9|65535=65535|65536=0|-5=0"_s.split(u'|'))
         EXPECT_EQ(COHelper::mapDataTypeString(row.section(u'=', 0, 0)), row.section(u'=', 1).toUInt())
             << row.toStdString();
 }
 
+TEST(COHelper, DeclaredLimits)
+{
+    const QString real = u"3.4028234663852886e+38"_s;
+    const std::tuple<quint32, QString, QString, QString> rows[] = {
+        {CAN::Integer8, u" "_s, u""_s, u"none"_s},          {CAN::Integer8, u"-1"_s, u""_s, u"-1..127"_s},
+        {CAN::Integer8, u""_s, u"x"_s, u"-128..x"_s},       {CAN::Real32, u""_s, u"1"_s, u"-%1..1"_s.arg(real)},
+        {CAN::Real32, u"1"_s, u""_s, u"1..%1"_s.arg(real)}, {CAN::Real64, u"1"_s, u""_s, u"1.."_s},
+    };
+    for (const auto &[type, low, high, expected] : rows) {
+        const auto limits = COHelper::declaredLimits(type, low, high);
+        EXPECT_EQ(limits ? limits->low + ".."_L1 + limits->high : u"none"_s, expected);
+    }
+}
+
 TEST(COHelper, ObjectCodesAccessTypesCategories)
 {
+    for (const quint32 type : {CAN::VisibleString, CAN::Domain, CAN::StringAsterisk, CAN::Utf8String, CAN::TimeOfDay})
+        EXPECT_EQ(COHelper::isTextType(type), type != CAN::TimeOfDay);
+    EXPECT_EQ(COHelper::string2objectCode(u"rec"_s), CANopen::Record);
     for (const quint32 code : {2U, 5U, 6U, 7U, 8U, 9U, 77U})
         EXPECT_EQ(COHelper::string2objectCode(COHelper::objectCode2String(code)), code);
     EXPECT_EQ(COHelper::objectCode2String(7), u"VARIABLE"_s);

@@ -29,7 +29,8 @@ QStringList raised(EdsParser &parser, const std::function<void()> &load)
 TEST(EdsValue, Normalised)
 {
     for (const QString &row :
-         u"0x600=0x600|0XFF=0xFF|017=017|-5 ; remark=-5|5;remark=5|$NODEID+0x200;=$NODEID+0x200|0 // low=0|5\t# five=5|"
+         u"0x600=0x600|0XFF=0xFF|5;x // y=5|;x=;x|017=017|-5 ; remark=-5|5;remark=5|$NODEID+0x200;=$NODEID+0x200|0 // "
+         u"low=0|5\t# five=5|"
          "\"0x12\"=0x12|0099=99|-08=-8|$NODEID+08=$NODEID+8|TRUE ; kept=TRUE ; kept|$NODEID+0x180=$NODEID+0x180|"
          "0X180 + $nodeid=$NODEID+0x180|$NODEID=$NODEID+0|NodeId+7=$NODEID+7|1+$NODEID+0x10=$NODEID+0x11|"
          "$NODEID-1=$NODEID-1|$NODEID+=$NODEID+|1.5=1.5|="_s.split(u'|'))
@@ -61,6 +62,31 @@ TEST(EdsParser, RaisesAnObjectBeforeItsSubObjectsElseInFileOrder)
 
     // A second file starts anew.
     EXPECT_EQ(raised(parser, [&] { parser.loadContent("[2000]\nDataType=5\n"); }).join(u' '), u"2000 2000:0"_s);
+}
+
+TEST(EdsParser, ForgetsTheFileBefore)
+{
+    const auto found = [](const QByteArrayList &files) {
+        EdsParser parser;
+        QStringList last;
+        const QObject context;
+        QObject::connect(&parser, &EdsParser::newIndex, &context, [&](const CANopen::CANopenIndex &object) {
+            last << u"%1 %2 %3"_s.arg(object.index).arg(object.objecttype).arg(object.category);
+        });
+        QObject::connect(&parser, &EdsParser::newSubIndex, &context, [&](const CANopenSubindex &sub) {
+            last << u"%1:%2 %3"_s.arg(sub.index).arg(sub.subindex).arg(sub.datatype);
+        });
+        for (const QByteArray &file : files) {
+            last.clear();
+            parser.loadContent(file);
+        }
+        return last;
+    };
+    const QByteArray before = "[MandatoryObjects]\n1=0x2000\n[2000]\nDataType=5\n[2000sub0]\n[3000]\nObjectType=8\n"
+                              "DataType=6\n[3000sub1]\n[4000]\n[4000sub0]\n";
+    const QByteArray file = "[2000]\n[2000sub0]\nDataType=5\n[3000sub1]\n[4000]\n";
+    EXPECT_EQ(found({before, file}), found({file}));
+    EXPECT_EQ(found({file}).size(), 5);
 }
 
 TEST(EdsParser, DeliversTheSectionsOfTheDescription)

@@ -1,5 +1,7 @@
 #include "diagcore/udssiddefinitions.h"
+#include "support/smalldisk.h"
 #include "support/testhome.h"
+#include "texttools/clock.h"
 #include "texttools/helper.h"
 #include "texttools/numbertext.h"
 
@@ -9,9 +11,7 @@
 #include <QSet>
 #include <QTemporaryDir>
 
-#include <csignal>
-
-#include <sys/resource.h>
+#include <cstdlib>
 
 using namespace Qt::StringLiterals;
 
@@ -40,7 +40,7 @@ TEST(Helper, AddLowerCaseUtoNumberLists)
 
 TEST(Helper, UTF8String2ArrayString)
 {
-    EXPECT_EQ(Helper::UTF8String2ArrayString(u"plain"_s), u"\"plain\"");
+    EXPECT_EQ(Helper::UTF8String2ArrayString(u"plain~\x7f"_s), u"\"plain~\\177\"");
     EXPECT_EQ(Helper::UTF8String2ArrayString(u"Gr\u00f61 \"?\?=\\\n"_s), u"\"Gr\\303\\2661 \\\"?\\?=\\\\\\012\"");
     EXPECT_EQ(Helper::UTF8String2ArrayString(u"|x41C3b67"_s), u"\"A\\303\\266\\007\"");
 }
@@ -78,6 +78,20 @@ TEST(NumberText, EachReaderHasItsNotation)
     }
 }
 
+TEST(Clock, TellsTheMomentOfABuildInUtc)
+{
+    const QByteArray zone = qgetenv("TZ");
+    qputenv("TZ", "XYZ-3");
+    tzset();
+    qputenv("SOURCE_DATE_EPOCH", "1793496600");
+    EXPECT_EQ(TextTools::currentDateText(), u"Sun Nov 1 01:30:00 2026"_s);
+    qputenv("SOURCE_DATE_EPOCH", "yesterday");
+    EXPECT_LT(std::abs(TextTools::currentDateTime().secsTo(QDateTime::currentDateTime())), 60);
+    qunsetenv("SOURCE_DATE_EPOCH");
+    zone.isNull() ? qunsetenv("TZ") : qputenv("TZ", zone);
+    tzset();
+}
+
 TEST(Helper, ModifyLineEnding)
 {
     const QTemporaryDir folder;
@@ -91,21 +105,17 @@ TEST(Helper, ModifyLineEnding)
     EXPECT_FALSE(QFile::exists(folder.filePath(u"missing.c"_s)));
 }
 
-/// A limit on the size of files stands in for a full disk. What the system would not take only shows at the end, when
-/// the buffer is written.
+/// What the system would not take only shows at the end, when the buffer is written.
 TEST(Helper, WithoutRoomAFileStaysAsItIs)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath(u"text.c"_s);
     const QByteArray content(8000, '\n');
     ASSERT_TRUE(TestSupport::writeFile(path, content));
-    rlimit former{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &former), 0);
-    const rlimit small{4096, former.rlim_max};
-    std::signal(SIGXFSZ, SIG_IGN);
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    EXPECT_FALSE(Helper::modifyLineEnding(path, u"\r"_s));
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &former), 0);
+    {
+        const TestSupport::SmallDisk disk(4096);
+        EXPECT_FALSE(Helper::modifyLineEnding(path, u"\r"_s));
+    }
     EXPECT_EQ(TestSupport::readFile(path), content);
 }
 

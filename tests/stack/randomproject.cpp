@@ -191,8 +191,6 @@ void RandomProject::addSub(quint16 index, quint8 subindex, quint16 dataType, con
     add(u"sub %1:%2 name=Entry; datatype=%3; %4"_s.arg(hex(index)).arg(subindex).arg(dataType).arg(more));
 }
 
-// ---- Application objects
-
 /// How it is served and mapped; `text` is its default.
 QString RandomProject::implementation(const Place &place, const QString &text, bool isVirtual)
 {
@@ -290,8 +288,6 @@ void RandomProject::addSharedObjects()
     commands_ += shared_;
 }
 
-// ---- PDOs
-
 void RandomProject::addPdos(bool transmit)
 {
     QList<Mappable> objects;
@@ -348,8 +344,6 @@ void RandomProject::addPdo(quint16 number, bool transmit, QList<Mappable> object
     addSub(mapping, 0, CAN::Unsigned8, access + QString::number(entries));
 }
 
-// ---- Safety objects
-
 void RandomProject::addSafetyObjects()
 {
     addBlock(u"safety"_s);
@@ -397,8 +391,6 @@ void RandomProject::addSrdo(quint16 number)
     }
     addSub(mapping, 0, CAN::Unsigned8, u"accesstype=rw; defaultvalue=%1"_s.arg(entries));
 }
-
-// ---- Messages of J1939 and raw CAN
 
 /// The fields of a signal that begins at the position, or the gap behind it, and the position behind it.
 QString RandomProject::signal(quint32 &position, quint16 dataType, const QString &variable, bool isSafe)

@@ -42,18 +42,28 @@ public:
             isThrough_ = true;
         });
     }
-    bool isThrough(int milliseconds) const
+    bool isThrough(int milliseconds) const { return comes(isThrough_, milliseconds); }
+    /// Whether the thread serves its events.
+    bool answers(int milliseconds)
     {
-        const QDeadlineTimer deadline(milliseconds);
-        while (!isThrough_ && !deadline.hasExpired())
-            QThread::msleep(1);
-        return isThrough_;
+        answered_ = false;
+        QMetaObject::invokeMethod(&context_, [this] { answered_ = true; });
+        return comes(answered_, milliseconds);
     }
 
 private:
+    static bool comes(const std::atomic<bool> &flag, int milliseconds)
+    {
+        const QDeadlineTimer deadline(milliseconds);
+        while (!flag && !deadline.hasExpired())
+            QThread::msleep(1);
+        return flag;
+    }
+
     QThread thread_;
     QObject context_;
     std::atomic<bool> isThrough_ = false;
+    std::atomic<bool> answered_ = false;
 };
 
 constexpr int waiting = 60;
@@ -105,7 +115,27 @@ TEST(StoreGate, ThreadWhoseBlockAnotherEndedHasNoPass)
     former.close(gate);
     former.send(gate);
     EXPECT_TRUE(former.isThrough(passing));
+    gate.open();
+    former.close(gate);
+    other.send(gate);
+    EXPECT_FALSE(other.isThrough(waiting));
+    EXPECT_TRUE(other.answers(passing));
     former.open(gate);
+    EXPECT_TRUE(other.isThrough(passing));
+}
+
+TEST(StoreGate, WaitsForWhatIsUnderWayButNotForEver)
+{
+    StoreGate gate;
+    {
+        const StoreGate::Passage passage(gate);
+        const QDeadlineTimer deadline(waiting);
+        gate.waitUntilIdle(waiting);
+        EXPECT_TRUE(deadline.hasExpired());
+    }
+    const QDeadlineTimer deadline(passing);
+    gate.waitUntilIdle(passing);
+    EXPECT_FALSE(deadline.hasExpired());
 }
 
 } // namespace

@@ -21,6 +21,8 @@ TEST_F(Objects, BatchGoesOnAfterAFailure)
     EXPECT_TRUE(store.setSubObjectMetadata(0, 0x2000, 3, {{u"a"_s, u"b"_s}}));
     ASSERT_EQ(store.getAllSubIndices(0).size(), 3);
     EXPECT_EQ(store.getAllSubIndices(0).last().data.metadata.value(u"a"_s), u"b"_s);
+    EXPECT_TRUE(store.addNode(1, {}) && store.getAllSubIndices(1).isEmpty());
+    EXPECT_TRUE(store.addSubIndex(0, 0x2000, 5, {}) && store.getAllSubIndices(1).isEmpty());
 }
 
 TEST_F(Objects, CopyBetweenProjects)

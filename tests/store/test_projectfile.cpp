@@ -3,6 +3,7 @@
 #include "store/storetest.h"
 
 #include "store/workingcopies.h"
+#include "support/smalldisk.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
@@ -108,6 +109,33 @@ TEST_F(ProjectFile, DamagedWorkingCopyIsNotSaved)
     EXPECT_EQ(TestSupport::readFile(file), whole);
     ASSERT_TRUE(store.openDataBase(file));
     EXPECT_TRUE(store.saveDatabase({}));
+}
+
+TEST_F(ProjectFile, WorkingCopyThatCouldNotBeWrittenIsNotSaved)
+{
+    const QString file = path(u"a.ncxp"_s);
+    ASSERT_TRUE(store.saveDatabase(file));
+    const QByteArray whole = TestSupport::readFile(file);
+    {
+        const TestSupport::SmallDisk disk(4096);
+        EXPECT_FALSE(store.setGeneralSetting(u"k"_s, QString(100000, u'x')));
+    }
+    EXPECT_FALSE(exec(u"a failure of another kind"_s));
+    EXPECT_FALSE(store.saveDatabase({}));
+    EXPECT_EQ(TestSupport::readFile(file), whole);
+}
+
+TEST_F(ProjectFile, SaveThroughALinkReachesTheFileBehindIt)
+{
+    const QString file = path(u"a.ncxp"_s);
+    const QString link = path(u"link.ncxp"_s);
+    TestSupport::writeFile(file, "what stood here");
+    ASSERT_TRUE(QFile::link(file, link));
+    ASSERT_TRUE(store.saveDatabase(link));
+    EXPECT_TRUE(QFileInfo(link).isSymLink());
+    EXPECT_TRUE(TestSupport::readFile(file).startsWith("SQLite format 3"));
+    EXPECT_EQ(TestSupport::readFile(link + u".bak"_s), "what stood here");
+    EXPECT_FALSE(QFile::exists(file + u".bak"_s));
 }
 
 TEST_F(ProjectFile, WizardProfileMarksItsSubObjects)

@@ -62,9 +62,17 @@ TEST_F(StatementLayer, CommitThatFailsIsAFailure)
         EXPECT_FALSE(scope.commit());
         EXPECT_EQ(keys(), QStringList());
     }
-    Step step(store);
-    set(u"b"_s);
-    EXPECT_TRUE(step.commit());
+    {
+        Step step(store);
+        set(u"b"_s);
+        EXPECT_TRUE(step.commit());
+    }
+    EXPECT_FALSE(store.isDamaged());
+    {
+        const Batch batch(store);
+        EXPECT_TRUE(exec(u"insert into children values(7)"_s));
+    }
+    EXPECT_TRUE(store.isDamaged());
 }
 
 TEST_F(StatementLayer, ScopeAroundAnotherFileDoesNothing)

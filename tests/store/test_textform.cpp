@@ -5,14 +5,12 @@
 #include "store/databasetextconverter.h"
 #include "store/metadatablob.h"
 #include "support/datacases.h"
+#include "support/smalldisk.h"
 #include "texttools/settingstext.h"
 
 #include <QBuffer>
 #include <QRandomGenerator>
 #include <QSettings>
-
-#include <csignal>
-#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 using namespace TestSupport;
@@ -295,16 +293,10 @@ TEST_F(TextForm, FailedWriteLeavesTheFileBeforeIt)
     DatabaseTextConverter converter;
     converter.setStore(&store);
     converter.setOutputFile(file);
-    rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    const rlimit small{10000, limit.rlim_max};
-    auto *const handler = std::signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &small);
-    const bool reported = converter.convertSqlToText();
-    setrlimit(RLIMIT_FSIZE, &limit);
-    std::signal(SIGXFSZ, handler);
-
-    EXPECT_TRUE(reported && converter.writeFailed());
+    {
+        const SmallDisk disk(10000);
+        EXPECT_TRUE(converter.convertSqlToText() && converter.writeFailed());
+    }
     EXPECT_EQ(TestSupport::readFile(file), before);
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{u"kept.ncxt"_s});
     EXPECT_TRUE(converter.convertSqlToText() && !converter.writeFailed());
