@@ -263,9 +263,12 @@ std::optional<UdsBlocks> UdsBlocks::collect(ObjectDataBase &store)
     UdsBlocks uds;
     uds.version = std::max<quint8>(1, static_cast<quint8>(settings.number(u"udsserver_version"_s)));
     uds.bootloader = settings.isOn(u"uds_bl_setting"_s);
-    uds.multiLine = lines.size() > 1 || store.getMiscSetting(u"generateML"_s) == "true"_L1;
+    uds.multiLine = LineSettings::severalLines(store);
+    const QList<quint8> partaking = LineSettings::partakingLines(store);
     for (qsizetype i = 0; i < lines.size(); ++i) {
         const quint8 line = lines.at(i);
+        if (!partaking.contains(line))
+            continue;
         uds.lines.append({
             .line = line,
             .clients = settings.number(u"uds_client_cnt"_s, line),

@@ -85,13 +85,8 @@ void DefineCollector::collect()
 {
     model_.canFd = model_.isSet(u"canfd_supported"_s);
     std::vector<LineDictionary> dictionaries;
-    for (const quint8 number : LineSettings::stackLines(store_)) {
-        LineDictionary dictionary(store_, number, 0);
-        if (dictionary.takesPart(RunContext::protocolsOf(store_, number)))
-            dictionaries.push_back(std::move(dictionary));
-    }
-    if (dictionaries.empty())
-        dictionaries.emplace_back(store_, quint8{0}, quint16{0});
+    for (const quint8 number : LineSettings::partakingLines(store_))
+        dictionaries.emplace_back(store_, number, quint16{0});
     model_.severalLines = dictionaries.size() > 1 || model_.options.generateMultiLine;
 
     for (const LineDictionary &dictionary : dictionaries) {

@@ -7,6 +7,7 @@
 #include "generate/common/udsblocks.h"
 #include "generate/j1939/externdecl.h"
 #include "generate/j1939/pgnsections.h"
+#include "generate/model/linesettings.h"
 #include "store/objectdatabase.h"
 #include "store/settings.h"
 
@@ -140,7 +141,7 @@ QString PGNGenerator::fileName() const
 void PGNGenerator::write(QTextStream &stream)
 {
     const Dialect &dialect = Dialect::of(form_);
-    const Content content = collect(*database(), outputFolder(), dialect, isMultiLine() || generatesMultiLine());
+    const Content content = collect(*database(), outputFolder(), dialect, LineSettings::severalLines(*database()));
 
     CodeWriter out(stream);
     writeFileHeader(out, SourceFile::GenPgn, form_, baseName());

@@ -120,7 +120,7 @@ SafetyGroups SafetyGroups::collect(ObjectDataBase &store, const Dialect &dialect
                         .sendersApart = keepsSendersApart(store, dialect),
                         .loopCounter = j1939.number(u"sdm_loop_counter"_s)};
     KnownVariables known;
-    for (const quint8 line : LineSettings::stackLines(store)) {
+    for (const quint8 line : LineSettings::partakingLines(store)) {
         Line groups{.number = line};
         if (RunContext::protocolsOf(store, line).j1939 && j1939.isOn(u"safetysupport"_s, line)) {
             const QList<LineMessage> messages = LineMessages::parameterGroups(store, line);

@@ -4,6 +4,7 @@
 #include "generate/base/dialect.h"
 #include "generate/common/sourceopening.h"
 #include "generate/j1939/safetysections.h"
+#include "generate/model/linesettings.h"
 #include "store/objectdatabase.h"
 #include "store/settings.h"
 
@@ -73,7 +74,7 @@ QString SDMGenerator::templatePath(bool multiLine, bool fd) const
 void SDMGenerator::write(QTextStream &stream)
 {
     const Dialect &dialect = Dialect::of(form_);
-    const bool multiLine = isMultiLine() || generatesMultiLine();
+    const bool multiLine = LineSettings::severalLines(*database());
     const SafetyGroups groups = SafetyGroups::collect(*database(), dialect, multiLine);
     const QString information = sourceTitle(SourceFile::GenSdg, form_, baseName()) + u'\n';
     const SourceOpening opening = SourceOpening::of(*database(), outputFolder());

@@ -70,7 +70,8 @@ void readLines(DictionaryTables &tables, ObjectDataBase &store)
     }
     if (tables.lineList.empty())
         tables.lineList.push_back(0);
-    tables.multiLine = tables.options.multiLine || tables.line(1) || store.getMiscSetting(u"generateML"_s) == "true"_L1;
+    tables.multiLine = tables.options.serverMode ? tables.line(1) || store.getMiscSetting(u"generateML"_s) == "true"_L1
+                                                 : LineSettings::severalLines(store);
 }
 
 /// The objects that the mapping of SRDOs names: 0xIIIISSLL in each subindex of a mapping object.

@@ -100,7 +100,6 @@ struct DictionaryOptions
 {
     bool compactDescription = false; ///< equal subindices at the end of an object share a row
     bool serverMode = false;         ///< the SDO server beside J1939 (CAM11/CAM21): no start-up, no PDO tables
-    bool multiLine = false;          ///< the project has several lines, of whatever protocols
 };
 
 /// The object dictionary of a project as the generated sources hold it: read from the store once and computed whole,
@@ -108,7 +107,8 @@ struct DictionaryOptions
 struct DictionaryTables
 {
     DictionaryOptions options;
-    /// Functions carry the line: the options say so, line 1 has objects, or MiscSettings `generateML` is "true".
+    /// Functions carry the line, see `LineSettings::severalLines`; those of a server, if line 1 has objects or
+    /// MiscSettings `generateML` is "true".
     bool multiLine = false;
     /// The lines that are devices, ascending; line 0 if there is none.
     std::vector<quint8> lineList;

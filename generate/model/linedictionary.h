@@ -1,7 +1,6 @@
 #pragma once
 
 #include "nodedict/codes.h"
-#include "store/lineprotocols.h"
 #include "store/storerecords.h"
 
 #include <QList>
@@ -69,12 +68,6 @@ public:
     const StoreRecords::SubEntry *entry(quint16 index, quint8 subindex) const;
     const QList<StoreRecords::SubEntry> &entries() const { return entries_; }
     quint32 value(quint16 index, quint8 subindex) const { return defaultNumber(sub(index, subindex)); }
-    /// Whether the stack has the line: a CANopen line without objects is left out everywhere.
-    bool takesPart(const LineProtocols &protocols) const
-    {
-        constexpr quint16 first = CANopen::Index::firstCommunicationObject;
-        return protocols.j1939 || protocols.rawCan || (!objects.empty() && objects.back().index >= first);
-    }
 
     quint8 number = 0;
     std::vector<LineObject> objects{}; ///< ascending

@@ -14,6 +14,24 @@ QList<quint8> LineSettings::stackLines(ObjectDataBase &store)
     return lines;
 }
 
+QList<quint8> LineSettings::partakingLines(ObjectDataBase &store)
+{
+    constexpr quint16 firstObject = 0x1000;
+    constexpr quint16 lastObject = 0xFFFF;
+    QList<quint8> lines = stackLines(store);
+    lines.removeIf([&](quint8 line) {
+        const LineProtocols protocols = LineProtocols::ofLine(store, line);
+        return !protocols.j1939 && !protocols.rawCan && store.getIndexList(line, firstObject, lastObject).isEmpty();
+    });
+    return lines.isEmpty() ? QList<quint8>{0} : lines;
+}
+
+bool LineSettings::severalLines(ObjectDataBase &store)
+{
+    return store.getMiscSetting(QStringLiteral("generateML")) == QLatin1StringView("true") ||
+           partakingLines(store).size() > 1;
+}
+
 quint32 LineSettings::number(const QString &text)
 {
     return NumberText::byPrefix(text).value_or(0);

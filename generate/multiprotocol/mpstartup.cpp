@@ -43,7 +43,7 @@ MpStartUp MpStartUp::collect(ObjectDataBase &store, const MultiProtocols &protoc
                       .formerServiceValues = !settings.isOn(u"new_init_structure"_s),
                       .safety = pgns.safety,
                       .canOpen = &canOpen};
-    for (const quint8 number : LineSettings::stackLines(store)) {
+    for (const quint8 number : LineSettings::partakingLines(store)) {
         Line line{.number = number, .protocols = RunContext::protocolsOf(store, number)};
         line.protocols.rawCan = line.protocols.rawCan && protocols.rawCan;
         if (!line.protocols.any() && !protocols.rawCanOnly())

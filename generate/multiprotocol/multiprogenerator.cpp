@@ -4,10 +4,10 @@
 #include "generate/base/dialect.h"
 #include "generate/common/commongeneratorhelper.h"
 #include "generate/common/sourceopening.h"
+#include "generate/j1939/externdecl.h"
 #include "generate/j1939/pgnsections.h"
 #include "generate/model/linesettings.h"
 #include "generate/multiprotocol/rawcansections.h"
-#include "generate/j1939/externdecl.h"
 #include "generate/names/indicationpointers.h"
 #include "generate/names/indications.h"
 #include "generate/objdict/objdictsections.h"
@@ -18,6 +18,7 @@
 
 #include <QTextStream>
 
+#include <algorithm>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -35,20 +36,22 @@ struct Content
 };
 
 /// A bootloader of one line gets no gen_extern_decl.h; it may map variables all the same.
-void collectDeclarations(Content &content, ObjectDataBase &store, const MultiProtocols &protocols,
+void collectDeclarations(Content &content, ObjectDataBase &store, const MultiProtocols &protocols, bool bootloader,
                          const Dialect &dialect)
 {
-    const bool bootloader = Settings(store).isOn(u"uds_bl_setting"_s) && !content.pgns.multiLine;
     content.externDeclarations = !protocols.udsOnly && !bootloader;
     if (bootloader && !protocols.udsOnly && content.pgns.usesApplicationVariables)
         content.ownDeclarations = ExternDeclarations::collect(store, dialect);
 }
 
-/// The protocols that the file starts. A bootloader's header leaves out raw CAN, which its stack then does not have.
+/// The protocols that the file starts. A bootloader's header leaves out raw CAN, which its stack then does not have,
+/// and no line has CANopen where none of its lines takes part.
 MultiProtocols startedProtocols(ObjectDataBase &store, MultiProtocols protocols, const Dialect &dialect)
 {
     if (dialect.has(Point::BootloaderBuffers) && Settings(store).isOn(u"uds_bl_setting"_s))
         protocols.rawCan = false;
+    protocols.canOpen = std::ranges::any_of(LineSettings::partakingLines(store),
+                                            [&](quint8 line) { return RunContext::protocolsOf(store, line).canOpen; });
     return protocols;
 }
 
@@ -166,20 +169,20 @@ void MultiProGenerator::write(QTextStream &stream)
 {
     const Dialect &dialect = Dialect::of(form_);
     ObjectDataBase &store = *database();
-    const bool multiLine = isMultiLine() || generatesMultiLine();
+    const bool multiLine = LineSettings::severalLines(*database());
     const MultiProtocols protocols = startedProtocols(store, protocols_, dialect);
     const auto scope = protocols.rawCan ? PgnTables::Scope::AllMessages : PgnTables::Scope::J1939Only;
     Content content{.opening = SourceOpening::of(store, outputFolder()),
                     .pgns = PgnTables::collect(store, dialect, multiLine, scope)};
-    content.dictionary =
-        collectDictionaryTables(store, {.compactDescription = compactDescription_, .multiLine = multiLine});
+    content.dictionary = collectDictionaryTables(store, {.compactDescription = compactDescription_});
     if (!content.dictionary.error.isEmpty()) {
         fail(OutputError, content.dictionary.error);
         return;
     }
     if (protocols.canOpen)
         warn(mappingWarnings(content.dictionary));
-    collectDeclarations(content, store, protocols, dialect);
+    const bool bootloader = Settings(store).isOn(u"uds_bl_setting"_s) && !isMultiLine();
+    collectDeclarations(content, store, protocols, bootloader, dialect);
     if (!protocols.rawCan || protocols.udsOnly)
         warn(leftOutCanIds(store, fileName()));
 
@@ -209,7 +212,7 @@ void MultiProGenerator::write(QTextStream &stream)
 
 void MultiProGenerator::writeCompanions()
 {
-    const bool multiLine = isMultiLine() || generatesMultiLine();
+    const bool multiLine = LineSettings::severalLines(*database());
     const bool wanted = Settings(*database()).isOn(u"generate_string_defaults"_s);
     const QString error = updateUserHeader(outputFolder(), baseName(), wanted, multiLine);
     if (!error.isEmpty())

@@ -3,7 +3,6 @@
 #include "generate/base/codewriter.h"
 #include "generate/base/dialect.h"
 #include "generate/base/runcontext.h"
-#include "generate/model/linedictionary.h"
 #include "generate/model/linesettings.h"
 #include "generate/names/indications.h"
 #include "store/objectdatabase.h"
@@ -100,15 +99,6 @@ void writePrototype(CodeWriter &out, const Prototype &prototype, const QString &
         out(u"#endif");
 }
 
-/// The stack then has functions for one of several lines; see `CAN_MULTI_LINE`.
-bool hasSeveralLines(ObjectDataBase &store)
-{
-    const QList<quint8> lines = LineSettings::stackLines(store);
-    return std::ranges::count_if(lines, [&](quint8 line) {
-               return LineDictionary(store, line).takesPart(RunContext::protocolsOf(store, line));
-           }) > 1;
-}
-
 } // namespace
 
 QString IndicationHeaderGenerator::fileName() const
@@ -120,7 +110,7 @@ void IndicationHeaderGenerator::write(QTextStream &stream)
 {
     Collector collector(*database(), dialect_, sources_);
     const QList<Prototype> prototypes = collector.collect();
-    const bool multiLine = generatesMultiLine() || hasSeveralLines(*database());
+    const bool multiLine = LineSettings::severalLines(*database());
     CodeWriter out(stream);
     // The file has no date: it stays the same for as long as its functions do.
     out(uR"(

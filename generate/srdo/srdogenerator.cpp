@@ -3,6 +3,7 @@
 #include "generate/base/codewriter.h"
 #include "generate/base/fileheader.h"
 #include "generate/common/sourceopening.h"
+#include "generate/model/linesettings.h"
 #include "generate/srdo/srdosections.h"
 #include "store/objectdatabase.h"
 #include "store/settings.h"
@@ -80,7 +81,7 @@ QString SrdoGeneratorStatic::prototypePath(bool /*multiLine*/) const
 
 void SrdoGenerator::write(QTextStream &stream)
 {
-    const bool multiLine = isMultiLine() || generatesMultiLine();
+    const bool multiLine = LineSettings::severalLines(*database());
     const SrdoTables tables = SrdoTables::collect(*database(), multiLine, staticData_);
     TemplateValues values;
     for (const Placeholder &placeholder : placeholders)

@@ -355,7 +355,7 @@ const QList<SrdoTables::TypeKind> &SrdoTables::typeKinds()
 SrdoTables SrdoTables::collect(ObjectDataBase &store, bool multiLine, bool staticData)
 {
     std::vector<LineDictionary> lines;
-    for (const quint8 line : LineSettings::stackLines(store))
+    for (const quint8 line : LineSettings::partakingLines(store))
         lines.emplace_back(store, line);
     SrdoTables tables{.multiLine = multiLine, .lineCount = static_cast<qsizetype>(lines.size())};
     Collector collector(namesOfProject(store, lines), tables);

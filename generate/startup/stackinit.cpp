@@ -21,11 +21,12 @@ void writeServerModeInit(CodeWriter &out, const DictionaryTables &tables)
         out(uR"(
             RET_T	j1939OdInit(void)
             {
-            	coOdInitOdPtr(&od_assign[0], CO_OD_ASSIGN_CNT, &od_description[0], CO_OBJ_DESC_CNT, NULL, &od_data_variables);
+            	coOdInitOdPtr(${ASSIGN}, CO_OD_ASSIGN_CNT, &od_description[0], CO_OBJ_DESC_CNT, NULL, &od_data_variables);
 
             	return(RET_OK);
             }
-            )");
+            )",
+            {{"ASSIGN", tables.lines.empty() ? u"NULL"_s : u"&od_assign[0]"_s}});
         return;
     }
     out(uR"(
