@@ -69,6 +69,14 @@ QString timerAlias(const DefineModel & /*model*/, Key /*key*/)
     return u"CO_TIMER_INTERVAL"_s;
 }
 
+/// What the section of CANopen tells of the object dictionary, for the SDO server of a device that has no such section.
+template <QString (*rule)(const DefineModel &, Key)>
+QString ofServer(const DefineModel &model, Key key)
+{
+    const bool servesAlone = !model.options.multiProtocol && model.isJ1939Set(u"cia510serversupport"_s);
+    return servesAlone ? rule(model, key) : QString();
+}
+
 template <const char *condition, const char *keyOfMessage>
 Family diagnosticMessages(const DefineModel &model)
 {
@@ -160,6 +168,9 @@ constexpr std::array j1939Macros{
     Macro{"CO_EVENT_DYNAMIC_SDO_SERVER_WRITE"_L1, usesSdo},
     Macro{"CO_EVENT_DYNAMIC_SDO_CLIENT_READ"_L1, usesSdo},
     Macro{"CO_EVENT_DYNAMIC_SDO_CLIENT_WRITE"_L1, usesSdo},
+    Macro{"CO_CONFIG_LIMIT_CHECK"_L1, ofServer<isSet>, "limit_check"_L1},
+    Macro{"CO_EXTENDED_DATA_TYPES"_L1, ofServer<dictionaryHas<&DefineModel::Dictionary::wideTypes>>},
+    Macro{"CO_UTF8_DATA_TYPE"_L1, ofServer<dictionaryHas<&DefineModel::Dictionary::utf8>>},
 };
 
 constexpr std::array closingCobMacros{
