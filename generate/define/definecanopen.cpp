@@ -104,19 +104,20 @@ QString layerSettingMaster(const DefineModel &model, Key key)
     return flag(model.isSet(key) && model.isSet(u"nmtmaster"_s));
 }
 
-/// A classic stack takes the routes of its lines from a setting.
+/// A classic stack takes the routes of its lines from a setting. Where that has none the objects count, which the
+/// mapping tables go by.
 QString routes(const DefineModel &model, Key key)
 {
     quint32 sum = 0;
     for (const LineCounts &line : model.lines)
         sum += model.number(key, line);
-    return countOf(sum);
+    return countOf(sum > 0 ? sum : model.total(&Counts::networkRoutes));
 }
 
 QString routesPerLine(const DefineModel &model, Key key)
 {
-    if (routes(model, key).isEmpty())
-        return {};
+    if (!model.isSet(key))
+        return perLineIfAny<&Counts::networkRoutes>(model, key);
     return listOf(
         model, [&](const LineCounts &line) { return decimal(model.number(key, line)); }, ", "_L1);
 }
