@@ -46,7 +46,7 @@ Check::Check(ObjectDataBase &store, CheckReport &report, quint8 line, Options op
 
 bool Check::correct(quint16 index, quint8 subindex, const StoreRecords::SubIndexData &data, const QString &text)
 {
-    if (!store().addSubIndex(line_.number(), index, subindex, data))
+    if (!store().addSubIndex(line_.number(), index, subindex, data, Quotes::Kept))
         return false;
     line_.replace(index, subindex, data);
     info("<i>Corrected: "_L1 + text);

@@ -29,8 +29,6 @@ constexpr std::array<quint16, 40> objectTypes{5,  5,  5,  5,  6,  6,   6,   7,  
 constexpr std::array<quint16, 18> signalTypes{1, 2, 3, 4, 5, 6, 7, 8, 22, 27, 100, 105, 109, 118, 120, 121, 10, 106};
 /// What safety data and safety objects can be.
 constexpr std::array<quint16, 9> safeSignalTypes{1, 5, 6, 7, 22, 100, 102, 105, 109};
-/// What the header of a device without CANopen has room for.
-constexpr std::array<quint16, 10> serverObjectTypes{1, 2, 3, 4, 5, 6, 7, 8, 9, 15};
 constexpr std::array<quint16, 7> safeObjectTypes{5, 6, 7, 2, 3, 4, 8};
 
 bool isText(quint16 dataType)
@@ -78,8 +76,6 @@ RandomProject::RandomProject(quint32 seed)
     if (std::ranges::any_of(lineTypes_, hasJ1939)) {
         addBlock(u"j1939"_s);
         server_ = std::ranges::count(lineTypes_, 2) == lineCount_ && chance(50);
-        if (server_) // whose header does not tell of limits
-            add(u"general limit_check = 0"_s);
         if (server_ || std::ranges::count(lineTypes_, 2) < lineCount_)
             add(u"j1939 cia510serversupport = %1"_s.arg(server_ || chance(40) ? 1 : 0));
         if (safety_)
@@ -158,7 +154,7 @@ QString RandomProject::value(quint16 dataType)
 
 quint16 RandomProject::objectType()
 {
-    return server_ ? oneOf(serverObjectTypes) : oneOf(objectTypes);
+    return oneOf(objectTypes);
 }
 
 void RandomProject::addLine(int type)

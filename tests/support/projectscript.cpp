@@ -109,7 +109,7 @@ void ProjectScript::run(const QString &command)
         StoreRecords::SubIndexData data;
         store_->getSubIndex(line_, index, subindex, data);
         assign(data, rest.section(u' ', 1));
-        store_->addSubIndex(line_, index, subindex, data);
+        store_->addSubIndex(line_, index, subindex, data, Quotes::Kept);
     } else if (word == "remove"_L1) {
         const auto [index, subindex] = address(rest);
         rest.contains(u':') ? store_->removeSubIndex(line_, index, subindex) : store_->removeIndex(line_, index);

@@ -84,10 +84,11 @@ Reply addLineOfType(const ToolCall &call, CAN::LineType type)
     ObjectDataBase::NODE_DATA_T data;
     data.name = call.text(name.name);
     data.ismaster = call.flag(isMaster.name);
-    call.store().addNode(line, data);
-    if (!call.store().nodeExists(line))
+    ObjectDataBase::Step step(call.store());
+    if (!call.store().addNode(line, data) ||
+        !call.store().setGeneralSetting(u"line%1type"_s.arg(line), QString::number(static_cast<int>(type))) ||
+        !step.commit())
         return Reply::refusal(u"Failed to add line %1."_s.arg(line));
-    call.store().setGeneralSetting(u"line%1type"_s.arg(line), QString::number(static_cast<int>(type)));
     return call.edited(u"Line %1 added."_s.arg(line));
 }
 
