@@ -3,11 +3,11 @@
 #include "check/line/numericsettings.h"
 #include "check/line/storevalue.h"
 #include "check/rules/rulelists.h"
+#include "store/edition.h"
 #include "store/lineprotocols.h"
 #include "store/objectdatabase.h"
 #include "texttools/numbertext.h"
 
-#include <QCoreApplication>
 #include <QSet>
 
 #include <algorithm>
@@ -82,7 +82,7 @@ int minorVersionBefore(ProjectCheck &check)
 /// The tool for CANopen alone comes with a stack that maps its objects by itself.
 bool isCANopenTool()
 {
-    return QCoreApplication::applicationName() == "CANopen NodeComposer"_L1;
+    return currentEdition() == Edition::CanOpen;
 }
 
 bool hasSeveralProtocols(ObjectDataBase &store)

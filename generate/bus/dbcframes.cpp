@@ -1,8 +1,8 @@
 #include "generate/bus/dbcframes.h"
 
 #include "generate/bus/candb.h"
-#include "generate/common/documentgenerator.h"
 #include "nodedict/canopendatatype.h"
+#include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
 
 #include <QRegularExpression>
@@ -153,7 +153,8 @@ struct StackMessage
 };
 
 constexpr StackMessage stackMessages[] = {
-    {60928, "Address Claiming"_L1, "This PGN is used to send the Address Claiming."_L1, nameSignals, false},
+    {J1939::addressClaim, "Address Claiming"_L1, "This PGN is used to send the Address Claiming."_L1, nameSignals,
+     false},
     {59392, "Acknowledge_Message"_L1, ""_L1, acknowledgeSignals, false},
     {65226, "Diagnostic_Message_1"_L1, ""_L1, lampSignals, true},
 };
@@ -242,7 +243,7 @@ void DbcFrames::add(DbcFrame frame, const LineMessage &message)
                               .isSigned = isSigned(signal.datatype),
                               .valueType = valueType(signal.datatype),
                               .isText = isCharacterType(signal.datatype),
-                              .isApplicationVariable = signal.implementation == DocumentWords::applicationVariable,
+                              .isApplicationVariable = signal.implementation == CANopen::Implementation::Variable,
                               .variable = signal.varname};
         if (added.bits > 0)
             addSignal(place, added, message);

@@ -24,8 +24,6 @@ namespace DocumentWords {
 
 /// "Managed Variable", "Managed Const", "Variable", "Virtual Object"; the number for another code.
 QString implementation(quint8 code);
-/// The code of a variable that the application owns.
-inline constexpr quint8 applicationVariable = 2;
 /// Frame format of ISO 11898-1: "Standard" with 11 bits of identifier, "Extended" with 29.
 QString frameFormat(bool isExtended);
 

@@ -6,12 +6,12 @@
 #include "generate/model/linesettings.h"
 #include "store/objectdatabase.h"
 #include "store/settings.h"
+#include "texttools/numbertext.h"
 
 #include <algorithm>
 #include <array>
 
 using namespace Qt::StringLiterals;
-using LineSettings::number;
 
 namespace {
 
@@ -40,6 +40,11 @@ constexpr std::array subFunctions{
 
 constexpr std::array addressFormats{"ISOTP_FORMAT_NORMAL"_L1, "ISOTP_FORMAT_NORMAL_FIXED"_L1,
                                     "ISOTP_FORMAT_EXTENDED"_L1};
+
+quint32 number(const QString &text)
+{
+    return NumberText::byPrefix(text).value_or(0);
+}
 
 QString sessionName(quint32 session)
 {

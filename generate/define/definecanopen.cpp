@@ -2,12 +2,14 @@
 
 #include "generate/define/definerules.h"
 #include "nodedict/canopendatatype.h"
+#include "nodedict/codes.h"
 
 #include <array>
 
 using namespace Qt::StringLiterals;
 using namespace DefineMacros;
 using namespace DefineRules;
+namespace Index = CANopen::Index;
 
 namespace {
 
@@ -173,7 +175,7 @@ constexpr std::array serviceMacros{
     Macro{"CO_LSS_SUPPORTED"_L1, isSet, "lss_supported"_L1},
     Macro{"CO_LSS_INQUIRY_SERVICES"_L1, isSet, "lss_inquiry_supported"_L1},
     Macro{"CO_IDNEGO_SUPPORTED"_L1, isSet, "idnego_supported"_L1},
-    Macro{"CO_GFC_SUPPORTED"_L1, hasObject<0x1300>},
+    Macro{"CO_GFC_SUPPORTED"_L1, hasObject<Index::globalFailSafe>},
     Macro{"CO_DYNAMIC_OBJDIC"_L1, isSet, "dynod"_L1},
     Macro{"CO_EVENT_CSDO_DOMAIN_WRITE"_L1, isSet, "csdo_write_special"_L1},
     Macro{"CO_EMCY_NETWORKING"_L1, isSet, "emcy_routing"_L1},
@@ -231,21 +233,21 @@ constexpr std::array serviceMacros{
     Macro{"CO_REC_PDO_DYN_MAP_ENTRIES"_L1, dictionaryCount<&Dictionary::dynamicRxMappings>},
     Macro{"CO_PDO_BIT_MAPPING"_L1, isSet, "bitwise_mapping"_L1},
     Macro{"CO_HB_CONSUMER_CNT"_L1, totalIfAny<&Counts::errorControls>},
-    Macro{"CO_SYNC_SUPPORTED"_L1, hasObject<0x1005>},
+    Macro{"CO_SYNC_SUPPORTED"_L1, hasObject<Index::syncCobId>},
     Macro{"CO_BOOTUP_MANAGER"_L1, isSet, "bootup_manager"_L1},
     Macro{"CO_SLAVE_ASSIGNMENT_CNT"_L1, totalIfAny<&Counts::assignedSlaves>},
     Macro{"CO_MAX_SLAVE_ASSIGNMENT_CNT"_L1, totalIfAny<&Counts::maxAssignedSlaves>},
     Macro{"CO_GUARDING_CNT"_L1, totalIfAny<&Counts::maxAssignedSlaves>},
     Macro{"CO_CFG_MANAGER"_L1, isSet, "config_manager"_L1},
-    Macro{"CO_EMCY_PRODUCER"_L1, hasObject<0x1014>},
-    Macro{"CO_SRD_SUPPORTED"_L1, hasObject<0x1F10>},
-    Macro{"CO_GUARDING_SLAVE"_L1, hasObject<0x100C>},
+    Macro{"CO_EMCY_PRODUCER"_L1, hasObject<Index::emcyCobId>},
+    Macro{"CO_SRD_SUPPORTED"_L1, hasObject<Index::slaveReset>},
+    Macro{"CO_GUARDING_SLAVE"_L1, hasObject<Index::guardTime>},
     Macro{"CO_AUTO_STORE_HANDLED_BY_APPLICATION"_L1, isSet, "1010autostore_by_application"_L1},
-    Macro{"CO_STORE_SUPPORTED"_L1, hasObject<0x1010, 0x1011>},
+    Macro{"CO_STORE_SUPPORTED"_L1, hasObject<Index::storeParameters, Index::restoreParameters>},
     Macro{"CO_EMCY_CONSUMER_CNT"_L1, totalIfAny<&Counts::emergencyConsumers>},
     Macro{"CO_EMCY_ERROR_HISTORY"_L1, totalIfAny<&Counts::errorHistory>},
     Macro{"CO_EMCY_ACTIVE_ERROR_LIST"_L1, totalIfAny<&Counts::activeErrors>},
-    Macro{"CO_TIME_SUPPORTED"_L1, hasObject<0x1012>},
+    Macro{"CO_TIME_SUPPORTED"_L1, hasObject<Index::timeCobId>},
     Macro{"CO_SDO_BLOCK"_L1, isSet, "sdo_blocktransfer_supported"_L1},
     Macro{"CO_SDO_BLOCK_SIZE"_L1, given<blockTransfer, value>, "sdo_blocktransfer_block_size"_L1},
     Macro{"CO_SDO_BLOCK_MIN_SIZE"_L1, given<blockTransfer, value>, "sdo_blocktransfer_min_data"_L1},

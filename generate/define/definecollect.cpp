@@ -7,6 +7,7 @@
 #include "generate/model/linesettings.h"
 #include "nodedict/canopendatatype.h"
 #include "store/objectdatabase.h"
+#include "texttools/numbertext.h"
 
 #include <QRegularExpression>
 
@@ -184,7 +185,7 @@ void DefineCollector::countGroups(LineCounts &line)
     for (const LineMessage &message : LineMessages::parameterGroups(store_, line.number)) {
         const StoreRecords::PGN &group = message.head;
         const bool received = !message.isTransmitted();
-        if (group.number == LineMessages::addressClaim)
+        if (group.number == J1939::addressClaim)
             continue;
         quint32 &groups = received ? line.receivedPgns : line.transmittedPgns;
         quint32 &safetyGroups = received ? line.receivedSafetyGroups : line.transmittedSafetyGroups;
@@ -277,7 +278,7 @@ void DefineCollector::readNetworkStart(const LineDictionary &dictionary)
 
     const quint8 currentLine = store_.currentLine();
     store_.setCurrentLine(dictionary.number);
-    if (LineSettings::number(store_.getDescriptionSetting(u"SelfStarting"_s)) > 0)
+    if (NumberText::byPrefix(store_.getDescriptionSetting(u"SelfStarting"_s)).value_or(0) > 0)
         model_.dictionary.selfStarting = true;
     store_.setCurrentLine(currentLine);
 }
@@ -329,7 +330,7 @@ void DefineCollector::readAuthentication()
         for (const ObjectDataBase::UDSService &service : store_.getUDSServices(line.number)) {
             const QStringList roles = store_.getUDSServiceAuthentication(line.number, service.sid).split(u',');
             model_.authentication |= service.active && std::ranges::any_of(roles, [](const QString &role) {
-                                         return LineSettings::number(role) != 0;
+                                         return NumberText::byPrefix(role).value_or(0) != 0;
                                      });
         }
     }

@@ -5,8 +5,8 @@
 #include "generate/base/fileheader.h"
 #include "generate/define/definerules.h"
 #include "generate/define/usersection.h"
+#include "store/edition.h"
 
-#include <QCoreApplication>
 #include <QIODevice>
 #include <QSet>
 #include <QTextStream>
@@ -135,7 +135,7 @@ void Writer::writeTarget(int number, bool isOnly, bool conditional, bool active)
     }
     for (const DefineMacros::TargetMacro &macro : DefineMacros::targets()) {
         const QString value = setting(macro.key, macro.suffix);
-        if (!macro.isSwitch || LineSettings::number(value) == 1)
+        if (!macro.isSwitch || NumberText::byPrefix(value) == 1U)
             out_(u"#define ${NAME}\t${VALUE}",
                  {{"NAME", DefineMacros::nameIn(macro.name, dialect_)}, {"VALUE", DefineRules::valueText(value)}});
     }
@@ -162,11 +162,6 @@ void Writer::writeUserDefines()
 
             )",
              {{"DEFINES", defines}});
-}
-
-bool isEnergyBusTool()
-{
-    return QCoreApplication::applicationName() == "EnergyBus NodeAssistant"_L1;
 }
 
 } // namespace
@@ -203,7 +198,7 @@ void DefineHeaderGenerator::write(QTextStream &stream)
     if (!j1939_ || multiProtocol_) {
         writer.write(DefineMacros::canOpen());
         Q_EMIT progress(50);
-        if (isEnergyBusTool())
+        if (currentEdition() == Edition::EnergyBus)
             writer.write(DefineMacros::energyBus());
         writer.write(DefineMacros::events());
         Q_EMIT progress(75);

@@ -3,8 +3,8 @@
 #include "generate/define/definemacros.h"
 
 #include "generate/base/codewriter.h"
-#include "generate/model/linesettings.h"
 #include "texttools/helper.h"
+#include "texttools/numbertext.h"
 
 #include <array>
 #include <functional>
@@ -158,7 +158,7 @@ QString allBuffers(const DefineModel &model, Key /*key*/)
         return bufferOf<member, standard>(model.lines.front());
     quint32 sum = 0;
     for (const LineCounts &line : model.lines)
-        sum += (line.*member).trimmed().isEmpty() ? standard : LineSettings::number(line.*member);
+        sum += (line.*member).trimmed().isEmpty() ? standard : NumberText::byPrefix(line.*member).value_or(0);
     return decimal(sum);
 }
 

@@ -1,5 +1,7 @@
 #include "generate/define/usersection.h"
 
+#include "texttools/numbertext.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QList>
@@ -10,7 +12,6 @@ namespace {
 
 constexpr char counterName[] = "GEN_GENERATION_COUNT";
 constexpr qsizetype suffixLength = 2; // "ul"
-constexpr int automaticBase = 0;
 
 /// The lines with their ends, whichever of the line ends that a project can ask for the file has.
 QList<QByteArray> linesOf(const QByteArray &content)
@@ -29,12 +30,12 @@ QList<QByteArray> linesOf(const QByteArray &content)
     return lines;
 }
 
-/// The number in the last field of the counter's line; `counted` tells whether there is one.
-quint32 generationsOf(const QByteArray &line, bool &counted)
+/// The number in the last field of the counter's line.
+std::optional<quint32> generationsOf(const QByteArray &line)
 {
     QByteArray number = line.trimmed().split('\t').last();
     number.chop(suffixLength);
-    return number.toUInt(&counted, automaticBase);
+    return NumberText::byPrefix(QString::fromLatin1(number));
 }
 
 /// Without its end mark the section would take the end of the file with it.
@@ -72,7 +73,7 @@ FormerDefines FormerDefines::parse(const QByteArray &content)
     };
     FormerDefines former;
     Place place = Place::Before;
-    bool counted = false;
+    std::optional<quint32> generations;
     for (const QByteArray &line : linesOf(content)) {
         if (place == Place::Before && line.contains(startMark))
             place = Place::Inside;
@@ -80,9 +81,10 @@ FormerDefines FormerDefines::parse(const QByteArray &content)
             place = Place::Behind;
         else if (place == Place::Inside)
             former.userSection += line;
-        else if (!counted && line.contains(counterName))
-            former.generations = generationsOf(line, counted);
+        else if (!generations && line.contains(counterName))
+            generations = generationsOf(line);
     }
+    former.generations = generations.value_or(0);
     if (place == Place::Inside)
         former.userSection = withoutEndOfFile(former.userSection);
     return former;

@@ -7,6 +7,7 @@
 #include "generate/model/linesettings.h"
 #include "store/objectdatabase.h"
 #include "store/settings.h"
+#include "texttools/numbertext.h"
 
 #include <QHash>
 #include <QRegularExpression>
@@ -66,11 +67,8 @@ Dimension &dimensionOf(Variable &variable, qsizetype depth)
 /// Makes room for an element; the index may be a macro.
 void addElement(Dimension &dimension, const QString &index)
 {
-    constexpr int automaticBase = 0;
-    bool isNumber = false;
-    const quint32 number = index.toUInt(&isNumber, automaticBase);
-    if (isNumber)
-        dimension.count = std::max(dimension.count, quint64{number} + 1);
+    if (const std::optional<quint32> number = NumberText::byPrefix(index))
+        dimension.count = std::max(dimension.count, quint64{*number} + 1);
     else
         dimension.indices.append(index);
 }

@@ -4,6 +4,7 @@
 #include "generate/base/dialect.h"
 #include "generate/common/commoninit.h"
 #include "generate/common/sourceopening.h"
+#include "generate/common/startupstatements.h"
 #include "generate/common/udsblocks.h"
 #include "generate/j1939/externdecl.h"
 #include "generate/j1939/pgnsections.h"
@@ -61,38 +62,28 @@ void writeOpening(CodeWriter &out, const Content &content, const Dialect &dialec
     SourceSections::watchdogGuard(out, dialect);
 }
 
-void writeCheck(CodeWriter &out, const Dialect &dialect)
-{
-    out(uR"(
-            if (retVal != RET_OK) {
-                return(retVal);
-            }
-            ${CORE}HANDLE_WATCHDOG
-        )",
-        {{"CORE", dialect.core}});
-}
-
 /// Copies the modes of the caller into the common structure.
-void writeModes(CodeWriter &out, bool multiLine)
+void writeModes(CodeWriter &out, const StartUpStatements &statements, bool multiLine)
 {
-    out(u"\tif (pModes != NULL) {");
-    if (multiLine)
-        out(uR"(
-            		for (i = 0; i < CO_MULTI_LINE_CNT; i++)  {
-            			commonInitVars.fdMode[i] = pModes[i];
-            		}
-            )");
-    else
-        out(u"\t\tcommonInitVars.fdMode[0] = pModes[0];");
-    out(u"\t}");
-    if (!multiLine)
+    if (!multiLine) {
+        statements.modes(u"\t"_s, u"\t"_s, {u"commonInitVars"_s}, {u"0"_s});
         out(u"\t(void)i;");
+        return;
+    }
+    out(uR"(
+        	if (pModes != NULL) {
+        		for (i = 0; i < CO_MULTI_LINE_CNT; i++)  {
+        			commonInitVars.fdMode[i] = pModes[i];
+        		}
+        	}
+        )");
 }
 
 void writeInitFunction(CodeWriter &out, const Content &content, const Dialect &dialect)
 {
     const bool fd = content.commonInit.fd;
     const bool multiLine = content.tables.multiLine;
+    const StartUpStatements statements(out, dialect);
     out(uR"(
         /*  J1939 stack initialization function */
         RET_T j1939StackInit(
@@ -112,19 +103,15 @@ void writeInitFunction(CodeWriter &out, const Content &content, const Dialect &d
                                     dialect);
     out(u"");
     if (fd)
-        writeModes(out, multiLine);
-    out(u"\tretVal = ${INIT}(&commonInitVars);", {{"INIT", dialect.stackInit}});
-    writeCheck(out, dialect);
+        writeModes(out, statements, multiLine);
+    statements.call(u"\t"_s, dialect.stackInit + u"(&commonInitVars)"_s);
     if (content.uds)
         writeUdsInitCalls(out, *content.uds);
-    out(u"\tretVal = j1939StackInit_common(&serviceInitVars);");
-    writeCheck(out, dialect);
+    statements.call(u"\t"_s, u"j1939StackInit_common(&serviceInitVars)"_s);
     if (!content.tables.initialised)
         PgnSections::writeNameFields(out, content.tables);
-    for (const PgnTables::Line &line : content.tables.lines) {
-        out(u"\tretVal = j1939StackInit_line(&j1939Config${SUFFIX});", {{"SUFFIX", line.suffix}});
-        writeCheck(out, dialect);
-    }
+    for (const PgnTables::Line &line : content.tables.lines)
+        statements.call(u"\t"_s, u"j1939StackInit_line(&j1939Config%1)"_s.arg(line.suffix));
     out(uR"(
         return(RET_OK);
         }

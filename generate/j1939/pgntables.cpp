@@ -11,6 +11,7 @@
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 #include "store/settings.h"
+#include "texttools/numbertext.h"
 
 #include <QDebug>
 #include <QSet>
@@ -58,13 +59,13 @@ std::optional<size_t> arrayOf(quint32 dataType)
 /// The C constant of a value; its base is told by its prefix, and a text that is no number counts as 0.
 QString constantOf(const QString &text, const ArrayKind &kind)
 {
-    constexpr int automaticBase = 0;
     if (kind.isSigned) {
+        constexpr int automaticBase = 0;
         const quint32 shift = 64 - kind.maxBits;
         const auto bits = static_cast<quint64>(text.trimmed().toLongLong(nullptr, automaticBase)) << shift;
         return QString::number(static_cast<qint64>(bits) >> shift);
     }
-    const quint64 value = text.trimmed().toULongLong(nullptr, automaticBase) & (~quint64{0} >> (64 - kind.maxBits));
+    const quint64 value = NumberText::byPrefix<quint64>(text).value_or(0) & (~quint64{0} >> (64 - kind.maxBits));
     return kind.maxBits == 64 ? AbstractGenerator::formatLargeValue(CAN::Unsigned64, value, 0) : Code::dec(value);
 }
 
@@ -245,12 +246,12 @@ void Collector::addAddressClaim()
     constexpr quint8 priority = 6;
     constexpr quint16 inhibitMs = 250;
     PgnTables::Message &claim = line().addressClaim;
-    claim = {.number = LineMessages::addressClaim,
+    claim = {.number = J1939::addressClaim,
              .name = u"Address Claiming"_s,
              .isTransmit = true,
              .priority = priority,
              .inhibitMs = inhibitMs,
-             .mapping = u"%1tx_mapping_%2"_s.arg(line().prefix, Code::dec(LineMessages::addressClaim))};
+             .mapping = u"%1tx_mapping_%2"_s.arg(line().prefix, Code::dec(J1939::addressClaim))};
     quint32 position = 0;
     for (const NameFieldKind &field : nameFieldKinds) {
         const quint32 first = std::exchange(position, position + field.bits);

@@ -71,7 +71,7 @@ QList<LineMessage> LineMessages::ofStack(const QList<LineMessage> &messages, qui
 {
     QList<LineMessage> result;
     std::ranges::copy_if(messages, std::back_inserter(result), [&](const LineMessage &message) {
-        const bool isClaim = !message.isCanId && message.head.number == addressClaim;
+        const bool isClaim = !message.isCanId && message.head.number == J1939::addressClaim;
         const bool isAsked = groups == Groups::All || (groups == Groups::Safety) == message.head.issafe;
         return message.head.direction == direction && !isClaim && isAsked;
     });

@@ -23,9 +23,6 @@ struct LineMessage
 /// The messages of a line, read by one scan of the messages and one of their signals: what every output knows of them.
 namespace LineMessages {
 
-/// The group by which a J1939 device claims its address (SAE J1939-81). The stack handles it by itself.
-inline constexpr quint32 addressClaim = 60928;
-
 /// Those received before those transmitted, ascending in each direction.
 QList<LineMessage> parameterGroups(ObjectDataBase &store, quint8 line);
 QList<LineMessage> canIds(ObjectDataBase &store, quint8 line);
@@ -38,7 +35,7 @@ enum class Groups
     Safety
 };
 
-/// The messages of one direction that the stack is told of: without the address claim.
+/// The messages of one direction that the stack is told of: without the address claim, which it handles by itself.
 QList<LineMessage> ofStack(const QList<LineMessage> &messages, quint8 direction, Groups groups = Groups::All);
 /// The messages as documents and bus databases have them: those transmitted first, with the placeholders in names and
 /// descriptions filled.

@@ -2,7 +2,6 @@
 
 #include "store/lineprotocols.h"
 #include "store/objectdatabase.h"
-#include "texttools/numbertext.h"
 
 #include <algorithm>
 
@@ -30,11 +29,6 @@ bool LineSettings::severalLines(ObjectDataBase &store)
 {
     return store.getMiscSetting(QStringLiteral("generateML")) == QLatin1StringView("true") ||
            partakingLines(store).size() > 1;
-}
-
-quint32 LineSettings::number(const QString &text)
-{
-    return NumberText::byPrefix(text).value_or(0);
 }
 
 QStringList LineSettings::repeatedList(ObjectDataBase &store, const QString &key, qsizetype count)

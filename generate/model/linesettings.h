@@ -6,9 +6,7 @@
 
 class ObjectDataBase;
 
-/// How the generators of the stack's start-up read lines and numbers; settings are read by `Settings`.
-///
-/// A number may be decimal, "0x" hexadecimal or octal with a leading 0; what does not parse is 0.
+/// How the generators of the stack's start-up read lines; settings are read by `Settings`.
 namespace LineSettings {
 
 /// The lines that the stack counts: those below 32, ascending.
@@ -20,7 +18,6 @@ QList<quint8> partakingLines(ObjectDataBase &store);
 /// written like one of several.
 bool severalLines(ObjectDataBase &store);
 
-quint32 number(const QString &text);
 /// One text for each of `count` lines by their position; a list that is too short is repeated as a whole.
 QStringList repeatedList(ObjectDataBase &store, const QString &key, qsizetype count);
 

@@ -3,6 +3,7 @@
 #include "generate/base/abstractgenerator.h"
 #include "generate/base/codewriter.h"
 #include "nodedict/canopendatatype.h"
+#include "texttools/numbertext.h"
 
 #include <bit>
 #include <cmath>
@@ -60,11 +61,11 @@ float parseReal(const QString &text)
 /// The bits of a number of up to 64 bits, or of up to 32 where the type has no more.
 quint64 parseBits(const TypeRow &row, const QString &text, int base)
 {
-    bool ok = false;
     if (!row.hasSign) {
-        const quint64 value = row.bits > 32 ? text.toULongLong(&ok, base) : quint64{text.toUInt(&ok, base)};
-        return ok ? value : 0;
+        const std::optional<quint64> value = NumberText::inBase(text, base);
+        return row.bits > 32 ? value.value_or(0) : NumberText::fitting<quint32>(value).value_or(0);
     }
+    bool ok = false;
     const qint64 value = text.toLongLong(&ok, base);
     const bool fits = value >= std::numeric_limits<qint32>::min() && value <= std::numeric_limits<quint32>::max();
     return ok && fits ? static_cast<quint64>(value) : 0;

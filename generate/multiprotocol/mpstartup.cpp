@@ -14,6 +14,12 @@
 using namespace Qt::StringLiterals;
 using Code::dec;
 
+namespace {
+
+constexpr auto indent = "    "_L1;
+
+} // namespace
+
 MultiProtocols MultiProtocols::of(const RunContext &run)
 {
     return {.canOpen = run.hasCANopen,
@@ -67,6 +73,7 @@ MpStartUpWriter::MpStartUpWriter(CodeWriter &out, const MpStartUp &startUp, cons
     , startUp_(startUp)
     , common_(common)
     , dialect_(dialect)
+    , statements_(out, dialect)
     , canOpen_(out, *startUp.canOpen, common, dialect)
 {
 }
@@ -80,6 +87,15 @@ QString MpStartUpWriter::commonParameters() const
 QString MpStartUpWriter::protocolType() const
 {
     return dialect_.protocolType;
+}
+
+/// What the caller's CAN FD modes go into.
+QStringList MpStartUpWriter::structuresWithModes() const
+{
+    QStringList structures{u"commonInitVars"_s};
+    if (startUp_.protocols.canOpen)
+        structures.append(u"serviceInitVars"_s);
+    return structures;
 }
 
 QString MpStartUpWriter::lineParameters() const
@@ -143,14 +159,11 @@ void MpStartUpWriter::writeUdsOnly() const
         RET_T retVal;
 
             /* common initialization */
-            retVal = ${INIT}(&commonInitVars);
-        )",
-         {{"INIT", dialect_.stackInit}});
-    canOpen_.writeCheck();
+        )");
+    statements_.call(indent, dialect_.stackInit + u"(&commonInitVars)"_s);
     if (startUp_.uds) {
         out_(u"    /* ISO-TP initialization */");
-        out_(u"    retVal = isoTpInit();");
-        canOpen_.writeCheck();
+        statements_.call(indent, u"isoTpInit()"_s);
         common_.writeUdsInitCalls(out_);
     }
     out_(uR"(
@@ -170,13 +183,12 @@ void MpStartUpWriter::writeRawCanOnly() const
         )",
          {{"PARAMETER", startUp_.fd ? u"BOOL_T *pModes"_s : u"void"_s}});
     if (startUp_.fd) {
-        out_(u"    if (pModes != NULL) {");
+        QStringList positions;
         for (std::size_t position = 0; position < startUp_.lines.size(); ++position)
-            out_(u"        commonInitVars.fdMode[${POSITION}] = pModes[${POSITION}];", {{"POSITION", dec(position)}});
-        out_(u"    }");
+            positions.append(dec(position));
+        statements_.modes(indent, indent, {u"commonInitVars"_s}, positions);
     }
-    out_(u"    retVal = ${INIT}(&commonInitVars);", {{"INIT", dialect_.stackInit}});
-    canOpen_.writeCheck();
+    statements_.call(indent, dialect_.stackInit + u"(&commonInitVars)"_s);
     if (startUp_.protocols.rawCan)
         out_(u"    rawcanStackInit_common(&rawcanInitVars);");
     for (const MpStartUp::Line &line : startUp_.lines) {
@@ -239,17 +251,9 @@ void MpStartUpWriter::writeSingleLine() const
         protType = *pProtType;
         commonInitVars.protocolType[0] = protType;
         )");
-    if (startUp_.fd) {
-        out_(uR"(
-            if (pModes != NULL) {
-                commonInitVars.fdMode[0] = pModes[0];
-            )");
-        if (startUp_.protocols.canOpen)
-            out_(u"    serviceInitVars.fdMode[0] = pModes[0];");
-        out_(u"}");
-    }
-    out_(u"    retVal = ${INIT}(&commonInitVars);", {{"INIT", dialect_.stackInit}});
-    canOpen_.writeCheck();
+    if (startUp_.fd)
+        statements_.modes({}, indent, structuresWithModes(), {u"0"_s});
+    statements_.call(indent, dialect_.stackInit + u"(&commonInitVars)"_s);
     for (const MpStartUp::Line &line : startUp_.lines) {
         writeRequested(u"CANopen"_s, u"CANOPEN"_s, line.services ? &MpStartUpWriter::writeCanOpen : nullptr, line);
         writeRequested(u"J1939"_s, u"J1939"_s, line.protocols.j1939 ? &MpStartUpWriter::writeJ1939 : nullptr, line);
@@ -296,14 +300,11 @@ void MpStartUpWriter::writeCanOpen(const MpStartUp::Line &line) const
 
 void MpStartUpWriter::writeJ1939(const MpStartUp::Line &line) const
 {
-    if (!startUp_.multiLine) {
-        out_(u"\tretVal = j1939StackInit_common(&j1939InitVars);");
-        canOpen_.writeCheck();
-    }
+    if (!startUp_.multiLine)
+        statements_.call(u"\t"_s, u"j1939StackInit_common(&j1939InitVars)"_s);
     if (!startUp_.initialised)
         PgnSections::writeNameFields(out_, *line.messages);
-    out_(u"\tretVal = j1939StackInit_line(&j1939Config${SUFFIX});", {{"SUFFIX", line.messages->suffix}});
-    canOpen_.writeCheck();
+    statements_.call(u"\t"_s, u"j1939StackInit_line(&j1939Config%1)"_s.arg(line.messages->suffix));
     if (line.sdoServer && (line.dictionary || !startUp_.protocols.canOpen))
         writeDictionaryOfJ1939(line);
 }
@@ -341,8 +342,7 @@ void MpStartUpWriter::writeRawCan(const MpStartUp::Line &line) const
 {
     if (!startUp_.multiLine && !startUp_.protocols.rawCanOnly())
         out_(u"rawcanStackInit_common(&rawcanInitVars);");
-    out_(u"retVal = rawcanStackInit_line(&rawcanConfig${SUFFIX});", {{"SUFFIX", line.messages->suffix}});
-    canOpen_.writeCheck();
+    statements_.call({}, u"rawcanStackInit_line(&rawcanConfig%1)"_s.arg(line.messages->suffix));
 }
 
 // ---- Several lines -------------------------------------------------------------------------------------------------
@@ -387,17 +387,10 @@ void MpStartUpWriter::writeModes() const
         )",
          {{"CAN", dialect_.line}});
     if (startUp_.fd) {
-        const QStringList structures = startUp_.protocols.canOpen
-                                           ? QStringList{u"commonInitVars"_s, u"serviceInitVars"_s}
-                                           : QStringList{u"commonInitVars"_s};
-        for (const QString &structure : structures)
+        for (const QString &structure : structuresWithModes())
             out_(u"        ${STRUCTURE}.fdMode[${CAN}LINE] = CO_TRUE;",
                  {{"STRUCTURE", structure}, {"CAN", dialect_.line}});
-        out_(u"        if (pModes != NULL) {");
-        for (const QString &structure : structures)
-            out_(u"            ${STRUCTURE}.fdMode[${CAN}LINE] = pModes[${CAN}LINE];",
-                 {{"STRUCTURE", structure}, {"CAN", dialect_.line}});
-        out_(u"        }");
+        statements_.modes(QString(8, u' '), indent, structuresWithModes(), {dialect_.line + u"LINE"_s});
     }
     out_(u"    }");
 }
@@ -430,8 +423,7 @@ void MpStartUpWriter::writeCommonFunction() const
          {{"PARAMETERS", commonParameters()}, {"CAN", dialect_.line}});
     writeParameterCheck();
     writeModes();
-    out_(u"    retVal = ${INIT}(&commonInitVars);", {{"INIT", dialect_.stackInit}});
-    canOpen_.writeCheck();
+    statements_.call(indent, dialect_.stackInit + u"(&commonInitVars)"_s);
     if (startUp_.protocols.canOpen)
         writeProtocolStart(u"CANOPEN"_s, u"coCanOpenStackVarInit(&serviceInitVars)"_s);
     if (startUp_.protocols.j1939)
@@ -439,12 +431,8 @@ void MpStartUpWriter::writeCommonFunction() const
     if (startUp_.protocols.rawCan)
         writeProtocolStart(u"RAWCAN"_s, u"rawcanStackInit_common(&rawcanInitVars)"_s);
     if (startUp_.protocols.canOpen) {
-        out_(uR"(
-
-            #ifdef CANOPEN_SUPPORTED
-            )");
-        canOpen_.writeLoadParameter();
-        out_(u"#endif /* CANOPEN_SUPPORTED */");
+        out_(u"");
+        statements_.guarded(u"CANOPEN_SUPPORTED"_s, [this] { canOpen_.writeLoadParameter(); });
     } else {
         out_(u"    (void)pLoadFunction;");
     }
@@ -504,11 +492,8 @@ void MpStartUpWriter::writeFinish() const
 
         )");
     if (routing) {
-        out_(uR"(
-                /* initialize PDO routing */ 
-                retVal = coPdoNetworkRouting();
-            )");
-        canOpen_.writeCheck();
+        out_(u"    /* initialize PDO routing */ ");
+        statements_.call(indent, u"coPdoNetworkRouting()"_s);
     }
     common_.writeUdsInitCalls(out_);
     out_(uR"(

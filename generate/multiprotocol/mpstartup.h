@@ -91,6 +91,7 @@ private:
     void writeRawCan(const MpStartUp::Line &line) const;
 
     QString commonParameters() const;
+    QStringList structuresWithModes() const;
     QString lineParameters() const;
     QString protocolType() const;
 
@@ -98,5 +99,6 @@ private:
     const MpStartUp &startUp_;
     const CommonGeneratorHelper &common_;
     const Dialect &dialect_;
+    StartUpStatements statements_;
     StackInitWriter canOpen_;
 };

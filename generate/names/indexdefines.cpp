@@ -3,6 +3,7 @@
 #include "generate/base/codewriter.h"
 #include "generate/model/linedictionary.h"
 #include "generate/model/linemessages.h"
+#include "nodedict/codes.h"
 #include "store/lineprotocols.h"
 #include "store/objectdatabase.h"
 #include "texttools/helper.h"
@@ -268,15 +269,15 @@ void LineCollector::collectPgns()
 
 void LineCollector::collectAddressClaim()
 {
-    const QString end = u"_%1"_s.arg(hex(LineMessages::addressClaim));
+    const QString end = u"_%1"_s.arg(hex(J1939::addressClaim));
     const auto define = [&](const QString &name, quint32 number, const QString &comment) {
         const QString value = decimal(number);
         return IndexDefines::Define{.name = names_.takeFixed(name, value) ? name : names_.tagged(name, value, {end}),
                                     .value = value,
                                     .comment = comment};
     };
-    IndexDefines::Block block{define(u"PGN_ADDRESS_CLAIM"_s, LineMessages::addressClaim,
-                                     u" /* 0x%1 */"_s.arg(hex(LineMessages::addressClaim, 4)))};
+    IndexDefines::Block block{
+        define(u"PGN_ADDRESS_CLAIM"_s, J1939::addressClaim, u" /* 0x%1 */"_s.arg(hex(J1939::addressClaim, 4)))};
     for (const NamePart &part : addressClaimParts)
         block.append(define(part.name, part.spn, {}));
     add(std::move(block));
@@ -288,7 +289,7 @@ bool claimsAddress(ObjectDataBase &store, quint8 line)
 {
     const LineProtocols protocols = LineProtocols::ofLine(store, line);
     return protocols.j1939 && !protocols.rawCan &&
-           !store.pgnExists(line, LineMessages::addressClaim, ObjectDataBase::transmit);
+           !store.pgnExists(line, J1939::addressClaim, ObjectDataBase::transmit);
 }
 
 } // namespace

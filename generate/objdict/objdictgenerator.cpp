@@ -9,9 +9,8 @@
 #include "generate/objdict/objdictsections.h"
 #include "generate/objdict/userheader.h"
 #include "generate/startup/stackinit.h"
+#include "store/edition.h"
 #include "store/objectdatabase.h"
-
-#include <QCoreApplication>
 
 using namespace Qt::StringLiterals;
 
@@ -25,7 +24,7 @@ void writeOpening(CodeWriter &out, ObjectDataBase &store, const SourceOpening &o
         out(u"#include <gen_user.h>");
     out(u"");
     SourceSections::linePrototypes(out, tables, dialect);
-    if (QCoreApplication::applicationName() == "EnergyBus NodeAssistant"_L1)
+    if (currentEdition() == Edition::EnergyBus)
         out(u"/* EnergyBus header files */\n#include <eb_energybus.h>\n");
     SourceSections::applicationIncludes(out, opening);
     SourceSections::specifierGuards(out, dialect);

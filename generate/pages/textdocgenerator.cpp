@@ -75,7 +75,7 @@ void writePGN(CodeWriter &out, const LineMessage &pgn)
         out(u"\tDescription:\t${text}", {{"text", field(pgn.head.desc)}});
     for (const StoreRecords::SPN &spn : pgn.items) {
         const QString size = spn.bitsize == 0 ? QString() : u"\tSize:\t%1"_s.arg(spn.bitsize);
-        const QString variable = spn.implementation == DocumentWords::applicationVariable
+        const QString variable = spn.implementation == CANopen::Implementation::Variable
                                      ? u"\tVariable:\t"_s + field(spn.varname)
                                      : QString();
         out(u"\tSPN:\t${number}\tName:\t${name}\tData type:\t${type}${size}${variable}",

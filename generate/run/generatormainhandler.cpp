@@ -7,11 +7,12 @@
 #include "generate/run/generationrun.h"
 #include "generate/run/importdispatch.h"
 #include "generate/run/postgenprocessor.h"
+#include "nodedict/codes.h"
 #include "store/databasemodifier.h"
+#include "store/edition.h"
 #include "store/objectdatabase.h"
 #include "store/projectconverter.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -20,8 +21,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr quint32 addressClaim = 60928;
-
 /// Brings the values of older projects up to date.
 void correctProject(const std::shared_ptr<ObjectDataBase> &store)
 {
@@ -29,10 +28,10 @@ void correctProject(const std::shared_ptr<ObjectDataBase> &store)
     converter.setDatabase(store);
     converter.doGenericCorrection();
     converter.doCorrection();
-    const QString application = QCoreApplication::applicationName();
-    if (application == "EnergyBus NodeAssistant"_L1)
+    const std::optional<Edition> edition = currentEdition();
+    if (edition == Edition::EnergyBus)
         converter.doEnergyBusCorrection();
-    if (application.contains("J1939"_L1))
+    if (edition == Edition::J1939)
         converter.doJ1939Correction();
 }
 
@@ -195,7 +194,7 @@ void GeneratorMainHandler::removeAddressClaims(const RunContext &context)
 {
     for (const quint8 line : context.lines) {
         if (line < firstLineWithoutProtocol && context.protocols(line).j1939)
-            database_->removePGN(line, addressClaim, ObjectDataBase::transmit);
+            database_->removePGN(line, J1939::addressClaim, ObjectDataBase::transmit);
     }
 }
 

@@ -6,6 +6,7 @@
 #include "import/edsimporter.h"
 #include "import/importreport.h"
 #include "import/projectmerge.h"
+#include "nodedict/codes.h"
 #include "store/objectdatabase.h"
 
 #include <QDebug>
@@ -21,9 +22,9 @@ using Store = std::shared_ptr<ObjectDataBase>;
 
 /// Objects of the communication, manufacturer and device profile areas (CiA 301); the rest of a dictionary is the
 /// stack's own.
-constexpr quint32 firstProfileIndex = 0x1000;
+constexpr quint32 firstProfileIndex = CANopen::Index::all.first;
 constexpr quint32 lastProfileIndex = 0xBFFF;
-constexpr quint32 lastObject = 0xFFFF;
+constexpr quint32 lastObject = CANopen::Index::all.last;
 
 /// PGNs have 18 bits (SAE J1939-21); of another project those of the data pages 0 and 1 are taken.
 constexpr quint32 lastPGN = 0x3FFFF;

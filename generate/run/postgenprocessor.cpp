@@ -7,6 +7,7 @@
 #include "store/objectdatabase.h"
 #include "store/usersettings.h"
 #include "texttools/helper.h"
+#include "texttools/numbertext.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -291,7 +292,7 @@ void PostGenProcessor::edsCheckerFinished()
 void PostGenProcessor::convertLineEndings() const
 {
     constexpr std::array endings{""_L1, "\r\n"_L1, "\n"_L1, "\r"_L1};
-    const auto index = generalSetting(u"line_ending_index"_s).toUInt();
+    const auto index = NumberText::decimal(generalSetting(u"line_ending_index"_s)).value_or(0);
     if (index == 0 || index >= endings.size())
         return;
     for (const QLatin1StringView file : convertedFiles)

@@ -24,6 +24,7 @@
 #include "generate/srdo/srdogenerator.h"
 #include "generate/tables/csvgenerator.h"
 #include "generate/tables/icsvgenerator.h"
+#include "nodedict/codes.h"
 #include "store/objectdatabase.h"
 
 #include <QFile>
@@ -62,10 +63,9 @@ bool isMultiProtocol(const RunContext &run)
 
 bool hasSrdos(const RunContext &run)
 {
-    constexpr quint16 first = 0x1301;
-    constexpr quint16 last = 0x137F;
-    return std::ranges::any_of(run.lines,
-                               [&run](quint8 line) { return !run.store->getIndexList(line, first, last).isEmpty(); });
+    constexpr CANopen::IndexRange srdos = CANopen::Index::srdos;
+    return std::ranges::any_of(
+        run.lines, [&run, srdos](quint8 line) { return !run.store->getIndexList(line, srdos.first, srdos.last).isEmpty(); });
 }
 
 bool isMultiProtocolV4(const RunContext &run)

@@ -26,8 +26,6 @@ using Entry = StoreRecords::SubEntry;
 
 namespace {
 
-/// The SRDOs that a device has at most (EN 50325-5).
-constexpr CANopen::IndexRange startedSrdos{0x1301, 0x1340};
 constexpr quint16 mappingOffset = 0x80;
 /// What stands in a mapping below this is a data type: a gap of its width.
 constexpr quint16 firstObject = CANopen::Index::firstCommunicationObject;
@@ -336,7 +334,7 @@ void Collector::collectSrdo(const LineObject &object, const LineObject *mapping)
 void Collector::collectSrdos(const LineDictionary &line)
 {
     line_ = &line;
-    for (const LineObject &object : line.range(startedSrdos))
+    for (const LineObject &object : line.range(CANopen::Index::deviceSrdos))
         collectSrdo(object, line.object(object.index + mappingOffset));
 }
 

@@ -7,6 +7,12 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+constexpr auto sdoServerCount = "CO_SDO_SERVER_CNT"_L1;
+
+} // namespace
+
 QString StackInitWriter::arguments(const QStringList &own) const
 {
     return (init_.multiLine ? QStringList(u"canLine"_s) + own : own).join(", "_L1);
@@ -56,12 +62,10 @@ void StackInitWriter::writeCalls(const LineServices &line, Service service) cons
 
 void StackInitWriter::writeCall(const StackCall &call, int depth) const
 {
-    const QString indent(qsizetype{4} * depth, u' ');
+    const QString indent(qsizetype{4} * (depth + 1), u' ');
     if (!call.comment.isEmpty())
-        out_(u"${IN}    /* ${TEXT} */", {{"IN", indent}, {"TEXT", call.comment}});
-    out_(u"${IN}    retVal = ${FUNCTION}(${ARGUMENTS});",
-         {{"IN", indent}, {"FUNCTION", call.function}, {"ARGUMENTS", arguments(call.arguments)}});
-    writeCheck(depth);
+        out_(u"${IN}/* ${TEXT} */", {{"IN", indent}, {"TEXT", call.comment}});
+    statements_.call(indent, u"%1(%2)"_s.arg(call.function, arguments(call.arguments)));
 }
 
 /// The first server of a device with one line: in FD mode it is a USDO server.
@@ -73,15 +77,11 @@ void StackInitWriter::writeFirstSdoServer() const
     }
     out_(u"    if (commonInitVars.fdMode[0] == CO_TRUE) {");
     writeCall({u"coUsdoServerInit"_s}, 1);
-    out_(uR"(
-        #ifdef CO_SDO_SERVER_CNT
-            } else {
-        )");
-    writeCall({u"coSdoServerInit"_s, {u"1"_s}}, 1);
-    out_(uR"(
-        #endif /* CO_SDO_SERVER_CNT */
-            }
-        )");
+    statements_.guarded(sdoServerCount, [this] {
+        out_(u"    } else {");
+        writeCall({u"coSdoServerInit"_s, {u"1"_s}}, 1);
+    });
+    out_(u"    }");
 }
 
 /// The same for one line of several. Without modes each line is in FD mode.
@@ -96,13 +96,11 @@ void StackInitWriter::writeFirstSdoServerOfLine() const
                 if (pModes[canLine] == CO_TRUE) {
         )");
     writeCall({u"coUsdoServerInit"_s}, 2);
+    statements_.guarded(sdoServerCount, [this] {
+        out_(u"        } else {");
+        writeCall({u"coSdoServerInit"_s, {u"1"_s}}, 2);
+    });
     out_(uR"(
-        #ifdef CO_SDO_SERVER_CNT
-                } else {
-        )");
-    writeCall({u"coSdoServerInit"_s, {u"1"_s}}, 2);
-    out_(uR"(
-        #endif /* CO_SDO_SERVER_CNT */
                 }
             } else {
         )");
@@ -123,9 +121,8 @@ void StackInitWriter::writeLoadParameter() const
 
             /* initialize load parameter function */
         #if defined(CO_EVENT_DYNAMIC_STORE) || defined(CO_EVENT_PROFILE_STORE)
-            retVal = coEventRegister_LOAD_PARA(pLoadFunction);
         )");
-    writeCheck();
+    statements_.call(u"    "_s, u"coEventRegister_LOAD_PARA(pLoadFunction)"_s);
     out_(u"#else");
     if (init_.storeFunction)
         out_(u"    (void)pLoadFunction;");
@@ -167,7 +164,7 @@ void StackInitWriter::writeFixedMaster(const LineServices &line) const
                 retVal =  coLssInit(${ARGUMENTS});
             )",
              {{"ARGUMENTS", arguments({})}});
-        writeCheck();
+        statements_.check(u"    "_s);
     }
     const bool slave = line.nmt == NmtRole::Slave;
     out_(u"    /* initialize NMT ${ROLE} */ ", {{"ROLE", slave ? u"slave"_s : u"master"_s}});

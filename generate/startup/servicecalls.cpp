@@ -10,9 +10,6 @@ namespace Index = CANopen::Index;
 
 namespace {
 
-/// The SRDOs that a device has at most (EN 50325-5).
-constexpr CANopen::IndexRange startedSrdos{0x1301, 0x1340};
-
 constexpr quint32 timeProducerBit = 0x40000000;
 constexpr quint32 timeConsumerBit = 0x80000000;
 
@@ -218,8 +215,8 @@ private:
     /// Direction, refresh time or cycle, validation time, transmission type and both COB-IDs (EN 50325-5).
     void addSrdos()
     {
-        for (const LineObject &object : range(startedSrdos)) {
-            QStringList arguments{numberIn(startedSrdos, object)};
+        for (const LineObject &object : range(Index::deviceSrdos)) {
+            QStringList arguments{numberIn(Index::deviceSrdos, object)};
             for (quint8 subindex = 1; subindex <= 6; ++subindex)
                 arguments.append(constant(object.index, subindex, u"0u"_s));
             add(Service::Srdo, u"coSrdoInit"_s, arguments);

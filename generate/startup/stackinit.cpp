@@ -15,6 +15,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr auto indent = "    "_L1;
+
 void writeServerModeInit(CodeWriter &out, const DictionaryTables &tables)
 {
     if (!tables.multiLine) {
@@ -142,17 +144,6 @@ void StackInitWriter::writeServiceVariables() const
     out_(u"};");
 }
 
-void StackInitWriter::writeCheck(int depth) const
-{
-    out_(uR"(
-        ${IN}    if (retVal != RET_OK) {
-        ${IN}        return(retVal);
-        ${IN}    }
-        ${IN}    ${CORE}HANDLE_WATCHDOG
-        )",
-         {{"IN", QString(qsizetype{4} * depth, u' ')}, {"CORE", dialect_.core}});
-}
-
 // ---- One line ------------------------------------------------------------------------------------------------------
 
 QString StackInitWriter::entryName() const
@@ -196,25 +187,14 @@ void StackInitWriter::writeSingleLine() const
 
         )",
          {{"NAME", entryName()}, {"PARAMETERS", entryParameters()}});
-    if (init_.fd)
-        out_(uR"(
-                if (pModes != NULL) {
-                    commonInitVars.fdMode[0] = pModes[0];
-                    serviceInitVars.fdMode[0] = pModes[0];
-                }
-
-            )");
-    out_(uR"(
-            /* common initialization */
-            retVal = ${INIT}(&commonInitVars);
-        )",
-         {{"INIT", dialect_.stackInit}});
-    writeCheck();
-    out_(uR"(
-            /* variable initialization */
-            retVal = coCanOpenStackVarInit(&serviceInitVars);
-        )");
-    writeCheck();
+    if (init_.fd) {
+        statements_.modes(indent, indent, {u"commonInitVars"_s, u"serviceInitVars"_s}, {u"0"_s});
+        out_(u"");
+    }
+    out_(u"    /* common initialization */");
+    statements_.call(indent, dialect_.stackInit + u"(&commonInitVars)"_s);
+    out_(u"    /* variable initialization */");
+    statements_.call(indent, u"coCanOpenStackVarInit(&serviceInitVars)"_s);
     for (const LineServices &line : init_.lines)
         writeServices(line);
     common_.writeUdsInitCalls(out_);
@@ -289,14 +269,11 @@ void StackInitWriter::writeCommonFunction() const
                 {
             )",
              {{"CAN", dialect_.line}});
-        for (const auto structure : {"commonInitVars"_L1, "serviceInitVars"_L1})
-            out_(uR"(
-                        ${STRUCTURE}.fdMode[${CAN}LINE] = CO_TRUE;
-                        if (pModes != NULL) {
-                            ${STRUCTURE}.fdMode[${CAN}LINE] = pModes[${CAN}LINE];
-                        }
-                )",
-                 {{"STRUCTURE", structure}, {"CAN", dialect_.line}});
+        const QString line = dialect_.line + u"LINE"_s;
+        for (const QString &structure : {u"commonInitVars"_s, u"serviceInitVars"_s}) {
+            out_(u"        ${STRUCTURE}.fdMode[${LINE}] = CO_TRUE;", {{"STRUCTURE", structure}, {"LINE", line}});
+            statements_.modes(QString(8, u' '), indent, {structure}, {line});
+        }
         out_(u"    }");
     } else {
         out_(u"    (void)${CAN}LINE;", {{"CAN", dialect_.line}});
@@ -384,11 +361,8 @@ void StackInitWriter::writeFinish() const
     if (init_.pdoRouting || common_.hasUds())
         out_(u"    RET_T retVal;\n");
     if (init_.pdoRouting) {
-        out_(uR"(
-                /* initialize PDO routing */ 
-                retVal = coPdoNetworkRouting();
-            )");
-        writeCheck();
+        out_(u"    /* initialize PDO routing */ ");
+        statements_.call(indent, u"coPdoNetworkRouting()"_s);
     } else {
         out_(uR"(
             /*

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "generate/common/startupstatements.h"
 #include "generate/startup/servicecalls.h"
 
 #include <memory>
@@ -34,21 +35,20 @@ public:
         , init_(init)
         , common_(common)
         , dialect_(dialect)
+        , statements_(out, dialect)
     {
     }
 
     /// The structures that the stack is started with, and all functions.
     void writeStartUp() const;
 
-    // The blocks. A depth counts the steps of indentation within a function.
+    // The blocks.
 
     void writeServiceVariables() const;
     /// All services of a line. With several lines it stands in a function that has the line as `canLine` and, with FD,
     /// the modes of all lines as `pModes`.
     void writeServices(const LineServices &line) const;
     void writeLoadParameter() const;
-    /// Ends the function if `retVal` is not RET_OK.
-    void writeCheck(int depth = 0) const;
 
 private:
     void writeSingleLine() const;
@@ -61,6 +61,7 @@ private:
 
     void writeService(const LineServices &line, Service service) const;
     void writeCalls(const LineServices &line, Service service) const;
+    /// `depth` counts the steps of indentation within the function.
     void writeCall(const StackCall &call, int depth = 0) const;
     void writeFirstSdoServer() const;
     void writeFirstSdoServerOfLine() const;
@@ -79,6 +80,7 @@ private:
     const StackInit &init_;
     const CommonGeneratorHelper &common_;
     const Dialect &dialect_;
+    StartUpStatements statements_;
 };
 
 /// Writes what follows the tables in gen_objdict.c: the start-up and what belongs to it. The SDO server beside J1939

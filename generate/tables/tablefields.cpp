@@ -2,6 +2,7 @@
 
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
+#include "texttools/numbertext.h"
 
 #include <QStringList>
 
@@ -39,16 +40,7 @@ constexpr std::array formRows{
 
 constexpr auto nodeId = "$NODEID+"_L1;
 
-/// A number in decimal, "0x" hexadecimal or, with a leading 0, octal notation; a leading 0 before a digit that is not
-/// octal is padding.
-std::optional<quint64> magnitude(const QString &digits)
-{
-    bool isNumber = false;
-    quint64 number = digits.toULongLong(&isNumber, 0);
-    if (!isNumber)
-        number = digits.toULongLong(&isNumber, 10);
-    return isNumber ? std::optional(number) : std::nullopt;
-}
+constexpr auto magnitude = NumberText::ofDescription<quint64>;
 
 QString unsignedDecimal(const QString &text, int bits)
 {

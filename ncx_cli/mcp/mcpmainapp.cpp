@@ -4,6 +4,7 @@
 #include "ncx_cli/mcp/resources.h"
 #include "ncx_cli/mcp/standardstreams.h"
 #include "ncx_cli/mcp/toolcatalogue.h"
+#include "store/edition.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -61,8 +62,9 @@ MCPMainApp::~MCPMainApp()
 
 void MCPMainApp::start()
 {
-    if (const QString name = QCoreApplication::applicationName(); name == "EnergyBus NodeAssistant"_L1) {
-        std::fprintf(stderr, "ncx_cli --mcp is not supported for %s (NEAX) builds.\n", qPrintable(name));
+    if (currentEdition() == Edition::EnergyBus) {
+        std::fprintf(stderr, "ncx_cli --mcp is not supported for %s (NEAX) builds.\n",
+                     qPrintable(QCoreApplication::applicationName()));
         QCoreApplication::exit(1);
         return;
     }

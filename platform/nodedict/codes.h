@@ -92,6 +92,8 @@ inline constexpr IndexRange all{firstCommunicationObject, 0xFFFF};
 inline constexpr IndexRange sdoServers{0x1200, 0x127F};
 inline constexpr IndexRange sdoClients{0x1280, 0x12FF};
 inline constexpr IndexRange srdos{0x1301, 0x137F};
+/// Those that a device may have.
+inline constexpr IndexRange deviceSrdos{0x1301, 0x1340};
 inline constexpr IndexRange srdoMappings{0x1381, 0x13FF};
 /// Mappings of the SRDOs whose data the module of SRDOs may own.
 inline constexpr IndexRange staticSrdoMappings{0x1380, 0x13B0};
@@ -105,3 +107,10 @@ inline constexpr quint16 pdoMappingOffset = 0x200;
 
 } // namespace Index
 } // namespace CANopen
+
+namespace J1939 {
+
+/// The parameter group by which a device claims its address (SAE J1939-81).
+inline constexpr quint32 addressClaim = 60928;
+
+} // namespace J1939

@@ -1,9 +1,8 @@
 #include "ncx_cli/mcp/session/projectsession.h"
 
+#include "store/edition.h"
 #include "store/lineprotocols.h"
 #include "store/objectdatabase.h"
-
-#include <QCoreApplication>
 
 using namespace Qt::StringLiterals;
 
@@ -43,10 +42,10 @@ int ProjectSession::lineTypeCode(quint8 line) const
 bool ProjectSession::lineTypeSupported(int typeCode)
 {
     const LineProtocols protocols = LineProtocols::ofType(typeCode);
-    const QString application = QCoreApplication::applicationName();
-    if (application == "CAN NodeComposer"_L1)
+    const std::optional<Edition> edition = currentEdition();
+    if (edition == Edition::Can)
         return true;
-    if (application == "J1939 NodeComposer"_L1)
+    if (edition == Edition::J1939)
         return protocols.j1939 && !protocols.canOpen;
     return protocols.canOpen;
 }

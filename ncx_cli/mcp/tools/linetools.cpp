@@ -6,6 +6,7 @@
 #include "ncx_cli/mcp/tools/guards.h"
 #include "ncx_cli/mcp/tools/toolfamilies.h"
 #include "nodedict/codes.h"
+#include "store/edition.h"
 #include "store/objectdatabase.h"
 
 #include <QCoreApplication>
@@ -100,13 +101,13 @@ Reply addLine(const ToolCall &call)
         return Reply::invalidParams(u"Invalid lineType: expected CANopen, J1939, RawCAN, CANopen+J1939, CANopen+RawCAN "
                                     "or J1939+RawCAN"_s);
     }
-    const QString application = QCoreApplication::applicationName();
-    if (application == "CAN NodeComposer"_L1) {
+    const std::optional<Edition> edition = currentEdition();
+    if (edition == Edition::Can) {
         return Reply::invalidParams(
             u"lineType is required in this build (CAN NodeComposer supports multiple protocols, "
             "none can be inferred)"_s);
     }
-    return addLineOfType(call, application == "J1939 NodeComposer"_L1 ? CAN::LineType::J1939 : CAN::LineType::CanOpen);
+    return addLineOfType(call, edition == Edition::J1939 ? CAN::LineType::J1939 : CAN::LineType::CanOpen);
 }
 
 Reply deleteLine(const ToolCall &call)
