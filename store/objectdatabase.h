@@ -233,6 +233,9 @@ public:
     /// The keys whose comma lists follow the lines when these are added, removed or cut.
     static QStringList getGeneralSettingKeys();
     bool generalSettingExists(const QString &key);
+    /// All of a table, from one scan.
+    QHash<QString, QString> getGeneralSettings();
+    QHash<QString, QString> getJ1939Settings();
     QString getJ1939Setting(const QString &key);
     QString getJ1939Setting(const QString &key, quint8 line);
     bool setJ1939Setting(const QString &key, const QString &value);
@@ -374,6 +377,7 @@ private:
 
     QString descriptionKey(const QString &key) const;
     QString settingOf(QLatin1StringView table, const QString &key);
+    QHash<QString, QString> settingsOf(QLatin1StringView table);
     bool settingExists(QLatin1StringView table, const QString &key);
     enum class SettingWrite
     {

@@ -163,13 +163,22 @@ QString partOf(const QStringList &parts, quint8 line)
 
 } // namespace
 
+Settings Settings::valuesOf(ObjectDataBase &store, Table table)
+{
+    Settings settings(store, table);
+    settings.lines();
+    settings.values_ = table == Table::General ? store.getGeneralSettings() : store.getJ1939Settings();
+    settings.store_ = nullptr;
+    return settings;
+}
+
 const QList<Settings::Line> &Settings::lines() const
 {
     if (!lines_) {
         lines_.emplace();
-        for (const quint8 line : store_.getNodeList()) {
+        for (const quint8 line : store_->getNodeList()) {
             if (line < firstLineBeyondStack)
-                lines_->append({line, LineProtocols::ofLine(store_, line)});
+                lines_->append({line, LineProtocols::ofLine(*store_, line)});
         }
     }
     return *lines_;
@@ -182,7 +191,9 @@ Settings::Form Settings::form(const QString &key, Table table)
 
 QString Settings::text(const QString &key) const
 {
-    return table_ == Table::General ? store_.getGeneralSetting(key) : store_.getJ1939Setting(key);
+    if (!store_)
+        return values_.value(key);
+    return table_ == Table::General ? store_->getGeneralSetting(key) : store_->getJ1939Setting(key);
 }
 
 QString Settings::text(const QString &key, quint8 line) const

@@ -2,6 +2,7 @@
 
 #include "store/lineprotocols.h"
 
+#include <QHash>
 #include <QList>
 #include <QString>
 
@@ -34,10 +35,12 @@ public:
     };
 
     explicit Settings(ObjectDataBase &store, Table table = Table::General)
-        : store_(store)
+        : store_(&store)
         , table_(table)
     {
     }
+    /// The settings as they are now, as values that need no store any more.
+    static Settings valuesOf(ObjectDataBase &store, Table table = Table::General);
 
     static Form form(const QString &key, Table table = Table::General);
 
@@ -62,7 +65,8 @@ private:
 
     const QList<Line> &lines() const;
 
-    ObjectDataBase &store_;
+    ObjectDataBase *store_; ///< null for values
     Table table_;
+    QHash<QString, QString> values_;
     mutable std::optional<QList<Line>> lines_; ///< those that the stack counts, read when they are first asked for
 };

@@ -62,6 +62,24 @@ QString ObjectDataBase::settingOf(QLatin1StringView table, const QString &key)
     return statements_.value({nullptr, u"select value from %1 where item = ?"_s.arg(table)}, {key}).toString();
 }
 
+QHash<QString, QString> ObjectDataBase::settingsOf(QLatin1StringView table)
+{
+    QHash<QString, QString> settings;
+    statements_.visit({nullptr, u"select item, value from %1"_s.arg(table)}, {},
+                      [&](const ResultRow &row) { settings.insert(row.text(0), row.value(1).toString()); });
+    return settings;
+}
+
+QHash<QString, QString> ObjectDataBase::getGeneralSettings()
+{
+    return settingsOf(general);
+}
+
+QHash<QString, QString> ObjectDataBase::getJ1939Settings()
+{
+    return settingsOf(j1939);
+}
+
 bool ObjectDataBase::settingExists(QLatin1StringView table, const QString &key)
 {
     return statements_.hasRow({nullptr, u"select item from %1 where item = ?"_s.arg(table)}, {key});

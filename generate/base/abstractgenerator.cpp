@@ -1,5 +1,6 @@
 #include "generate/base/abstractgenerator.h"
 
+#include "generate/base/runcontext.h"
 #include "nodedict/canopendatatype.h"
 #include "store/objectdatabase.h"
 
@@ -122,7 +123,7 @@ void AbstractGenerator::waitForJob()
 
 void AbstractGenerator::readMultiLineSetting()
 {
-    generateMultiLine_ = database_->getMiscSetting(u"generateML"_s) == "true"_L1;
+    generateMultiLine_ = RunContext::generatesMultiLine(*database_);
 }
 
 void AbstractGenerator::fail(quint8 code, const QString &text)
@@ -143,9 +144,9 @@ struct LargeType
 
 // The type of a time of day is set like an unsigned value of its width.
 constexpr std::array largeTypes{
-    LargeType{0x0C, "U48_SET"_L1, 6, false}, LargeType{0x10, "I24_SET"_L1, 3, true},
-    LargeType{0x16, "U24_SET"_L1, 3, false}, LargeType{0x18, "U40_SET"_L1, 5, false},
-    LargeType{0x19, "U48_SET"_L1, 6, false}, LargeType{0x1B, "U64_SET"_L1, 8, false},
+    LargeType{CAN::TimeOfDay, "U48_SET"_L1, 6, false},  LargeType{CAN::Integer24, "I24_SET"_L1, 3, true},
+    LargeType{CAN::Unsigned24, "U24_SET"_L1, 3, false}, LargeType{CAN::Unsigned40, "U40_SET"_L1, 5, false},
+    LargeType{CAN::Unsigned48, "U48_SET"_L1, 6, false}, LargeType{CAN::Unsigned64, "U64_SET"_L1, 8, false},
 };
 
 } // namespace

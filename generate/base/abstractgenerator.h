@@ -102,7 +102,7 @@ protected:
 
     quint8 line() const { return line_; }
     bool isMultiLine() const { return multiLine_; }
-    /// MiscSettings `generateML`: a project of one line is to carry its line number in names too.
+    /// See `RunContext::generatesMultiLine`.
     bool generatesMultiLine() const { return generateMultiLine_; }
     const QString &baseName() const { return baseName_; }
     const QString &outputFolder() const { return outputFolder_; }

@@ -29,6 +29,11 @@ LineProtocols RunContext::protocolsOf(ObjectDataBase &store, quint8 line)
     return LineProtocols::ofLine(store, line);
 }
 
+bool RunContext::generatesMultiLine(ObjectDataBase &store)
+{
+    return store.getMiscSetting(u"generateML"_s) == "true"_L1;
+}
+
 bool RunContext::isOn(const QString &key) const
 {
     return Settings(*store).isOn(key);
@@ -41,5 +46,5 @@ bool RunContext::isOnForJ1939(const QString &key) const
 
 bool RunContext::usesV4() const
 {
-    return store->getGeneralSetting(u"use_core_headers"_s) == "V4"_L1;
+    return Settings(*store).text(u"use_core_headers"_s) == "V4"_L1;
 }

@@ -33,6 +33,8 @@ struct RunContext
     bool isMultiProtocol() const { return hasRawCAN || (hasCANopen && hasJ1939); }
     LineProtocols protocols(quint8 line) const { return protocolsOf(*store, line); }
     static LineProtocols protocolsOf(ObjectDataBase &store, quint8 line);
+    /// MiscSettings `generateML`: a project of one line is to carry its line number in names too.
+    static bool generatesMultiLine(ObjectDataBase &store);
     /// A switch of the device (see `Settings`).
     bool isOn(const QString &key) const;
     bool isOnForJ1939(const QString &key) const;

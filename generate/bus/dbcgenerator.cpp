@@ -22,8 +22,6 @@ namespace {
 
 constexpr auto dbcEnding = ".dbc"_L1;
 
-// ---- Raw CAN -------------------------------------------------------------------------------------------------------
-
 void writeRawMessage(CodeWriter &out, const DbcFrame &frame)
 {
     out(u"BO_ ${id} ${name}: ${length} Vector__XXX",
@@ -54,8 +52,6 @@ void writeRawAttributes(CodeWriter &out, const DbcFrame &frame)
     out(u"BA_ \"GenMsgSendType\" BO_ ${id} ${type};",
         {{"id", dec(frame.id)}, {"type", frame.cycleTimeMs != 0 ? u"0"_s : u"1"_s}});
 }
-
-// ---- J1939 ---------------------------------------------------------------------------------------------------------
 
 /// Places of the words in the enumerations below.
 enum class SendType : quint8

@@ -56,8 +56,6 @@ std::optional<CANdb::Database> DbcReader::read(const QString &text)
     return std::move(database_);
 }
 
-// ---- Tokens --------------------------------------------------------------------------------------------------------
-
 void DbcReader::fail(const QString &text)
 {
     if (ok())
@@ -197,8 +195,6 @@ CANdb::ValueNames DbcReader::expectValueNames(QLatin1StringView where)
     expectSymbol(u';', where);
     return values;
 }
-
-// ---- Statements ----------------------------------------------------------------------------------------------------
 
 const QHash<QString, DbcReader::Statement> &DbcReader::statements()
 {

@@ -3,6 +3,7 @@
 #include "diagcore/udssiddefinitions.h"
 #include "generate/base/codewriter.h"
 #include "generate/base/dialect.h"
+#include "generate/base/runcontext.h"
 #include "generate/model/linesettings.h"
 #include "store/objectdatabase.h"
 #include "store/settings.h"
@@ -65,6 +66,16 @@ QString sessionName(quint32 session)
     if (session < firstManufacturerSession)
         return u"0x"_s + Code::hex(session, 2);
     return u"UDS_SUB_SESSION_MANU_40 + %1u"_s.arg(session - firstManufacturerSession);
+}
+
+/// One text for each of `count` lines by their position; a list that is too short is repeated as a whole.
+QStringList repeatedList(const QString &list, qsizetype count)
+{
+    const QStringList parts = list.split(u',');
+    QStringList texts;
+    for (qsizetype i = 0; i < count; ++i)
+        texts.append(parts.at(i % parts.size()).trimmed());
+    return texts;
 }
 
 QList<quint32> numbersOf(const QString &list)
@@ -253,8 +264,8 @@ std::optional<UdsBlocks> UdsBlocks::collect(ObjectDataBase &store)
     if (!settings.isOn(u"udsserver_supported"_s) && !settings.isOn(u"udsclient_supported"_s))
         return {};
     const QList<quint8> lines = LineSettings::stackLines(store);
-    const auto perLine = [&store, count = lines.size()](const QString &key) {
-        return LineSettings::repeatedList(store, key, count);
+    const auto perLine = [&settings, count = lines.size()](const QString &key) {
+        return repeatedList(settings.text(key), count);
     };
     const QStringList requests = perLine(u"uds_physical_request_id"_s);
     const QStringList responses = perLine(u"uds_physical_response_id"_s);

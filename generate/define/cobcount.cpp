@@ -3,7 +3,6 @@
 #include "generate/model/linedictionary.h"
 #include "store/objectdatabase.h"
 #include "store/settings.h"
-#include "texttools/numbertext.h"
 
 #include <array>
 
@@ -115,10 +114,10 @@ quint32 CobCount::ofCanOpen(ObjectDataBase &store, const LineDictionary &diction
 
 quint32 CobCount::additional(ObjectDataBase &store, quint8 line)
 {
-    const QStringList entries = store.getGeneralSetting(u"additional_cob_count"_s).split(u',');
-    if (entries.size() > 1 && line >= entries.size())
-        return static_cast<quint32>(entries.size());
-    return NumberText::byPrefix(entries.value(line, entries.first())).value_or(0);
+    const QString key = u"additional_cob_count"_s;
+    const Settings settings(store);
+    const qsizetype entries = settings.text(key).count(u',') + 1;
+    return entries > 1 && line >= entries ? static_cast<quint32>(entries) : settings.number(key, line);
 }
 
 quint32 CobCount::ofDiagnostics(ObjectDataBase &store, quint8 line)

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using CANopen::IndexRange;
@@ -340,11 +341,13 @@ void DefineCollector::readAuthentication()
 void DefineCollector::readEnergyBus()
 {
     static const QRegularExpression device(u"^device_[0-9]+$"_s);
-    for (const QString &key : store_.getEnergyBusSettingKeys()) {
+    for (const QString &key : store_.getEnergyBusSettingKeys())
+        model_.energyBus_.insert(key, store_.getEnergyBusSetting(key));
+    for (const auto &[key, value] : std::as_const(model_.energyBus_).asKeyValueRange()) {
         if (!device.match(key).hasMatch())
             continue;
-        const QString name = store_.getEnergyBusSetting(key).trimmed();
-        const QString kind = store_.getEnergyBusSetting(u"sec_%1_kind"_s.arg(name)).trimmed();
+        const QString name = value.trimmed();
+        const QString kind = model_.energyBus(u"sec_%1_kind"_s.arg(name)).trimmed();
         ++model_.energyBusDevices[kind.isEmpty() ? name : kind];
     }
 }

@@ -1,38 +1,6 @@
 #include "generate/define/definemodel.h"
 
-#include "store/objectdatabase.h"
-
 #include <algorithm>
-
-QString DefineModel::general(const QString &key) const
-{
-    return general_.text(key);
-}
-
-quint32 DefineModel::number(const QString &key) const
-{
-    return general_.number(key);
-}
-
-quint32 DefineModel::number(const QString &key, const LineCounts &line) const
-{
-    return general_.number(key, line.number);
-}
-
-quint32 DefineModel::j1939Number(const QString &key) const
-{
-    return j1939_.number(key);
-}
-
-QString DefineModel::energyBus(const QString &key) const
-{
-    return store_.getEnergyBusSetting(key);
-}
-
-bool DefineModel::hasObject(quint16 index) const
-{
-    return objects_.contains(index);
-}
 
 bool DefineModel::hasLine(bool LineProtocols::*protocol) const
 {

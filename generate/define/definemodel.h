@@ -4,6 +4,7 @@
 #include "generate/base/runcontext.h"
 #include "store/settings.h"
 
+#include <QHash>
 #include <QMap>
 #include <QSet>
 #include <QString>
@@ -59,7 +60,7 @@ struct LineCounts
     QString nodeIdFunction = {};
 };
 
-/// Everything that gen_define.h tells, and the settings that it reads as they are.
+/// Everything that gen_define.h tells, and the settings of the project as they are.
 class DefineModel
 {
 public:
@@ -99,18 +100,18 @@ public:
 
     static DefineModel collect(ObjectDataBase &store, const Options &options);
 
-    QString general(const QString &key) const;
-    quint32 number(const QString &key) const;
-    quint32 number(const QString &key, const LineCounts &line) const;
+    QString general(const QString &key) const { return general_.text(key); }
+    quint32 number(const QString &key) const { return general_.number(key); }
+    quint32 number(const QString &key, const LineCounts &line) const { return general_.number(key, line.number); }
     /// A switch of the device; where lines differ in it, it is set on some line.
     bool isSet(const QString &key) const { return general_.isOn(key); }
     bool isJ1939Set(const QString &key) const { return j1939_.onAnyLine(key); }
     /// The highest value on the J1939 lines.
-    quint32 j1939Number(const QString &key) const;
-    QString energyBus(const QString &key) const;
+    quint32 j1939Number(const QString &key) const { return j1939_.number(key); }
+    QString energyBus(const QString &key) const { return energyBus_.value(key); }
 
     /// Some line has the object.
-    bool hasObject(quint16 index) const;
+    bool hasObject(quint16 index) const { return objects_.contains(index); }
     bool hasLine(bool LineProtocols::*protocol) const;
     quint32 total(quint32 LineCounts::*count) const;
 
@@ -127,16 +128,15 @@ public:
 
 private:
     explicit DefineModel(ObjectDataBase &store)
-        : store_(store)
-        , general_(store)
-        , j1939_(store, Settings::Table::J1939)
+        : general_(Settings::valuesOf(store))
+        , j1939_(Settings::valuesOf(store, Settings::Table::J1939))
     {
     }
 
     friend class DefineCollector;
 
-    ObjectDataBase &store_;
     Settings general_;
     Settings j1939_;
+    QHash<QString, QString> energyBus_;
     QSet<quint16> objects_; ///< of all lines
 };

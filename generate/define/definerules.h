@@ -38,8 +38,6 @@ inline QString valueText(const QString &setting)
     return text.isEmpty() ? QStringLiteral("0u") : Helper::addLowerCaseUtoNumberLists(text);
 }
 
-// ---- One setting -------------------------------------------------------------------------------------------------
-
 inline QString always(const DefineModel & /*model*/, Key /*key*/)
 {
     return flag(true);
@@ -81,8 +79,6 @@ QString given(const DefineModel &model, Key key)
 {
     return model.isSet(QLatin1StringView(condition)) ? rule(model, key) : QString();
 }
-
-// ---- Counts of the lines -----------------------------------------------------------------------------------------
 
 /// What `entry` gives for each line.
 QString listOf(const DefineModel &model, const std::function<QString(const LineCounts &)> &entry,
@@ -170,8 +166,6 @@ inline constexpr std::array bufferMacros{
                         buffersPerLine<&LineCounts::transmitBuffer, defaultTransmitBuffer>},
 };
 
-// ---- The dictionary ----------------------------------------------------------------------------------------------
-
 /// Some line has one of the objects.
 template <quint16... indices>
 QString hasObject(const DefineModel &model, Key /*key*/)
@@ -196,8 +190,6 @@ QString ofType(const DefineModel &model, Key /*key*/)
 {
     return countOf((model.dictionary.*member).value(dataType));
 }
-
-// ---- J1939 -------------------------------------------------------------------------------------------------------
 
 inline QString j1939IsSet(const DefineModel &model, Key key)
 {

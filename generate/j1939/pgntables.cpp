@@ -257,7 +257,7 @@ void Collector::addAddressClaim()
         const quint32 first = std::exchange(position, position + field.bits);
         if (field.spn == reservedBit && !dialect_.has(Point::ReservedNameField))
             continue;
-        const QString value = store_.getJ1939Setting(QString::fromLatin1(field.setting), line().number);
+        const QString value = settings_.text(QString::fromLatin1(field.setting), line().number);
         const QString place = comment(claim.number, field.spn);
         const QString pointer = addManaged(field.dataType, value, place);
         claim.items.append({.number = field.spn,

@@ -1,5 +1,6 @@
 #include "generate/model/dictionarytables.h"
 
+#include "generate/base/runcontext.h"
 #include "generate/model/dictionarycollect.h"
 #include "generate/model/linesettings.h"
 #include "store/objectdatabase.h"
@@ -70,7 +71,7 @@ void readLines(DictionaryTables &tables, ObjectDataBase &store)
     }
     if (tables.lineList.empty())
         tables.lineList.push_back(0);
-    tables.multiLine = tables.options.serverMode ? tables.line(1) || store.getMiscSetting(u"generateML"_s) == "true"_L1
+    tables.multiLine = tables.options.serverMode ? tables.line(1) || RunContext::generatesMultiLine(store)
                                                  : LineSettings::severalLines(store);
 }
 

@@ -1,5 +1,6 @@
 #include "generate/model/linesettings.h"
 
+#include "generate/base/runcontext.h"
 #include "store/lineprotocols.h"
 #include "store/objectdatabase.h"
 
@@ -27,15 +28,5 @@ QList<quint8> LineSettings::partakingLines(ObjectDataBase &store)
 
 bool LineSettings::severalLines(ObjectDataBase &store)
 {
-    return store.getMiscSetting(QStringLiteral("generateML")) == QLatin1StringView("true") ||
-           partakingLines(store).size() > 1;
-}
-
-QStringList LineSettings::repeatedList(ObjectDataBase &store, const QString &key, qsizetype count)
-{
-    const QStringList parts = store.getGeneralSetting(key).split(u',');
-    QStringList texts;
-    for (qsizetype i = 0; i < count; ++i)
-        texts.append(parts.at(i % parts.size()).trimmed());
-    return texts;
+    return RunContext::generatesMultiLine(store) || partakingLines(store).size() > 1;
 }

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <QList>
-#include <QString>
-#include <QStringList>
 
 class ObjectDataBase;
 
@@ -17,8 +15,5 @@ QList<quint8> partakingLines(ObjectDataBase &store);
 /// Whether the stack is built for several lines, so that its functions take one: several take part, or one is to be
 /// written like one of several.
 bool severalLines(ObjectDataBase &store);
-
-/// One text for each of `count` lines by their position; a list that is too short is repeated as a whole.
-QStringList repeatedList(ObjectDataBase &store, const QString &key, qsizetype count);
 
 } // namespace LineSettings

@@ -5,7 +5,7 @@
 #include "generate/base/runcontext.h"
 #include "generate/model/linesettings.h"
 #include "generate/names/indications.h"
-#include "store/objectdatabase.h"
+#include "store/settings.h"
 
 #include <algorithm>
 
@@ -70,7 +70,7 @@ private:
         if (function.isEmpty())
             return;
         isNamed_ = true;
-        const QString note = store_.getGeneralSetting("note_"_L1 + key);
+        const QString note = Settings(store_).text("note_"_L1 + key);
         prototypes_.append({.guard = guard,
                             .note = note.trimmed().isEmpty() ? QString() : Code::commentText(note),
                             .result = result,

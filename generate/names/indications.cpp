@@ -21,7 +21,7 @@ QString Indications::inForm(QLatin1StringView text, const Dialect &dialect)
 
 QString Indications::functionOf(ObjectDataBase &store, QLatin1StringView key)
 {
-    return store.getGeneralSetting(key).trimmed();
+    return Settings(store).text(key).trimmed();
 }
 
 bool Indications::hasUsdoServer(ObjectDataBase &store)

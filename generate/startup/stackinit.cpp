@@ -144,8 +144,6 @@ void StackInitWriter::writeServiceVariables() const
     out_(u"};");
 }
 
-// ---- One line ------------------------------------------------------------------------------------------------------
-
 QString StackInitWriter::entryName() const
 {
     return init_.takesOptions() ? u"coCanOpenStackInitPara"_s : u"coCanOpenStackInit"_s;
@@ -204,8 +202,6 @@ void StackInitWriter::writeSingleLine() const
         }
         )");
 }
-
-// ---- Several lines -------------------------------------------------------------------------------------------------
 
 void StackInitWriter::writeLineTable() const
 {
@@ -379,8 +375,6 @@ void StackInitWriter::writeFinish() const
         }
         )");
 }
-
-// ---- The whole ------------------------------------------------------------------------------------------------------
 
 void writeStartUpSections(CodeWriter &out, const std::shared_ptr<ObjectDataBase> &store, const DictionaryTables &tables,
                           const Dialect &dialect)
