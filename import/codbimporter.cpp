@@ -267,11 +267,7 @@ std::optional<StoreRecords::IndexData> &CODBImporter::knownObject(quint16 index)
     const auto place = objects_.find(index);
     if (place != objects_.end())
         return *place;
-    StoreRecords::IndexData object;
-    std::optional<StoreRecords::IndexData> &added = objects_[index];
-    if (store_->getIndex(line_, index, object))
-        added = object;
-    return added;
+    return *objects_.insert(index, store_->getIndex(line_, index));
 }
 
 void CODBImporter::addObject(quint16 index, const StoreRecords::IndexData &object)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "import/basedataimporter.h"
-#include "store/storerecords.h"
+#include "store/tables/storerecords.h"
 
 #include <QHash>
 #include <QList>

@@ -272,11 +272,9 @@ CsvImporter::ObjectState &CsvImporter::stateOf(const Place &place)
         lineObjects_.insert(place.line, QSet<quint16>(indices.begin(), indices.end()));
     }
     ObjectState &state = objects_[key];
-    StoreRecords::IndexData object;
-    if (lineObjects_[place.line].contains(place.index) && store_->getIndex(place.line, place.index, object)) {
-        state.object = object;
-        state.hasSubZero = store_->subIndexExists(place.line, place.index, 0);
-    }
+    if (lineObjects_[place.line].contains(place.index))
+        state.object = store_->getIndex(place.line, place.index);
+    state.hasSubZero = state.object && store_->subIndexExists(place.line, place.index, 0);
     return state;
 }
 

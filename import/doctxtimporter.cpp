@@ -3,7 +3,7 @@
 #include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
-#include "store/temporaryindex.h"
+#include "store/tables/temporaryindex.h"
 #include "texttools/numbertext.h"
 #include "texttools/textfile.h"
 
@@ -71,8 +71,8 @@ void DOCTXTImporter::importFile()
     TextFile text;
     if (!text.load(filePath_))
         return;
-    const TemporaryIndex pgnIndex(*store_, line_, TemporaryIndex::pgnKeys);
-    const TemporaryIndex spnIndex(*store_, line_, TemporaryIndex::spnKeys);
+    const TemporaryIndex pgnIndex(store_->statements(), line_, TemporaryIndex::pgnKeys);
+    const TemporaryIndex spnIndex(store_->statements(), line_, TemporaryIndex::spnKeys);
     TextLines lines(text.bytes());
     QByteArrayView line;
     while (lines.next(line)) {
@@ -130,11 +130,12 @@ bool DOCTXTImporter::importPGN(const QStringList &fields)
 
 void DOCTXTImporter::importDescription(const QStringList &fields)
 {
-    StoreRecords::PGN record;
-    if (fields.size() < 3 || !store_->getPGN(line_, pgn_, direction_, record))
+    if (fields.size() < 3)
         return;
-    record.desc = fields.value(2);
-    store_->addPGN(line_, pgn_, record);
+    if (std::optional<StoreRecords::PGN> record = store_->getPGN(line_, pgn_, direction_)) {
+        record->desc = fields.at(2);
+        store_->addPGN(line_, pgn_, *record);
+    }
 }
 
 bool DOCTXTImporter::importSPN(const QStringList &fields)

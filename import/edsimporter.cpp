@@ -222,17 +222,15 @@ void EDSImporter::importComments()
 {
     for (const EdsSections::Comment &comment : parser_->comments()) {
         if (!comment.subindex) {
-            ObjectDataBase::INDEX_DATA_T object;
-            if (store_->getIndex(line_, comment.index, object)) {
-                object.description = comment.text;
-                store_->addIndex(line_, comment.index, object);
+            if (auto object = store_->getIndex(line_, comment.index)) {
+                object->description = comment.text;
+                store_->addIndex(line_, comment.index, *object);
             }
         }
         const quint8 subindex = comment.subindex.value_or(0);
-        SubRecord sub;
-        if (store_->getSubIndex(line_, comment.index, subindex, sub)) {
-            sub.description = comment.text;
-            store_->addSubIndex(line_, comment.index, subindex, sub, Quotes::Kept);
+        if (auto sub = store_->getSubIndex(line_, comment.index, subindex)) {
+            sub->description = comment.text;
+            store_->addSubIndex(line_, comment.index, subindex, *sub, Quotes::Kept);
         }
     }
 }

@@ -3,7 +3,7 @@
 #include "import/importreport.h"
 #include "nodedict/codes.h"
 #include "store/objectdatabase.h"
-#include "store/temporaryindex.h"
+#include "store/tables/temporaryindex.h"
 
 #include <QSet>
 
@@ -36,10 +36,10 @@ void copyPGN(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8
             target.removeSPN(line, number, spn, direction);
     }
     for (const quint32 spn : spns) {
-        StoreRecords::SPN data;
-        if (!source.getSPN(sourceLine, number, direction, spn, data))
+        const std::optional<StoreRecords::SPN> data = source.getSPN(sourceLine, number, direction, spn);
+        if (!data)
             continue;
-        target.addSPN(line, number, direction, spn, data, Quotes::Kept);
+        target.addSPN(line, number, direction, spn, *data, Quotes::Kept);
         ++report.signalCount;
     }
 }
@@ -54,10 +54,10 @@ void copyCANID(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quin
     for (const quint32 number : target.getDataElementList(line, id, direction))
         target.removeDataElement(line, id, number, direction);
     for (const quint32 number : source.getDataElementList(sourceLine, id, direction)) {
-        StoreRecords::DataElement data;
-        if (!source.getDataElement(sourceLine, id, direction, number, data))
+        const auto data = source.getDataElement(sourceLine, id, direction, number);
+        if (!data)
             continue;
-        target.addDataElement(line, id, direction, number, data, Quotes::Kept);
+        target.addDataElement(line, id, direction, number, *data, Quotes::Kept);
         ++report.signalCount;
     }
 }
@@ -86,8 +86,8 @@ void ProjectMerge::copyPGNs(ObjectDataBase &target, quint8 line, ObjectDataBase 
     if (!source.nodeExists(sourceLine))
         return;
     const ObjectDataBase::Transaction transaction(target);
-    const TemporaryIndex pgnIndex(target, line, TemporaryIndex::pgnKeys);
-    const TemporaryIndex spnIndex(target, line, TemporaryIndex::spnKeys);
+    const TemporaryIndex pgnIndex(target.statements(), line, TemporaryIndex::pgnKeys);
+    const TemporaryIndex spnIndex(target.statements(), line, TemporaryIndex::spnKeys);
     source.cacheSPNs(sourceLine);
     for (const StoreRecords::PGN &pgn : source.getAllPGNs(sourceLine)) {
         if (isDirection(pgn.direction) && isBetween(pgn.number, first, last))
@@ -103,9 +103,9 @@ void ProjectMerge::copyCANIDs(ObjectDataBase &target, quint8 line, ObjectDataBas
         return;
     const ObjectDataBase::Transaction transaction(target);
     const ObjectDataBase::Transaction reading(source);
-    const TemporaryIndex canidIndex(target, line, TemporaryIndex::canidKeys);
-    const TemporaryIndex elementIndex(target, line, TemporaryIndex::elementKeys);
-    const TemporaryIndex sourceIndex(source, sourceLine, TemporaryIndex::elementKeys);
+    const TemporaryIndex canidIndex(target.statements(), line, TemporaryIndex::canidKeys);
+    const TemporaryIndex elementIndex(target.statements(), line, TemporaryIndex::elementKeys);
+    const TemporaryIndex sourceIndex(source.statements(), sourceLine, TemporaryIndex::elementKeys);
     for (const StoreRecords::CANID &canid : source.getAllCANIDs(sourceLine)) {
         if (isDirection(canid.direction) && isBetween(canid.id & CAN::identifierBits, first, last))
             copyCANID(target, line, source, sourceLine, canid, report);

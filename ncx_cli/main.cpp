@@ -3,7 +3,7 @@
 #include "ncx_cli/app/debuglog.h"
 #include "ncx_cli/mcp/mcpmainapp.h"
 #include "nodedict/cohelper.h"
-#include "store/workingcopies.h"
+#include "store/file/workingcopies.h"
 #include "texttools/helper.h"
 
 #include <QCoreApplication>

@@ -1,26 +1,22 @@
 #pragma once
 
-#include "nodedict/pdomapping.h"
-#include "store/spncache.h"
+#include "store/file/migrations.h"
+#include "store/file/projectfile.h"
+#include "store/file/repairs.h"
 #include "store/statements/literaltext.h"
 #include "store/statements/statements.h"
 #include "store/statements/transaction.h"
-#include "store/storerecords.h"
-#include "store/stringpool.h"
-#include "store/subobjectcache.h"
+#include "store/tables/projecttables.h"
+#include "store/tables/storerecords.h"
+#include "store/text/textproject.h"
 
 #include <QHash>
 #include <QMap>
-#include <QMutex>
 #include <QObject>
 #include <QStringList>
 
-#include <atomic>
 #include <optional>
-
-namespace RecordColumns {
-class Row;
-}
+#include <tuple>
 
 /// A project: the one gateway to its database.
 ///
@@ -41,7 +37,8 @@ class ObjectDataBase : public QObject
     Q_OBJECT
 
 public:
-    // ---- Records (store/storerecords.h) ----------------------------------------------------------------------------
+    // ---- Records (store/tables/storerecords.h)
+    // ----------------------------------------------------------------------------
 
     using Metadata = StoreRecords::Metadata;
     using INDEX_DATA_T = StoreRecords::IndexData;
@@ -60,56 +57,55 @@ public:
 
     static constexpr quint8 transmit = StoreRecords::transmit;
     static constexpr quint8 receive = StoreRecords::receive;
-    static constexpr int schemaVersion = 107;
+    static constexpr int schemaVersion = Migrations::schemaVersion;
 
     explicit ObjectDataBase(QObject *parent = nullptr);
-    ~ObjectDataBase() override;
     Q_DISABLE_COPY_MOVE(ObjectDataBase)
 
-    // ---- Life of the project (objectdatabase.cpp, projectopen.cpp, projectsave.cpp) --------------------------------
+    // ---- Life of the project (ProjectFile, TextProject) --------------------------------
 
     /// A new empty project with line 0 in a fresh working copy.
-    bool createNewDataBase();
+    bool createNewDataBase() { return file_.create(); }
     /// Opens a project file of any age and form. A path that ends in "ncxt" is a text project, and opening that
     /// reports true whatever its conversion says. False for anything that is no project, or (`lastError`) that another
     /// tool's protocols are in; then no project is open. The second argument has no effect.
     bool openDataBase(const QString &path, bool unused = false);
     /// Opens a text project; the result is the conversion's.
-    bool openTextDatabase(const QString &path);
+    bool openTextDatabase(const QString &path) { return TextProject::open(file_, tables_, path); }
     /// Saves to the path, or where it is empty to the project path, in the form that the path's ending asks for. A
     /// text project reports true in any case; whether it could be written is told by `lastError`. False without an open
-    /// project.
+    /// project, and for a database file within a transaction, whose writes are not in the working copy yet.
     bool saveDatabase(const QString &path);
-    bool saveDatabaseAsSql(const QString &path);
-    bool saveDatabaseAsText(const QString &path);
+    bool saveDatabaseAsSql(const QString &path) { return file_.saveAsSql(path); }
+    bool saveDatabaseAsText(const QString &path) { return TextProject::save(file_, tables_, path); }
     /// Waits for statements under way (at most 5 s) and closes the connection.
-    void closeDatabase();
+    void closeDatabase() { file_.close(); }
     /// True from a successful create or open on, until one fails.
-    bool isOpen() const { return statements_.isOpen(); }
+    bool isOpen() const { return tables_.context.statements.isOpen(); }
     /// True if there was no place for a working copy, or a statement has failed in a way that leaves it half changed,
     /// as on a full disk: what is read from it is not to be trusted, and a save refuses it.
-    bool isDamaged() const { return statements_.isDamaged(); }
+    bool isDamaged() const { return tables_.context.statements.isDamaged(); }
     /// Why the last open or save failed; empty where there is nothing to tell the user.
-    QString lastError() const { return lastError_; }
+    QString lastError() const { return file_.lastError(); }
     /// The user's file, as last opened or saved; empty after an open that failed.
-    QString projectPath() const { return projectPath_; }
+    QString projectPath() const { return file_.path(); }
     /// True if the hash of the file did not match its contents when it was opened.
-    bool isTampered() const { return tampered_; }
+    bool isTampered() const { return file_.isTampered(); }
 
     /// SHA-256 over all tables but the rows that hold the hash itself, in lower-case hexadecimal.
-    QString computeFileHash();
+    QString computeFileHash() { return file_.computeFileHash(); }
     /// Compares the stored hash, if there is one, and notes a mismatch in MiscSettings `TamperLog`.
-    void verifyFileHash();
+    void verifyFileHash() { file_.verifyFileHash(); }
 
-    /// The only way to the database, for those parts of the store that are not in here.
-    Statements &statements() { return statements_; }
+    /// The only way to the database, for a job that has no operation here.
+    Statements &statements() { return tables_.context.statements; }
 
     /// Blocks all writing operations and closes the gate for other threads, or undoes both.
     void setBlocked(bool blocked);
-    bool isBlocked() const { return blocked_; }
+    bool isBlocked() const { return tables_.context.blocked; }
     /// Closes the gate for other threads without blocking writes: for a job that writes.
-    void closeGate() { statements_.gate().close(); }
-    void openGate() { statements_.gate().open(); }
+    void closeGate() { statements().gate().close(); }
+    void openGate() { statements().gate().open(); }
     /// While on, each successful writing statement raises `databaseWriteExecuted`.
     void setWriteTracking(bool on) { writeTracking_ = on; }
 
@@ -118,7 +114,7 @@ public:
     {
     public:
         explicit Transaction(ObjectDataBase &store)
-            : TransactionScope(store.statements_, Kind::Batch)
+            : TransactionScope(store.statements(), Kind::Batch)
         {
         }
     };
@@ -128,64 +124,128 @@ public:
     {
     public:
         explicit Step(ObjectDataBase &store)
-            : TransactionScope(store.statements_, Kind::Step)
+            : TransactionScope(store.statements(), Kind::Step)
         {
         }
     };
 
-    // ---- Object dictionary (objecttables.cpp, objectqueries.cpp, objectcopy.cpp) -----------------------------------
+    // ---- Object dictionary (ObjectTables) -----------------------------------
 
-    bool addIndex(quint8 line, quint16 index, const INDEX_DATA_T &data);
+    bool addIndex(quint8 line, quint16 index, const INDEX_DATA_T &data)
+    {
+        return tables_.objects.addIndex(line, index, data);
+    }
     /// The values of a VISIBLE_STRING are kept in any case.
     bool addSubIndex(quint8 line, quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data,
-                     Quotes quotes = Quotes::Literal);
+                     Quotes quotes = Quotes::Literal)
+    {
+        return tables_.objects.addSubIndex(line, index, subindex, data, quotes);
+    }
     /// All entries in their order in one transaction; goes on after a failure, the result is the last entry's.
-    bool addSubIndices(const QList<SubEntry> &entries, Quotes quotes = Quotes::Literal);
+    bool addSubIndices(const QList<SubEntry> &entries, Quotes quotes = Quotes::Literal)
+    {
+        return tables_.objects.addSubIndices(entries, quotes);
+    }
     /// Removes an object with its subindices and, unless `keepConnections`, its rows in `Connections`.
-    bool removeIndex(quint8 line, quint16 index, bool keepConnections = false);
-    bool removeSubIndex(quint8 line, quint16 index, quint8 subindex, bool keepConnections = false);
-    bool removeConsumerConnection(quint8 line, quint16 index, quint8 subindex);
-    bool indexExists(quint8 line, quint16 index);
-    bool subIndexExists(quint8 line, quint16 index, quint8 subindex);
-    bool getIndex(quint8 line, quint16 index, INDEX_DATA_T &data);
-    QString getIndexName(quint8 line, quint16 index);
-    void setIndexName(quint8 line, quint16 index, const QString &name);
+    bool removeIndex(quint8 line, quint16 index, bool keepConnections = false)
+    {
+        return tables_.objects.removeIndex(line, index, keepConnections);
+    }
+    bool removeSubIndex(quint8 line, quint16 index, quint8 subindex, bool keepConnections = false)
+    {
+        return tables_.objects.removeSubIndex(line, index, subindex, keepConnections);
+    }
+    bool removeConsumerConnection(quint8 line, quint16 index, quint8 subindex)
+    {
+        return tables_.objects.removeConsumerConnection(line, index, subindex);
+    }
+    bool indexExists(quint8 line, quint16 index) { return tables_.objects.indexExists(line, index); }
+    bool subIndexExists(quint8 line, quint16 index, quint8 subindex)
+    {
+        return tables_.objects.subIndexExists(line, index, subindex);
+    }
+    std::optional<INDEX_DATA_T> getIndex(quint8 line, quint16 index) { return tables_.objects.getIndex(line, index); }
+    QString getIndexName(quint8 line, quint16 index) { return tables_.objects.getIndexName(line, index); }
+    /// Names an object that exists.
+    void setIndexName(quint8 line, quint16 index, const QString &name)
+    {
+        std::ignore = tables_.objects.setIndexName(line, index, name);
+    }
     /// Indices from `first` to `last`, ascending.
-    QList<quint16> getIndexList(quint8 line, quint16 first, quint16 last);
+    QList<quint16> getIndexList(quint8 line, quint16 first, quint16 last)
+    {
+        return tables_.objects.getIndexList(line, first, last);
+    }
     /// The objects from `first` to `last`, by index, from one scan.
-    QMap<quint16, INDEX_DATA_T> getIndices(quint8 line, quint16 first, quint16 last);
+    QMap<quint16, INDEX_DATA_T> getIndices(quint8 line, quint16 first, quint16 last)
+    {
+        return tables_.objects.getIndices(line, first, last);
+    }
     /// Names of the objects from `first` to `last`, by index.
-    QMap<quint16, QString> getIndexNames(quint8 line, quint16 first, quint16 last);
+    QMap<quint16, QString> getIndexNames(quint8 line, quint16 first, quint16 last)
+    {
+        return tables_.objects.getIndexNames(line, first, last);
+    }
     /// Answers from the line's cache where that holds the key.
-    bool getSubIndex(quint8 line, quint16 index, quint8 subindex, SUBINDEX_DATA_T &data);
-    QList<quint8> getSubIndexList(quint8 line, quint16 index, quint8 firstSub = 0);
+    std::optional<SUBINDEX_DATA_T> getSubIndex(quint8 line, quint16 index, quint8 subindex)
+    {
+        return tables_.objects.getSubIndex(line, index, subindex);
+    }
+    QList<quint8> getSubIndexList(quint8 line, quint16 index, quint8 firstSub = 0)
+    {
+        return tables_.objects.getSubIndexList(line, index, firstSub);
+    }
     /// All objects of a line, ascending, and all its subindices, by index and subindex; one scan each.
-    QList<IndexEntry> getAllIndices(quint8 line);
-    QList<SubEntry> getAllSubIndices(quint8 line);
+    QList<IndexEntry> getAllIndices(quint8 line) { return tables_.objects.getAllIndices(line); }
+    QList<SubEntry> getAllSubIndices(quint8 line) { return tables_.objects.getAllSubIndices(line); }
     /// Keeps what `getAllSubIndices` has read last until subindices are written otherwise than by `addSubIndex` outside
     /// a transaction: a run asks for them several times, and a server checks a whole line after each edit of one.
-    void keepSubIndices(bool keep)
-    {
-        keepsSubs_ = keep;
-        keptSubs_.reset();
-    }
+    void keepSubIndices(bool keep) { tables_.objects.keepSubIndices(keep); }
     /// Object codes (column `objecttype`) of the indices from `first` to `last`.
-    QMap<quint16, quint32> getObjectTypes(quint8 line, quint16 first, quint16 last);
+    QMap<quint16, quint32> getObjectTypes(quint8 line, quint16 first, quint16 last)
+    {
+        return tables_.objects.getObjectTypes(line, first, last);
+    }
     /// The subindices of all objects of a line by index and subindex, those that have no object included.
-    QList<SubKey> getSubKeys(quint8 line);
-    quint16 getSubIndexDataType(quint8 line, quint16 index, quint8 subindex);
-    QString getSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex);
+    QList<SubKey> getSubKeys(quint8 line) { return tables_.objects.getSubKeys(line); }
+    quint16 getSubIndexDataType(quint8 line, quint16 index, quint8 subindex)
+    {
+        return tables_.objects.getSubIndexDataType(line, index, subindex);
+    }
+    QString getSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex)
+    {
+        return tables_.objects.getSubIndexDefaultValue(line, index, subindex);
+    }
     bool setSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex, const QString &value,
-                                 Quotes quotes = Quotes::Literal);
+                                 Quotes quotes = Quotes::Literal)
+    {
+        return tables_.objects.setSubIndexDefaultValue(line, index, subindex, value, quotes);
+    }
     /// Subindices whose column holds the value, as a number first, then as text; only those whose object exists.
-    QList<SubKey> findSubIndices(quint8 line, const QString &column, const QString &value);
+    QList<SubKey> findSubIndices(quint8 line, const QString &column, const QString &value)
+    {
+        return tables_.objects.findSubIndices(line, column, value);
+    }
     /// Copies an object over another of this project; the target's former subindices are gone.
-    bool copyIndex(quint8 fromLine, quint16 fromIndex, quint8 toLine, quint16 toIndex);
+    bool copyIndex(quint8 fromLine, quint16 fromIndex, quint8 toLine, quint16 toIndex)
+    {
+        return tables_.objects.copyIndex(fromLine, fromIndex, toLine, toIndex);
+    }
     /// Copies an object out of another store; target subindices that the source lacks are removed.
     bool copyIndexFrom(ObjectDataBase *other, quint8 fromLine, quint16 fromIndex, quint8 toLine, quint16 toIndex,
-                       bool objectOnly = false);
-    bool setObjectMetadata(quint8 line, quint16 index, const Metadata &metadata);
-    bool setSubObjectMetadata(quint8 line, quint16 index, quint8 subindex, const Metadata &metadata);
+                       bool objectOnly = false)
+    {
+        return other &&
+               tables_.objects.copyIndexFrom(other->tables_.objects, fromLine, fromIndex, toLine, toIndex, objectOnly);
+    }
+    bool setObjectMetadata(quint8 line, quint16 index, const Metadata &metadata)
+    {
+        return tables_.objects.setObjectMetadata(line, index, metadata);
+    }
+    bool setSubObjectMetadata(quint8 line, quint16 index, quint8 subindex, const Metadata &metadata)
+    {
+        return tables_.objects.setSubObjectMetadata(line, index, subindex, metadata);
+    }
     /// Writes one column of an object row, which is made where it is missing; the form in which text projects arrive.
     void setObjectIndexSqlValue(const QString &table, const QString &index, const QString &column,
                                 const QVariant &value, Quotes quotes = Quotes::Literal);
@@ -193,131 +253,248 @@ public:
                              const QVariant &value, Quotes quotes = Quotes::Literal);
 
     /// Loads the subindices of a line (`index` 0) or of one object into the cache that `getSubIndex` asks first.
-    void cacheAllSubs(quint8 line, quint16 index);
-    void clearSubCache();
+    void cacheAllSubs(quint8 line, quint16 index) { tables_.objects.cacheAllSubs(line, index); }
+    void clearSubCache() { tables_.objects.clearSubCache(); }
 
     /// Id of a text in the pool, adding it where it is new; -1 on failure.
-    int getStringId(const QString &text) { return strings_.idOf(text); }
-    QString getString(int id) { return strings_.textOf(id); }
-    void cacheStrings() { strings_.reload(); }
+    int getStringId(const QString &text) { return tables_.context.strings.idOf(text); }
+    QString getString(int id) { return tables_.context.strings.textOf(id); }
+    void cacheStrings() { tables_.context.strings.reload(); }
     /// Deletes the texts that no row refers to.
-    void removeUnusedStrings();
+    void removeUnusedStrings() { std::ignore = tables_.removeUnusedStrings(); }
     /// Doubles each single quote, for a text that is taken as `Quotes::Literal`.
-    static void escapeQuotes(QString &text);
+    static void escapeQuotes(QString &text) { text.replace(u'\'', QLatin1StringView("''")); }
 
-    // ---- Lines (linetables.cpp) ------------------------------------------------------------------------------------
+    // ---- Lines (LineTables) ------------------------------------------------------------------------------------
 
     /// Adds or updates a line and makes its tables. Of an existing line five fields stay: `isbootupmanager`,
     /// `isconfigmanager`, `excludepdolinking`, `multilinedata`, `lssslave`.
-    bool addNode(quint8 line, const NODE_DATA_T &data, Quotes quotes = Quotes::Literal);
+    bool addNode(quint8 line, const NODE_DATA_T &data, Quotes quotes = Quotes::Literal)
+    {
+        return tables_.lines.addNode(line, data, quotes);
+    }
     /// Removes a line; the comma lists of later lines move down by one place.
-    bool removeNode(quint8 line);
-    bool getNode(quint8 line, NODE_DATA_T &data);
-    QList<quint8> getNodeList();
-    bool nodeExists(quint8 line);
+    bool removeNode(quint8 line) { return tables_.lines.removeNode(line); }
+    std::optional<NODE_DATA_T> getNode(quint8 line) { return tables_.lines.getNode(line); }
+    QList<quint8> getNodeList() { return tables_.lines.getNodeList(); }
+    bool nodeExists(quint8 line) { return tables_.lines.nodeExists(line); }
     void setNodeSqlValue(const QString &nodeId, const QString &column, const QVariant &value,
                          Quotes quotes = Quotes::Literal);
     /// The line that the description settings address.
-    void setCurrentLine(quint8 line) { currentLine_ = line; }
-    quint8 currentLine() const { return currentLine_; }
+    void setCurrentLine(quint8 line) { tables_.settings.setCurrentLine(line); }
+    quint8 currentLine() const { return tables_.settings.currentLine(); }
 
-    // ---- Settings (settingstables.cpp) -----------------------------------------------------------------------------
+    // ---- Settings (SettingsTables) -----------------------------------------------------------------------------
     // Values are text; a missing key reads as empty. A per-line value is a comma list, one part per line; a line
     // beyond the end takes the last part. Where a quote is not spoken of, a value is kept as it is; a key is a literal.
 
-    QString getGeneralSetting(const QString &key);
-    QString getGeneralSetting(const QString &key, quint8 line);
-    bool setGeneralSetting(const QString &key, const QString &value, Quotes quotes = Quotes::Literal);
+    QString getGeneralSetting(const QString &key) { return tables_.settings.getGeneralSetting(key); }
+    QString getGeneralSetting(const QString &key, quint8 line) { return tables_.settings.getGeneralSetting(key, line); }
+    bool setGeneralSetting(const QString &key, const QString &value, Quotes quotes = Quotes::Literal)
+    {
+        return tables_.settings.setGeneralSetting(key, value, quotes);
+    }
     /// The parts of the other lines are kept as they are.
-    bool setGeneralSetting(const QString &key, const QString &value, quint8 line, Quotes quotes = Quotes::Literal);
+    bool setGeneralSetting(const QString &key, const QString &value, quint8 line, Quotes quotes = Quotes::Literal)
+    {
+        return tables_.settings.setGeneralSetting(key, value, line, quotes);
+    }
     /// The keys whose comma lists follow the lines when these are added, removed or cut.
-    static QStringList getGeneralSettingKeys();
-    bool generalSettingExists(const QString &key);
+    static QStringList getGeneralSettingKeys() { return SettingsTables::getGeneralSettingKeys(); }
+    bool generalSettingExists(const QString &key) { return tables_.settings.generalSettingExists(key); }
     /// All of a table, from one scan.
-    QHash<QString, QString> getGeneralSettings();
-    QHash<QString, QString> getJ1939Settings();
-    QString getJ1939Setting(const QString &key);
-    QString getJ1939Setting(const QString &key, quint8 line);
-    bool setJ1939Setting(const QString &key, const QString &value);
-    QString getDescriptionSetting(const QString &key);
-    bool setDescriptionSetting(const QString &key, const QString &value);
-    bool descriptionSettingExists(const QString &key);
-    QString getEnergyBusSetting(const QString &key);
-    bool setEnergyBusSetting(const QString &key, const QString &value, Quotes quotes = Quotes::Literal);
-    bool removeEnergyBusSetting(const QString &key);
-    QStringList getEnergyBusSettingKeys();
-    QString getMiscSetting(const QString &key);
-    bool setMiscSetting(const QString &key, const QString &value);
-    bool miscSettingExists(const QString &key);
+    QHash<QString, QString> getGeneralSettings() { return tables_.settings.getGeneralSettings(); }
+    QHash<QString, QString> getJ1939Settings() { return tables_.settings.getJ1939Settings(); }
+    QString getJ1939Setting(const QString &key) { return tables_.settings.getJ1939Setting(key); }
+    QString getJ1939Setting(const QString &key, quint8 line) { return tables_.settings.getJ1939Setting(key, line); }
+    bool setJ1939Setting(const QString &key, const QString &value)
+    {
+        return tables_.settings.setJ1939Setting(key, value);
+    }
+    QString getDescriptionSetting(const QString &key) { return tables_.settings.getDescriptionSetting(key); }
+    bool setDescriptionSetting(const QString &key, const QString &value)
+    {
+        return tables_.settings.setDescriptionSetting(key, value);
+    }
+    bool descriptionSettingExists(const QString &key) { return tables_.settings.descriptionSettingExists(key); }
+    QString getEnergyBusSetting(const QString &key) { return tables_.settings.getEnergyBusSetting(key); }
+    bool setEnergyBusSetting(const QString &key, const QString &value, Quotes quotes = Quotes::Literal)
+    {
+        return tables_.settings.setEnergyBusSetting(key, value, quotes);
+    }
+    bool removeEnergyBusSetting(const QString &key) { return tables_.settings.removeEnergyBusSetting(key); }
+    QStringList getEnergyBusSettingKeys() { return tables_.settings.getEnergyBusSettingKeys(); }
+    QString getMiscSetting(const QString &key) { return tables_.settings.getMiscSetting(key); }
+    bool setMiscSetting(const QString &key, const QString &value)
+    {
+        return tables_.settings.setMiscSetting(key, value);
+    }
+    bool miscSettingExists(const QString &key) { return tables_.settings.miscSettingExists(key); }
 
-    // ---- J1939 (j1939tables.cpp) -----------------------------------------------------------------------------------
+    // ---- J1939 (J1939Tables) -----------------------------------------------------------------------------------
     // A direction is `transmit` or `receive`; 0 in a list operation means both.
 
-    bool addPGN(quint8 line, quint32 number, const PGN &data);
+    bool addPGN(quint8 line, quint32 number, const PGN &data) { return tables_.j1939.addPGN(line, number, data); }
     bool addSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, const SPN &data,
-                Quotes quotes = Quotes::Literal);
-    bool removePGN(quint8 line, quint32 number, quint8 direction);
-    bool removeSPN(quint8 line, quint32 pgn, quint32 spn, quint8 direction);
-    bool pgnExists(quint8 line, quint32 number, quint8 direction);
-    bool spnExists(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
-    bool getPGN(quint8 line, quint32 number, quint8 direction, PGN &data);
-    QString getPGNName(quint8 line, quint32 number, quint8 direction);
-    quint16 getPGNMappingCount(quint8 line, quint32 number, quint8 direction);
-    QList<quint32> getPGNList(quint8 line, quint8 direction, bool leaveOutSafe = false);
+                Quotes quotes = Quotes::Literal)
+    {
+        return tables_.j1939.addSPN(line, pgn, direction, spn, data, quotes);
+    }
+    bool removePGN(quint8 line, quint32 number, quint8 direction)
+    {
+        return tables_.j1939.removePGN(line, number, direction);
+    }
+    bool removeSPN(quint8 line, quint32 pgn, quint32 spn, quint8 direction)
+    {
+        return tables_.j1939.removeSPN(line, pgn, spn, direction);
+    }
+    bool pgnExists(quint8 line, quint32 number, quint8 direction)
+    {
+        return tables_.j1939.pgnExists(line, number, direction);
+    }
+    bool spnExists(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
+    {
+        return tables_.j1939.spnExists(line, pgn, direction, spn);
+    }
+    std::optional<PGN> getPGN(quint8 line, quint32 number, quint8 direction)
+    {
+        return tables_.j1939.getPGN(line, number, direction);
+    }
+    QString getPGNName(quint8 line, quint32 number, quint8 direction)
+    {
+        return tables_.j1939.getPGNName(line, number, direction);
+    }
+    quint16 getPGNMappingCount(quint8 line, quint32 number, quint8 direction)
+    {
+        return tables_.j1939.getPGNMappingCount(line, number, direction);
+    }
+    QList<quint32> getPGNList(quint8 line, quint8 direction, bool leaveOutSafe = false)
+    {
+        return tables_.j1939.getPGNList(line, direction, leaveOutSafe);
+    }
     /// All PGNs of a line, receive before transmit and ascending in each, and all its SPNs in the order of their
     /// places; one scan each.
-    QList<PGN> getAllPGNs(quint8 line);
-    QList<SPN> getAllSPNs(quint8 line);
+    QList<PGN> getAllPGNs(quint8 line) { return tables_.j1939.getAllPGNs(line); }
+    QList<SPN> getAllSPNs(quint8 line) { return tables_.j1939.getAllSPNs(line); }
     /// The names of all PGNs of one direction, by number, from one scan.
-    QHash<quint32, QString> getPGNNames(quint8 line, quint8 direction);
-    bool getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, SPN &data);
-    QList<quint32> getSPNList(quint8 line, quint32 pgn, quint8 direction);
-    QString getSPNName(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
-    quint32 getSPNDataType(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
-    bool cacheSPNs(quint8 line);
+    QHash<quint32, QString> getPGNNames(quint8 line, quint8 direction)
+    {
+        return tables_.j1939.getPGNNames(line, direction);
+    }
+    std::optional<SPN> getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
+    {
+        return tables_.j1939.getSPN(line, pgn, direction, spn);
+    }
+    QList<quint32> getSPNList(quint8 line, quint32 pgn, quint8 direction)
+    {
+        return tables_.j1939.getSPNList(line, pgn, direction);
+    }
+    QString getSPNName(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
+    {
+        return tables_.j1939.getSPNName(line, pgn, direction, spn);
+    }
+    quint32 getSPNDataType(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
+    {
+        return tables_.j1939.getSPNDataType(line, pgn, direction, spn);
+    }
+    bool cacheSPNs(quint8 line) { return tables_.j1939.cacheSPNs(line); }
     /// Counts the SPNs of all PGNs anew, which every open does; without a notification.
-    void repairMappingCounts();
-    void clearSPNCache() { spnCache_.clear(); }
+    bool repairMappingCounts() { return Repairs::mappingCounts(tables_); }
+    void clearSPNCache() { tables_.j1939.clearSPNCache(); }
     /// True if some PGN of the line is a safety PGN (`issafe`).
-    bool anySafePGN(quint8 line);
+    bool anySafePGN(quint8 line) { return tables_.j1939.anySafePGN(line); }
 
-    // ---- Raw CAN (rawcantables.cpp) --------------------------------------------------------------------------------
+    // ---- Raw CAN (RawCanTables) --------------------------------------------------------------------------------
 
-    bool addCANID(quint8 line, quint32 id, const CANID &data);
+    bool addCANID(quint8 line, quint32 id, const CANID &data) { return tables_.rawCan.addCANID(line, id, data); }
     /// An update leaves `pos` and `bitsize` of the element as they were first inserted.
     bool addDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number, const DataElement &data,
-                        Quotes quotes = Quotes::Literal);
-    bool removeCANID(quint8 line, quint32 id, quint8 direction);
-    bool removeDataElement(quint8 line, quint32 canid, quint32 number, quint8 direction);
-    bool canidExists(quint8 line, quint32 id, quint8 direction);
-    bool dataElementExists(quint8 line, quint32 canid, quint8 direction, quint32 number);
-    bool getCANID(quint8 line, quint32 id, quint8 direction, CANID &data);
-    QString getCANIDName(quint8 line, quint32 id, quint8 direction);
-    QList<quint32> getCANIDList(quint8 line, quint8 direction);
+                        Quotes quotes = Quotes::Literal)
+    {
+        return tables_.rawCan.addDataElement(line, canid, direction, number, data, quotes);
+    }
+    bool removeCANID(quint8 line, quint32 id, quint8 direction)
+    {
+        return tables_.rawCan.removeCANID(line, id, direction);
+    }
+    bool removeDataElement(quint8 line, quint32 canid, quint32 number, quint8 direction)
+    {
+        return tables_.rawCan.removeDataElement(line, canid, number, direction);
+    }
+    bool canidExists(quint8 line, quint32 id, quint8 direction)
+    {
+        return tables_.rawCan.canidExists(line, id, direction);
+    }
+    bool dataElementExists(quint8 line, quint32 canid, quint8 direction, quint32 number)
+    {
+        return tables_.rawCan.dataElementExists(line, canid, direction, number);
+    }
+    std::optional<CANID> getCANID(quint8 line, quint32 id, quint8 direction)
+    {
+        return tables_.rawCan.getCANID(line, id, direction);
+    }
+    QString getCANIDName(quint8 line, quint32 id, quint8 direction)
+    {
+        return tables_.rawCan.getCANIDName(line, id, direction);
+    }
+    QList<quint32> getCANIDList(quint8 line, quint8 direction) { return tables_.rawCan.getCANIDList(line, direction); }
     /// All CAN-IDs of a line, receive before transmit and ascending in each, and all its data elements by number, with
     /// the CAN-ID in `pgnnumber`; one scan each.
-    QList<CANID> getAllCANIDs(quint8 line);
-    QList<DataElement> getAllDataElements(quint8 line);
+    QList<CANID> getAllCANIDs(quint8 line) { return tables_.rawCan.getAllCANIDs(line); }
+    QList<DataElement> getAllDataElements(quint8 line) { return tables_.rawCan.getAllDataElements(line); }
     /// The names of all CAN-IDs of one direction, by id, from one scan.
-    QHash<quint32, QString> getCANIDNames(quint8 line, quint8 direction);
-    bool getDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number, DataElement &data);
-    QString getDataElementName(quint8 line, quint32 canid, quint8 direction, quint32 number);
-    QList<quint32> getDataElementList(quint8 line, quint32 canid, quint8 direction);
+    QHash<quint32, QString> getCANIDNames(quint8 line, quint8 direction)
+    {
+        return tables_.rawCan.getCANIDNames(line, direction);
+    }
+    std::optional<DataElement> getDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number)
+    {
+        return tables_.rawCan.getDataElement(line, canid, direction, number);
+    }
+    QString getDataElementName(quint8 line, quint32 canid, quint8 direction, quint32 number)
+    {
+        return tables_.rawCan.getDataElementName(line, canid, direction, number);
+    }
+    QList<quint32> getDataElementList(quint8 line, quint32 canid, quint8 direction)
+    {
+        return tables_.rawCan.getDataElementList(line, canid, direction);
+    }
 
-    // ---- UDS services (udstables.cpp) ------------------------------------------------------------------------------
+    // ---- UDS services (UdsTables) ------------------------------------------------------------------------------
     // Services are those of ISO 14229-1; the lists are comma lists of numbers. Setting a column of a service without a
     // row makes the row, inactive and with its other columns empty.
 
-    bool createUDSSettingsTable(quint8 line);
-    void setUDSServiceActive(quint8 line, quint8 sid, bool active);
-    void setUDSServiceSessions(quint8 line, quint8 sid, const QString &sessions);
-    void setUDSServiceUserLevels(quint8 line, quint8 sid, const QString &levels);
-    void setUDSServiceAuthentication(quint8 line, quint8 sid, const QString &text);
-    bool getUDSServiceActive(quint8 line, quint8 sid);
-    QString getUDSServiceSessions(quint8 line, quint8 sid);
-    QString getUDSServiceUserLevels(quint8 line, quint8 sid);
-    QString getUDSServiceAuthentication(quint8 line, quint8 sid);
-    QList<UDSService> getUDSServices(quint8 line);
+    bool createUDSSettingsTable(quint8 line) { return tables_.uds.createUDSSettingsTable(line); }
+    void setUDSServiceActive(quint8 line, quint8 sid, bool active)
+    {
+        std::ignore = tables_.uds.setActive(line, sid, active);
+    }
+    void setUDSServiceSessions(quint8 line, quint8 sid, const QString &sessions)
+    {
+        std::ignore = tables_.uds.set(line, sid, UdsTables::Column::Sessions, sessions);
+    }
+    void setUDSServiceUserLevels(quint8 line, quint8 sid, const QString &levels)
+    {
+        std::ignore = tables_.uds.set(line, sid, UdsTables::Column::UserLevels, levels);
+    }
+    void setUDSServiceAuthentication(quint8 line, quint8 sid, const QString &text)
+    {
+        std::ignore = tables_.uds.set(line, sid, UdsTables::Column::Authentication, text);
+    }
+    bool getUDSServiceActive(quint8 line, quint8 sid) { return tables_.uds.isActive(line, sid); }
+    QString getUDSServiceSessions(quint8 line, quint8 sid)
+    {
+        return tables_.uds.text(line, sid, UdsTables::Column::Sessions);
+    }
+    QString getUDSServiceUserLevels(quint8 line, quint8 sid)
+    {
+        return tables_.uds.text(line, sid, UdsTables::Column::UserLevels);
+    }
+    QString getUDSServiceAuthentication(quint8 line, quint8 sid)
+    {
+        return tables_.uds.text(line, sid, UdsTables::Column::Authentication);
+    }
+    QList<UDSService> getUDSServices(quint8 line) { return tables_.uds.getUDSServices(line); }
 
 Q_SIGNALS:
     /// After a write: what changed.
@@ -328,99 +505,11 @@ Q_SIGNALS:
     void databaseWriteExecuted();
 
 private:
-    // Life
-    QString makeWorkingCopy(const QString &source);
-    bool connectTo(const QString &workingCopy);
-    void applyPragmas(int cachePages);
-    void forgetCaches();
-    void writeIdentity();
-    bool copyWorkingCopyTo(const QString &path);
-    bool fillNewDataBase();
-    bool createGlobalTables();
-
-    // Steps of an open
-    bool openWorkingCopy(const QString &path);
-    bool hasLines();
-    void addMissingTablesAndColumns();
-    void migrateLine(quint8 line);
-    bool addUniqueColumnsToSubDatabase(quint8 line);
-    void migrationExec(const QString &statement);
-    bool savedByMatchingTool();
-    void completeLine(quint8 line);
-    QString inferLineType(quint8 line);
-    void activateDefaultServices(quint8 line);
-    void makeEdsPathsAbsolute();
-    void repairAfterOpen(int fileVersion);
-    int fileSchemaVersion();
-
-    // Repairs
-    void repairSPNDirections(quint8 line);
-    void repairBitPositions(quint8 line);
-    void repairDataElementPositions(quint8 line, quint8 direction);
-    void repairSPNPositions(quint8 line, quint8 direction);
-    void trimLineLists();
-    void addDescriptionDefaults(quint8 line);
-
-    // Statements
-    bool run(const char *operation, const QString &text, const QVariantList &values = {});
-    bool runSchema(const char *operation, const QString &text);
-    bool runSubs(const char *operation, const QString &text, const QVariantList &values = {});
-    bool writeRow(const char *operation, const RecordColumns::Row &row, const QString &insert, const QString &update,
-                  QVariantList values);
-    static std::optional<QVariantList> textsOf(const char *operation, std::optional<QVariantList> values);
-    QString selectText(const RecordColumns::Row &row);
-    QList<quint32> selectNumbers(const QString &text, const QVariantList &values = {});
-    QHash<quint32, QString> selectNames(const QString &text, const QVariantList &values);
     void noteWrite(Statement::Effect effect);
-    bool refusesSave();
-    void notify(Change type, ChangeSet change = {});
 
-    QString descriptionKey(const QString &key) const;
-    QString settingOf(QLatin1StringView table, const QString &key);
-    QHash<QString, QString> settingsOf(QLatin1StringView table);
-    bool settingExists(QLatin1StringView table, const QString &key);
-    enum class SettingWrite
-    {
-        Failed,
-        Unchanged,
-        Written
-    };
-    SettingWrite writeSetting(QLatin1StringView table, const QString &key, const QString &value, Quotes quotes);
-    bool setAndNotify(QLatin1StringView table, const QString &key, const QString &value, Quotes quotes, Change change,
-                      ChangeSet fields = {});
-    bool writeNodeRow(quint8 line, const NODE_DATA_T &data, Quotes quotes);
-    bool dropListPart(QLatin1StringView table, quint8 line);
-    void followWrite(const SubEntry &entry, std::optional<QList<SubEntry>> kept);
-    bool storeSubIndex(const SubEntry &entry, Quotes quotes);
-    bool writeSubRow(const SubEntry &entry, Quotes quotes);
-    void ensurePGNColumns(quint8 line);
-    bool copySubs(ObjectDataBase &from, const SubKey &source, const QList<quint8> &subs, const SubKey &target);
-    bool setMetadata(const QString &text, QVariantList key, const Metadata &metadata);
-    enum class UDSColumn
-    {
-        Active,
-        Sessions,
-        UserLevels,
-        Authentication
-    };
-    bool setUDSColumn(quint8 line, quint8 sid, UDSColumn column, const QString &value);
-    QVariant udsValue(quint8 line, quint8 sid, UDSColumn column);
-
-    Statements statements_;
-    QStringList workingCopies_;
-    QString projectPath_;
-    QString lastError_;
-    std::atomic<bool> blocked_ = false;
-    bool tampered_ = false;
+    ProjectTables tables_;
+    ProjectFile file_;
     bool writeTracking_ = false;
-    quint8 currentLine_ = 0;
-    StringPool strings_{statements_};
-    QMutex cacheMutex_;
-    SubObjectCache subCache_;
-    bool keepsSubs_ = false;
-    quint8 keptLine_ = 0;
-    std::optional<QList<SubEntry>> keptSubs_; ///< all of `keptLine_`, as its table is
-    SpnCache spnCache_;
 };
 
 Q_DECLARE_METATYPE(ObjectDataBase::ChangeSet)

@@ -69,11 +69,11 @@ void ProjectConverter::unmapObject1032(quint8 line)
 {
     constexpr quint16 index = 0x1032;
     constexpr quint32 mappedOnce = 1;
-    ObjectDataBase::SUBINDEX_DATA_T data;
-    if (!store_->getSubIndex(line, index, 0, data) || data.pdomapping.toUInt() != mappedOnce)
+    std::optional<ObjectDataBase::SUBINDEX_DATA_T> data = store_->getSubIndex(line, index, 0);
+    if (!data || data->pdomapping.toUInt() != mappedOnce)
         return;
-    data.pdomapping = PDOMapping(0);
-    store_->addSubIndex(line, index, 0, data, Quotes::Kept);
+    data->pdomapping = PDOMapping(0);
+    store_->addSubIndex(line, index, 0, *data, Quotes::Kept);
 }
 
 /// The kind that a key names, put right in the project; empty for none and for one that is marked to be left.

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "check/line/defaultcobids.h"
-#include "store/storerecords.h"
+#include "store/tables/storerecords.h"
 
 #include <QHash>
 #include <QSet>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/storerecords.h"
+#include "store/tables/storerecords.h"
 
 #include <optional>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "generate/base/filegenerator.h"
-#include "store/storerecords.h"
+#include "store/tables/storerecords.h"
 
 #include <QStringList>
 

@@ -26,9 +26,8 @@ constexpr auto schemaInstance = "http://www.w3.org/2001/XMLSchema-instance"_L1;
 
 QString vendorId(ObjectDataBase &store, quint8 line)
 {
-    StoreRecords::SubIndexData sub;
-    store.getSubIndex(line, CANopen::Index::identity, 1, sub);
-    return sub.defaultvalue;
+    const std::optional<StoreRecords::SubIndexData> sub = store.getSubIndex(line, CANopen::Index::identity, 1);
+    return sub ? sub->defaultvalue : QString();
 }
 
 /// The words in which the headers and bodies of the two profiles differ.

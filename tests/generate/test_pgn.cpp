@@ -146,8 +146,7 @@ QString expectedSignal(const StoreRecords::SPN &signal, quint32 number, const Fo
 
 QStringList expectedGroup(ObjectDataBase &store, quint8 line, quint32 number, quint8 direction, const Form &form)
 {
-    ObjectDataBase::PGN pgn;
-    store.getPGN(line, number, direction, pgn);
+    const ObjectDataBase::PGN pgn = store.getPGN(line, number, direction).value();
     const QList<quint32> spns = store.getSPNList(line, number, direction);
     const int assurance = pgn.FD_TrailerFormat == 0 ? 3 : pgn.FD_AssuranceType;
     const QString safety =
@@ -161,26 +160,21 @@ QStringList expectedGroup(ObjectDataBase &store, quint8 line, quint32 number, qu
             .arg(spns.size())
             .arg(safety)};
     for (const quint32 spn : spns) {
-        ObjectDataBase::SPN signal;
-        store.getSPN(line, number, direction, spn, signal);
-        lines.append(expectedSignal(signal, spn, form));
+        lines.append(expectedSignal(store.getSPN(line, number, direction, spn).value(), spn, form));
     }
     return lines;
 }
 
 QStringList expectedFrame(ObjectDataBase &store, quint8 line, quint32 id, quint8 direction, const Form &form)
 {
-    ObjectDataBase::CANID canId;
-    store.getCANID(line, id, direction, canId);
+    const ObjectDataBase::CANID canId = store.getCANID(line, id, direction).value();
     const QList<quint32> elements = store.getDataElementList(line, id, direction);
     const QString times = direction == tx ? u"cycle %1 inhibit %2"_s.arg(canId.cycletime_ms).arg(canId.inhibittime_ms)
                                           : u"monitoring %1"_s.arg(canId.cycletime_ms);
     QStringList lines{
         u"%1 %2 %3 count %4"_s.arg(direction == tx ? "TXID"_L1 : "RXID"_L1).arg(id).arg(times).arg(elements.size())};
     for (const quint32 number : elements) {
-        ObjectDataBase::DataElement element;
-        store.getDataElement(line, id, direction, number, element);
-        lines.append(expectedSignal(element, number, form));
+        lines.append(expectedSignal(store.getDataElement(line, id, direction, number).value(), number, form));
     }
     return lines;
 }

@@ -97,8 +97,7 @@ QString ImportTest::dump(ObjectDataBase &store, quint8 line)
 {
     QString text;
     for (const quint16 index : store.getIndexList(line, 0, 0xffff)) {
-        ObjectDataBase::INDEX_DATA_T object;
-        store.getIndex(line, index, object);
+        const auto object = store.getIndex(line, index).value();
         text += u"%1 %2 code=%3 type=%4 category=%5"_s.arg(index, 4, 16, QLatin1Char('0'))
                     .arg(quoted(object.name))
                     .arg(object.objecttype)
@@ -106,9 +105,7 @@ QString ImportTest::dump(ObjectDataBase &store, quint8 line)
                     .arg(object.category) +
                 said({{"description"_L1, object.description}}) + u'\n';
         for (const quint8 subindex : store.getSubIndexList(line, index)) {
-            ObjectDataBase::SUBINDEX_DATA_T sub;
-            store.getSubIndex(line, index, subindex, sub);
-            text += dumpSub(index, subindex, sub);
+            text += dumpSub(index, subindex, store.getSubIndex(line, index, subindex).value());
         }
     }
     store.setCurrentLine(line);

@@ -29,9 +29,9 @@ std::shared_ptr<ObjectDataBase> imported(const QString &path)
 
 Sub subOf(ObjectDataBase &store, quint16 index, quint8 subindex)
 {
-    Sub sub;
-    EXPECT_TRUE(store.getSubIndex(0, index, subindex, sub)) << std::hex << index << ":" << +subindex;
-    return sub;
+    const std::optional<Sub> sub = store.getSubIndex(0, index, subindex);
+    EXPECT_TRUE(sub) << std::hex << index << ":" << +subindex;
+    return sub.value_or(Sub());
 }
 
 /// Whether a value or limit is a number of the type and, where there are limits, between them.
@@ -95,9 +95,9 @@ TEST(CodbImport, SubObjectsJoinObjectsOfTheLine)
     importer.setFile(path);
     importer.startImport();
     importer.waitForEnd();
-    ASSERT_TRUE(store->getIndex(0, 0x2100, array));
-    EXPECT_EQ(array.datatype, CAN::Real32);
-    EXPECT_EQ(array.description, u"mine"_s);
+    const auto imported = store->getIndex(0, 0x2100).value();
+    EXPECT_EQ(imported.datatype, CAN::Real32);
+    EXPECT_EQ(imported.description, u"mine"_s);
     EXPECT_TRUE(store->subIndexExists(0, 0xC000, 0));
     EXPECT_FALSE(store->indexExists(0, 0xC000));
 
@@ -202,8 +202,7 @@ TEST(BuiltInProfiles, LoadToSoundObjects)
         ASSERT_TRUE(store);
         store->cacheAllSubs(0, 0);
         for (const quint16 index : store->getIndexList(0, 0, 0xffff)) {
-            ObjectDataBase::INDEX_DATA_T object;
-            ASSERT_TRUE(store->getIndex(0, index, object));
+            const auto object = store->getIndex(0, index).value();
             const QList<quint8> subs = store->getSubIndexList(0, index);
             SCOPED_TRACE(id.toStdString() + " " + QString::number(index, 16).toStdString());
             ASSERT_FALSE(subs.isEmpty());

@@ -43,9 +43,9 @@ Store imported(const QByteArray &table)
 
 StoreRecords::SubIndexData subOf(const Store &store, quint16 index, quint8 subindex, quint8 line = 0)
 {
-    StoreRecords::SubIndexData sub;
-    EXPECT_TRUE(store->getSubIndex(line, index, subindex, sub)) << std::hex << index << ":" << +subindex;
-    return sub;
+    const std::optional<StoreRecords::SubIndexData> sub = store->getSubIndex(line, index, subindex);
+    EXPECT_TRUE(sub) << std::hex << index << ":" << +subindex;
+    return sub.value_or(StoreRecords::SubIndexData());
 }
 
 constexpr char wideHeader[] = "index,sub,datatype,access,edsname,value,";
@@ -73,9 +73,7 @@ INSTANTIATE_TEST_SUITE_P(Import, CsvCases, testing::ValuesIn(fileCases(u"import-
 
 TEST(CsvImport, ReadsLatin1)
 {
-    ObjectDataBase::INDEX_DATA_T object;
-    ASSERT_TRUE(imported("index,sub,edsname,a,b\n0x2000,0,Z\xe4hler,,\n")->getIndex(0, 0x2000, object));
-    EXPECT_EQ(object.name, u"Zähler");
+    EXPECT_EQ(imported("index,sub,edsname,a,b\n0x2000,0,Z\xe4hler,,\n")->getIndexName(0, 0x2000), u"Zähler");
 }
 
 TEST(CsvImport, DoesNotReadTheseInTheFirstColumn)
@@ -113,8 +111,7 @@ TEST(CsvImport, AddsToWhatTheLineHas)
                                                           "0x2000,3,U8,ro,Third,1,\n0x2001,0,U8,ro,Other,1,\n");
     // A higher subindex does not rename its object, nor does it change a count that the line has.
     importTable(store, QByteArray(wideHeader) + "\n0x2000,4,,rw,Fourth,2,\n0x2001,0,U16,ro,Renamed,2,\n");
-    ObjectDataBase::INDEX_DATA_T object;
-    ASSERT_TRUE(store->getIndex(0, 0x2000, object));
+    const auto object = store->getIndex(0, 0x2000).value();
     EXPECT_EQ(std::tuple(object.name, object.objecttype), std::tuple(u"List"_s, 8U));
     EXPECT_EQ(subOf(store, 0x2000, 0).defaultvalue, u"3");
     EXPECT_EQ(subOf(store, 0x2000, 3).name, u"Third");

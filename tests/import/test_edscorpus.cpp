@@ -111,8 +111,7 @@ Rows expectedRows(const QList<QStringList> &table, ObjectDataBase &store)
         const QString object = QString::number(index, 16);
         if (row[Sub] == "-"_L1) {
             rows.insert(object, row[Name]);
-            ObjectDataBase::INDEX_DATA_T data;
-            store.getIndex(0, index, data);
+            const auto data = store.getIndex(0, index).value_or(ObjectDataBase::INDEX_DATA_T());
             if (groups.contains(index) || data.objecttype == CANopen::Array || data.objecttype == CANopen::Record)
                 continue;
         }

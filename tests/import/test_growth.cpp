@@ -1,7 +1,7 @@
 #include "generate/run/importdispatch.h"
 #include "import/importproject.h"
 #include "store/objectdatabase.h"
-#include "store/temporaryindex.h"
+#include "store/tables/temporaryindex.h"
 #include "support/testhome.h"
 
 #include <gtest/gtest.h>
@@ -46,8 +46,8 @@ QString messages(const QString &folder, quint32 size)
     const Store store = ImportTest::emptyProject();
     {
         const ObjectDataBase::Transaction transaction(*store);
-        const TemporaryIndex pgnIndex(*store, 0, TemporaryIndex::pgnKeys);
-        const TemporaryIndex canidIndex(*store, 0, TemporaryIndex::canidKeys);
+        const TemporaryIndex pgnIndex(store->statements(), 0, TemporaryIndex::pgnKeys);
+        const TemporaryIndex canidIndex(store->statements(), 0, TemporaryIndex::canidKeys);
         for (quint32 i = 1; i <= size; ++i) {
             store->addPGN(0, i, {.number = i, .direction = ObjectDataBase::transmit});
             store->addCANID(0, i, {.id = i, .direction = ObjectDataBase::transmit});

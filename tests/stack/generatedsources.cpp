@@ -110,11 +110,10 @@ Variables variablesOf(ObjectDataBase &store)
     const QSet<quint32> safetyData = staticSafetyData(store);
     for (const quint8 line : store.getNodeList()) {
         for (const auto &key : store.findSubIndices(line, u"implementation"_s, u"2"_s)) {
-            ObjectDataBase::SUBINDEX_DATA_T sub;
-            if (safetyData.contains(quint32{line} << 24 | quint32{key.index} << 8 | key.subindex))
+            if (key.index < 0x1000 || safetyData.contains(quint32{line} << 24 | quint32{key.index} << 8 | key.subindex))
                 continue;
-            if (key.index >= 0x1000 && store.getSubIndex(line, key.index, key.subindex, sub))
-                variables.add(Helper::substituteVariables(sub.varname, key.index, key.subindex, line), sub);
+            if (const auto sub = store.getSubIndex(line, key.index, key.subindex))
+                variables.add(Helper::substituteVariables(sub->varname, key.index, key.subindex, line), *sub);
         }
     }
     return variables;
@@ -358,19 +357,18 @@ void GeneratedSources::writeSymbols() const
         if (signal.implementation == 2 && !signal.varname.isEmpty())
             names.insert(signal.varname);
     };
-    ObjectDataBase::SPN signal;
     for (const quint8 line : store().getNodeList()) {
         for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
             for (const quint32 number : store().getPGNList(line, direction)) {
                 for (const quint32 spn : store().getSPNList(line, number, direction)) {
-                    if (store().getSPN(line, number, direction, spn, signal))
-                        add(signal);
+                    if (const auto signal = store().getSPN(line, number, direction, spn))
+                        add(*signal);
                 }
             }
             for (const quint32 id : store().getCANIDList(line, direction)) {
                 for (const quint32 element : store().getDataElementList(line, id, direction)) {
-                    if (store().getDataElement(line, id, direction, element, signal))
-                        add(signal);
+                    if (const auto signal = store().getDataElement(line, id, direction, element))
+                        add(*signal);
                 }
             }
         }

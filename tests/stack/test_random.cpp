@@ -68,8 +68,7 @@ void expectObjects(ObjectDataBase &store, const QString &dump)
     for (const quint8 line : store.getNodeList()) {
         for (const quint16 index : store.getIndexList(line, 0x2000, 0x5fff)) {
             for (const quint8 subindex : store.getSubIndexList(line, index, 0)) {
-                ObjectDataBase::SUBINDEX_DATA_T sub;
-                store.getSubIndex(line, index, subindex, sub);
+                const auto sub = store.getSubIndex(line, index, subindex).value();
                 const QString place = u"%1 0x%2:%3"_s.arg(line).arg(index, 4, 16, '0'_L1).arg(subindex);
                 EXPECT_EQ(values.contains(place), sub.implementation != 3) << qPrintable(place);
                 if (sub.implementation == 2 && !withoutArray.contains(sub.datatype)) {

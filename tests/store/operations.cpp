@@ -74,6 +74,13 @@ QString shown(const Store::UDSService &service)
     return u"0x%1=%2"_s.arg(QString::number(service.sid, 16), QString::number(service.active));
 }
 
+/// A record that is there, with all that it holds.
+template <class Record>
+QString shown(const std::optional<Record> &record)
+{
+    return record ? u"true {"_s + described(*record) + u'}' : u"false"_s;
+}
+
 template <class Value>
 QString shown(const QList<Value> &list)
 {
@@ -81,16 +88,6 @@ QString shown(const QList<Value> &list)
     for (const Value &value : list)
         parts.append(shown(value));
     return parts.join(u' ');
-}
-
-/// What an operation wrote into a record.
-template <class Parameter, class Value>
-QString filled(const Value &value)
-{
-    if constexpr (std::is_lvalue_reference_v<Parameter> && !std::is_const_v<std::remove_reference_t<Parameter>>)
-        return u" {"_s + described(value) + u'}';
-    else
-        return {};
 }
 
 template <class Member, class Result, class... Parameters>
@@ -104,8 +101,7 @@ Operation bound(Member member)
                     (store.*member)(value...);
                     return QString();
                 } else {
-                    const QString result = shown((store.*member)(value...));
-                    return result == "false"_L1 ? result : (result + ... + filled<Parameters>(value));
+                    return shown((store.*member)(value...));
                 }
             },
             values);

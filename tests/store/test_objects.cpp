@@ -2,7 +2,7 @@
 
 #include "store/storetest.h"
 
-#include "store/metadatablob.h"
+#include "store/tables/metadatablob.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,7 +2,7 @@
 
 #include "store/storetest.h"
 
-#include "store/workingcopies.h"
+#include "store/file/workingcopies.h"
 #include "support/smalldisk.h"
 
 #include <QCoreApplication>
@@ -50,9 +50,7 @@ TEST_F(ProjectFile, SavedProjectComesBackWithoutTamperMark)
     ASSERT_TRUE(other.openDataBase(path(u"a.ncxp"_s)));
     EXPECT_FALSE(other.isTampered());
     EXPECT_EQ(other.getMiscSetting(u"TamperLog"_s), u""_s);
-    ObjectDataBase::SUBINDEX_DATA_T back;
-    ASSERT_TRUE(other.getSubIndex(0, 0x2000, 0, back));
-    EXPECT_EQ(back, sub);
+    EXPECT_EQ(other.getSubIndex(0, 0x2000, 0), sub);
 }
 
 TEST_F(ProjectFile, HashFollowsTheCanonicalDump)
@@ -219,8 +217,7 @@ TEST_F(ProjectFile, EnergyBusFileGetsAbsolutePaths)
     store.saveDatabase(file);
     const QString here = QDir::currentPath();
     ASSERT_TRUE(store.openDataBase(file));
-    ASSERT_TRUE(store.getNode(0, node));
-    EXPECT_EQ(node.edspath, QFileInfo(file).canonicalPath() + u"/sub/x.eds"_s);
+    EXPECT_EQ(store.getNode(0).value().edspath, QFileInfo(file).canonicalPath() + u"/sub/x.eds"_s);
     QDir::setCurrent(here);
 }
 

@@ -2,8 +2,8 @@
 
 #include "store/storetest.h"
 
-#include "store/databasetextconverter.h"
-#include "store/metadatablob.h"
+#include "store/tables/metadatablob.h"
+#include "store/text/databasetextconverter.h"
 #include "support/datacases.h"
 #include "support/smalldisk.h"
 #include "texttools/settingstext.h"
@@ -289,9 +289,12 @@ TEST_F(TextForm, FailedWriteLeavesTheFileBeforeIt)
     const QString file = path(u"kept.ncxt"_s);
     const QByteArray before = "[GeneralSettings]\nline0type=1\n";
     ASSERT_TRUE(TestSupport::writeFile(file, before));
-    store.setGeneralSetting(u"user_defines"_s, QString(100000, u'x'));
+    ProjectTables tables;
+    ProjectFile project(tables, [] {});
+    ASSERT_TRUE(project.create() &&
+                tables.settings.setGeneralSetting(u"user_defines"_s, QString(100000, u'x'), Quotes::Kept));
     DatabaseTextConverter converter;
-    converter.setStore(&store);
+    converter.setStore(&tables);
     converter.setOutputFile(file);
     {
         const SmallDisk disk(10000);

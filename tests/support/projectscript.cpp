@@ -100,39 +100,34 @@ void ProjectScript::run(const QString &command)
         addSubs(address(rest).first, address(rest).second);
     } else if (word == "object"_L1) {
         const quint16 index = address(rest.section(u' ', 0, 0)).first;
-        StoreRecords::IndexData data;
-        store_->getIndex(line_, index, data);
+        auto data = store_->getIndex(line_, index).value_or(StoreRecords::IndexData());
         assign(data, rest.section(u' ', 1));
         store_->addIndex(line_, index, data);
     } else if (word == "sub"_L1) {
         const auto [index, subindex] = address(rest.section(u' ', 0, 0));
-        StoreRecords::SubIndexData data;
-        store_->getSubIndex(line_, index, subindex, data);
+        auto data = store_->getSubIndex(line_, index, subindex).value_or(StoreRecords::SubIndexData());
         assign(data, rest.section(u' ', 1));
         store_->addSubIndex(line_, index, subindex, data, Quotes::Kept);
     } else if (word == "remove"_L1) {
         const auto [index, subindex] = address(rest);
         rest.contains(u':') ? store_->removeSubIndex(line_, index, subindex) : store_->removeIndex(line_, index);
     } else if (word == "pgn"_L1) {
-        StoreRecords::PGN data;
-        store_->getPGN(line_, numberAt(0), direction(), data);
+        auto data = store_->getPGN(line_, numberAt(0), direction()).value_or(StoreRecords::PGN());
         data.direction = direction();
         assign(data, rest.section(u' ', 2));
         store_->addPGN(line_, numberAt(0), data);
     } else if (word == "spn"_L1) {
-        StoreRecords::SPN data;
-        store_->getSPN(line_, numberAt(0), direction(), numberAt(2), data);
+        auto data = store_->getSPN(line_, numberAt(0), direction(), numberAt(2)).value_or(StoreRecords::SPN());
         assign(data, rest.section(u' ', 3));
         store_->addSPN(line_, numberAt(0), direction(), numberAt(2), data);
     } else if (word == "canid"_L1) {
-        StoreRecords::CANID data;
-        store_->getCANID(line_, numberAt(0), direction(), data);
+        auto data = store_->getCANID(line_, numberAt(0), direction()).value_or(StoreRecords::CANID());
         data.direction = direction();
         assign(data, rest.section(u' ', 2));
         store_->addCANID(line_, numberAt(0), data);
     } else if (word == "signal"_L1) {
-        StoreRecords::DataElement data;
-        store_->getDataElement(line_, numberAt(0), direction(), numberAt(2), data);
+        auto data =
+            store_->getDataElement(line_, numberAt(0), direction(), numberAt(2)).value_or(StoreRecords::DataElement());
         assign(data, rest.section(u' ', 3));
         store_->removeDataElement(line_, numberAt(0), numberAt(2), direction());
         store_->addDataElement(line_, numberAt(0), direction(), numberAt(2), data);

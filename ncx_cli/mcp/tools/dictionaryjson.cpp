@@ -9,9 +9,8 @@ QJsonArray subindices(ObjectDataBase &store, quint8 line, quint16 index)
     store.cacheAllSubs(line, index);
     QJsonArray subs;
     for (const quint8 sub : store.getSubIndexList(line, index)) {
-        ObjectDataBase::SUBINDEX_DATA_T data;
-        if (store.getSubIndex(line, index, sub, data))
-            subs.append(DictionaryJson::subindex(sub, data));
+        if (const auto data = store.getSubIndex(line, index, sub))
+            subs.append(DictionaryJson::subindex(sub, *data));
     }
     store.clearSubCache();
     return subs;
@@ -58,13 +57,13 @@ QJsonObject DictionaryJson::subindex(quint8 sub, const ObjectDataBase::SUBINDEX_
 
 std::optional<QJsonObject> DictionaryJson::object(ObjectDataBase &store, quint8 line, quint16 index)
 {
-    ObjectDataBase::INDEX_DATA_T data;
-    if (!store.getIndex(line, index, data))
+    const auto data = store.getIndex(line, index);
+    if (!data)
         return {};
     return QJsonObject{{u"index"_s, indexText(index)},
-                       {u"name"_s, data.name},
-                       {u"objectTypeCode"_s, qint64{data.objecttype}},
-                       {u"categoryCode"_s, qint64{data.category}},
-                       {u"description"_s, data.description},
+                       {u"name"_s, data->name},
+                       {u"objectTypeCode"_s, qint64{data->objecttype}},
+                       {u"categoryCode"_s, qint64{data->category}},
+                       {u"description"_s, data->description},
                        {u"subs"_s, subindices(store, line, index)}};
 }

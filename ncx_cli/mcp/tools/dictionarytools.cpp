@@ -98,10 +98,10 @@ Reply getIndex(const ToolCall &call)
 
 Reply getSubindex(const ToolCall &call)
 {
-    ObjectDataBase::SUBINDEX_DATA_T data;
-    if (!call.store().getSubIndex(call.line(), call.index(), call.sub(), data))
+    const auto data = call.store().getSubIndex(call.line(), call.index(), call.sub());
+    if (!data)
         return DictionaryGuards::noSubindex(call);
-    return Reply::json(DictionaryJson::subindex(call.sub(), data));
+    return Reply::json(DictionaryJson::subindex(call.sub(), *data));
 }
 
 Reply findIndices(const ToolCall &call)

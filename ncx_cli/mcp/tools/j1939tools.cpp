@@ -116,9 +116,8 @@ QJsonArray spnsOf(const ToolCall &call)
     QJsonArray list;
     store.cacheSPNs(call.line());
     for (const quint32 number : store.getSPNList(call.line(), pgnOf(call), direction(call))) {
-        ObjectDataBase::SPN data;
-        if (store.getSPN(call.line(), pgnOf(call), direction(call), number, data))
-            list.append(spnObject(number, data));
+        if (const auto data = store.getSPN(call.line(), pgnOf(call), direction(call), number))
+            list.append(spnObject(number, *data));
     }
     store.clearSPNCache();
     return list;
@@ -126,18 +125,18 @@ QJsonArray spnsOf(const ToolCall &call)
 
 Reply getPGN(const ToolCall &call)
 {
-    ObjectDataBase::PGN data;
-    if (!call.store().getPGN(call.line(), pgnOf(call), direction(call), data))
+    const auto data = call.store().getPGN(call.line(), pgnOf(call), direction(call));
+    if (!data)
         return Reply::refusal(aboutPGN(call, u"PGN %1 (%2) does not exist on line %3."_s));
     return Reply::json({
         {u"pgn"_s, qint64{pgnOf(call)}},
         {u"line"_s, call.line()},
         {u"direction"_s, directionWord(call)},
-        {u"name"_s, data.name},
-        {u"description"_s, data.desc},
-        {u"priority"_s, data.priority},
-        {u"cycleTimeMs"_s, data.cycletime_ms},
-        {u"inhibitTimeMs"_s, data.inhibittime_ms},
+        {u"name"_s, data->name},
+        {u"description"_s, data->desc},
+        {u"priority"_s, data->priority},
+        {u"cycleTimeMs"_s, data->cycletime_ms},
+        {u"inhibitTimeMs"_s, data->inhibittime_ms},
         {u"spns"_s, spnsOf(call)},
     });
 }
@@ -166,10 +165,10 @@ Reply listSPNs(const ToolCall &call)
 
 Reply getSPN(const ToolCall &call)
 {
-    ObjectDataBase::SPN data;
-    if (!call.store().getSPN(call.line(), pgnOf(call), direction(call), spnOf(call), data))
+    const auto data = call.store().getSPN(call.line(), pgnOf(call), direction(call), spnOf(call));
+    if (!data)
         return Reply::refusal(aboutSPN(call, u"SPN %1 does not exist on PGN %2 (%3), line %4."_s));
-    return Reply::json(spnObject(spnOf(call), data));
+    return Reply::json(spnObject(spnOf(call), *data));
 }
 
 Reply addSPN(const ToolCall &call)

@@ -51,19 +51,19 @@ Reply listLines(const ToolCall &call)
 
 Reply getLine(const ToolCall &call)
 {
-    ObjectDataBase::NODE_DATA_T data;
-    if (!call.store().getNode(call.line(), data))
+    const auto data = call.store().getNode(call.line());
+    if (!data)
         return Reply::refusal(u"Line %1 does not exist."_s.arg(call.line()));
     return Reply::json({{u"line"_s, call.line()},
-                        {u"name"_s, data.name},
-                        {u"isMaster"_s, data.ismaster},
-                        {u"isSyncProducer"_s, data.issyncproducer},
-                        {u"isSyncConsumer"_s, data.issyncconsumer},
-                        {u"isHeartbeatConsumer"_s, data.ishbconsumer},
-                        {u"tpdoCount"_s, data.tpdocnt},
-                        {u"rpdoCount"_s, data.rpdocnt},
-                        {u"edsPath"_s, data.edspath},
-                        {u"dcfPath"_s, data.dcfpath}});
+                        {u"name"_s, data->name},
+                        {u"isMaster"_s, data->ismaster},
+                        {u"isSyncProducer"_s, data->issyncproducer},
+                        {u"isSyncConsumer"_s, data->issyncconsumer},
+                        {u"isHeartbeatConsumer"_s, data->ishbconsumer},
+                        {u"tpdoCount"_s, data->tpdocnt},
+                        {u"rpdoCount"_s, data->rpdocnt},
+                        {u"edsPath"_s, data->edspath},
+                        {u"dcfPath"_s, data->dcfpath}});
 }
 
 /// The type of that name; nothing for an unknown name.

@@ -2,7 +2,7 @@
 
 #include "ncx_cli/mcp/call/tool.h"
 #include "ncx_cli/mcp/tools/arguments.h"
-#include "store/storerecords.h"
+#include "store/tables/storerecords.h"
 
 #include <QHash>
 

@@ -120,16 +120,16 @@ QJsonArray elementsOf(const ToolCall &call)
 
 Reply getCANID(const ToolCall &call)
 {
-    ObjectDataBase::CANID data;
-    if (!call.store().getCANID(call.line(), canIdOf(call), direction(call), data))
+    const auto data = call.store().getCANID(call.line(), canIdOf(call), direction(call));
+    if (!data)
         return Reply::refusal(aboutCANID(call, u"CAN-ID %1 (%2) does not exist on line %3."_s));
     QJsonObject object = idMembers(canIdOf(call));
     object.insert(u"line"_s, call.line());
     object.insert(u"direction"_s, directionWord(call));
-    object.insert(u"name"_s, data.name);
-    object.insert(u"description"_s, data.desc);
-    object.insert(u"cycleTimeMs"_s, data.cycletime_ms);
-    object.insert(u"inhibitTimeMs"_s, data.inhibittime_ms);
+    object.insert(u"name"_s, data->name);
+    object.insert(u"description"_s, data->desc);
+    object.insert(u"cycleTimeMs"_s, data->cycletime_ms);
+    object.insert(u"inhibitTimeMs"_s, data->inhibittime_ms);
     object.insert(u"dataElements"_s, elementsOf(call));
     return Reply::json(object);
 }

@@ -55,8 +55,7 @@ void reduce(ObjectDataBase &store)
 {
     const ObjectDataBase::Transaction transaction(store);
     for (const quint16 index : store.getIndexList(0, 0, 0xffff)) {
-        ObjectDataBase::INDEX_DATA_T object;
-        store.getIndex(0, index, object);
+        auto object = store.getIndex(0, index).value();
         const QList<quint8> subs = store.getSubIndexList(0, index);
         const bool isMandatory = index == 0x1000 || index == 0x1001 || index == 0x1018;
         object.category = isMandatory ? CANopen::Mandatory : CANopen::Optional;
@@ -64,8 +63,7 @@ void reduce(ObjectDataBase &store)
             object.datatype = subs.contains(1) ? store.getSubIndexDataType(0, index, 1) : quint32{CAN::Unsigned8};
         store.addIndex(0, index, object);
         for (const quint8 subindex : subs) {
-            ObjectDataBase::SUBINDEX_DATA_T sub;
-            store.getSubIndex(0, index, subindex, sub);
+            auto sub = store.getSubIndex(0, index, subindex).value();
             reduceSub(sub);
             if (subindex == 0 && isGroup(object) && index >= 0x2000)
                 sub.defaultvalue = QString::number(subs.last());
@@ -206,9 +204,8 @@ TEST(EdsRoundTrip, KeepsDescriptionsOfVariablesOnce)
     Store store = project.store();
     for (int round = 0; round < 3; ++round) {
         store = described(store);
-        ObjectDataBase::SUBINDEX_DATA_T sub;
-        ASSERT_TRUE(store->getIndex(0, 0x2000, object) && store->getSubIndex(0, 0x2000, 0, sub));
-        EXPECT_EQ(object.description, u"of the motor\nin rpm\n\nor so");
-        EXPECT_EQ(sub.description, object.description);
+        const QString description = store->getIndex(0, 0x2000).value().description;
+        EXPECT_EQ(description, u"of the motor\nin rpm\n\nor so");
+        EXPECT_EQ(store->getSubIndex(0, 0x2000, 0).value().description, description);
     }
 }

@@ -17,8 +17,7 @@ namespace {
 
 void setObject(ProjectBuilder &project, quint16 index, quint32 code, quint16 dataType)
 {
-    ObjectDataBase::INDEX_DATA_T object;
-    project.store()->getIndex(0, index, object);
+    auto object = project.store()->getIndex(0, index).value();
     object.objecttype = code;
     object.datatype = dataType;
     project.store()->addIndex(0, index, object);

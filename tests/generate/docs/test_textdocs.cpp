@@ -41,8 +41,7 @@ QStringList heldByText(ObjectDataBase &store)
     QStringList rows;
     for (const quint8 direction : {ObjectDataBase::transmit, ObjectDataBase::receive}) {
         for (const quint32 number : store.getPGNList(0, direction)) {
-            StoreRecords::PGN pgn;
-            EXPECT_TRUE(store.getPGN(0, number, direction, pgn));
+            const StoreRecords::PGN pgn = store.getPGN(0, number, direction).value();
             const QString description = pgn.desc.size() > 1 ? pgn.desc : QString();
             rows.append(u"%1 %2 '%3' '%4' %5 %6 %7 (%8)"_s.arg(number)
                             .arg(direction)
@@ -52,8 +51,7 @@ QStringList heldByText(ObjectDataBase &store)
                             .arg(pgn.priority)
                             .arg(pgn.mappingcount));
             for (const quint32 spnNumber : store.getSPNList(0, number, direction)) {
-                StoreRecords::SPN spn;
-                EXPECT_TRUE(store.getSPN(0, number, direction, spnNumber, spn));
+                const StoreRecords::SPN spn = store.getSPN(0, number, direction, spnNumber).value();
                 const bool isVariable = spn.implementation == 2 && !spn.varname.isEmpty();
                 rows.append(u"  %1 '%2' %3 %4 %5 '%6'"_s.arg(spnNumber)
                                 .arg(spn.name)

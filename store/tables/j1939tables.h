@@ -1,0 +1,46 @@
+#pragma once
+
+#include "store/tables/spncache.h"
+#include "store/tables/tablefamily.h"
+
+/// The parameter groups and signals of a J1939 line: `PGNs%1` and `SPNs%1`.
+class J1939Tables : public TableFamily
+{
+public:
+    using PGN = StoreRecords::PGN;
+    using SPN = StoreRecords::SPN;
+
+    explicit J1939Tables(TableContext &context)
+        : TableFamily(context)
+    {
+    }
+
+    [[nodiscard]] bool addPGN(quint8 line, quint32 number, const PGN &data);
+    [[nodiscard]] bool addSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, const SPN &data, Quotes quotes);
+    [[nodiscard]] bool removePGN(quint8 line, quint32 number, quint8 direction);
+    [[nodiscard]] bool removeSPN(quint8 line, quint32 pgn, quint32 spn, quint8 direction);
+    bool pgnExists(quint8 line, quint32 number, quint8 direction);
+    bool spnExists(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
+    bool anySafePGN(quint8 line);
+
+    std::optional<PGN> getPGN(quint8 line, quint32 number, quint8 direction);
+    QString getPGNName(quint8 line, quint32 number, quint8 direction);
+    quint16 getPGNMappingCount(quint8 line, quint32 number, quint8 direction);
+    QList<quint32> getPGNList(quint8 line, quint8 direction, bool leaveOutSafe);
+    QList<PGN> getAllPGNs(quint8 line);
+    QHash<quint32, QString> getPGNNames(quint8 line, quint8 direction);
+
+    std::optional<SPN> getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
+    QString getSPNName(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
+    quint32 getSPNDataType(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
+    QList<quint32> getSPNList(quint8 line, quint32 pgn, quint8 direction);
+    QList<SPN> getAllSPNs(quint8 line);
+
+    bool cacheSPNs(quint8 line);
+    void clearSPNCache() { cache_.clear(); }
+
+private:
+    void completeColumns(quint8 line);
+
+    SpnCache cache_;
+};

@@ -1,0 +1,171 @@
+#include "store/tables/linetables.h"
+
+#include "store/tables/schema.h"
+#include "store/tables/settingstables.h"
+#include "store/tables/udstables.h"
+
+#include <QDebug>
+
+using namespace Qt::StringLiterals;
+using ProjectSchema::LineTable;
+using RecordColumns::Column;
+using RecordColumns::number;
+using RecordColumns::Row;
+using RecordColumns::text;
+
+namespace {
+
+using Node = LineTables::Node;
+
+constexpr std::array<Column<Node>, 25> nodeColumnTable = {
+    text<&Node::name>("name"_L1),
+    text<&Node::edspath>("edspath"_L1),
+    text<&Node::xddpath>("xddpath"_L1),
+    text<&Node::dcfpath>("dcfpath"_L1),
+    number<&Node::tpdocnt>("tpdocnt"_L1),
+    number<&Node::rpdocnt>("rpdocnt"_L1),
+    number<&Node::ismaster>("ismaster"_L1),
+    number<&Node::issyncproducer>("issyncproducer"_L1),
+    number<&Node::issyncconsumer>("issyncconsumer"_L1),
+    number<&Node::ishbconsumer>("ishbconsumer"_L1),
+    number<&Node::isemergencyproducer>("isemergencyproducer"_L1),
+    number<&Node::isemergencyconsumer>("isemergencyconsumer"_L1),
+    number<&Node::ismpdosupported>("ismpdosupported"_L1),
+    number<&Node::iscanopengateway>("iscanopengateway"_L1),
+    number<&Node::allpdosstatic>("allpdosstatic"_L1),
+    number<&Node::excludegeneration>("excludegeneration"_L1),
+    number<&Node::generatedcf>("generatedcf"_L1),
+    text<&Node::prefix>("prefix"_L1),
+    text<&Node::outputpath>("outputpath"_L1),
+    text<&Node::iconpath>("iconpath"_L1),
+    number<&Node::isbootupmanager>("isbootupmanager"_L1),
+    number<&Node::isconfigmanager>("isconfigmanager"_L1),
+    number<&Node::excludepdolinking>("excludepdolinking"_L1),
+    number<&Node::multilinedata>("multilinedata"_L1),
+    number<&Node::lssslave>("lssslave"_L1),
+};
+constexpr std::span<const Column<Node>> nodeColumns = nodeColumnTable;
+
+constexpr RecordColumns::Names setByName = {"isbootupmanager"_L1, "isconfigmanager"_L1, "excludepdolinking"_L1,
+                                            "multilinedata"_L1, "lssslave"_L1};
+constexpr quint8 previewLine = 254;
+constexpr quint8 basicServices[] = {0x10, 0x11, 0x3e, 0x22, 0x2e};
+
+Row nodeRow(quint8 line)
+{
+    return {u"Nodes"_s, {{"nodeId"_L1, line}}};
+}
+
+bool isNodeColumn(const QString &column)
+{
+    return std::ranges::any_of(nodeColumns, [&](const Column<Node> &known) { return known.name == column; });
+}
+
+} // namespace
+
+/// Writes the row of a line. Five columns of one that exists belong to whoever set them last by name.
+bool LineTables::writeNodeRow(quint8 line, const Node &data, Quotes quotes)
+{
+    const Row row = nodeRow(line);
+    const bool isUpdate = nodeExists(line);
+    const RecordColumns::Names except = isUpdate ? setByName : RecordColumns::Names();
+    std::optional<QVariantList> values =
+        textsOf("addNode", RecordColumns::values(nodeColumns, data, {}, quotes, except));
+    if (!values)
+        return false;
+    values->append(row.key());
+    return run("addNode", isUpdate ? row.update(nodeColumns, setByName) : row.insert(nodeColumns), *values);
+}
+
+bool LineTables::createTables(quint8 line)
+{
+    constexpr std::array families = {LineTable::Objects, LineTable::SubObjects, LineTable::PGNs,
+                                     LineTable::SPNs,    LineTable::CANIDs,     LineTable::DataElements};
+    return std::ranges::all_of(families, [&](LineTable family) {
+        const QByteArray operation = "create table " + ProjectSchema::tableName(family, line).toLatin1();
+        return runSchema(operation.constData(), ProjectSchema::createStatement(family, line));
+    });
+}
+
+bool LineTables::activateBasicServices(quint8 line)
+{
+    bool done = true;
+    for (const quint8 sid : basicServices)
+        done = done && uds_.setActive(line, sid, true);
+    for (const quint8 sid : basicServices)
+        done = done && uds_.set(line, sid, UdsTables::Column::Sessions, u"1"_s);
+    return done;
+}
+
+bool LineTables::addNode(quint8 line, const Node &data, Quotes quotes)
+{
+    if (isBlocked())
+        return false;
+    TransactionScope step(statements_, TransactionScope::Kind::Step);
+    const bool done =
+        writeNodeRow(line, data, quotes) && createTables(line) &&
+        (line == previewLine || (settings_.extendLineLists(line) && settings_.addDescriptionDefaults(line))) &&
+        uds_.createUDSSettingsTable(line) && activateBasicServices(line);
+    if (!done || !step.commit())
+        return false;
+    notify(Change::LineWritten, {.line = line});
+    return true;
+}
+
+bool LineTables::removeNode(quint8 line)
+{
+    if (isBlocked())
+        return false;
+    TransactionScope step(statements_, TransactionScope::Kind::Step);
+    bool done = run("removeNode", u"delete from Nodes where nodeId = ?"_s, {line});
+    for (int family = 0; family < ProjectSchema::lineTableCount; ++family) {
+        const QString table = ProjectSchema::tableName(static_cast<LineTable>(family), line);
+        done = runSchema("removeNode", u"drop table if exists "_s + table) && done;
+    }
+    done = settings_.removeLine(line) && done;
+    done = run("removeNode", u"delete from Connections where prodnode = ? OR connode = ?"_s, {line, line}) && done;
+    if (!done || !step.commit())
+        return false;
+    notify(Change::LineRemoved, {.line = line});
+    return true;
+}
+
+std::optional<Node> LineTables::getNode(quint8 line)
+{
+    std::optional<Node> data;
+    const Row row = nodeRow(line);
+    statements_.visitFirst(
+        {nullptr, row.select(RecordColumns::names(nodeColumns))}, row.key(),
+        [&](const ResultRow &result) { RecordColumns::readRow(nodeColumns, result, data.emplace(), strings_); });
+    return data;
+}
+
+QList<quint8> LineTables::getNodeList()
+{
+    QList<quint8> lines;
+    statements_.visit({nullptr, u"select nodeId from nodes"_s}, {}, [&](const ResultRow &row) {
+        const auto line = row.number<qint64>(0);
+        if (line >= 0 && line <= 0xff)
+            lines.append(static_cast<quint8>(line));
+    });
+    return lines;
+}
+
+bool LineTables::nodeExists(quint8 line)
+{
+    return statements_.hasRow({nullptr, u"select nodeId from nodes where nodeId = ?"_s}, {line});
+}
+
+bool LineTables::setNodeSqlValue(const QString &nodeId, const QString &column, const QVariant &value, Quotes quotes)
+{
+    const QString simplified = value.toString().simplified();
+    if (isBlocked())
+        return false;
+    if (simplified.isEmpty())
+        return true;
+    const std::optional<QString> text = LiteralText::stored(simplified, quotes);
+    if (text && isNodeColumn(column))
+        return run("setNodeSqlValue", u"update Nodes set %1 = ? where nodeId = ?"_s.arg(column), {*text, nodeId});
+    qDebug().noquote() << "setNodeSqlValue" << nodeId << column << simplified;
+    return false;
+}

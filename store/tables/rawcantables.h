@@ -1,0 +1,35 @@
+#pragma once
+
+#include "store/tables/tablefamily.h"
+
+/// The identifiers and data elements of a raw CAN line: `CANIDs%1` and `DataElements%1`.
+class RawCanTables : public TableFamily
+{
+public:
+    using CANID = StoreRecords::CANID;
+    using DataElement = StoreRecords::DataElement;
+
+    explicit RawCanTables(TableContext &context)
+        : TableFamily(context)
+    {
+    }
+
+    [[nodiscard]] bool addCANID(quint8 line, quint32 id, const CANID &data);
+    [[nodiscard]] bool addDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number,
+                                      const DataElement &data, Quotes quotes);
+    [[nodiscard]] bool removeCANID(quint8 line, quint32 id, quint8 direction);
+    [[nodiscard]] bool removeDataElement(quint8 line, quint32 canid, quint32 number, quint8 direction);
+    bool canidExists(quint8 line, quint32 id, quint8 direction);
+    bool dataElementExists(quint8 line, quint32 canid, quint8 direction, quint32 number);
+
+    std::optional<CANID> getCANID(quint8 line, quint32 id, quint8 direction);
+    QString getCANIDName(quint8 line, quint32 id, quint8 direction);
+    QList<quint32> getCANIDList(quint8 line, quint8 direction);
+    QList<CANID> getAllCANIDs(quint8 line);
+    QHash<quint32, QString> getCANIDNames(quint8 line, quint8 direction);
+
+    std::optional<DataElement> getDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number);
+    QString getDataElementName(quint8 line, quint32 canid, quint8 direction, quint32 number);
+    QList<quint32> getDataElementList(quint8 line, quint32 canid, quint8 direction);
+    QList<DataElement> getAllDataElements(quint8 line);
+};

@@ -1,0 +1,390 @@
+#include "store/tables/schema.h"
+
+#include "store/statements/statements.h"
+
+#include <QDebug>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <span>
+
+using namespace Qt::StringLiterals;
+
+namespace ProjectSchema {
+namespace {
+
+struct Column
+{
+    QLatin1StringView name;
+    QLatin1StringView type;
+};
+
+constexpr auto integer = "integer"_L1;
+constexpr auto integerKey = "integer primary key"_L1;
+constexpr auto integerNotNull = "integer not null"_L1;
+constexpr auto text = "text"_L1;
+constexpr auto textNotNull = "text not null"_L1;
+constexpr auto blob = "blob"_L1;
+
+constexpr Column stringColumns[] = {{"id"_L1, integerKey}, {"string"_L1, text}};
+
+constexpr Column nodeColumns[] = {
+    {"nodeId"_L1, integerKey},
+    {"name"_L1, text},
+    {"edspath"_L1, text},
+    {"xddpath"_L1, text},
+    {"dcfpath"_L1, text},
+    {"tpdocnt"_L1, integer},
+    {"rpdocnt"_L1, integer},
+    {"ismaster"_L1, integer},
+    {"issyncproducer"_L1, integer},
+    {"issyncconsumer"_L1, integer},
+    {"ishbconsumer"_L1, integer},
+    {"isemergencyproducer"_L1, integer},
+    {"isemergencyconsumer"_L1, integer},
+    {"ismpdosupported"_L1, integer},
+    {"iscanopengateway"_L1, integer},
+    {"allpdosstatic"_L1, integer},
+    {"excludegeneration"_L1, integer},
+    {"generatedcf"_L1, integer},
+    {"prefix"_L1, text},
+    {"outputpath"_L1, text},
+    {"iconpath"_L1, text},
+    {"isbootupmanager"_L1, integer},
+    {"isconfigmanager"_L1, integer},
+    {"excludepdolinking"_L1, integer},
+    {"multilinedata"_L1, integer},
+    {"lssslave"_L1, ""_L1}, // without a type in every new file so far
+};
+
+constexpr Column settingColumns[] = {{"item"_L1, "text unique"_L1}, {"value"_L1, text}};
+
+constexpr Column connectionColumns[] = {
+    {"prodnode"_L1, integer}, {"prodindex"_L1, integer}, {"prodsub"_L1, integer},  {"connode"_L1, integer},
+    {"conindex"_L1, integer}, {"consub"_L1, integer},    {"priority"_L1, integer},
+};
+
+constexpr Column lockColumns[] = {{"node"_L1, integer}, {"pdoindex"_L1, integer}};
+
+constexpr Column virtualNodeColumns[] = {
+    {"virtualnodeid"_L1, integerKey}, {"line"_L1, integer}, {"dbnodeid"_L1, integer}, {"name"_L1, text}};
+
+constexpr Column signalGroupColumns[] = {{"sigid"_L1, integerKey}, {"name"_L1, text}};
+
+constexpr Column networkSignalColumns[] = {
+    {"sigid"_L1, integerKey},       {"nodeid"_L1, integer},
+    {"name"_L1, integer},           {"datatype"_L1, integerNotNull},
+    {"accesstype"_L1, textNotNull}, {"defaultvalue"_L1, text},
+    {"signalgroup"_L1, integer},    {"ref"_L1, integer},
+    {"transmittype"_L1, integer},   {"transmittrigger"_L1, integer},
+    {"eventtimer"_L1, integer},     {"syncvalue"_L1, integer},
+    {"syncstartvalue"_L1, integer}, {"routing"_L1, integer},
+};
+
+constexpr Column groupColumns[] = {{"name"_L1, text}, {"nodeidlist"_L1, text}};
+constexpr Column lateGroupColumns[] = {{"groupid"_L1, integerKey}, {"name"_L1, text}, {"nodeidlist"_L1, text}};
+
+constexpr Column objectTableColumns[] = {
+    {"objectindex"_L1, integerKey},    {"name"_L1, integer},        {"datatype"_L1, integerNotNull},
+    {"objecttype"_L1, integerNotNull}, {"description"_L1, integer}, {"category"_L1, integer},
+    {"device_class"_L1, integer},      {"fwsupported"_L1, integer}, {"metadata"_L1, blob},
+};
+
+constexpr Column subObjectColumns[] = {
+    {"objectindex"_L1, integerNotNull},
+    {"subindex"_L1, integerNotNull},
+    {"name"_L1, integer},
+    {"datatype"_L1, integerNotNull},
+    {"accesstype"_L1, textNotNull},
+    {"defaultvalue"_L1, text},
+    {"currentvalue"_L1, text},
+    {"pdomapping"_L1, integer},
+    {"lowlimit"_L1, text},
+    {"uplimit"_L1, text},
+    {"size"_L1, integer},
+    {"defaultineds"_L1, integer},
+    {"limitineds"_L1, integer},
+    {"refuseread"_L1, integer},
+    {"refusewrite"_L1, integer},
+    {"allowedaccesstypes"_L1, text},
+    {"implementation"_L1, integerNotNull},
+    {"varname"_L1, text},
+    {"description"_L1, integer},
+    {"category"_L1, integer},
+    {"writedefaulttoeds"_L1, integer},
+    {"cyclicread"_L1, integer},
+    {"dcfcomponent"_L1, integer},
+    {"changedbyuser"_L1, integer},
+    {"wizardsource"_L1, integer},
+    {"denotation"_L1, integer},
+    {"sharedlines"_L1, integer},
+    {"managedbyqlk"_L1, integer},
+    {"signalid"_L1, integer},
+    {"nvstorage"_L1, integer},
+    {"metadata"_L1, blob},
+};
+
+constexpr Column pgnTableColumns[] = {
+    {"number"_L1, integerNotNull},
+    {"edp_dp_key"_L1, integer},
+    {"priority"_L1, integer},
+    {"cycletime_ms"_L1, integer},
+    {"inhibittime_ms"_L1, integer},
+    {"mappingcount"_L1, integer},
+    {"direction"_L1, integer},
+    {"name"_L1, integer},
+    {"desc"_L1, integer},
+    {"issafe"_L1, integer},
+    {"srvt_ms"_L1, integer},
+    {"FD_TrailerFormat"_L1, integer},
+    {"FD_AssuranceType"_L1, integer},
+    {"FD_AssuranceDataSize"_L1, integer},
+    {"multisourceaddress"_L1, integer},
+    {"safetytype"_L1, integer},
+    {"FD_DataId"_L1, integer},
+};
+
+constexpr Column spnColumns[] = {
+    {"pgnnumber"_L1, integerNotNull},
+    {"spnnumber"_L1, integerNotNull},
+    {"datatype"_L1, integer},
+    {"implementation"_L1, integer},
+    {"varname"_L1, text},
+    {"defaultvalue"_L1, text},
+    {"name"_L1, integer},
+    {"desc"_L1, integer},
+    {"pos"_L1, integer},
+    {"bitsize"_L1, integer},
+    {"direction"_L1, integer},
+    {"slot_df"_L1, integer},
+    {"bitposition"_L1, integer},
+};
+
+constexpr Column canidColumns[] = {
+    {"id"_L1, integerNotNull},    {"cycletime_ms"_L1, integer}, {"inhibittime_ms"_L1, integer},
+    {"mappingcount"_L1, integer}, {"direction"_L1, integer},    {"name"_L1, integer},
+    {"desc"_L1, integer},
+};
+
+constexpr Column dataElementColumns[] = {
+    {"canid"_L1, integerNotNull},   {"number"_L1, integerNotNull}, {"datatype"_L1, integer},
+    {"implementation"_L1, integer}, {"varname"_L1, text},          {"defaultvalue"_L1, text},
+    {"name"_L1, integer},           {"desc"_L1, integer},          {"pos"_L1, integer},
+    {"bitsize"_L1, integer},        {"direction"_L1, integer},     {"bitpos"_L1, integer},
+};
+
+constexpr Column udsColumns[] = {
+    {"sid"_L1, integerNotNull}, {"active"_L1, integer},      {"sessions"_L1, text},
+    {"userlevels"_L1, text},    {"authentication"_L1, text},
+};
+
+struct TableLayout
+{
+    QLatin1StringView name;
+    std::span<const Column> columns;
+    QLatin1StringView constraint = {};
+};
+
+constexpr std::array<TableLayout, globalTableCount> globalTables = {{
+    {"Strings"_L1, stringColumns},
+    {"Nodes"_L1, nodeColumns},
+    {"GeneralSettings"_L1, settingColumns},
+    {"DescriptionSettings"_L1, settingColumns},
+    {"EnergyBusSettings"_L1, settingColumns},
+    {"J1939Settings"_L1, settingColumns},
+    {"MiscSettings"_L1, settingColumns},
+    {"Connections"_L1, connectionColumns},
+    {"LockedMappings"_L1, lockColumns},
+    {"LockedPDOs"_L1, lockColumns},
+    {"VirtualNodes"_L1, virtualNodeColumns},
+    {"SignalGroups"_L1, signalGroupColumns},
+    {"Signals"_L1, networkSignalColumns},
+    {"Groups"_L1, groupColumns},
+}};
+
+constexpr std::array<TableLayout, lineTableCount> lineTables = {{
+    {"Objects"_L1, objectTableColumns},
+    {"SubObjects"_L1, subObjectColumns, "UNIQUE(objectindex,subindex)"_L1},
+    {"PGNs"_L1, pgnTableColumns},
+    {"SPNs"_L1, spnColumns},
+    {"CANIDs"_L1, canidColumns},
+    {"DataElements"_L1, dataElementColumns},
+    {"UDSSettings"_L1, udsColumns, "UNIQUE(sid)"_L1},
+}};
+
+constexpr AddedColumn everyOpen[] = {
+    {"SubObjects0"_L1, "writedefaulttoeds"_L1, integer},
+    {"SubObjects0"_L1, "cyclicread"_L1, integer},
+    {"SubObjects0"_L1, "dcfcomponent"_L1, integer},
+    {"SubObjects0"_L1, "changedbyuser"_L1, integer},
+    {"SubObjects0"_L1, "wizardsource"_L1, integer},
+    {"SubObjects0"_L1, "sharedlines"_L1, integer},
+    {"SubObjects0"_L1, "managedbyqlk"_L1, integer},
+    {"SubObjects0"_L1, "signalid"_L1, integer},
+    {"SubObjects0"_L1, "nvstorage"_L1, integer},
+    {"SubObjects0"_L1, "metadata"_L1, blob},
+    {"Nodes"_L1, "dcfpath"_L1, text},
+    {"Nodes"_L1, "tpdocnt"_L1, integer},
+    {"Nodes"_L1, "rpdocnt"_L1, integer},
+    {"Nodes"_L1, "ismaster"_L1, integer},
+    {"Nodes"_L1, "issyncproducer"_L1, integer},
+    {"Nodes"_L1, "issyncconsumer"_L1, integer},
+    {"Nodes"_L1, "ishbconsumer"_L1, integer},
+    {"Nodes"_L1, "isemergencyproducer"_L1, integer},
+    {"Nodes"_L1, "isemergencyconsumer"_L1, integer},
+    {"Nodes"_L1, "ismpdosupported"_L1, integer},
+    {"Nodes"_L1, "iscanopengateway"_L1, integer},
+    {"Nodes"_L1, "allpdosstatic"_L1, integer},
+    {"Nodes"_L1, "excludegeneration"_L1, integer},
+    {"Nodes"_L1, "generatedcf"_L1, integer},
+    {"Nodes"_L1, "prefix"_L1, text},
+    {"Nodes"_L1, "outputpath"_L1, text},
+    {"Nodes"_L1, "iconpath"_L1, text},
+    {"Nodes"_L1, "isbootupmanager"_L1, integer},
+    {"Nodes"_L1, "isconfigmanager"_L1, integer},
+    {"Nodes"_L1, "excludepdolinking"_L1, integer},
+    {"Nodes"_L1, "multilinedata"_L1, integer},
+    {"Nodes"_L1, "lssslave"_L1, integer},
+    {"Signals"_L1, "transmittype"_L1, integer},
+    {"Signals"_L1, "transmittrigger"_L1, integer},
+    {"Signals"_L1, "eventtimer"_L1, integer},
+    {"Signals"_L1, "syncvalue"_L1, integer},
+    {"Signals"_L1, "syncstartvalue"_L1, integer},
+    {"Signals"_L1, "routing"_L1, integer},
+    {"Connections"_L1, "priority"_L1, integer},
+};
+
+constexpr AddedColumn ofLines[] = {
+    {"Objects"_L1, "fwsupported"_L1, integer},
+    {"Objects"_L1, "device_class"_L1, integer},
+    {"Objects"_L1, "metadata"_L1, blob},
+    {"SubObjects"_L1, "writedefaulttoeds"_L1, integer},
+    {"SubObjects"_L1, "cyclicread"_L1, integer},
+    {"SubObjects"_L1, "dcfcomponent"_L1, integer},
+    {"SubObjects"_L1, "changedbyuser"_L1, integer},
+    {"SubObjects"_L1, "wizardsource"_L1, integer},
+    {"SubObjects"_L1, "denotation"_L1, integer},
+    {"SubObjects"_L1, "sharedlines"_L1, integer},
+    {"SubObjects"_L1, "nvstorage"_L1, integer},
+    {"SubObjects"_L1, "metadata"_L1, blob},
+    {"SubObjects"_L1, "managedbyqlk"_L1, integer},
+    {"SubObjects"_L1, "signalid"_L1, integer},
+    {"SPNs"_L1, "pos"_L1, integer},
+    {"SPNs"_L1, "bitsize"_L1, integer},
+    {"SPNs"_L1, "direction"_L1, integer},
+    {"SPNs"_L1, "slot_df"_L1, integer},
+    {"SPNs"_L1, "bitposition"_L1, integer},
+    {"DataElements"_L1, "bitpos"_L1, integer, 105},
+    {"UDSSettings"_L1, "authentication"_L1, text, 107},
+    {"PGNs"_L1, "issafe"_L1, integer},
+    {"PGNs"_L1, "srvt_ms"_L1, integer},
+    {"PGNs"_L1, "FD_TrailerFormat"_L1, integer},
+    {"PGNs"_L1, "FD_AssuranceType"_L1, integer},
+    {"PGNs"_L1, "FD_AssuranceDataSize"_L1, integer},
+    {"PGNs"_L1, "multisourceaddress"_L1, integer},
+    {"PGNs"_L1, "safetytype"_L1, integer, 106},
+    {"PGNs"_L1, "FD_DataID"_L1, integer, 106},
+};
+
+const TableLayout &layoutOf(Table table)
+{
+    return globalTables.at(static_cast<std::size_t>(table));
+}
+
+const TableLayout &layoutOf(LineTable family)
+{
+    return lineTables.at(static_cast<std::size_t>(family));
+}
+
+QString createStatement(const QString &name, std::span<const Column> columns, QLatin1StringView constraint,
+                        bool ifNotExists)
+{
+    QStringList parts;
+    for (const Column &column : columns)
+        parts.append(column.type.isEmpty() ? QString(column.name) : column.name + ' '_L1 + column.type);
+    if (!constraint.isEmpty())
+        parts.append(constraint);
+    return u"create table %1%2 (%3)"_s.arg(ifNotExists ? u"if not exists "_s : QString(), name, parts.join(", "_L1));
+}
+
+} // namespace
+
+QLatin1StringView tableName(Table table)
+{
+    return layoutOf(table).name;
+}
+
+QString tableName(LineTable family, quint8 line)
+{
+    return layoutOf(family).name + QString::number(line);
+}
+
+QString createStatement(Table table, bool ifNotExists)
+{
+    // A file that never had the groups of the network view gets them with a key of their own.
+    const std::span<const Column> columns =
+        table == Table::Groups && ifNotExists ? std::span<const Column>(lateGroupColumns) : layoutOf(table).columns;
+    return createStatement(tableName(table), columns, {}, ifNotExists);
+}
+
+QString createStatement(LineTable family, quint8 line, bool ifNotExists)
+{
+    return createStatement(tableName(family, line), layoutOf(family).columns, layoutOf(family).constraint, ifNotExists);
+}
+
+QStringList columnNames(LineTable family)
+{
+    QStringList names;
+    for (const Column &column : layoutOf(family).columns)
+        names.append(column.name);
+    return names;
+}
+
+QStringList columnsWithoutNull(LineTable family)
+{
+    QStringList names;
+    for (const Column &column : layoutOf(family).columns) {
+        if (column.type == integerNotNull)
+            names.append(u"ifnull(%1, 0)"_s.arg(column.name));
+        else if (column.type == textNotNull)
+            names.append(u"ifnull(%1, '')"_s.arg(column.name));
+        else
+            names.append(column.name);
+    }
+    return names;
+}
+
+QList<AddedColumn> columnsOfEveryOpen()
+{
+    return {std::begin(everyOpen), std::end(everyOpen)};
+}
+
+QList<AddedColumn> addedColumns(LineTable family)
+{
+    QList<AddedColumn> columns;
+    std::ranges::copy_if(ofLines, std::back_inserter(columns),
+                         [&](const AddedColumn &column) { return column.table == layoutOf(family).name; });
+    return columns;
+}
+
+QString addStatement(const AddedColumn &column)
+{
+    return u"alter table %1 add %2 %3"_s.arg(column.table, column.column, column.type);
+}
+
+QString addStatement(const AddedColumn &column, quint8 line)
+{
+    return u"alter table %1%2 add %3 %4"_s.arg(column.table, QString::number(line), column.column, column.type);
+}
+
+void migrationExec(Statements &statements, const QString &statement)
+{
+    if (statements.execute({nullptr, statement, Statement::Effect::Schema}))
+        return;
+    const QString error = statements.errorText();
+    if (!error.contains("duplicate column name"_L1, Qt::CaseInsensitive))
+        qDebug().noquote() << "migration statement failed:" << statement << error;
+}
+
+} // namespace ProjectSchema

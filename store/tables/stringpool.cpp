@@ -1,0 +1,138 @@
+#include "store/tables/stringpool.h"
+
+#include "store/statements/statements.h"
+#include "store/statements/transaction.h"
+
+#include <QSet>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Reference
+{
+    QLatin1StringView table; ///< of each line
+    QLatin1StringView column;
+};
+
+/// The columns of a line's tables that refer to texts.
+constexpr Reference references[] = {
+    {"Objects"_L1, "name"_L1},
+    {"Objects"_L1, "description"_L1},
+    {"Objects"_L1, "device_class"_L1},
+    {"SubObjects"_L1, "name"_L1},
+    {"SubObjects"_L1, "denotation"_L1},
+    {"SubObjects"_L1, "description"_L1},
+    {"PGNs"_L1, "name"_L1},
+    {"PGNs"_L1, "desc"_L1},
+    {"CANIDs"_L1, "name"_L1},
+    {"CANIDs"_L1, "desc"_L1},
+    {"SPNs"_L1, "name"_L1},
+    {"SPNs"_L1, "desc"_L1},
+    {"DataElements"_L1, "name"_L1},
+    {"DataElements"_L1, "desc"_L1},
+};
+
+} // namespace
+
+/// A text that the map never finds, as it stands there with its quotes doubled.
+bool StringPool::hasARowPerInterning(const QString &text)
+{
+    return text.contains(u'\'');
+}
+
+int StringPool::idOf(const QString &text)
+{
+    if (const auto it = ids_.constFind(text); it != ids_.constEnd())
+        return *it;
+
+    const int added = insert(text);
+    if (added >= 0)
+        texts_.insert(added, text);
+    if (!hasARowPerInterning(text)) {
+        if (added >= 0)
+            ids_.insert(text, added);
+        return added;
+    }
+    const int first = firstQuoted_.value(text, added);
+    if (added >= 0 && !firstQuoted_.contains(text))
+        firstQuoted_.insert(text, added);
+    if (first >= 0)
+        ids_.insert(QString(text).replace(u'\'', "''"_L1), first);
+    return first;
+}
+
+int StringPool::insert(const QString &text)
+{
+    const std::optional<qint64> id =
+        statements_.insert({"getStringId", u"insert into Strings values(NULL,?)"_s, Statement::Effect::Rows}, {text});
+    return id ? static_cast<int>(*id) : -1;
+}
+
+QString StringPool::textOf(int id)
+{
+    const auto it = texts_.constFind(id);
+    if (it != texts_.constEnd())
+        return *it;
+    QString text = statements_.value({nullptr, u"select string from Strings where id = ?"_s}, {id}).toString();
+    texts_.insert(id, text);
+    return text;
+}
+
+void StringPool::loadTexts()
+{
+    if (textsLoaded_)
+        return;
+    textsLoaded_ = statements_.visit({nullptr, u"select id, string from Strings"_s}, {},
+                                     [this](const ResultRow &row) { texts_.insert(row.number<int>(0), row.text(1)); });
+}
+
+void StringPool::reload()
+{
+    clear();
+    textsLoaded_ = statements_.visit({nullptr, u"select * from Strings"_s}, {}, [this](const ResultRow &row) {
+        const int id = row.number<int>(0);
+        const QString text = row.text(1);
+        texts_.insert(id, text);
+        ids_.insert(text, id);
+        if (hasARowPerInterning(text) && !firstQuoted_.contains(text))
+            firstQuoted_.insert(text, id);
+    });
+}
+
+void StringPool::clear()
+{
+    textsLoaded_ = false;
+    texts_.clear();
+    ids_.clear();
+    firstQuoted_.clear();
+}
+
+bool StringPool::removeUnused(const QList<quint8> &lines)
+{
+    QSet<int> used;
+    const auto collect = [&](QLatin1StringView column, const QString &table) {
+        statements_.visit({nullptr, u"select %1 from %2"_s.arg(column, table)}, {},
+                          [&](const ResultRow &row) { used.insert(row.number<int>(0)); });
+    };
+    // Each column by itself: a table that lacks one still needs the texts of the others.
+    for (const quint8 line : lines) {
+        for (const auto &[table, column] : references)
+            collect(column, table + QString::number(line));
+    }
+    collect("name"_L1, u"Signals"_s);
+
+    QList<int> unused;
+    statements_.visit({nullptr, u"select id from Strings"_s}, {}, [&](const ResultRow &row) {
+        if (const int id = row.number<int>(0); !used.contains(id))
+            unused.append(id);
+    });
+    TransactionScope transaction(statements_, TransactionScope::Kind::Batch);
+    bool done = true;
+    for (const int id : std::as_const(unused))
+        done = statements_.execute(
+                   {"removeUnusedStrings", u"delete from Strings where id = ?"_s, Statement::Effect::Rows}, {id}) &&
+               done;
+    reload();
+    return transaction.commit() && done;
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QHash>
+#include <QList>
+#include <QString>
+
+class Statements;
+
+/// The table `Strings`: every name, description, device class and denotation of a project once per distinct text.
+///
+/// Rows elsewhere refer to a text by its id. A text with a single quote is the exception to "once": it gets a new row
+/// each time it is interned, and is answered with the id of the first; the spare rows go at the next save.
+class StringPool
+{
+public:
+    explicit StringPool(Statements &statements)
+        : statements_(statements)
+    {
+    }
+
+    /// Id of the text, which is added where it is new; -1 if it could not be added.
+    int idOf(const QString &text);
+    /// The text of an id; empty for an unknown one.
+    QString textOf(int id);
+    /// Reads the whole table anew.
+    void reload();
+    /// Makes `textOf` answer without the database, by one scan for the first call after an open.
+    void loadTexts();
+    /// Deletes the texts that no row of these lines or of the network view refers to.
+    [[nodiscard]] bool removeUnused(const QList<quint8> &lines);
+    void clear();
+
+private:
+    static bool hasARowPerInterning(const QString &text);
+    int insert(const QString &text);
+
+    Statements &statements_;
+    QHash<int, QString> texts_;
+    bool textsLoaded_ = false;
+    QHash<QString, int> ids_;         ///< interned during this session: by the text with its quotes doubled
+    QHash<QString, int> firstQuoted_; ///< first row of each text that holds a quote
+};

@@ -1,0 +1,99 @@
+#pragma once
+
+#include "store/statements/statements.h"
+#include "store/statements/transaction.h"
+#include "store/tables/recordcolumns.h"
+#include "store/tables/storerecords.h"
+#include "store/tables/stringpool.h"
+
+#include <QHash>
+#include <QList>
+
+#include <atomic>
+#include <functional>
+#include <optional>
+
+/// What all tables of a project share: the statements, the texts, and who hears of changes.
+class TableContext
+{
+public:
+    using Listener = std::function<void(const StoreRecords::ChangeSet &)>;
+
+    TableContext() = default;
+    Q_DISABLE_COPY_MOVE(TableContext)
+
+    Statements statements;
+    StringPool strings{statements};
+    /// While set, no family writes.
+    std::atomic<bool> blocked = false;
+
+    void setListener(Listener listener) { listener_ = std::move(listener); }
+    void notify(StoreRecords::Change type, StoreRecords::ChangeSet change = {}) const;
+    bool isSilent() const { return silent_; }
+
+    /// While it lives, nobody hears of changes and writes.
+    class Silence
+    {
+    public:
+        explicit Silence(TableContext &context)
+            : context_(context)
+        {
+            context_.silent_ = true;
+        }
+        ~Silence() { context_.silent_ = false; }
+        Q_DISABLE_COPY_MOVE(Silence)
+
+    private:
+        TableContext &context_;
+    };
+
+private:
+    Listener listener_;
+    bool silent_ = false;
+};
+
+/// The base of the classes that read and write a family of tables. What their operations promise is told where
+/// `ObjectDataBase` declares them.
+class TableFamily
+{
+public:
+    Q_DISABLE_COPY_MOVE(TableFamily)
+
+protected:
+    using Change = StoreRecords::Change;
+    using Row = RecordColumns::Row;
+
+    explicit TableFamily(TableContext &context)
+        : context_(context)
+        , statements_(context.statements)
+        , strings_(context.strings)
+    {
+    }
+    ~TableFamily() = default;
+
+    bool isBlocked() const { return context_.blocked; }
+    void notify(Change type, const StoreRecords::ChangeSet &change) const { context_.notify(type, change); }
+
+    [[nodiscard]] bool run(const char *operation, const QString &text, const QVariantList &values);
+    [[nodiscard]] bool runSchema(const char *operation, const QString &text);
+    /// Executes `update` if the row exists, else `insert`; the values are those of the columns.
+    [[nodiscard]] bool writeRow(const char *operation, const Row &row, const QString &insert, const QString &update,
+                                QVariantList values);
+    /// Hands a record's values on, and tells the log of a record that has none as one of its texts breaks the
+    /// statement.
+    static std::optional<QVariantList> textsOf(const char *operation, std::optional<QVariantList> values);
+    bool exists(const Row &row) { return statements_.hasRow({nullptr, row.select(QStringLiteral("1"))}, row.key()); }
+    QVariant valueOf(const Row &row, const QString &column)
+    {
+        return statements_.value({nullptr, row.select(column)}, row.key());
+    }
+    /// The text of the pool that the row's column "name" refers to.
+    QString nameOf(const Row &row);
+    QList<quint32> selectNumbers(const QString &text, const QVariantList &values = {});
+    /// The pool's texts of a statement that selects numbers and text ids.
+    QHash<quint32, QString> selectNames(const QString &text, const QVariantList &values);
+
+    TableContext &context_;
+    Statements &statements_;
+    StringPool &strings_;
+};

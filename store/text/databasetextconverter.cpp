@@ -1,0 +1,487 @@
+#include "store/text/databasetextconverter.h"
+
+#include "store/tables/projecttables.h"
+#include "store/text/objectrowwriter.h"
+#include "texttools/settingstext.h"
+#include "texttools/wholefile.h"
+
+#include <QBuffer>
+#include <QDebug>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <span>
+#include <tuple>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+enum class DatabaseTextConverter::Table
+{
+    DescriptionSettings,
+    GeneralSettings,
+    MiscSettings,
+    SubObjects,
+    Objects,
+    Nodes,
+    PGNs,
+    SPNs,
+    J1939Settings,
+    UDSSettings
+};
+
+/// How a family of tables stands in the text.
+struct DatabaseTextConverter::TableForm
+{
+    Table kind;
+    QLatin1StringView word; ///< what the names of the tables hold
+    QLatin1StringView path; ///< the groups of a row, as an expression on its columns; empty for a table of settings
+    QLatin1StringView key;  ///< columns whose values the groups tell, joined by ","
+    bool keyIsWritten;      ///< the key columns stand among the row's keys as well
+    bool descriptionIsText; ///< like the name, "description" stands as its text instead of its id
+};
+
+namespace {
+
+using Word = QLatin1StringView;
+
+constexpr Word ignoredWords[] = {"CANIDs"_L1,       "Connections"_L1,    "DataElements"_L1, "EnergyBusSettings"_L1,
+                                 "Groups"_L1,       "SignalGroups"_L1,   "Signals"_L1,      "Strings"_L1,
+                                 "VirtualNodes"_L1, "LockedMappings"_L1, "LockedPDOs"_L1};
+constexpr Word canopenWords[] = {"Objects"_L1, "Nodes"_L1, "SubObjects"_L1};
+constexpr Word j1939Words[] = {"PGNs"_L1, "SPNs"_L1, "J1939Settings"_L1};
+
+/// Columns of a subindex that the text never holds.
+constexpr Word hiddenSubObjectColumns[] = {"cyclicread"_L1,   "changedbyuser"_L1, "dcfcomponent"_L1,
+                                           "wizardsource"_L1, "signalid"_L1,      "denotation"_L1};
+
+bool holdsOneOf(const QString &table, std::span<const Word> words)
+{
+    return std::any_of(words.begin(), words.end(), [&](Word word) { return table.contains(word); });
+}
+
+struct ColumnInfo
+{
+    QString name;
+    QString type;
+};
+
+/// The columns of a table in the order of their names.
+QList<ColumnInfo> columnsOf(Statements &statements, const QString &table)
+{
+    QList<ColumnInfo> columns;
+    statements.visit({"columnsOf", u"SELECT name, type FROM PRAGMA_TABLE_INFO(?)"_s}, {table},
+                     [&](const ResultRow &row) {
+                         columns.append({row.text(0), row.text(1)});
+                     });
+    std::sort(columns.begin(), columns.end(),
+              [](const ColumnInfo &left, const ColumnInfo &right) { return left.name < right.name; });
+    return columns;
+}
+
+QStringList columnNamesOf(Statements &statements, const QString &table)
+{
+    QStringList names;
+    for (const ColumnInfo &column : columnsOf(statements, table))
+        names.append(column.name);
+    return names;
+}
+
+/// Which protocols the lines of a project speak. Combined and raw CAN types count as neither of the two, but for
+/// "CANopen and J1939".
+class LineTypes
+{
+public:
+    explicit LineTypes(Statements &statements)
+    {
+        static const QRegularExpression form(u"^line(0|[1-9]\\d{0,2})type$"_s);
+        statements.visit({"LineTypes", u"SELECT item, value FROM GeneralSettings"_s}, {}, [this](const ResultRow &row) {
+            const auto match = form.match(row.text(0));
+            const uint line = match.captured(1).toUInt();
+            if (match.hasMatch() && line <= lastLine)
+                types_.insert(line, row.value(1).toInt());
+        });
+    }
+
+    bool isLeftOut(const QString &table) const
+    {
+        if (holdsOneOf(table, canopenWords))
+            return !hasProtocol(canopen) || typeOfTable(table) == j1939;
+        if (holdsOneOf(table, j1939Words))
+            return !hasProtocol(j1939) || typeOfTable(table) == canopen;
+        return false;
+    }
+
+private:
+    static constexpr uint lastLine = 255;
+    static constexpr int canopen = 1;
+    static constexpr int j1939 = 2;
+    static constexpr int canopenAndJ1939 = 5;
+
+    bool hasProtocol(int type) const
+    {
+        return std::any_of(types_.begin(), types_.end(),
+                           [type](int lineType) { return lineType == type || lineType == canopenAndJ1939; });
+    }
+
+    /// The type of the line whose number ends the table's name; 0 for none.
+    int typeOfTable(const QString &table) const
+    {
+        static const QRegularExpression form(u"(\\d+)$"_s);
+        const auto match = form.match(table);
+        if (!match.hasMatch())
+            return 0;
+        bool ok = false;
+        const uint line = match.captured(1).toUInt(&ok);
+        if (!ok)
+            qWarning() << "Could not convert captured digits:" << match.captured(1);
+        return ok ? types_.value(line) : 0;
+    }
+
+    QHash<uint, int> types_;
+};
+
+/// Gathers the keys of each row of a group, whose rows stand `depth` groups deep; keys elsewhere belong to no row.
+void forEachRow(const SettingsText::Reader &reader, const QString &group, qsizetype depth,
+                const std::function<void(const TextRow &)> &visit)
+{
+    QString path;
+    TextRow row;
+    QStringList columnsBefore;
+    const auto finish = [&] {
+        if (!row.columns.isEmpty())
+            visit(row);
+        columnsBefore = std::exchange(row.columns, {});
+        row.values.clear();
+    };
+    reader.forEachKey(group, [&](const QString &key, const QVariant &value) {
+        const qsizetype end = key.lastIndexOf(u'/');
+        if (end < 0 || key.count(u'/') != depth)
+            return;
+        const QStringView keyPath = QStringView(key).first(end);
+        if (keyPath != path || row.columns.isEmpty()) {
+            finish();
+            path = keyPath.toString();
+            row.groups = path.split(u'/');
+        }
+        // Nearly every row has the columns of the one before.
+        const QStringView column = QStringView(key).sliced(end + 1);
+        const qsizetype place = row.columns.size();
+        const bool isAsBefore = place < columnsBefore.size() && columnsBefore.at(place) == column;
+        row.columns.append(isAsBefore ? columnsBefore.at(place) : column.toString());
+        row.values.append(value);
+    });
+    finish();
+}
+
+} // namespace
+
+const DatabaseTextConverter::TableForm *DatabaseTextConverter::formOf(const QString &table)
+{
+    // The first family that fits is a table's own; of two rows with one number the second gets a path of its own.
+    static constexpr TableForm forms[] = {
+        {Table::DescriptionSettings, "DescriptionSettings"_L1, {}, {}, false, false},
+        {Table::GeneralSettings, "GeneralSettings"_L1, {}, {}, false, false},
+        {Table::MiscSettings, "MiscSettings"_L1, {}, {}, false, false},
+        {Table::SubObjects, "SubObjects"_L1, "printf('0x%x/%d', objectindex, subindex)"_L1, "objectindex,subindex"_L1,
+         false, true},
+        {Table::Objects, "Objects"_L1, "printf('0x%x', objectindex)"_L1, "objectindex"_L1, false, true},
+        {Table::Nodes, "Nodes"_L1, "nodeId"_L1, "nodeId"_L1, false, false},
+        {Table::PGNs, "PGNs"_L1,
+         "number || CASE row_number() OVER (PARTITION BY number ORDER BY rowid) WHEN 1 THEN '' ELSE '_' || "
+         "row_number() OVER (PARTITION BY number ORDER BY rowid) END"_L1,
+         "number"_L1, true, false},
+        {Table::SPNs, "SPNs"_L1,
+         "pgnnumber || '/' || spnnumber || CASE row_number() OVER (PARTITION BY pgnnumber, spnnumber ORDER BY rowid) "
+         "WHEN 1 THEN '' ELSE '_' || row_number() OVER (PARTITION BY pgnnumber, spnnumber ORDER BY rowid) END"_L1,
+         "pgnnumber,spnnumber"_L1, true, false},
+        {Table::J1939Settings, "J1939Settings"_L1, {}, {}, false, false},
+        {Table::UDSSettings, "UDSSettings"_L1, "sid"_L1, "sid"_L1, true, false},
+    };
+    const auto *const form = std::find_if(std::begin(forms), std::end(forms),
+                                          [&](const TableForm &candidate) { return table.contains(candidate.word); });
+    return form == std::end(forms) ? nullptr : form;
+}
+
+QStringList DatabaseTextConverter::tableNames() const
+{
+    QStringList tables;
+    store_->context.statements.visit(
+        {"tableNames", u"SELECT name FROM sqlite_master WHERE type='table' ORDER BY name"_s}, {},
+        [&](const ResultRow &row) { tables.append(row.text(0)); });
+    return tables;
+}
+
+bool DatabaseTextConverter::convertSqlToText()
+{
+    if (!file_ || !store_)
+        return false;
+    replaceNulls();
+    const QStringList tables = tableNames();
+    writeFailed_ = tables.isEmpty();
+    if (writeFailed_)
+        return true;
+    WholeFile file(*file_);
+    if (file.open(QIODevice::WriteOnly)) {
+        writeFailed_ = !writeTables(tables, file) || !file.commitWhole();
+    } else {
+        QBuffer text;
+        text.open(QIODevice::WriteOnly);
+        writeFailed_ = !writeTables(tables, text) || !WholeFile::overwriteInClosedFolder(*file_, text.data());
+    }
+    if (writeFailed_)
+        qDebug().noquote() << "convertSqlToText" << *file_ << file.errorString();
+    return true;
+}
+
+bool DatabaseTextConverter::writeTables(const QStringList &tables, QIODevice &device)
+{
+    SettingsText::Writer writer(device);
+    const LineTypes lineTypes(store_->context.statements);
+    for (const QString &table : tables) {
+        if (holdsOneOf(table, ignoredWords) || lineTypes.isLeftOut(table))
+            qDebug().noquote() << "Ignored table " << table;
+        else if (const TableForm *form = formOf(table))
+            writeTable(table, *form, writer);
+        else
+            qDebug().noquote() << "unhandled table" << table;
+    }
+    return writer.flush();
+}
+
+void DatabaseTextConverter::replaceNulls()
+{
+    for (const QString &table : tableNames())
+        replaceNulls(table);
+}
+
+void DatabaseTextConverter::replaceNulls(const QString &table)
+{
+    if (table == "Strings"_L1)
+        return;
+    QStringList assignments;
+    QStringList conditions;
+    for (const ColumnInfo &column : columnsOf(store_->context.statements, table)) {
+        // Newer versions of SQLite tell the common types in capitals, whatever the table was made with.
+        const bool isNumber = column.type.compare("integer"_L1, Qt::CaseInsensitive) == 0;
+        if (!isNumber && column.type.compare("text"_L1, Qt::CaseInsensitive) != 0)
+            continue;
+        const QString name = SqlText::identifier(column.name);
+        assignments.append(u"%1 = ifnull(%1, %2)"_s.arg(name, isNumber ? u"0"_s : u"''"_s));
+        conditions.append(name + " IS NULL"_L1);
+    }
+    if (assignments.isEmpty())
+        return;
+    // A row whose empty text would stand twice where it may stand once stays as it is.
+    execute("replaceNulls", u"UPDATE OR IGNORE %1 SET %2 WHERE %3"_s.arg(
+                                SqlText::identifier(table), assignments.join(", "_L1), conditions.join(" OR "_L1)));
+}
+
+/// Executes a statement that nobody is told of.
+bool DatabaseTextConverter::execute(const char *operation, const QString &text, const QVariantList &values)
+{
+    return store_->context.statements.execute({operation, text}, values);
+}
+
+void DatabaseTextConverter::writeTable(const QString &table, const TableForm &form, SettingsText::Writer &writer)
+{
+    writer.setSection(table);
+    if (form.path.isEmpty())
+        writeSettings(table, writer);
+    else
+        writeRows(table, form, writer);
+}
+
+void DatabaseTextConverter::writeSettings(const QString &table, SettingsText::Writer &writer)
+{
+    QMap<QString, QString> settings;
+    const Statement select = {"writeSettings",
+                              u"SELECT item, value FROM %1 ORDER BY item"_s.arg(SqlText::identifier(table))};
+    store_->context.statements.visit(select, {}, [&](const ResultRow &row) {
+        // In a key the text form holds no empty group.
+        const QString key = row.text(0).split(u'/', Qt::SkipEmptyParts).join(u'/');
+        if (!key.isEmpty())
+            settings.insert(key, row.text(1));
+    });
+    for (const auto &[key, value] : settings.asKeyValueRange())
+        writer.writeText(SettingsText::escapedKey(key), value);
+}
+
+void DatabaseTextConverter::writeRows(const QString &table, const TableForm &form, SettingsText::Writer &writer)
+{
+    const QStringList keyColumns = QString(form.key).split(u',');
+    QStringList expressions = {form.path + " AS rowpath"_L1};
+    QList<QByteArray> keys;
+    qsizetype metadataColumn = -1;
+    for (const ColumnInfo &column : columnsOf(store_->context.statements, table)) {
+        const bool isHidden =
+            form.kind == Table::SubObjects &&
+            std::ranges::find(hiddenSubObjectColumns, column.name) != std::end(hiddenSubObjectColumns);
+        if (isHidden || (!form.keyIsWritten && keyColumns.contains(column.name)))
+            continue;
+        const bool isText = form.kind != Table::Nodes && form.kind != Table::UDSSettings &&
+                            (column.name == "name"_L1 || (form.descriptionIsText && column.name == "description"_L1));
+        const QString name = SqlText::identifier(column.name);
+        if (column.name == "metadata"_L1)
+            metadataColumn = expressions.size();
+        expressions.append(isText ? u"(SELECT string FROM Strings WHERE id = t.%1)"_s.arg(name) : u"t."_s + name);
+        keys.append('\\' + SettingsText::escapedKey(column.name));
+    }
+    const Statement select = {"writeRows", u"SELECT %1 FROM %2 AS t ORDER BY rowpath || '/'"_s.arg(
+                                               expressions.join(", "_L1), SqlText::identifier(table))};
+    store_->context.statements.visit(select, {}, [&](const ResultRow &row) {
+        writer.setRow(SettingsText::escapedKey(row.text(0)));
+        for (int column = 1; column <= keys.size(); ++column) {
+            const QVariant value = row.value(column);
+            const QByteArray &key = keys.at(column - 1);
+            if (column == metadataColumn) {
+                const QByteArray bytes = value.toByteArray();
+                writer.writeBytes(key, bytes.isEmpty() ? "0"_ba : bytes);
+            } else if (value.typeId() == QMetaType::LongLong) {
+                writer.writeNumber(key, value.toLongLong());
+            } else {
+                writer.writeText(key, value.toString());
+            }
+        }
+    });
+    writer.setRow({});
+}
+
+bool DatabaseTextConverter::convertTextToSql()
+{
+    SettingsText::Reader reader;
+    if (!file_ || !store_ || !reader.open(*file_))
+        return false;
+    QStringList groups = reader.groups();
+    // A file that names no table of ours is another file, whatever brackets it holds.
+    if (std::none_of(groups.begin(), groups.end(), [](const QString &group) { return formOf(group) != nullptr; }))
+        return false;
+    // The other tables of a line exist once the line does.
+    if (groups.removeAll(u"Nodes"_s) > 0)
+        readLines(reader);
+    else
+        addLinesOf(groups);
+    for (const QString &group : std::as_const(groups))
+        readGroup(group, reader);
+    return true;
+}
+
+void DatabaseTextConverter::readGroup(const QString &group, const SettingsText::Reader &reader)
+{
+    static const QRegularExpression tableName(u"^\\w+$"_s);
+    const TableForm *form = formOf(group);
+    if (!form || form->kind == Table::Nodes || !tableName.match(group).hasMatch())
+        qDebug().noquote() << "unhandled group" << group;
+    else if (form->path.isEmpty())
+        readSettings(group, form->kind, reader);
+    else if (form->kind == Table::Objects || form->kind == Table::SubObjects)
+        readObjects(group, *form, reader);
+    else
+        readRows(group, *form, reader);
+}
+
+void DatabaseTextConverter::readLines(const SettingsText::Reader &reader)
+{
+    QStringList known = columnNamesOf(store_->context.statements, u"Nodes"_s);
+    known.removeAll(u"nodeId"_s);
+    forEachRow(reader, u"Nodes"_s, 1, [&](const TextRow &row) {
+        bool ok = false;
+        const uint line = row.groups.first().toUInt(&ok);
+        if (!ok || line > 0xff) {
+            qDebug().noquote() << "no line" << row.groups.first();
+            return;
+        }
+        StoreRecords::NodeData node;
+        node.outputpath = u"C:/"_s;
+        // A line or value that cannot be written is logged there and passed over.
+        std::ignore = store_->lines.addNode(static_cast<quint8>(line), node, Quotes::Literal);
+        for (qsizetype i = 0; i < row.columns.size(); ++i) {
+            const QString &column = row.columns.at(i);
+            const QString text = row.values.at(i).toString();
+            if (known.contains(column))
+                std::ignore = store_->lines.setNodeSqlValue(QString::number(line), column, text, Quotes::Kept);
+            else
+                qDebug().noquote() << "no column of a line" << column << text;
+        }
+    });
+}
+
+/// The text of a project without CANopen says nothing of its lines; they are those that it has tables of.
+void DatabaseTextConverter::addLinesOf(const QStringList &groups)
+{
+    static const QRegularExpression form(u"^(?:PGNs|SPNs|UDSSettings)(\\d{1,3})$"_s);
+    for (const QString &group : groups) {
+        const auto match = form.match(group);
+        const uint line = match.captured(1).toUInt();
+        if (match.hasMatch() && line <= 0xff && !store_->lines.nodeExists(static_cast<quint8>(line)))
+            std::ignore = store_->lines.addNode(static_cast<quint8>(line), {}, Quotes::Literal);
+    }
+}
+
+void DatabaseTextConverter::readSettings(const QString &group, Table kind, const SettingsText::Reader &reader)
+{
+    // A key of another line than 0 has its line's suffix already.
+    if (kind == Table::DescriptionSettings)
+        store_->settings.setCurrentLine(0);
+    const auto set = [&](const QString &key, const QString &text) {
+        switch (kind) {
+        case Table::DescriptionSettings:
+            return store_->settings.setDescriptionSetting(key, text);
+        case Table::GeneralSettings:
+            return store_->settings.setGeneralSetting(key, text, Quotes::Kept);
+        case Table::MiscSettings:
+            return store_->settings.setMiscSetting(key, text);
+        default:
+            return store_->settings.setJ1939Setting(key, text);
+        }
+    };
+    reader.forEachKey(group, [&](const QString &key, const QVariant &value) {
+        const QString text = value.toString();
+        if (!set(key, text))
+            qDebug().noquote() << group << key << "failed:" << text;
+    });
+}
+
+void DatabaseTextConverter::readObjects(const QString &group, const TableForm &form, const SettingsText::Reader &reader)
+{
+    const bool isSubObject = form.kind == Table::SubObjects;
+    ObjectRowWriter writer(*store_, group);
+    forEachRow(reader, group, isSubObject ? 2 : 1, [&](const TextRow &row) { writer.writeRow(row); });
+}
+
+void DatabaseTextConverter::readRows(const QString &group, const TableForm &form, const SettingsText::Reader &reader)
+{
+    const QStringList known = columnNamesOf(store_->context.statements, group);
+    if (known.isEmpty()) {
+        qDebug().noquote() << "no table" << group;
+        return;
+    }
+    const QStringList keyColumns = QString(form.key).split(u',');
+    forEachRow(reader, group, keyColumns.size(), [&](const TextRow &row) {
+        QStringList columns;
+        QVariantList values;
+        bool allStorable = true;
+        for (qsizetype i = 0; i < row.columns.size(); ++i) {
+            const QString &column = row.columns.at(i);
+            const QString value = row.values.at(i).toString();
+            if (!known.contains(column, Qt::CaseInsensitive)) {
+                qDebug().noquote() << "no column of" << group << column;
+                continue;
+            }
+            columns.append(column);
+            const bool isText = column == "name"_L1 && form.kind != Table::UDSSettings;
+            values.append(isText ? QVariant(store_->context.strings.idOf(value)) : QVariant(value));
+            allStorable = allStorable && (isText || LiteralText::stored(value, Quotes::Kept));
+        }
+        for (qsizetype i = 0; i < keyColumns.size(); ++i) {
+            if (!columns.contains(keyColumns.at(i), Qt::CaseInsensitive)) {
+                columns.append(keyColumns.at(i));
+                values.append(row.groups.at(i).section(u'_', 0, 0));
+            }
+        }
+        const QString statement = u"INSERT OR REPLACE INTO %1 (%2) VALUES (%3)"_s.arg(group, columns.join(", "_L1),
+                                                                                      SqlText::places(values.size()));
+        if (!allStorable || !execute("failed:", statement, values))
+            qDebug().noquote() << "Line:" << row.groups.join(u'/');
+    });
+}
