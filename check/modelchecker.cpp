@@ -25,7 +25,7 @@ qint32 ModelChecker::checkCommon(const std::shared_ptr<ObjectDataBase> &store, c
     outputFolder_ = outputFolder;
     ProjectCheck check(*store, beginReport(*store));
     askRules(check, rules_.common);
-    store->setMiscSetting(u"PreviousToolVersion"_s, QCoreApplication::applicationVersion());
+    std::ignore = store->setMiscSetting(u"PreviousToolVersion"_s, QCoreApplication::applicationVersion());
     return report_.errors;
 }
 

@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     Fuzz::Session session;
     GeneratorMainHandler &handler = session.handler();
     ObjectDataBase &store = *handler.database();
-    store.setGeneralSetting(u"line0type"_s, u"5"_s);
+    Fuzz::require(store.setGeneralSetting(u"line0type"_s, u"5"_s));
     const QString path = Fuzz::write(QStringLiteral(NCX_FUZZ_IMPORT),
                                      QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size)));
     handler.importFile(path);

@@ -20,8 +20,8 @@ QString baseProject()
         ObjectDataBase store;
         const QString example = QStringLiteral(NCX_SOURCE_DIR "/examples/co_j1939/device.ncxt");
         Fuzz::require(store.openTextDatabase(example));
-        store.addNode(1, ObjectDataBase::NODE_DATA_T());
-        store.setGeneralSetting(u"line1type"_s, u"4"_s);
+        Fuzz::require(store.addNode(1, ObjectDataBase::NODE_DATA_T()));
+        Fuzz::require(store.setGeneralSetting(u"line1type"_s, u"4"_s));
         Fuzz::require(store.saveDatabase(made));
         return made;
     }();

@@ -191,7 +191,9 @@ bool CODBImporter::importCopy(const QString &line)
         return false;
     flush();
     const quint16 target = NumberText::hexadecimal<quint16>(match.captured(1)).value_or(0);
-    store_->copyIndex(line_, NumberText::hexadecimal<quint16>(match.captured(2)).value_or(0), line_, target);
+    const quint16 source = NumberText::hexadecimal<quint16>(match.captured(2)).value_or(0);
+    if (store_->indexExists(line_, source))
+        report_.wrote(store_->copyIndex(line_, source, line_, target), line);
     objects_.remove(target);
     return true;
 }
@@ -272,8 +274,8 @@ std::optional<StoreRecords::IndexData> &CODBImporter::knownObject(quint16 index)
 
 void CODBImporter::addObject(quint16 index, const StoreRecords::IndexData &object)
 {
-    store_->addIndex(line_, index, object);
-    objects_[index] = object;
+    if (report_.wrote(store_->addIndex(line_, index, object), u"object 0x%1"_s.arg(index, 4, 16, '0'_L1)))
+        objects_[index] = object;
 }
 
 void CODBImporter::addEntry(quint16 index, quint8 subindex, const SubRecord &record)
@@ -288,6 +290,6 @@ void CODBImporter::addEntry(quint16 index, quint8 subindex, const SubRecord &rec
 
 void CODBImporter::flush()
 {
-    store_->addSubIndices(entries_, Quotes::Kept);
+    report_.wrote(store_->addSubIndices(entries_, Quotes::Kept), u"sub-objects"_s);
     entries_.clear();
 }

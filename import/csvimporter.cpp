@@ -283,7 +283,7 @@ void CsvImporter::importObject(const Place &place, const Row &row, ObjectState &
     const QString code = row.word(ObjectCode);
     if (place.subindex != 0) {
         if (!state.object)
-            store_->addIndex(place.line, place.index, state.object.emplace());
+            report_.wrote(store_->addIndex(place.line, place.index, state.object.emplace()), u"an object"_s);
         return;
     }
     if (state.hasHeadRow && code.isEmpty())
@@ -296,7 +296,7 @@ void CsvImporter::importObject(const Place &place, const Row &row, ObjectState &
         object.objecttype = COHelper::string2objectCode(code);
     if (row.has(Description))
         object.description = row.description();
-    store_->addIndex(place.line, place.index, object);
+    report_.wrote(store_->addIndex(place.line, place.index, object), u"an object"_s);
     state.object = object;
 }
 
@@ -413,7 +413,7 @@ void CsvImporter::flush()
             entries_.append({static_cast<quint8>(state.key() >> 16), static_cast<quint16>(state.key() & 0xffff), 0,
                              *state->madeSubZero});
     }
-    store_->addSubIndices(entries_, Quotes::Kept);
+    report_.wrote(store_->addSubIndices(entries_, Quotes::Kept), u"sub-objects"_s);
     report_.objects = objects_.size();
     report_.subObjects = entries_.size();
     entries_.clear();

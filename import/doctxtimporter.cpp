@@ -60,7 +60,7 @@ void DOCTXTImporter::read()
 {
     qDebug().noquote() << "Importing " << filePath_;
     importFile();
-    store_->repairMappingCounts();
+    report_.wrote(store_->repairMappingCounts(), u"numbers of SPNs"_s);
     qDebug() << "Import completeted";
 }
 
@@ -121,10 +121,10 @@ bool DOCTXTImporter::importPGN(const QStringList &fields)
     record.cycletime_ms = *cycleTime;
     record.priority = *priority;
     record.inhibittime_ms = static_cast<quint16>(*inhibitTime);
-    store_->addPGN(line_, *number, record);
     pgn_ = *number;
     direction_ = record.direction;
-    ++report_.messages;
+    if (report_.wrote(store_->addPGN(line_, *number, record), u"PGN"_s, lineNumber_))
+        ++report_.messages;
     return true;
 }
 
@@ -134,7 +134,7 @@ void DOCTXTImporter::importDescription(const QStringList &fields)
         return;
     if (std::optional<StoreRecords::PGN> record = store_->getPGN(line_, pgn_, direction_)) {
         record->desc = fields.at(2);
-        store_->addPGN(line_, pgn_, *record);
+        report_.wrote(store_->addPGN(line_, pgn_, *record), u"description"_s, lineNumber_);
     }
 }
 
@@ -163,7 +163,7 @@ bool DOCTXTImporter::importSPN(const QStringList &fields)
     record.pgnnumber = pgn_;
     record.direction = direction_;
     record.pos = position_++;
-    store_->addSPN(line_, pgn_, direction_, *number, record, Quotes::Kept);
-    ++report_.signalCount;
+    if (report_.wrote(store_->addSPN(line_, pgn_, direction_, *number, record, Quotes::Kept), u"SPN"_s, lineNumber_))
+        ++report_.signalCount;
     return true;
 }

@@ -38,6 +38,11 @@ const DescriptionSection descriptionSections[] = {
       "BaudRate_500"_L1, "BaudRate_800"_L1, "BaudRate_1000"_L1, "NrOfRXPDO"_L1, "NrOfTXPDO"_L1}},
 };
 
+QString nameOf(quint16 index)
+{
+    return u"object 0x%1"_s.arg(index, 4, 16, '0'_L1);
+}
+
 QString pdoCountKey(PDOObjects::Direction direction)
 {
     return direction == PDOObjects::Receive ? u"NrOfRXPDO"_s : u"NrOfTXPDO"_s;
@@ -112,7 +117,7 @@ void EDSImporter::read()
     // A file that cannot be read says nothing, not even that the settings of its description are empty.
     if (parser_->LoadEds(filePath_)) {
         Q_EMIT progress(40);
-        store_->addSubIndices(entries_, Quotes::Kept);
+        report_.wrote(store_->addSubIndices(entries_, Quotes::Kept), u"sub-objects"_s);
         Q_EMIT progress(80);
         importDescription();
         importComments();
@@ -135,7 +140,8 @@ void EDSImporter::newIndex(const CANopen::CANopenIndex &index)
     record.objecttype = index.objecttype;
     record.description = index.description;
     record.category = index.category;
-    store_->addIndex(line_, key, record);
+    if (!report_.wrote(store_->addIndex(line_, key, record), nameOf(key), parser_->lineOf(key)))
+        return;
     existing_.set(key);
     ++report_.objects;
     if (index.objecttype != CANopen::Array)
@@ -163,8 +169,8 @@ void EDSImporter::addCompactSubs(const CANopen::CANopenIndex &object)
         sub.denotation = denotations.value(number);
         SubRecord record = recordOf(sub);
         record.pdomapping = sub.pdomapping ? PDOMapping::Allowed : PDOMapping::Forbidden;
-        store_->addSubIndex(line_, index, subindex, record, Quotes::Kept);
-        ++report_.subObjects;
+        if (report_.wrote(store_->addSubIndex(line_, index, subindex, record, Quotes::Kept), nameOf(index)))
+            ++report_.subObjects;
     }
 }
 
@@ -198,7 +204,7 @@ void EDSImporter::setArrayType(quint16 index, quint16 dataType)
     const auto array = arrays_.find(index);
     if (array != arrays_.end() && array->datatype != dataType) {
         array->datatype = dataType;
-        store_->addIndex(line_, index, *array);
+        report_.wrote(store_->addIndex(line_, index, *array), nameOf(index));
     }
 }
 
@@ -208,13 +214,15 @@ void EDSImporter::importDescription()
     for (const auto &[section, isText, keys] : descriptionSections) {
         for (const QLatin1StringView key : keys) {
             const QString value = parser_->sectionValue(section, key);
-            store_->setDescriptionSetting(key, isText ? EdsValue::unquotedText(value) : EdsValue::word(value));
+            const QString text = isText ? EdsValue::unquotedText(value) : EdsValue::word(value);
+            report_.wrote(store_->setDescriptionSetting(key, text), key);
         }
     }
-    store_->setDescriptionSetting(u"Comment"_s, parser_->commentText());
+    report_.wrote(store_->setDescriptionSetting(u"Comment"_s, parser_->commentText()), u"Comment"_s);
     for (const PDOObjects::Direction direction : {PDOObjects::Receive, PDOObjects::Transmit}) {
         const QString count = EdsValue::word(parser_->sectionValue("DeviceInfo"_L1, pdoCountKey(direction)));
-        PDOObjects::addMissing(*store_, line_, direction, EdsValue::number(count).value_or(0));
+        report_.wrote(PDOObjects::addMissing(*store_, line_, direction, EdsValue::number(count).value_or(0)),
+                      u"missing PDO objects"_s);
     }
 }
 
@@ -224,13 +232,13 @@ void EDSImporter::importComments()
         if (!comment.subindex) {
             if (auto object = store_->getIndex(line_, comment.index)) {
                 object->description = comment.text;
-                store_->addIndex(line_, comment.index, *object);
+                report_.wrote(store_->addIndex(line_, comment.index, *object), u"a comment"_s);
             }
         }
         const quint8 subindex = comment.subindex.value_or(0);
         if (auto sub = store_->getSubIndex(line_, comment.index, subindex)) {
             sub->description = comment.text;
-            store_->addSubIndex(line_, comment.index, subindex, *sub, Quotes::Kept);
+            report_.wrote(store_->addSubIndex(line_, comment.index, subindex, *sub, Quotes::Kept), u"a comment"_s);
         }
     }
 }

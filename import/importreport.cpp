@@ -9,6 +9,13 @@ void ImportReport::drop(qsizetype line, const QString &what)
         dropped.append({line, what});
 }
 
+bool ImportReport::wrote(bool done, const QString &what, qsizetype line)
+{
+    if (!done)
+        drop(line, what + u" could not be written"_s);
+    return done;
+}
+
 QString ImportReport::text() const
 {
     QString result = u"Taken: %1 objects, %2 sub-objects, %3 messages, %4 signals; dropped: %5"_s.arg(objects)

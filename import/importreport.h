@@ -26,6 +26,8 @@ struct ImportReport
     qsizetype droppedCount = 0;
 
     void drop(qsizetype line, const QString &what);
+    /// Drops what could not be written; the reason stands in the log before it. Returns whether it was written.
+    bool wrote(bool done, const QString &what, qsizetype line = 0);
     /// What was taken in one line, and a line for each part that was dropped and kept.
     QString text() const;
 };

@@ -82,7 +82,7 @@ public:
             existing_.set(index - first);
     }
 
-    void fill(quint32 count)
+    [[nodiscard]] bool fill(quint32 count)
     {
         if (countFrom(0) < count) {
             for (quint32 i = 0; i < count; ++i) {
@@ -94,7 +94,7 @@ public:
             for (quint32 i = 0; i < count; ++i)
                 addMapping(i);
         }
-        store_.addSubIndices(entries_);
+        return store_.addSubIndices(entries_) && done_;
     }
 
 private:
@@ -106,7 +106,7 @@ private:
         ObjectDataBase::INDEX_DATA_T object;
         object.name = name;
         object.objecttype = CANopen::Record;
-        store_.addIndex(line_, indexAt(offset), object);
+        done_ = store_.addIndex(line_, indexAt(offset), object) && done_;
         existing_.set(offset);
     }
 
@@ -141,12 +141,12 @@ private:
     /// Communication objects from 0, mapping objects from `pdoMappingOffset`.
     std::bitset<places> existing_;
     QList<ObjectDataBase::SubEntry> entries_;
+    bool done_ = true;
 };
 
 } // namespace
 
-void PDOObjects::addMissing(ObjectDataBase &store, quint8 line, Direction direction, quint32 count)
+bool PDOObjects::addMissing(ObjectDataBase &store, quint8 line, Direction direction, quint32 count)
 {
-    if (count > 0)
-        Filler(store, line, directions[direction]).fill(qMin(count, maxCount));
+    return count == 0 || Filler(store, line, directions[direction]).fill(qMin(count, maxCount));
 }

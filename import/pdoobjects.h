@@ -19,6 +19,6 @@ inline constexpr quint32 maxCount = 512;
 /// Makes communication and mapping objects for the first `count` PDOs of a direction, as far as the line lacks them;
 /// none if it has that many objects by now, wherever in their range they stand. A count beyond `maxCount` counts as
 /// that.
-void addMissing(ObjectDataBase &store, quint8 line, Direction direction, quint32 count);
+[[nodiscard]] bool addMissing(ObjectDataBase &store, quint8 line, Direction direction, quint32 count);
 
 } // namespace PDOObjects

@@ -27,20 +27,21 @@ void copyPGN(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quint8
              const StoreRecords::PGN &pgn, ImportReport &report)
 {
     const auto [number, direction] = std::pair(pgn.number, pgn.direction);
-    target.addPGN(line, number, pgn);
+    if (!report.wrote(target.addPGN(line, number, pgn), u"PGN %1"_s.arg(number)))
+        return;
     ++report.messages;
     const QList<quint32> spns = source.getSPNList(sourceLine, number, direction);
     const QSet<quint32> kept(spns.begin(), spns.end());
     for (const quint32 spn : target.getSPNList(line, number, direction)) {
         if (!kept.contains(spn))
-            target.removeSPN(line, number, spn, direction);
+            report.wrote(target.removeSPN(line, number, spn, direction), u"removal of SPN %1"_s.arg(spn));
     }
     for (const quint32 spn : spns) {
         const std::optional<StoreRecords::SPN> data = source.getSPN(sourceLine, number, direction, spn);
         if (!data)
             continue;
-        target.addSPN(line, number, direction, spn, *data, Quotes::Kept);
-        ++report.signalCount;
+        if (report.wrote(target.addSPN(line, number, direction, spn, *data, Quotes::Kept), u"SPN %1"_s.arg(spn)))
+            ++report.signalCount;
     }
 }
 
@@ -48,17 +49,20 @@ void copyCANID(ObjectDataBase &target, quint8 line, ObjectDataBase &source, quin
                const StoreRecords::CANID &canid, ImportReport &report)
 {
     const auto [id, direction] = std::pair(canid.id, canid.direction);
-    target.addCANID(line, id, canid);
+    if (!report.wrote(target.addCANID(line, id, canid), u"CAN-ID %1"_s.arg(id)))
+        return;
     ++report.messages;
     // An update would leave an element's place and size as they were.
     for (const quint32 number : target.getDataElementList(line, id, direction))
-        target.removeDataElement(line, id, number, direction);
+        report.wrote(target.removeDataElement(line, id, number, direction),
+                     u"removal of data element %1"_s.arg(number));
     for (const quint32 number : source.getDataElementList(sourceLine, id, direction)) {
         const auto data = source.getDataElement(sourceLine, id, direction, number);
         if (!data)
             continue;
-        target.addDataElement(line, id, direction, number, *data, Quotes::Kept);
-        ++report.signalCount;
+        if (report.wrote(target.addDataElement(line, id, direction, number, *data, Quotes::Kept),
+                         u"data element %1"_s.arg(number)))
+            ++report.signalCount;
     }
 }
 
@@ -88,7 +92,7 @@ void ProjectMerge::copyPGNs(ObjectDataBase &target, quint8 line, ObjectDataBase 
     const ObjectDataBase::Transaction transaction(target);
     const TemporaryIndex pgnIndex(target.statements(), line, TemporaryIndex::pgnKeys);
     const TemporaryIndex spnIndex(target.statements(), line, TemporaryIndex::spnKeys);
-    source.cacheSPNs(sourceLine);
+    std::ignore = source.cacheSPNs(sourceLine); // without them, each is asked for by itself
     for (const StoreRecords::PGN &pgn : source.getAllPGNs(sourceLine)) {
         if (isDirection(pgn.direction) && isBetween(pgn.number, first, last))
             copyPGN(target, line, source, sourceLine, pgn, report);

@@ -65,19 +65,19 @@ public:
     // ---- Life of the project (ProjectFile, TextProject) --------------------------------
 
     /// A new empty project with line 0 in a fresh working copy.
-    bool createNewDataBase() { return file_.create(); }
+    [[nodiscard]] bool createNewDataBase() { return file_.create(); }
     /// Opens a project file of any age and form. A path that ends in "ncxt" is a text project, and opening that
     /// reports true whatever its conversion says. False for anything that is no project, or (`lastError`) that another
     /// tool's protocols are in; then no project is open. The second argument has no effect.
-    bool openDataBase(const QString &path, bool unused = false);
+    [[nodiscard]] bool openDataBase(const QString &path, bool unused = false);
     /// Opens a text project; the result is the conversion's.
-    bool openTextDatabase(const QString &path) { return TextProject::open(file_, tables_, path); }
+    [[nodiscard]] bool openTextDatabase(const QString &path) { return TextProject::open(file_, tables_, path); }
     /// Saves to the path, or where it is empty to the project path, in the form that the path's ending asks for. A
     /// text project reports true in any case; whether it could be written is told by `lastError`. False without an open
     /// project, and for a database file within a transaction, whose writes are not in the working copy yet.
-    bool saveDatabase(const QString &path);
-    bool saveDatabaseAsSql(const QString &path) { return file_.saveAsSql(path); }
-    bool saveDatabaseAsText(const QString &path) { return TextProject::save(file_, tables_, path); }
+    [[nodiscard]] bool saveDatabase(const QString &path);
+    [[nodiscard]] bool saveDatabaseAsSql(const QString &path) { return file_.saveAsSql(path); }
+    [[nodiscard]] bool saveDatabaseAsText(const QString &path) { return TextProject::save(file_, tables_, path); }
     /// Waits for statements under way (at most 5 s) and closes the connection.
     void closeDatabase() { file_.close(); }
     /// True from a successful create or open on, until one fails.
@@ -131,31 +131,31 @@ public:
 
     // ---- Object dictionary (ObjectTables) -----------------------------------
 
-    bool addIndex(quint8 line, quint16 index, const INDEX_DATA_T &data)
+    [[nodiscard]] bool addIndex(quint8 line, quint16 index, const INDEX_DATA_T &data)
     {
         return tables_.objects.addIndex(line, index, data);
     }
     /// The values of a VISIBLE_STRING are kept in any case.
-    bool addSubIndex(quint8 line, quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data,
-                     Quotes quotes = Quotes::Literal)
+    [[nodiscard]] bool addSubIndex(quint8 line, quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data,
+                                   Quotes quotes = Quotes::Literal)
     {
         return tables_.objects.addSubIndex(line, index, subindex, data, quotes);
     }
     /// All entries in their order in one transaction; goes on after a failure, the result is the last entry's.
-    bool addSubIndices(const QList<SubEntry> &entries, Quotes quotes = Quotes::Literal)
+    [[nodiscard]] bool addSubIndices(const QList<SubEntry> &entries, Quotes quotes = Quotes::Literal)
     {
         return tables_.objects.addSubIndices(entries, quotes);
     }
     /// Removes an object with its subindices and, unless `keepConnections`, its rows in `Connections`.
-    bool removeIndex(quint8 line, quint16 index, bool keepConnections = false)
+    [[nodiscard]] bool removeIndex(quint8 line, quint16 index, bool keepConnections = false)
     {
         return tables_.objects.removeIndex(line, index, keepConnections);
     }
-    bool removeSubIndex(quint8 line, quint16 index, quint8 subindex, bool keepConnections = false)
+    [[nodiscard]] bool removeSubIndex(quint8 line, quint16 index, quint8 subindex, bool keepConnections = false)
     {
         return tables_.objects.removeSubIndex(line, index, subindex, keepConnections);
     }
-    bool removeConsumerConnection(quint8 line, quint16 index, quint8 subindex)
+    [[nodiscard]] bool removeConsumerConnection(quint8 line, quint16 index, quint8 subindex)
     {
         return tables_.objects.removeConsumerConnection(line, index, subindex);
     }
@@ -164,7 +164,10 @@ public:
     {
         return tables_.objects.subIndexExists(line, index, subindex);
     }
-    std::optional<INDEX_DATA_T> getIndex(quint8 line, quint16 index) { return tables_.objects.getIndex(line, index); }
+    [[nodiscard]] std::optional<INDEX_DATA_T> getIndex(quint8 line, quint16 index)
+    {
+        return tables_.objects.getIndex(line, index);
+    }
     QString getIndexName(quint8 line, quint16 index) { return tables_.objects.getIndexName(line, index); }
     /// Names an object that exists.
     void setIndexName(quint8 line, quint16 index, const QString &name)
@@ -187,7 +190,7 @@ public:
         return tables_.objects.getIndexNames(line, first, last);
     }
     /// Answers from the line's cache where that holds the key.
-    std::optional<SUBINDEX_DATA_T> getSubIndex(quint8 line, quint16 index, quint8 subindex)
+    [[nodiscard]] std::optional<SUBINDEX_DATA_T> getSubIndex(quint8 line, quint16 index, quint8 subindex)
     {
         return tables_.objects.getSubIndex(line, index, subindex);
     }
@@ -216,8 +219,8 @@ public:
     {
         return tables_.objects.getSubIndexDefaultValue(line, index, subindex);
     }
-    bool setSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex, const QString &value,
-                                 Quotes quotes = Quotes::Literal)
+    [[nodiscard]] bool setSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex, const QString &value,
+                                               Quotes quotes = Quotes::Literal)
     {
         return tables_.objects.setSubIndexDefaultValue(line, index, subindex, value, quotes);
     }
@@ -227,22 +230,22 @@ public:
         return tables_.objects.findSubIndices(line, column, value);
     }
     /// Copies an object over another of this project; the target's former subindices are gone.
-    bool copyIndex(quint8 fromLine, quint16 fromIndex, quint8 toLine, quint16 toIndex)
+    [[nodiscard]] bool copyIndex(quint8 fromLine, quint16 fromIndex, quint8 toLine, quint16 toIndex)
     {
         return tables_.objects.copyIndex(fromLine, fromIndex, toLine, toIndex);
     }
     /// Copies an object out of another store; target subindices that the source lacks are removed.
-    bool copyIndexFrom(ObjectDataBase *other, quint8 fromLine, quint16 fromIndex, quint8 toLine, quint16 toIndex,
-                       bool objectOnly = false)
+    [[nodiscard]] bool copyIndexFrom(ObjectDataBase *other, quint8 fromLine, quint16 fromIndex, quint8 toLine,
+                                     quint16 toIndex, bool objectOnly = false)
     {
         return other &&
                tables_.objects.copyIndexFrom(other->tables_.objects, fromLine, fromIndex, toLine, toIndex, objectOnly);
     }
-    bool setObjectMetadata(quint8 line, quint16 index, const Metadata &metadata)
+    [[nodiscard]] bool setObjectMetadata(quint8 line, quint16 index, const Metadata &metadata)
     {
         return tables_.objects.setObjectMetadata(line, index, metadata);
     }
-    bool setSubObjectMetadata(quint8 line, quint16 index, quint8 subindex, const Metadata &metadata)
+    [[nodiscard]] bool setSubObjectMetadata(quint8 line, quint16 index, quint8 subindex, const Metadata &metadata)
     {
         return tables_.objects.setSubObjectMetadata(line, index, subindex, metadata);
     }
@@ -269,13 +272,13 @@ public:
 
     /// Adds or updates a line and makes its tables. Of an existing line five fields stay: `isbootupmanager`,
     /// `isconfigmanager`, `excludepdolinking`, `multilinedata`, `lssslave`.
-    bool addNode(quint8 line, const NODE_DATA_T &data, Quotes quotes = Quotes::Literal)
+    [[nodiscard]] bool addNode(quint8 line, const NODE_DATA_T &data, Quotes quotes = Quotes::Literal)
     {
         return tables_.lines.addNode(line, data, quotes);
     }
     /// Removes a line; the comma lists of later lines move down by one place.
-    bool removeNode(quint8 line) { return tables_.lines.removeNode(line); }
-    std::optional<NODE_DATA_T> getNode(quint8 line) { return tables_.lines.getNode(line); }
+    [[nodiscard]] bool removeNode(quint8 line) { return tables_.lines.removeNode(line); }
+    [[nodiscard]] std::optional<NODE_DATA_T> getNode(quint8 line) { return tables_.lines.getNode(line); }
     QList<quint8> getNodeList() { return tables_.lines.getNodeList(); }
     bool nodeExists(quint8 line) { return tables_.lines.nodeExists(line); }
     void setNodeSqlValue(const QString &nodeId, const QString &column, const QVariant &value,
@@ -290,12 +293,13 @@ public:
 
     QString getGeneralSetting(const QString &key) { return tables_.settings.getGeneralSetting(key); }
     QString getGeneralSetting(const QString &key, quint8 line) { return tables_.settings.getGeneralSetting(key, line); }
-    bool setGeneralSetting(const QString &key, const QString &value, Quotes quotes = Quotes::Literal)
+    [[nodiscard]] bool setGeneralSetting(const QString &key, const QString &value, Quotes quotes = Quotes::Literal)
     {
         return tables_.settings.setGeneralSetting(key, value, quotes);
     }
     /// The parts of the other lines are kept as they are.
-    bool setGeneralSetting(const QString &key, const QString &value, quint8 line, Quotes quotes = Quotes::Literal)
+    [[nodiscard]] bool setGeneralSetting(const QString &key, const QString &value, quint8 line,
+                                         Quotes quotes = Quotes::Literal)
     {
         return tables_.settings.setGeneralSetting(key, value, line, quotes);
     }
@@ -307,25 +311,28 @@ public:
     QHash<QString, QString> getJ1939Settings() { return tables_.settings.getJ1939Settings(); }
     QString getJ1939Setting(const QString &key) { return tables_.settings.getJ1939Setting(key); }
     QString getJ1939Setting(const QString &key, quint8 line) { return tables_.settings.getJ1939Setting(key, line); }
-    bool setJ1939Setting(const QString &key, const QString &value)
+    [[nodiscard]] bool setJ1939Setting(const QString &key, const QString &value)
     {
         return tables_.settings.setJ1939Setting(key, value);
     }
     QString getDescriptionSetting(const QString &key) { return tables_.settings.getDescriptionSetting(key); }
-    bool setDescriptionSetting(const QString &key, const QString &value)
+    [[nodiscard]] bool setDescriptionSetting(const QString &key, const QString &value)
     {
         return tables_.settings.setDescriptionSetting(key, value);
     }
     bool descriptionSettingExists(const QString &key) { return tables_.settings.descriptionSettingExists(key); }
     QString getEnergyBusSetting(const QString &key) { return tables_.settings.getEnergyBusSetting(key); }
-    bool setEnergyBusSetting(const QString &key, const QString &value, Quotes quotes = Quotes::Literal)
+    [[nodiscard]] bool setEnergyBusSetting(const QString &key, const QString &value, Quotes quotes = Quotes::Literal)
     {
         return tables_.settings.setEnergyBusSetting(key, value, quotes);
     }
-    bool removeEnergyBusSetting(const QString &key) { return tables_.settings.removeEnergyBusSetting(key); }
+    [[nodiscard]] bool removeEnergyBusSetting(const QString &key)
+    {
+        return tables_.settings.removeEnergyBusSetting(key);
+    }
     QStringList getEnergyBusSettingKeys() { return tables_.settings.getEnergyBusSettingKeys(); }
     QString getMiscSetting(const QString &key) { return tables_.settings.getMiscSetting(key); }
-    bool setMiscSetting(const QString &key, const QString &value)
+    [[nodiscard]] bool setMiscSetting(const QString &key, const QString &value)
     {
         return tables_.settings.setMiscSetting(key, value);
     }
@@ -334,17 +341,20 @@ public:
     // ---- J1939 (J1939Tables) -----------------------------------------------------------------------------------
     // A direction is `transmit` or `receive`; 0 in a list operation means both.
 
-    bool addPGN(quint8 line, quint32 number, const PGN &data) { return tables_.j1939.addPGN(line, number, data); }
-    bool addSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, const SPN &data,
-                Quotes quotes = Quotes::Literal)
+    [[nodiscard]] bool addPGN(quint8 line, quint32 number, const PGN &data)
+    {
+        return tables_.j1939.addPGN(line, number, data);
+    }
+    [[nodiscard]] bool addSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, const SPN &data,
+                              Quotes quotes = Quotes::Literal)
     {
         return tables_.j1939.addSPN(line, pgn, direction, spn, data, quotes);
     }
-    bool removePGN(quint8 line, quint32 number, quint8 direction)
+    [[nodiscard]] bool removePGN(quint8 line, quint32 number, quint8 direction)
     {
         return tables_.j1939.removePGN(line, number, direction);
     }
-    bool removeSPN(quint8 line, quint32 pgn, quint32 spn, quint8 direction)
+    [[nodiscard]] bool removeSPN(quint8 line, quint32 pgn, quint32 spn, quint8 direction)
     {
         return tables_.j1939.removeSPN(line, pgn, spn, direction);
     }
@@ -356,7 +366,7 @@ public:
     {
         return tables_.j1939.spnExists(line, pgn, direction, spn);
     }
-    std::optional<PGN> getPGN(quint8 line, quint32 number, quint8 direction)
+    [[nodiscard]] std::optional<PGN> getPGN(quint8 line, quint32 number, quint8 direction)
     {
         return tables_.j1939.getPGN(line, number, direction);
     }
@@ -381,7 +391,7 @@ public:
     {
         return tables_.j1939.getPGNNames(line, direction);
     }
-    std::optional<SPN> getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
+    [[nodiscard]] std::optional<SPN> getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
     {
         return tables_.j1939.getSPN(line, pgn, direction, spn);
     }
@@ -397,27 +407,30 @@ public:
     {
         return tables_.j1939.getSPNDataType(line, pgn, direction, spn);
     }
-    bool cacheSPNs(quint8 line) { return tables_.j1939.cacheSPNs(line); }
+    [[nodiscard]] bool cacheSPNs(quint8 line) { return tables_.j1939.cacheSPNs(line); }
     /// Counts the SPNs of all PGNs anew, which every open does; without a notification.
-    bool repairMappingCounts() { return Repairs::mappingCounts(tables_); }
+    [[nodiscard]] bool repairMappingCounts() { return Repairs::mappingCounts(tables_); }
     void clearSPNCache() { tables_.j1939.clearSPNCache(); }
     /// True if some PGN of the line is a safety PGN (`issafe`).
     bool anySafePGN(quint8 line) { return tables_.j1939.anySafePGN(line); }
 
     // ---- Raw CAN (RawCanTables) --------------------------------------------------------------------------------
 
-    bool addCANID(quint8 line, quint32 id, const CANID &data) { return tables_.rawCan.addCANID(line, id, data); }
+    [[nodiscard]] bool addCANID(quint8 line, quint32 id, const CANID &data)
+    {
+        return tables_.rawCan.addCANID(line, id, data);
+    }
     /// An update leaves `pos` and `bitsize` of the element as they were first inserted.
-    bool addDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number, const DataElement &data,
-                        Quotes quotes = Quotes::Literal)
+    [[nodiscard]] bool addDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number,
+                                      const DataElement &data, Quotes quotes = Quotes::Literal)
     {
         return tables_.rawCan.addDataElement(line, canid, direction, number, data, quotes);
     }
-    bool removeCANID(quint8 line, quint32 id, quint8 direction)
+    [[nodiscard]] bool removeCANID(quint8 line, quint32 id, quint8 direction)
     {
         return tables_.rawCan.removeCANID(line, id, direction);
     }
-    bool removeDataElement(quint8 line, quint32 canid, quint32 number, quint8 direction)
+    [[nodiscard]] bool removeDataElement(quint8 line, quint32 canid, quint32 number, quint8 direction)
     {
         return tables_.rawCan.removeDataElement(line, canid, number, direction);
     }
@@ -429,7 +442,7 @@ public:
     {
         return tables_.rawCan.dataElementExists(line, canid, direction, number);
     }
-    std::optional<CANID> getCANID(quint8 line, quint32 id, quint8 direction)
+    [[nodiscard]] std::optional<CANID> getCANID(quint8 line, quint32 id, quint8 direction)
     {
         return tables_.rawCan.getCANID(line, id, direction);
     }
@@ -447,7 +460,8 @@ public:
     {
         return tables_.rawCan.getCANIDNames(line, direction);
     }
-    std::optional<DataElement> getDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number)
+    [[nodiscard]] std::optional<DataElement> getDataElement(quint8 line, quint32 canid, quint8 direction,
+                                                            quint32 number)
     {
         return tables_.rawCan.getDataElement(line, canid, direction, number);
     }
@@ -464,7 +478,7 @@ public:
     // Services are those of ISO 14229-1; the lists are comma lists of numbers. Setting a column of a service without a
     // row makes the row, inactive and with its other columns empty.
 
-    bool createUDSSettingsTable(quint8 line) { return tables_.uds.createUDSSettingsTable(line); }
+    [[nodiscard]] bool createUDSSettingsTable(quint8 line) { return tables_.uds.createUDSSettingsTable(line); }
     void setUDSServiceActive(quint8 line, quint8 sid, bool active)
     {
         std::ignore = tables_.uds.setActive(line, sid, active);

@@ -5,6 +5,8 @@
 
 #include <QRegularExpression>
 
+#include <tuple>
+
 using namespace Qt::StringLiterals;
 
 bool ProjectConverter::doGenericCorrection()
@@ -13,11 +15,11 @@ bool ProjectConverter::doGenericCorrection()
         const QString defines = store_->getGeneralSetting(u"hw_defines"_s) +
                                 "\n\n /* old group filter setting */\n#define CO_DRV_GROUP_FILTER 1u\n"_L1;
         if (store_->setGeneralSetting(u"hw_defines"_s, defines, Quotes::Kept))
-            store_->setGeneralSetting(u"drv_group_filter"_s, u"0"_s);
+            std::ignore = store_->setGeneralSetting(u"drv_group_filter"_s, u"0"_s);
     }
     constexpr uint renumberedServerVersion = 5;
     if (store_->getGeneralSetting(u"udsserver_version"_s).toUInt() == renumberedServerVersion)
-        store_->setGeneralSetting(u"udsserver_version"_s, u"6"_s);
+        std::ignore = store_->setGeneralSetting(u"udsserver_version"_s, u"6"_s);
     return true;
 }
 
@@ -41,7 +43,7 @@ void ProjectConverter::takeStackPathFromUser()
         return;
     const QString path = UserSettings::value(u"General"_s, key);
     if (!path.isEmpty())
-        store_->setMiscSetting(key, path);
+        std::ignore = store_->setMiscSetting(key, path);
 }
 
 /// The key once held whether each line is NMT master.
@@ -51,8 +53,8 @@ void ProjectConverter::moveMasterList()
     const QString value = store_->getGeneralSetting(key);
     if (!value.contains(u','))
         return;
-    store_->setGeneralSetting(u"nmtmaster"_s, value, Quotes::Kept);
-    store_->setGeneralSetting(key, QString());
+    if (store_->setGeneralSetting(u"nmtmaster"_s, value, Quotes::Kept))
+        std::ignore = store_->setGeneralSetting(key, QString());
 }
 
 /// The count alone once switched a feature on.
@@ -62,7 +64,7 @@ void ProjectConverter::switchOnWhereCounted(const QString &enabledKey, const QSt
         return static_cast<quint8>(store_->getGeneralSetting(key).toUInt());
     };
     if (numberOf(enabledKey) == 0 && numberOf(countKey) != 0)
-        store_->setGeneralSetting(enabledKey, u"1"_s);
+        std::ignore = store_->setGeneralSetting(enabledKey, u"1"_s);
 }
 
 void ProjectConverter::unmapObject1032(quint8 line)
@@ -73,7 +75,7 @@ void ProjectConverter::unmapObject1032(quint8 line)
     if (!data || data->pdomapping.toUInt() != mappedOnce)
         return;
     data->pdomapping = PDOMapping(0);
-    store_->addSubIndex(line, index, 0, *data, Quotes::Kept);
+    std::ignore = store_->addSubIndex(line, index, 0, *data, Quotes::Kept);
 }
 
 /// The kind that a key names, put right in the project; empty for none and for one that is marked to be left.
@@ -86,7 +88,7 @@ QString ProjectConverter::correctedKind(const QString &key)
     QString corrected = kind;
     corrected.replace(misspelt, u"security"_s);
     if (corrected != kind)
-        store_->setEnergyBusSetting(key, corrected, Quotes::Kept);
+        std::ignore = store_->setEnergyBusSetting(key, corrected, Quotes::Kept);
     return corrected;
 }
 
@@ -100,12 +102,12 @@ bool ProjectConverter::doEnergyBusCorrection()
             deviceCount = entry + 1;
     }
     if (deviceCount > store_->getEnergyBusSetting(u"device_cnt"_s).toInt())
-        store_->setEnergyBusSetting(u"device_cnt"_s, QString::number(deviceCount));
+        std::ignore = store_->setEnergyBusSetting(u"device_cnt"_s, QString::number(deviceCount));
     return true;
 }
 
 bool ProjectConverter::doJ1939Correction()
 {
-    store_->repairMappingCounts();
+    std::ignore = store_->repairMappingCounts();
     return true;
 }

@@ -9,8 +9,8 @@ class ObjectDataBase;
 
 /// Brings the settings of a project that an older program saved up to date, in its working copy.
 ///
-/// Each correction returns true whatever it found: none of them can stop an open. What is up to date stays as it is, so
-/// that a correction can run at every open.
+/// Each correction returns true whatever it found: none of them can stop an open, not even by a write that fails. What
+/// is up to date stays as it is, so that a correction can run at every open.
 class ProjectConverter : public QObject
 {
     Q_OBJECT

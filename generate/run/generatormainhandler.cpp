@@ -52,8 +52,9 @@ GeneratorMainHandler::GeneratorMainHandler(OutputHandlerBase *output, QObject *p
     , output_(output)
 {
     database_->keepSubIndices(true);
-    database_->createNewDataBase();
-    database_->addNode(0, ObjectDataBase::NODE_DATA_T());
+    // Where there is no place for a working copy, no project is open, and each command tells so.
+    if (database_->createNewDataBase())
+        std::ignore = database_->addNode(0, ObjectDataBase::NODE_DATA_T());
 }
 
 GeneratorMainHandler::~GeneratorMainHandler() = default;
@@ -75,15 +76,14 @@ bool GeneratorMainHandler::openProject(const QString &filePath)
     outputFolder_ = file.absolutePath();
     projectBaseName_ = file.completeBaseName();
     projectPath_ = path;
-    database_->setGeneralSetting(u"new_init_structure"_s, u"1"_s);
-    database_->setGeneralSetting(u"use_core_headers"_s, u"V4"_s);
-    return !database_->isDamaged();
+    return database_->setGeneralSetting(u"new_init_structure"_s, u"1"_s) &&
+           database_->setGeneralSetting(u"use_core_headers"_s, u"V4"_s) && !database_->isDamaged();
 }
 
 void GeneratorMainHandler::setStackPath(const QString &path)
 {
     if (database_->isOpen())
-        database_->setMiscSetting(u"costackpath"_s, path);
+        std::ignore = database_->setMiscSetting(u"costackpath"_s, path); // a save tells of damage
 }
 
 bool GeneratorMainHandler::importFile(const QString &path)
@@ -107,7 +107,7 @@ void GeneratorMainHandler::saveProject()
         output_->message(u"ERROR - %1 is no project and is left as it is."_s.arg(projectPath_));
         return;
     }
-    database_->saveDatabase({});
+    std::ignore = database_->saveDatabase({}); // a text project tells of a failure only below
     if (!database_->lastError().isEmpty())
         output_->message(u"ERROR - %1"_s.arg(database_->lastError()));
 }
@@ -194,7 +194,7 @@ void GeneratorMainHandler::removeAddressClaims(const RunContext &context)
 {
     for (const quint8 line : context.lines) {
         if (line < firstLineWithoutProtocol && context.protocols(line).j1939)
-            database_->removePGN(line, J1939::addressClaim, ObjectDataBase::transmit);
+            std::ignore = database_->removePGN(line, J1939::addressClaim, ObjectDataBase::transmit);
     }
 }
 

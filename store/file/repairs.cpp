@@ -68,18 +68,20 @@ bool repairMappingCounts(Statements &statements, quint8 line)
 {
     constexpr auto operation = "repairMappingCounts";
     QHash<MessageKey, quint32> counts;
-    statements.visit({operation, u"select pgnnumber, direction from SPNs%1"_s.arg(line)}, {},
-                     [&](const ResultRow &row) { ++counts[keyOfRow(row)]; });
+    bool done = statements.visit({operation, u"select pgnnumber, direction from SPNs%1"_s.arg(line)}, {},
+                                 [&](const ResultRow &row) { ++counts[keyOfRow(row)]; });
     QHash<MessageKey, quint32> wrong;
-    statements.visit(
-        {operation, u"select number, direction, mappingcount from PGNs%1 where direction in (?, ?)"_s.arg(line)},
-        {StoreRecords::receive, StoreRecords::transmit}, [&](const ResultRow &row) {
-            const MessageKey key = keyOfRow(row);
-            if (row.value(2).toUInt() != counts.value(key))
-                wrong.insert(key, counts.value(key));
-        });
-    if (wrong.isEmpty())
-        return true;
+    done = statements.visit(
+               {operation, u"select number, direction, mappingcount from PGNs%1 where direction in (?, ?)"_s.arg(line)},
+               {StoreRecords::receive, StoreRecords::transmit},
+               [&](const ResultRow &row) {
+                   const MessageKey key = keyOfRow(row);
+                   if (row.value(2).toUInt() != counts.value(key))
+                       wrong.insert(key, counts.value(key));
+               }) &&
+           done;
+    if (!done || wrong.isEmpty())
+        return done;
     QList<QVariantList> rows;
     for (const auto &[key, count] : wrong.asKeyValueRange())
         rows.append({count, key.number, key.direction});

@@ -10,6 +10,8 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <tuple>
+#include <type_traits>
 #include <unordered_map>
 
 struct sqlite3;
@@ -94,9 +96,25 @@ public:
     /// True if there is a row.
     bool hasRow(const Statement &statement, const QVariantList &values = {});
     /// False for a failure; no row is none.
-    bool visit(const Statement &statement, const QVariantList &values, const Visitor &visitor);
+    [[nodiscard]] bool visit(const Statement &statement, const QVariantList &values, const Visitor &visitor);
     /// False for a failure and without a row.
     bool visitFirst(const Statement &statement, const QVariantList &values, const Visitor &visitor);
+    /// What `read` makes of the first row; nothing without one.
+    template <class Read>
+    auto first(const Statement &statement, const QVariantList &values, const Read &read)
+    {
+        std::optional<std::invoke_result_t<Read, const ResultRow &>> found;
+        visitFirst(statement, values, [&](const ResultRow &row) { found = read(row); });
+        return found;
+    }
+    /// What `read` makes of each row. After a failure, of which the log tells, it is what could be read.
+    template <class Read>
+    auto list(const Statement &statement, const QVariantList &values, const Read &read)
+    {
+        QList<std::invoke_result_t<Read, const ResultRow &>> rows;
+        std::ignore = visit(statement, values, [&](const ResultRow &row) { rows.append(read(row)); });
+        return rows;
+    }
 
     /// Of the last statement that failed.
     QString errorText() const { return error_; }

@@ -167,11 +167,9 @@ bool J1939Tables::spnExists(quint8 line, quint32 pgn, quint8 direction, quint32 
 
 std::optional<PGN> J1939Tables::getPGN(quint8 line, quint32 number, quint8 direction)
 {
-    std::optional<PGN> data;
     const Row place = pgnRow(line, number, direction);
-    statements_.visitFirst({"getPGN", pgnSelect(line, "where "_L1 + place.condition())}, place.key(),
-                           [&](const ResultRow &row) { data = pgnOfRow(row, strings_); });
-    return data;
+    return statements_.first({"getPGN", pgnSelect(line, "where "_L1 + place.condition())}, place.key(),
+                             [this](const ResultRow &row) { return pgnOfRow(row, strings_); });
 }
 
 QString J1939Tables::getPGNName(quint8 line, quint32 number, quint8 direction)
@@ -202,19 +200,15 @@ QList<quint32> J1939Tables::getPGNList(quint8 line, quint8 direction, bool leave
 QList<PGN> J1939Tables::getAllPGNs(quint8 line)
 {
     strings_.loadTexts();
-    QList<PGN> pgns;
-    statements_.visit({"getAllPGNs", pgnSelect(line, u"order by direction desc, number"_s)}, {},
-                      [&](const ResultRow &row) { pgns.append(pgnOfRow(row, strings_)); });
-    return pgns;
+    return statements_.list({"getAllPGNs", pgnSelect(line, u"order by direction desc, number"_s)}, {},
+                            [this](const ResultRow &row) { return pgnOfRow(row, strings_); });
 }
 
 QList<SPN> J1939Tables::getAllSPNs(quint8 line)
 {
     strings_.loadTexts();
-    QList<SPN> spns;
-    statements_.visit({"getAllSPNs", spnSelect(line, inOrder)}, {},
-                      [&](const ResultRow &row) { spns.append(spnOfRow(row, strings_)); });
-    return spns;
+    return statements_.list({"getAllSPNs", spnSelect(line, inOrder)}, {},
+                            [this](const ResultRow &row) { return spnOfRow(row, strings_); });
 }
 
 QHash<quint32, QString> J1939Tables::getPGNNames(quint8 line, quint8 direction)
@@ -226,11 +220,9 @@ std::optional<SPN> J1939Tables::getSPN(quint8 line, quint32 pgn, quint8 directio
 {
     if (const SPN *cached = cache_.find({line, pgn, direction, spn}))
         return *cached;
-    std::optional<SPN> data;
     const Row place = spnRow(line, pgn, direction, spn);
-    statements_.visitFirst({"getSPN", spnSelect(line, "where "_L1 + place.condition())}, place.key(),
-                           [&](const ResultRow &row) { data = spnOfRow(row, strings_); });
-    return data;
+    return statements_.first({"getSPN", spnSelect(line, "where "_L1 + place.condition())}, place.key(),
+                             [this](const ResultRow &row) { return spnOfRow(row, strings_); });
 }
 
 QList<quint32> J1939Tables::getSPNList(quint8 line, quint32 pgn, quint8 direction)

@@ -23,20 +23,20 @@ public:
     bool spnExists(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
     bool anySafePGN(quint8 line);
 
-    std::optional<PGN> getPGN(quint8 line, quint32 number, quint8 direction);
+    [[nodiscard]] std::optional<PGN> getPGN(quint8 line, quint32 number, quint8 direction);
     QString getPGNName(quint8 line, quint32 number, quint8 direction);
     quint16 getPGNMappingCount(quint8 line, quint32 number, quint8 direction);
     QList<quint32> getPGNList(quint8 line, quint8 direction, bool leaveOutSafe);
     QList<PGN> getAllPGNs(quint8 line);
     QHash<quint32, QString> getPGNNames(quint8 line, quint8 direction);
 
-    std::optional<SPN> getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
+    [[nodiscard]] std::optional<SPN> getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
     QString getSPNName(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
     quint32 getSPNDataType(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
     QList<quint32> getSPNList(quint8 line, quint32 pgn, quint8 direction);
     QList<SPN> getAllSPNs(quint8 line);
 
-    bool cacheSPNs(quint8 line);
+    [[nodiscard]] bool cacheSPNs(quint8 line);
     void clearSPNCache() { cache_.clear(); }
 
 private:

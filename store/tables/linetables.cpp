@@ -132,18 +132,19 @@ bool LineTables::removeNode(quint8 line)
 
 std::optional<Node> LineTables::getNode(quint8 line)
 {
-    std::optional<Node> data;
-    const Row row = nodeRow(line);
-    statements_.visitFirst(
-        {nullptr, row.select(RecordColumns::names(nodeColumns))}, row.key(),
-        [&](const ResultRow &result) { RecordColumns::readRow(nodeColumns, result, data.emplace(), strings_); });
-    return data;
+    const Row place = nodeRow(line);
+    return statements_.first({nullptr, place.select(RecordColumns::names(nodeColumns))}, place.key(),
+                             [this](const ResultRow &row) {
+                                 Node data;
+                                 RecordColumns::readRow(nodeColumns, row, data, strings_);
+                                 return data;
+                             });
 }
 
 QList<quint8> LineTables::getNodeList()
 {
     QList<quint8> lines;
-    statements_.visit({nullptr, u"select nodeId from nodes"_s}, {}, [&](const ResultRow &row) {
+    std::ignore = statements_.visit({nullptr, u"select nodeId from nodes"_s}, {}, [&](const ResultRow &row) {
         const auto line = row.number<qint64>(0);
         if (line >= 0 && line <= 0xff)
             lines.append(static_cast<quint8>(line));

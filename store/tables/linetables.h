@@ -20,7 +20,7 @@ public:
 
     [[nodiscard]] bool addNode(quint8 line, const Node &data, Quotes quotes);
     [[nodiscard]] bool removeNode(quint8 line);
-    std::optional<Node> getNode(quint8 line);
+    [[nodiscard]] std::optional<Node> getNode(quint8 line);
     QList<quint8> getNodeList();
     bool nodeExists(quint8 line);
     [[nodiscard]] bool setNodeSqlValue(const QString &nodeId, const QString &column, const QVariant &value,

@@ -56,18 +56,16 @@ QString ObjectTables::getIndexName(quint8 line, quint16 index)
 
 QList<quint16> ObjectTables::getIndexList(quint8 line, quint16 first, quint16 last)
 {
-    QList<quint16> indices;
-    statements_.visit(
+    return statements_.list(
         {nullptr,
          u"select objectindex from Objects%1 where objectindex between ? and ? order by objectindex asc"_s.arg(line)},
-        {first, last}, [&](const ResultRow &row) { indices.append(row.number<quint16>(0)); });
-    return indices;
+        {first, last}, [](const ResultRow &row) { return row.number<quint16>(0); });
 }
 
 QMap<quint16, QString> ObjectTables::getIndexNames(quint8 line, quint16 first, quint16 last)
 {
     QMap<quint16, QString> names;
-    statements_.visit(
+    std::ignore = statements_.visit(
         {nullptr, u"select objectindex, name from Objects%1 where objectindex between ? and ?"_s.arg(line)},
         {first, last}, [&](const ResultRow &row) {
             const QVariant name = row.value(1);
@@ -79,7 +77,7 @@ QMap<quint16, QString> ObjectTables::getIndexNames(quint8 line, quint16 first, q
 QMap<quint16, quint32> ObjectTables::getObjectTypes(quint8 line, quint16 first, quint16 last)
 {
     QMap<quint16, quint32> types;
-    statements_.visit(
+    std::ignore = statements_.visit(
         {nullptr, u"select objectindex, objecttype from Objects%1 where objectindex between ? and ?"_s.arg(line)},
         {first, last}, [&](const ResultRow &row) { types.insert(row.number<quint16>(0), row.number<quint32>(1)); });
     return types;
@@ -87,13 +85,11 @@ QMap<quint16, quint32> ObjectTables::getObjectTypes(quint8 line, quint16 first, 
 
 QList<ObjectTables::SubKey> ObjectTables::getSubKeys(quint8 line)
 {
-    QList<SubKey> keys;
-    statements_.visit(
+    return statements_.list(
         {nullptr, u"select objectindex, subindex from SubObjects%1 order by objectindex, subindex"_s.arg(line)}, {},
-        [&](const ResultRow &row) {
-            keys.append({row.number<quint16>(0), row.number<quint8>(1), line});
+        [line](const ResultRow &row) {
+            return SubKey{row.number<quint16>(0), row.number<quint8>(1), line};
         });
-    return keys;
 }
 
 quint16 ObjectTables::getSubIndexDataType(quint8 line, quint16 index, quint8 subindex)
@@ -117,7 +113,7 @@ QList<ObjectTables::SubKey> ObjectTables::findSubIndices(quint8 line, const QStr
         "Objects%1.objectindex = sub.objectindex) order by objectindex, subindex"_s.arg(QString::number(line), column);
     QSet<quint32> seen;
     const auto collect = [&](const QVariant &sought) {
-        statements_.visit({nullptr, text}, {sought}, [&](const ResultRow &row) {
+        std::ignore = statements_.visit({nullptr, text}, {sought}, [&](const ResultRow &row) {
             const SubKey key{row.number<quint16>(0), row.number<quint8>(1), line};
             const quint32 number = SubObjectCache::key(key.index, key.subindex);
             if (!seen.contains(number))

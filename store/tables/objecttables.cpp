@@ -230,17 +230,16 @@ bool ObjectTables::addSubIndices(const QList<SubEntry> &entries, Quotes quotes)
 
 std::optional<Index> ObjectTables::getIndex(quint8 line, quint16 index)
 {
-    std::optional<Index> data;
-    statements_.visitFirst({nullptr, indexSelect(line) + u" where objectindex = ?"_s}, {index},
-                           [&](const ResultRow &row) { data = indexOfRow(row, strings_); });
-    return data;
+    return statements_.first({nullptr, indexSelect(line) + u" where objectindex = ?"_s}, {index},
+                             [this](const ResultRow &row) { return indexOfRow(row, strings_); });
 }
 
 QMap<quint16, Index> ObjectTables::getIndices(quint8 line, quint16 first, quint16 last)
 {
     QMap<quint16, Index> objects;
-    statements_.visit({nullptr, indexSelect(line) + u" where objectindex between ? and ?"_s}, {first, last},
-                      [&](const ResultRow &row) { objects[row.number<quint16>(0)] = indexOfRow(row, strings_); });
+    std::ignore =
+        statements_.visit({nullptr, indexSelect(line) + u" where objectindex between ? and ?"_s}, {first, last},
+                          [&](const ResultRow &row) { objects[row.number<quint16>(0)] = indexOfRow(row, strings_); });
     return objects;
 }
 
@@ -251,20 +250,17 @@ std::optional<Sub> ObjectTables::getSubIndex(quint8 line, quint16 index, quint8 
         if (const Sub *cached = subCache_.find(line, index, subindex))
             return *cached;
     }
-    std::optional<Sub> data;
-    statements_.visitFirst({nullptr, subSelect(line, u" where objectindex = ? and subindex = ?"_s)}, {index, subindex},
-                           [&](const ResultRow &row) { data = subOfRow(row, strings_); });
-    return data;
+    return statements_.first({nullptr, subSelect(line, u" where objectindex = ? and subindex = ?"_s)},
+                             {index, subindex}, [this](const ResultRow &row) { return subOfRow(row, strings_); });
 }
 
 QList<ObjectTables::IndexEntry> ObjectTables::getAllIndices(quint8 line)
 {
     strings_.loadTexts();
-    QList<IndexEntry> entries;
-    statements_.visit({"getAllIndices", indexSelect(line) + " order by objectindex"_L1}, {}, [&](const ResultRow &row) {
-        entries.append({.index = row.number<quint16>(0), .data = indexOfRow(row, strings_)});
-    });
-    return entries;
+    return statements_.list({"getAllIndices", indexSelect(line) + " order by objectindex"_L1}, {},
+                            [this](const ResultRow &row) {
+                                return IndexEntry{.index = row.number<quint16>(0), .data = indexOfRow(row, strings_)};
+                            });
 }
 
 QList<ObjectTables::SubEntry> ObjectTables::getAllSubIndices(quint8 line)
@@ -291,8 +287,8 @@ void ObjectTables::cacheAllSubs(quint8 line, quint16 index)
         const QList<SubEntry> all = getAllSubIndices(line);
         std::ranges::for_each(all, insert);
     } else {
-        statements_.visit({nullptr, subSelect(line, u" where objectindex = ?"_s)}, {index},
-                          [&](const ResultRow &row) { insert(entryOfRow(row, line, strings_)); });
+        std::ignore = statements_.visit({nullptr, subSelect(line, u" where objectindex = ?"_s)}, {index},
+                                        [&](const ResultRow &row) { insert(entryOfRow(row, line, strings_)); });
     }
     const QMutexLocker locker(&cacheMutex_);
     subCache_.setLine(line, entries);

@@ -36,10 +36,10 @@ public:
     [[nodiscard]] bool copyIndexFrom(ObjectTables &other, quint8 fromLine, quint16 fromIndex, quint8 toLine,
                                      quint16 toIndex, bool objectOnly);
 
-    std::optional<Index> getIndex(quint8 line, quint16 index);
+    [[nodiscard]] std::optional<Index> getIndex(quint8 line, quint16 index);
     QMap<quint16, Index> getIndices(quint8 line, quint16 first, quint16 last);
     QList<IndexEntry> getAllIndices(quint8 line);
-    std::optional<Sub> getSubIndex(quint8 line, quint16 index, quint8 subindex);
+    [[nodiscard]] std::optional<Sub> getSubIndex(quint8 line, quint16 index, quint8 subindex);
     QList<SubEntry> getAllSubIndices(quint8 line);
 
     bool indexExists(quint8 line, quint16 index);

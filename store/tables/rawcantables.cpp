@@ -152,11 +152,9 @@ bool RawCanTables::dataElementExists(quint8 line, quint32 canid, quint8 directio
 
 std::optional<CANID> RawCanTables::getCANID(quint8 line, quint32 id, quint8 direction)
 {
-    std::optional<CANID> data;
     const Row place = canidRow(line, id, direction);
-    statements_.visitFirst({"getCANID", canidSelect(line, "where "_L1 + place.condition())}, place.key(),
-                           [&](const ResultRow &row) { data = canidOfRow(row, strings_); });
-    return data;
+    return statements_.first({"getCANID", canidSelect(line, "where "_L1 + place.condition())}, place.key(),
+                             [this](const ResultRow &row) { return canidOfRow(row, strings_); });
 }
 
 QString RawCanTables::getCANIDName(quint8 line, quint32 id, quint8 direction)
@@ -174,22 +172,19 @@ QList<quint32> RawCanTables::getCANIDList(quint8 line, quint8 direction)
 QList<CANID> RawCanTables::getAllCANIDs(quint8 line)
 {
     strings_.loadTexts();
-    QList<CANID> canids;
-    statements_.visit({"getAllCANIDs", canidSelect(line, u"order by direction desc, id"_s)}, {},
-                      [&](const ResultRow &row) { canids.append(canidOfRow(row, strings_)); });
-    return canids;
+    return statements_.list({"getAllCANIDs", canidSelect(line, u"order by direction desc, id"_s)}, {},
+                            [this](const ResultRow &row) { return canidOfRow(row, strings_); });
 }
 
 QList<DataElement> RawCanTables::getAllDataElements(quint8 line)
 {
     strings_.loadTexts();
-    QList<DataElement> elements;
-    statements_.visit({"getAllDataElements", elementSelect(line, u"order by number, rowid"_s)}, {},
-                      [&](const ResultRow &row) {
-                          elements.append(elementOfRow(row, strings_));
-                          elements.last().pgnnumber = row.number<quint32>(0);
-                      });
-    return elements;
+    return statements_.list({"getAllDataElements", elementSelect(line, u"order by number, rowid"_s)}, {},
+                            [this](const ResultRow &row) {
+                                DataElement element = elementOfRow(row, strings_);
+                                element.pgnnumber = row.number<quint32>(0);
+                                return element;
+                            });
 }
 
 QHash<quint32, QString> RawCanTables::getCANIDNames(quint8 line, quint8 direction)
@@ -199,11 +194,9 @@ QHash<quint32, QString> RawCanTables::getCANIDNames(quint8 line, quint8 directio
 
 std::optional<DataElement> RawCanTables::getDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number)
 {
-    std::optional<DataElement> data;
     const Row place = elementRow(line, canid, direction, number);
-    statements_.visitFirst({"getDataElement", elementSelect(line, "where "_L1 + place.condition())}, place.key(),
-                           [&](const ResultRow &row) { data = elementOfRow(row, strings_); });
-    return data;
+    return statements_.first({"getDataElement", elementSelect(line, "where "_L1 + place.condition())}, place.key(),
+                             [this](const ResultRow &row) { return elementOfRow(row, strings_); });
 }
 
 QString RawCanTables::getDataElementName(quint8 line, quint32 canid, quint8 direction, quint32 number)

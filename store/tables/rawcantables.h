@@ -22,13 +22,14 @@ public:
     bool canidExists(quint8 line, quint32 id, quint8 direction);
     bool dataElementExists(quint8 line, quint32 canid, quint8 direction, quint32 number);
 
-    std::optional<CANID> getCANID(quint8 line, quint32 id, quint8 direction);
+    [[nodiscard]] std::optional<CANID> getCANID(quint8 line, quint32 id, quint8 direction);
     QString getCANIDName(quint8 line, quint32 id, quint8 direction);
     QList<quint32> getCANIDList(quint8 line, quint8 direction);
     QList<CANID> getAllCANIDs(quint8 line);
     QHash<quint32, QString> getCANIDNames(quint8 line, quint8 direction);
 
-    std::optional<DataElement> getDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number);
+    [[nodiscard]] std::optional<DataElement> getDataElement(quint8 line, quint32 canid, quint8 direction,
+                                                            quint32 number);
     QString getDataElementName(quint8 line, quint32 canid, quint8 direction, quint32 number);
     QList<quint32> getDataElementList(quint8 line, quint32 canid, quint8 direction);
     QList<DataElement> getAllDataElements(quint8 line);

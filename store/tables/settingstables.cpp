@@ -200,10 +200,8 @@ bool SettingsTables::removeEnergyBusSetting(const QString &key)
 
 QStringList SettingsTables::getEnergyBusSettingKeys()
 {
-    QStringList keys;
-    statements_.visit({nullptr, u"select item from EnergyBusSettings"_s}, {},
-                      [&](const ResultRow &row) { keys.append(row.text(0)); });
-    return keys;
+    return statements_.list({nullptr, u"select item from EnergyBusSettings"_s}, {},
+                            [](const ResultRow &row) { return row.text(0); });
 }
 
 QString SettingsTables::getMiscSetting(const QString &key)
@@ -267,11 +265,11 @@ bool SettingsTables::removeDescription(quint8 line)
 {
     const QString suffix = u"_%1"_s.arg(line);
     QStringList items;
-    statements_.visit({"removeNode", u"select item from DescriptionSettings"_s}, {}, [&](const ResultRow &row) {
-        if (row.text(0).endsWith(suffix))
-            items.append(row.text(0));
-    });
-    bool done = true;
+    bool done =
+        statements_.visit({"removeNode", u"select item from DescriptionSettings"_s}, {}, [&](const ResultRow &row) {
+            if (row.text(0).endsWith(suffix))
+                items.append(row.text(0));
+        });
     for (const QString &item : std::as_const(items))
         done = run("removeNode", u"delete from DescriptionSettings where item = ?"_s, {item}) && done;
     return done;

@@ -112,8 +112,8 @@ bool StringPool::removeUnused(const QList<quint8> &lines)
 {
     QSet<int> used;
     const auto collect = [&](QLatin1StringView column, const QString &table) {
-        statements_.visit({nullptr, u"select %1 from %2"_s.arg(column, table)}, {},
-                          [&](const ResultRow &row) { used.insert(row.number<int>(0)); });
+        std::ignore = statements_.visit({nullptr, u"select %1 from %2"_s.arg(column, table)}, {},
+                                        [&](const ResultRow &row) { used.insert(row.number<int>(0)); });
     };
     // Each column by itself: a table that lacks one still needs the texts of the others.
     for (const quint8 line : lines) {
@@ -123,7 +123,7 @@ bool StringPool::removeUnused(const QList<quint8> &lines)
     collect("name"_L1, u"Signals"_s);
 
     QList<int> unused;
-    statements_.visit({nullptr, u"select id from Strings"_s}, {}, [&](const ResultRow &row) {
+    std::ignore = statements_.visit({nullptr, u"select id from Strings"_s}, {}, [&](const ResultRow &row) {
         if (const int id = row.number<int>(0); !used.contains(id))
             unused.append(id);
     });

@@ -47,15 +47,13 @@ QString TableFamily::nameOf(const Row &row)
 
 QList<quint32> TableFamily::selectNumbers(const QString &text, const QVariantList &values)
 {
-    QList<quint32> numbers;
-    statements_.visit({nullptr, text}, values, [&](const ResultRow &row) { numbers.append(row.number<quint32>(0)); });
-    return numbers;
+    return statements_.list({nullptr, text}, values, [](const ResultRow &row) { return row.number<quint32>(0); });
 }
 
 QHash<quint32, QString> TableFamily::selectNames(const QString &text, const QVariantList &values)
 {
     QHash<quint32, QString> names;
-    statements_.visit({nullptr, text}, values, [&](const ResultRow &row) {
+    std::ignore = statements_.visit({nullptr, text}, values, [&](const ResultRow &row) {
         names.insert(row.number<quint32>(0), strings_.textOf(row.number<int>(1)));
     });
     return names;

@@ -64,9 +64,7 @@ bool UdsTables::anyActive(quint8 line)
 
 QList<UdsTables::Service> UdsTables::getUDSServices(quint8 line)
 {
-    QList<Service> services;
-    statements_.visit({nullptr, u"select active, sid from UDSSettings%1"_s.arg(line)}, {}, [&](const ResultRow &row) {
-        services.append({.sid = row.number<quint8>(1), .active = row.number<int>(0) != 0});
-    });
-    return services;
+    return statements_.list(
+        {nullptr, u"select active, sid from UDSSettings%1"_s.arg(line)}, {},
+        [](const ResultRow &row) { return Service{.sid = row.number<quint8>(1), .active = row.number<int>(0) != 0}; });
 }

@@ -69,11 +69,10 @@ struct ColumnInfo
 /// The columns of a table in the order of their names.
 QList<ColumnInfo> columnsOf(Statements &statements, const QString &table)
 {
-    QList<ColumnInfo> columns;
-    statements.visit({"columnsOf", u"SELECT name, type FROM PRAGMA_TABLE_INFO(?)"_s}, {table},
-                     [&](const ResultRow &row) {
-                         columns.append({row.text(0), row.text(1)});
-                     });
+    QList<ColumnInfo> columns = statements.list({"columnsOf", u"SELECT name, type FROM PRAGMA_TABLE_INFO(?)"_s},
+                                                {table}, [](const ResultRow &row) {
+                                                    return ColumnInfo{row.text(0), row.text(1)};
+                                                });
     std::sort(columns.begin(), columns.end(),
               [](const ColumnInfo &left, const ColumnInfo &right) { return left.name < right.name; });
     return columns;
@@ -95,12 +94,13 @@ public:
     explicit LineTypes(Statements &statements)
     {
         static const QRegularExpression form(u"^line(0|[1-9]\\d{0,2})type$"_s);
-        statements.visit({"LineTypes", u"SELECT item, value FROM GeneralSettings"_s}, {}, [this](const ResultRow &row) {
-            const auto match = form.match(row.text(0));
-            const uint line = match.captured(1).toUInt();
-            if (match.hasMatch() && line <= lastLine)
-                types_.insert(line, row.value(1).toInt());
-        });
+        std::ignore = statements.visit({"LineTypes", u"SELECT item, value FROM GeneralSettings"_s}, {},
+                                       [this](const ResultRow &row) {
+                                           const auto match = form.match(row.text(0));
+                                           const uint line = match.captured(1).toUInt();
+                                           if (match.hasMatch() && line <= lastLine)
+                                               types_.insert(line, row.value(1).toInt());
+                                       });
     }
 
     bool isLeftOut(const QString &table) const
@@ -205,11 +205,9 @@ const DatabaseTextConverter::TableForm *DatabaseTextConverter::formOf(const QStr
 
 QStringList DatabaseTextConverter::tableNames() const
 {
-    QStringList tables;
-    store_->context.statements.visit(
+    return store_->context.statements.list(
         {"tableNames", u"SELECT name FROM sqlite_master WHERE type='table' ORDER BY name"_s}, {},
-        [&](const ResultRow &row) { tables.append(row.text(0)); });
-    return tables;
+        [](const ResultRow &row) { return row.text(0); });
 }
 
 bool DatabaseTextConverter::convertSqlToText()
@@ -246,7 +244,8 @@ bool DatabaseTextConverter::writeTables(const QStringList &tables, QIODevice &de
         else
             qDebug().noquote() << "unhandled table" << table;
     }
-    return writer.flush();
+    // A table that cannot be read is logged and left out, unless the reason is the file itself.
+    return writer.flush() && !store_->context.statements.isDamaged();
 }
 
 void DatabaseTextConverter::replaceNulls()
@@ -273,8 +272,9 @@ void DatabaseTextConverter::replaceNulls(const QString &table)
     if (assignments.isEmpty())
         return;
     // A row whose empty text would stand twice where it may stand once stays as it is.
-    execute("replaceNulls", u"UPDATE OR IGNORE %1 SET %2 WHERE %3"_s.arg(
-                                SqlText::identifier(table), assignments.join(", "_L1), conditions.join(" OR "_L1)));
+    std::ignore =
+        execute("replaceNulls", u"UPDATE OR IGNORE %1 SET %2 WHERE %3"_s.arg(
+                                    SqlText::identifier(table), assignments.join(", "_L1), conditions.join(" OR "_L1)));
 }
 
 /// Executes a statement that nobody is told of.
@@ -297,7 +297,7 @@ void DatabaseTextConverter::writeSettings(const QString &table, SettingsText::Wr
     QMap<QString, QString> settings;
     const Statement select = {"writeSettings",
                               u"SELECT item, value FROM %1 ORDER BY item"_s.arg(SqlText::identifier(table))};
-    store_->context.statements.visit(select, {}, [&](const ResultRow &row) {
+    std::ignore = store_->context.statements.visit(select, {}, [&](const ResultRow &row) {
         // In a key the text form holds no empty group.
         const QString key = row.text(0).split(u'/', Qt::SkipEmptyParts).join(u'/');
         if (!key.isEmpty())
@@ -329,7 +329,7 @@ void DatabaseTextConverter::writeRows(const QString &table, const TableForm &for
     }
     const Statement select = {"writeRows", u"SELECT %1 FROM %2 AS t ORDER BY rowpath || '/'"_s.arg(
                                                expressions.join(", "_L1), SqlText::identifier(table))};
-    store_->context.statements.visit(select, {}, [&](const ResultRow &row) {
+    std::ignore = store_->context.statements.visit(select, {}, [&](const ResultRow &row) {
         writer.setRow(SettingsText::escapedKey(row.text(0)));
         for (int column = 1; column <= keys.size(); ++column) {
             const QVariant value = row.value(column);

@@ -62,7 +62,7 @@ private:
     void writeSettings(const QString &table, SettingsText::Writer &writer);
     void writeRows(const QString &table, const TableForm &form, SettingsText::Writer &writer);
 
-    bool execute(const char *operation, const QString &text, const QVariantList &values = {});
+    [[nodiscard]] bool execute(const char *operation, const QString &text, const QVariantList &values = {});
     void readGroup(const QString &group, const SettingsText::Reader &reader);
     void readLines(const SettingsText::Reader &reader);
     void addLinesOf(const QStringList &groups);

@@ -89,7 +89,7 @@ TEST(CodbImport, SubObjectsJoinObjectsOfTheLine)
     ObjectDataBase::INDEX_DATA_T array;
     array.objecttype = CANopen::Array;
     array.description = u"mine"_s;
-    store->addIndex(0, 0x2100, array);
+    EXPECT_TRUE(store->addIndex(0, 0x2100, array));
     CODBImporter importer;
     importer.setDatabase(store);
     importer.setFile(path);

@@ -49,8 +49,8 @@ QString messages(const QString &folder, quint32 size)
         const TemporaryIndex pgnIndex(store->statements(), 0, TemporaryIndex::pgnKeys);
         const TemporaryIndex canidIndex(store->statements(), 0, TemporaryIndex::canidKeys);
         for (quint32 i = 1; i <= size; ++i) {
-            store->addPGN(0, i, {.number = i, .direction = ObjectDataBase::transmit});
-            store->addCANID(0, i, {.id = i, .direction = ObjectDataBase::transmit});
+            EXPECT_TRUE(store->addPGN(0, i, {.number = i, .direction = ObjectDataBase::transmit}));
+            EXPECT_TRUE(store->addCANID(0, i, {.id = i, .direction = ObjectDataBase::transmit}));
         }
     }
     EXPECT_TRUE(store->saveDatabase(folder + "/other.ncxp"_L1));
@@ -62,12 +62,12 @@ double secondsOf(QString (*make)(const QString &folder, quint32 size), const QSt
 {
     const QTemporaryDir folder;
     const Store store = ImportTest::emptyProject();
-    store->setGeneralSetting(u"line0type"_s, lineType);
+    EXPECT_TRUE(store->setGeneralSetting(u"line0type"_s, lineType));
     QList<StoreRecords::SubEntry> entries;
     for (quint32 i = 0; i < size; ++i)
         entries.append(
             {0, static_cast<quint16>(0x6000 + i / entriesOfArray), static_cast<quint8>(i % entriesOfArray), {}});
-    store->addSubIndices(entries);
+    EXPECT_TRUE(store->addSubIndices(entries));
     store->keepSubIndices(true);
     EXPECT_EQ(store->getAllSubIndices(0).size(), size);
     const QString path = make(folder.path(), size);

@@ -18,7 +18,7 @@ class Corrections : public testing::Test
 protected:
     Corrections()
     {
-        store->createNewDataBase();
+        EXPECT_TRUE(store->createNewDataBase());
         converter.setDatabase(store);
         modifier.setDatabase(store);
         QDir().mkpath(configFile(u"norvane"_s));

@@ -27,12 +27,12 @@ TEST_F(Objects, BatchGoesOnAfterAFailure)
 
 TEST_F(Objects, CopyBetweenProjects)
 {
-    store.addIndex(0, 0x2000, {.name = u"Source"_s});
-    store.addSubIndices({{0, 0x2000, 0, {}}, {0, 0x2000, 1, {}}});
+    EXPECT_TRUE(store.addIndex(0, 0x2000, {.name = u"Source"_s}));
+    EXPECT_TRUE(store.addSubIndices({{0, 0x2000, 0, {}}, {0, 0x2000, 1, {}}}));
     ObjectDataBase target;
-    target.createNewDataBase();
-    target.addIndex(0, 0x2100, {});
-    target.addSubIndex(0, 0x2100, 9, {});
+    EXPECT_TRUE(target.createNewDataBase());
+    EXPECT_TRUE(target.addIndex(0, 0x2100, {}));
+    EXPECT_TRUE(target.addSubIndex(0, 0x2100, 9, {}));
     EXPECT_FALSE(target.copyIndexFrom(nullptr, 0, 0x2000, 0, 0x2100));
     EXPECT_FALSE(target.copyIndexFrom(&store, 0, 0x2fff, 0, 0x2100));
     EXPECT_TRUE(target.copyIndexFrom(&store, 0, 0x2000, 0, 0x2100));

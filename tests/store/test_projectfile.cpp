@@ -42,7 +42,7 @@ protected:
 TEST_F(ProjectFile, SavedProjectComesBackWithoutTamperMark)
 {
     const ObjectDataBase::SUBINDEX_DATA_T sub = {.name = u"Grüße, 'quoted'"_s, .metadata = {{u"eds_define"_s, u"A"_s}}};
-    store.addSubIndex(0, 0x2000, 0, sub);
+    EXPECT_TRUE(store.addSubIndex(0, 0x2000, 0, sub));
     ASSERT_TRUE(store.saveDatabase(path(u"a.ncxp"_s)));
     EXPECT_EQ(store.projectPath(), path(u"a.ncxp"_s));
 
@@ -51,6 +51,18 @@ TEST_F(ProjectFile, SavedProjectComesBackWithoutTamperMark)
     EXPECT_FALSE(other.isTampered());
     EXPECT_EQ(other.getMiscSetting(u"TamperLog"_s), u""_s);
     EXPECT_EQ(other.getSubIndex(0, 0x2000, 0), sub);
+}
+
+TEST_F(ProjectFile, IsNotSavedWithoutTheRowsOfAnOpenBatch)
+{
+    ObjectDataBase::Transaction batch(store);
+    EXPECT_TRUE(store.setGeneralSetting(u"a"_s, u"1"_s));
+    EXPECT_FALSE(store.saveDatabase(path(u"early.ncxp"_s)));
+    EXPECT_FALSE(store.lastError().isEmpty() || QFile::exists(path(u"early.ncxp"_s)));
+    EXPECT_TRUE(batch.commit() && store.saveDatabase(path(u"late.ncxp"_s)));
+    ObjectDataBase other;
+    EXPECT_TRUE(other.openDataBase(path(u"late.ncxp"_s)));
+    EXPECT_EQ(other.getGeneralSetting(u"a"_s), u"1");
 }
 
 TEST_F(ProjectFile, HashFollowsTheCanonicalDump)
@@ -75,8 +87,8 @@ TEST_F(ProjectFile, SaveKeepsTheFileBeforeAsBackupAndDropsScratchLines)
     TestSupport::writeFile(file + u".bak"_s, "older");
     QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner | QFile::WriteGroup);
     const auto permissions = QFile::permissions(file);
-    store.addNode(254, {});
-    store.addNode(255, {});
+    EXPECT_TRUE(store.addNode(254, {}));
+    EXPECT_TRUE(store.addNode(255, {}));
     ASSERT_TRUE(store.saveDatabase(file));
     EXPECT_EQ(QFile::permissions(file), permissions);
     EXPECT_EQ(TestSupport::readFile(file + u".bak"_s), "what stood here");
@@ -101,7 +113,7 @@ TEST_F(ProjectFile, DamagedWorkingCopyIsNotSaved)
     // Room for a few pages more: the next rows fill the "disk".
     exec(u"PRAGMA max_page_count = %1"_s.arg(rows(u"PRAGMA page_count"_s).value(0).toInt() + 2));
     for (int i = 0; i < 2000; ++i)
-        store.setGeneralSetting(u"key%1"_s.arg(i), QString(100, u'x'));
+        EXPECT_TRUE(store.setGeneralSetting(u"key%1"_s.arg(i), QString(100, u'x')));
     EXPECT_FALSE(store.saveDatabase({}));
     EXPECT_NE(store.lastError(), u""_s);
     EXPECT_EQ(TestSupport::readFile(file), whole);
@@ -138,7 +150,7 @@ TEST_F(ProjectFile, SaveThroughALinkReachesTheFileBehindIt)
 
 TEST_F(ProjectFile, WizardProfileMarksItsSubObjects)
 {
-    store.addSubIndex(0, 0x2000, 0, {.changedbyuser = true});
+    EXPECT_TRUE(store.addSubIndex(0, 0x2000, 0, {.changedbyuser = true}));
     ASSERT_TRUE(store.saveDatabase(path(u"v1.data.ncxp"_s)));
     ASSERT_TRUE(store.saveDatabase(path(u"v1.wizard.data"_s)));
     EXPECT_EQ(rows(u"select changedbyuser, wizardsource from SubObjects0"_s), QStringList{u"1|0"_s});
@@ -154,12 +166,12 @@ TEST_F(ProjectFile, WorkingCopiesAreTheirOwnAndGoWithTheStore)
         std::srand(1);
         ObjectDataBase first;
         std::srand(1);
-        first.createNewDataBase();
+        EXPECT_TRUE(first.createNewDataBase());
         ObjectDataBase second;
         std::srand(1);
-        second.createNewDataBase();
-        first.setGeneralSetting(u"k"_s, u"first"_s);
-        second.setGeneralSetting(u"k"_s, u"second"_s);
+        EXPECT_TRUE(second.createNewDataBase());
+        EXPECT_TRUE(first.setGeneralSetting(u"k"_s, u"first"_s));
+        EXPECT_TRUE(second.setGeneralSetting(u"k"_s, u"second"_s));
         EXPECT_EQ(first.getGeneralSetting(u"k"_s), u"first"_s);
         EXPECT_EQ(workingCopies(), before + 2);
         EXPECT_FALSE(second.openDataBase(path(u"missing.ncxp"_s)));
@@ -191,17 +203,17 @@ TEST_F(ProjectFile, WhatIsNoProjectIsRefused)
                   "select x nodeId from c"_s});
     makeDatabase(path(u"wrapped"_s),
                  {u"create table Nodes (nodeId integer primary key)"_s, u"insert into Nodes values(4294967296)"_s});
-    store.saveDatabase(path(u"whole.ncxp"_s));
+    EXPECT_TRUE(store.saveDatabase(path(u"whole.ncxp"_s)));
     TestSupport::writeFile(path(u"truncated"_s), TestSupport::readFile(path(u"whole.ncxp"_s)).left(5000));
 
     for (const QString &name : {u"empty"_s, u"upper.NCXT"_s, u"foreign"_s, u"nolines"_s, u"endless"_s, u"wrapped"_s,
                                 u"truncated"_s, u""_s, u"missing"_s, u"/dev/zero"_s})
         expectRefused(path(name), u""_s);
     expectRefused({}, u""_s);
-    store.createNewDataBase();
-    store.setGeneralSetting(u"line0type"_s, u"2"_s);
-    store.setMiscSetting(u"CreateToolVersion"_s, u""_s);
-    store.saveDatabase(path(u"foreign.ncxp"_s));
+    EXPECT_TRUE(store.createNewDataBase());
+    EXPECT_TRUE(store.setGeneralSetting(u"line0type"_s, u"2"_s));
+    EXPECT_TRUE(store.setMiscSetting(u"CreateToolVersion"_s, u""_s));
+    EXPECT_TRUE(store.saveDatabase(path(u"foreign.ncxp"_s)));
     makeDatabase(path(u"foreign.ncxp"_s), {u"update MiscSettings set value = '' where item = 'SaveToolType'"_s});
     expectRefused(path(u"foreign.ncxp"_s), u"File was not created with this tool."_s);
     EXPECT_TRUE(store.openDataBase(path(u"whole.ncxp"_s)));
@@ -211,10 +223,10 @@ TEST_F(ProjectFile, EnergyBusFileGetsAbsolutePaths)
 {
     ObjectDataBase::NODE_DATA_T node;
     node.edspath = u"sub/x.eds"_s;
-    store.addNode(0, node);
+    EXPECT_TRUE(store.addNode(0, node));
     const QString file = path(u"it's/a.ncxe"_s);
     QDir(folder.path()).mkdir(u"it's"_s);
-    store.saveDatabase(file);
+    EXPECT_TRUE(store.saveDatabase(file));
     const QString here = QDir::currentPath();
     ASSERT_TRUE(store.openDataBase(file));
     EXPECT_EQ(store.getNode(0).value().edspath, QFileInfo(file).canonicalPath() + u"/sub/x.eds"_s);
@@ -245,15 +257,15 @@ TEST_F(ProjectFile, WriteTrackingTellsOfWritesOnly)
 {
     int writes = 0;
     QObject::connect(&store, &ObjectDataBase::databaseWriteExecuted, [&] { ++writes; });
-    store.setGeneralSetting(u"a"_s, u"1"_s);
+    EXPECT_TRUE(store.setGeneralSetting(u"a"_s, u"1"_s));
     EXPECT_EQ(writes, 0);
     store.setWriteTracking(true);
-    store.setGeneralSetting(u"a"_s, u"2"_s);
-    store.setGeneralSetting(u"a"_s, u"2"_s);
+    EXPECT_TRUE(store.setGeneralSetting(u"a"_s, u"2"_s));
+    EXPECT_TRUE(store.setGeneralSetting(u"a"_s, u"2"_s));
     store.setIndexName(9, 0x2000, u"of a line that there is not"_s);
     EXPECT_EQ(writes, 1);
-    store.createUDSSettingsTable(9);
-    store.removeSubIndex(0, 0x2000, 0, true);
+    EXPECT_TRUE(store.createUDSSettingsTable(9));
+    EXPECT_TRUE(store.removeSubIndex(0, 0x2000, 0, true));
     EXPECT_EQ(writes, 3);
 }
 

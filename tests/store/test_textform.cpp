@@ -2,7 +2,9 @@
 
 #include "store/storetest.h"
 
+#include "store/file/projectfile.h"
 #include "store/tables/metadatablob.h"
+#include "store/tables/projecttables.h"
 #include "store/text/databasetextconverter.h"
 #include "support/datacases.h"
 #include "support/smalldisk.h"
@@ -255,11 +257,11 @@ TEST_F(TextForm, RowsAreWrittenWithTheOutcomeOfSingleValues)
         ASSERT_TRUE(open(whole, text));
 
         ObjectDataBase single;
-        single.createNewDataBase();
+        EXPECT_TRUE(single.createNewDataBase());
         Reader reader;
         reader.setContent(text);
         reader.forEachKey(u"Nodes"_s, [&](const QString &key, const QVariant &value) {
-            single.addNode(static_cast<quint8>(key.section(u'/', 0, 0).toUInt()), {});
+            EXPECT_TRUE(single.addNode(static_cast<quint8>(key.section(u'/', 0, 0).toUInt()), {}));
             single.setNodeSqlValue(key.section(u'/', 0, 0), u"name"_s, value);
         });
         for (const QString &group : reader.groups()) {

@@ -2,12 +2,14 @@
 
 #include "store/lineprotocols.h"
 
+#include <gtest/gtest.h>
+
 using namespace Qt::StringLiterals;
 using namespace TestSupport;
 
 ProjectBuilder::ProjectBuilder()
 {
-    store_->createNewDataBase();
+    EXPECT_TRUE(store_->createNewDataBase());
     line(0, 1);
 }
 
@@ -15,7 +17,7 @@ ProjectBuilder &ProjectBuilder::line(quint8 line, int type)
 {
     line_ = line;
     if (!store_->nodeExists(line))
-        store_->addNode(line, {});
+        EXPECT_TRUE(store_->addNode(line, {}));
     return general(u"line%1type"_s.arg(line), QString::number(type));
 }
 
@@ -43,7 +45,7 @@ ProjectBuilder &ProjectBuilder::object(quint16 index, const QString &name, const
     StoreRecords::IndexData data;
     data.name = name;
     data.metadata = metadata;
-    store_->addIndex(line_, index, data);
+    EXPECT_TRUE(store_->addIndex(line_, index, data));
     return *this;
 }
 
@@ -54,7 +56,7 @@ ProjectBuilder &ProjectBuilder::sub(quint8 subindex, const QString &name,
     data.name = name;
     if (change)
         change(data);
-    store_->addSubIndex(line_, index_, subindex, data);
+    EXPECT_TRUE(store_->addSubIndex(line_, index_, subindex, data));
     return *this;
 }
 
@@ -69,7 +71,7 @@ ProjectBuilder &ProjectBuilder::pgn(quint32 number, quint8 direction, const QStr
     data.direction = direction;
     if (change)
         change(data);
-    store_->addPGN(line_, number, data);
+    EXPECT_TRUE(store_->addPGN(line_, number, data));
     return *this;
 }
 
@@ -83,7 +85,7 @@ ProjectBuilder &ProjectBuilder::spn(quint32 number, const QString &name,
     data.spnnumber = number;
     if (change)
         change(data);
-    store_->addSPN(line_, message_, direction_, number, data);
+    EXPECT_TRUE(store_->addSPN(line_, message_, direction_, number, data));
     return *this;
 }
 
@@ -98,7 +100,7 @@ ProjectBuilder &ProjectBuilder::canId(quint32 id, quint8 direction, const QStrin
     data.direction = direction;
     if (change)
         change(data);
-    store_->addCANID(line_, id, data);
+    EXPECT_TRUE(store_->addCANID(line_, id, data));
     return *this;
 }
 
@@ -111,24 +113,24 @@ ProjectBuilder &ProjectBuilder::element(quint32 number, const QString &name,
     data.direction = direction_;
     if (change)
         change(data);
-    store_->addDataElement(line_, message_, direction_, number, data);
+    EXPECT_TRUE(store_->addDataElement(line_, message_, direction_, number, data));
     return *this;
 }
 
 ProjectBuilder &ProjectBuilder::general(const QString &key, const QString &value)
 {
-    store_->setGeneralSetting(key, value);
+    EXPECT_TRUE(store_->setGeneralSetting(key, value));
     return *this;
 }
 
 ProjectBuilder &ProjectBuilder::j1939(const QString &key, const QString &value)
 {
-    store_->setJ1939Setting(key, value);
+    EXPECT_TRUE(store_->setJ1939Setting(key, value));
     return *this;
 }
 
 ProjectBuilder &ProjectBuilder::misc(const QString &key, const QString &value)
 {
-    store_->setMiscSetting(key, value);
+    EXPECT_TRUE(store_->setMiscSetting(key, value));
     return *this;
 }

@@ -41,7 +41,7 @@ ProjectScript::ProjectScript(std::shared_ptr<ObjectDataBase> store)
     : store_(store ? std::move(store) : std::make_shared<ObjectDataBase>())
 {
     if (!store_->isOpen())
-        store_->createNewDataBase();
+        EXPECT_TRUE(store_->createNewDataBase());
 }
 
 void ProjectScript::run(const QStringList &commands)
@@ -56,7 +56,7 @@ bool ProjectScript::runSetting(const QString &word, const QString &key, const QS
     if (word == "line"_L1) {
         line_ = static_cast<quint8>(number(key));
         if (!store_->nodeExists(line_))
-            store_->addNode(line_, {});
+            EXPECT_TRUE(store_->addNode(line_, {}));
         return store_->setGeneralSetting(u"line%1type"_s.arg(line_), value);
     }
     if (word == "description"_L1)
@@ -82,9 +82,9 @@ bool ProjectScript::runSetting(const QString &word, const QString &key, const QS
 /// Adds an object with the subindices from 0 to the last.
 void ProjectScript::addSubs(quint16 index, quint8 last)
 {
-    store_->addIndex(line_, index, {});
+    EXPECT_TRUE(store_->addIndex(line_, index, {}));
     for (quint16 subindex = 0; subindex <= last; ++subindex)
-        store_->addSubIndex(line_, index, static_cast<quint8>(subindex), {});
+        EXPECT_TRUE(store_->addSubIndex(line_, index, static_cast<quint8>(subindex), {}));
 }
 
 void ProjectScript::run(const QString &command)
@@ -102,35 +102,36 @@ void ProjectScript::run(const QString &command)
         const quint16 index = address(rest.section(u' ', 0, 0)).first;
         auto data = store_->getIndex(line_, index).value_or(StoreRecords::IndexData());
         assign(data, rest.section(u' ', 1));
-        store_->addIndex(line_, index, data);
+        EXPECT_TRUE(store_->addIndex(line_, index, data));
     } else if (word == "sub"_L1) {
         const auto [index, subindex] = address(rest.section(u' ', 0, 0));
         auto data = store_->getSubIndex(line_, index, subindex).value_or(StoreRecords::SubIndexData());
         assign(data, rest.section(u' ', 1));
-        store_->addSubIndex(line_, index, subindex, data, Quotes::Kept);
+        EXPECT_TRUE(store_->addSubIndex(line_, index, subindex, data, Quotes::Kept));
     } else if (word == "remove"_L1) {
         const auto [index, subindex] = address(rest);
-        rest.contains(u':') ? store_->removeSubIndex(line_, index, subindex) : store_->removeIndex(line_, index);
+        EXPECT_TRUE(rest.contains(u':') ? store_->removeSubIndex(line_, index, subindex)
+                                        : store_->removeIndex(line_, index));
     } else if (word == "pgn"_L1) {
         auto data = store_->getPGN(line_, numberAt(0), direction()).value_or(StoreRecords::PGN());
         data.direction = direction();
         assign(data, rest.section(u' ', 2));
-        store_->addPGN(line_, numberAt(0), data);
+        EXPECT_TRUE(store_->addPGN(line_, numberAt(0), data));
     } else if (word == "spn"_L1) {
         auto data = store_->getSPN(line_, numberAt(0), direction(), numberAt(2)).value_or(StoreRecords::SPN());
         assign(data, rest.section(u' ', 3));
-        store_->addSPN(line_, numberAt(0), direction(), numberAt(2), data);
+        EXPECT_TRUE(store_->addSPN(line_, numberAt(0), direction(), numberAt(2), data));
     } else if (word == "canid"_L1) {
         auto data = store_->getCANID(line_, numberAt(0), direction()).value_or(StoreRecords::CANID());
         data.direction = direction();
         assign(data, rest.section(u' ', 2));
-        store_->addCANID(line_, numberAt(0), data);
+        EXPECT_TRUE(store_->addCANID(line_, numberAt(0), data));
     } else if (word == "signal"_L1) {
         auto data =
             store_->getDataElement(line_, numberAt(0), direction(), numberAt(2)).value_or(StoreRecords::DataElement());
         assign(data, rest.section(u' ', 3));
-        store_->removeDataElement(line_, numberAt(0), numberAt(2), direction());
-        store_->addDataElement(line_, numberAt(0), direction(), numberAt(2), data);
+        EXPECT_TRUE(store_->removeDataElement(line_, numberAt(0), numberAt(2), direction()));
+        EXPECT_TRUE(store_->addDataElement(line_, numberAt(0), direction(), numberAt(2), data));
     } else {
         QString value = rest.section(u" ="_s, 1);
         if (value.startsWith(u' '))

@@ -90,10 +90,10 @@ Reply addIndex(const ToolCall &call)
     object.objecttype = objectCodes[*type];
     object.description = call.text(Arguments::description.name);
     object.category = *categoryCode;
-    call.store().addIndex(call.line(), call.index(), object);
+    const bool done = call.store().addIndex(call.line(), call.index(), object);
 
     const QString line = QString::number(call.line());
-    if (!call.store().indexExists(call.line(), call.index()))
+    if (!done || !call.store().indexExists(call.line(), call.index()))
         return Reply::refusal(u"Failed to add index %1 on line %2."_s.arg(indexText(call.index()), line));
     if (!call.store().addSubIndex(call.line(), call.index(), 0, firstSubindex(object))) {
         return Reply::refusal(u"Index %1 was added on line %2, but its subindex 0 could not be created."_s.arg(
@@ -104,8 +104,9 @@ Reply addIndex(const ToolCall &call)
 
 Reply deleteIndex(const ToolCall &call)
 {
-    call.store().removeIndex(call.line(), call.index());
-    return call.edited(u"Index %1 deleted from line %2."_s.arg(indexText(call.index()), QString::number(call.line())));
+    const bool done = call.store().removeIndex(call.line(), call.index());
+    const QString sentence = done ? u"Index %1 deleted from line %2."_s : u"Failed to delete index %1 from line %2."_s;
+    return call.edited(sentence.arg(indexText(call.index()), QString::number(call.line())), !done);
 }
 
 /// Adds the subindex; returns what its caller should know of subindex 0, which the store may have adapted.
@@ -114,7 +115,7 @@ QString addAndCompareFirst(const ToolCall &call, const ObjectDataBase::SUBINDEX_
     ObjectDataBase &store = call.store();
     const bool hasFirst = store.subIndexExists(call.line(), call.index(), 0);
     const QString before = store.getSubIndexDefaultValue(call.line(), call.index(), 0);
-    store.addSubIndex(call.line(), call.index(), call.sub(), sub);
+    std::ignore = store.addSubIndex(call.line(), call.index(), call.sub(), sub); // the caller looks for it
     const QString after = store.getSubIndexDefaultValue(call.line(), call.index(), 0);
     if (!hasFirst || before == after)
         return {};
@@ -147,17 +148,19 @@ Reply addSubindex(const ToolCall &call)
 
 Reply deleteSubindex(const ToolCall &call)
 {
-    call.store().removeSubIndex(call.line(), call.index(), call.sub());
-    return call.edited(u"Subindex %1 deleted from line %2."_s.arg(subindexText(call.index(), call.sub()),
-                                                                  QString::number(call.line())));
+    const bool done = call.store().removeSubIndex(call.line(), call.index(), call.sub());
+    const QString sentence =
+        done ? u"Subindex %1 deleted from line %2."_s : u"Failed to delete subindex %1 from line %2."_s;
+    return call.edited(sentence.arg(subindexText(call.index(), call.sub()), QString::number(call.line())), !done);
 }
 
 Reply setSubindexValue(const ToolCall &call)
 {
-    call.store().setSubIndexDefaultValue(call.line(), call.index(), call.sub(), call.text(newDefaultValue.name),
-                                         Quotes::Kept);
-    return call.edited(u"Updated defaultValue of subindex %1 on line %2."_s.arg(subindexText(call.index(), call.sub()),
-                                                                                QString::number(call.line())));
+    const bool done = call.store().setSubIndexDefaultValue(call.line(), call.index(), call.sub(),
+                                                           call.text(newDefaultValue.name), Quotes::Kept);
+    const QString sentence = done ? u"Updated defaultValue of subindex %1 on line %2."_s
+                                  : u"Failed to update defaultValue of subindex %1 on line %2."_s;
+    return call.edited(sentence.arg(subindexText(call.index(), call.sub()), QString::number(call.line())), !done);
 }
 
 Reply setIndexName(const ToolCall &call)

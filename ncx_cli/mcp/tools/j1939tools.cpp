@@ -114,7 +114,7 @@ QJsonArray spnsOf(const ToolCall &call)
 {
     ObjectDataBase &store = call.store();
     QJsonArray list;
-    store.cacheSPNs(call.line());
+    std::ignore = store.cacheSPNs(call.line()); // without them, each is asked for by itself
     for (const quint32 number : store.getSPNList(call.line(), pgnOf(call), direction(call))) {
         if (const auto data = store.getSPN(call.line(), pgnOf(call), direction(call), number))
             list.append(spnObject(number, *data));
@@ -146,16 +146,17 @@ Reply addPGN(const ToolCall &call)
     ObjectDataBase::PGN data;
     MessageTools::readMessage(call, data);
     data.priority = call.number<quint8>(priority.name);
-    call.store().addPGN(call.line(), pgnOf(call), data);
-    if (!hasPGN(call))
+    if (!call.store().addPGN(call.line(), pgnOf(call), data) || !hasPGN(call))
         return Reply::refusal(aboutPGN(call, u"Failed to add PGN %1 (%2) on line %3."_s));
     return call.edited(aboutPGN(call, u"PGN %1 (%2) added on line %3."_s));
 }
 
 Reply deletePGN(const ToolCall &call)
 {
-    call.store().removePGN(call.line(), pgnOf(call), direction(call));
-    return call.edited(aboutPGN(call, u"PGN %1 (%2) deleted from line %3."_s));
+    const bool done = call.store().removePGN(call.line(), pgnOf(call), direction(call));
+    return call.edited(
+        aboutPGN(call, done ? u"PGN %1 (%2) deleted from line %3."_s : u"Failed to delete PGN %1 (%2) from line %3."_s),
+        !done);
 }
 
 Reply listSPNs(const ToolCall &call)
@@ -173,16 +174,18 @@ Reply getSPN(const ToolCall &call)
 
 Reply addSPN(const ToolCall &call)
 {
-    call.store().addSPN(call.line(), pgnOf(call), direction(call), spnOf(call), MessageTools::newSignal(call));
-    if (!hasSPN(call))
+    const auto data = MessageTools::newSignal(call);
+    if (!call.store().addSPN(call.line(), pgnOf(call), direction(call), spnOf(call), data) || !hasSPN(call))
         return Reply::refusal(aboutSPN(call, u"Failed to add SPN %1 on PGN %2 (%3), line %4."_s));
     return call.edited(aboutSPN(call, u"SPN %1 added on PGN %2 (%3), line %4."_s));
 }
 
 Reply deleteSPN(const ToolCall &call)
 {
-    call.store().removeSPN(call.line(), pgnOf(call), spnOf(call), direction(call));
-    return call.edited(aboutSPN(call, u"SPN %1 deleted from PGN %2 (%3), line %4."_s));
+    const bool done = call.store().removeSPN(call.line(), pgnOf(call), spnOf(call), direction(call));
+    return call.edited(aboutSPN(call, done ? u"SPN %1 deleted from PGN %2 (%3), line %4."_s
+                                           : u"Failed to delete SPN %1 from PGN %2 (%3), line %4."_s),
+                       !done);
 }
 
 constexpr Tool tools[] = {

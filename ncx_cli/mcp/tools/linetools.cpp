@@ -112,8 +112,9 @@ Reply addLine(const ToolCall &call)
 
 Reply deleteLine(const ToolCall &call)
 {
-    call.store().removeNode(call.line());
-    return call.edited(u"Line %1 deleted."_s.arg(call.line()));
+    const bool done = call.store().removeNode(call.line());
+    const QString sentence = done ? u"Line %1 deleted."_s : u"Failed to delete line %1."_s;
+    return call.edited(sentence.arg(call.line()), !done);
 }
 
 constexpr Tool readers[] = {

@@ -138,31 +138,34 @@ Reply addCANID(const ToolCall &call)
 {
     ObjectDataBase::CANID data;
     MessageTools::readMessage(call, data);
-    call.store().addCANID(call.line(), canIdOf(call), data);
-    if (!hasCANID(call))
+    if (!call.store().addCANID(call.line(), canIdOf(call), data) || !hasCANID(call))
         return Reply::refusal(aboutCANID(call, u"Failed to add CAN-ID %1 (%2) on line %3."_s));
     return call.edited(aboutCANID(call, u"CAN-ID %1 (%2) added on line %3."_s));
 }
 
 Reply deleteCANID(const ToolCall &call)
 {
-    call.store().removeCANID(call.line(), canIdOf(call), direction(call));
-    return call.edited(aboutCANID(call, u"CAN-ID %1 (%2) deleted from line %3."_s));
+    const bool done = call.store().removeCANID(call.line(), canIdOf(call), direction(call));
+    return call.edited(aboutCANID(call, done ? u"CAN-ID %1 (%2) deleted from line %3."_s
+                                             : u"Failed to delete CAN-ID %1 (%2) from line %3."_s),
+                       !done);
 }
 
 Reply addDataElement(const ToolCall &call)
 {
-    call.store().addDataElement(call.line(), canIdOf(call), direction(call), numberOf(call),
-                                MessageTools::newSignal(call));
-    if (!hasElement(call))
+    const auto data = MessageTools::newSignal(call);
+    if (!call.store().addDataElement(call.line(), canIdOf(call), direction(call), numberOf(call), data) ||
+        !hasElement(call))
         return Reply::refusal(aboutElement(call, u"Failed to add data element %1 on CAN-ID %2 (%3), line %4."_s));
     return call.edited(aboutElement(call, u"Data element %1 added on CAN-ID %2 (%3), line %4."_s));
 }
 
 Reply deleteDataElement(const ToolCall &call)
 {
-    call.store().removeDataElement(call.line(), canIdOf(call), numberOf(call), direction(call));
-    return call.edited(aboutElement(call, u"Data element %1 deleted from CAN-ID %2 (%3), line %4."_s));
+    const bool done = call.store().removeDataElement(call.line(), canIdOf(call), numberOf(call), direction(call));
+    return call.edited(aboutElement(call, done ? u"Data element %1 deleted from CAN-ID %2 (%3), line %4."_s
+                                               : u"Failed to delete data element %1 from CAN-ID %2 (%3), line %4."_s),
+                       !done);
 }
 
 constexpr Tool tools[] = {

@@ -234,10 +234,11 @@ std::optional<Reply> dependencyRefusal(const ToolCall &call, const Setting &sett
 /// Writes the text and reads it back; true if it has arrived.
 bool writeText(const ToolCall &call, const Setting &setting, Line line, const QString &text)
 {
+    // Whether it is written is seen from what is stored then.
     if (line)
-        call.store().setGeneralSetting(setting.key, text, *line, Quotes::Kept);
+        std::ignore = call.store().setGeneralSetting(setting.key, text, *line, Quotes::Kept);
     else
-        call.store().setGeneralSetting(setting.key, text, Quotes::Kept);
+        std::ignore = call.store().setGeneralSetting(setting.key, text, Quotes::Kept);
     const QString stored = storedText(call, setting, line);
     if (setting.type == Setting::Type::String && !setting.isPerLine())
         return stored == text;
@@ -247,10 +248,10 @@ bool writeText(const ToolCall &call, const Setting &setting, Line line, const QS
 void clearConnections(const ToolCall &call, quint8 line)
 {
     for (const QLatin1StringView perLine : {"isotp_client_con"_L1, "isotp_server_con"_L1})
-        call.store().setGeneralSetting(perLine, QString(), line);
+        std::ignore = call.store().setGeneralSetting(perLine, QString(), line);
     for (const QLatin1StringView global : {"isotp_dyn_server_ind"_L1, "isotp_dyn_client_ind"_L1,
                                            "isotp_dyn_client_txack_ind"_L1, "isotp_dyn_split_ind"_L1})
-        call.store().setGeneralSetting(global, QString());
+        std::ignore = call.store().setGeneralSetting(global, QString());
 }
 
 QString jsonNotation(const QJsonValue &shown)

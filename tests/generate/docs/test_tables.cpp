@@ -20,7 +20,7 @@ void setObject(ProjectBuilder &project, quint16 index, quint32 code, quint16 dat
     auto object = project.store()->getIndex(0, index).value();
     object.objecttype = code;
     object.datatype = dataType;
-    project.store()->addIndex(0, index, object);
+    EXPECT_TRUE(project.store()->addIndex(0, index, object));
 }
 
 } // namespace

@@ -73,7 +73,7 @@ TEST(Xdd, HoldsToTheSchemaWhateverTheNames)
     });
     hard.store()->setCurrentLine(0);
     for (const char *key : {"VendorName", "ProductName", "CreatedBy", "ModifiedBy", "FileVersion"})
-        hard.store()->setDescriptionSetting(QString::fromLatin1(key), text);
+        EXPECT_TRUE(hard.store()->setDescriptionSetting(QString::fromLatin1(key), text));
 
     const QString tool = QStandardPaths::findExecutable(u"xmllint"_s);
     QList<std::shared_ptr<ObjectDataBase>> stores{ProjectBuilder().store(), hard.store()};
