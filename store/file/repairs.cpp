@@ -80,14 +80,14 @@ bool repairMappingCounts(Statements &statements, quint8 line)
                        wrong.insert(key, counts.value(key));
                }) &&
            done;
-    if (!done || wrong.isEmpty())
+    if (wrong.isEmpty())
         return done;
     QList<QVariantList> rows;
     for (const auto &[key, count] : wrong.asKeyValueRange())
         rows.append({count, key.number, key.direction});
     const TemporaryIndex index(statements, line, TemporaryIndex::pgnKeys);
-    return runAll(statements, operation,
-                  u"update PGNs%1 SET mappingcount = ? where number = ? AND direction = ?"_s.arg(line), rows);
+    const QString update = u"update PGNs%1 SET mappingcount = ? where number = ? AND direction = ?"_s.arg(line);
+    return runAll(statements, operation, update, rows) && done;
 }
 
 bool placeDataElements(RawCanTables &tables, quint8 line, quint8 direction)
