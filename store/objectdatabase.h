@@ -1,6 +1,5 @@
 #pragma once
 
-#include "store/file/migrations.h"
 #include "store/file/projectfile.h"
 #include "store/file/repairs.h"
 #include "store/statements/literaltext.h"
@@ -37,8 +36,7 @@ class ObjectDataBase : public QObject
     Q_OBJECT
 
 public:
-    // ---- Records (store/tables/storerecords.h)
-    // ----------------------------------------------------------------------------
+    // Records (store/tables/storerecords.h)
 
     using Metadata = StoreRecords::Metadata;
     using INDEX_DATA_T = StoreRecords::IndexData;
@@ -53,16 +51,14 @@ public:
     using DataElement = StoreRecords::DataElement;
     using ChangeSet = StoreRecords::ChangeSet;
     using UDSService = StoreRecords::UDSService;
-    using Change = StoreRecords::Change;
 
     static constexpr quint8 transmit = StoreRecords::transmit;
     static constexpr quint8 receive = StoreRecords::receive;
-    static constexpr int schemaVersion = Migrations::schemaVersion;
 
     explicit ObjectDataBase(QObject *parent = nullptr);
     Q_DISABLE_COPY_MOVE(ObjectDataBase)
 
-    // ---- Life of the project (ProjectFile, TextProject) --------------------------------
+    // Life of the project (ProjectFile, TextProject)
 
     /// A new empty project with line 0 in a fresh working copy.
     [[nodiscard]] bool createNewDataBase() { return file_.create(); }
@@ -129,7 +125,7 @@ public:
         }
     };
 
-    // ---- Object dictionary (ObjectTables) -----------------------------------
+    // Object dictionary (ObjectTables)
 
     [[nodiscard]] bool addIndex(quint8 line, quint16 index, const INDEX_DATA_T &data)
     {
@@ -179,11 +175,6 @@ public:
     {
         return tables_.objects.getIndexList(line, first, last);
     }
-    /// The objects from `first` to `last`, by index, from one scan.
-    QMap<quint16, INDEX_DATA_T> getIndices(quint8 line, quint16 first, quint16 last)
-    {
-        return tables_.objects.getIndices(line, first, last);
-    }
     /// Names of the objects from `first` to `last`, by index.
     QMap<quint16, QString> getIndexNames(quint8 line, quint16 first, quint16 last)
     {
@@ -204,13 +195,6 @@ public:
     /// Keeps what `getAllSubIndices` has read last until subindices are written otherwise than by `addSubIndex` outside
     /// a transaction: a run asks for them several times, and a server checks a whole line after each edit of one.
     void keepSubIndices(bool keep) { tables_.objects.keepSubIndices(keep); }
-    /// Object codes (column `objecttype`) of the indices from `first` to `last`.
-    QMap<quint16, quint32> getObjectTypes(quint8 line, quint16 first, quint16 last)
-    {
-        return tables_.objects.getObjectTypes(line, first, last);
-    }
-    /// The subindices of all objects of a line by index and subindex, those that have no object included.
-    QList<SubKey> getSubKeys(quint8 line) { return tables_.objects.getSubKeys(line); }
     quint16 getSubIndexDataType(quint8 line, quint16 index, quint8 subindex)
     {
         return tables_.objects.getSubIndexDataType(line, index, subindex);
@@ -268,7 +252,7 @@ public:
     /// Doubles each single quote, for a text that is taken as `Quotes::Literal`.
     static void escapeQuotes(QString &text) { text.replace(u'\'', QLatin1StringView("''")); }
 
-    // ---- Lines (LineTables) ------------------------------------------------------------------------------------
+    // Lines (LineTables)
 
     /// Adds or updates a line and makes its tables. Of an existing line five fields stay: `isbootupmanager`,
     /// `isconfigmanager`, `excludepdolinking`, `multilinedata`, `lssslave`.
@@ -287,7 +271,7 @@ public:
     void setCurrentLine(quint8 line) { tables_.settings.setCurrentLine(line); }
     quint8 currentLine() const { return tables_.settings.currentLine(); }
 
-    // ---- Settings (SettingsTables) -----------------------------------------------------------------------------
+    // Settings (SettingsTables)
     // Values are text; a missing key reads as empty. A per-line value is a comma list, one part per line; a line
     // beyond the end takes the last part. Where a quote is not spoken of, a value is kept as it is; a key is a literal.
 
@@ -338,7 +322,7 @@ public:
     }
     bool miscSettingExists(const QString &key) { return tables_.settings.miscSettingExists(key); }
 
-    // ---- J1939 (J1939Tables) -----------------------------------------------------------------------------------
+    // J1939 (J1939Tables)
     // A direction is `transmit` or `receive`; 0 in a list operation means both.
 
     [[nodiscard]] bool addPGN(quint8 line, quint32 number, const PGN &data)
@@ -414,7 +398,7 @@ public:
     /// True if some PGN of the line is a safety PGN (`issafe`).
     bool anySafePGN(quint8 line) { return tables_.j1939.anySafePGN(line); }
 
-    // ---- Raw CAN (RawCanTables) --------------------------------------------------------------------------------
+    // Raw CAN (RawCanTables)
 
     [[nodiscard]] bool addCANID(quint8 line, quint32 id, const CANID &data)
     {
@@ -474,7 +458,7 @@ public:
         return tables_.rawCan.getDataElementList(line, canid, direction);
     }
 
-    // ---- UDS services (UdsTables) ------------------------------------------------------------------------------
+    // UDS services (UdsTables)
     // Services are those of ISO 14229-1; the lists are comma lists of numbers. Setting a column of a service without a
     // row makes the row, inactive and with its other columns empty.
 

@@ -74,24 +74,6 @@ QMap<quint16, QString> ObjectTables::getIndexNames(quint8 line, quint16 first, q
     return names;
 }
 
-QMap<quint16, quint32> ObjectTables::getObjectTypes(quint8 line, quint16 first, quint16 last)
-{
-    QMap<quint16, quint32> types;
-    std::ignore = statements_.visit(
-        {nullptr, u"select objectindex, objecttype from Objects%1 where objectindex between ? and ?"_s.arg(line)},
-        {first, last}, [&](const ResultRow &row) { types.insert(row.number<quint16>(0), row.number<quint32>(1)); });
-    return types;
-}
-
-QList<ObjectTables::SubKey> ObjectTables::getSubKeys(quint8 line)
-{
-    return statements_.list(
-        {nullptr, u"select objectindex, subindex from SubObjects%1 order by objectindex, subindex"_s.arg(line)}, {},
-        [line](const ResultRow &row) {
-            return SubKey{row.number<quint16>(0), row.number<quint8>(1), line};
-        });
-}
-
 quint16 ObjectTables::getSubIndexDataType(quint8 line, quint16 index, quint8 subindex)
 {
     return static_cast<quint16>(

@@ -234,15 +234,6 @@ std::optional<Index> ObjectTables::getIndex(quint8 line, quint16 index)
                              [this](const ResultRow &row) { return indexOfRow(row, strings_); });
 }
 
-QMap<quint16, Index> ObjectTables::getIndices(quint8 line, quint16 first, quint16 last)
-{
-    QMap<quint16, Index> objects;
-    std::ignore =
-        statements_.visit({nullptr, indexSelect(line) + u" where objectindex between ? and ?"_s}, {first, last},
-                          [&](const ResultRow &row) { objects[row.number<quint16>(0)] = indexOfRow(row, strings_); });
-    return objects;
-}
-
 std::optional<Sub> ObjectTables::getSubIndex(quint8 line, quint16 index, quint8 subindex)
 {
     {

@@ -37,7 +37,6 @@ public:
                                      quint16 toIndex, bool objectOnly);
 
     [[nodiscard]] std::optional<Index> getIndex(quint8 line, quint16 index);
-    QMap<quint16, Index> getIndices(quint8 line, quint16 first, quint16 last);
     QList<IndexEntry> getAllIndices(quint8 line);
     [[nodiscard]] std::optional<Sub> getSubIndex(quint8 line, quint16 index, quint8 subindex);
     QList<SubEntry> getAllSubIndices(quint8 line);
@@ -48,9 +47,7 @@ public:
     [[nodiscard]] bool setIndexName(quint8 line, quint16 index, const QString &name);
     QList<quint16> getIndexList(quint8 line, quint16 first, quint16 last);
     QMap<quint16, QString> getIndexNames(quint8 line, quint16 first, quint16 last);
-    QMap<quint16, quint32> getObjectTypes(quint8 line, quint16 first, quint16 last);
     QList<quint8> getSubIndexList(quint8 line, quint16 index, quint8 firstSub);
-    QList<SubKey> getSubKeys(quint8 line);
     quint16 getSubIndexDataType(quint8 line, quint16 index, quint8 subindex);
     QString getSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex);
     [[nodiscard]] bool setSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex, const QString &value,

@@ -95,6 +95,15 @@ TEST_F(StatementLayer, ScopeAroundAnotherFileDoesNothing)
     EXPECT_EQ(keys(), (QStringList{u"b"_s, u"c"_s, u"d"_s}));
 }
 
+TEST_F(StatementLayer, RowThatCannotBeReadIsAFailure)
+{
+    const Statement select = {"test", u"select abs(column1) from (values (1), (-9223372036854775808), (2))"_s};
+    QList<int> seen;
+    EXPECT_FALSE(store.statements().visit(select, {}, [&](const ResultRow &row) { seen.append(row.number<int>(0)); }));
+    EXPECT_EQ(seen, QList<int>{1});
+    EXPECT_TRUE(store.statements().errorText().contains("overflow"_L1));
+}
+
 TEST_F(StatementLayer, VisitorMayRunTheSameStatement)
 {
     for (const QString &key : {u"a"_s, u"b"_s, u"c"_s})
@@ -103,7 +112,8 @@ TEST_F(StatementLayer, VisitorMayRunTheSameStatement)
     QStringList seen;
     const Statements::Visitor visit = [&](const ResultRow &row) {
         seen.append(row.text(0));
-        store.statements().visit(select, {row.text(0)}, [&](const ResultRow &inner) { seen.append(inner.text(0)); });
+        EXPECT_TRUE(store.statements().visit(select, {row.text(0)},
+                                             [&](const ResultRow &inner) { seen.append(inner.text(0)); }));
     };
     EXPECT_TRUE(store.statements().visit(select, {QString()}, visit));
     EXPECT_EQ(seen.join(u""_s), u"abcbcc"_s);

@@ -118,7 +118,9 @@ QMap<QString, Store> projects()
     for (const QString &file : DocsTest::projectFiles()) {
         const auto store = std::make_shared<ObjectDataBase>();
         EXPECT_TRUE(store->openTextDatabase(file));
-        const bool hasCodes = !store->getObjectTypes(0, 0x1000, 0xffff).values().contains(0U);
+        const bool hasCodes = std::ranges::none_of(store->getAllIndices(0), [](const auto &entry) {
+            return entry.index >= 0x1000 && entry.data.objecttype == 0;
+        });
         if (hasCodes && store->findSubIndices(0, u"datatype"_s, u"0"_s).isEmpty())
             result.insert(file.section(u'/', -3).replace(u'/', u'-'), store);
     }
