@@ -15,7 +15,7 @@
 class StoreTest : public testing::Test
 {
 protected:
-    StoreTest() { store.createNewDataBase(); }
+    StoreTest() { EXPECT_TRUE(store.createNewDataBase()); }
 
     QString path(const QString &name) const { return folder.filePath(name); }
 
