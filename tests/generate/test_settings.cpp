@@ -61,18 +61,20 @@ public:
         EXPECT_TRUE(script.store()->saveDatabase(path(u"device.ncxp"_s)));
         EXPECT_TRUE(handler_.openProject(path(u"device.ncxp"_s)));
         handler_.setStackPath(QStringLiteral(NCX_SOURCE_DIR "/examples/stack"));
-        if (classic)
+        if (classic) {
             EXPECT_TRUE(handler_.database()->setGeneralSetting(u"use_core_headers"_s, u"classic"_s));
+        }
         handler_.setOutputFolder(output_);
         generated(); // the first check has hints for those who knew an older tool
     }
 
     void set(const Key &key, const QString &value)
     {
-        if (key.table == Settings::Table::General)
+        if (key.table == Settings::Table::General) {
             EXPECT_TRUE(handler_.database()->setGeneralSetting(key.name, value));
-        else
+        } else {
             EXPECT_TRUE(handler_.database()->setJ1939Setting(key.name, value));
+        }
     }
 
     /// What check and run say, and all files by their names. A number that is written as it was given is made decimal.

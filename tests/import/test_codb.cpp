@@ -95,9 +95,9 @@ TEST(CodbImport, SubObjectsJoinObjectsOfTheLine)
     importer.setFile(path);
     importer.startImport();
     importer.waitForEnd();
-    const auto imported = store->getIndex(0, 0x2100).value();
-    EXPECT_EQ(imported.datatype, CAN::Real32);
-    EXPECT_EQ(imported.description, u"mine"_s);
+    const auto after = store->getIndex(0, 0x2100).value();
+    EXPECT_EQ(after.datatype, CAN::Real32);
+    EXPECT_EQ(after.description, u"mine"_s);
     EXPECT_TRUE(store->subIndexExists(0, 0xC000, 0));
     EXPECT_FALSE(store->indexExists(0, 0xC000));
 

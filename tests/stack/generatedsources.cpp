@@ -204,8 +204,9 @@ bool GeneratedSources::importFile(const QString &path)
 
 bool GeneratedSources::generate()
 {
-    if (classic_)
+    if (classic_) {
         EXPECT_TRUE(store().setGeneralSetting(u"use_core_headers"_s, u"classic"_s));
+    }
     d_->handler.setOutputFolder(folder_.path());
     bool done = false;
     const auto connection = QObject::connect(&d_->handler, &GeneratorMainHandler::finished,

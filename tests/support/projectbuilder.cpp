@@ -16,8 +16,9 @@ ProjectBuilder::ProjectBuilder()
 ProjectBuilder &ProjectBuilder::line(quint8 line, int type)
 {
     line_ = line;
-    if (!store_->nodeExists(line))
+    if (!store_->nodeExists(line)) {
         EXPECT_TRUE(store_->addNode(line, {}));
+    }
     return general(u"line%1type"_s.arg(line), QString::number(type));
 }
 

@@ -40,8 +40,9 @@ std::pair<quint16, quint8> address(const QString &text)
 ProjectScript::ProjectScript(std::shared_ptr<ObjectDataBase> store)
     : store_(store ? std::move(store) : std::make_shared<ObjectDataBase>())
 {
-    if (!store_->isOpen())
+    if (!store_->isOpen()) {
         EXPECT_TRUE(store_->createNewDataBase());
+    }
 }
 
 void ProjectScript::run(const QStringList &commands)
@@ -55,8 +56,9 @@ bool ProjectScript::runSetting(const QString &word, const QString &key, const QS
 {
     if (word == "line"_L1) {
         line_ = static_cast<quint8>(number(key));
-        if (!store_->nodeExists(line_))
+        if (!store_->nodeExists(line_)) {
             EXPECT_TRUE(store_->addNode(line_, {}));
+        }
         return store_->setGeneralSetting(u"line%1type"_s.arg(line_), value);
     }
     if (word == "description"_L1)
