@@ -117,7 +117,7 @@ Import copyObjects(const ToolCall &call, ObjectDataBase &source)
         } else if (store.indexExists(line, index)) {
             import.skipped.append(u"%1 (already exists on line %2)"_s.arg(text).arg(line));
         } else {
-            if (store.copyIndexFrom(&source, 0, index, line, index))
+            if (store.copyIndexFrom(&source, 0, index, line, index) && store.indexExists(line, index))
                 import.imported.append(text);
             else
                 import.skipped.append(u"%1 (copy failed)"_s.arg(text));
