@@ -7,6 +7,8 @@
 
 #include <QDir>
 
+#include <gtest/gtest.h>
+
 namespace TestSupport {
 
 /// A folder that a generator writes into, and whose C sources are compiled against the stack headers of the tests.
@@ -23,7 +25,8 @@ public:
         generator.setDatabase(project.store());
         generator.setOutputFolder(folder_.path());
         generator.setBaseName(QStringLiteral("device"));
-        generator.setMultiLine(multiLine);
+        EXPECT_TRUE(project.store()->setMiscSetting(QStringLiteral("generateML"),
+                                                    multiLine ? QStringLiteral("true") : QStringLiteral("false")));
         generator.startJob();
         generator.waitForJob();
     }
