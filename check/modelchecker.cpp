@@ -15,7 +15,10 @@ ModelChecker::ModelChecker(const CheckRules &rules, QObject *parent)
     : QObject(parent)
     , rules_(rules)
 {
-    report_.send = [this](const QString &text) { Q_EMIT newError(text); };
+    report_.send = [this](const CheckFinding &finding) {
+        Q_EMIT newError(finding.text);
+        Q_EMIT found(finding);
+    };
 }
 
 ModelChecker::~ModelChecker() = default;

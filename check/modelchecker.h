@@ -37,10 +37,14 @@ public:
     qint32 checkRawCANLine(quint8 line, const std::shared_ptr<ObjectDataBase> &store);
     /// The closing text of a check, with the number of suppressed warnings of each group; empty if there are none.
     QString suppressedSummary() const;
+    /// How many warnings of which group were suppressed so far.
+    const QMap<WarningGroup, int> &suppressedCounts() const { return report_.suppressedCounts; }
     static QList<WarningGroupInfo> groupTable() { return warningGroups(); }
 
 Q_SIGNALS:
     void newError(const QString &errorText);
+    /// The same, as a value.
+    void found(const CheckFinding &finding);
 
 private:
     /// Counts anew for each check, but what is suppressed over all of them.

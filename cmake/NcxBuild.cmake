@@ -11,7 +11,7 @@ set(CMAKE_AUTORCC ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 
-set(NCX_PROGRAMS ncx_cli ncx_cli_j1939 ncx_cli_can ncx_cli_energybus)
+set(NCX_PROGRAMS ncx ncx_cli ncx_cli_j1939 ncx_cli_can ncx_cli_energybus)
 set(NCX_INSTALL_PROGRAMDIR "${CMAKE_INSTALL_LIBEXECDIR}/ncx_cli")
 
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core Sql Xml)

@@ -25,10 +25,16 @@ endfunction()
 
 configure_file("${PROJECT_SOURCE_DIR}/docs/man/ncx_cli.1" "${PROJECT_BINARY_DIR}/package/ncx_cli.1" @ONLY)
 ncx_zip("${PROJECT_BINARY_DIR}/package/ncx_cli.1" ncx_cli.1)
-foreach(program IN LISTS NCX_PROGRAMS)
+set(batch_programs ${NCX_PROGRAMS})
+list(REMOVE_ITEM batch_programs ncx)
+foreach(program IN LISTS batch_programs)
     install(FILES "${PROJECT_BINARY_DIR}/package/ncx_cli.1.gz" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1"
         RENAME ${program}.1.gz)
 endforeach()
+# Written by ncx itself after it is linked (ncx/CMakeLists.txt).
+install(FILES "${PROJECT_BINARY_DIR}/package/ncx.1.gz" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+install(FILES "${PROJECT_BINARY_DIR}/package/ncx.bash"
+    DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions" RENAME ncx)
 
 install(FILES "${PROJECT_SOURCE_DIR}/README.md" DESTINATION "${doc_folder}")
 install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${doc_folder}" RENAME copyright)

@@ -1,33 +1,20 @@
 #include "ncx_cli/app/climainapp.h"
 #include "ncx_cli/app/clioutputhandler.h"
-#include "ncx_cli/app/debuglog.h"
 #include "ncx_cli/mcp/mcpmainapp.h"
 #include "nodedict/cohelper.h"
 #include "store/file/workingcopies.h"
 #include "texttools/helper.h"
+#include "texttools/processstart.h"
 
 #include <QCoreApplication>
 #include <QTimer>
 
 #include <csignal>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
-
-/// A file that is opened in the place of a closed standard stream would be read as input, or take the messages.
-void fillStandardStreams()
-{
-    int file = 0;
-    while (file >= 0 && file <= STDERR_FILENO)
-        file = open("/dev/null", O_RDWR);
-    if (file > STDERR_FILENO)
-        close(file);
-}
 
 void setIdentity(QCoreApplication &application)
 {
@@ -62,8 +49,8 @@ int runBatch(const QCoreApplication &application)
 
 int main(int argc, char **argv)
 {
-    fillStandardStreams();
-    DebugLog::install();
+    ProcessStart::fillStandardStreams();
+    ProcessStart::installDebugLog();
     // A reader of the output that goes away must not keep the pass from its end, which may be a save.
     std::signal(SIGPIPE, SIG_IGN);
     WorkingCopies::removeOnSignals();

@@ -8,6 +8,7 @@
 #include "store/tables/projecttables.h"
 #include "store/tables/storerecords.h"
 #include "store/text/textproject.h"
+#include "store/text/textscope.h"
 
 #include <QHash>
 #include <QMap>
@@ -73,6 +74,8 @@ public:
     /// project, and for a database file within a transaction, whose writes are not in the working copy yet.
     [[nodiscard]] bool saveDatabase(const QString &path);
     [[nodiscard]] bool saveDatabaseAsSql(const QString &path) { return file_.saveAsSql(path); }
+    /// What the text form of the project would lose.
+    QList<TextScope::Loss> textLosses() { return TextScope::lossesOf(tables_); }
     [[nodiscard]] bool saveDatabaseAsText(const QString &path) { return TextProject::save(file_, tables_, path); }
     /// Waits for statements under way (at most 5 s) and closes the connection.
     void closeDatabase() { file_.close(); }

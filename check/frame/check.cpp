@@ -9,13 +9,13 @@ using namespace Qt::StringLiterals;
 void ProjectCheck::error(const QString &text)
 {
     ++report_.errors;
-    info("<strong>Error: </strong>"_L1 + text);
+    send(CheckFinding::Kind::Error, {}, "<strong>Error: </strong>"_L1 + text);
 }
 
 void ProjectCheck::redError(const QString &text)
 {
     ++report_.errors;
-    info("<strong><font color='red'>Error: </font></strong>"_L1 + text);
+    send(CheckFinding::Kind::Error, {}, "<strong><font color='red'>Error: </font></strong>"_L1 + text);
 }
 
 void ProjectCheck::warning(WarningGroup group, const QString &text)
@@ -23,18 +23,26 @@ void ProjectCheck::warning(WarningGroup group, const QString &text)
     if (report_.suppressedGroups.contains(group))
         ++report_.suppressedCounts[group];
     else
-        info(text);
+        send(CheckFinding::Kind::Warning, group, text);
 }
 
 void ProjectCheck::hint(WarningGroup group, const QString &text)
 {
     if (!report_.suppressedGroups.contains(group))
-        info(text);
+        send(CheckFinding::Kind::Hint, group, text);
 }
 
-void ProjectCheck::info(const QString &text)
+void ProjectCheck::send(CheckFinding::Kind kind, std::optional<WarningGroup> group, const QString &text)
 {
-    report_.send(text);
+    report_.send({.kind = kind, .rule = asked_.rule, .group = group, .place = place(), .text = text});
+}
+
+FindingPlace ProjectCheck::place() const
+{
+    FindingPlace place{.line = line_, .index = about_};
+    if (asked_.locate)
+        asked_.locate(place, asked_.outer, asked_.inner);
+    return place;
 }
 
 Check::Check(ObjectDataBase &store, CheckReport &report, quint8 line, Options options)
@@ -42,6 +50,7 @@ Check::Check(ObjectDataBase &store, CheckReport &report, quint8 line, Options op
     , line_(store, line)
     , options_(std::move(options))
 {
+    setLineOfFindings(line);
 }
 
 bool Check::correct(quint16 index, quint8 subindex, const StoreRecords::SubIndexData &data, const QString &text)
@@ -49,7 +58,7 @@ bool Check::correct(quint16 index, quint8 subindex, const StoreRecords::SubIndex
     if (!store().addSubIndex(line_.number(), index, subindex, data, Quotes::Kept))
         return false;
     line_.replace(index, subindex, data);
-    info("<i>Corrected: "_L1 + text);
+    send(CheckFinding::Kind::Correction, {}, "<i>Corrected: "_L1 + text);
     return true;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "check/frame/finding.h"
 #include "check/frame/warninggroups.h"
 #include "check/line/checkedline.h"
 #include "store/settings.h"
@@ -14,7 +15,7 @@ class ObjectDataBase;
 /// What a check has said so far, and what it holds back.
 struct CheckReport
 {
-    std::function<void(const QString &)> send; ///< each text, in the order of the rules
+    std::function<void(const CheckFinding &)> send; ///< in the order of the rules
     qint32 errors = 0;
     bool corrected = false; ///< a COB-ID was corrected in the store
     QList<WarningGroup> suppressedGroups;
@@ -37,6 +38,17 @@ public:
     const Settings &general() const { return general_; }
     const Settings &j1939() const { return j1939_; }
 
+    /// What the following findings belong to: a rule, and what tells of the place of its subjects, if anything does.
+    using Subject = const void *;
+    using Locate = void (*)(FindingPlace &, Subject outer, Subject inner);
+    void ask(QLatin1StringView rule, Locate locate, Subject outer, Subject inner)
+    {
+        asked_ = {rule, locate, outer, inner};
+        about_.reset();
+    }
+    /// Names the object of the finding of a rule that has no subject.
+    void about(quint16 index) { about_ = index; }
+
     /// Sends a text as an error, and counts it.
     void error(const QString &text);
     /// The same, with the word "Error" in red.
@@ -45,17 +57,29 @@ public:
     void warning(WarningGroup group, const QString &text);
     /// The same, but a suppressed hint is not counted.
     void hint(WarningGroup group, const QString &text);
-    /// Sends a text that neither counts nor can be suppressed.
-    void info(const QString &text);
 
 protected:
     CheckReport &report() { return report_; }
+    void setLineOfFindings(quint8 line) { line_ = line; }
+    void send(CheckFinding::Kind kind, std::optional<WarningGroup> group, const QString &text);
 
 private:
+    struct Asked
+    {
+        QLatin1StringView rule;
+        Locate locate = nullptr;
+        Subject outer = nullptr;
+        Subject inner = nullptr;
+    };
+    FindingPlace place() const;
+
     ObjectDataBase &store_;
     Settings general_;
     Settings j1939_;
     CheckReport &report_;
+    Asked asked_;
+    std::optional<quint8> line_;
+    std::optional<quint16> about_;
 };
 
 /// What a rule of a line sees and says.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "check/frame/check.h"
+#include "check/frame/findingplaces.h"
 
 #include <algorithm>
 #include <concepts>
@@ -34,6 +35,7 @@ struct CheckRule
     Loop each = {};
     Loop within = {};
     bool opensPass = false;
+    ProjectCheck::Locate locate = nullptr; ///< tells the place of the subjects; null for a rule that is asked once
 
     /// The rule in a pass of its own behind neighbours with the same loop.
     CheckRule inNewPass() const
@@ -77,6 +79,9 @@ CheckRule<Port> rule(QLatin1StringView name, Each<Port, T> each, void (*find)(Po
          [each](Port &check, Subject, const std::function<void(Subject)> &visit) {
              each(check, [&visit](const T &subject) { visit(&subject); });
          }},
+        {},
+        false,
+        [](FindingPlace &place, Subject outer, Subject) { narrow(place, *static_cast<const T *>(outer)); },
     };
 }
 
@@ -88,6 +93,10 @@ CheckRule<Port> rule(QLatin1StringView name, Each<Port, T> each, Within<Port, T,
     CheckRule<Port> row = rule(name, each, static_cast<void (*)(Port &, const T &)>(nullptr));
     row.find = [find](Port &check, Subject outer, Subject inner) {
         find(check, *static_cast<const T *>(outer), *static_cast<const U *>(inner));
+    };
+    row.locate = [](FindingPlace &place, Subject outer, Subject inner) {
+        narrow(place, *static_cast<const T *>(outer));
+        narrow(place, *static_cast<const U *>(inner));
     };
     row.within = {reinterpret_cast<void (*)()>(within),
                   [within](Port &check, Subject outer, const std::function<void(Subject)> &visit) {
@@ -126,7 +135,10 @@ void askRules(Port &check, std::span<const CheckRule<Port>> rules,
             if (isOuter)
                 askRules(check, together, &Rule::within, subject);
             else
-                std::ranges::for_each(together, [&](const Rule &rule) { rule.find(check, outer, subject); });
+                std::ranges::for_each(together, [&](const Rule &rule) {
+                    check.ask(rule.name, rule.locate, outer, subject);
+                    rule.find(check, outer, subject);
+                });
         };
         if (((*first).*loop).identity != nullptr)
             ((*first).*loop).run(check, outer, visit);

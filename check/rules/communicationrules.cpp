@@ -53,6 +53,7 @@ void deviceTypeOfClassic(Check &check, const CheckedObject &object)
 
 void deviceTypeMissing(Check &check)
 {
+    check.about(Index::deviceType);
     if (!exists(check, Index::deviceType))
         check.error(
             u"Object 0x%1 (Device Type) does not exist, but it is mandatory according to CANopen specification."_s.arg(
@@ -61,6 +62,7 @@ void deviceTypeMissing(Check &check)
 
 void errorRegisterMissing(Check &check)
 {
+    check.about(Index::errorRegister);
     if (!exists(check, Index::errorRegister))
         check.error(
             u"Object 0x%1 (Error Register) does not exist, but it is mandatory according to CANopen specification."_s
@@ -69,6 +71,7 @@ void errorRegisterMissing(Check &check)
 
 void errorControlMissing(Check &check)
 {
+    check.about(Index::heartbeatProducer);
     if (!exists(check, Index::heartbeatProducer) && !exists(check, Index::guardTime))
         check.error(
             u"Object 0x%1 (Producer Heartbeat) and 0x100C (Guard Time) do not exist, but one of them is mandatory."_s
@@ -134,6 +137,7 @@ void storeUnknown(Check &check, const CheckedSubindex &sub)
 
 void masterWithoutInhibitTime(Check &check)
 {
+    check.about(Index::nmtInhibitTime);
     if (check.line().settings().nmtMaster && !exists(check, Index::nmtInhibitTime))
         check.warning(
             WG_CONFIG,

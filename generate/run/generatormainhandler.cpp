@@ -35,13 +35,18 @@ void correctProject(const std::shared_ptr<ObjectDataBase> &store)
         converter.doJ1939Correction();
 }
 
+CheckFinding untypedLine(quint8 line)
+{
+    return {.kind = CheckFinding::Kind::Warning, .place = {.line = line}, .text = u"The line has no type."_s};
+}
+
 } // namespace
 
 /// How a check speaks about its lines; the run and the check alone differ in that.
 struct GeneratorMainHandler::CheckVoice
 {
     std::function<void(const QString &)> say;
-    QString untypedLine; ///< %1 is the line
+    std::function<void(quint8)> tellUntyped; ///< of a line without a type
     std::function<void(quint8)> beginLine = [](quint8) {};
     std::function<void()> corrected = [] {};
 };
@@ -126,9 +131,26 @@ qint32 GeneratorMainHandler::checkModel(QStringList &messages)
     }
     ModelChecker checker(checkRules_);
     connect(&checker, &ModelChecker::newError, this, [&messages](const QString &text) { messages.append(text); });
-    return checkProject(checker, RunContext::ofProject(database_).lines,
-                        {.say = [&messages](const QString &text) { messages.append(text); },
-                         .untypedLine = u"Warning: line type not set for line %1."_s});
+    return checkProject(
+        checker, RunContext::ofProject(database_).lines,
+        {.say = [&messages](const QString &text) { messages.append(text); },
+         .tellUntyped =
+             [&messages](quint8 line) { messages.append(u"Warning: line type not set for line %1."_s.arg(line)); }});
+}
+
+GeneratorMainHandler::ModelFindings GeneratorMainHandler::findInModel()
+{
+    const RunContext context = RunContext::ofProject(database_);
+    removeAddressClaims(context);
+    ModelFindings model;
+    ModelChecker checker(checkRules_);
+    connect(&checker, &ModelChecker::found, this,
+            [&model](const CheckFinding &finding) { model.findings.append(finding); });
+    model.errors = checkProject(checker, context.lines,
+                                {.say = [](const QString &) {},
+                                 .tellUntyped = [&model](quint8 line) { model.findings.append(untypedLine(line)); }});
+    model.suppressed = checker.suppressedCounts();
+    return model;
 }
 
 qint32 GeneratorMainHandler::checkProject(ModelChecker &checker, const QList<quint8> &lines, const CheckVoice &voice)
@@ -146,7 +168,7 @@ qint32 GeneratorMainHandler::checkProject(ModelChecker &checker, const QList<qui
         if (protocols.rawCan)
             errors += checker.checkRawCANLine(line, database_);
         if (!protocols.any())
-            voice.say(voice.untypedLine.arg(line));
+            voice.tellUntyped(line);
     }
     if (corrected)
         voice.corrected();
@@ -202,9 +224,16 @@ bool GeneratorMainHandler::passesCheck(const RunContext &context, bool ignoreChe
 {
     output_->message(u"\nCheck of model consistency started"_s);
     ModelChecker checker(checkRules_);
+    ModelFindings model;
     connect(&checker, &ModelChecker::newError, this, &GeneratorMainHandler::handleCheckError);
+    connect(&checker, &ModelChecker::found, this,
+            [&model](const CheckFinding &finding) { model.findings.append(finding); });
     CheckVoice voice{.say = [this](const QString &text) { output_->message(text); },
-                     .untypedLine = u"Warning line type not set for line %1."_s,
+                     .tellUntyped =
+                         [this, &model](quint8 line) {
+                             output_->message(u"Warning line type not set for line %1."_s.arg(line));
+                             model.findings.append(untypedLine(line));
+                         },
                      .corrected = [this] { Q_EMIT doneCorrection(); }};
     if (context.multiLine) {
         voice.beginLine = [this](quint8 line) {
@@ -214,6 +243,9 @@ bool GeneratorMainHandler::passesCheck(const RunContext &context, bool ignoreChe
         };
     }
     const qint32 errors = checkProject(checker, context.lines, voice);
+    model.errors = errors;
+    model.suppressed = checker.suppressedCounts();
+    Q_EMIT checked(model);
 
     writeErrorLog();
     if (errors > 0 && !ignoreCheckErrors) {
@@ -267,5 +299,8 @@ void GeneratorMainHandler::runPostGenProcess()
         postGenProcessor_->setDatabase(database_);
     }
     postGenProcessor_->setProject(outputFolder_, projectBaseName_);
+    postGenProcessor_->setSkipCommand(!postGenSteps_.command);
+    postGenProcessor_->setSkipEdsCheck(!postGenSteps_.edsCheck);
+    postGenProcessor_->setSkipLineEndings(!postGenSteps_.lineEndings);
     postGenProcessor_->run();
 }

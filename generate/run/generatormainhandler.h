@@ -1,8 +1,10 @@
 #pragma once
 
 #include "check/frame/checkrules.h"
+#include "check/frame/finding.h"
 #include "generate/run/runtable.h"
 
+#include <QMap>
 #include <QObject>
 #include <QStringList>
 
@@ -41,6 +43,8 @@ public:
     void setOutputFolder(const QString &folder) { outputFolder_ = folder; }
     QString projectBaseName() const { return projectBaseName_; }
     QString projectPath() const { return projectPath_; }
+    /// True for a text project in which nothing could be read.
+    bool isUnreadText() const { return isUnreadText_; }
 
     /// Folder of the protocol stack, kept in the project.
     void setStackPath(const QString &path);
@@ -51,6 +55,15 @@ public:
     bool applyDbModifier(const QString &path);
     /// The model check alone. Returns the number of errors; `messages` receives all texts in order.
     qint32 checkModel(QStringList &messages);
+    /// What the model check of an open project has found, as values.
+    struct ModelFindings
+    {
+        QList<CheckFinding> findings;
+        qint32 errors = 0;
+        QMap<WarningGroup, int> suppressed; ///< number of warnings held back
+    };
+    /// Looks at the project as a run does.
+    ModelFindings findInModel();
     /// The whole run; its outcome goes out through `finished`.
     void generate(bool ignoreCheckErrors);
     /// Saves to the file that was opened; a failure is told as a message. A text project in which nothing could be read
@@ -58,6 +71,14 @@ public:
     void saveProject();
     /// What follows the generators of a run.
     void runPostGenProcess();
+    /// Which of its steps are done; all of them unless told.
+    struct PostGenSteps
+    {
+        bool command = true;
+        bool edsCheck = true;
+        bool lineEndings = true;
+    };
+    void setPostGenSteps(const PostGenSteps &steps) { postGenSteps_ = steps; }
 
     /// Replaces the rules of the check.
     void setCheckRules(const CheckRules &rules) { checkRules_ = rules; }
@@ -76,6 +97,8 @@ Q_SIGNALS:
     void finished(GeneratorMainHandler::GeneratorResult result);
     /// The check has corrected something in the project.
     void doneCorrection();
+    /// What the check of a run has found, at its end.
+    void checked(const GeneratorMainHandler::ModelFindings &model);
 
 private:
     struct CheckVoice;
@@ -94,6 +117,7 @@ private:
     bool isUnreadText_ = false;
     OutputHandlerBase *output_;
     std::shared_ptr<PostGenProcessor> postGenProcessor_;
+    PostGenSteps postGenSteps_;
     CheckRules checkRules_ = CheckRules::builtIn();
     std::span<const RunRow> runRows_ = runTable();
 };

@@ -99,7 +99,8 @@ void PostGenProcessor::proceedGenerationSlot()
         break;
     case Step::AfterEdsCheck:
         step_ = Step::End;
-        convertLineEndings();
+        if (!skipLineEndings_)
+            convertLineEndings();
         Q_EMIT proceedGeneration();
         break;
     case Step::End:
@@ -150,7 +151,7 @@ QStringList PostGenProcessor::filledArguments(const QString &arguments) const
 
 void PostGenProcessor::startCommand()
 {
-    const Command command = configuredCommand();
+    const Command command = skipCommand_ ? Command() : configuredCommand();
     const bool started = !command.program.isEmpty() && startProcess(command);
     if (!started || !waitForProcess_)
         Q_EMIT proceedGeneration();

@@ -37,6 +37,8 @@ public:
     /// Set anew before each run.
     void setProject(const QString &outputFolder, const QString &baseName);
     void setSkipEdsCheck(bool skip) { skipEdsCheck_ = skip; }
+    void setSkipCommand(bool skip) { skipCommand_ = skip; }
+    void setSkipLineEndings(bool skip) { skipLineEndings_ = skip; }
     /// Says nothing but what went wrong.
     void setQuiet(bool quiet) { quiet_ = quiet; }
     /// An optional display, which outlives the processor.
@@ -94,6 +96,8 @@ private:
     ProcessStream errorStream_{QStringLiteral("Post generation process error output:\n")};
     ProcessStream outputStream_{QStringLiteral("Post generation process standard output:\n")};
     bool skipEdsCheck_ = false;
+    bool skipCommand_ = false;
+    bool skipLineEndings_ = false;
     bool quiet_ = false;
     OutputHandlerBase &output_;
     PostGenProgressHandler *progressHandler_ = nullptr;

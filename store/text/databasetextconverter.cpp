@@ -2,6 +2,7 @@
 
 #include "store/tables/projecttables.h"
 #include "store/text/objectrowwriter.h"
+#include "store/text/textscope.h"
 #include "texttools/settingstext.h"
 #include "texttools/wholefile.h"
 
@@ -43,23 +44,6 @@ struct DatabaseTextConverter::TableForm
 
 namespace {
 
-using Word = QLatin1StringView;
-
-constexpr Word ignoredWords[] = {"CANIDs"_L1,       "Connections"_L1,    "DataElements"_L1, "EnergyBusSettings"_L1,
-                                 "Groups"_L1,       "SignalGroups"_L1,   "Signals"_L1,      "Strings"_L1,
-                                 "VirtualNodes"_L1, "LockedMappings"_L1, "LockedPDOs"_L1};
-constexpr Word canopenWords[] = {"Objects"_L1, "Nodes"_L1, "SubObjects"_L1};
-constexpr Word j1939Words[] = {"PGNs"_L1, "SPNs"_L1, "J1939Settings"_L1};
-
-/// Columns of a subindex that the text never holds.
-constexpr Word hiddenSubObjectColumns[] = {"cyclicread"_L1,   "changedbyuser"_L1, "dcfcomponent"_L1,
-                                           "wizardsource"_L1, "signalid"_L1,      "denotation"_L1};
-
-bool holdsOneOf(const QString &table, std::span<const Word> words)
-{
-    return std::any_of(words.begin(), words.end(), [&](Word word) { return table.contains(word); });
-}
-
 struct ColumnInfo
 {
     QString name;
@@ -85,61 +69,6 @@ QStringList columnNamesOf(Statements &statements, const QString &table)
         names.append(column.name);
     return names;
 }
-
-/// Which protocols the lines of a project speak. Combined and raw CAN types count as neither of the two, but for
-/// "CANopen and J1939".
-class LineTypes
-{
-public:
-    explicit LineTypes(Statements &statements)
-    {
-        static const QRegularExpression form(u"^line(0|[1-9]\\d{0,2})type$"_s);
-        std::ignore = statements.visit({"LineTypes", u"SELECT item, value FROM GeneralSettings"_s}, {},
-                                       [this](const ResultRow &row) {
-                                           const auto match = form.match(row.text(0));
-                                           const uint line = match.captured(1).toUInt();
-                                           if (match.hasMatch() && line <= lastLine)
-                                               types_.insert(line, row.value(1).toInt());
-                                       });
-    }
-
-    bool isLeftOut(const QString &table) const
-    {
-        if (holdsOneOf(table, canopenWords))
-            return !hasProtocol(canopen) || typeOfTable(table) == j1939;
-        if (holdsOneOf(table, j1939Words))
-            return !hasProtocol(j1939) || typeOfTable(table) == canopen;
-        return false;
-    }
-
-private:
-    static constexpr uint lastLine = 255;
-    static constexpr int canopen = 1;
-    static constexpr int j1939 = 2;
-    static constexpr int canopenAndJ1939 = 5;
-
-    bool hasProtocol(int type) const
-    {
-        return std::any_of(types_.begin(), types_.end(),
-                           [type](int lineType) { return lineType == type || lineType == canopenAndJ1939; });
-    }
-
-    /// The type of the line whose number ends the table's name; 0 for none.
-    int typeOfTable(const QString &table) const
-    {
-        static const QRegularExpression form(u"(\\d+)$"_s);
-        const auto match = form.match(table);
-        if (!match.hasMatch())
-            return 0;
-        bool ok = false;
-        const uint line = match.captured(1).toUInt(&ok);
-        if (!ok)
-            qWarning() << "Could not convert captured digits:" << match.captured(1);
-        return ok ? types_.value(line) : 0;
-    }
-
-    QHash<uint, int> types_;
-};
 
 /// Gathers the keys of each row of a group, whose rows stand `depth` groups deep; keys elsewhere belong to no row.
 void forEachRow(const SettingsText::Reader &reader, const QString &group, qsizetype depth,
@@ -235,9 +164,9 @@ bool DatabaseTextConverter::convertSqlToText()
 bool DatabaseTextConverter::writeTables(const QStringList &tables, QIODevice &device)
 {
     SettingsText::Writer writer(device);
-    const LineTypes lineTypes(store_->context.statements);
+    const TextScope scope(store_->context.statements);
     for (const QString &table : tables) {
-        if (holdsOneOf(table, ignoredWords) || lineTypes.isLeftOut(table))
+        if (scope.leavesOut(table))
             qDebug().noquote() << "Ignored table " << table;
         else if (const TableForm *form = formOf(table))
             writeTable(table, *form, writer);
@@ -314,9 +243,7 @@ void DatabaseTextConverter::writeRows(const QString &table, const TableForm &for
     QList<QByteArray> keys;
     qsizetype metadataColumn = -1;
     for (const ColumnInfo &column : columnsOf(store_->context.statements, table)) {
-        const bool isHidden =
-            form.kind == Table::SubObjects &&
-            std::ranges::find(hiddenSubObjectColumns, column.name) != std::end(hiddenSubObjectColumns);
+        const bool isHidden = form.kind == Table::SubObjects && TextScope::leavesOutOfSubindices(column.name);
         if (isHidden || (!form.keyIsWritten && keyColumns.contains(column.name)))
             continue;
         const bool isText = form.kind != Table::Nodes && form.kind != Table::UDSSettings &&

@@ -36,13 +36,13 @@ QString nameOf(const T &subject)
 template <class T>
 void describe(Check &check, const T &subject)
 {
-    check.info(nameOf(subject));
+    check.hint(WG_CONFIG, nameOf(subject));
 }
 
 template <class T, class U>
 void describeBoth(Check &check, const T &outer, const U &inner)
 {
-    check.info(nameOf(outer) + u'.' + nameOf(inner));
+    check.hint(WG_CONFIG, nameOf(outer) + u'.' + nameOf(inner));
 }
 
 TEST(CheckRules, LoopsGoThroughTheLineInOrder)
@@ -56,7 +56,7 @@ TEST(CheckRules, LoopsGoThroughTheLineInOrder)
         .pgn(6, ObjectDataBase::receive, u"Q"_s);
     project.canId(7, ObjectDataBase::transmit, u"C"_s).element(1, u"c1"_s).element(0, u"c0"_s);
     const std::pair<LineRule, QString> rows[] = {
-        {rule<Check>("once"_L1, [](Check &check) { check.info(u"once"_s); }), u"once"_s},
+        {rule<Check>("once"_L1, [](Check &check) { check.hint(WG_CONFIG, u"once"_s); }), u"once"_s},
         {rule("objects"_L1, eachObject, describe<CheckedObject>), u"A B"_s},
         {rule("tpdos"_L1, eachObjectOf<Index::tpdos>, describe<CheckedObject>), u"B"_s},
         {rule("one"_L1, theObject<0x1400>, describe<CheckedObject>), u"A"_s},
@@ -90,7 +90,7 @@ static_assert(!IsRow<Each<Check, CheckedPGN>, Within<Check, CheckedPGN, CheckedS
 template <char mark, class T>
 void marked(Check &check, const T &subject)
 {
-    check.info(QChar::fromLatin1(mark) + nameOf(subject));
+    check.hint(WG_CONFIG, QChar::fromLatin1(mark) + nameOf(subject));
 }
 
 TEST(CheckRules, NeighboursShareAPass)

@@ -236,7 +236,7 @@ TEST_F(Run, ChecksEachLineByItsTypeUnderAHeading)
 {
     const auto named = [](const QString &name) {
         return rule<Check>("named"_L1, [name](Check &check) {
-            check.info(name + QString::number(check.line().number()));
+            check.hint(WG_CONFIG, name + QString::number(check.line().number()));
             const bool corrects = name == u"C";
             EXPECT_EQ(corrects && check.correctCobId(0x1800, 1, {}, {}), corrects);
         });

@@ -127,7 +127,7 @@ TEST_F(Tools, EndEditsWithWhatTheCheckSays)
               u"Index 0x2000 on line 0 renamed to \"x\".\n\ncheck_model: OK (0 errors)."_s);
 
     const ProjectRule two = rule<ProjectCheck>("two"_L1, [](ProjectCheck &check) {
-        check.info(u"<b>An info</b>"_s);
+        check.hint(WG_CONFIG, u"<b>An info</b>"_s);
         check.error(u"An %1 error"_s);
     });
     const CheckRules rules{.common = {&two, 1}, .canOpen = {}, .j1939 = {}, .rawCan = {}};

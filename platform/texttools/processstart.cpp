@@ -1,7 +1,10 @@
-#include "ncx_cli/app/debuglog.h"
+#include "texttools/processstart.h"
 
 #include <QFile>
 #include <QMutex>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -25,7 +28,16 @@ void appendToLog(QtMsgType type, const QMessageLogContext &context, const QStrin
 
 } // namespace
 
-void DebugLog::install()
+void ProcessStart::fillStandardStreams()
+{
+    int file = 0;
+    while (file >= 0 && file <= STDERR_FILENO)
+        file = open("/dev/null", O_RDWR);
+    if (file > STDERR_FILENO)
+        close(file);
+}
+
+void ProcessStart::installDebugLog()
 {
     qInstallMessageHandler(ignore);
     if (logFile().open(QIODevice::WriteOnly | QIODevice::Truncate))

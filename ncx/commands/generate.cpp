@@ -1,0 +1,168 @@
+// Checks a project and writes its files.
+
+#include "ncx/commands/commands.h"
+#include "ncx/commands/findingtext.h"
+#include "ncx/findings/projectfindings.h"
+#include "ncx/outputs/foldergeneration.h"
+#include "ncx/project/openedproject.h"
+#include "ncx/usage/invocation.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Change = FolderGeneration::Change;
+using File = FolderGeneration::File;
+
+constexpr Operand operands[] = {
+    {.name = "PROJECT"_L1, .text = "the project to generate from"_L1, .offer = Offer::Projects}};
+
+constexpr Option options[] = {
+    {.name = "dry-run"_L1, .letter = 'n', .text = "write nothing; end with 1 if a file would change"_L1},
+    {.name = "only"_L1,
+     .letter = 'f',
+     .value = "FILE"_L1,
+     .text = "write only the files of this name or pattern"_L1,
+     .isRepeatable = true},
+    {.name = "out"_L1,
+     .letter = 'o',
+     .value = "DIR"_L1,
+     .text = "the folder of the files; that of the project without it"_L1},
+    {.name = "quiet"_L1, .letter = 'q', .text = "tell warnings and errors only"_L1},
+};
+
+constexpr QLatin1StringView details[] = {
+    "Writes what a run of ncx_cli writes, into the folder of choice. A file in which nothing but the moment of its "
+    "generation would change stays as it is, so that nothing is compiled anew without a reason. The project is not "
+    "changed."_L1,
+    "The project is checked first; if that finds errors, they are told as by 'ncx check', nothing is written, and the "
+    "exit code is 1."_L1,
+};
+
+constexpr Example examples[] = {
+    {"ncx generate device.ncxt"_L1, "writes the sources and documents beside the project"_L1},
+    {"ncx generate device.ncxt --out=generated --only='gen_*'"_L1,
+     "writes the C sources into a folder of their own"_L1},
+    {"ncx generate --dry-run device.ncxt"_L1, "tells whether the files are those of the project, for a pipeline"_L1},
+};
+
+QString wordOf(Change change, bool isDry)
+{
+    switch (change) {
+    case Change::New:
+        return isDry ? u"would be new"_s : u"new"_s;
+    case Change::Changed:
+        return isDry ? u"would change"_s : u"changed"_s;
+    case Change::Removed:
+        return isDry ? u"would be removed"_s : u"removed"_s;
+    case Change::None:
+        break;
+    }
+    return u"unchanged"_s;
+}
+
+/// What the check has to say; notes only to who has not asked for quiet.
+void tellFindings(const Invocation &call, const OpenedProject &project, const FolderGeneration &generation)
+{
+    ProjectFindings all = ProjectFindings::of(project, generation.findings());
+    if (call.isSet("quiet"_L1))
+        all.findings.removeIf([](const ProjectFinding &finding) { return finding.severity() == "note"_L1; });
+    for (const QString &text : FindingText::ofAll(call.terminal(), project.path(), all))
+        call.terminal().tell(text);
+}
+
+/// The files that --only asks for; nothing, with that told, if one of its names fits none.
+std::optional<QList<File>> wantedFiles(const Invocation &call, const QList<File> &files)
+{
+    const QStringList patterns = call.values("only"_L1);
+    if (patterns.isEmpty())
+        return files;
+    QList<File> wanted;
+    for (const QString &pattern : patterns) {
+        const auto form = QRegularExpression::fromWildcard(pattern);
+        const auto fits = [&form](const File &file) { return form.match(file.name).hasMatch(); };
+        if (std::ranges::none_of(files, fits)) {
+            call.terminal().fail(u"no file of this project is named %1"_s.arg(pattern));
+            return {};
+        }
+        std::ranges::copy_if(files, std::back_inserter(wanted), [&](const File &file) {
+            return fits(file) && std::ranges::find(wanted, file.name, &File::name) == wanted.end();
+        });
+    }
+    std::ranges::sort(wanted, {}, &File::name);
+    return wanted;
+}
+
+/// Brings the files into their folder and tells of each. False if one could not be written.
+bool install(const Invocation &call, FolderGeneration &generation, const QList<File> &files)
+{
+    const bool isDry = call.isSet("dry-run"_L1);
+    bool done = true;
+    for (const File &file : files) {
+        const QString reason = isDry ? QString() : generation.install(file);
+        if (!reason.isEmpty()) {
+            call.terminal().fail(u"%1 cannot be written: %2"_s.arg(file.name, reason));
+            done = false;
+        } else if (!call.isSet("quiet"_L1) && (!isDry || file.change != Change::None)) {
+            call.terminal().answer(u"%1: %2"_s.arg(file.name, wordOf(file.change, isDry)));
+        }
+    }
+    return done;
+}
+
+int run(const Invocation &call)
+{
+    Terminal &terminal = call.terminal();
+    OpenedProject project;
+    if (!project.open(call.operand())) {
+        terminal.fail(u"%1: %2"_s.arg(call.operand(), project.reason()));
+        return CouldNot;
+    }
+    const QString folder = call.isSet("out"_L1) ? call.value("out"_L1) : project.handler().outputFolder();
+    FolderGeneration generation(project, folder);
+    const FolderGeneration::Outcome outcome = generation.generate();
+    tellFindings(call, project, generation);
+    const auto tellMessages = [&] {
+        for (const QString &message : generation.messages()) {
+            if (outcome == FolderGeneration::Outcome::Failed)
+                terminal.fail(message);
+            else if (!call.isSet("quiet"_L1) || message.contains("arning"_L1))
+                terminal.tell(message);
+        }
+    };
+    tellMessages();
+    if (outcome == FolderGeneration::Outcome::CheckFailed) {
+        terminal.fail(u"%1 does not pass its check; nothing is written"_s.arg(call.operand()));
+        return Findings;
+    }
+    if (outcome == FolderGeneration::Outcome::Failed)
+        return CouldNot;
+
+    const std::optional<QList<File>> files = wantedFiles(call, generation.files());
+    if (!files || !install(call, generation, *files))
+        return CouldNot;
+    const bool changes = std::ranges::any_of(*files, [](const File &file) { return file.change != Change::None; });
+    if (call.isSet("dry-run"_L1))
+        return changes ? Findings : Done;
+    const bool isFollowed = generation.followUp();
+    tellMessages();
+    return isFollowed ? Done : CouldNot;
+}
+
+} // namespace
+
+constexpr Command Commands::generate{
+    .name = "generate"_L1,
+    .summary = "check a project and write its sources, descriptions and documents"_L1,
+    .operands = operands,
+    .options = options,
+    .details = details,
+    .examples = examples,
+    .run = run,
+};

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "generate/run/generatormainhandler.h"
+
+#include <QJsonObject>
+#include <QList>
+#include <QMap>
+#include <QString>
+
+class OpenedProject;
+
+/// A finding as people and programs are told of it.
+struct ProjectFinding
+{
+    CheckFinding finding;
+    int fileLine = 0;     ///< in a project in text form; 0 for none
+    QString message = {}; ///< without markup, and without what the place tells
+    QString advice = {};  ///< a sentence, or empty
+
+    /// "error", "warning", "note" or "correction".
+    QString severity() const;
+    /// Key of its warning group; empty for none.
+    QString groupKey() const;
+    /// "object 0x1a00:2"; empty where the message tells the place by itself.
+    QString placeText(bool withLine) const;
+    QJsonObject toJson() const;
+};
+
+/// What the check of a project has found. The check works on the project's working copy: the file is not changed, and
+/// corrections tell what a run would correct.
+struct ProjectFindings
+{
+    static ProjectFindings of(OpenedProject &project);
+    /// Of a check that has been done.
+    static ProjectFindings of(const OpenedProject &project, const GeneratorMainHandler::ModelFindings &model);
+
+    QList<ProjectFinding> findings;
+    QMap<QString, int> suppressed; ///< warnings that the project does not want to hear of, by the key of their group
+    bool hasSeveralLines = false;
+
+    int count(const QString &severity) const;
+};

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "generate/run/generatormainhandler.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+class OpenedProject;
+
+/// A run whose files are compared with those of a folder before any of them is written. The run itself works in a
+/// private folder, into which goes what it reads beside its outputs: the user's section of gen_define.h, files that it
+/// removes.
+class FolderGeneration
+{
+public:
+    enum class Outcome
+    {
+        Generated,
+        CheckFailed,
+        Failed ///< `messages` tell why
+    };
+    enum class Change
+    {
+        None,
+        New,
+        Changed,
+        Removed
+    };
+    struct File
+    {
+        QString name;
+        Change change = Change::None;
+    };
+
+    /// `folder` need not exist.
+    FolderGeneration(OpenedProject &project, const QString &folder);
+
+    Outcome generate();
+    /// What the check of the run has found.
+    const GeneratorMainHandler::ModelFindings &findings() const { return findings_; }
+    /// What the run has said besides, line by line, with the folder in place of the private one.
+    const QStringList &messages() const { return messages_; }
+    /// The files of the run, by name.
+    const QList<File> &files() const { return files_; }
+    /// Brings a file into the folder, as a whole or not at all. The reason for which that could not be; empty if done.
+    QString install(const File &file);
+    /// What the settings want to follow a run: a command, and the check of the device descriptions. False if it failed.
+    bool followUp();
+
+private:
+    void hear(const QString &text);
+    void copyWhatARunReads();
+    void compare();
+    QString made(const QString &name) const { return private_.filePath(name); }
+    QString wanted(const QString &name) const { return folder_ + u'/' + name; }
+
+    OpenedProject &project_;
+    QString folder_;
+    QTemporaryDir private_;
+    QStringList read_; ///< what was copied into the private folder
+    GeneratorMainHandler::ModelFindings findings_;
+    QStringList messages_;
+    QList<File> files_;
+    bool isInCheck_ = false;
+    bool hasFailed_ = false;
+};

@@ -1,0 +1,192 @@
+#include "ncx/project/openedproject.h"
+
+#include "ncx/project/identity.h"
+#include "store/file/migrations.h"
+#include "store/file/workingcopies.h"
+#include "store/objectdatabase.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QByteArrayView databaseSignature("SQLite format 3");
+
+QByteArray headOf(const QString &path)
+{
+    constexpr qint64 enough = 4096;
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.read(enough) : QByteArray();
+}
+
+/// What tells one content of a file from another.
+QByteArray stampOf(const QString &path)
+{
+    QFile file(path);
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    return file.open(QIODevice::ReadOnly) && hash.addData(&file) ? hash.result() : QByteArray();
+}
+
+/// Why a file cannot be read at all; empty if it can.
+QString reasonNotToRead(const QString &path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return info.isSymLink() ? u"the link leads to no file"_s : u"there is no such file"_s;
+    if (info.isDir())
+        return u"it is a folder"_s;
+    if (!info.isFile())
+        return u"it is no regular file"_s;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return u"it cannot be read: %1"_s.arg(file.errorString());
+    if (info.size() == 0)
+        return u"it is empty"_s;
+    return {};
+}
+
+/// What a file is that is no project, and what can be done with it.
+QString reasonOfForeign(const QString &path, const QByteArray &head)
+{
+    static const QRegularExpression description(uR"(^\s*\[(FileInfo|DeviceInfo|Comments|DummyUsage)\])"_s,
+                                                QRegularExpression::CaseInsensitiveOption |
+                                                    QRegularExpression::MultilineOption);
+    static const QRegularExpression project(uR"(^\s*\[(Nodes|GeneralSettings|Objects\d+|PGNs\d+)\])"_s,
+                                            QRegularExpression::MultilineOption);
+    const QString text = QString::fromUtf8(head);
+    if (head.startsWith(databaseSignature))
+        return u"it is a database, but no text; projects in text form end in .ncxt, the others in .ncxp"_s;
+    if (description.match(text).hasMatch())
+        return u"it is a device description and no project; import it into one"_s;
+    if (project.match(text).hasMatch() && !OpenedProject::isTextPath(path))
+        return u"it is a project in text form, whose name has to end in .ncxt"_s;
+    return u"it is no project"_s;
+}
+
+/// The size that a database has by its own header; 0 for none.
+qint64 sizeByHeader(const QByteArray &head)
+{
+    constexpr qsizetype headerSize = 100;
+    if (head.size() < headerSize)
+        return 0;
+    const auto number = [&head](qsizetype place, int bytes) {
+        qint64 value = 0;
+        for (int i = 0; i < bytes; ++i)
+            value = value << 8 | static_cast<quint8>(head.at(place + i));
+        return value;
+    };
+    const qint64 pageSize = number(16, 2) == 1 ? 65536 : number(16, 2);
+    return pageSize * number(28, 4);
+}
+
+} // namespace
+
+void TextSink::message(const QVariant &value)
+{
+    const QString text = plain(value.toString());
+    collected_ += text + u'\n';
+    if (hear_)
+        hear_(text);
+}
+
+QString TextSink::plain(QString text)
+{
+    static const QRegularExpression tags(u"</?(?:strong|font|b|i)(?: [^>]*)?>"_s);
+    return text.remove(tags).replace("&nbsp;"_L1, " "_L1);
+}
+
+OpenedProject::OpenedProject()
+    : handler_(&sink_)
+{
+    // The identity is known once the lines are, and before anything else is done with them.
+    QObject::connect(handler_.database().get(), &ObjectDataBase::updateNotify, &handler_,
+                     [this](const ObjectDataBase::ChangeSet &change) {
+                         // A new project, which a text comes into, has none yet.
+                         const bool isReplaced =
+                             change.type == static_cast<quint32>(StoreRecords::Change::ProjectReplaced);
+                         if (isReplaced && Identity::hasTypes(store()))
+                             Identity::take(Identity::leastFor(store(), path_));
+                     });
+}
+
+OpenedProject::~OpenedProject() = default;
+
+bool OpenedProject::refuse(const QString &reason)
+{
+    reason_ = reason;
+    return false;
+}
+
+bool OpenedProject::open(const QString &path, Purpose purpose)
+{
+    path_ = path;
+    if (const QString reason = reasonNotToRead(path); !reason.isEmpty())
+        return refuse(reason);
+    if (const QByteArray head = headOf(path); isText() && head.startsWith(databaseSignature))
+        return refuse(reasonOfForeign(path, head));
+    stamp_ = stampOf(path);
+    Identity::takeWidest();
+    // An open may change the current folder, which the other operands of a command are relative to.
+    const QString folder = QDir::currentPath();
+    const bool opened = purpose == Purpose::Editing ? openForEditing(path) : handler_.openProject(path);
+    QDir::setCurrent(folder);
+    if (!opened || handler_.isUnreadText())
+        return refuse(reasonOfFailure());
+    Identity::take(Identity::leastFor(store(), path));
+    bool isNumber = false;
+    const int version = store().getMiscSetting(u"DatabaseVersion"_s).toInt(&isNumber);
+    if (isNumber && version > Migrations::schemaVersion)
+        return refuse(
+            u"a later version of this program wrote it (its layout is %1, this one knows %2)"_s.arg(version).arg(
+                Migrations::schemaVersion));
+    reason_.clear();
+    return true;
+}
+
+bool OpenedProject::openForEditing(const QString &path)
+{
+    const bool opened = isText() ? store().openTextDatabase(path) : store().openDataBase(path);
+    // A text that says nothing of its origin is not of the edition that was only taken to open it.
+    const QString origin = u"CreateToolName"_s;
+    if (opened && isText() && store().getMiscSetting(origin) == Identity::widest() &&
+        !store().setMiscSetting(origin, Identity::leastFor(store(), path)))
+        return false;
+    return opened && store().isOpen() && !store().isDamaged();
+}
+
+QString OpenedProject::save(ObjectDataBase &store, const QString &path)
+{
+    if (!QFileInfo(QFileInfo(path).absolutePath()).isDir())
+        return u"there is no such folder"_s;
+    if (store.saveDatabase(path) && store.lastError().isEmpty())
+        return {};
+    return store.lastError().isEmpty() ? u"it cannot be written"_s : store.lastError().chopped(1);
+}
+
+QString OpenedProject::reasonOfFailure() const
+{
+    const QFileInfo folder(WorkingCopies::folder());
+    if (!folder.isDir() || !folder.isWritable())
+        return u"there is no place for a working copy in %1; XDG_DATA_HOME names another folder"_s.arg(
+            folder.filePath());
+    const QByteArray head = headOf(path_);
+    const bool isDatabase = head.startsWith(databaseSignature);
+    if (!isDatabase || isText())
+        return reasonOfForeign(path_, head);
+    const qint64 size = QFileInfo(path_).size();
+    if (sizeByHeader(head) > size)
+        return u"it is broken: %1 of its %2 bytes are there"_s.arg(size).arg(sizeByHeader(head));
+    if (store().isDamaged())
+        return u"it is broken, or the disk of %1 is full"_s.arg(folder.filePath());
+    return u"it is a database, but holds no project"_s;
+}
+
+bool OpenedProject::hasChangedOnDisk() const
+{
+    return stampOf(path_) != stamp_;
+}

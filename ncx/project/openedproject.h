@@ -1,0 +1,81 @@
+#pragma once
+
+#include "generate/base/outputhandlerbase.h"
+#include "generate/run/generatormainhandler.h"
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+/// A sink that hands each text on, without its markup.
+class TextSink : public OutputHandlerBase
+{
+    Q_OBJECT
+
+public:
+    using Hear = std::function<void(const QString &)>;
+
+    explicit TextSink(Hear hear = {})
+        : hear_(std::move(hear))
+    {
+    }
+    void setHear(Hear hear) { hear_ = std::move(hear); }
+    void message(const QVariant &value) override;
+    QString collectedText() const override { return collected_; }
+
+    /// A text without the tags that the check uses, and nothing else of it lost.
+    static QString plain(QString text);
+
+private:
+    Hear hear_;
+    QString collected_;
+};
+
+/// A project that is opened to be read or worked on. The user's file stays as it is: all work is done on a copy in the
+/// application's local data folder, which goes with this object. The process takes the identity of the project.
+class OpenedProject
+{
+public:
+    OpenedProject();
+    ~OpenedProject();
+    Q_DISABLE_COPY_MOVE(OpenedProject)
+
+    enum class Purpose
+    {
+        Running, ///< with the corrections and settings that a run begins with
+        Editing  ///< as it is in its file, in the present layout
+    };
+
+    /// Opens a project of any form and age. False, with the reason and what to do about it, for what is missing, cannot
+    /// be read, is something else, is broken, or was written by a later version.
+    bool open(const QString &path, Purpose purpose = Purpose::Running);
+    /// A sentence part, without the path and without a full stop; empty after a successful open.
+    const QString &reason() const { return reason_; }
+
+    const QString &path() const { return path_; } ///< as it was given
+    bool isText() const { return isTextPath(path_); }
+    static bool isTextPath(const QString &path) { return path.endsWith(QLatin1StringView("ncxt")); }
+    ObjectDataBase &store() const { return *handler_.database(); }
+    const std::shared_ptr<ObjectDataBase> &sharedStore() const { return handler_.database(); }
+    GeneratorMainHandler &handler() { return handler_; }
+    TextSink &sink() { return sink_; }
+    /// Saves it as `save` does.
+    QString saveAs(const QString &path) { return save(store(), path); }
+    /// Saves a project to a file whose ending tells the form, as a whole or not at all. The reason for which that could
+    /// not be, a sentence part; empty if it is done.
+    static QString save(ObjectDataBase &store, const QString &path);
+    /// True if the file is not the one any more that was opened: another process has written it.
+    bool hasChangedOnDisk() const;
+
+private:
+    bool refuse(const QString &reason);
+    bool openForEditing(const QString &path);
+    QString reasonOfFailure() const;
+
+    TextSink sink_;
+    GeneratorMainHandler handler_;
+    QString path_;
+    QString reason_;
+    QByteArray stamp_;
+};
