@@ -21,7 +21,7 @@ constexpr QLatin1StringView details[] = {
 
 constexpr Program ncx{
     .name = "ncx"_L1,
-    .summary = "make, check, show, compare and build projects of CAN devices"_L1,
+    .summary = "make, check, show and build projects of CAN devices"_L1,
     .commands = all,
     .options = common,
     .details = details,
