@@ -245,13 +245,24 @@ bool writeText(const ToolCall &call, const Setting &setting, Line line, const QS
     return stored.trimmed() == text.trimmed();
 }
 
-void clearConnections(const ToolCall &call, quint8 line)
+bool clearConnections(const ToolCall &call, quint8 line)
 {
+    bool done = true;
     for (const QLatin1StringView perLine : {"isotp_client_con"_L1, "isotp_server_con"_L1})
-        std::ignore = call.store().setGeneralSetting(perLine, QString(), line);
+        done = call.store().setGeneralSetting(perLine, QString(), line) && done;
     for (const QLatin1StringView global : {"isotp_dyn_server_ind"_L1, "isotp_dyn_client_ind"_L1,
                                            "isotp_dyn_client_txack_ind"_L1, "isotp_dyn_split_ind"_L1})
-        std::ignore = call.store().setGeneralSetting(global, QString());
+        done = call.store().setGeneralSetting(global, QString()) && done;
+    return done;
+}
+
+/// Writes the text, and what goes with it; all of it or nothing.
+bool writeWhole(const ToolCall &call, const Setting &setting, Line line, const QString &text)
+{
+    if (!clearsConnections(setting, text))
+        return writeText(call, setting, line, text);
+    ObjectDataBase::Step step(call.store());
+    return writeText(call, setting, line, text) && clearConnections(call, call.line()) && step.commit();
 }
 
 QString jsonNotation(const QJsonValue &shown)
@@ -264,7 +275,7 @@ QString jsonNotation(const QJsonValue &shown)
 Reply write(const ToolCall &call, const Setting &setting, const QString &text)
 {
     const Line line = setting.isPerLine() ? givenLine(call) : Line();
-    if (!writeText(call, setting, line, text)) {
+    if (!writeWhole(call, setting, line, text)) {
         return Reply::refusal(
             u"Write may have failed: setting %1 now reads \"%2\"."_s.arg(setting.key, storedText(call, setting, line)));
     }
@@ -273,7 +284,6 @@ Reply write(const ToolCall &call, const Setting &setting, const QString &text)
         sentence += u" on line %1"_s.arg(*line);
     sentence += u" set to %1."_s.arg(jsonNotation(shownValue(call, setting, line)));
     if (clearsConnections(setting, text)) {
-        clearConnections(call, call.line());
         sentence += u"\nCleared isotp_client_con and isotp_server_con on line %1, and isotp_dyn_server_ind, "
                     "isotp_dyn_client_ind, isotp_dyn_client_txack_ind and isotp_dyn_split_ind."_s.arg(call.line());
     }
