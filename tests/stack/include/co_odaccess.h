@@ -14,8 +14,9 @@
     X(U40)                                                                                                             \
     X(U48)                                                                                                             \
     X(U56)                                                                                                             \
-    X(U64) X(I8) X(I16) X(I24) X(I32) X(I40) X(I48) X(I56) X(I64) X(R32) X(R64) X(BOOL) X(VS) X(OS) X(US) X(TOD) X(TD) \
-        X(SN) X(SA) X(UTF8)
+    X(U64)                                                                                                             \
+    X(I8) X(I16) X(I24) X(I32) X(I40) X(I48) X(I56) X(I64) X(R32) X(R64) X(BOOL) X(VS) X(OS) X(US) X(TOD) X(TD) X(SN)  \
+        X(SA) X(UTF8)
 
 /* X(what serves a subindex) */
 #define STACK_SPECIFIERS(X)                                                                                            \
@@ -26,8 +27,7 @@
     X(EMCY)                                                                                                            \
     X(ERRCTRL)                                                                                                         \
     X(STORE)                                                                                                           \
-    X(TIME) X(NMT) X(SDO_SERVER) X(SDO_CLIENT) X(GFC) X(SRDO) X(RPDO) X(RMAP) X(TPDO) X(TMAP) X(SRD) X(NETWORK)        \
-        X(FLYMA)
+    X(TIME) X(NMT) X(SDO_SERVER) X(SDO_CLIENT) X(GFC) X(SRDO) X(RPDO) X(RMAP) X(TPDO) X(TMAP) X(SRD) X(NETWORK) X(FLYMA)
 
 typedef enum
 {
