@@ -2,14 +2,15 @@
 #              [DEPENDS <file>...] [PROGRAM <program>] [FOLDER <folder>])
 #
 # Generates the C sources of a device and adds them to a target: `OUTPUTS` names the generated files that the target is
-# built from or includes, for example gen_objdict.c gen_define.h. They are made anew when the project, an imported file,
-# the modifier file, one of `DEPENDS` (a template of the stack, say) or the program itself changes.
+# built from or includes, for example gen_objdict.c gen_define.h. `ncx generate` runs again when the project, an imported
+# file, the modifier file, one of `DEPENDS` (a template of the stack, say) or the program itself changes; a file whose text
+# stays the same keeps its time, so that nothing is compiled again for it.
 #
-# The generation works on a copy in `FOLDER` (<target>_can in the build folder of the calling CMakeLists.txt unless told),
-# so that nothing is written beside the project. All that the run writes is there; the folder is an include folder of the
-# target. A model that does not pass its check fails the build, with its messages on the console.
+# All that the run writes goes into `FOLDER` (<target>_can in the build folder of the calling CMakeLists.txt unless told),
+# an include folder of the target; nothing is written beside the project. A model that does not pass its check fails the
+# build, with its first errors on the console.
 #
-# `PROGRAM` is a target, a name to look for in the PATH, or a path: ncx_cli unless told.
+# `PROGRAM` is a target, a name to look for in the PATH, or a path: ncx unless told.
 #
 # Call it in the CMakeLists.txt that makes the target.
 set(NCX_GENERATE_SCRIPT "${CMAKE_CURRENT_LIST_DIR}/NcxRunGeneration.cmake")
@@ -45,7 +46,7 @@ function(ncx_generate)
         message(FATAL_ERROR "ncx_generate: call it in ${home}, where the target ${ARG_TARGET} is made")
     endif()
     if(NOT ARG_PROGRAM)
-        set(ARG_PROGRAM ncx_cli)
+        set(ARG_PROGRAM ncx)
     endif()
     ncx_find_program("${ARG_PROGRAM}" program)
     if(NOT ARG_FOLDER)
@@ -60,32 +61,45 @@ function(ncx_generate)
 
     # A run looks beside its project for these: the one says to leave stdlib.h out, the other has the user's own section.
     cmake_path(GET ARG_PROJECT PARENT_PATH project_folder)
-    file(GLOB copied CONFIGURE_DEPENDS "${project_folder}/no_stdlib_include.txt" "${project_folder}/gen_define.h")
-    list(PREPEND copied "${ARG_PROJECT}")
-
+    set(user_section "${project_folder}/gen_define.h")
+    file(GLOB read CONFIGURE_DEPENDS "${project_folder}/no_stdlib_include.txt" "${user_section}")
+    set(inputs "${ARG_PROJECT}" ${read} ${ARG_DEPENDS})
     set(arguments)
-    set(inputs ${copied} ${ARG_DEPENDS})
+    if("${user_section}" IN_LIST read)
+        list(APPEND arguments "--user-section=${user_section}")
+    endif()
     foreach(import IN LISTS ARG_IMPORTS)
         cmake_path(ABSOLUTE_PATH import NORMALIZE)
-        list(APPEND arguments -import "${import}")
+        list(APPEND arguments "--import=${import}")
         list(APPEND inputs "${import}")
     endforeach()
     if(ARG_STACKPATH)
-        list(APPEND arguments -stackpath "${ARG_STACKPATH}")
+        list(APPEND arguments "--stack=${ARG_STACKPATH}")
     endif()
     if(ARG_DBMOD)
-        list(APPEND arguments -dbmod "${ARG_DBMOD}")
+        list(APPEND arguments "--modifier=${ARG_DBMOD}")
         list(APPEND inputs "${ARG_DBMOD}")
     endif()
 
+    # The outputs keep their times when their text stays the same, so a file of its own tells when they were last looked at.
     cmake_path(GET ARG_PROJECT FILENAME name)
-    list(TRANSFORM ARG_OUTPUTS PREPEND "${ARG_FOLDER}/" OUTPUT_VARIABLE outputs)
-    add_custom_command(OUTPUT ${outputs}
-        COMMAND "${CMAKE_COMMAND}" "-DPROGRAM=${program}" "-DFOLDER=${ARG_FOLDER}" "-DPROJECT=${name}"
-            "-DCOPIED=${copied}" "-DARGUMENTS=${arguments}" "-DOUTPUTS=${ARG_OUTPUTS}" -P "${NCX_GENERATE_SCRIPT}"
+    set(stamp "${ARG_FOLDER}/.generated")
+    set(run "${CMAKE_COMMAND}" "-DPROGRAM=${program}" "-DFOLDER=${ARG_FOLDER}" "-DPROJECT=${ARG_PROJECT}")
+    add_custom_command(OUTPUT "${stamp}"
+        COMMAND ${run} "-DARGUMENTS=${arguments}" "-DOUTPUTS=${ARG_OUTPUTS}" "-DSTAMP=${stamp}"
+            -P "${NCX_GENERATE_SCRIPT}"
         DEPENDS ${inputs} "${program}" "${NCX_GENERATE_SCRIPT}"
         COMMENT "Generating the CAN sources of ${name}"
         VERBATIM)
-    target_sources(${ARG_TARGET} PRIVATE ${outputs})
+    foreach(output IN LISTS ARG_OUTPUTS)
+        # Runs the program only if somebody has removed the file.
+        add_custom_command(OUTPUT "${ARG_FOLDER}/${output}"
+            COMMAND ${run} "-DARGUMENTS=${arguments}" "-DOUTPUTS=${ARG_OUTPUTS}" "-DMISSING=${output}"
+                -P "${NCX_GENERATE_SCRIPT}"
+            DEPENDS "${stamp}"
+            COMMENT "Looking whether ${output} has changed"
+            VERBATIM)
+        target_sources(${ARG_TARGET} PRIVATE "${ARG_FOLDER}/${output}")
+    endforeach()
     target_include_directories(${ARG_TARGET} PRIVATE "${ARG_FOLDER}")
 endfunction()

@@ -56,14 +56,16 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/codb" DESTINATION "${CMAKE_IN
 # find_package(ncx_cli) for those who generate in a build of their own: from the installed place, and from this build.
 set(config_programs "${CMAKE_INSTALL_BINDIR}")
 set(config_module "${module_folder}/NcxGenerate.cmake")
+set(config_stack "${doc_folder}/examples/cmake_build/stack")
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/ncx_cli-config.cmake.in"
     "${PROJECT_BINARY_DIR}/package/ncx_cli-config.cmake" INSTALL_DESTINATION "${module_folder}"
-    PATH_VARS config_programs config_module NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+    PATH_VARS config_programs config_module config_stack NO_CHECK_REQUIRED_COMPONENTS_MACRO)
 set(config_programs "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
 set(config_module "${PROJECT_SOURCE_DIR}/cmake/NcxGenerate.cmake")
+set(config_stack "${PROJECT_SOURCE_DIR}/tests/stack")
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/ncx_cli-config.cmake.in"
     "${PROJECT_BINARY_DIR}/ncx_cli-config.cmake" INSTALL_DESTINATION "${PROJECT_BINARY_DIR}"
-    PATH_VARS config_programs config_module NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+    PATH_VARS config_programs config_module config_stack NO_CHECK_REQUIRED_COMPONENTS_MACRO)
 foreach(folder IN ITEMS "${PROJECT_BINARY_DIR}" "${PROJECT_BINARY_DIR}/package")
     write_basic_package_version_file("${folder}/ncx_cli-config-version.cmake" COMPATIBILITY SameMajorVersion
         ARCH_INDEPENDENT)

@@ -1,26 +1,46 @@
-# One run of ncx_generate, as a script: generates in FOLDER from a copy of COPIED, of which PROJECT is opened, with the
-# further ARGUMENTS, and sees that the OUTPUTS are there.
+# One run of ncx_generate, as a script: generates from PROJECT into FOLDER, with the further ARGUMENTS, sees that the
+# OUTPUTS are there, and leaves the file STAMP. With MISSING it does so only if this one of the OUTPUTS is not there.
 cmake_minimum_required(VERSION 3.20)
 
-# What an earlier run wrote must not pass for an output of this one.
-list(TRANSFORM OUTPUTS PREPEND "${FOLDER}/" OUTPUT_VARIABLE outputs)
-file(REMOVE ${outputs})
 file(MAKE_DIRECTORY "${FOLDER}")
-# Not file(COPY), which takes two versions of the same second for one.
-execute_process(COMMAND "${CMAKE_COMMAND}" -E copy ${COPIED} "${FOLDER}" RESULT_VARIABLE result)
-if(NOT result EQUAL 0)
-    message(FATAL_ERROR "${COPIED} cannot be copied to ${FOLDER}.")
+file(LOCK "${FOLDER}" DIRECTORY GUARD PROCESS)
+if(MISSING AND EXISTS "${FOLDER}/${MISSING}")
+    return()
 endif()
 
 # Working copies stay in the build folder: the user of a pipeline may have no home.
 execute_process(COMMAND "${CMAKE_COMMAND}" -E env "XDG_DATA_HOME=${FOLDER}/working_copy"
-        "${PROGRAM}" -project "${FOLDER}/${PROJECT}" ${ARGUMENTS}
-    WORKING_DIRECTORY "${FOLDER}" RESULT_VARIABLE result)
+        "${PROGRAM}" generate --quiet "--out=${FOLDER}" ${ARGUMENTS} -- "${PROJECT}"
+    RESULT_VARIABLE result ERROR_VARIABLE told)
+# Of a long story the beginning.
+set(lines 20)
+set(rest "${told}")
+while(lines GREATER 0 AND NOT rest STREQUAL "")
+    string(FIND "${rest}\n" "\n" end)
+    string(SUBSTRING "${rest}" 0 ${end} line)
+    message("${line}")
+    math(EXPR end "${end} + 1")
+    string(LENGTH "${rest}" length)
+    if(end GREATER length)
+        set(end ${length})
+    endif()
+    string(SUBSTRING "${rest}" ${end} -1 rest)
+    math(EXPR lines "${lines} - 1")
+endwhile()
+if(NOT rest STREQUAL "")
+    message("... 'ncx check ${PROJECT}' tells all of it.")
+endif()
 if(NOT result EQUAL 0)
-    message(FATAL_ERROR "The generation of ${PROJECT} ended with ${result}.")
+    if(result EQUAL 1)
+        message(FATAL_ERROR "${PROJECT} does not pass its check; nothing is generated.")
+    endif()
+    message(FATAL_ERROR "The generation from ${PROJECT} could not be done (${result}).")
 endif()
 foreach(output IN LISTS OUTPUTS)
     if(NOT EXISTS "${FOLDER}/${output}")
-        message(FATAL_ERROR "The generation of ${PROJECT} writes no ${output}: take it out of OUTPUTS.")
+        message(FATAL_ERROR "The generation from ${PROJECT} writes no ${output}: take it out of OUTPUTS.")
     endif()
 endforeach()
+if(STAMP)
+    file(TOUCH "${STAMP}")
+endif()

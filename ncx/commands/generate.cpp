@@ -6,6 +6,7 @@
 #include "ncx/outputs/foldergeneration.h"
 #include "ncx/project/openedproject.h"
 #include "ncx/usage/invocation.h"
+#include "store/databasemodifier.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -24,6 +25,23 @@ constexpr Operand operands[] = {
     {.name = "PROJECT"_L1, .text = "the project to generate from"_L1, .offer = Offer::Projects}};
 
 constexpr Option options[] = {
+    {.name = "import"_L1,
+     .letter = 'i',
+     .value = "FILE"_L1,
+     .text = "import this file into line 0 before; the project stays without it"_L1,
+     .isRepeatable = true},
+    {.name = "modifier"_L1,
+     .letter = 'm',
+     .value = "FILE"_L1,
+     .text = "change settings by this modifier file before; the project keeps its own"_L1},
+    {.name = "stack"_L1,
+     .letter = 's',
+     .value = "DIR"_L1,
+     .text = "the folder of the protocol stack, in place of the one in the project"_L1},
+    {.name = "user-section"_L1,
+     .letter = 'u',
+     .value = "FILE"_L1,
+     .text = "the gen_define.h whose user-specific section the new one gets"_L1},
     {.name = "dry-run"_L1, .letter = 'n', .text = "write nothing; end with 1 if a file would change"_L1},
     {.name = "only"_L1,
      .letter = 'f',
@@ -49,6 +67,7 @@ constexpr Example examples[] = {
     {"ncx generate device.ncxt"_L1, "writes the sources and documents beside the project"_L1},
     {"ncx generate device.ncxt --out=generated --only='gen_*'"_L1,
      "writes the C sources into a folder of their own"_L1},
+    {"ncx generate device.ncxt --modifier=axis2.txt --out=axis2"_L1, "generates a variant of the device"_L1},
     {"ncx generate --dry-run device.ncxt"_L1, "tells whether the files are those of the project, for a pipeline"_L1},
 };
 
@@ -67,12 +86,14 @@ QString wordOf(Change change, bool isDry)
     return u"unchanged"_s;
 }
 
-/// What the check has to say; notes only to who has not asked for quiet.
+/// What the check has to say, what stops the generation first; notes only to who has not asked for quiet.
 void tellFindings(const Invocation &call, const OpenedProject &project, const FolderGeneration &generation)
 {
     ProjectFindings all = ProjectFindings::of(project, generation.findings());
     if (call.isSet("quiet"_L1))
         all.findings.removeIf([](const ProjectFinding &finding) { return finding.severity() == "note"_L1; });
+    std::ranges::stable_partition(all.findings,
+                                  [](const ProjectFinding &finding) { return finding.severity() == "error"_L1; });
     for (const QString &text : FindingText::ofAll(call.terminal(), project.path(), all))
         call.terminal().tell(text);
 }
@@ -116,6 +137,38 @@ bool install(const Invocation &call, FolderGeneration &generation, const QList<F
     return done;
 }
 
+/// What a modifier file could not do; empty if it has been applied.
+QString reasonAgainstModifier(const OpenedProject &project, const QString &path)
+{
+    if (!QFileInfo(path).isReadable())
+        return u"it cannot be read, or is no such file"_s;
+    DatabaseModifier modifier;
+    modifier.setDatabase(project.sharedStore());
+    modifier.setModifierFile(path);
+    return modifier.applyModifierFile() ? QString() : u"the project does not take '%1'"_s.arg(modifier.failedLine());
+}
+
+/// Makes of the opened project the variant that the options ask for. False, with that told, if one of its files is
+/// none.
+bool makeVariant(const Invocation &call, OpenedProject &project)
+{
+    Terminal &terminal = call.terminal();
+    if (call.isSet("stack"_L1))
+        project.handler().setStackPath(QDir(call.value("stack"_L1)).absolutePath());
+    for (const QString &path : call.values("import"_L1)) {
+        if (!project.handler().importFile(path)) {
+            terminal.fail(u"%1: it cannot be read, or is no file that is imported"_s.arg(path));
+            return false;
+        }
+    }
+    if (!call.isSet("modifier"_L1))
+        return true;
+    const QString reason = reasonAgainstModifier(project, call.value("modifier"_L1));
+    if (!reason.isEmpty())
+        terminal.fail(u"%1: %2"_s.arg(call.value("modifier"_L1), reason));
+    return reason.isEmpty();
+}
+
 int run(const Invocation &call)
 {
     Terminal &terminal = call.terminal();
@@ -124,8 +177,14 @@ int run(const Invocation &call)
         terminal.fail(u"%1: %2"_s.arg(call.operand(), project.reason()));
         return CouldNot;
     }
+    if (!makeVariant(call, project))
+        return CouldNot;
     const QString folder = call.isSet("out"_L1) ? call.value("out"_L1) : project.handler().outputFolder();
     FolderGeneration generation(project, folder);
+    if (call.isSet("user-section"_L1) && !generation.takeUserSection(call.value("user-section"_L1))) {
+        terminal.fail(u"%1: it cannot be read, or is no such file"_s.arg(call.value("user-section"_L1)));
+        return CouldNot;
+    }
     const FolderGeneration::Outcome outcome = generation.generate();
     tellFindings(call, project, generation);
     const auto tellMessages = [&] {

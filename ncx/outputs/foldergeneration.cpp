@@ -105,17 +105,22 @@ void FolderGeneration::hear(const QString &text)
         messages_.append(QString(text).replace(private_.path(), folder_).trimmed());
 }
 
+/// Puts a file into the private folder, if none of that name is there yet.
+bool FolderGeneration::copy(const QString &path, const QString &name)
+{
+    if (read_.contains(name) || !QFile::copy(path, made(name)))
+        return false;
+    read_.append(name);
+    return true;
+}
+
 void FolderGeneration::copyWhatARunReads()
 {
-    const auto copy = [this](const QString &folder, const QString &name) {
-        if (!read_.contains(name) && QFile::copy(folder + u'/' + name, made(name)))
-            read_.append(name);
-    };
     for (const QString &name : QDir(folder_).entryList({u"gen_*"_s, u"j1939_adapter.*"_s}, QDir::Files))
-        copy(folder_, name);
+        copy(wanted(name), name);
     for (const QString &folder : {folder_, project_.handler().outputFolder()}) {
-        copy(folder, u"gen_define.h"_s);
-        copy(folder, u"no_stdlib_include.txt"_s);
+        for (const QString &name : {u"gen_define.h"_s, u"no_stdlib_include.txt"_s})
+            copy(folder + u'/' + name, name);
     }
 }
 

@@ -38,6 +38,9 @@ public:
     /// `folder` need not exist.
     FolderGeneration(OpenedProject &project, const QString &folder);
 
+    /// Takes the user's section and the generation counter from this gen_define.h, and not from the one in the folder.
+    /// To be called before `generate`. False if the file cannot be read.
+    bool takeUserSection(const QString &path) { return copy(path, QStringLiteral("gen_define.h")); }
     Outcome generate();
     /// What the check of the run has found.
     const GeneratorMainHandler::ModelFindings &findings() const { return findings_; }
@@ -52,6 +55,7 @@ public:
 
 private:
     void hear(const QString &text);
+    bool copy(const QString &path, const QString &name);
     void copyWhatARunReads();
     void compare();
     QString made(const QString &name) const { return private_.filePath(name); }
