@@ -1,5 +1,6 @@
 #include "ncx_cli/mcp/tools/settingscatalogue.h"
 #include "ncx_cli/mcp/tools/toolfamilies.h"
+#include "nodedict/cohelper.h"
 #include "support/testhome.h"
 
 #include <gtest/gtest.h>
@@ -93,6 +94,22 @@ QString settingsTables()
     return text + u'\n';
 }
 
+QString dataTypeTable()
+{
+    QString text = u"\n| code | hex | name | short | bits | lowest | highest |\n|---:|---|---|---|---:|---:|---:|\n"_s;
+    constexpr quint32 allCodes = 0x200;
+    for (quint32 type = 1; type < allCodes; ++type) {
+        const QString shortName = COHelper::index2DataTypeShortString(type);
+        if (shortName.isEmpty())
+            continue;
+        const quint32 bits = COHelper::getDataLengthBits(type);
+        const COHelper::Limits limits = COHelper::getDefaultLimits(type);
+        text += row({QString::number(type), code(u"0x%1"_s.arg(type, 4, 16, QChar(u'0'))), COHelper::index2DataTypeString(type),
+                     code(shortName), bits > 0 ? QString::number(bits) : u"any"_s, limits.low, limits.high});
+    }
+    return text + u'\n';
+}
+
 /// Compares the part of a document between two marks, or writes it.
 void expectInDocument(const QString &name, const QString &tables)
 {
@@ -118,6 +135,11 @@ TEST(Documents, ListAllTools)
 TEST(Documents, ListAllSettings)
 {
     expectInDocument(u"settings.md"_s, settingsTables());
+}
+
+TEST(Documents, ListAllDataTypes)
+{
+    expectInDocument(u"data-types.md"_s, dataTypeTable());
 }
 
 } // namespace
