@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <iterator>
 #include <utility>
 
@@ -81,7 +82,7 @@ QList<LineMessage> LineMessages::ofStack(const QList<LineMessage> &messages, qui
 QList<LineMessage> LineMessages::ofDocuments(const QList<LineMessage> &messages, quint8 line)
 {
     QList<LineMessage> result = messages;
-    std::ranges::stable_partition(result, &LineMessage::isTransmitted);
+    std::stable_partition(result.begin(), result.end(), std::mem_fn(&LineMessage::isTransmitted));
     for (LineMessage &message : result) {
         message.head.name = Helper::substituteVariables(message.head.name, message.head.number, 0, line);
         message.head.desc = Helper::substituteVariables(message.head.desc, message.head.number, 0, line);

@@ -63,9 +63,9 @@ bool isMultiProtocol(const RunContext &run)
 
 bool hasSrdos(const RunContext &run)
 {
-    constexpr CANopen::IndexRange srdos = CANopen::Index::srdos;
+    using CANopen::Index::srdos;
     return std::ranges::any_of(
-        run.lines, [&run, srdos](quint8 line) { return !run.store->getIndexList(line, srdos.first, srdos.last).isEmpty(); });
+        run.lines, [&run](quint8 line) { return !run.store->getIndexList(line, srdos.first, srdos.last).isEmpty(); });
 }
 
 bool isMultiProtocolV4(const RunContext &run)

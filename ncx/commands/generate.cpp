@@ -92,8 +92,8 @@ void tellFindings(const Invocation &call, const OpenedProject &project, const Fo
     ProjectFindings all = ProjectFindings::of(project, generation.findings());
     if (call.isSet("quiet"_L1))
         all.findings.removeIf([](const ProjectFinding &finding) { return finding.severity() == "note"_L1; });
-    std::ranges::stable_partition(all.findings,
-                                  [](const ProjectFinding &finding) { return finding.severity() == "error"_L1; });
+    std::stable_partition(all.findings.begin(), all.findings.end(),
+                          [](const ProjectFinding &finding) { return finding.severity() == "error"_L1; });
     for (const QString &text : FindingText::ofAll(call.terminal(), project.path(), all))
         call.terminal().tell(text);
 }
