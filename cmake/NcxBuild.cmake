@@ -27,6 +27,12 @@ if(NCX_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     endif()
 endif()
 
+# Thirty programs are linked with the same libraries; this linker takes a tenth of the time.
+find_program(NCX_MOLD mold)
+if(NCX_MOLD)
+    add_link_options(-fuse-ld=mold)
+endif()
+
 if(NCX_SANITIZE)
     add_compile_options(-fsanitize=${NCX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     add_link_options(-fsanitize=${NCX_SANITIZE})
