@@ -30,7 +30,7 @@ install_node_packages() {
     # A node of another origin than the distribution's brings its own npm.
     command -v npm >/dev/null || install_packages nodejs npm
     local folder
-    for folder in "$top/tests/mcp_client" "$top/tests/eds_reader" "$top/tests/dbc_reader"; do
+    for folder in "$top/tests/mcp_client" "$top/tests/eds_reader" "$top/tests/dbc_reader" "$top/tests/page"; do
         [ "$folder/node_modules/.package-lock.json" -nt "$folder/package-lock.json" ] && continue
         (cd "$folder" && npm ci --ignore-scripts --no-audit --no-fund --loglevel=error)
     done

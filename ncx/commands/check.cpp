@@ -64,23 +64,6 @@ QList<ProjectFinding> wanted(const ProjectFindings &all, const QStringList &keys
     return list;
 }
 
-QJsonObject json(const QString &path, const ProjectFindings &findings)
-{
-    QJsonArray list;
-    for (const ProjectFinding &finding : findings.findings)
-        list.append(finding.toJson());
-    QJsonObject suppressed;
-    for (auto group = findings.suppressed.begin(); group != findings.suppressed.end(); ++group)
-        suppressed.insert(group.key(), group.value());
-    return {{u"file"_s, path},
-            {u"findings"_s, list},
-            {u"errors"_s, findings.count(u"error"_s)},
-            {u"warnings"_s, findings.count(u"warning"_s)},
-            {u"notes"_s, findings.count(u"note"_s)},
-            {u"corrections"_s, findings.count(u"correction"_s)},
-            {u"suppressed"_s, suppressed}};
-}
-
 /// What one project adds to the answer, and the exit code that it asks for.
 int checkProject(const Invocation &call, const QString &path, QJsonArray &projects)
 {
@@ -100,7 +83,7 @@ int checkProject(const Invocation &call, const QString &path, QJsonArray &projec
     }
     findings.findings = wanted(findings, call.values("group"_L1));
     if (isJson)
-        projects.append(json(path, findings));
+        projects.append(findings.toJson(path));
     else
         FindingText::tellAll(call.terminal(), path, findings);
     const bool counts = findings.count(u"error"_s) > 0 || (call.isSet("strict"_L1) && findings.count(u"warning"_s) > 0);

@@ -9,43 +9,18 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int byteBits = 8;
-constexpr quint32 mostBits = 512; ///< of a CAN FD frame; what is longer goes in several, and is listed only
-constexpr int margin = 9;         ///< "byte 63 "
+constexpr int byteBits = Frame::byteBits;
+constexpr int margin = 9; ///< "byte 63 "
 constexpr int narrowestCell = 4;
 constexpr int widestCell = 9;
-constexpr int nobody = -1;
-
-/// "A" to "Z", then "a" to "z", "A1", ...
-QString letterOf(int field)
-{
-    constexpr int letters = 26;
-    if (field < 2 * letters)
-        return QChar(u'A' + field % letters + (field < letters ? 0 : u'a' - u'A'));
-    return letterOf(field % letters) + QString::number(field / letters - 1);
-}
-
-/// Who has which bit; of two fields the first one keeps it.
-std::vector<int> ownersOf(const Frame &frame)
-{
-    const quint32 bytes = (std::min(frame.bits, mostBits) + byteBits - 1) / byteBits;
-    std::vector<int> owners(size_t{bytes} * byteBits, nobody);
-    for (int i = 0; i < frame.fields.size(); ++i) {
-        const FrameField &field = frame.fields.at(i);
-        for (quint32 bit = field.first; bit < field.first + field.bits && bit < owners.size(); ++bit) {
-            if (owners[bit] == nobody)
-                owners[bit] = i;
-        }
-    }
-    return owners;
-}
+constexpr int nobody = Frame::nobody;
 
 class Drawing
 {
 public:
     Drawing(const Frame &frame, int width)
         : frame_(frame)
-        , owners_(ownersOf(frame))
+        , owners_(frame.owners())
         , cell_(std::clamp((width - margin - 1) / byteBits, narrowestCell, widestCell))
     {
     }
@@ -114,7 +89,7 @@ private:
     {
         if (field == nobody)
             return QString(width, u'.');
-        const QString letter = letterOf(field);
+        const QString letter = Frame::letterOf(field);
         const QString name = u" %1 %2"_s.arg(letter, frame_.fields.at(field).name);
         const bool isFirst = !named_.contains(field);
         named_.append(field);
@@ -141,12 +116,12 @@ QStringList drawing(const Frame &frame, int width)
     if (frame.fields.isEmpty())
         return {};
     QStringList lines;
-    if (frame.bits <= mostBits)
+    if (frame.bits <= Frame::mostBits)
         lines = Drawing(frame, width).lines();
     TextTable table({u""_s, u"start"_s, u"bits"_s, u"name"_s, u"what"_s});
     for (int i = 0; i < frame.fields.size(); ++i) {
         const FrameField &field = frame.fields.at(i);
-        table.add({letterOf(i), u"%1.%2"_s.arg(field.first / byteBits).arg(field.first % byteBits),
+        table.add({Frame::letterOf(i), u"%1.%2"_s.arg(field.first / byteBits).arg(field.first % byteBits),
                    QString::number(field.bits), field.name.isEmpty() ? u"(unused)"_s : field.name, field.address});
     }
     return lines + table.lines(width, 2);

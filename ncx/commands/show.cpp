@@ -2,6 +2,7 @@
 
 #include "ncx/commands/commands.h"
 #include "ncx/commands/devicetext.h"
+#include "ncx/commands/showpage.h"
 #include "ncx/device/devicejson.h"
 #include "ncx/project/openedproject.h"
 #include "ncx/usage/invocation.h"
@@ -26,9 +27,14 @@ constexpr Operand operands[] = {
 };
 
 constexpr Option options[] = {
+    {.name = "force"_L1, .text = "replace FILE if it exists"_L1},
+    {.name = "html"_L1,
+     .value = "FILE"_L1,
+     .text = "write one page on which the device can be looked up, with what the check finds"_L1},
     {.name = "json"_L1, .letter = 'j', .text = "answer in JSON, form ncx-device version 1"_L1},
     {.name = "line"_L1, .letter = 'l', .value = "N"_L1, .text = "this line of the device only"_L1},
     {.name = "objects"_L1, .letter = 'd', .text = "the object dictionaries as tables"_L1},
+    {.name = "svg"_L1, .value = "FILE"_L1, .text = "write the frame of a PDO, a PGN or a CAN-ID as a picture"_L1},
 };
 
 constexpr QLatin1StringView details[] = {
@@ -41,6 +47,8 @@ constexpr Example examples[] = {
     {"ncx show device.ncxt"_L1, "lines, counts, PDOs and messages"_L1},
     {"ncx show device.ncxt 0x1a00"_L1, "a mapping object, with the frame that it describes"_L1},
     {"ncx show sensor.ncxt 65262"_L1, "a PGN with its SPNs"_L1},
+    {"ncx show device.ncxt --html device.html"_L1, "a page for a browser, in one file"_L1},
+    {"ncx show sensor.ncxt 65262 --svg temperature.svg"_L1, "a frame as a picture"_L1},
     {"ncx show --json device.ncxt 1018"_L1, "an object for a program"_L1},
 };
 
@@ -96,12 +104,16 @@ public:
         const qsizetype before = texts_.size();
         lookForObject(line, json);
         for (const CheckedPGN &pgn : line.pgns()) {
-            if (address_.message == pgn.data.number)
+            if (address_.message == pgn.data.number) {
                 take(json, u"pgns"_s, DeviceText::pgn(pgn, width_), DeviceJson::ofPgn(pgn));
+                takeFrame(FrameSvg::of(pgn));
+            }
         }
         for (const CheckedCanId &canId : line.canIds()) {
-            if (address_.message && *address_.message == (canId.data.id & canIdBits))
+            if (address_.message && *address_.message == (canId.data.id & canIdBits)) {
                 take(json, u"canIds"_s, DeviceText::canId(canId, width_), DeviceJson::ofCanId(canId));
+                takeFrame(FrameSvg::of(canId));
+            }
         }
         if (texts_.size() > before)
             lines_.append(json);
@@ -110,6 +122,7 @@ public:
     bool hasFound() const { return !texts_.isEmpty(); }
     QString text() const { return texts_.join(u"\n\n"_s); }
     const QJsonArray &lines() const { return lines_; }
+    const QList<FrameSvg::Titled> &frames() const { return frames_; }
 
 private:
     void take(QJsonObject &json, const QString &key, const QStringList &text, const QJsonObject &value)
@@ -120,6 +133,12 @@ private:
         json.insert(key, list);
     }
 
+    void takeFrame(const FrameSvg::Titled &frame)
+    {
+        if (!frame.frame.fields.isEmpty())
+            frames_.append(frame);
+    }
+
     void lookForObject(DeviceLine &line, QJsonObject &json)
     {
         const CheckedObject *object = address_.index ? line.object(*address_.index) : nullptr;
@@ -127,8 +146,10 @@ private:
             return;
         const Pdo *pdo = address_.subindex ? nullptr : line.pdoOf(object->index);
         take(json, u"objects"_s, DeviceText::object(line, *object, address_.subindex, width_), objectJson(*object));
-        if (pdo)
+        if (pdo) {
             json.insert(u"pdos"_s, QJsonArray{DeviceJson::ofPdo(*pdo)});
+            takeFrame(FrameSvg::of(*pdo));
+        }
     }
 
     QJsonObject objectJson(const CheckedObject &object) const
@@ -143,6 +164,7 @@ private:
     int width_;
     QStringList texts_;
     QJsonArray lines_;
+    QList<FrameSvg::Titled> frames_;
 };
 
 void answerJson(Terminal &terminal, const QJsonObject &json)
@@ -166,6 +188,8 @@ int showPart(const Invocation &call, const OpenedProject &project, const QList<q
         call.terminal().fail(u"%1 has no object, PGN or CAN-ID %2"_s.arg(call.operand(), text));
         return CouldNot;
     }
+    if (call.isSet("svg"_L1))
+        return ShowPage::writeFrames(call, search.frames());
     if (call.isSet("json"_L1))
         answerJson(call.terminal(), {{u"format"_s, u"ncx-device"_s},
                                      {u"version"_s, DeviceJson::version},
@@ -176,8 +200,10 @@ int showPart(const Invocation &call, const OpenedProject &project, const QList<q
     return Done;
 }
 
-int showDevice(const Invocation &call, const OpenedProject &project, const QList<quint8> &lines)
+int showDevice(const Invocation &call, OpenedProject &project, const QList<quint8> &lines)
 {
+    if (call.isSet("html"_L1))
+        return ShowPage::writePage(call, project, lines);
     Terminal &terminal = call.terminal();
     if (call.isSet("json"_L1)) {
         answerJson(terminal, DeviceJson::ofDevice(project.store(), call.operand(), lines));
@@ -194,10 +220,25 @@ int showDevice(const Invocation &call, const OpenedProject &project, const QList
     return Done;
 }
 
+/// What of a call goes with nothing else of it; empty if all goes together.
+QString contradiction(const Invocation &call)
+{
+    const bool isPart = call.operands().size() > 1;
+    if (call.isSet("html"_L1) && (isPart || call.isSet("svg"_L1) || call.isSet("json"_L1) || call.isSet("objects"_L1)))
+        return u"--html writes the device as a whole, and nothing else"_s;
+    if (call.isSet("svg"_L1) && !isPart)
+        return u"--svg needs a PDO, a PGN or a CAN-ID as WHAT"_s;
+    return {};
+}
+
 int run(const Invocation &call)
 {
+    if (const QString reason = contradiction(call); !reason.isEmpty())
+        return call.refuse(reason);
     OpenedProject project;
-    if (!project.open(call.operand(), OpenedProject::Purpose::Editing)) {
+    // A page has what the check finds, which asks for the project as a run sees it.
+    const auto purpose = call.isSet("html"_L1) ? OpenedProject::Purpose::Running : OpenedProject::Purpose::Editing;
+    if (!project.open(call.operand(), purpose)) {
         call.terminal().fail(u"%1: %2"_s.arg(call.operand(), project.reason()));
         return CouldNot;
     }

@@ -5,6 +5,7 @@
 #include "ncx/project/openedproject.h"
 #include "store/objectdatabase.h"
 
+#include <QJsonArray>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -128,4 +129,21 @@ int ProjectFindings::count(const QString &severity) const
 {
     return static_cast<int>(std::ranges::count_if(
         findings, [&severity](const ProjectFinding &finding) { return finding.severity() == severity; }));
+}
+
+QJsonObject ProjectFindings::toJson(const QString &path) const
+{
+    QJsonArray list;
+    for (const ProjectFinding &finding : findings)
+        list.append(finding.toJson());
+    QJsonObject groups;
+    for (auto group = suppressed.begin(); group != suppressed.end(); ++group)
+        groups.insert(group.key(), group.value());
+    return {{u"file"_s, path},
+            {u"findings"_s, list},
+            {u"errors"_s, count(u"error"_s)},
+            {u"warnings"_s, count(u"warning"_s)},
+            {u"notes"_s, count(u"note"_s)},
+            {u"corrections"_s, count(u"correction"_s)},
+            {u"suppressed"_s, groups}};
 }

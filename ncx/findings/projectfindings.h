@@ -39,4 +39,6 @@ struct ProjectFindings
     bool hasSeveralLines = false;
 
     int count(const QString &severity) const;
+    /// An entry of the form "ncx-check" (docs/ncx.md).
+    QJsonObject toJson(const QString &path) const;
 };
