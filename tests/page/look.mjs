@@ -14,6 +14,7 @@ const example = name => {
     const home = path.join(top, 'examples', name);
     return path.join(home, fs.readdirSync(home).find(file => file.endsWith('.ncxt')));
 };
+const faulty = path.join(top, 'tests/data/ncx/files/faulty.ncxt');
 const browser = await launch();
 
 /// The texts of the elements that a selector finds.
@@ -66,7 +67,7 @@ const cases = {
     async 'The page of each example holds what the commands tell, and all of its links lead somewhere'() {
         const projects = fs.readdirSync(path.join(top, 'examples'))
             .filter(name => fs.existsSync(path.join(top, 'examples', name, 'expected'))).map(example);
-        for (const project of [...projects, path.join(top, 'tests/data/ncx/files/faulty.ncxt')]) {
+        for (const project of [...projects, faulty]) {
             const file = writePage(program, project, 'example.html');
             const tab = await open(browser, file);
             const data = await tab.evaluate(() => JSON.parse(document.getElementById('data').textContent));
@@ -110,7 +111,7 @@ const cases = {
     },
 
     async 'Keys lead from the search through the index to a part'() {
-        const tab = await open(browser, path.join(folder, 'drive.html'));
+        const tab = await open(browser, writePage(program, example('drive'), 'drive.html'));
         await tab.keyboard.press('/');
         await tab.keyboard.type('1018');
         await tab.keyboard.press('Enter');
@@ -159,7 +160,7 @@ const cases = {
     },
 
     async 'The bus load is what the formula says'() {
-        const tab = await open(browser, path.join(folder, 'gateway.html'), '#bus');
+        const tab = await open(browser, writePage(program, example('gateway'), 'gateway.html'), '#bus');
         // A heartbeat in a second: 47 + 8 bits, with at most (34 + 8 - 1) / 4 = 10 stuff bits.
         assert.deepEqual(await texts(tab, '[aria-label="Bus load"] tbody tr:first-child td'),
                          ['125 kbit/s', '0.04 % to 0.05 %', '0.04 % to 0.05 %']);
@@ -173,7 +174,7 @@ const cases = {
     },
 
     async 'Findings stand beside their objects, and in a list that leads to them'() {
-        const tab = await open(browser, writePage(program, path.join(top, 'tests/data/ncx/files/faulty.ncxt'), 'faulty.html'),
+        const tab = await open(browser, writePage(program, faulty, 'faulty.html'),
                                '#findings');
         assert.equal(await tab.locator('.findings li').count(), 7);
         await tab.click('.findings a:has-text("0x1018:1")');
@@ -234,7 +235,7 @@ const cases = {
     },
 
     async 'Both themes, and narrow windows'() {
-        const tab = await open(browser, path.join(folder, 'gateway.html'), '#0x1a00', { colorScheme: 'dark' });
+        const tab = await open(browser, writePage(program, example('gateway'), 'gateway.html'), '#0x1a00', { colorScheme: 'dark' });
         const ground = () => tab.evaluate(() => getComputedStyle(document.documentElement).backgroundColor);
         assert.equal(await ground(), 'rgb(20, 24, 28)');
         await tab.selectOption('#theme', 'light');
@@ -259,7 +260,7 @@ const cases = {
 
     async 'Everybody can use it: no findings of WCAG, levels A and AA'() {
         for (const colorScheme of ['light', 'dark']) {
-            const tab = await open(browser, path.join(folder, 'faulty.html'), '', { colorScheme });
+            const tab = await open(browser, writePage(program, faulty, 'faulty.html'), '', { colorScheme });
             await tab.evaluate(axe);
             for (const address of ['overview', 'bus', '0x1018:1', 'findings', 'frames']) {
                 await go(tab, address);
@@ -273,6 +274,10 @@ const cases = {
     },
 };
 
+function tooLong() {
+    return new Promise((_, refuse) => setTimeout(() => refuse(new Error('it takes more than a minute')), 60000).unref());
+}
+
 let failed = 0;
 const wanted = process.argv[3] ?? '';
 for (const [name, look] of Object.entries(cases)) {
@@ -280,7 +285,7 @@ for (const [name, look] of Object.entries(cases)) {
         continue;
     const started = Date.now();
     try {
-        await look();
+        await Promise.race([look(), tooLong()]);
         console.log(`ok    ${name} (${Date.now() - started} ms)`);
     } catch (error) {
         ++failed;
