@@ -2,11 +2,13 @@
 
 #include "ncx/device/devicejson.h"
 #include "ncx/findings/projectfindings.h"
+#include "ncx/page/changedsettings.h"
 #include "ncx/page/framesvg.h"
 #include "ncx/page/printable.h"
 #include "ncx/project/openedproject.h"
 #include "store/objectdatabase.h"
 #include "store/settings.h"
+#include "store/tables/descriptiondefaults.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -80,7 +82,8 @@ QJsonObject lineData(ObjectDataBase &store, quint8 number)
                                        {"product"_L1, "ProductName"_L1},
                                        {"orderCode"_L1, "OrderCode"_L1},
                                        {"comment"_L1, "Comment"_L1}}) {
-        if (const QString text = store.getDescriptionSetting(setting); !text.isEmpty())
+        const QString text = store.getDescriptionSetting(setting);
+        if (!text.isEmpty() && text != DescriptionDefaults::of(setting))
             json.insert(key, text);
     }
     return json;
@@ -96,7 +99,8 @@ QJsonObject DevicePage::data(OpenedProject &project, const QList<quint8> &lines)
     QJsonObject json{{u"format"_s, u"ncx-page"_s},
                      {u"version"_s, version},
                      {u"device"_s, DeviceJson::ofDevice(project.store(), project.path(), lines)},
-                     {u"lines"_s, lineList}};
+                     {u"lines"_s, lineList},
+                     {u"settings"_s, changedSettings(project.store(), lines)}};
     // The check corrects the working copy: what it finds is asked for at the end.
     json.insert(u"check"_s, ProjectFindings::of(project).toJson(project.path()));
     return json;

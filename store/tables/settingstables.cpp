@@ -1,5 +1,7 @@
 #include "store/tables/settingstables.h"
 
+#include "store/tables/descriptiondefaults.h"
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -11,25 +13,6 @@ constexpr auto description = "DescriptionSettings"_L1;
 constexpr auto energyBus = "EnergyBusSettings"_L1;
 constexpr auto j1939 = "J1939Settings"_L1;
 constexpr auto misc = "MiscSettings"_L1;
-
-struct DescriptionDefault
-{
-    QLatin1StringView key;
-    QLatin1StringView value;
-};
-
-/// What a line's device description (CiA 306) holds until the user sets it.
-constexpr DescriptionDefault descriptionDefaults[] = {
-    {"BaudRate_10"_L1, "0"_L1},   {"BaudRate_20"_L1, "0"_L1},   {"BaudRate_50"_L1, "0"_L1},
-    {"BaudRate_125"_L1, "1"_L1},  {"BaudRate_250"_L1, "1"_L1},  {"BaudRate_500"_L1, "0"_L1},
-    {"BaudRate_800"_L1, "0"_L1},  {"BaudRate_1000"_L1, "0"_L1}, {"Dummy0001"_L1, "0"_L1},
-    {"Dummy0002"_L1, "0"_L1},     {"Dummy0003"_L1, "0"_L1},     {"Dummy0004"_L1, "0"_L1},
-    {"Dummy0005"_L1, "0"_L1},     {"Dummy0006"_L1, "0"_L1},     {"Dummy0007"_L1, "0"_L1},
-    {"LSS_Supported"_L1, "0"_L1}, {"SelfStarting"_L1, "0"_L1},  {"VendorName"_L1, ""_L1},
-    {"ProductName"_L1, ""_L1},    {"CreatedBy"_L1, ""_L1},      {"ModifiedBy"_L1, ""_L1},
-    {"FileVersion"_L1, "1"_L1},   {"FileRevision"_L1, "1"_L1},  {"OrderCode"_L1, "0815-BUY-ME"_L1},
-    {"Granularity"_L1, "0"_L1},   {"Comment"_L1, ""_L1},        {"AdditionalSections"_L1, ""_L1},
-};
 
 /// The part of a comma list for a line; a line beyond the end takes the last part.
 QString partForLine(const QString &value, quint8 line)
@@ -224,7 +207,7 @@ bool SettingsTables::addDescriptionDefaults(quint8 line)
     setCurrentLine(line);
     bool done = true;
     const QString suffix = line == 0 ? QString() : u"_%1"_s.arg(line);
-    for (const auto &[key, value] : descriptionDefaults) {
+    for (const auto &[key, value] : DescriptionDefaults::all) {
         const QString item = key + suffix;
         if (!settingExists(description, item))
             done = run("addDescriptionDefaults", u"insert into DescriptionSettings (item, value) values(?, ?)"_s,

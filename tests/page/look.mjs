@@ -187,6 +187,17 @@ const cases = {
         await tab.close();
     },
 
+    async 'Settings stand with their defaults and what they mean, on their lines'() {
+        const tab = await open(browser, writePage(program, example('gateway'), 'gateway.html'), '#settings');
+        const row = async key => (await texts(tab, `main tr:has(code:text-is("${key}")) td`)).slice(1);
+        assert.deepEqual((await row('co_node_id')).slice(0, 3), ['machine', '16', 'not set']);
+        assert.deepEqual((await row('startaddress')).slice(0, 3), ['engine', '50', 'not set']);
+        assert.deepEqual((await row('VendorName')).slice(0, 3), ['machine', 'norvane', 'not set']);
+        assert.match((await row('co_timer_interval')).join(), /1000,not set,Interval of the timer that drives the stack/);
+        assert.deepEqual(await row('OrderCode'), []);
+        await tab.close();
+    },
+
     async 'No text of a project breaks out of its place'() {
         const evil = [`</script><script>document.pwned=1</script>`, `<img src=x onerror="document.pwned=1">`, `"'&amp;&lt;`,
                       '中文 ‮rtl', '𝒙\u0001\u0007bell', 'اَلْعَرَبِيَّةُ'];
@@ -244,7 +255,7 @@ const cases = {
         assert.equal(await ground(), 'rgb(255, 255, 255)');
         await tab.selectOption('#theme', '');
         await tab.setViewportSize({ width: 390, height: 800 });
-        for (const address of ['overview', 'frames', 'bus', '0x1018:1', '1/pgn65281', 'findings']) {
+        for (const address of ['overview', 'frames', 'bus', '0x1018:1', '1/pgn65281', 'findings', 'settings']) {
             await go(tab, address);
             assert.equal(await tab.evaluate(() => document.documentElement.scrollWidth), 390, address);
         }
@@ -262,7 +273,7 @@ const cases = {
         for (const colorScheme of ['light', 'dark']) {
             const tab = await open(browser, writePage(program, faulty, 'faulty.html'), '', { colorScheme });
             await tab.evaluate(axe);
-            for (const address of ['overview', 'bus', '0x1018:1', 'findings', 'frames']) {
+            for (const address of ['overview', 'bus', '0x1018:1', 'findings', 'settings', 'frames']) {
                 await go(tab, address);
                 const { violations } = await tab.evaluate(() => axe.run({
                     runOnly: ['wcag2a', 'wcag2aa', 'wcag21a', 'wcag21aa', 'wcag22aa'] }));

@@ -4,9 +4,7 @@
 const main = document.getElementById('main');
 const query = document.getElementById('query');
 const views = { overview: ['At a glance', overview], frames: ['Frames', framesView], bus: ['Bus load', busView] };
-const wholeViews = { findings: findingsView };
-if (data.settings)
-    wholeViews.settings = settingsView;
+const wholeViews = { findings: findingsView, settings: settingsView };
 let current = models[0];
 let chosen = {};
 
@@ -53,7 +51,7 @@ function showTabs(view) {
                 said(several ? model.title : 'Device'), el('span', { class: 'quiet' }, ` ${model.json.type}`))),
             tab('#findings', view === 'findings', 'Findings ',
                 el('span', { class: `badge ${worst ?? ''}` }, String(number))),
-            'settings' in wholeViews ? tab('#settings', view === 'settings', 'Settings') : ''),
+            tab('#settings', view === 'settings', 'Settings')),
         view in wholeViews ? '' : el('div', { class: 'sub-tabs' },
             el('button', { type: 'button', class: 'to-index', click: () => showIndex(true) }, 'Index and search'),
             Object.entries(views).map(([id, [name]]) => tab(current.href(id), view === id, name))));

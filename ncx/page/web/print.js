@@ -39,6 +39,6 @@ function printed(nodesOf) {
     return [
         models.map(model => printedLine(model, nodesOf(model))),
         el('section', { id: 'findings' }, findingsView()),
-        data.settings ? el('section', { id: 'settings' }, settingsView()) : '',
+        el('section', { id: 'settings' }, settingsView()),
     ];
 }
