@@ -28,7 +28,17 @@ QString withoutMarkup(QString text)
     return text.replace(link, u"\\1"_s).remove(u'`').trimmed();
 }
 
-/// By key. The rows of the tables are "| keys | meaning |" or "| key | label | values | needs | meaning |".
+/// The group of settings that the rows below a heading are of; nothing for a heading that does not tell.
+std::optional<QString> groupOf(const QString &heading)
+{
+    if (heading == "## Settings that the server reaches"_L1)
+        return u"GeneralSettings"_s;
+    static const QRegularExpression form(u"^### (\\w+Settings)$"_s);
+    const QRegularExpressionMatch match = form.match(heading);
+    return match.hasMatch() ? std::optional(match.captured(1)) : std::nullopt;
+}
+
+/// By group and key. The rows of the tables are "| keys | meaning |" or "| key | label | values | needs | meaning |".
 QHash<QString, Words> readWords()
 {
     QHash<QString, Words> words;
@@ -36,7 +46,9 @@ QHash<QString, Words> readWords()
     if (!file.open(QIODevice::ReadOnly))
         return words;
     static const QRegularExpression key(u"`([A-Za-z0-9_]+)`"_s);
+    QString group;
     for (const QString &line : QString::fromUtf8(file.readAll()).split(u'\n')) {
+        group = groupOf(line).value_or(group);
         if (!line.startsWith("| `"_L1) || !line.endsWith(" |"_L1))
             continue;
         const QStringList cells = line.sliced(2).chopped(2).split(u" | "_s);
@@ -44,7 +56,7 @@ QHash<QString, Words> readWords()
             continue;
         const QString label = cells.size() == 5 ? withoutMarkup(cells.at(1)) : QString();
         for (const QRegularExpressionMatch &match : key.globalMatch(cells.first()))
-            words.insert(match.captured(1), {.label = label, .meaning = withoutMarkup(cells.last())});
+            words.insert(group + u'/' + match.captured(1), {.label = label, .meaning = withoutMarkup(cells.last())});
     }
     return words;
 }
@@ -79,7 +91,7 @@ public:
         QJsonObject json{{u"group"_s, group}, {u"key"_s, key}, {u"value"_s, value}};
         if (line)
             json.insert(u"line"_s, *line);
-        const Words words = words_.value(key);
+        const Words words = words_.value(group + u'/' + key);
         for (const auto &[name, text] :
              {std::pair{u"default"_s, byDefault}, {u"label"_s, words.label}, {u"meaning"_s, words.meaning}}) {
             if (!text.isEmpty())

@@ -194,6 +194,7 @@ const cases = {
         assert.deepEqual((await row('startaddress')).slice(0, 3), ['engine', '50', 'not set']);
         assert.deepEqual((await row('VendorName')).slice(0, 3), ['machine', 'norvane', 'not set']);
         assert.match((await row('co_timer_interval')).join(), /1000,not set,Interval of the timer that drives the stack/);
+        assert.match((await row('rxindication_cnt')).join(), /^engine,1,not set,numbers of functions/);
         assert.deepEqual(await row('OrderCode'), []);
         await tab.close();
     },

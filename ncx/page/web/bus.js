@@ -1,9 +1,13 @@
 // The cyclic messages of a line: when they are sent, and an estimate of how busy they keep the bus.
 'use strict';
 
+/// Lengths that a frame can have, those above 8 with CAN FD.
+const lengths = [0, 1, 2, 3, 4, 5, 6, 7, 8, 12, 16, 20, 24, 32, 48, 64];
+
 /// Bits of a frame on the bus with its intermission: without stuff bits, and with the most that there can be. Of
 /// CAN FD frames of more than 8 bytes all is counted at the arbitration rate.
-function frameBits(bytes, isExtended) {
+function frameBits(wanted, isExtended) {
+    const bytes = lengths.find(length => length >= wanted) ?? wanted;
     if (bytes > 8) {
         const head = (isExtended ? 41 : 22) + 8 * bytes;
         const least = head + (bytes > 16 ? 32 : 27) + 13;
@@ -158,8 +162,8 @@ const formulas = [
     'A frame of n data bytes has 47 + 8n bits with an 11-bit identifier and 67 + 8n with one of 29 bits, the three bits '
         + 'between frames included; stuff bits add at most ⌊(34 + 8n − 1) / 4⌋ and ⌊(54 + 8n − 1) / 4⌋.',
     'Load = sum of (bits per cycle ÷ cycle time) ÷ bit rate; first without stuff bits, then with the most.',
-    'More than 8 bytes go by the transport protocol of SAE J1939-21, as 1 + ⌈n / 7⌉ frames; with CAN FD in one frame, '
-        + 'all of which is counted at the arbitration rate, which is too much where bit rates switch.',
+    'More than 8 bytes go by the transport protocol of SAE J1939-21, as 1 + ⌈n / 7⌉ frames; with CAN FD in one frame of '
+        + 'the next length that there is, all of which is counted at the arbitration rate, which is too much where bit rates switch.',
 ];
 
 function busBody(model) {

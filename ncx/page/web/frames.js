@@ -88,15 +88,15 @@ function fieldTable(node, prefix) {
         { name: 'Bits', class: 'number' }, { name: 'Address' }, { name: 'Name' }, { name: 'Type' }, { name: 'Default' },
         { name: 'Variable', text: 'of the application' }, { name: 'Description' }];
     const rows = node.data.frame.fields.map((field, i) => {
-        const part = parts?.[i] ?? {};
         const target = node.kind === 'pdo' ? node.line.nodes.get(field.address) : undefined;
+        const part = target ? factsOf(target) : parts?.[i] ?? {};
         return {
             attributes: { 'data-field': i, id: node.kids[i] && `${prefix}${node.kids[i].id}` },
             cells: [
                 field.address ? swatch(i, letterOf(i)) : '', startText(field.firstBit, node.kind), String(field.firstBit),
                 String(field.bits), target ? link(target, mono(field.address)) : mono(field.address),
                 field.name ? said(field.name) : el('span', { class: 'quiet' }, 'unused'), part.dataType ?? '',
-                part.default ? mono(part.default) : '', variableCell(part.variable, node.kids[i]),
+                part.default ? resolved(part.default, node.line.json) : '', variableCell(part.variable, target ?? node.kids[i]),
                 part.description ? said(part.description) : ''],
         };
     });

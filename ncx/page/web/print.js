@@ -24,7 +24,7 @@ function printedObjects(model, rowsOf) {
 
 function printedLine(model, nodes) {
     const prefix = prefixOf(model);
-    return el('section', { class: 'line', id: `${prefix}overview` },
+    const line = el('section', { class: 'line', id: `${prefix}overview` },
         overview(model),
         messagesOf(model).length > 0 ? el('section', { id: `${prefix}frames` }, el('h2', {}, 'Frames'),
             messagesOf(model).map(node => el('section', { class: 'card', id: prefix + node.id },
@@ -32,6 +32,9 @@ function printedLine(model, nodes) {
         el('section', { id: `${prefix}bus` }, busView(model)),
         model.roots.some(root => root.text) ? el('h2', {}, 'Object dictionary') : '',
         printedObjects(model, nodes));
+    for (const details of line.querySelectorAll('details'))
+        details.open = true;
+    return line;
 }
 
 /// The whole device; `nodesOf` tells the parts of a line that are wanted.

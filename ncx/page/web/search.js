@@ -44,17 +44,29 @@ function fits(node, chosen) {
 }
 
 function contains(node, words) {
-    return words.every(word => node.hay.includes(word));
+    for (const word of words) {
+        if (!node.hay.includes(word))
+            return false;
+    }
+    return true;
 }
+
+/// What a search looks in for a part or any of its kids, so that most parts are passed over in one step.
+function hayWithin(node) {
+    node.hayWithin ??= [node.hay, ...node.kids.map(kid => kid.hay)].join('\n');
+    return node.hayWithin;
+}
+
+const none = [];
 
 /// The kids of a part that are shown: where something is looked for, those that have what the part itself has not.
 function shownKids(node, words, chosen, isFiltered) {
-    if (words.length === 0 && !isFiltered)
-        return node.open ? node.kids : [];
-    const rest = words.filter(word => !node.hay.includes(word));
+    if (node.kids.length === 0)
+        return none;
+    const rest = words.length > 0 && !contains(node, words) ? words.filter(word => !node.hay.includes(word)) : none;
     if (rest.length === 0 && !isFiltered)
-        return node.open ? node.kids : [];
-    return node.kids.filter(kid => contains(kid, rest) && fits(kid, chosen));
+        return node.open ? node.kids : none;
+    return node.kids.filter(kid => contains(kid, rest) && (!isFiltered || fits(kid, chosen)));
 }
 
 /// The rows of a line's index: { node, level, hasKids, isOpen }, and how many parts fit.
@@ -68,6 +80,8 @@ function rowsOf(model, query, chosen) {
         const head = { node: root, level: 1, hasKids: true, isOpen: root.open || isActive, size: 0 };
         rows.push(head);
         for (const node of root.kids) {
+            if (words.length > 0 && words.some(word => !hayWithin(node).includes(word)))
+                continue;
             const kids = shownKids(node, words, chosen, isFiltered);
             const isHit = contains(node, words) && (!isFiltered || fits(node, chosen));
             if (!isHit && kids.length === 0)

@@ -40,9 +40,25 @@ function messagesOf(model) {
     return ['pdos', 'pgns', 'messages'].flatMap(id => model.roots.find(root => root.id === id)?.kids ?? []);
 }
 
+/// The messages of CANopen that objects switch on by themselves.
+function serviceRows(model) {
+    const emcy = model.nodes.get('0x1014');
+    const emcyId = emcy ? [resolved(emcy.facts.current ?? emcy.facts.default, model.json)] : [];
+    return [
+        ...emcyId.map(id => ({ attributes: {}, cells: [link(emcy, 'EMCY'), 'sends', id, 'on an error', '8', 'the error']})),
+        ...[...syncMessages(model), ...heartbeatMessages(model), ...srdoMessages(model)].map(message => ({
+            attributes: {}, cells: [
+                link(message.node, message.name), message.isSent ? 'sends' : 'receives', mono(message.id),
+                `every ${message.cycle} ms`, String(message.bytes),
+                { SYNC: 'the beat for PDOs', Heartbeat: 'the state of the node' }[message.name] ?? 'safety-relevant data'],
+        })),
+    ];
+}
+
 function messageTable(model) {
     const nodes = messagesOf(model);
-    if (nodes.length === 0)
+    const services = serviceRows(model);
+    if (nodes.length + services.length === 0)
         return el('p', { class: 'quiet' }, 'This line has no PDOs, PGNs or CAN messages.');
     const heads = [{ name: 'Message' }, { name: '' }, { name: 'CAN-ID' }, { name: 'When' },
                    { name: 'Bytes', class: 'number' }, { name: 'What is in it' }];
@@ -54,7 +70,7 @@ function messageTable(model) {
     };
     return table(`Messages of ${model.title}`, heads, nodes.map(node => ({ attributes: {}, cells: [
         link(node, nameOfKind(node)), node.data.direction === 'transmit' ? 'sends' : 'receives', identifierOf(node),
-        timingOf(node), String(Math.ceil(node.data.frame.bits / 8)), content(node)] })));
+        timingOf(node), String(Math.ceil(node.data.frame.bits / 8)), content(node)] })).concat(services));
 }
 
 /// Variables that stand behind more than one part: what one line takes and another one gives.
@@ -92,7 +108,8 @@ function lineFacts(model) {
     return facts(
         ['Protocols', json.type || 'none'], ['Node-id', json.nodeId ?? ''],
         ['Source address', addressText(model)], ['Device profile', profileText(model)],
-        ['Bit rates', extra.bitRates.length > 0 ? `${extra.bitRates.join(', ')} kbit/s` : 'none told'],
+        ['Bit rates', extra.bitRates.length > 0
+            ? `${extra.bitRates.join(', ')} kbit/s${json.type === 'J1939' ? ' (SAE J1939)' : ''}` : 'none told'],
         ['CAN FD', extra.canFd ? 'yes' : '']);
 }
 
@@ -100,6 +117,7 @@ function overview(model) {
     const findings = (data.check?.findings ?? []).filter(finding => finding.line === model.number);
     return [
         el('h2', {}, several ? ['Line ', said(model.title)] : 'At a glance'),
+        model.extra.comment ? el('p', {}, said(model.extra.comment)) : '',
         lineFacts(model),
         el('h3', {}, 'What it sends and receives'), messageTable(model),
         sharedTable(model), areaTable(model),
