@@ -191,10 +191,7 @@ int showPart(const Invocation &call, const OpenedProject &project, const QList<q
     if (call.isSet("svg"_L1))
         return ShowPage::writeFrames(call, search.frames());
     if (call.isSet("json"_L1))
-        answerJson(call.terminal(), {{u"format"_s, u"ncx-device"_s},
-                                     {u"version"_s, DeviceJson::version},
-                                     {u"file"_s, call.operand()},
-                                     {u"lines"_s, search.lines()}});
+        answerJson(call.terminal(), DeviceJson::wrap(call.operand(), search.lines()));
     else
         call.terminal().answer(search.text());
     return Done;

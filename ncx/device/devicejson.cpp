@@ -3,8 +3,6 @@
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 
-#include <QJsonArray>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -58,7 +56,12 @@ QJsonObject DeviceJson::ofDevice(ObjectDataBase &store, const QString &file, con
         DeviceLine line(store, number);
         list.append(ofLine(line));
     }
-    return {{u"format"_s, u"ncx-device"_s}, {u"version"_s, version}, {u"file"_s, file}, {u"lines"_s, list}};
+    return wrap(file, list);
+}
+
+QJsonObject DeviceJson::wrap(const QString &file, const QJsonArray &lines)
+{
+    return {{u"format"_s, u"ncx-device"_s}, {u"version"_s, version}, {u"file"_s, file}, {u"lines"_s, lines}};
 }
 
 QJsonObject DeviceJson::ofLine(DeviceLine &line)

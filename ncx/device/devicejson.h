@@ -2,6 +2,7 @@
 
 #include "ncx/device/devicemodel.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 
 class ObjectDataBase;
@@ -12,6 +13,8 @@ namespace DeviceJson {
 inline constexpr int version = 1;
 
 QJsonObject ofDevice(ObjectDataBase &store, const QString &file, const QList<quint8> &lines);
+/// The whole form around lines, or what was asked for of them.
+QJsonObject wrap(const QString &file, const QJsonArray &lines);
 QJsonObject ofLine(DeviceLine &line);
 QJsonObject ofObject(const CheckedObject &object);
 QJsonObject ofSubindex(const CheckedSubindex &sub);

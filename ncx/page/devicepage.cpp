@@ -67,9 +67,9 @@ QJsonArray bitRates(ObjectDataBase &store, const LineProtocols &protocols)
 }
 
 /// What the page needs of a line beside the form "ncx-device".
-QJsonObject lineData(ObjectDataBase &store, quint8 number)
+QJsonObject lineData(ObjectDataBase &store, DeviceLine &line)
 {
-    DeviceLine line(store, number);
+    const quint8 number = line.number();
     store.setCurrentLine(number);
     QJsonObject json{{u"line"_s, number},
                      {u"bitRates"_s, bitRates(store, line.protocols())},
@@ -93,12 +93,16 @@ QJsonObject lineData(ObjectDataBase &store, quint8 number)
 
 QJsonObject DevicePage::data(OpenedProject &project, const QList<quint8> &lines)
 {
+    QJsonArray deviceLines;
     QJsonArray lineList;
-    for (const quint8 line : lines)
+    for (const quint8 number : lines) {
+        DeviceLine line(project.store(), number);
+        deviceLines.append(DeviceJson::ofLine(line));
         lineList.append(lineData(project.store(), line));
+    }
     QJsonObject json{{u"format"_s, u"ncx-page"_s},
                      {u"version"_s, version},
-                     {u"device"_s, DeviceJson::ofDevice(project.store(), project.path(), lines)},
+                     {u"device"_s, DeviceJson::wrap(project.path(), deviceLines)},
                      {u"lines"_s, lineList},
                      {u"settings"_s, changedSettings(project.store(), lines)}};
     // The check corrects the working copy: what it finds is asked for at the end.

@@ -43,6 +43,8 @@ function identifierOf(node) {
     const { data, line } = node;
     if (node.kind === 'pdo')
         return data.enabled ? resolved(data.cobId, line.json) : [resolved(data.cobId, line.json), ' (off)'];
+    if (node.kind === 'pgn' && data.direction !== 'transmit')
+        return el('code', { title: 'dots: the address of its sender' }, pgnIdentifier(data, line));
     return mono(node.kind === 'pgn' ? pgnIdentifier(data, line) : data.canId.replace(/x$/, ' (29 bits)'));
 }
 

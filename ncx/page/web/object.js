@@ -47,7 +47,7 @@ function subindexTable(node, chosen, prefix) {
     const heads = [
         { name: 'Sub', class: 'number', always: true }, { name: 'Name' }, { name: 'Type' }, { name: 'Access' },
         { name: 'Default', text: 'value after a start' }, { name: 'Current', text: 'value that differs from the default' },
-        { name: 'Limits' }, { name: 'PDO', text: 'can be mapped into' },
+        { name: 'Limits' }, { name: 'PDO', text: 'can be mapped into', class: 'tight' },
         { name: 'Kept', text: 'who keeps the value' }, { name: 'Variable', text: 'of the application' },
         { name: 'Mapped in' }, { name: 'Denotation' }];
     const rows = object.subindices.map(sub => {

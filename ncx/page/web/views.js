@@ -43,7 +43,8 @@ function messagesOf(model) {
 /// The messages of CANopen that objects switch on by themselves.
 function serviceRows(model) {
     const emcy = model.nodes.get('0x1014');
-    const emcyId = emcy ? [resolved(emcy.facts.current ?? emcy.facts.default, model.json)] : [];
+    const isSwitchedOff = valueAt(model, '0x1014:0') >= 0x80000000;
+    const emcyId = emcy && !isSwitchedOff ? [resolved(emcy.facts.current ?? emcy.facts.default, model.json)] : [];
     return [
         ...emcyId.map(id => ({ attributes: {}, cells: [link(emcy, 'EMCY'), 'sends', id, 'on an error', '8', 'the error']})),
         ...[...syncMessages(model), ...heartbeatMessages(model), ...srdoMessages(model)].map(message => ({
@@ -60,7 +61,7 @@ function messageTable(model) {
     const services = serviceRows(model);
     if (nodes.length + services.length === 0)
         return el('p', { class: 'quiet' }, 'This line has no PDOs, PGNs or CAN messages.');
-    const heads = [{ name: 'Message' }, { name: '' }, { name: 'CAN-ID' }, { name: 'When' },
+    const heads = [{ name: 'Message', class: 'tight' }, { name: '' }, { name: 'CAN-ID', class: 'tight' }, { name: 'When', class: 'tight' },
                    { name: 'Bytes', class: 'number' }, { name: 'What is in it' }];
     const names = node => node.data.frame.fields.map(field => field.name).filter(Boolean);
     const content = node => {
@@ -73,16 +74,26 @@ function messageTable(model) {
         timingOf(node), String(Math.ceil(node.data.frame.bits / 8)), content(node)] })).concat(services));
 }
 
+/// Which way a value goes on the bus by a part.
+function wayOf(node) {
+    const way = message => (message.direction === 'transmit' ? 'sent' : 'received');
+    if (node.kind === 'signal')
+        return way(node.parent.data);
+    const pdos = node.line.mappedIn.get(node.kind === 'object' ? `${node.id}:0` : node.id) ?? [];
+    return pdos.map(pdo => `${way(pdo)} in ${pdo.id.toUpperCase().replace('PDO', 'PDO ')}`).join(', ');
+}
+
 /// Variables that stand behind more than one part: what one line takes and another one gives.
 function sharedTable(model) {
     const rows = [...sharedVariables].filter(([, nodes]) => nodes.length > 1 && nodes.some(node => node.line === model));
     if (rows.length === 0)
         return '';
     return [el('h3', {}, 'Values that several parts share'),
-        el('p', { class: 'quiet' }, 'The application keeps each in one variable: what comes in by one part goes out by the other.'),
+        el('p', { class: 'quiet' }, 'The application keeps each in one variable: what is received by one part is what another one sends.'),
         table('Shared variables', [{ name: 'Variable' }, { name: 'Used by' }], rows.map(([variable, nodes]) => ({
             attributes: {}, cells: [mono(variable), nodes.map((node, i) => [
-                i > 0 ? ', ' : '', link(node, placeText(node)), ' ', said(node.name)])] })))];
+                i > 0 ? ', ' : '', link(node, placeText(node)), ' ', said(node.name),
+                el('strong', {}, wayOf(node) && ` (${wayOf(node)})`)])] })))];
 }
 
 function areaTable(model) {
