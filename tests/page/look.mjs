@@ -28,9 +28,13 @@ async function go(tab, address) {
 /// Visits each part of a device: every link leads somewhere, and each field of a frame is drawn and listed.
 function visitAll() {
     const faults = [];
-    const check = address => {
-        history.replaceState(null, '', '#' + address);
-        go();
+    const check = (address, node) => {
+        if (node)
+            main.replaceChildren(...[partView(node)].flat(Infinity).filter(Boolean));
+        else
+            history.replaceState(null, '', '#' + address), go();
+        if (node && partOf(address) !== node)
+            faults.push(`${address} leads elsewhere`);
         if (document.querySelector('.unknown'))
             faults.push(`${address} leads nowhere`);
         for (const card of document.querySelectorAll('.card'))
@@ -50,7 +54,7 @@ function visitAll() {
         for (const node of new Set(model.nodes.values())) {
             if (node.kind === 'area')
                 continue;
-            check(model.href(node.id).slice(1));
+            check(model.href(node.id).slice(1), node);
             ++parts;
             const frame = node.data.frame;
             const drawn = document.querySelectorAll('svg.frame .field').length;
