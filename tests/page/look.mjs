@@ -114,6 +114,27 @@ const cases = {
         await tab.close();
     },
 
+    async 'What is changed from its default is found, and a group in both directions has two addresses'() {
+        const project = path.join(folder, 'changed.ncxt');
+        const base = fs.readFileSync(example('co_j1939'), 'utf8');
+        fs.writeFileSync(project, base.replace('[SubObjects0]\n', '[SubObjects0]\n0x1017\\0\\currentvalue=500\n' +
+            '0x1018\\1\\currentvalue=0x319\n'));
+        const tab = await open(browser, writePage(program, project, 'changed.html'));
+        await tab.click('#filters summary');
+        await tab.check('[name=changed]');
+        assert.deepEqual(await texts(tab, '#tree .level2 code, #tree .level3 code'), ['0x1017']);
+        await go(tab, '0x1017');
+        assert.match(await tab.textContent('main table'), /Current.*1000.*500/);
+        const addresses = await tab.evaluate(() => {
+            const pgn = number => ({ pgn: number, spns: [], frame: { bits: 0, fields: [] } });
+            const line = new LineModel({ line: 0, pgns: [{ ...pgn(1), direction: 'receive' }, { ...pgn(2), direction: 'receive' },
+                { ...pgn(1), direction: 'transmit' }] }, {});
+            return line.roots[0].kids.map(node => node.id);
+        });
+        assert.deepEqual(addresses, ['pgn1-receive', 'pgn2', 'pgn1-transmit']);
+        await tab.close();
+    },
+
     async 'Keys lead from the search through the index to a part'() {
         const tab = await open(browser, writePage(program, example('drive'), 'drive.html'));
         await tab.keyboard.press('/');

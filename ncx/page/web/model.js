@@ -63,6 +63,7 @@ class LineModel {
         this.nodes = new Map();
         this.mappedIn = new Map(); // by "0x2000:0": the PDOs that map it
         this.roots = [];
+        this.both = this.numbersOfBoth();
         this.addDictionary();
         this.addGroup('pdos', 'PDOs', json.pdos, pdo => this.pdoNode(pdo));
         this.addGroup('pgns', 'PGNs', json.pgns, pgn => this.messageNode(pgn, 'pgn'));
@@ -161,12 +162,17 @@ class LineModel {
                  hay: hay(code, pdo.id, names, pdo.cobId, Number.isNaN(number) ? '' : hex(number)) };
     }
 
+    /// The PGNs and CAN-IDs that are sent and received.
+    numbersOfBoth() {
+        const seen = new Set();
+        const numbers = [...(this.json.pgns ?? []).map(pgn => pgn.pgn), ...(this.json.canIds ?? []).map(id => id.canId)];
+        return new Set(numbers.filter(number => seen.has(number) || !seen.add(number)));
+    }
+
     messageNode(message, kind) {
         const number = kind === 'pgn' ? message.pgn : message.canId;
-        const list = kind === 'pgn' ? this.json.pgns : this.json.canIds;
-        message.isTwice ??= list.some(other => other !== message && (other.pgn ?? other.canId) === number);
         const full = `${kind}${number}-${message.direction}`;
-        message.id = message.isTwice ? full : `${kind}${number}`;
+        message.id = this.both.has(number) ? full : `${kind}${number}`;
         const parts = message.spns ?? message.signals;
         const node = {
             id: message.id, kind, code: String(number), name: message.name, data: message,
