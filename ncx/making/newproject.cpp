@@ -145,7 +145,7 @@ bool NewProject::fillLines(ObjectDataBase &store, ProfileDatabases &databases) c
     bool hasJ1939 = false;
     for (qsizetype i = 0; i < lineTypes.size(); ++i) {
         const LineProtocols protocols = LineProtocols::ofType(lineTypes.at(i));
-        if (protocols.canOpen && !fillCANopen(store, static_cast<quint8>(i), databases))
+        if (protocols.canOpen && i != describedLine && !fillCANopen(store, static_cast<quint8>(i), databases))
             return false;
         hasJ1939 |= protocols.j1939;
     }

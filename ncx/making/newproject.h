@@ -14,6 +14,7 @@ struct NewProject
     int nodeId = 1;             ///< of its CANopen lines, 1 to 127
     QStringList profiles = {};  ///< of its CANopen lines, by their ids (import/profiledatabases.h)
     bool namesLines = true;
+    int describedLine = -1; ///< a line that gets no objects, since those of a description come into it; -1 for none
 
     /// The code of a type by the name that the server has for it, in any letter case; 0 for no name.
     static int lineType(const QString &name);

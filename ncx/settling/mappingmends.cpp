@@ -1,0 +1,193 @@
+#include "ncx/settling/mends.h"
+
+#include "check/line/pdo.h"
+#include "ncx/settling/mappedentries.h"
+#include "nodedict/canopendatatype.h"
+#include "nodedict/cohelper.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+using namespace CANopen;
+
+namespace {
+
+/// The mapping object that a finding is about; 0 for none.
+quint16 mappingOf(const FindingPlace &place)
+{
+    const quint16 index = place.index.value_or(0);
+    return PDO::isCommunication(index) ? static_cast<quint16>(index + Index::pdoMappingOffset) : index;
+}
+
+quint16 communicationOf(const FindingPlace &place)
+{
+    const quint16 index = place.index.value_or(0);
+    return PDO::isMapping(index) ? static_cast<quint16>(index - Index::pdoMappingOffset) : index;
+}
+
+/// A COB-ID with bit 31 set, in the form that it had.
+QString switchedOff(const QString &cobId)
+{
+    const StoreValue value = StoreValue::parse(cobId).value_or(StoreValue());
+    return (value.nodeRelative ? u"$NODEID+"_s : QString()) +
+           u"0x%1"_s.arg(value.magnitude | PDO::disabledBit, 8, 16, QLatin1Char('0'));
+}
+
+bool setAccess(SettledLine &line, quint16 index, quint8 subindex, const QString &access)
+{
+    SettledLine::Sub sub = *line.sub(index, subindex);
+    sub.accesstype = access;
+    return line.set(index, subindex, sub);
+}
+
+SettledLine::Sub parameter(const QString &name, quint16 dataType, const QString &access, const QString &value)
+{
+    SettledLine::Sub sub;
+    sub.name = name;
+    sub.datatype = dataType;
+    sub.accesstype = access;
+    sub.defaultvalue = value;
+    return sub;
+}
+
+} // namespace
+
+bool MappingMends::makeCompactAlike(SettledLine &line, const FindingPlace &place)
+{
+    return line.file().isCompact(mappingOf(place)) && makeAlike(line, place);
+}
+
+/// What is common to most: a mapping that can be written in a part is one that can be written.
+bool MappingMends::makeAlike(SettledLine &line, const FindingPlace &place)
+{
+    const quint16 mapping = mappingOf(place);
+    const QList<quint8> subindices = line.subindicesOf(mapping);
+    const bool isWritable = std::ranges::any_of(
+        subindices, [&](quint8 subindex) { return line.sub(mapping, subindex)->accesstype.contains(u'w'); });
+    bool changed = false;
+    for (const quint8 subindex : subindices)
+        changed |= setAccess(line, mapping, subindex, isWritable ? u"rw"_s : u"const"_s);
+    return changed;
+}
+
+bool MappingMends::countCompactEntries(SettledLine &line, const FindingPlace &place)
+{
+    const quint16 mapping = mappingOf(place);
+    QList<MappedEntry> entries = MappedEntries::of(line, mapping);
+    const auto firstEmpty = std::ranges::find(entries, 0U, &MappedEntry::value);
+    const bool hasGaps = std::any_of(firstEmpty, entries.end(), [](const MappedEntry &entry) { return entry.value; });
+    if (!line.file().isCompact(mapping) || hasGaps)
+        return false;
+    entries.erase(firstEmpty, entries.end());
+    return MappedEntries::replace(line, mapping, entries);
+}
+
+bool MappingMends::switchOff(SettledLine &line, const FindingPlace &place)
+{
+    const SettledLine::Sub *cobId = line.sub(communicationOf(place), 1);
+    return cobId && line.setDefault(communicationOf(place), 1, switchedOff(cobId->defaultvalue));
+}
+
+bool MappingMends::addCommunication(SettledLine &line, const FindingPlace &place)
+{
+    const quint16 index = communicationOf(place);
+    if (line.object(index))
+        return false;
+    const bool isTransmit = Index::tpdos.contains(index);
+    const int number = index - (isTransmit ? Index::tpdos.first : Index::rpdos.first) + 1;
+    SettledLine::Object object;
+    object.name = (isTransmit ? u"Transmit PDO parameter %1"_s : u"Receive PDO parameter %1"_s).arg(number);
+    object.objecttype = Record;
+    line.set(index, object);
+    line.set(index, 0, parameter(u"Highest subindex supported"_s, CAN::Unsigned8, u"ro"_s, u"2"_s));
+    line.set(index, 1, parameter(u"COB-ID"_s, CAN::Unsigned32, u"rw"_s, u"0x80000000"_s));
+    return line.set(index, 2, parameter(u"Transmission Type"_s, CAN::Unsigned8, u"rw"_s, u"0xFF"_s));
+}
+
+bool MappingMends::addMapping(SettledLine &line, const FindingPlace &place)
+{
+    constexpr int entries = 8;
+    const quint16 index = mappingOf(place);
+    if (line.object(index))
+        return false;
+    SettledLine::Object object;
+    object.name = u"Mapping Parameter"_s;
+    object.objecttype = Record;
+    line.set(index, object);
+    for (quint8 number = 1; number <= entries; ++number)
+        line.set(index, number,
+                 parameter(u"Mapping Entry %1"_s.arg(number), CAN::Unsigned32, u"rw"_s, u"0x00000000"_s));
+    return line.set(index, 0, parameter(u"Number of Entries"_s, CAN::Unsigned8, u"rw"_s, u"0"_s));
+}
+
+bool MappingMends::dropDeadEntries(SettledLine &line, const FindingPlace &place)
+{
+    const quint16 mapping = mappingOf(place);
+    QList<MappedEntry> entries = MappedEntries::of(line, mapping);
+    entries.removeIf([&line](const MappedEntry &entry) { return !MappedEntries::isAlive(line, entry); });
+    return MappedEntries::replace(line, mapping, entries);
+}
+
+bool MappingMends::countExistingEntries(SettledLine &line, const FindingPlace &place)
+{
+    const quint16 mapping = mappingOf(place);
+    return MappedEntries::replace(line, mapping, MappedEntries::of(line, mapping));
+}
+
+bool MappingMends::fitFrame(SettledLine &line, const FindingPlace &place)
+{
+    constexpr quint32 frame = 64;
+    const quint16 mapping = mappingOf(place);
+    QList<MappedEntry> entries;
+    quint32 bits = 0;
+    for (const MappedEntry &entry : MappedEntries::of(line, mapping)) {
+        bits += entry.bits();
+        if (bits > frame)
+            break;
+        entries.append(entry);
+    }
+    return MappedEntries::replace(line, mapping, entries);
+}
+
+bool MappingMends::allowMapping(SettledLine &line, const FindingPlace &place)
+{
+    bool changed = false;
+    for (const MappedEntry &entry : MappedEntries::of(line, mappingOf(place))) {
+        const SettledLine::Sub *target = entry.isDummy() ? nullptr : line.sub(entry.index(), entry.subindex());
+        if (!target || target->pdomapping != PDOMapping::Forbidden)
+            continue;
+        SettledLine::Sub allowed = *target;
+        allowed.pdomapping = PDOMapping::Allowed;
+        changed |= line.set(entry.index(), entry.subindex(), allowed);
+    }
+    return changed;
+}
+
+bool MappingMends::correctLength(SettledLine &line, const FindingPlace &place)
+{
+    const quint16 mapping = mappingOf(place);
+    QList<MappedEntry> entries = MappedEntries::of(line, mapping);
+    for (MappedEntry &entry : entries) {
+        const quint32 width = MappedEntries::widthOf(line, entry);
+        if (width > 0 && entry.bits() > width)
+            entry.value = (entry.value & ~quint32{0xff}) | width;
+    }
+    return MappedEntries::replace(line, mapping, entries);
+}
+
+/// "rww" and "rwr" may be mapped in the one direction only (CiA 301).
+bool MappingMends::openAccess(SettledLine &line, const FindingPlace &place)
+{
+    const quint16 mapping = mappingOf(place);
+    const bool isTransmit = MappedEntries::isTransmitMapping(mapping);
+    const QStringList fitting =
+        isTransmit ? QStringList{u"const"_s, u"ro"_s, u"rwr"_s, u"rw"_s} : QStringList{u"wo"_s, u"rww"_s, u"rw"_s};
+    bool changed = false;
+    for (const MappedEntry &entry : MappedEntries::of(line, mapping)) {
+        const SettledLine::Sub *target = entry.isDummy() ? nullptr : line.sub(entry.index(), entry.subindex());
+        if (target && !fitting.contains(target->accesstype))
+            changed |= setAccess(line, entry.index(), entry.subindex(),
+                                 target->accesstype.contains(u'w') ? u"rw"_s : u"rww"_s);
+    }
+    return changed;
+}
