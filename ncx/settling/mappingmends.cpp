@@ -88,6 +88,23 @@ bool MappingMends::switchOff(SettledLine &line, const FindingPlace &place)
     return cobId && line.setDefault(communicationOf(place), 1, switchedOff(cobId->defaultvalue));
 }
 
+/// Of the first four PDOs of a direction, unless another one has it.
+bool MappingMends::takePredefinedCobId(SettledLine &line, const FindingPlace &place)
+{
+    constexpr quint16 predefinedPdos = 4;
+    constexpr quint32 distance = 0x100;
+    const quint16 index = communicationOf(place);
+    const bool isTransmit = Index::tpdos.contains(index);
+    const auto number = static_cast<quint32>(index - (isTransmit ? Index::tpdos.first : Index::rpdos.first));
+    const quint32 own = (isTransmit ? 0x180U : 0x200U) + number * distance;
+    const bool isFree = std::ranges::none_of(line.objects().keys(), [&](quint16 other) {
+        const SettledLine::Sub *cobId = PDO::isCommunication(other) && other != index ? line.sub(other, 1) : nullptr;
+        const auto value = cobId ? StoreValue::parse(cobId->defaultvalue) : std::nullopt;
+        return value && value->nodeRelative && (value->magnitude & CAN::identifierBits) == own;
+    });
+    return number < predefinedPdos && isFree && line.setDefault(index, 1, u"$NODEID+0x%1"_s.arg(own, 0, 16));
+}
+
 bool MappingMends::addCommunication(SettledLine &line, const FindingPlace &place)
 {
     const quint16 index = communicationOf(place);

@@ -59,6 +59,7 @@ bool makeCompactAlike(SettledLine &line, const FindingPlace &place);
 bool countCompactEntries(SettledLine &line, const FindingPlace &place);
 bool makeAlike(SettledLine &line, const FindingPlace &place);
 bool switchOff(SettledLine &line, const FindingPlace &place);
+bool takePredefinedCobId(SettledLine &line, const FindingPlace &place);
 bool addCommunication(SettledLine &line, const FindingPlace &place);
 bool addMapping(SettledLine &line, const FindingPlace &place);
 bool dropDeadEntries(SettledLine &line, const FindingPlace &place);

@@ -8,6 +8,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <span>
 
 using namespace Qt::StringLiterals;
 using namespace CANopen;
@@ -77,14 +78,6 @@ void readFlags(const Reading &reading, const QString &written)
         reading.tell("ObjFlags"_L1, written, QString::number(read));
 }
 
-void readCount(const Reading &reading, const QString &written)
-{
-    const qsizetype read = reading.line.subindicesOf(reading.index).size();
-    const bool isGroup = reading.object->objecttype == Array || reading.object->objecttype == Record;
-    if (!written.isEmpty() && !reading.subindex && (!isGroup || EdsValue::number(written) != quint32(read)))
-        reading.tell("SubNumber"_L1, written, isGroup ? QString::number(read) : QString());
-}
-
 void readCompact(const Reading &reading, const QString &written)
 {
     if (const quint32 count = EdsValue::number(written).value_or(0); count > 0)
@@ -114,8 +107,7 @@ constexpr KnownKey knownKeys[] = {
     {"HighLimit"_L1},
     {"ObjFlags"_L1, readFlags, "Flags that mean nothing were left out"_L1,
      "Bits 0 and 1 of ObjFlags keep a configuration tool from writing or reading."_L1},
-    {"SubNumber"_L1, readCount, "The number of subindices is that of the sections"_L1,
-     "SubNumber tells another one."_L1},
+    {"SubNumber"_L1},
     {"CompactSubObj"_L1, readCompact, "Subindices that are given in short are there one by one"_L1,
      "A project has no short form."_L1},
     {"ParameterValue"_L1},
@@ -206,126 +198,29 @@ void tellAnnouncedPdos(SettledLine &line)
     }
 }
 
-void tellConfiguredValues(SettledLine &line)
+/// How many subindices have a text.
+qsizetype countOf(const SettledLine &line, QString SettledLine::Sub::*text)
 {
-    qsizetype count = 0;
-    for (const auto &[index, subindex, number] : line.allSubindices())
-        count += line.sub(index, subindex)->currentvalue.isEmpty() ? 0 : 1;
+    return std::ranges::count_if(line.allSubindices(), [&line, text](const StoreRecords::SubKey &key) {
+        return !(line.sub(key.index, key.subindex)->*text).isEmpty();
+    });
+}
+
+void tellConfiguration(SettledLine &line, bool isTaken)
+{
     line.setTopic(topicOf(u"Configured values stay beside the defaults"_s,
                           u"A project keeps them as current values, and a description that is generated has none."_s,
                           u"--configured takes them as defaults."_s));
-    if (count > 0)
-        line.tell(0, u"%1 values (ParameterValue)"_s.arg(count));
-}
-
-/// What a generated description tells in [DeviceInfo] of itself, and not what the file said.
-struct OwnValue
-{
-    QLatin1StringView key;
-    QString (*value)(SettledLine &);
-};
-
-template <quint8 subindex>
-QString identityValue(SettledLine &line)
-{
-    const SettledLine::Sub *sub = line.sub(Index::identity, subindex);
-    return sub ? sub->defaultvalue : QString();
-}
-
-template <quint16 first, quint16 last>
-QString countOfObjects(SettledLine &line)
-{
-    constexpr IndexRange range{first, last};
-    return QString::number(
-        std::ranges::count_if(line.objects().keys(), [range](quint16 index) { return range.contains(index); }));
-}
-
-template <char digit>
-QString always(SettledLine & /*line*/)
-{
-    return QString(QLatin1Char(digit));
-}
-
-QString groupMessaging(SettledLine &line)
-{
-    constexpr quint64 firstOfMpdo = 254;
-    return std::ranges::any_of(line.objects().keys(),
-                               [&line](quint16 index) {
-                                   return index >= Index::rpdoMappings.first && index <= Index::tpdoMappings.last &&
-                                          line.value(index, 0).value_or(0) >= firstOfMpdo;
-                               })
-               ? u"1"_s
-               : u"0"_s;
-}
-
-QString descriptionSetting(SettledLine &line, const QString &key)
-{
-    line.store().setCurrentLine(line.number());
-    return line.store().getDescriptionSetting(key);
-}
-
-constexpr OwnValue ownValues[] = {
-    {"VendorNumber"_L1, identityValue<1>},
-    {"ProductNumber"_L1, identityValue<2>},
-    {"RevisionNumber"_L1, identityValue<3>},
-    {"NrOfRXPDO"_L1, countOfObjects<Index::rpdos.first, Index::rpdos.last>},
-    {"NrOfTXPDO"_L1, countOfObjects<Index::tpdos.first, Index::tpdos.last>},
-    {"SimpleBootUpSlave"_L1, always<'1'>},
-    {"SimpleBootUpMaster"_L1, always<'0'>},
-    {"DynamicChannelsSupported"_L1, always<'0'>},
-    {"GroupMessaging"_L1, groupMessaging},
-    {"Granularity"_L1, [](SettledLine &line) { return descriptionSetting(line, u"Granularity"_s); }},
-};
-
-constexpr QLatin1StringView keptDeviceKeys[] = {
-    "VendorName"_L1,  "ProductName"_L1,  "OrderCode"_L1,    "LSS_Supported"_L1, "BaudRate_10"_L1,  "BaudRate_20"_L1,
-    "BaudRate_50"_L1, "BaudRate_125"_L1, "BaudRate_250"_L1, "BaudRate_500"_L1,  "BaudRate_800"_L1, "BaudRate_1000"_L1};
-
-void tellDeviceInfo(SettledLine &line)
-{
-    line.setTopic(topicOf(u"Keys of [DeviceInfo] that a generated description has of its own"_s,
-                          u"They tell what the project has, or what the program always writes."_s));
-    const DescriptionText::Section *info = line.file().section(u"deviceinfo"_s);
-    for (const DescriptionText::Entry &entry : info ? info->entries : std::vector<DescriptionText::Entry>()) {
-        const auto isIt = [&entry](QLatin1StringView key) { return entry.key.compare(key, Qt::CaseInsensitive) == 0; };
-        const auto own = std::ranges::find_if(ownValues, isIt, &OwnValue::key);
-        const QString written = EdsValue::word(entry.value);
-        if (own == std::end(ownValues)) {
-            if (std::ranges::none_of(keptDeviceKeys, isIt))
-                line.tell(entry.line, u"%1=%2: left out"_s.arg(entry.key, written));
-            continue;
-        }
-        const QString value = own->value(line);
-        const auto number = EdsValue::number(value);
-        const bool isSame = number ? number == EdsValue::number(written) : value == written;
-        if (!isSame)
-            line.tell(entry.line, u"%1: %2 -> %3"_s.arg(entry.key, written.isEmpty() ? u"nothing"_s : written, value));
-    }
-}
-
-/// A generated description has the highest subindex in subindex 0 of a maker's or profile's object.
-void tellCounts(SettledLine &line)
-{
-    line.setTopic(topicOf(u"Subindex 0 tells the highest subindex in a generated description"_s,
-                          u"The project has another value, which the device starts with."_s));
-    for (auto object = line.objects().begin(); object != line.objects().end(); ++object) {
-        const quint16 index = object.key();
-        const QList<quint8> subindices = line.subindicesOf(index);
-        const bool isGroup = object->objecttype == Array || object->objecttype == Record;
-        const SettledLine::Sub *count = line.sub(index, 0);
-        if (index >= Index::firstManufacturerObject && isGroup && count && !subindices.isEmpty() &&
-            line.value(index, 0) != quint64{subindices.last()})
-            line.tell(
-                index, 0,
-                u"DefaultValue: %1 -> %2"_s.arg(count->defaultvalue.isEmpty() ? u"nothing"_s : count->defaultvalue)
-                    .arg(subindices.last()),
-                "DefaultValue"_L1);
-    }
+    if (const qsizetype count = countOf(line, &SettledLine::Sub::currentvalue); count > 0 && !isTaken)
+        line.tell(0, u"subindices with a ParameterValue: %1"_s.arg(count));
+    line.setTopic(topicOf(u"Display names stay in the project"_s, u"A description that is generated has none."_s));
+    if (const qsizetype count = countOf(line, &SettledLine::Sub::denotation); count > 0)
+        line.tell(0, u"subindices with a Denotation: %1"_s.arg(count));
 }
 
 } // namespace
 
-void Readings::tellImport(SettledLine &line, const ImportReport &import)
+void Readings::tellImport(SettledLine &line, const ImportReport &import, bool isConfigured)
 {
     line.setTopic(topicOf(u"Parts that were not imported"_s, u"A project has no place for them."_s));
     for (const ImportReport::Dropped &dropped : import.dropped)
@@ -335,22 +230,5 @@ void Readings::tellImport(SettledLine &line, const ImportReport &import)
     tellKeys(line);
     tellSections(line);
     tellAnnouncedPdos(line);
-    tellConfiguredValues(line);
-}
-
-void Readings::tellDescriptions(SettledLine &line)
-{
-    tellDeviceInfo(line);
-    tellCounts(line);
-}
-
-void Readings::dropDenotations(SettledLine &line)
-{
-    line.setTopic(topicOf(u"Denotations were left out"_s, u"A project in text form has no place for them."_s,
-                          u"Make a database, whose name ends in .ncxp, to keep them."_s));
-    for (const auto &[index, subindex, number] : line.allSubindices()) {
-        SettledLine::Sub sub = *line.sub(index, subindex);
-        sub.denotation.clear();
-        line.set(index, subindex, sub);
-    }
+    tellConfiguration(line, isConfigured);
 }

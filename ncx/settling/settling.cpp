@@ -93,7 +93,7 @@ QString Settling::importInto(OpenedProject &project, const DescriptionText &text
     if (import.objects == 0)
         return u"nothing in it could be imported"_s;
     SettledLine imported(project.store(), line, text, report);
-    Readings::tellImport(imported, import);
+    Readings::tellImport(imported, import, isConfigured);
     return {};
 }
 
@@ -104,16 +104,17 @@ bool Settling::mendAll(OpenedProject &project, const DescriptionText &text, Sett
         takeNodeId(settled);
     mend(settled, *this, {}, {});
     ProjectFindings findings = ProjectFindings::of(project);
-    for (int pass = 0; pass < mostPasses; ++pass) {
+    // A repair may leave nothing to warn of.
+    const auto mendFindings = [&](bool isWarning) {
         bool changed = false;
         for (const ProjectFinding &finding : findings.findings) {
-            if (finding.finding.place.line.value_or(line) == line)
+            if (finding.finding.place.line.value_or(line) == line && (finding.severity() == "warning"_L1) == isWarning)
                 changed |= mend(settled, *this, finding.finding.rule, finding.finding.place);
         }
-        if (!changed)
-            break;
+        return changed;
+    };
+    for (int pass = 0; pass < mostPasses && (mendFindings(false) || mendFindings(true)); ++pass)
         findings = ProjectFindings::of(project);
-    }
     if (isText)
         Readings::dropDenotations(settled);
     Readings::tellDescriptions(settled);

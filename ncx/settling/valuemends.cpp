@@ -1,5 +1,6 @@
 #include "ncx/settling/mends.h"
 
+#include "check/line/storevalue.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
@@ -183,27 +184,51 @@ bool ValueMends::removeUnreadable(SettledLine &line, const FindingPlace &place)
     return line.setDefault(*place.index, place.subindex.value_or(0), QString());
 }
 
-/// Limits that leave no room mean none; of others the one that is in the way becomes the default value.
+namespace {
+
+/// A value or a limit as a number that can be compared; a value that is relative to the node-id is as large as it can
+/// be, and as small.
+struct Extent
+{
+    double least = 0;
+    double most = 0;
+    QString leastText = {};
+    QString mostText = {};
+};
+
+Extent extentOf(const QString &text, quint16 type)
+{
+    if (const auto value = StoreValue::parse(text); value && value->nodeRelative) {
+        const quint64 least = value->magnitude + 1;
+        const quint64 most = value->magnitude + lastNodeId;
+        return {double(least), double(most), hexadecimal(least), hexadecimal(most)};
+    }
+    bool isReal = false;
+    double number = text.toDouble(&isReal);
+    if (const auto bits = isReal ? std::nullopt : numberOf(text))
+        number = COHelper::isSigned(type) ? double(static_cast<qint64>(*bits)) : double(*bits);
+    return {number, number, text, text};
+}
+
+} // namespace
+
+/// Limits that leave no room mean none; of others the one that is in the way gives way to the default value.
 bool ValueMends::widenLimits(SettledLine &line, const FindingPlace &place)
 {
     const Sub *present = line.sub(*place.index, *place.subindex);
     if (!present || !present->limitineds)
         return false;
     Sub sub = *present;
-    const double low =
-        sub.lowlimit.startsWith("0x"_L1) ? double(numberOf(sub.lowlimit).value_or(0)) : sub.lowlimit.toDouble();
-    const double high =
-        sub.uplimit.startsWith("0x"_L1) ? double(numberOf(sub.uplimit).value_or(0)) : sub.uplimit.toDouble();
-    if (!sub.lowlimit.isEmpty() && !sub.uplimit.isEmpty() && low >= high) {
+    const Extent low = extentOf(sub.lowlimit, sub.datatype);
+    const Extent high = extentOf(sub.uplimit, sub.datatype);
+    const Extent value = extentOf(sub.defaultvalue, sub.datatype);
+    if (!sub.lowlimit.isEmpty() && !sub.uplimit.isEmpty() && low.least >= high.least) {
         sub.limitineds = false;
-        return line.set(*place.index, *place.subindex, sub);
+    } else {
+        if (!sub.uplimit.isEmpty() && value.most > high.least)
+            sub.uplimit = value.mostText;
+        if (!sub.lowlimit.isEmpty() && value.least < low.least)
+            sub.lowlimit = value.leastText;
     }
-    const auto number = numberOf(sub.defaultvalue);
-    const bool isSigned = COHelper::isSigned(sub.datatype);
-    bool isReal = false;
-    const double real = sub.defaultvalue.toDouble(&isReal);
-    const double value = !number || isReal ? real : isSigned ? double(static_cast<qint64>(*number)) : double(*number);
-    QString &limit = !sub.uplimit.isEmpty() && value > high ? sub.uplimit : sub.lowlimit;
-    limit = isSigned && number ? QString::number(static_cast<qint64>(*number)) : sub.defaultvalue;
     return line.set(*place.index, *place.subindex, sub);
 }

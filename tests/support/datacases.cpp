@@ -17,7 +17,7 @@ namespace {
 const QString sourceRoot = QStringLiteral(NCX_SOURCE_DIR);
 
 /// The templates that the examples share, and a build with a project of its own.
-constexpr std::array otherFolders{"stack"_L1, "cmake_build"_L1};
+constexpr std::array otherFolders{"stack"_L1, "cmake_build"_L1, "from_description"_L1};
 
 QStringList linesOf(const QString &path)
 {
