@@ -75,6 +75,8 @@ constexpr OwnValue ownValues[] = {
     {"RevisionNumber"_L1, identityValue<3>},
     {"NrOfRXPDO"_L1, countOfObjects<Index::rpdos.first, Index::rpdos.last>},
     {"NrOfTXPDO"_L1, countOfObjects<Index::tpdos.first, Index::tpdos.last>},
+    {"EDSVersion"_L1, [](SettledLine &) { return u"4.0"_s; }},
+    {"Description"_L1, [](SettledLine &) { return u"EDS"_s; }},
     {"SimpleBootUpSlave"_L1, always<'1'>},
     {"SimpleBootUpMaster"_L1, always<'0'>},
     {"DynamicChannelsSupported"_L1, always<'0'>},
@@ -88,8 +90,8 @@ constexpr QLatin1StringView keptDeviceKeys[] = {
 constexpr QLatin1StringView keptFileKeys[] = {"FileVersion"_L1, "FileRevision"_L1, "CreatedBy"_L1, "ModifiedBy"_L1};
 constexpr QLatin1StringView keptDummyKeys[] = {"Dummy0001"_L1, "Dummy0002"_L1, "Dummy0003"_L1, "Dummy0004"_L1,
                                                "Dummy0005"_L1, "Dummy0006"_L1, "Dummy0007"_L1};
-constexpr QLatin1StringView anewKeys[] = {"FileName"_L1,        "EDSVersion"_L1,   "Description"_L1,
-                                          "CreationTime"_L1,    "CreationDate"_L1, "ModificationTime"_L1,
+/// Of each generation.
+constexpr QLatin1StringView anewKeys[] = {"FileName"_L1, "CreationTime"_L1, "CreationDate"_L1, "ModificationTime"_L1,
                                           "ModificationDate"_L1};
 
 /// Keys of a section that go into a generated description as they are.
@@ -123,17 +125,21 @@ void tellHead(SettledLine &line, const DescriptionText::Entry &entry)
 void tellHeads(SettledLine &line)
 {
     line.setTopic(topicOf(u"What a generated description has of its own, or not at all"_s,
-                          u"It tells what the project has, or what the program always writes; names and dates of "
-                          "[FileInfo] are those of each generation."_s));
+                          u"It tells what the project has, or what the program always writes."_s));
     for (const auto &[name, keys] : keptKeys) {
         const DescriptionText::Section *section = line.file().section(name);
+        QStringList anew;
         for (const DescriptionText::Entry &entry : section ? section->entries : std::vector<DescriptionText::Entry>()) {
             const auto isIt = [&entry](QLatin1StringView key) {
                 return entry.key.compare(key, Qt::CaseInsensitive) == 0;
             };
-            if (std::ranges::none_of(keys, isIt) && std::ranges::none_of(anewKeys, isIt))
+            if (std::ranges::any_of(anewKeys, isIt))
+                anew.append(entry.key);
+            else if (std::ranges::none_of(keys, isIt))
                 tellHead(line, entry);
         }
+        if (!anew.isEmpty())
+            line.tell(section->line, u"%1: those of each generation"_s.arg(anew.join(", "_L1)));
     }
 }
 

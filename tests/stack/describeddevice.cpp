@@ -163,15 +163,11 @@ QList<DescriptionDifference> differences(const DescribedDevice &maker, const Des
         }
     }
     for (const QString &section : {u"deviceinfo"_s, u"dummyusage"_s, u"fileinfo"_s}) {
-        static const QSet<QString> always{u"filename"_s,        u"edsversion"_s,   u"description"_s,
-                                          u"creationtime"_s,    u"creationdate"_s, u"modificationtime"_s,
-                                          u"modificationdate"_s};
         const Keys wanted = maker.sections.value(section);
         const Keys made = generated.sections.value(section);
         for (auto it = wanted.cbegin(); it != wanted.cend(); ++it) {
             const bool isText = it.key().endsWith("name"_L1) || it.key() == "ordercode"_L1;
-            if (!always.contains(it.key()) &&
-                canonical(it.value(), isText ? 9 : 0) != canonical(made.value(it.key()), isText ? 9 : 0))
+            if (canonical(it.value(), isText ? 9 : 0) != canonical(made.value(it.key()), isText ? 9 : 0))
                 found.append({section, it.key()});
         }
     }
