@@ -19,6 +19,9 @@ namespace {
 /// Some repairs make way for others. A file needs two or three passes.
 constexpr int mostPasses = 10;
 
+/// Real descriptions have a few megabytes at most.
+constexpr qint64 mostBytes = 64LL << 20;
+
 void takeNodeId(SettledLine &line)
 {
     line.setTopic({SettlingTopic::Kind::Settled, u"The node-id is that of the file"_s,
@@ -75,6 +78,8 @@ void tellLeft(const Settling &settling, const ProjectFindings &findings, Settled
 QString Settling::settle(OpenedProject &project, SettlingReport &report) const
 {
     DescriptionText text;
+    if (QFileInfo(file).size() > mostBytes)
+        return u"it is too large for a description, of which 64 MB are read"_s;
     if (!text.load(file))
         return u"it cannot be read"_s;
     if (const QString reason = importInto(project, text, report); !reason.isEmpty())
