@@ -2,6 +2,7 @@
 // usage: node look.mjs PROGRAM
 
 import assert from 'node:assert/strict';
+import { execFileSync } from 'node:child_process';
 import fs from 'node:fs';
 import path from 'node:path';
 import { createRequire } from 'node:module';
@@ -181,6 +182,22 @@ const cases = {
         await go(tab, '0x1a00');
         await tab.hover('svg.frame .field');
         assert.equal(await tab.locator('tr.hot').count(), 1);
+        await tab.close();
+    },
+
+    async 'Raw CAN messages are drawn with the bits counted from 0'() {
+        const text = path.join(folder, 'raw.ncxt');
+        fs.writeFileSync(text, '[GeneralSettings]\nco_timer_interval=1000\nline0type=4\n[Nodes]\n0\\name=can0\n');
+        answer(program, 'convert', text, path.join(folder, 'raw.ncxp'), '--force');
+        execFileSync(path.join(path.dirname(program), 'ncx_cli_can'), ['--mcp'], {
+            cwd: folder, env: { ...process.env, HOME: folder },
+            input: fs.readFileSync(path.join(top, 'tests/data/ncx/files/raw.calls')) });
+        const tab = await open(browser, writePage(program, path.join(folder, 'raw.ncxp'), 'raw.html'), '#can0x18f');
+        assert.deepEqual(await texts(tab, 'svg.frame .field title'),
+                         ['#1 Speed: start 0.0 (bit 0), 16 bits', '#2 Brake: start 2.2 (bit 18), 3 bits']);
+        assert.deepEqual((await tab.evaluate(visitAll)).faults, []);
+        assert.equal(await tab.evaluate(() => cyclicMessages(models[0])[0].most), 47 + 24 + 14);
+        assert.deepEqual(tab.faults, []);
         await tab.close();
     },
 
