@@ -1,7 +1,7 @@
 // The reader of DBC files, and the writer on what it accepts.
 
 #include "fuzz/scratch.h"
-#include "generate/bus/dbcreader.h"
+#include "candb/dbcreader.h"
 #include "generate/bus/dbcwriter.h"
 
 #include <QTextStream>

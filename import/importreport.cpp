@@ -9,6 +9,13 @@ void ImportReport::drop(qsizetype line, const QString &what)
         dropped.append({line, what});
 }
 
+void ImportReport::note(qsizetype line, const QString &what)
+{
+    ++noteCount;
+    if (notes.size() < mostKept)
+        notes.append({line, what});
+}
+
 bool ImportReport::wrote(bool done, const QString &what, qsizetype line)
 {
     if (!done)

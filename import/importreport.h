@@ -24,8 +24,11 @@ struct ImportReport
     qsizetype signalCount = 0; ///< SPNs and data elements
     QList<Dropped> dropped;    ///< in the order of the file, as far as they are kept
     qsizetype droppedCount = 0;
+    QList<Dropped> notes; ///< what came in, but not as the file has it
+    qsizetype noteCount = 0;
 
     void drop(qsizetype line, const QString &what);
+    void note(qsizetype line, const QString &what);
     /// Drops what could not be written; the reason stands in the log before it. Returns whether it was written.
     bool wrote(bool done, const QString &what, qsizetype line = 0);
     /// What was taken in one line, and a line for each part that was dropped and kept.

@@ -1,7 +1,7 @@
 #include "generate/bus/candbdbc.h"
 
 #include "generate/base/outputfile.h"
-#include "generate/bus/dbcreader.h"
+#include "candb/dbcreader.h"
 #include "generate/bus/dbcwriter.h"
 #include "texttools/textfile.h"
 

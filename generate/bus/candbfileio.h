@@ -1,6 +1,6 @@
 #pragma once
 
-#include "generate/bus/candb.h"
+#include "candb/candb.h"
 
 /// A CAN database and a file form of it.
 class CANdbFileIo

@@ -1,6 +1,6 @@
 #include "generate/bus/dbcframes.h"
 
-#include "generate/bus/candb.h"
+#include "candb/candb.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/codes.h"
 #include "nodedict/cohelper.h"

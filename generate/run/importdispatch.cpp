@@ -1,7 +1,9 @@
 #include "generate/run/importdispatch.h"
 
+#include "check/line/specialpgns.h"
 #include "generate/base/runcontext.h"
 #include "import/csvimporter.h"
+#include "import/dbcimporter.h"
 #include "import/doctxtimporter.h"
 #include "import/edsimporter.h"
 #include "import/importreport.h"
@@ -113,6 +115,27 @@ bool ImportDispatch::importFile(const Store &store, const QString &path, std::op
 {
     const ImportForm *form = formOf(path);
     return form && form->import(store, path, line, report);
+}
+
+bool ImportDispatch::isDbc(const QString &path)
+{
+    return QFileInfo(path).suffix().compare("dbc"_L1, Qt::CaseInsensitive) == 0;
+}
+
+QString ImportDispatch::importDbc(const Store &store, const QString &path, quint8 line, const QString &node,
+                                  ImportReport &report)
+{
+    DbcImporter importer;
+    importer.setLine(line);
+    importer.setDatabase(store);
+    importer.setNode(node);
+    importer.setHandledPgns(specialPGNs(*store, line));
+    if (!importer.setFile(path))
+        return u"it cannot be read"_s;
+    importer.startImport();
+    importer.waitForEnd();
+    report = importer.report();
+    return importer.lastErrorText();
 }
 
 std::optional<LineProtocols> ImportDispatch::protocolFor(const QString &path)

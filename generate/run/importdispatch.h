@@ -23,6 +23,13 @@ bool importFile(const std::shared_ptr<ObjectDataBase> &store, const QString &pat
 bool importFile(const std::shared_ptr<ObjectDataBase> &store, const QString &path, std::optional<quint8> line,
                 ImportReport &report);
 
+/// True for the name of a DBC file, which `importDbc` takes.
+bool isDbc(const QString &path);
+/// The messages of a DBC file into a J1939 line or raw CAN line; `node` is the device among the file's nodes, or empty.
+/// The reason for which that could not be; empty if it is done.
+QString importDbc(const std::shared_ptr<ObjectDataBase> &store, const QString &path, quint8 line, const QString &node,
+                  ImportReport &report);
+
 /// The protocol that a line has to speak for a file of this name, or none for a project; nothing if no importer takes
 /// it.
 std::optional<LineProtocols> protocolFor(const QString &path);

@@ -23,7 +23,8 @@ constexpr int jsonVersion = 1;
 constexpr Operand operands[] = {
     {.name = "PROJECT"_L1, .text = "the project that takes the files, and is saved"_L1, .offer = Offer::Projects},
     {.name = "FILE"_L1,
-     .text = "device descriptions (.eds, .dcf), tables (.csv), text documents (*doc*.txt), projects (.ncxp)"_L1,
+     .text = "device descriptions (.eds, .dcf), tables (.csv), CAN databases (.dbc), text documents "
+             "(*doc*.txt), projects (.ncxp)"_L1,
      .most = anyNumber,
      .offer = Offer::Files},
 };
@@ -31,6 +32,10 @@ constexpr Operand operands[] = {
 constexpr Option options[] = {
     {.name = "json"_L1, .letter = 'j', .text = "answer in JSON, form ncx-import version 1"_L1},
     {.name = "line"_L1, .letter = 'l', .value = "N"_L1, .text = "the line that takes the files; 0 without it"_L1},
+    {.name = "node"_L1,
+     .letter = 'n',
+     .value = "NAME"_L1,
+     .text = "the device among the nodes of a CAN database: what it sends is transmitted, what it gets received"_L1},
     {.name = "lossy"_L1, .text = "save as text even what the text form cannot hold"_L1},
 };
 
@@ -39,12 +44,16 @@ constexpr QLatin1StringView details[] = {
     "taken, and each part of a file that was dropped, with its line. If a file cannot be imported, or brings nothing, "
     "the "
     "project stays as it was."_L1,
+    "The frames of a CAN database become PGNs with SPNs on a J1939 line, CAN-IDs with data elements on a raw CAN line. "
+    "Scales, units, names of values and multiplexing go into the descriptions; the answer tells that, and signals that "
+    "a project cannot hold, such as those in Motorola byte order."_L1,
     "A project as FILE is merged line by line, or into --line alone. A database keeps its former version as "
     "PROJECT.bak."_L1,
 };
 
 constexpr Example examples[] = {
     {"ncx import device.ncxt drive.eds"_L1, "takes a maker's objects into line 0"_L1},
+    {"ncx import sensor.ncxp bus.dbc --node=Sensor"_L1, "takes what one node of a bus sends and receives"_L1},
     {"ncx import gateway.ncxp sensors.csv --line=2"_L1, "takes a table into line 2"_L1},
 };
 
@@ -56,22 +65,29 @@ struct Imported
     QJsonObject toJson() const;
 };
 
-QJsonObject Imported::toJson() const
+QJsonArray listOf(const QList<ImportReport::Dropped> &parts)
 {
-    QJsonArray dropped;
-    for (const ImportReport::Dropped &part : report.dropped) {
+    QJsonArray list;
+    for (const ImportReport::Dropped &part : parts) {
         QJsonObject json{{u"what"_s, part.what}};
         if (part.line > 0)
             json.insert(u"fileLine"_s, part.line);
-        dropped.append(json);
+        list.append(json);
     }
+    return list;
+}
+
+QJsonObject Imported::toJson() const
+{
     return {{u"file"_s, path},
             {u"objects"_s, report.objects},
             {u"subindices"_s, report.subObjects},
             {u"messages"_s, report.messages},
             {u"signals"_s, report.signalCount},
             {u"droppedCount"_s, report.droppedCount},
-            {u"dropped"_s, dropped}};
+            {u"dropped"_s, listOf(report.dropped)},
+            {u"noteCount"_s, report.noteCount},
+            {u"notes"_s, listOf(report.notes)}};
 }
 
 /// Why a line cannot take a file; empty if it can.
@@ -79,12 +95,15 @@ QString reasonAgainst(ObjectDataBase &store, const QString &path, quint8 line)
 {
     if (!QFileInfo(path).isFile())
         return u"there is no such file"_s;
+    const LineProtocols own = LineProtocols::ofLine(store, line);
+    if (ImportDispatch::isDbc(path))
+        return own.j1939 || own.rawCan ? QString()
+                                       : u"it is for J1939 or raw CAN, which line %1 does not speak"_s.arg(line);
     const std::optional<LineProtocols> needed = ImportDispatch::protocolFor(path);
     if (!needed)
         return OpenedProject::isTextPath(path)
                    ? u"a project in text form is not merged; 'ncx convert' makes a database of it"_s
                    : u"no importer takes a file of this name"_s;
-    const LineProtocols own = LineProtocols::ofLine(store, line);
     if ((needed->canOpen && !own.canOpen) || (needed->j1939 && !own.j1939))
         return u"it is for %1, which line %2 does not speak"_s.arg(needed->canOpen ? u"CANopen"_s : u"J1939"_s)
             .arg(line);
@@ -102,9 +121,15 @@ std::optional<QList<Imported>> importAll(const Invocation &call, const OpenedPro
 {
     QList<Imported> all;
     for (const QString &path : call.operands().sliced(1)) {
+        call.terminal().step(u"importing %1"_s.arg(path));
         Imported imported{.path = path};
         QString reason = reasonAgainst(project.store(), path, line.value_or(0));
-        if (reason.isEmpty() && !ImportDispatch::importFile(project.sharedStore(), path, line, imported.report))
+        if (reason.isEmpty() && ImportDispatch::isDbc(path))
+            reason = ImportDispatch::importDbc(project.sharedStore(), path, line.value_or(0), call.value("node"_L1),
+                                               imported.report);
+        else if (reason.isEmpty() && call.isSet("node"_L1))
+            reason = u"--node is for CAN databases"_s;
+        else if (reason.isEmpty() && !ImportDispatch::importFile(project.sharedStore(), path, line, imported.report))
             reason = u"it cannot be read, or is no such file"_s;
         if (reason.isEmpty() && !takesSomething(imported.report))
             reason = u"nothing in it could be imported"_s;
@@ -117,6 +142,14 @@ std::optional<QList<Imported>> importAll(const Invocation &call, const OpenedPro
     return all;
 }
 
+void tellParts(Terminal &terminal, const QString &path, const QString &kind, const QList<ImportReport::Dropped> &parts)
+{
+    for (const ImportReport::Dropped &part : parts) {
+        const QString place = part.line > 0 ? u"%1:%2"_s.arg(path).arg(part.line) : path;
+        terminal.answer(u"%1: %2: %3"_s.arg(place, kind, part.what));
+    }
+}
+
 void tell(const Invocation &call, const QList<Imported> &all)
 {
     Terminal &terminal = call.terminal();
@@ -126,9 +159,8 @@ void tell(const Invocation &call, const QList<Imported> &all)
         list.append(imported.toJson());
         if (call.isSet("json"_L1))
             continue;
-        for (const ImportReport::Dropped &part : report.dropped)
-            terminal.answer(part.line > 0 ? u"%1:%2: dropped: %3"_s.arg(imported.path).arg(part.line).arg(part.what)
-                                          : u"%1: dropped: %2"_s.arg(imported.path, part.what));
+        tellParts(terminal, imported.path, u"dropped"_s, report.dropped);
+        tellParts(terminal, imported.path, u"note"_s, report.notes);
         terminal.answer(u"%1: %2 objects, %3 subindices, %4 messages, %5 signals; dropped: %6"_s.arg(imported.path)
                             .arg(report.objects)
                             .arg(report.subObjects)
@@ -156,12 +188,14 @@ QString save(const Invocation &call, OpenedProject &project)
     }
     if (project.hasChangedOnDisk())
         return u"another process has changed it meanwhile; it is left as it is"_s;
+    call.terminal().step(u"writing %1"_s.arg(project.path()));
     return project.saveAs(project.path());
 }
 
 int run(const Invocation &call)
 {
     OpenedProject project;
+    call.terminal().step(u"reading %1"_s.arg(call.operand()));
     if (!project.open(call.operand(), OpenedProject::Purpose::Editing)) {
         call.terminal().fail(u"%1: %2"_s.arg(call.operand(), project.reason()));
         return CouldNot;

@@ -1,4 +1,4 @@
-#include "generate/bus/dbcreader.h"
+#include "candb/dbcreader.h"
 #include "stack/generatedsources.h"
 #include "stack/randomproject.h"
 #include "support/printing.h"

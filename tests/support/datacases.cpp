@@ -16,8 +16,8 @@ namespace {
 
 const QString sourceRoot = QStringLiteral(NCX_SOURCE_DIR);
 
-/// The templates that the examples share, and a build with a project of its own.
-constexpr std::array otherFolders{"stack"_L1, "cmake_build"_L1, "from_description"_L1};
+/// The templates that the examples share, a build with a project of its own, and files to be imported.
+constexpr std::array otherFolders{"stack"_L1, "cmake_build"_L1, "from_description"_L1, "can_database"_L1};
 
 QStringList linesOf(const QString &path)
 {

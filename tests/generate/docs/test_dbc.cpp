@@ -1,6 +1,6 @@
 #include "generate/bus/candbdbc.h"
 #include "generate/bus/dbcgenerator.h"
-#include "generate/bus/dbcreader.h"
+#include "candb/dbcreader.h"
 #include "generate/bus/dbcwriter.h"
 #include "generate/docs/generatorjob.h"
 #include "support/nodepackage.h"

@@ -23,6 +23,14 @@ inline constexpr quint32 extendedFrame = 0x80000000;
 /// What stands for a node that the database does not name.
 inline constexpr QLatin1StringView noNode{"Vector__XXX"};
 
+/// Where something stands in its file. Two databases are equal wherever their parts stand.
+struct FilePlace
+{
+    int line = 0; ///< from 1; 0 for none
+
+    friend bool operator==(FilePlace, FilePlace) { return true; }
+};
+
 struct AttributeDefinition
 {
     enum class Type
@@ -93,6 +101,7 @@ struct Signal
     QString multiplexer = {};         ///< the signal that switches this one, where that is told with value ranges
     QStringList multiplexRanges = {}; ///< "3-5"
     Attributes attributes = {};
+    FilePlace place = {};
 
     friend bool operator==(const Signal &, const Signal &) = default;
 };
@@ -106,6 +115,7 @@ struct Message
     QList<Signal> signalList = {};
     QString comment = {};
     Attributes attributes = {};
+    FilePlace place = {};
 
     friend bool operator==(const Message &, const Message &) = default;
 };
