@@ -18,6 +18,8 @@ int main(int argc, char **argv)
     ProcessStart::installDebugLog();
     // A reader of the answers that goes away must not keep working copies from being removed.
     std::signal(SIGPIPE, SIG_IGN);
+    // A file beyond the size that the user may write is told like a full disk.
+    std::signal(SIGXFSZ, SIG_IGN);
     WorkingCopies::removeOnSignals();
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationVersion(QStringLiteral(PROJECT_VERSION));

@@ -69,11 +69,13 @@ int checkProject(const Invocation &call, const QString &path, QJsonArray &projec
 {
     const bool isJson = call.isSet("json"_L1);
     OpenedProject project;
+    call.terminal().step(u"reading %1"_s.arg(path));
     if (!project.open(path)) {
         call.terminal().fail(u"%1: %2"_s.arg(path, project.reason()));
         projects.append(QJsonObject{{u"file"_s, path}, {u"failure"_s, project.reason()}});
         return CouldNot;
     }
+    call.terminal().step(u"checking %1"_s.arg(path));
     ProjectFindings findings = ProjectFindings::of(project);
     if (project.store().isDamaged()) {
         const QString reason = u"it is broken: not all of it could be read"_s;

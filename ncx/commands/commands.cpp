@@ -5,8 +5,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr const Command *all[] = {
-    &Commands::newProject, &Commands::importFiles, &Commands::check, &Commands::show,
-    &Commands::generate,   &Commands::convert,     &Commands::help,
+    &Commands::newProject, &Commands::importFiles, &Commands::check,   &Commands::show,
+    &Commands::diff,       &Commands::generate,    &Commands::convert, &Commands::help,
 };
 
 constexpr Option common[] = {
@@ -21,7 +21,7 @@ constexpr QLatin1StringView details[] = {
 
 constexpr Program ncx{
     .name = "ncx"_L1,
-    .summary = "make, check, show and build projects of CAN devices"_L1,
+    .summary = "make, check, show, compare and build projects of CAN devices"_L1,
     .commands = all,
     .options = common,
     .details = details,

@@ -7,6 +7,7 @@ namespace Commands {
 
 extern const Command check;
 extern const Command convert;
+extern const Command diff;
 extern const Command generate;
 extern const Command help;
 extern const Command importFiles;

@@ -72,12 +72,14 @@ int run(const Invocation &call)
         return CouldNot;
     }
     OpenedProject project;
-    if (!project.open(in, OpenedProject::Purpose::Editing)) {
+    terminal.step(u"reading %1"_s.arg(in));
+    if (!project.open(in, OpenedProject::Purpose::Reading)) {
         terminal.fail(u"%1: %2"_s.arg(in, project.reason()));
         return CouldNot;
     }
     if (OpenedProject::isTextPath(out) && !acceptsLosses(call, project.store()))
         return CouldNot;
+    terminal.step(u"writing %1"_s.arg(out));
     if (const QString reason = project.saveAs(out); !reason.isEmpty()) {
         terminal.fail(u"%1: %2"_s.arg(out, reason));
         return CouldNot;

@@ -173,6 +173,7 @@ int run(const Invocation &call)
 {
     Terminal &terminal = call.terminal();
     OpenedProject project;
+    call.terminal().step(u"reading %1"_s.arg(call.operand()));
     if (!project.open(call.operand())) {
         terminal.fail(u"%1: %2"_s.arg(call.operand(), project.reason()));
         return CouldNot;
@@ -185,6 +186,7 @@ int run(const Invocation &call)
         terminal.fail(u"%1: it cannot be read, or is no such file"_s.arg(call.value("user-section"_L1)));
         return CouldNot;
     }
+    call.terminal().step(u"generating"_s);
     const FolderGeneration::Outcome outcome = generation.generate();
     tellFindings(call, project, generation);
     const auto tellMessages = [&] {

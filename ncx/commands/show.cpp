@@ -3,6 +3,7 @@
 #include "ncx/commands/commands.h"
 #include "ncx/commands/devicetext.h"
 #include "ncx/commands/showpage.h"
+#include "ncx/compare/devicelisting.h"
 #include "ncx/device/devicejson.h"
 #include "ncx/project/openedproject.h"
 #include "ncx/usage/invocation.h"
@@ -31,6 +32,9 @@ constexpr Option options[] = {
     {.name = "html"_L1,
      .value = "FILE"_L1,
      .text = "write one page on which the device can be looked up, with what the check finds"_L1},
+    {.name = "all"_L1,
+     .letter = 'a',
+     .text = "all that the project says, in lines that can be compared; as textconv of git"_L1},
     {.name = "json"_L1, .letter = 'j', .text = "answer in JSON, form ncx-device version 1"_L1},
     {.name = "line"_L1, .letter = 'l', .value = "N"_L1, .text = "this line of the device only"_L1},
     {.name = "objects"_L1, .letter = 'd', .text = "the object dictionaries as tables"_L1},
@@ -40,6 +44,7 @@ constexpr Option options[] = {
 constexpr QLatin1StringView details[] = {
     "A PDO, a PGN and a raw message are drawn as frames, byte for byte and bit for bit, bit 7 on the left. A number "
     "without 0x is a PGN or CAN-ID in decimal and an index in hexadecimal; all that fits is shown."_L1,
+    "--all writes all that a project says in lines, the same for the same device; git takes that for comparisons."_L1,
     "Texts are cut where a terminal is too narrow for them, and nowhere else: 'COLUMNS=200 ncx show ...' cuts less."_L1,
 };
 
@@ -49,6 +54,7 @@ constexpr Example examples[] = {
     {"ncx show sensor.ncxt 65262"_L1, "a PGN with its SPNs"_L1},
     {"ncx show device.ncxt --html device.html"_L1, "a page for a browser, in one file"_L1},
     {"ncx show sensor.ncxt 65262 --svg temperature.svg"_L1, "a frame as a picture"_L1},
+    {"git config diff.ncx.textconv 'ncx show --all'"_L1, "lets git compare projects, databases too"_L1},
     {"ncx show --json device.ncxt 1018"_L1, "an object for a program"_L1},
 };
 
@@ -221,6 +227,10 @@ int showDevice(const Invocation &call, OpenedProject &project, const QList<quint
 QString contradiction(const Invocation &call)
 {
     const bool isPart = call.operands().size() > 1;
+    const bool hasForm =
+        call.isSet("json"_L1) || call.isSet("objects"_L1) || call.isSet("html"_L1) || call.isSet("svg"_L1);
+    if (call.isSet("all"_L1) && (isPart || hasForm))
+        return u"--all goes with no part and no other form"_s;
     if (call.isSet("html"_L1) && (isPart || call.isSet("svg"_L1) || call.isSet("json"_L1) || call.isSet("objects"_L1)))
         return u"--html writes the device as a whole, and nothing else"_s;
     if (call.isSet("svg"_L1) && !isPart)
@@ -228,31 +238,59 @@ QString contradiction(const Invocation &call)
     return {};
 }
 
+/// The lines of the device that the call asks for; nothing, with that told, if it has them not.
+std::optional<QList<quint8>> wantedLines(const Invocation &call, ObjectDataBase &store)
+{
+    QList<quint8> lines = store.getNodeList();
+    if (!call.isSet("line"_L1))
+        return lines;
+    bool ok = false;
+    const uint line = call.value("line"_L1).toUInt(&ok);
+    if (ok && line <= 0xff && lines.contains(static_cast<quint8>(line)))
+        return QList<quint8>{static_cast<quint8>(line)};
+    call.terminal().fail(u"%1 has no line %2"_s.arg(call.operand(), call.value("line"_L1)));
+    return std::nullopt;
+}
+
+int showAll(const Invocation &call)
+{
+    ComparedDevice device;
+    call.terminal().step(u"reading %1"_s.arg(call.operand()));
+    if (!device.open(call.operand())) {
+        call.terminal().fail(u"%1: %2"_s.arg(call.operand(), device.reason()));
+        return CouldNot;
+    }
+    const std::optional<QList<quint8>> lines = wantedLines(call, device.store());
+    if (!lines)
+        return CouldNot;
+    listDevice(device, *lines, [&call](const QString &line) { call.terminal().answer(line); });
+    if (!device.isDamaged())
+        return Done;
+    call.terminal().fail(u"%1: %2"_s.arg(call.operand(), ComparedDevice::damage()));
+    return CouldNot;
+}
+
 int run(const Invocation &call)
 {
     if (const QString reason = contradiction(call); !reason.isEmpty())
         return call.refuse(reason);
+    if (call.isSet("all"_L1))
+        return showAll(call);
     OpenedProject project;
     // A page has what the check finds, which asks for the project as a run sees it.
-    const auto purpose = call.isSet("html"_L1) ? OpenedProject::Purpose::Running : OpenedProject::Purpose::Editing;
+    const auto purpose = call.isSet("html"_L1) ? OpenedProject::Purpose::Running : OpenedProject::Purpose::Reading;
+    call.terminal().step(u"reading %1"_s.arg(call.operand()));
     if (!project.open(call.operand(), purpose)) {
         call.terminal().fail(u"%1: %2"_s.arg(call.operand(), project.reason()));
         return CouldNot;
     }
-    QList<quint8> lines = project.store().getNodeList();
-    if (call.isSet("line"_L1)) {
-        bool ok = false;
-        const uint line = call.value("line"_L1).toUInt(&ok);
-        if (!ok || line > 0xff || !lines.contains(static_cast<quint8>(line))) {
-            call.terminal().fail(u"%1 has no line %2"_s.arg(call.operand(), call.value("line"_L1)));
-            return CouldNot;
-        }
-        lines = {static_cast<quint8>(line)};
-    }
-    const int result = call.operands().size() > 1 ? showPart(call, project, lines) : showDevice(call, project, lines);
+    const std::optional<QList<quint8>> lines = wantedLines(call, project.store());
+    if (!lines)
+        return CouldNot;
+    const int result = call.operands().size() > 1 ? showPart(call, project, *lines) : showDevice(call, project, *lines);
     if (!project.store().isDamaged())
         return result;
-    call.terminal().fail(u"%1: it is broken: not all of it could be read"_s.arg(call.operand()));
+    call.terminal().fail(u"%1: %2"_s.arg(call.operand(), ComparedDevice::damage()));
     return CouldNot;
 }
 

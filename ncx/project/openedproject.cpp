@@ -10,6 +10,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QTemporaryFile>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -30,24 +33,6 @@ QByteArray stampOf(const QString &path)
     QFile file(path);
     QCryptographicHash hash(QCryptographicHash::Sha256);
     return file.open(QIODevice::ReadOnly) && hash.addData(&file) ? hash.result() : QByteArray();
-}
-
-/// Why a file cannot be read at all; empty if it can.
-QString reasonNotToRead(const QString &path)
-{
-    const QFileInfo info(path);
-    if (!info.exists())
-        return info.isSymLink() ? u"the link leads to no file"_s : u"there is no such file"_s;
-    if (info.isDir())
-        return u"it is a folder"_s;
-    if (!info.isFile())
-        return u"it is no regular file"_s;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return u"it cannot be read: %1"_s.arg(file.errorString());
-    if (info.size() == 0)
-        return u"it is empty"_s;
-    return {};
 }
 
 /// What a file is that is no project, and what can be done with it.
@@ -84,6 +69,22 @@ qint64 sizeByHeader(const QByteArray &head)
     return pageSize * number(28, 4);
 }
 
+/// True if a working copy of a file of this size can be written to a folder.
+bool hasRoom(const QString &folder, qint64 size)
+{
+    constexpr qint64 emptyDatabase = 256 << 10;
+    constexpr qint64 chunk = 64 << 10;
+    QTemporaryFile probe(folder + "/probe_XXXXXX"_L1);
+    if (!probe.open())
+        return false;
+    const QByteArray zeros(chunk, '\0');
+    for (qint64 left = std::max(size, emptyDatabase); left > 0; left -= chunk) {
+        if (probe.write(zeros) != chunk)
+            return false;
+    }
+    return probe.flush();
+}
+
 } // namespace
 
 void TextSink::message(const QVariant &value)
@@ -116,6 +117,23 @@ OpenedProject::OpenedProject()
 
 OpenedProject::~OpenedProject() = default;
 
+QString OpenedProject::reasonNotToRead(const QString &path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return info.isSymLink() ? u"the link leads to no file"_s : u"there is no such file"_s;
+    if (info.isDir())
+        return u"it is a folder"_s;
+    if (!info.isFile())
+        return u"it is no regular file"_s;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return u"it cannot be read: %1"_s.arg(file.errorString());
+    if (info.size() == 0)
+        return u"it is empty"_s;
+    return {};
+}
+
 bool OpenedProject::refuse(const QString &reason)
 {
     reason_ = reason;
@@ -129,11 +147,12 @@ bool OpenedProject::open(const QString &path, Purpose purpose)
         return refuse(reason);
     if (const QByteArray head = headOf(path); isText() && head.startsWith(databaseSignature))
         return refuse(reasonOfForeign(path, head));
-    stamp_ = stampOf(path);
+    if (purpose == Purpose::Editing)
+        stamp_ = stampOf(path);
     Identity::takeWidest();
     // An open may change the current folder, which the other operands of a command are relative to.
     const QString folder = QDir::currentPath();
-    const bool opened = purpose == Purpose::Editing ? openForEditing(path) : handler_.openProject(path);
+    const bool opened = purpose == Purpose::Running ? handler_.openProject(path) : openAsItIs(path);
     QDir::setCurrent(folder);
     if (!opened || handler_.isUnreadText())
         return refuse(reasonOfFailure());
@@ -148,7 +167,7 @@ bool OpenedProject::open(const QString &path, Purpose purpose)
     return true;
 }
 
-bool OpenedProject::openForEditing(const QString &path)
+bool OpenedProject::openAsItIs(const QString &path)
 {
     const bool opened = isText() ? store().openTextDatabase(path) : store().openDataBase(path);
     // A text that says nothing of its origin is not of the edition that was only taken to open it.
@@ -173,6 +192,9 @@ QString OpenedProject::reasonOfFailure() const
     const QFileInfo folder(WorkingCopies::folder());
     if (!folder.isDir() || !folder.isWritable())
         return u"there is no place for a working copy in %1; XDG_DATA_HOME names another folder"_s.arg(
+            folder.filePath());
+    if (!hasRoom(folder.filePath(), QFileInfo(path_).size()))
+        return u"there is no room for a working copy in %1; XDG_DATA_HOME names another folder"_s.arg(
             folder.filePath());
     const QByteArray head = headOf(path_);
     const bool isDatabase = head.startsWith(databaseSignature);

@@ -44,7 +44,8 @@ public:
     enum class Purpose
     {
         Running, ///< with the corrections and settings that a run begins with
-        Editing  ///< as it is in its file, in the present layout
+        Reading, ///< as it is in its file, in the present layout
+        Editing  ///< the same, to be saved in the place of that file
     };
 
     /// Opens a project of any form and age. False, with the reason and what to do about it, for what is missing, cannot
@@ -55,6 +56,8 @@ public:
 
     const QString &path() const { return path_; } ///< as it was given
     bool isText() const { return isTextPath(path_); }
+    /// Why a file cannot be read at all, whatever is in it; empty if it can.
+    static QString reasonNotToRead(const QString &path);
     static bool isTextPath(const QString &path) { return path.endsWith(QLatin1StringView("ncxt")); }
     ObjectDataBase &store() const { return *handler_.database(); }
     const std::shared_ptr<ObjectDataBase> &sharedStore() const { return handler_.database(); }
@@ -65,12 +68,12 @@ public:
     /// Saves a project to a file whose ending tells the form, as a whole or not at all. The reason for which that could
     /// not be, a sentence part; empty if it is done.
     static QString save(ObjectDataBase &store, const QString &path);
-    /// True if the file is not the one any more that was opened: another process has written it.
+    /// True if the file is not the one any more that was opened for editing: another process has written it.
     bool hasChangedOnDisk() const;
 
 private:
     bool refuse(const QString &reason);
-    bool openForEditing(const QString &path);
+    bool openAsItIs(const QString &path);
     QString reasonOfFailure() const;
 
     TextSink sink_;

@@ -1,5 +1,7 @@
 #include "ncx/usage/terminal.h"
 
+#include "ncx/usage/progressline.h"
+
 #include <QByteArray>
 
 #include <cerrno>
@@ -62,6 +64,24 @@ Terminal::Terminal()
     , errorsAreShown_(isatty(STDERR_FILENO) == 1)
     , width_(widthOf(STDOUT_FILENO))
 {
+    if (errorsAreShown_)
+        progress_ = std::make_unique<ProgressLine>([](const QByteArray &bytes) {
+            std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
+        });
+}
+
+Terminal::~Terminal() = default;
+
+void Terminal::step(const QString &what)
+{
+    if (progress_)
+        progress_->begin(what);
+}
+
+void Terminal::endStep()
+{
+    if (progress_)
+        progress_->end();
 }
 
 QString Terminal::styled(Style style, const QString &text) const
@@ -76,6 +96,7 @@ void Terminal::answer(const QString &text)
 
 void Terminal::write(const QString &text)
 {
+    endStep();
     const QByteArray bytes = text.toUtf8();
     const size_t written = std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
     if (written != static_cast<size_t>(bytes.size()) && failure_ == 0)
@@ -84,6 +105,7 @@ void Terminal::write(const QString &text)
 
 void Terminal::tell(const QString &text)
 {
+    endStep();
     std::fflush(stdout);
     const QByteArray line = u"ncx: %1\n"_s.arg(text).toUtf8();
     std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stderr);
@@ -97,6 +119,7 @@ void Terminal::fail(const QString &text)
 
 bool Terminal::finish()
 {
+    endStep();
     if (std::fflush(stdout) != 0 && failure_ == 0)
         failure_ = errno;
     if (failure_ != 0 && failure_ != EPIPE)

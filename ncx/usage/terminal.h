@@ -2,6 +2,10 @@
 
 #include <QString>
 
+#include <memory>
+
+class ProgressLine;
+
 /// The two outputs of a command: answers on standard output, everything else on standard error. Each is coloured where
 /// it is a terminal, unless NO_COLOR is set or the terminal knows no colours.
 class Terminal
@@ -18,6 +22,8 @@ public:
     };
 
     Terminal();
+    ~Terminal();
+    Q_DISABLE_COPY_MOVE(Terminal)
 
     /// Writes a text and a line feed to standard output.
     void answer(const QString &text);
@@ -27,6 +33,9 @@ public:
     void tell(const QString &text);
     /// The same with the word "error".
     void fail(const QString &text);
+    /// Says what the program begins to do. On a terminal for errors that is shown once it takes more than a second,
+    /// until it has something to say.
+    void step(const QString &what);
     /// A text in a style of the answers, plain where these are not coloured.
     QString styled(Style style, const QString &text) const;
 
@@ -37,9 +46,12 @@ public:
     bool finish();
 
 private:
+    void endStep();
+
     bool answersAreColoured_;
     bool errorsAreColoured_;
     bool errorsAreShown_;
     int width_;
-    int failure_ = 0; ///< errno of the first answer that could not be written
+    std::unique_ptr<ProgressLine> progress_; ///< of a terminal
+    int failure_ = 0;                        ///< errno of the first answer that could not be written
 };

@@ -47,11 +47,14 @@ QList<std::pair<QString, QString>> lostColumns(const QString &table)
     return columns;
 }
 
-/// A line without its row in the text comes back with what a new line has.
+/// A line without its row in the text comes back with what a new line has, but for a name that only counts the lines.
 bool holdsLinesAsNew(ProjectTables &project)
 {
     return std::ranges::all_of(project.lines.getNodeList(), [&project](quint8 line) {
-        return project.lines.getNode(line) == StoreRecords::NodeData();
+        std::optional<StoreRecords::NodeData> node = project.lines.getNode(line);
+        if (node && node->name == u"can%1"_s.arg(line))
+            node->name.clear();
+        return node == StoreRecords::NodeData();
     });
 }
 

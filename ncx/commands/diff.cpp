@@ -1,0 +1,157 @@
+// Tells what differs between two devices.
+
+#include "ncx/commands/commands.h"
+#include "ncx/compare/breaking.h"
+#include "ncx/compare/changes.h"
+#include "ncx/usage/invocation.h"
+#include "store/objectdatabase.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int jsonVersion = 1;
+
+constexpr Operand operands[] = {
+    {.name = "OLD"_L1, .text = "a project, or a device description (.eds, .dcf)"_L1, .offer = Offer::Projects},
+    {.name = "NEW"_L1, .text = "what it has become"_L1, .offer = Offer::Projects},
+};
+
+constexpr Option options[] = {
+    {.name = "breaking"_L1, .letter = 'b', .text = "only what breaks the other side of the bus"_L1},
+    {.name = "json"_L1, .letter = 'j', .text = "answer in JSON, form ncx-diff version 1"_L1},
+    {.name = "line"_L1,
+     .letter = 'l',
+     .value = "N"_L1,
+     .text = "this line only; with a description, the line that it describes, else the first with CANopen"_L1},
+};
+
+constexpr QLatin1StringView details[] = {
+    "The devices are compared, not the files: texts and databases, another order, 16 and 0x10 make no difference. With "
+    "a "
+    "description on one side, only what descriptions say is compared."_L1,
+    "Breaking is what a device on the other side of the bus could rely on and cannot any more: removed or retyped "
+    "objects, narrowed access or limits, other mappings, COB-IDs, lengths or positions. Names, times, and what "
+    "concerns "
+    "the software of the device alone break nothing."_L1,
+    "The exit code is 1 if something differs, with --breaking if something breaks."_L1,
+};
+
+constexpr Example examples[] = {
+    {"ncx diff before.ncxt after.ncxp"_L1, "tells what has become another"_L1},
+    {"ncx diff --breaking released.eds device.ncxt"_L1, "fails where a device is no longer what its EDS says"_L1},
+    {"git config difftool.ncx.cmd 'ncx diff \"$LOCAL\" \"$REMOTE\"'"_L1, "for 'git difftool -t ncx'"_L1},
+};
+
+QString textOf(const Terminal &terminal, const DeviceChange &change, bool withLine)
+{
+    const auto value = [](const QString &text) { return text.isEmpty() ? u"(nothing)"_s : text; };
+    QString text = change.rule ? terminal.styled(Terminal::Style::Bad, u"breaking: "_s) : QString();
+    text += change.place.text(withLine);
+    if (!change.title.isEmpty())
+        text += u" \"%1\""_s.arg(change.title);
+    switch (change.kind) {
+    case DeviceChange::Kind::Added:
+        return text + ": added"_L1;
+    case DeviceChange::Kind::Removed:
+        return text + ": removed"_L1;
+    case DeviceChange::Kind::Changed:
+        break;
+    }
+    return u"%1: %2: %3 -> %4"_s.arg(text, change.property, value(change.before), value(change.after));
+}
+
+bool openBoth(const Invocation &call, ComparedDevice &before, ComparedDevice &after)
+{
+    bool isOpen = true;
+    ComparedDevice *devices[] = {&before, &after};
+    for (int i = 0; i < 2; ++i) {
+        call.terminal().step(u"reading %1"_s.arg(call.operand(i)));
+        if (devices[i]->open(call.operand(i)))
+            continue;
+        call.terminal().fail(u"%1: %2"_s.arg(call.operand(i), devices[i]->reason()));
+        isOpen = false;
+    }
+    return isOpen;
+}
+
+/// The line that the call asks for; false, with that told, if no side has it.
+bool findLine(const Invocation &call, const ComparedDevice &before, const ComparedDevice &after,
+              std::optional<quint8> &line)
+{
+    if (!call.isSet("line"_L1))
+        return true;
+    bool ok = false;
+    const uint number = call.value("line"_L1).toUInt(&ok);
+    const auto lacks = [number](const ComparedDevice &device) {
+        return !device.isDescription() && !device.lines().contains(static_cast<quint8>(number));
+    };
+    if (!ok || number > 0xff || (lacks(before) && lacks(after))) {
+        call.terminal().fail(u"there is no line %1"_s.arg(call.value("line"_L1)));
+        return false;
+    }
+    line = static_cast<quint8>(number);
+    return true;
+}
+
+/// Tells the changes; the number of those that break something is told beside that of all.
+void tell(const Invocation &call, const QList<DeviceChange> &changes, bool withLine)
+{
+    Terminal &terminal = call.terminal();
+    const auto isBreaking = [](const DeviceChange &change) { return change.rule != nullptr; };
+    const auto breaking = std::ranges::count_if(changes, isBreaking);
+    if (call.isSet("json"_L1)) {
+        QJsonArray list;
+        for (const DeviceChange &change : changes)
+            list.append(change.toJson());
+        terminal.write(QString::fromUtf8(QJsonDocument(QJsonObject{{u"format"_s, u"ncx-diff"_s},
+                                                                   {u"version"_s, jsonVersion},
+                                                                   {u"old"_s, call.operand(0)},
+                                                                   {u"new"_s, call.operand(1)},
+                                                                   {u"changes"_s, list},
+                                                                   {u"breaking"_s, qint64{breaking}}})
+                                             .toJson()));
+        return;
+    }
+    for (const DeviceChange &change : changes)
+        terminal.answer(textOf(terminal, change, withLine));
+    const QString count = changes.isEmpty()     ? u"no difference"_s
+                          : changes.size() == 1 ? u"1 difference"_s
+                                                : u"%1 differences"_s.arg(changes.size());
+    terminal.answer(call.isSet("breaking"_L1)
+                        ? (breaking > 0 ? u"%1, breaking"_s.arg(count) : u"nothing breaks"_s)
+                        : (breaking > 0 ? u"%1, %2 of them breaking"_s.arg(count).arg(breaking) : count));
+}
+
+int run(const Invocation &call)
+{
+    ComparedDevice before;
+    ComparedDevice after;
+    std::optional<quint8> line;
+    if (!openBoth(call, before, after) || !findLine(call, before, after, line))
+        return CouldNot;
+    call.terminal().step(u"comparing"_s);
+    const DeviceChanges changes(before, after, line);
+    if (before.isDamaged() || after.isDamaged()) {
+        call.terminal().fail(u"%1: %2"_s.arg(call.operand(after.isDamaged() ? 1 : 0), ComparedDevice::damage()));
+        return CouldNot;
+    }
+    const QList<DeviceChange> told = call.isSet("breaking"_L1) ? changes.breaking() : changes.all();
+    tell(call, told, before.lines().size() > 1 || after.lines().size() > 1);
+    return told.isEmpty() ? Done : Findings;
+}
+
+} // namespace
+
+constexpr Command Commands::diff{
+    .name = "diff"_L1,
+    .summary = "tell what differs between two devices, and what of it breaks the bus"_L1,
+    .operands = operands,
+    .options = options,
+    .details = details,
+    .examples = examples,
+    .run = run,
+};

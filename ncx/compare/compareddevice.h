@@ -1,0 +1,38 @@
+#pragma once
+
+#include "ncx/compare/facts.h"
+#include "ncx/device/devicemodel.h"
+#include "ncx/project/openedproject.h"
+
+#include <map>
+#include <memory>
+
+/// A side of a comparison: a project, or the device that an EDS or DCF describes.
+class ComparedDevice
+{
+public:
+    /// False, with the reason, for what cannot be read.
+    bool open(const QString &path);
+    /// A sentence part, without the path and without a full stop.
+    const QString &reason() const { return reason_; }
+    /// True if not all of it could be read.
+    bool isDamaged() const;
+    /// What is told of that.
+    static QString damage();
+
+    bool isDescription() const { return !project_; }
+    static bool isDescriptionPath(const QString &path);
+    ObjectDataBase &store() const { return *store_; }
+    QList<quint8> lines() const;
+    /// The line that a description can be held against: the first that speaks CANopen.
+    std::optional<quint8> canOpenLine() const;
+    DeviceLine &line(quint8 number);
+
+private:
+    bool openDescription(const QString &path);
+
+    std::unique_ptr<OpenedProject> project_;
+    std::shared_ptr<ObjectDataBase> store_;
+    std::map<quint8, std::unique_ptr<DeviceLine>> lines_;
+    QString reason_;
+};
