@@ -22,8 +22,8 @@ public:
     /// What a job says when it has started, or in place of starting; %1 is the output folder.
     struct JobTexts
     {
-        const char *started;
-        const char *notWritable;
+        const char *started = fileStarted;
+        const char *notWritable = fileNotWritable;
         QString name{};        ///< %2; the file's name if empty
         QString startedName{}; ///< %2 of `started` where it is not `name`
     };

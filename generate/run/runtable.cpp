@@ -36,11 +36,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-bool always(const RunContext & /*run*/)
-{
-    return true;
-}
-
 bool hasNamesToDefine(const RunContext &run)
 {
     return run.hasAnyProtocol() && !run.bootloaderMode;
@@ -211,19 +206,12 @@ QString nameOfLine(const RunContext &run, quint8 line)
     return documentName(run.baseName, line, run.multiLine);
 }
 
-QString nameOfXdd(const RunContext &run, quint8 line)
-{
-    return XDDGenerator::nameOf(*run.store, run.baseName, line, run.multiLine);
-}
-
 RunFlow writeVirtualDictionary(GenerationRun &run, quint8 line)
 {
     const RunContext &context = run.context();
     const auto generator = newDictionary<VobjDictGenerator, VobjDictGeneratorV4>(context);
     if (hasVirtualObjects(*context.store)) {
-        run.runJob(*generator, line, {},
-                   {.started = "Generation of gen_vobjdict.c in %1 started",
-                    .notWritable = "The file gen_vobjdict.c in %1 is not writable"});
+        run.runJob(*generator, line, {}, {});
     } else {
         QFile::remove(run.filePath(generator->fileName()));
     }
@@ -283,36 +271,26 @@ RunFlow copyToCpp(GenerationRun &run, quint8 /*line*/)
     return RunFlow::Continue;
 }
 
-constexpr auto fileNotWritable = "The file %2 in %1 is not writable";
-
 constexpr std::array rows{
     RunRow{.applies = hasNamesToDefine,
            .make = makeIndices,
-           .started = "Generation of gen_indices.h in %1 started",
            .notWritable = "The file in gen_indices.h in %1 is not writable"},
     RunRow{.applies = hasCANopen,
            .lines = RunLines::CANopen,
            .suffix = "_co",
            .make = makeGenerator<TextDocGenerator>,
-           .started = "Generation of textual object dictionary documentation in %1 started",
-           .notWritable = fileNotWritable},
+           .started = "Generation of textual object dictionary documentation in %1 started"},
     RunRow{.applies = hasCANopen,
            .lines = RunLines::CANopen,
            .suffix = "_co",
            .make = makeGenerator<HTMLGenerator>,
-           .started = "Generation of HTML object dictionary documentation in %1 started",
-           .notWritable = fileNotWritable},
-    RunRow{.applies = isPlainCANopen,
-           .make = makeDictionary,
-           .started = "Generation of gen_objdict.c in %1 started",
-           .notWritable = "The file gen_objdict.c in %1 is not writable",
-           .after = tellWarnings},
+           .started = "Generation of HTML object dictionary documentation in %1 started"},
+    RunRow{.applies = isPlainCANopen, .make = makeDictionary, .after = tellWarnings},
     RunRow{.applies = isPlainCANopen, .step = writeVirtualDictionary},
     // The forms differ in what they say of a file that they cannot write.
     RunRow{.applies = isMultiProtocolV4,
            .make = makeMultiProtocol,
            .started = "Generation of gen_mp.c in %1 started",
-           .notWritable = fileNotWritable,
            .after = tellWarnings},
     RunRow{.applies = isMultiProtocolClassic,
            .make = makeMultiProtocol,
@@ -324,58 +302,40 @@ constexpr std::array rows{
            .lineByLine = true,
            .suffix = "_j1939",
            .make = makeGenerator<J1939TextDocGenerator>,
-           .started = "Generation of textual PGN documentation in %1 started",
-           .notWritable = fileNotWritable},
+           .started = "Generation of textual PGN documentation in %1 started"},
     RunRow{.applies = isMultiProtocol,
            .lines = RunLines::RawCAN,
            .lineByLine = true,
            .suffix = "_rawcan",
            .make = makeGenerator<RawCANTextDocGenerator>,
-           .started = "Generation of raw CAN text documentation in %1 started",
-           .notWritable = fileNotWritable},
+           .started = "Generation of raw CAN text documentation in %1 started"},
     RunRow{.applies = isMultiProtocol,
            .lines = RunLines::RawCAN,
            .lineByLine = true,
            .make = makeGenerator<RawCANDBCGenerator>,
-           .started = "Generation of raw CAN DBC file in %1 started",
-           .notWritable = fileNotWritable},
+           .started = "Generation of raw CAN DBC file in %1 started"},
     RunRow{.applies = isMultiProtocol,
            .lines = RunLines::RawCAN,
            .lineByLine = true,
            .suffix = "_rawcan",
            .make = makeGenerator<RawCANHTMLGenerator>,
-           .started = "Generation of raw CAN HTML documentation in %1 started",
-           .notWritable = fileNotWritable},
+           .started = "Generation of raw CAN HTML documentation in %1 started"},
     RunRow{.applies = isMultiProtocol,
            .lines = RunLines::J1939,
            .suffix = "_j1939",
            .make = makeGenerator<J1939HTMLGenerator>,
-           .started = "Generation of HTML pgn documentation in %1 started",
-           .notWritable = fileNotWritable},
+           .started = "Generation of HTML pgn documentation in %1 started"},
     RunRow{.applies = isMultiProtocol,
            .lines = RunLines::J1939,
            .make = makeGenerator<DBCGenerator>,
-           .started = "Generation of DBC_file in %1 started",
-           .notWritable = fileNotWritable},
-    RunRow{.applies = hasSrdos,
-           .make = makeSrdo,
-           .started = "Generation of gen_srdo.c in %1 started",
-           .notWritable = "The file gen_srdo.c in %1 is not writable",
-           .after = endWithoutTemplate},
-    RunRow{.applies = always,
-           .make = makeDefines,
-           .started = "Generation of gen_define.h in %1 started",
-           .notWritable = "The file gen_define.h in %1 is not writable",
-           .after = tellUserSection},
+           .started = "Generation of DBC_file in %1 started"},
+    RunRow{.applies = hasSrdos, .make = makeSrdo, .after = endWithoutTemplate},
+    RunRow{.make = makeDefines, .after = tellUserSection},
     RunRow{.applies = hasProps, .step = writeProps},
-    RunRow{.applies = isJ1939Only,
-           .make = makeInForm<PGNGenerator, PGNGeneratorV4>,
-           .started = "Generation of gen_pgn.c in %1 started",
-           .notWritable = "The file gen_pgn.c in %1 is not writable"},
+    RunRow{.applies = isJ1939Only, .make = makeInForm<PGNGenerator, PGNGeneratorV4>},
     RunRow{.applies = hasSdoServer,
            .make = makeServerDictionary,
-           .started = "Generation of gen_objdict.c for CAM11/CAM21 SDO server in %1 started",
-           .notWritable = "The file gen_objdict.c in %1 is not writable"},
+           .started = "Generation of gen_objdict.c for CAM11/CAM21 SDO server in %1 started"},
     RunRow{.applies = hasSdoServer,
            .make = makeGenerator<EDSGenerator>,
            .started = "Generation of %2 EDS file in %1 started (for CAM11/CAM21 SDO Server)",
@@ -390,45 +350,32 @@ constexpr std::array rows{
     RunRow{.applies = isJ1939Only,
            .lines = RunLines::Every,
            .make = makeGenerator<J1939HTMLGenerator>,
-           .started = "Generation of HTML pgn documentation in %1 started",
-           .notWritable = fileNotWritable},
+           .started = "Generation of HTML pgn documentation in %1 started"},
     RunRow{.applies = isJ1939Only,
            .lines = RunLines::J1939,
            .make = makeGenerator<DBCGenerator>,
-           .started = "Generation of DBC_file in %1 started",
-           .notWritable = fileNotWritable},
+           .started = "Generation of DBC_file in %1 started"},
     RunRow{.applies = isJ1939Only, .step = removeStaleFiles},
-    RunRow{.applies = hasMessages,
-           .make = makeInForm<ExtDeclGenerator, ExtDeclGeneratorV4>,
-           .started = "Generation of gen_extern_decl.h in %1 started",
-           .notWritable = "The file gen_extern_decl.h in %1 is not writable"},
+    RunRow{.applies = hasMessages, .make = makeInForm<ExtDeclGenerator, ExtDeclGeneratorV4>},
     RunRow{.applies = hasSafetyGroups,
            .make = makeInForm<SDMGenerator, SDMGeneratorV4>,
            .started = "Generation of file in %1 started",
            .notWritable = "The file in %1 is not writable"},
-    RunRow{.applies = hasIndications,
-           .make = makeIndications,
-           .started = "Generation of gen_indication in %1 started",
-           .notWritable = "The file gen_indication.h in %1 is not writable"},
+    RunRow{.applies = hasIndications, .make = makeIndications, .started = "Generation of gen_indication in %1 started"},
     RunRow{.applies = hasIndications,
            .lines = RunLines::CANopen,
            .make = makeGenerator<CSVGenerator>,
-           .started = "Generation of CSV file (deprecated) in %1 started",
-           .notWritable = "The file %2.csv in %1 is not writable",
-           .nameInTexts = nameOfLine},
+           .started = "Generation of CSV file (deprecated) in %1 started"},
     RunRow{.applies = hasIndications,
            .lines = RunLines::CANopen,
            .make = makeIcsv,
-           .started = "Generation of ICSV file in %1 started",
-           .notWritable = "The file %2.icsv in %1 is not writable",
-           .nameInTexts = nameOfLine},
+           .started = "Generation of ICSV file in %1 started"},
     RunRow{.applies = hasIndications, .lines = RunLines::CANopen, .step = generateEdsFiles},
     RunRow{.applies = hasFdDescription,
            .lines = RunLines::CANopen,
            .make = makeGenerator<XDDGenerator>,
            .started = "Generation of XDD file in %1 started",
-           .notWritable = "The XDD file %2.xdd in %1 is not writable",
-           .nameInTexts = nameOfXdd},
+           .notWritable = "The XDD file %2 in %1 is not writable"},
     RunRow{.applies = wantsCppCopies, .step = copyToCpp},
 };
 

@@ -27,13 +27,17 @@ enum class RunFlow
     EndWithTemplateFailure
 };
 
+/// What a job says of its file where it has no words of its own.
+inline constexpr auto fileStarted = "Generation of %2 in %1 started";
+inline constexpr auto fileNotWritable = "The file %2 in %1 is not writable";
+
 /// One row of the run: a kind of output file, or, with `step`, what happens between the files.
 ///
 /// In the texts %1 is the output folder and %2 the file's name, or what `nameInTexts` makes of it.
 struct RunRow
 {
     /// When the row takes part.
-    bool (*applies)(const RunContext &) = nullptr;
+    bool (*applies)(const RunContext &) = [](const RunContext & /*run*/) { return true; };
     RunLines lines = RunLines::Project;
     /// Neighbours that say so are walked together, one line at a time.
     bool lineByLine = false;
@@ -41,8 +45,8 @@ struct RunRow
     const char *suffix = "";
     /// The generator for a line, with what only this row knows about it already set.
     std::unique_ptr<FileGenerator> (*make)(const RunContext &, quint8 line) = nullptr;
-    const char *started = "";
-    const char *notWritable = "";
+    const char *started = fileStarted;
+    const char *notWritable = fileNotWritable;
     QString (*nameInTexts)(const RunContext &, quint8 line) = nullptr;
     /// What is done after the generator's job.
     RunFlow (*after)(GenerationRun &, FileGenerator &) = nullptr;
