@@ -1,10 +1,11 @@
 // The reader of DBC files, and the writer on what it accepts.
 
-#include "fuzz/scratch.h"
 #include "candb/dbcreader.h"
+#include "fuzz/scratch.h"
+#include "generate/base/utf8sink.h"
 #include "generate/bus/dbcwriter.h"
 
-#include <QTextStream>
+#include <QBuffer>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
@@ -14,10 +15,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     Fuzz::require(database.has_value() == reader.errorText().isEmpty());
     if (!database)
         return 0;
-    QString text;
-    QTextStream stream(&text);
-    writeDbc(stream, *database);
-    stream.flush();
-    DbcReader().read(text);
+    QBuffer text;
+    text.open(QIODevice::WriteOnly);
+    Utf8Sink sink(&text);
+    writeDbc(sink, *database);
+    sink.flush();
+    DbcReader().read(QString::fromUtf8(text.data()));
     return 0;
 }

@@ -1,55 +1,60 @@
 #include "generate/base/codewriter.h"
 
-#include <QList>
-#include <QVarLengthArray>
+#include <QBuffer>
+#include <QRegularExpression>
 
 #include <algorithm>
-
-#include <QRegularExpression>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-/// Every line of every output passes here, so that what it searches and compares does so without a call.
-qsizetype placeOf(char16_t ch, QStringView text)
-{
-    return std::ranges::find(text.utf16(), text.utf16() + text.size(), ch) - text.utf16();
-}
-
-bool equal(QStringView text, std::string_view name)
-{
-    return std::equal(text.utf16(), text.utf16() + text.size(), name.begin(), name.end(),
-                      [](char16_t left, char right) { return left == static_cast<uchar>(right); });
-}
-
-} // namespace
-
 void CodeWriter::operator()(QStringView text, std::initializer_list<Hole> holes)
 {
-    quint64 used = 0;
-    text_.resize(0);
-    if (text.startsWith(u'\n')) {
-        writeBlock(text.sliced(1), holes, used);
-    } else {
-        writeFilled(text, holes, used);
-        text_ += u'\n';
+    Form &form = forms_[text.utf16()];
+    if (!form.isOf(text, holes))
+        form.parse(text, holes);
+    for (const Form::Part &part : form.parts) {
+        sink_.putBytes(part.text);
+        sink_.put(holes.begin()[part.value].value);
     }
-    stream_ << text_;
-    Q_ASSERT_X(used == (quint64{1} << holes.size()) - 1, "CodeWriter", "a value without a hole");
+    sink_.putBytes(form.end);
 }
 
 QString CodeWriter::textOf(const std::function<void(CodeWriter &)> &write)
 {
-    QString text;
-    QTextStream stream(&text);
-    CodeWriter out(stream);
+    QBuffer text;
+    text.open(QIODevice::WriteOnly);
+    Utf8Sink sink(&text);
+    CodeWriter out(sink);
     write(out);
-    stream.flush();
-    return text;
+    sink.flush();
+    return QString::fromUtf8(text.data());
 }
 
-void CodeWriter::writeBlock(QStringView text, std::initializer_list<Hole> holes, quint64 &used)
+/// The place alone does not tell a text: one that is no literal may stand where another has been. Names are literals.
+bool CodeWriter::Form::isOf(QStringView text, std::span<const Hole> holes) const
+{
+    return !end.isEmpty() && text == source &&
+           std::ranges::equal(names, holes, {}, &std::string_view::data,
+                              [](const Hole &hole) { return hole.name.data(); });
+}
+
+void CodeWriter::Form::parse(QStringView text, std::span<const Hole> holes)
+{
+    *this = {};
+    source = text.toString().toStdU16String();
+    for (const Hole &hole : holes)
+        names.push_back(hole.name);
+    if (text.startsWith(u'\n')) {
+        parseBlock(text.sliced(1));
+    } else {
+        parseLine(text);
+    }
+    for (size_t i = 0; i < names.size(); ++i)
+        Q_ASSERT_X(std::ranges::find(parts, i, &Part::value) != parts.end(), "CodeWriter", "a value without a hole");
+}
+
+void CodeWriter::Form::parseBlock(QStringView text)
 {
     const qsizetype lastBreak = text.lastIndexOf(u'\n');
     Q_ASSERT_X(lastBreak >= 0, "CodeWriter", "a block has at least one line");
@@ -57,49 +62,29 @@ void CodeWriter::writeBlock(QStringView text, std::initializer_list<Hole> holes,
     Q_ASSERT_X(margin.trimmed().isEmpty(), "CodeWriter", "a block ends with its margin");
     for (const QStringView line : text.first(lastBreak).split(u'\n')) {
         Q_ASSERT_X(line.isEmpty() || line.startsWith(margin), "CodeWriter", "a line begins inside the margin");
-        writeFilled(line.sliced(std::min(line.size(), margin.size())), holes, used);
-        text_ += u'\n';
+        parseLine(line.sliced(std::min(line.size(), margin.size())));
     }
 }
 
-void CodeWriter::writeFilled(QStringView text, std::initializer_list<Hole> holes, quint64 &used)
+void CodeWriter::Form::parseLine(QStringView text)
 {
-    for (qsizetype start = placeOf(u'$', text); start < text.size(); start = placeOf(u'$', text)) {
+    for (qsizetype start = text.indexOf(u'$'); start >= 0; start = text.indexOf(u'$')) {
         const QStringView word = text.sliced(start + 1);
-        const qsizetype end = placeOf(u'}', word);
-        if (!word.startsWith(u'{') || end == word.size()) {
-            text_ += text.first(start + 1);
+        const qsizetype close = word.indexOf(u'}');
+        if (!word.startsWith(u'{') || close < 0) {
+            end += text.first(start + 1).toUtf8();
             text = word;
             continue;
         }
-        const QStringView name = word.sliced(1, end - 1);
-        const auto hole =
-            std::ranges::find_if(holes, [name](const Hole &candidate) { return equal(name, candidate.name); });
-        Q_ASSERT_X(hole != holes.end(), "CodeWriter", "a hole without a value");
-        text_ += text.first(start);
-        if (hole != holes.end()) {
-            text_ += hole->value;
-            used |= quint64{1} << (hole - holes.begin());
-        }
-        text = word.sliced(end + 1);
+        const QByteArray name = word.sliced(1, close - 1).toUtf8();
+        const auto known = std::ranges::find(names, std::string_view(name));
+        Q_ASSERT_X(known != names.end(), "CodeWriter", "a hole without a value");
+        end += text.first(start).toUtf8();
+        if (known != names.end())
+            parts.push_back({std::exchange(end, {}), static_cast<size_t>(known - names.begin())});
+        text = word.sliced(close + 1);
     }
-    text_ += text;
-}
-
-QString Code::hex(quint64 value, int digits)
-{
-    QVarLengthArray<QChar, 16> reversed;
-    do {
-        reversed.append(QLatin1Char("0123456789abcdef"[value & 0xf]));
-        value >>= 4;
-    } while (value != 0 || reversed.size() < digits);
-    std::ranges::reverse(reversed);
-    return QString(reversed.constData(), reversed.size());
-}
-
-QString Code::dec(quint64 value)
-{
-    return QString::number(value);
+    end += text.toUtf8() + '\n';
 }
 
 namespace {

@@ -1,11 +1,14 @@
 #pragma once
 
-#include <QString>
-#include <QTextStream>
+#include "generate/base/utf8sink.h"
 
 #include <functional>
 #include <initializer_list>
+#include <span>
+#include <string>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
 /// Prints generated text so that the output can be read off the source.
 ///
@@ -30,11 +33,11 @@ public:
     struct Hole
     {
         std::string_view name;
-        QString value;
+        PrintedValue value;
     };
 
-    explicit CodeWriter(QTextStream &stream)
-        : stream_(stream)
+    explicit CodeWriter(Utf8Sink &sink)
+        : sink_(sink)
     {
     }
 
@@ -44,19 +47,50 @@ public:
     static QString textOf(const std::function<void(CodeWriter &)> &write);
 
 private:
-    void writeBlock(QStringView text, std::initializer_list<Hole> holes, quint64 &used);
-    void writeFilled(QStringView text, std::initializer_list<Hole> holes, quint64 &used);
+    /// A text taken apart, since most are printed once for each row of a table: what stands in front of each hole and
+    /// behind the last, in UTF-8, and the place of the value that goes there.
+    struct Form
+    {
+        struct Part
+        {
+            QByteArray text;
+            size_t value;
+        };
 
-    QTextStream &stream_;
-    QString text_; ///< what a call prints
+        void parse(QStringView source, std::span<const Hole> holes);
+        bool isOf(QStringView source, std::span<const Hole> holes) const;
+
+        std::u16string source;
+        std::vector<std::string_view> names;
+        std::vector<Part> parts;
+        QByteArray end;
+
+    private:
+        void parseBlock(QStringView text);
+        void parseLine(QStringView text);
+    };
+
+    Utf8Sink &sink_;
+    std::unordered_map<const void *, Form> forms_; ///< by the place of the text
 };
 
 /// Numbers as the generated sources have them.
 namespace Code {
 
 /// Lower-case hexadecimal digits without a prefix, zeros in front up to the number of digits.
-QString hex(quint64 value, int digits = 1);
-QString dec(quint64 value);
+inline Digits hex(quint64 value, int digits = 1)
+{
+    return Digits::hexadecimal(value, digits);
+}
+/// The same behind "0x".
+inline Digits hex0x(quint64 value, int digits = 1)
+{
+    return Digits::prefixedHexadecimal(value, digits);
+}
+inline Digits dec(quint64 value)
+{
+    return Digits::decimal(value);
+}
 /// A text of the project as it may stand inside a comment: on one line, and without the marks of a comment.
 QString commentText(QString text);
 /// A text of the project as it may stand between quotes: its escapes are those of C. A backslash is added where the

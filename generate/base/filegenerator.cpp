@@ -1,11 +1,11 @@
 #include "generate/base/filegenerator.h"
 
 #include "generate/base/outputfile.h"
+#include "generate/base/utf8sink.h"
 #include "store/objectdatabase.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QTextStream>
 
 using namespace Qt::StringLiterals;
 
@@ -55,9 +55,9 @@ void FileGenerator::writeFile()
         fail(OutputError, file.errorText());
         return;
     }
-    QTextStream stream(file.device());
-    write(stream);
-    stream.flush();
+    Utf8Sink sink(file.device());
+    write(sink);
+    sink.flush();
     if (errorCode() == 0 && !file.commit())
         fail(OutputError, file.errorText());
     if (errorCode() == 0)

@@ -2,7 +2,7 @@
 
 #include "generate/base/abstractgenerator.h"
 
-class QTextStream;
+class Utf8Sink;
 
 /// A generator of one text file: opens it, holds the store while it is written, and closes it.
 ///
@@ -29,7 +29,7 @@ protected:
     virtual QString jobName() const { return fileName(); }
     /// Collects what the file tells and prints it. A failure is reported with `fail`, and then nothing is kept of the
     /// file.
-    virtual void write(QTextStream &stream) = 0;
+    virtual void write(Utf8Sink &sink) = 0;
     /// Writes what belongs beside the file, once that is in place. A failure is reported with `fail`; the file stays.
     virtual void writeCompanions() {}
 

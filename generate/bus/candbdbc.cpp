@@ -1,12 +1,12 @@
 #include "generate/bus/candbdbc.h"
 
-#include "generate/base/outputfile.h"
 #include "candb/dbcreader.h"
+#include "generate/base/outputfile.h"
+#include "generate/base/utf8sink.h"
 #include "generate/bus/dbcwriter.h"
 #include "texttools/textfile.h"
 
 #include <QRegularExpression>
-#include <QTextStream>
 
 #include <algorithm>
 
@@ -44,9 +44,9 @@ bool CANdbDBC::writeFile(const QString &path)
     OutputFile file(path);
     if (!file.open())
         return failed(file.errorText());
-    QTextStream stream(file.device());
-    writeDbc(stream, database_);
-    stream.flush();
+    Utf8Sink sink(file.device());
+    writeDbc(sink, database_);
+    sink.flush();
     return file.commit() || failed(file.errorText());
 }
 

@@ -167,11 +167,11 @@ QString RawCANDBCGenerator::fileName() const
     return nameWith(dbcEnding);
 }
 
-void RawCANDBCGenerator::write(QTextStream &stream)
+void RawCANDBCGenerator::write(Utf8Sink &sink)
 {
     DbcFrames frames(DbcFrames::Form::AllMessages);
     frames.addCanIds(*database(), line());
-    CodeWriter out(stream);
+    CodeWriter out(sink);
     out(uR"(
         VERSION ""
 
@@ -253,9 +253,9 @@ void DBCGenerator::writeFile()
 }
 
 /// For a caller that wants the text alone.
-void DBCGenerator::write(QTextStream &stream)
+void DBCGenerator::write(Utf8Sink &sink)
 {
     CANdbDBC dbc;
     build(dbc);
-    writeDbc(stream, dbc.database());
+    writeDbc(sink, dbc.database());
 }

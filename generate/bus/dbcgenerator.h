@@ -15,7 +15,7 @@ public:
     QString fileName() const override;
 
 protected:
-    void write(QTextStream &stream) override;
+    void write(Utf8Sink &sink) override;
 };
 
 /// The J1939 frames of a line as a DBC file, those among them that the stack sends by itself. On a line that is also a
@@ -31,7 +31,7 @@ public:
 
 protected:
     void writeFile() override;
-    void write(QTextStream &stream) override;
+    void write(Utf8Sink &sink) override;
 
 private:
     void build(CANdbDBC &dbc);

@@ -41,8 +41,8 @@ QString valueNames(const CANdb::ValueNames &values)
 class Writer
 {
 public:
-    Writer(QTextStream &stream, const CANdb::Database &database)
-        : out_(stream)
+    Writer(Utf8Sink &sink, const CANdb::Database &database)
+        : out_(sink)
         , database_(database)
     {
     }
@@ -238,7 +238,7 @@ QString dbcText(QString text)
     return text.replace(u'"', u"\\\""_s);
 }
 
-void writeDbc(QTextStream &stream, const CANdb::Database &database)
+void writeDbc(Utf8Sink &sink, const CANdb::Database &database)
 {
-    Writer(stream, database).write();
+    Writer(sink, database).write();
 }

@@ -2,10 +2,10 @@
 
 #include "candb/candb.h"
 
-class QTextStream;
+class Utf8Sink;
 
 /// Prints a database in the form DBC.
-void writeDbc(QTextStream &stream, const CANdb::Database &database);
+void writeDbc(Utf8Sink &sink, const CANdb::Database &database);
 
 /// A text as it stands between the quotes of a DBC file: quotes inside get a backslash. A backslash at its end would do
 /// that to the closing quote, and gets a blank behind it.

@@ -9,7 +9,6 @@
 
 #include <QIODevice>
 #include <QSet>
-#include <QTextStream>
 
 using namespace Qt::StringLiterals;
 
@@ -171,7 +170,7 @@ QString DefineHeaderGenerator::fileName() const
     return u"gen_define.h"_s;
 }
 
-void DefineHeaderGenerator::write(QTextStream &stream)
+void DefineHeaderGenerator::write(Utf8Sink &sink)
 {
     const std::optional<FormerDefines> former = FormerDefines::read(filePath());
     if (!former) {
@@ -184,7 +183,7 @@ void DefineHeaderGenerator::write(QTextStream &stream)
                                                                  .multiProtocol = multiProtocol_,
                                                                  .generateMultiLine = generatesMultiLine(),
                                                                  .formerGenerations = former->generations});
-    CodeWriter out(stream);
+    CodeWriter out(sink);
     Writer writer(out, model, dialect_);
     writeFileHeader(out, SourceFile::GenDefine, dialect_.form, baseName());
     out(uR"(
@@ -218,10 +217,9 @@ void DefineHeaderGenerator::write(QTextStream &stream)
 
     out(u"/* do not modify comments starting with 'user-specific section:' */\n${START}",
         {{"START", QString::fromLatin1(FormerDefines::startMark)}});
-    stream.flush();
-    stream.device()->write(userSection_.isEmpty() ? QByteArray("\n") : userSection_);
-    if (!userSection_.isEmpty() && !userSection_.endsWith('\n') && !userSection_.endsWith('\r'))
-        stream.device()->write("\n");
+    sink.putBytes(userSection_);
+    if (!userSection_.endsWith('\n') && !userSection_.endsWith('\r'))
+        sink.putBytes("\n");
     out(u"${END}\n\n#endif /* GEN_DEFINE_H */", {{"END", QString::fromLatin1(FormerDefines::endMark)}});
 }
 

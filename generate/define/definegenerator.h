@@ -30,7 +30,7 @@ protected:
     {
     }
 
-    void write(QTextStream &stream) override;
+    void write(Utf8Sink &sink) override;
 
 private:
     const Dialect &dialect_;

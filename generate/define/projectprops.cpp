@@ -8,7 +8,6 @@
 #include <QFile>
 #include <QRegularExpression>
 #include <QSet>
-#include <QTextStream>
 
 #include <functional>
 
@@ -21,10 +20,10 @@ bool writeFile(const QString &path, const std::function<void(CodeWriter &)> &wri
     OutputFile file(path);
     if (!file.open())
         return false;
-    QTextStream stream(file.device());
-    CodeWriter out(stream);
+    Utf8Sink sink(file.device());
+    CodeWriter out(sink);
     write(out);
-    stream.flush();
+    sink.flush();
     return file.commit();
 }
 

@@ -67,14 +67,14 @@ QString EDSGenerator::jobName() const
     return u"EDS file"_s;
 }
 
-void EDSGenerator::write(QTextStream &stream)
+void EDSGenerator::write(Utf8Sink &sink)
 {
     const LineDictionary dictionary(*database(), line());
     std::vector<LineObject> objects;
     std::ranges::copy_if(dictionary.objects, std::back_inserter(objects), [this](const LineObject &object) {
         return variant_.holds(object.data.metadata) && (variant_.extended || !isExtendedOnly(object.index));
     });
-    EdsWriter writer(stream, *database(), dictionary, variant_);
+    EdsWriter writer(sink, *database(), dictionary, variant_);
     writer.writeHead(baseName());
     writer.writeObjectLists(objects);
     Q_EMIT progress(25);

@@ -37,7 +37,7 @@ public:
 
 protected:
     QString jobName() const override;
-    void write(QTextStream &stream) override;
+    void write(Utf8Sink &sink) override;
 
 private:
     EdsVariant variant_;

@@ -61,8 +61,8 @@ QString textOf(const QList<uint> &characters)
 
 } // namespace
 
-EdsWriter::EdsWriter(QTextStream &stream, ObjectDataBase &store, const LineDictionary &dictionary, EdsVariant variant)
-    : out_(stream)
+EdsWriter::EdsWriter(Utf8Sink &sink, ObjectDataBase &store, const LineDictionary &dictionary, EdsVariant variant)
+    : out_(sink)
     , store_(store)
     , dictionary_(dictionary)
     , variant_(std::move(variant))

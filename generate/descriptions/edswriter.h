@@ -15,7 +15,7 @@ class EdsWriter
 {
 public:
     /// `dictionary` has to outlive the writer.
-    EdsWriter(QTextStream &stream, ObjectDataBase &store, const LineDictionary &dictionary, EdsVariant variant);
+    EdsWriter(Utf8Sink &sink, ObjectDataBase &store, const LineDictionary &dictionary, EdsVariant variant);
 
     /// FileInfo to DummyUsage.
     void writeHead(const QString &baseName);

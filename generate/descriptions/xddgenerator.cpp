@@ -11,8 +11,8 @@
 
 #include <QCoreApplication>
 #include <QDebug>
-#include <QTextStream>
-#include <QXmlStreamWriter>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using CANopen::Implementation;
@@ -20,9 +20,6 @@ using Code::dec;
 using Code::hex;
 
 namespace {
-
-/// The namespace of XML Schema instances (W3C XML Schema part 1).
-constexpr auto schemaInstance = "http://www.w3.org/2001/XMLSchema-instance"_L1;
 
 QString vendorId(ObjectDataBase &store, quint8 line)
 {
@@ -43,11 +40,11 @@ constexpr Profile deviceProfile{"CAN device profile"_L1, "Device"_L1, "ProfileBo
 constexpr Profile communicationProfile{"CAN com net profile"_L1, "CommunicationNetwork"_L1,
                                        "ProfileBody_CommunicatioNetwork_CANopenFD"_L1};
 
-QString usdoAccess(const QString &access)
+QLatin1StringView usdoAccess(const QString &access)
 {
     if (access == "const"_L1 || access == "ro"_L1)
-        return u"ro"_s;
-    return access == "wo"_L1 ? u"wo"_s : u"rw"_s;
+        return "ro"_L1;
+    return access == "wo"_L1 ? "wo"_L1 : "rw"_L1;
 }
 
 bool showsDefault(const StoreRecords::SubIndexData &sub)
@@ -56,138 +53,169 @@ bool showsDefault(const StoreRecords::SubIndexData &sub)
            (sub.implementation == Implementation::Variable || sub.implementation == Implementation::ManagedConst);
 }
 
-/// Prints the document. All texts pass through `text` and `attribute`.
+/// Most texts hold nothing that means something in XML.
+bool isPlain(const QString &text)
+{
+    return std::ranges::all_of(
+        text, [](QChar c) { return c >= u' ' && c < u'\x7f' && c != u'&' && c != u'<' && c != u'>' && c != u'"'; });
+}
+
+/// A text between tags.
+QString content(const QString &text)
+{
+    return isPlain(text) ? text : DocText::forXml(text).toHtmlEscaped();
+}
+
+/// A text between the quotes of an attribute, where a reader takes white space for blanks.
+QString quoted(const QString &text)
+{
+    if (isPlain(text))
+        return text;
+    return content(text).replace(u'\t', "&#9;"_L1).replace(u'\n', "&#10;"_L1).replace(u'\r', "&#13;"_L1);
+}
+
+/// An attribute that is not always there.
+QString attribute(QLatin1StringView name, const QString &value)
+{
+    return u" %1=\"%2\""_s.arg(name, value);
+}
+
+/// Prints the document. All texts of a project pass through `content` and `quoted`.
 class XddWriter
 {
 public:
-    XddWriter(QIODevice *device, ObjectDataBase &store, quint8 line)
-        : xml_(device)
+    XddWriter(Utf8Sink &sink, ObjectDataBase &store, quint8 line)
+        : out_(sink)
         , store_(store)
         , line_(line)
     {
-        xml_.setAutoFormatting(true);
         store_.setCurrentLine(line);
     }
 
     void beginDocument(const QString &title)
     {
-        xml_.writeStartDocument();
-        // Two hyphens in a row, or one at the end, are no part of a comment.
-        xml_.writeComment(DocText::forXml(title).replace("--"_L1, "- -"_L1).replace("--"_L1, "- -"_L1));
-        xml_.writeStartElement(u"ISO15745ProfileContainer"_s);
-        xml_.writeNamespace(schemaInstance, u"xsi"_s);
-        xml_.writeAttribute(schemaInstance, u"noNamespaceSchemaLocation"_s, u"CANopenFD.xsd"_s);
+        out_(uR"(
+            <?xml version="1.0" encoding="UTF-8"?>
+            <!--${TITLE}-->
+            <ISO15745ProfileContainer xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance" xsi:noNamespaceSchemaLocation="CANopenFD.xsd">
+            )",
+             // Two hyphens in a row, or one at the end, are no part of a comment.
+             {{"TITLE", DocText::forXml(title).replace("--"_L1, "- -"_L1).replace("--"_L1, "- -"_L1)}});
     }
 
     void writeDevice(const QString &fileName)
     {
         beginProfile(deviceProfile, fileName);
-        begin("DeviceIdentity"_L1);
-        text("vendorName"_L1, setting(u"VendorName"_s));
-        text("vendorID"_L1, vendorId(store_, line_));
-        text("productName"_L1, setting(u"ProductName"_s));
-        end();
-        begin("DeviceFunction"_L1);
-        begin("capabilities"_L1);
-        begin("characteristicList"_L1);
-        begin("characteristic"_L1);
-        label("characteristicName"_L1, u"Use of CANopen FD"_s);
-        label("characteristicContent"_L1, u"yes"_s);
-        end(4);
+        out_(uR"(
+                        <DeviceIdentity>
+                            <vendorName>${VENDOR}</vendorName>
+                            <vendorID>${ID}</vendorID>
+                            <productName>${PRODUCT}</productName>
+                        </DeviceIdentity>
+                        <DeviceFunction>
+                            <capabilities>
+                                <characteristicList>
+                                    <characteristic>
+                                        <characteristicName>
+                                            <label lang="en">Use of CANopen FD</label>
+                                        </characteristicName>
+                                        <characteristicContent>
+                                            <label lang="en">yes</label>
+                                        </characteristicContent>
+                                    </characteristic>
+                                </characteristicList>
+                            </capabilities>
+                        </DeviceFunction>
+            )",
+             {{"VENDOR", content(store_.getDescriptionSetting(u"VendorName"_s))},
+              {"ID", content(vendorId(store_, line_))},
+              {"PRODUCT", content(store_.getDescriptionSetting(u"ProductName"_s))}});
         endProfile();
     }
 
-    void beginCommunication(const QString &fileName)
+    /// `writeObjects` prints the elements of the list.
+    template <typename WriteObjects>
+    void writeCommunication(const QString &fileName, bool isEmpty, const WriteObjects &writeObjects)
     {
         beginProfile(communicationProfile, fileName);
-        begin("ApplicationLayers"_L1);
-        begin("CANopenFDObjectList"_L1);
-    }
-
-    void endCommunication()
-    {
-        end(2);
+        out_(u"            <ApplicationLayers>");
+        out_(u"                <CANopenFDObjectList${END}>", {{"END", isEmpty ? u"/"_s : QString()}});
+        writeObjects();
+        if (!isEmpty)
+            out_(u"                </CANopenFDObjectList>");
+        out_(u"            </ApplicationLayers>");
         endProfile();
+        out_(u"</ISO15745ProfileContainer>");
     }
 
     void writeObject(const LineObject &object)
     {
         const quint32 code = object.data.objecttype;
-        begin("CANopenFDDataObject"_L1);
-        attribute("index"_L1, hex(object.index, 4));
-        attribute("name"_L1, object.name());
-        attribute("objectType"_L1, dec(code));
-        if (code != CANopen::Record)
-            attribute("dataType"_L1, hex(object.data.datatype, 2));
+        out_(u"                    <CANopenFDDataObject index=\"${INDEX}\" name=\"${NAME}\" "
+             u"objectType=\"${CODE}\"${TYPE}${END}>",
+             {{"INDEX", hex(object.index, 4)},
+              {"NAME", quoted(object.name())},
+              {"CODE", dec(code)},
+              {"TYPE", code == CANopen::Record ? QString() : attribute("dataType"_L1, hex(object.data.datatype, 2))},
+              {"END", object.subs.empty() ? u"/"_s : QString()}});
         for (const StoreRecords::SubEntry &sub : object.subs)
-            writeElement(sub.subindex, filledText(sub.data.name, sub), sub.data);
-        end();
+            writeElement(sub);
+        if (!object.subs.empty())
+            out_(u"                    </CANopenFDDataObject>");
     }
-
-    void finish() { xml_.writeEndDocument(); }
 
 private:
-    void begin(QLatin1StringView element) { xml_.writeStartElement(element); }
-    void end(int count = 1)
-    {
-        for (int i = 0; i < count; ++i)
-            xml_.writeEndElement();
-    }
-    void text(QLatin1StringView element, const QString &content)
-    {
-        xml_.writeTextElement(element, DocText::forXml(content));
-    }
-    void attribute(QLatin1StringView name, const QString &value) { xml_.writeAttribute(name, DocText::forXml(value)); }
-    QString setting(const QString &key) const { return store_.getDescriptionSetting(key); }
-
-    void label(QLatin1StringView element, const QString &content)
-    {
-        begin(element);
-        begin("label"_L1);
-        attribute("lang"_L1, u"en"_s);
-        xml_.writeCharacters(content);
-        end(2);
-    }
-
     void beginProfile(const Profile &profile, const QString &fileName)
     {
-        begin("ISO15745Profile"_L1);
-        begin("ProfileHeader"_L1);
-        text("ProfileIdentification"_L1, profile.identification);
-        text("ProfileRevision"_L1, u"1"_s);
-        text("ProfileName"_L1, {});
-        text("ProfileSource"_L1, {});
-        text("ProfileClassID"_L1, profile.classId);
-        begin("ISO15745Reference"_L1);
-        text("ISO15745Part"_L1, u"1"_s);
-        text("ISO15745Edition"_L1, u"1"_s);
-        text("ProfileTechnology"_L1, u"CANopenFD"_s);
-        end(2);
-        begin("ProfileBody"_L1);
-        xml_.writeAttribute(schemaInstance, u"type"_s, profile.bodyType);
-        attribute("fileName"_L1, fileName);
-        attribute("fileCreator"_L1, setting(u"CreatedBy"_s));
-        attribute("fileCreationDate"_L1, TextTools::currentDateTime().toString(u"MM-dd-yy"_s));
-        attribute("fileModifiedBy"_L1, setting(u"ModifiedBy"_s));
-        attribute("fileVersion"_L1, setting(u"FileVersion"_s));
+        const auto setting = [this](const QString &key) { return quoted(store_.getDescriptionSetting(key)); };
+        out_(uR"(
+                <ISO15745Profile>
+                    <ProfileHeader>
+                        <ProfileIdentification>${IDENTIFICATION}</ProfileIdentification>
+                        <ProfileRevision>1</ProfileRevision>
+                        <ProfileName></ProfileName>
+                        <ProfileSource></ProfileSource>
+                        <ProfileClassID>${CLASS}</ProfileClassID>
+                        <ISO15745Reference>
+                            <ISO15745Part>1</ISO15745Part>
+                            <ISO15745Edition>1</ISO15745Edition>
+                            <ProfileTechnology>CANopenFD</ProfileTechnology>
+                        </ISO15745Reference>
+                    </ProfileHeader>
+                    <ProfileBody xsi:type="${TYPE}" fileName="${FILE}" fileCreator="${CREATOR}" fileCreationDate="${DATE}" fileModifiedBy="${MODIFIER}" fileVersion="${VERSION}">
+            )",
+             {{"IDENTIFICATION", profile.identification},
+              {"CLASS", profile.classId},
+              {"TYPE", profile.bodyType},
+              {"FILE", quoted(fileName)},
+              {"CREATOR", setting(u"CreatedBy"_s)},
+              {"DATE", TextTools::currentDateTime().toString(u"MM-dd-yy"_s)},
+              {"MODIFIER", setting(u"ModifiedBy"_s)},
+              {"VERSION", setting(u"FileVersion"_s)}});
     }
-    void endProfile() { end(2); }
-
-    void writeElement(quint8 subindex, const QString &name, const StoreRecords::SubIndexData &sub)
+    void endProfile()
     {
-        begin("CANopenFDDataElement"_L1);
-        attribute("subIndex"_L1, hex(subindex, 2));
-        attribute("name"_L1, name);
-        attribute("dataType"_L1, hex(sub.datatype, 2));
-        attribute("modification"_L1, sub.accesstype == "const"_L1 ? u"false"_s : u"true"_s);
-        attribute("accessUSDO"_L1, usdoAccess(sub.accesstype));
-        attribute("accessPDO"_L1, sub.pdomapping.getXDDStringValue());
-        if (showsDefault(sub))
-            attribute("defaultValue"_L1, sub.defaultvalue);
-        end();
+        out_(uR"(
+                    </ProfileBody>
+                </ISO15745Profile>
+            )");
     }
 
-    QXmlStreamWriter xml_;
+    void writeElement(const StoreRecords::SubEntry &element)
+    {
+        const StoreRecords::SubIndexData &sub = element.data;
+        out_(u"                        <CANopenFDDataElement subIndex=\"${SUB}\" name=\"${NAME}\" dataType=\"${TYPE}\" "
+             u"modification=\"${MODIFICATION}\" accessUSDO=\"${USDO}\" accessPDO=\"${PDO}\"${DEFAULT}/>",
+             {{"SUB", hex(element.subindex, 2)},
+              {"NAME", quoted(filledText(sub.name, element))},
+              {"TYPE", hex(sub.datatype, 2)},
+              {"MODIFICATION", sub.accesstype == "const"_L1 ? "false"_L1 : "true"_L1},
+              {"USDO", usdoAccess(sub.accesstype)},
+              {"PDO", sub.pdomapping.getXDDStringValue()},
+              {"DEFAULT", showsDefault(sub) ? attribute("defaultValue"_L1, quoted(sub.defaultvalue)) : QString()}});
+    }
+
+    CodeWriter out_;
     ObjectDataBase &store_;
     const quint8 line_;
 };
@@ -207,23 +235,22 @@ QString XDDGenerator::fileName() const
     return name + u".xdd"_s;
 }
 
-void XDDGenerator::write(QTextStream &stream)
+void XDDGenerator::write(Utf8Sink &sink)
 {
     const QString ownName = fileName();
-    XddWriter writer(stream.device(), *database(), line());
+    XddWriter writer(sink, *database(), line());
     writer.beginDocument(u"XDD file for %1 - generated by %2 %3 (%4)\n"_s.arg(
         baseName(), QCoreApplication::applicationName(), toolVersion(), TextTools::currentDateText()));
     writer.writeDevice(ownName);
     Q_EMIT progress(20);
-    writer.beginCommunication(ownName);
     const LineDictionary dictionary(*database(), line(), 0);
-    for (const LineObject &object : dictionary.objects) {
-        if (takeCancelRequest()) {
-            qDebug() << "Generation aborted";
-            break;
+    writer.writeCommunication(ownName, dictionary.objects.empty(), [&] {
+        for (const LineObject &object : dictionary.objects) {
+            if (takeCancelRequest()) {
+                qDebug() << "Generation aborted";
+                break;
+            }
+            writer.writeObject(object);
         }
-        writer.writeObject(object);
-    }
-    writer.endCommunication();
-    writer.finish();
+    });
 }

@@ -22,5 +22,5 @@ public:
     static QString nameOf(ObjectDataBase &store, const QString &baseName, quint8 line, bool multiLine);
 
 protected:
-    void write(QTextStream &stream) override;
+    void write(Utf8Sink &sink) override;
 };

@@ -125,12 +125,12 @@ QString PGNGenerator::fileName() const
     return u"gen_pgn.c"_s;
 }
 
-void PGNGenerator::write(QTextStream &stream)
+void PGNGenerator::write(Utf8Sink &sink)
 {
     const Dialect &dialect = Dialect::of(form_);
     const Content content = collect(*database(), outputFolder(), dialect, LineSettings::severalLines(*database()));
 
-    CodeWriter out(stream);
+    CodeWriter out(sink);
     writeFileHeader(out, SourceFile::GenPgn, form_, baseName());
     writeOpening(out, content, dialect);
     PgnSections::writeManagedVariables(out, content.tables);

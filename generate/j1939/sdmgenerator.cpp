@@ -8,8 +8,6 @@
 #include "store/objectdatabase.h"
 #include "store/settings.h"
 
-#include <QTextStream>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -71,7 +69,7 @@ QString SDMGenerator::templatePath(bool multiLine, bool fd) const
     return Templates::pathInStack(database()->getMiscSetting(u"costackpath"_s), outputFolder(), file);
 }
 
-void SDMGenerator::write(QTextStream &stream)
+void SDMGenerator::write(Utf8Sink &sink)
 {
     const Dialect &dialect = Dialect::of(form_);
     const bool multiLine = LineSettings::severalLines(*database());
@@ -89,9 +87,9 @@ void SDMGenerator::write(QTextStream &stream)
         return;
     }
     Q_EMIT progress(25);
-    stream << *module;
+    sink << *module;
     if (form_ == SourceForm::Classic)
-        writeClassicTail(stream, groups, values);
+        writeClassicTail(sink, groups, values);
     infoText_ =
         u"%1 transmitted, %2 received safety data groups"_s.arg(groups.transmittedCount()).arg(groups.receivedCount());
 }
@@ -103,7 +101,7 @@ void SDMGenerator::failWithout(const QString &path)
 }
 
 /// The prototypes come from a file of their own, which need not hold a placeholder.
-void SDMGenerator::writeClassicTail(QTextStream &stream, const SafetyGroups &groups, const TemplateValues &values)
+void SDMGenerator::writeClassicTail(Utf8Sink &sink, const SafetyGroups &groups, const TemplateValues &values)
 {
     const QString path = Templates::pathBesideProgram(groups.multiLine ? u"sdgproto_ml.data"_s : u"sdgproto.data"_s);
     const std::optional<QString> prototypes = source_->text(path);
@@ -111,7 +109,7 @@ void SDMGenerator::writeClassicTail(QTextStream &stream, const SafetyGroups &gro
         failWithout(path);
         return;
     }
-    CodeWriter out(stream);
+    CodeWriter out(sink);
     out(uR"(
 
         /*
@@ -121,6 +119,6 @@ void SDMGenerator::writeClassicTail(QTextStream &stream, const SafetyGroups &gro
 
         )",
         {{"COUNT", Code::dec(groups.loopCounter)}});
-    stream << Templates::fill(*prototypes, values).value_or(*prototypes) << '\n';
+    sink << Templates::fill(*prototypes, values).value_or(*prototypes) << '\n';
     SafetySections::writeFunctions(out, groups, Dialect::of(form_));
 }

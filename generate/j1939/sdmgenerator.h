@@ -33,12 +33,12 @@ protected:
         : form_(form)
     {
     }
-    void write(QTextStream &stream) override;
+    void write(Utf8Sink &sink) override;
 
 private:
     QString templatePath(bool multiLine, bool fd) const;
     void failWithout(const QString &path);
-    void writeClassicTail(QTextStream &stream, const SafetyGroups &groups, const TemplateValues &values);
+    void writeClassicTail(Utf8Sink &sink, const SafetyGroups &groups, const TemplateValues &values);
 
     SourceForm form_;
     std::unique_ptr<TemplateSource> source_ = std::make_unique<PlainTemplateSource>();

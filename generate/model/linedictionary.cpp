@@ -73,11 +73,12 @@ quint32 defaultNumber(const Entry *sub)
 
 LineDictionary::LineDictionary(ObjectDataBase &store, quint8 line, quint16 first)
     : number(line)
+    , indices_(store.getAllIndices(line))
     , entries_(store.getAllSubIndices(line))
 {
     auto next = entries_.cbegin();
     const auto isBelow = [](const Entry &entry, quint32 index) { return entry.index < index; };
-    for (const StoreRecords::IndexEntry &object : store.getAllIndices(line)) {
+    for (const StoreRecords::IndexEntry &object : std::as_const(indices_)) {
         if (object.index < first)
             continue;
         const auto begin = std::lower_bound(next, entries_.cend(), quint32{object.index}, isBelow);

@@ -19,8 +19,8 @@ struct LineObject
 {
     quint8 line = 0;
     quint16 index = 0;
-    StoreRecords::IndexData data{};
-    std::span<const StoreRecords::SubEntry> subs{}; ///< ascending; they live as long as the line's dictionary
+    const StoreRecords::IndexData &data;            ///< lives as long as the line's dictionary, as do the subindices
+    std::span<const StoreRecords::SubEntry> subs{}; ///< ascending
     /// The first subindex of a tail of equal ones, which stands for all behind it. Told by `collectDictionaryTables`.
     quint8 compactLimit = notCompact;
 
@@ -73,5 +73,7 @@ public:
     std::vector<LineObject> objects{}; ///< ascending
 
 private:
+    // Shared with the store and with the other readers of the line, as long as nobody writes.
+    QList<StoreRecords::IndexEntry> indices_;
     QList<StoreRecords::SubEntry> entries_; ///< by index and subindex
 };

@@ -16,8 +16,6 @@
 #include "store/objectdatabase.h"
 #include "store/settings.h"
 
-#include <QTextStream>
-
 #include <algorithm>
 #include <optional>
 
@@ -165,7 +163,7 @@ SourceFile MultiProGenerator::sourceFile() const
     return protocols_.rawCanOnly() ? SourceFile::GenMpCanIds : SourceFile::GenMp;
 }
 
-void MultiProGenerator::write(QTextStream &stream)
+void MultiProGenerator::write(Utf8Sink &sink)
 {
     const Dialect &dialect = Dialect::of(form_);
     ObjectDataBase &store = *database();
@@ -186,7 +184,7 @@ void MultiProGenerator::write(QTextStream &stream)
     if (!protocols.rawCan || protocols.udsOnly)
         warn(leftOutCanIds(store, fileName()));
 
-    CodeWriter out(stream);
+    CodeWriter out(sink);
     const CommonGeneratorHelper common(database(), dialect);
     StackInit canOpen = StackInit::collect(store, content.dictionary);
     settleMasters(canOpen);

@@ -7,7 +7,6 @@
 #include "generate/j1939/externdecl.h"
 
 #include <QDir>
-#include <QTextStream>
 
 using namespace Qt::StringLiterals;
 
@@ -26,9 +25,9 @@ void ExtDeclGenerator::writeIncludes(CodeWriter &out) const
           SourceSections::dataTypeHeader(SourceOpening::of(*database(), outputFolder()), Dialect::of(form_))}});
 }
 
-void ExtDeclGenerator::write(QTextStream &stream)
+void ExtDeclGenerator::write(Utf8Sink &sink)
 {
-    CodeWriter out(stream);
+    CodeWriter out(sink);
     writeFileHeader(out, SourceFile::GenExternDecl, form_, baseName());
     out(uR"(
         /* protect against multiple inclusion of the file */
@@ -52,15 +51,15 @@ void ExtDeclGenerator::writeCompanions()
         fail(OutputError, file.errorText());
         return;
     }
-    QTextStream stream(file.device());
-    CodeWriter out(stream);
+    Utf8Sink sink(file.device());
+    CodeWriter out(sink);
     writeFileHeader(out, SourceFile::GenVarDecl, form_, baseName(),
                     u"(This file may be used optionally if variables are not defined yet by the application.)"_s);
     writeIncludes(out);
     out(u"#ifdef NJX_USE_GENERATED_VARIABLES");
     writeVariables(out, ExternDeclarations::collect(*database(), Dialect::of(form_)), DeclarationForm::Definition);
     out(u"#endif /* NJX_USE_GENERATED_VARIABLES */");
-    stream.flush();
+    sink.flush();
     if (!file.commit())
         fail(OutputError, file.errorText());
 }

@@ -23,7 +23,7 @@ protected:
         : form_(form)
     {
     }
-    void write(QTextStream &stream) override;
+    void write(Utf8Sink &sink) override;
     void writeCompanions() override;
 
 private:

@@ -25,12 +25,14 @@ namespace {
 /// either end.
 QString identifier(QLatin1StringView prefix, const QString &text)
 {
-    QString name;
-    for (const QChar letter : QString(prefix + text.toUpper())) {
-        const bool allowed = letter < u'\x80' && letter.isLetterOrNumber();
-        if (allowed || !name.endsWith(u'_'))
-            name.append(allowed ? letter : u'_');
+    QString name = prefix + text.toUpper();
+    QChar *end = name.data(); // what is left of the text goes to the place of what was there
+    for (const QChar letter : std::as_const(name)) {
+        const bool allowed = (letter >= u'A' && letter <= u'Z') || (letter >= u'0' && letter <= u'9');
+        if (allowed || end == name.constData() || end[-1] != u'_')
+            *end++ = allowed ? letter : QChar(u'_');
     }
+    name.truncate(end - name.constData());
     if (name.startsWith(u'_'))
         name.remove(0, 1);
     if (name.endsWith(u'_'))
@@ -42,11 +44,11 @@ QString identifier(QLatin1StringView prefix, const QString &text)
 // that definition, and C allows this for equal texts only.
 QString decimal(quint64 value)
 {
-    return dec(value) + u'u';
+    return QString(dec(value)) + u'u';
 }
 QString hexadecimal(quint64 value)
 {
-    return u"0x%1u"_s.arg(hex(value));
+    return QString(Code::hex0x(value)) + u'u';
 }
 
 /// The name that a user gave an item by an attribute; empty if there is none.

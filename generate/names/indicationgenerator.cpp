@@ -106,12 +106,12 @@ QString IndicationHeaderGenerator::fileName() const
     return u"gen_indication.h"_s;
 }
 
-void IndicationHeaderGenerator::write(QTextStream &stream)
+void IndicationHeaderGenerator::write(Utf8Sink &sink)
 {
     Collector collector(*database(), dialect_, sources_);
     const QList<Prototype> prototypes = collector.collect();
     const bool multiLine = LineSettings::severalLines(*database());
-    CodeWriter out(stream);
+    CodeWriter out(sink);
     // The file has no date: it stays the same for as long as its functions do.
     out(uR"(
         /*

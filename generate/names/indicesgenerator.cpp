@@ -35,11 +35,11 @@ QString IndicesGenerator::jobName() const
     return u"gen_indices.h generator"_s;
 }
 
-void IndicesGenerator::write(QTextStream &stream)
+void IndicesGenerator::write(Utf8Sink &sink)
 {
     const IndexDefines defines = collectIndexDefines(*database(), lines_, isMultiLine() || generatesMultiLine(),
                                                      [this] { return takeCancelRequest(); });
-    CodeWriter out(stream);
+    CodeWriter out(sink);
     writeFileHeader(out, SourceFile::GenIndices, SourceForm::V4, baseName());
     out(uR"(
         /* protect against multiple inclusion of the file */

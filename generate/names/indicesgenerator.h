@@ -16,7 +16,7 @@ public:
 
 protected:
     QString jobName() const override;
-    void write(QTextStream &stream) override;
+    void write(Utf8Sink &sink) override;
 
 private:
     QList<quint8> lines_;

@@ -73,7 +73,9 @@ QString DescriptionWords::mappedType(const Dialect &dialect, std::optional<quint
     return *dataType < CAN::VisibleString || *dataType == CAN::Integer24 ? u"CO_TRUE"_s : u"CO_FALSE"_s;
 }
 
-QString DescriptionWords::place(bool multiLine, quint8 line, quint16 index)
+PrintedValue DescriptionWords::place(bool multiLine, quint8 line, quint16 index)
 {
-    return multiLine ? u"%1-0x%2"_s.arg(Code::dec(line), Code::hex(index, 4)) : u"0x%1"_s.arg(Code::hex(index, 4));
+    if (!multiLine)
+        return Code::hex0x(index, 4);
+    return u"%1-%2"_s.arg(Code::dec(line), Code::hex0x(index, 4));
 }

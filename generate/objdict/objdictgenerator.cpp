@@ -63,7 +63,7 @@ QString ObjDictGenerator::fileName() const
     return u"gen_objdict.c"_s;
 }
 
-void ObjDictGenerator::write(QTextStream &stream)
+void ObjDictGenerator::write(Utf8Sink &sink)
 {
     const DictionaryTables tables =
         collectDictionaryTables(*database(), {.compactDescription = compactDescription_, .serverMode = serverMode_});
@@ -79,7 +79,7 @@ void ObjDictGenerator::write(QTextStream &stream)
     }
     warn(mappingWarnings(tables));
 
-    CodeWriter out(stream);
+    CodeWriter out(sink);
     writeFileHeader(out, SourceFile::GenObjdict, dialect_.form, baseName());
     writeOpening(out, *database(), SourceOpening::of(*database(), outputFolder()), tables, dialect_);
     ObjDictSections::managedVariables(out, tables, dialect_);

@@ -22,7 +22,7 @@ public:
 
 protected:
     ObjDictGenerator(const Dialect &dialect, bool compactDescription, QObject *parent);
-    void write(QTextStream &stream) override;
+    void write(Utf8Sink &sink) override;
 
 private:
     const Dialect &dialect_;

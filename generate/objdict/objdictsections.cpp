@@ -6,6 +6,8 @@
 #include "generate/model/dictionarytables.h"
 #include "texttools/helper.h"
 
+#include <QHash>
+
 using namespace Qt::StringLiterals;
 using Code::dec;
 using Code::hex;
@@ -23,22 +25,29 @@ std::size_t at(ValueType type)
     return static_cast<std::size_t>(type);
 }
 
-/// The comment of an array element: the subindex that it belongs to.
-QString elementComment(const DictionaryTables &tables, quint32 key)
-{
-    const auto line = static_cast<quint8>(key >> 24);
-    const auto index = static_cast<quint16>(key >> 8);
-    return u" /* %1:%2 */"_s.arg(DescriptionWords::place(tables.multiLine, line, index), dec(key & 0xFF));
-}
-
 /// The elements of an array up to its closing brace: `element` gives the text of a position.
 template <typename Element>
-void writeElements(CodeWriter &out, std::size_t count, const Element &element, const QString &rowStart = {})
+void writeElements(CodeWriter &out, std::size_t count, const Element &element)
 {
     for (std::size_t i = 0; i < count; ++i)
-        out(u"${START}\t${ELEMENT}${END}", {{"START", i == 0 ? QString() : rowStart},
-                                            {"ELEMENT", element(i)},
-                                            {"END", i + 1 < count ? u","_s : u"};"_s}});
+        out(u"\t${ELEMENT}${END}", {{"ELEMENT", element(i)}, {"END", i + 1 < count ? ","_L1 : "};"_L1}});
+}
+
+/// The same for elements that belong to a subindex each, which is told in a comment behind them.
+template <typename Element>
+void writeKeyedElements(CodeWriter &out, const DictionaryTables &tables, const std::vector<quint32> &keys,
+                        const Element &element, QLatin1StringView rowStart = {})
+{
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        const auto line = static_cast<quint8>(keys[i] >> 24);
+        const auto index = static_cast<quint16>(keys[i] >> 8);
+        out(u"${START}\t${ELEMENT} /* ${PLACE}:${SUB} */${END}",
+            {{"START", i == 0 ? ""_L1 : rowStart},
+             {"ELEMENT", element(i)},
+             {"PLACE", DescriptionWords::place(tables.multiLine, line, index)},
+             {"SUB", dec(keys[i] & 0xFF)},
+             {"END", i + 1 < keys.size() ? ","_L1 : "};"_L1}});
+    }
 }
 
 void writeManagedArray(CodeWriter &out, const DictionaryTables &tables, const Dialect &dialect, ValueType type)
@@ -54,10 +63,9 @@ void writeManagedArray(CodeWriter &out, const DictionaryTables &tables, const Di
          {"END", tables.initStaticVariables ? u"= {"_s : u";"_s}});
     if (!tables.initStaticVariables)
         return;
-    const auto element = [&](std::size_t i) {
-        return array.values[i].initialiser() + elementComment(tables, array.keys[i]);
-    };
-    writeElements(out, array.values.size(), element, type == I32 ? u" "_s : QString());
+    writeKeyedElements(
+        out, tables, array.keys, [&](std::size_t i) { return array.values[i].initialiser(); },
+        type == I32 ? " "_L1 : ""_L1);
 }
 
 void openConstants(CodeWriter &out, const Dialect &dialect, QLatin1StringView type, QLatin1StringView name,
@@ -124,12 +132,10 @@ void writePointers(CodeWriter &out, const DictionaryTables &tables, const Dialec
          {"CORE", dialect.core},
          {"NAME", valueTypeName(type)},
          {"COUNT", dec(array.names.size())}});
-    writeElements(out, array.names.size(), [&](std::size_t i) {
+    writeKeyedElements(out, tables, array.keys, [&](std::size_t i) {
         const QString &name = array.names[i];
         // Of a number of three bytes even what looks like an expression is taken for a name.
-        const QString address =
-            type == U24 && !name.isEmpty() ? u"&(%1)"_s.arg(name) : DictionaryCollect::variableAddress(name);
-        return address + elementComment(tables, array.keys[i]);
+        return type == U24 && !name.isEmpty() ? u"&(%1)"_s.arg(name) : DictionaryCollect::variableAddress(name);
     });
 }
 
@@ -254,17 +260,22 @@ void ObjDictSections::description(CodeWriter &out, const DictionaryTables &table
         ${CORE}CONST CO_OBJECT_DESC_T ${CORE}CONST_STORAGE_CLASS od_description[CO_OBJ_DESC_CNT] = {
         )",
         {{"CORE", dialect.core}});
-    for (const DescriptionRow &row : tables.description)
+    QHash<std::pair<quint16, QLatin1StringView>, QString> typeColumns; // few for all rows
+    for (const DescriptionRow &row : tables.description) {
+        QString &type = typeColumns[{row.dataType, row.specifier}];
+        if (type.isNull())
+            type = DescriptionWords::typeColumns(dialect, row.dataType, row.specifier);
         out(u"\t{ (UNSIGNED8)${SUB}u, ${TYPE}, (UNSIGNED16)${VALUE}u, ${ATTRIBUTES},  "
             u"(UNSIGNED16)${DEFAULT}${LIMITS}u},"
             "/* ${PLACE}:${SUB}*/ ",
             {{"SUB", dec(row.subindex)},
-             {"TYPE", DescriptionWords::typeColumns(dialect, row.dataType, row.specifier)},
+             {"TYPE", type},
              {"VALUE", dec(row.value)},
              {"ATTRIBUTES", row.attributes},
              {"DEFAULT", dec(row.defaultPosition)},
              {"LIMITS", limitColumns(tables, row)},
              {"PLACE", DescriptionWords::place(tables.multiLine, row.line, row.index)}});
+    }
     out(u"};");
 }
 

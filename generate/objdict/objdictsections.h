@@ -1,9 +1,8 @@
 #pragma once
 
-#include <QString>
+#include "generate/base/utf8sink.h"
 
 #include <optional>
-
 #include <vector>
 
 class CodeWriter;
@@ -44,6 +43,6 @@ QString typeColumns(const Dialect &dialect, quint16 dataType, QLatin1StringView 
 /// The data type of a mapping row, or whether it is a number; `unmapped` without a data type.
 QString mappedType(const Dialect &dialect, std::optional<quint16> dataType);
 /// "0x2000", with several lines "1-0x2000".
-QString place(bool multiLine, quint8 line, quint16 index);
+PrintedValue place(bool multiLine, quint8 line, quint16 index);
 
 } // namespace DescriptionWords

@@ -48,9 +48,9 @@ QString updateUserHeader(const QString &folder, const QString &baseName, bool wa
     OutputFile file(path);
     if (!file.open())
         return file.errorText();
-    QTextStream stream(file.device());
-    CodeWriter out(stream);
+    Utf8Sink sink(file.device());
+    CodeWriter out(sink);
     writeUserHeader(out, baseName, multiLine);
-    stream.flush();
+    sink.flush();
     return file.commit() ? QString() : file.errorText();
 }

@@ -90,7 +90,7 @@ QString VobjDictGenerator::fileName() const
     return u"gen_vobjdict.c"_s;
 }
 
-void VobjDictGenerator::write(QTextStream &stream)
+void VobjDictGenerator::write(Utf8Sink &sink)
 {
     const DictionaryTables dictionary =
         collectDictionaryTables(*database(), {.compactDescription = compactDescription_});
@@ -101,7 +101,7 @@ void VobjDictGenerator::write(QTextStream &stream)
     const bool dynamic = Settings(*database()).isOn(u"dynod"_s);
     const VirtualTables tables = collectVirtualTables(dictionary, dynamic);
 
-    CodeWriter out(stream);
+    CodeWriter out(sink);
     writeFileHeader(out, SourceFile::GenVobjdict, dialect_.form, baseName());
     out(uR"(
         #include <stdlib.h>

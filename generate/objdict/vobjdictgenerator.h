@@ -18,7 +18,7 @@ public:
 
 protected:
     VobjDictGenerator(const Dialect &dialect, bool compactDescription, QObject *parent);
-    void write(QTextStream &stream) override;
+    void write(Utf8Sink &sink) override;
 
 private:
     const Dialect &dialect_;

@@ -88,9 +88,9 @@ QString HTMLDocumentGenerator::fileName() const
     return nameWith(".html"_L1);
 }
 
-void HTMLDocumentGenerator::write(QTextStream &stream)
+void HTMLDocumentGenerator::write(Utf8Sink &sink)
 {
-    HtmlPage page(stream);
+    HtmlPage page(sink);
     const QString project = fileNameMarkup(baseName());
     collect();
     writeHead(page, project);

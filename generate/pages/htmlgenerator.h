@@ -32,7 +32,7 @@ protected:
     virtual void writeLinks(HtmlPage &page) = 0;
     virtual void writeContents(HtmlPage &page) = 0;
 
-    void write(QTextStream &stream) override;
+    void write(Utf8Sink &sink) override;
 
 private:
     void writeHead(HtmlPage &page, const QString &project) const;

@@ -11,8 +11,8 @@
 class HtmlPage
 {
 public:
-    explicit HtmlPage(QTextStream &stream)
-        : out(stream)
+    explicit HtmlPage(Utf8Sink &sink)
+        : out(sink)
     {
     }
 

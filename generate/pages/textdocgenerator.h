@@ -13,7 +13,7 @@ public:
     QString fileName() const override;
 
 protected:
-    void write(QTextStream &stream) override;
+    void write(Utf8Sink &sink) override;
 };
 
 /// PGNs and SPNs of a line as text with tabs between the fields, which `DOCTXTImporter` reads back. A tab or line break
@@ -28,7 +28,7 @@ public:
     QString fileName() const override;
 
 protected:
-    void write(QTextStream &stream) override;
+    void write(Utf8Sink &sink) override;
 };
 
 /// CAN-IDs and data elements of a line as text, in a block for each direction.
@@ -42,5 +42,5 @@ public:
     QString fileName() const override;
 
 protected:
-    void write(QTextStream &stream) override;
+    void write(Utf8Sink &sink) override;
 };

@@ -8,8 +8,6 @@
 #include "store/objectdatabase.h"
 #include "store/settings.h"
 
-#include <QTextStream>
-
 #include <array>
 
 using namespace Qt::StringLiterals;
@@ -79,7 +77,7 @@ QString SrdoGeneratorStatic::prototypePath(bool /*multiLine*/) const
     return {};
 }
 
-void SrdoGenerator::write(QTextStream &stream)
+void SrdoGenerator::write(Utf8Sink &sink)
 {
     const bool multiLine = LineSettings::severalLines(*database());
     const SrdoTables tables = SrdoTables::collect(*database(), multiLine, staticData_);
@@ -104,9 +102,9 @@ void SrdoGenerator::write(QTextStream &stream)
         fail(TemplateError, u"Template file not found."_s);
         return;
     }
-    stream << *module;
+    sink << *module;
     if (functions) {
-        CodeWriter out(stream);
+        CodeWriter out(sink);
         out(uR"(
 
             /*
@@ -116,6 +114,6 @@ void SrdoGenerator::write(QTextStream &stream)
 
             )",
             {{"COUNT", Code::dec(Settings(*database()).number(u"srdo_loop_counter"_s))}});
-        stream << Templates::fill(*functions, values).value_or(*functions);
+        sink << Templates::fill(*functions, values).value_or(*functions);
     }
 }

@@ -23,7 +23,7 @@ public:
     void setTemplateSource(std::unique_ptr<TemplateSource> source) { source_ = std::move(source); }
 
 protected:
-    void write(QTextStream &stream) override;
+    void write(Utf8Sink &sink) override;
     virtual QString templatePath(bool multiLine) const;
     /// The path of the functions for the application; empty for none.
     virtual QString prototypePath(bool multiLine) const;

@@ -6,11 +6,8 @@
 #include "generate/tables/tablefields.h"
 #include "nodedict/cohelper.h"
 
-#include <QTextStream>
-
-#include <array>
-
 using namespace Qt::StringLiterals;
+using TableFields::Column;
 using TableFields::field;
 using TableFields::flag;
 
@@ -24,23 +21,17 @@ QString nameOf(const LineObject &object, const Sub &sub)
     return field(isVariable ? object.name() : object.name() + u' ' + filledText(sub.data.name, sub));
 }
 
-QString implementationOf(const Sub &sub)
+QLatin1StringView implementationOf(const Sub &sub)
 {
-    const QString word = TableFields::implementation(sub.data.implementation);
-    return word.isEmpty() ? u"NONE"_s : word;
+    const QLatin1StringView word = TableFields::implementation(sub.data.implementation);
+    return word.isEmpty() ? "NONE"_L1 : word;
 }
 
-struct Column
-{
-    QLatin1StringView name;
-    QString (*field)(const LineObject &, const Sub &);
-};
-
 // clang-format off
-constexpr std::array columns{
-    Column{"Index"_L1, [](const LineObject &object, const Sub &) { return "0x"_L1 + Code::hex(object.index, 4); }},
-    Column{"Sub"_L1, [](const LineObject &, const Sub &sub) { return "0x"_L1 + Code::hex(sub.subindex, 2); }},
-    Column{"EDSname"_L1, nameOf},
+constexpr Column columns[] = {
+    Column{"Index"_L1, [](const LineObject &object, const Sub &) { return Code::hex0x(object.index, 4); }},
+    Column{"Sub"_L1, [](const LineObject &, const Sub &sub) { return Code::hex0x(sub.subindex, 2); }},
+    Column{"EDSname"_L1, [](const LineObject &object, const Sub &sub) { return nameOf(object, sub); }},
     Column{"Datatype"_L1, [](const LineObject &, const Sub &sub) { return COHelper::index2DataTypeString(sub.data.datatype); }},
     Column{"Access"_L1, [](const LineObject &, const Sub &sub) { return field(sub.data.accesstype); }},
     Column{"Value"_L1, [](const LineObject &, const Sub &sub) { return field(TableFields::value(sub.data.datatype, sub.data.defaultvalue)); }},
@@ -66,19 +57,21 @@ QString CSVGenerator::fileName() const
     return documentName(baseName(), line(), isMultiLine()) + u".csv"_s;
 }
 
-void CSVGenerator::writeHead(QTextStream &stream)
+void CSVGenerator::writeHead(Utf8Sink &sink)
 {
     QStringList names;
     for (const Column &column : columns)
         names.append(column.name);
-    stream << names.join(u',') << '\n';
+    sink << names.join(u',') << '\n';
 }
 
-void CSVGenerator::writeObject(QTextStream &stream, const LineObject &object)
+void CSVGenerator::writeObject(Utf8Sink &sink, const LineObject &object)
 {
     for (const Sub &sub : object.subs) {
-        for (const Column &column : columns)
-            stream << column.field(object, sub) << ',';
-        stream << '\n';
+        for (const Column &column : columns) {
+            sink.put(column.field(object, sub));
+            sink << ',';
+        }
+        sink << '\n';
     }
 }

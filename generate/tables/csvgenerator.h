@@ -13,6 +13,6 @@ public:
     QString fileName() const override;
 
 protected:
-    void writeHead(QTextStream &stream) override;
-    void writeObject(QTextStream &stream, const LineObject &object) override;
+    void writeHead(Utf8Sink &sink) override;
+    void writeObject(Utf8Sink &sink, const LineObject &object) override;
 };

@@ -8,11 +8,10 @@
 #include "nodedict/cohelper.h"
 #include "texttools/helper.h"
 
-#include <QTextStream>
-
-#include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
+using TableFields::Column;
 using TableFields::field;
 using TableFields::flag;
 
@@ -55,32 +54,25 @@ QString descriptionOf(const Object &object, const Sub &sub)
     return descriptionField(isWholeObject(object, sub) ? object.plainDescription() : sub.data.description);
 }
 
-struct Column
-{
-    QLatin1StringView name;
-    QString (*field)(const Object &, const Sub &);
-    QString (*headField)(const Object &) = nullptr; ///< of a head row; none for an empty field
-};
-
 constexpr QLatin1StringView documentationColumn = "description"_L1;
 
 // clang-format off
-constexpr std::array columns{
-    Column{"index"_L1, [](const Object &object, const Sub &) { return "0x"_L1 + Code::hex(object.index, 4); },
-           [](const Object &object) { return "0x"_L1 + Code::hex(object.index, 4); }},
-    Column{"sub"_L1, [](const Object &, const Sub &sub) { return "0x"_L1 + Code::hex(sub.subindex, 2); }},
-    Column{"objectcode"_L1, codeOf,
+constexpr Column columns[] = {
+    Column{"index"_L1, [](const Object &object, const Sub &) { return Code::hex0x(object.index, 4); },
+           [](const Object &object) { return Code::hex0x(object.index, 4); }},
+    Column{"sub"_L1, [](const Object &, const Sub &sub) { return Code::hex0x(sub.subindex, 2); }},
+    Column{"objectcode"_L1, [](const Object &object, const Sub &sub) { return codeOf(object, sub); },
            [](const Object &object) { return COHelper::objectCode2String(object.data.objecttype); }},
-    Column{"datatype"_L1, typeOf,
+    Column{"datatype"_L1, [](const Object &object, const Sub &sub) { return typeOf(object, sub); },
            [](const Object &object) { return COHelper::index2DataTypeString(object.data.datatype); }},
-    Column{"edsname"_L1, nameOf, [](const Object &object) { return field(object.name()); }},
+    Column{"edsname"_L1, [](const Object &object, const Sub &sub) { return nameOf(object, sub); }, [](const Object &object) { return field(object.name()); }},
     Column{"varname"_L1, [](const Object &, const Sub &sub) { return field(sub.data.varname); }},
     Column{"access"_L1, [](const Object &, const Sub &sub) { return field(sub.data.accesstype); }},
     Column{"mapable"_L1, [](const Object &, const Sub &sub) { return sub.data.pdomapping.getCSVStringValue(); }},
     Column{"hasdefault"_L1, [](const Object &, const Sub &sub) { return flag(sub.data.defaultineds); }},
     Column{"defaultineds"_L1, [](const Object &, const Sub &sub) { return flag(sub.data.writedefaulttoeds != 0); }},
     Column{"value"_L1, [](const Object &, const Sub &sub) { return field(TableFields::value(sub.data.datatype, sub.data.defaultvalue)); }},
-    Column{documentationColumn, descriptionOf,
+    Column{documentationColumn, [](const Object &object, const Sub &sub) { return descriptionOf(object, sub); },
            [](const Object &object) { return descriptionField(object.data.description); }},
     Column{"size"_L1, [](const Object &, const Sub &sub) { return Code::dec(sub.data.size); }},
     Column{"implementation"_L1, [](const Object &, const Sub &sub) { return TableFields::implementation(sub.data.implementation); }},
@@ -93,14 +85,17 @@ constexpr std::array columns{
 
 /// A row of what `fieldOf` gives for each column.
 template <typename FieldOf>
-void writeRow(QTextStream &stream, bool withDocumentation, FieldOf fieldOf)
+void writeRow(Utf8Sink &sink, bool withDocumentation, FieldOf fieldOf)
 {
-    QStringList fields;
+    bool isFirst = true;
     for (const Column &column : columns) {
-        if (withDocumentation || column.name != documentationColumn)
-            fields.append(fieldOf(column));
+        if (!withDocumentation && column.name == documentationColumn)
+            continue;
+        if (!std::exchange(isFirst, false))
+            sink << ',';
+        sink.put(fieldOf(column));
     }
-    stream << fields.join(u',') << '\n';
+    sink << '\n';
 }
 
 } // namespace
@@ -110,18 +105,18 @@ QString ICSVGenerator::fileName() const
     return documentName(baseName(), line(), isMultiLine()) + u".icsv"_s;
 }
 
-void ICSVGenerator::writeHead(QTextStream &stream)
+void ICSVGenerator::writeHead(Utf8Sink &sink)
 {
-    stream << u"# This is an importable ICSV file for the %1 project.\n#\n"_s.arg(DocText::oneLine(baseName()));
-    writeRow(stream, hasDocumentation_, [](const Column &column) { return QString(column.name); });
+    sink << u"# This is an importable ICSV file for the %1 project.\n#\n"_s.arg(DocText::oneLine(baseName()));
+    writeRow(sink, hasDocumentation_, [](const Column &column) { return column.name; });
 }
 
-void ICSVGenerator::writeObject(QTextStream &stream, const LineObject &object)
+void ICSVGenerator::writeObject(Utf8Sink &sink, const LineObject &object)
 {
     if (object.isGroup()) {
-        writeRow(stream, hasDocumentation_,
-                 [&](const Column &column) { return column.headField ? column.headField(object) : QString(); });
+        writeRow(sink, hasDocumentation_,
+                 [&](const Column &column) { return column.headField ? column.headField(object) : PrintedValue(); });
     }
     for (const Sub &sub : object.subs)
-        writeRow(stream, hasDocumentation_, [&](const Column &column) { return column.field(object, sub); });
+        writeRow(sink, hasDocumentation_, [&](const Column &column) { return column.field(object, sub); });
 }

@@ -18,8 +18,8 @@ public:
     QString fileName() const override;
 
 protected:
-    void writeHead(QTextStream &stream) override;
-    void writeObject(QTextStream &stream, const LineObject &object) override;
+    void writeHead(Utf8Sink &sink) override;
+    void writeObject(Utf8Sink &sink, const LineObject &object) override;
 
 private:
     bool hasDocumentation_ = true;

@@ -102,13 +102,13 @@ QString TableFields::value(quint16 dataType, const QString &text)
     return isRelative && !decimal.isEmpty() ? nodeId + decimal : decimal;
 }
 
-QString TableFields::flag(bool on)
+QLatin1StringView TableFields::flag(bool on)
 {
-    return on ? u"yes"_s : u"no"_s;
+    return on ? "yes"_L1 : "no"_L1;
 }
 
-QString TableFields::implementation(quint8 code)
+QLatin1StringView TableFields::implementation(quint8 code)
 {
-    static const QStringList words = {u"ManagedVariable"_s, u"ManagedConst"_s, u"Variable"_s, u"VirtualObject"_s};
-    return words.value(code);
+    constexpr std::array words{"ManagedVariable"_L1, "ManagedConst"_L1, "Variable"_L1, "VirtualObject"_L1};
+    return code < words.size() ? words.at(code) : ""_L1;
 }

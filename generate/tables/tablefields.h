@@ -1,8 +1,9 @@
 #pragma once
 
-#include <QString>
+#include "generate/base/utf8sink.h"
+#include "generate/model/linedictionary.h"
 
-#include <QtGlobal>
+#include <type_traits>
 
 /// Fields of the tables of objects that the program writes.
 namespace TableFields {
@@ -18,9 +19,34 @@ QString field(const QString &text);
 QString value(quint16 dataType, const QString &text);
 
 /// "yes" or "no".
-QString flag(bool on);
+QLatin1StringView flag(bool on);
 
 /// "ManagedVariable", "ManagedConst", "Variable" or "VirtualObject"; empty for another code.
-QString implementation(quint8 code);
+QLatin1StringView implementation(quint8 code);
+
+/// A column of a table: what it prints of a subindex, and of the head row of an ARRAY or RECORD where a table has one;
+/// each a lambda that captures nothing.
+struct Column
+{
+    template <typename Field>
+    requires std::is_empty_v<Field>
+    constexpr Column(QLatin1StringView columnName, Field /*field*/)
+        : name(columnName)
+        , field([](const LineObject &object, const StoreRecords::SubEntry &sub) -> PrintedValue {
+            return Field()(object, sub);
+        })
+    {
+    }
+    template <typename Field, typename HeadField>
+    constexpr Column(QLatin1StringView columnName, Field ofSubindex, HeadField /*ofHead*/)
+        : Column(columnName, ofSubindex)
+    {
+        headField = [](const LineObject &object) -> PrintedValue { return HeadField()(object); };
+    }
+
+    QLatin1StringView name;
+    PrintedValue (*field)(const LineObject &, const StoreRecords::SubEntry &);
+    PrintedValue (*headField)(const LineObject &) = nullptr; ///< none for an empty field
+};
 
 } // namespace TableFields

@@ -1,12 +1,14 @@
 #include "generate/tables/tablegenerator.h"
 
+#include "generate/base/utf8sink.h"
 #include "generate/model/linedictionary.h"
 #include "store/objectdatabase.h"
 
 #include <QDebug>
-#include <QTextStream>
 
 #include <array>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -14,9 +16,9 @@ constexpr std::array<quint16, 2> areas{0x2000, 0x6000};
 
 } // namespace
 
-void TableGenerator::write(QTextStream &stream)
+void TableGenerator::write(Utf8Sink &sink)
 {
-    writeHead(stream);
+    writeHead(sink);
     auto area = areas.begin();
     const LineDictionary dictionary(*database(), line());
     for (const LineObject &object : dictionary.objects) {
@@ -25,7 +27,7 @@ void TableGenerator::write(QTextStream &stream)
             return;
         }
         for (; area != areas.end() && object.index >= *area; ++area)
-            stream << " \n";
-        writeObject(stream, object);
+            sink << " \n"_L1;
+        writeObject(sink, object);
     }
 }

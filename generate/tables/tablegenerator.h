@@ -15,7 +15,7 @@ public:
     using FileGenerator::FileGenerator;
 
 protected:
-    void write(QTextStream &stream) override;
-    virtual void writeHead(QTextStream &stream) = 0;
-    virtual void writeObject(QTextStream &stream, const LineObject &object) = 0;
+    void write(Utf8Sink &sink) override;
+    virtual void writeHead(Utf8Sink &sink) = 0;
+    virtual void writeObject(Utf8Sink &sink, const LineObject &object) = 0;
 };

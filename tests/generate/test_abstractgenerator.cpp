@@ -1,4 +1,5 @@
 #include "generate/base/filegenerator.h"
+#include "generate/base/utf8sink.h"
 #include "support/projectbuilder.h"
 #include "support/testhome.h"
 
@@ -6,7 +7,6 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QTextStream>
 #include <QThread>
 
 using namespace Qt::StringLiterals;
@@ -19,13 +19,13 @@ class TextGenerator : public FileGenerator
 {
 public:
     QString fileName() const override { return u"out"_s + fileSuffix() + u".txt"_s; }
-    void write(QTextStream &stream) override
+    void write(Utf8Sink &sink) override
     {
         onMainThread = QThread::currentThread() == QCoreApplication::instance()->thread();
         storeWasBlocked = !database()->setMiscSetting(u"x"_s, u"y"_s);
         setterDuringJob = setBaseName(u"late"_s);
         multiLineSetting = generatesMultiLine();
-        stream << u"Zähler\n"_s;
+        sink << u"Zähler\n"_s;
         if (losingFolder)
             QDir(outputFolder()).removeRecursively();
     }

@@ -8,15 +8,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-template <typename Write>
-QString written(Write write)
-{
-    QString text;
-    QTextStream stream(&text);
-    CodeWriter out(stream);
-    write(out);
-    return text;
-}
+constexpr auto written = CodeWriter::textOf;
 
 TEST(CodeWriter, TakesTheMarginOffEachLineOfABlock)
 {

@@ -1,5 +1,6 @@
 #include "check/modelchecker.h"
 #include "generate/base/filegenerator.h"
+#include "generate/base/utf8sink.h"
 #include "generate/recorder.h"
 #include "generate/run/generationrun.h"
 #include "generate/run/generatormainhandler.h"
@@ -11,7 +12,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QTextStream>
 
 #include <unistd.h>
 
@@ -33,9 +33,9 @@ public:
     {
         return isMultiLine() ? u"%1_%2%3.txt"_s.arg(name_).arg(line()).arg(fileSuffix()) : name_ + u".txt"_s;
     }
-    void write(QTextStream &stream) override
+    void write(Utf8Sink &sink) override
     {
-        stream << name_;
+        sink << name_;
         if (failing_)
             fail(TemplateError, u"Broken template."_s);
     }

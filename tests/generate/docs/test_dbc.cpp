@@ -1,3 +1,4 @@
+#include "generate/base/utf8sink.h"
 #include "generate/bus/candbdbc.h"
 #include "generate/bus/dbcgenerator.h"
 #include "candb/dbcreader.h"
@@ -12,7 +13,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTextStream>
 
 #include <algorithm>
 
@@ -23,10 +23,12 @@ namespace {
 
 QString text(const CANdb::Database &database)
 {
-    QString result;
-    QTextStream stream(&result);
-    writeDbc(stream, database);
-    return result;
+    QBuffer result;
+    result.open(QIODevice::WriteOnly);
+    Utf8Sink sink(&result);
+    writeDbc(sink, database);
+    sink.flush();
+    return QString::fromUtf8(result.data());
 }
 
 /// The DBC files that the goldens expect.
