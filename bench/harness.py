@@ -142,3 +142,15 @@ def make_messages(size, path):
                      f"{key}\\implementation=2\n{key}\\name=SPN {i}\n{key}\\pos={i % 10}\n"
                      f"{key}\\varname=spn[{i}]\n")
     path.write_text("".join(lines), encoding="utf-8")
+
+
+def make_documentation(size, path, project):
+    """The text of `size` PGNs as the program writes it, and a text project of a J1939 line that can take it."""
+    sensor = (TOP / "examples/j1939_sensor/sensor.ncxt").read_text(encoding="utf-8")
+    project.write_text(sensor[:sensor.index("[PGNs0]")], encoding="utf-8")
+    with path.open("w", encoding="utf-8") as text:
+        for i in range(size):
+            number = 0xF000 + i
+            text.write(f"PGN:\t0x{number:X}/{number}\tName:\tPGN {number}\tDirection:\tTX\tCycle Time (ms):\t100\t"
+                       f"Priority:\t6\tInhibit Time (ms):\t0\n\tDescription:\tgroup {number}\n"
+                       f"\tSPN:\t{i + 1}\tName:\tSPN {i}\tType:\tUNSIGNED8\tSize:\t8\tVariable:\tspn[{i}]\n")

@@ -74,73 +74,6 @@ QString textOf(const QList<CsvImporter::ListEntry> &entries)
 
 } // namespace
 
-struct CsvImporter::ColumnRule
-{
-    QLatin1StringView name;
-    bool mustBeReached; ///< a row that ends before this column is dropped
-    bool notFirst;      ///< the column is not read if it is the first
-};
-
-const std::array<CsvImporter::ColumnRule, CsvImporter::ColumnCount> CsvImporter::rules = {{
-    {"index"_L1, false, false},          {"sub"_L1, true, false},        {"datatype"_L1, true, false},
-    {"access"_L1, true, false},          {"varname"_L1, true, false},    {"nvstorage"_L1, true, false},
-    {"edsname"_L1, true, false},         {"value"_L1, true, false},      {"description"_L1, true, false},
-    {"objectcode"_L1, false, false},     {"size"_L1, false, false},      {"mapable"_L1, false, true},
-    {"implementation"_L1, false, false}, {"hasdefault"_L1, false, true}, {"defaultineds"_L1, false, true},
-    {"line"_L1, false, false},           {"lowlimit"_L1, false, false},  {"uplimit"_L1, false, false},
-    {"haslimit"_L1, false, true},
-}};
-
-/// The fields of a line by their columns.
-class CsvImporter::Row
-{
-public:
-    Row(QStringList fields, const std::array<qsizetype, ColumnCount> &columns)
-        : fields_(std::move(fields))
-        , columns_(columns)
-    {
-    }
-
-    qsizetype fieldCount() const { return fields_.size(); }
-    bool has(Column column) const { return columns_[column] >= 0; }
-    bool reaches(Column column) const { return has(column) && columns_[column] < fields_.size(); }
-    /// Empty where the row has no such field.
-    QString text(Column column) const { return reaches(column) ? fields_[columns_[column]] : QString(); }
-    QString word(Column column) const { return text(column).trimmed().toLower(); }
-
-    bool isComplete() const
-    {
-        for (quint8 i = 0; i < ColumnCount; ++i) {
-            const auto column = static_cast<Column>(i);
-            if (rules[i].mustBeReached && has(column) && !reaches(column))
-                return false;
-        }
-        return true;
-    }
-
-    QString name(quint16 index) const
-    {
-        if (!text(EdsName).isEmpty())
-            return text(EdsName);
-        return text(VarName).isEmpty() ? u"Object_%1"_s.arg(index, 4, 16, QLatin1Char('0')) : text(VarName);
-    }
-
-    /// Whether the row is about an object alone.
-    bool isHead() const
-    {
-        if (!has(Sub) || !word(Sub).isEmpty() || word(ObjectCode).isEmpty())
-            return false;
-        const quint32 code = COHelper::string2objectCode(word(ObjectCode));
-        return code == CANopen::Array || code == CANopen::Record;
-    }
-
-    QString description() const { return text(Description).replace(Helper::csvDescLinebreak, "\n"_L1); }
-
-private:
-    const QStringList fields_;
-    const std::array<qsizetype, ColumnCount> &columns_;
-};
-
 /// Where a row belongs.
 struct CsvImporter::Place
 {
@@ -215,21 +148,16 @@ void CsvImporter::drop(const QString &reason)
 void CsvImporter::handleHeader(const QString &line)
 {
     rows_.setSeparator(!line.contains(u',') && line.contains(u';') ? u';' : u',');
-    QStringList names;
-    for (const QString &name : rows_.fieldsOf(line.toLower()))
-        names.append(name.trimmed());
-    for (std::size_t column = 0; column < ColumnCount; ++column) {
-        columns_[column] = names.indexOf(rules[column].name);
-        if (rules[column].notFirst && columns_[column] == 0)
-            columns_[column] = -1;
-    }
+    columns_ = CsvRow::placesIn(rows_.fieldsOf(line.toLower()));
 }
 
 std::optional<CsvImporter::Place> CsvImporter::placeOf(const Row &row)
 {
-    const auto index = NumberText::decimalOrHexadecimal<quint16>(row.text(Index));
-    const auto subindex = row.word(Sub).isEmpty() ? quint8(0) : NumberText::decimalOrHexadecimal<quint8>(row.text(Sub));
-    const auto line = row.word(Line).isEmpty() ? line_ : NumberText::decimalOrHexadecimal<quint8>(row.text(Line));
+    const auto index = NumberText::decimalOrHexadecimal<quint16>(row.text(Row::Index));
+    const auto subindex =
+        row.word(Row::Sub).isEmpty() ? quint8(0) : NumberText::decimalOrHexadecimal<quint8>(row.text(Row::Sub));
+    const auto line =
+        row.word(Row::Line).isEmpty() ? line_ : NumberText::decimalOrHexadecimal<quint8>(row.text(Row::Line));
     if (!index || !isInRange(*index) || !subindex || !line || !lines_.contains(*line))
         return {};
     return Place{*line, *index, *subindex};
@@ -238,8 +166,8 @@ std::optional<CsvImporter::Place> CsvImporter::placeOf(const Row &row)
 void CsvImporter::handleDataLine(const QString &line)
 {
     const Row row(rows_.fieldsOf(line), columns_);
-    if (row.fieldCount() < leastFields || !row.reaches(Index) ||
-        !NumberText::decimalOrHexadecimal<quint32>(row.text(Index)))
+    if (row.fieldCount() < leastFields || !row.reaches(Row::Index) ||
+        !NumberText::decimalOrHexadecimal<quint32>(row.text(Row::Index)))
         return drop(u"fewer than five fields, or no index"_s);
     if (!row.isComplete())
         return drop(u"too short for the columns of the header"_s);
@@ -280,7 +208,7 @@ CsvImporter::ObjectState &CsvImporter::stateOf(const Place &place)
 
 void CsvImporter::importObject(const Place &place, const Row &row, ObjectState &state)
 {
-    const QString code = row.word(ObjectCode);
+    const QString code = row.word(Row::ObjectCode);
     if (place.subindex != 0) {
         if (!state.object)
             report_.wrote(store_->addIndex(place.line, place.index, state.object.emplace()), u"an object"_s);
@@ -290,11 +218,11 @@ void CsvImporter::importObject(const Place &place, const Row &row, ObjectState &
         return;
     StoreRecords::IndexData object = state.object.value_or(StoreRecords::IndexData());
     object.name = row.name(place.index);
-    if (!row.word(DataType).isEmpty())
-        object.datatype = COHelper::mapDataTypeString(row.word(DataType));
+    if (!row.word(Row::DataType).isEmpty())
+        object.datatype = COHelper::mapDataTypeString(row.word(Row::DataType));
     if (!code.isEmpty())
         object.objecttype = COHelper::string2objectCode(code);
-    if (row.has(Description))
+    if (row.has(Row::Description))
         object.description = row.description();
     report_.wrote(store_->addIndex(place.line, place.index, object), u"an object"_s);
     state.object = object;
@@ -312,8 +240,8 @@ void CsvImporter::provideSubZero(const Place &place, const Row &row, ObjectState
         record.datatype = CAN::Unsigned8;
         record.accesstype = u"ro"_s;
         record.implementation =
-            codeOf(row.word(Implementation) == "virtualobject"_L1 ? CANopen::Implementation::VirtualObject
-                                                                  : CANopen::Implementation::ManagedConst);
+            codeOf(row.word(Row::Implementation) == "virtualobject"_L1 ? CANopen::Implementation::VirtualObject
+                                                                       : CANopen::Implementation::ManagedConst);
         record.defaultvalue = u"0"_s;
         record.lowlimit.clear();
         record.uplimit.clear();
@@ -331,33 +259,33 @@ StoreRecords::SubIndexData CsvImporter::recordOf(const Place &place, const Row &
     const bool isArray = object.objecttype == CANopen::Array;
     SubRecord record;
     record.name = row.name(place.index);
-    if (!row.word(DataType).isEmpty())
-        record.datatype = static_cast<quint16>(COHelper::mapDataTypeString(row.word(DataType)));
+    if (!row.word(Row::DataType).isEmpty())
+        record.datatype = static_cast<quint16>(COHelper::mapDataTypeString(row.word(Row::DataType)));
     else if ((isArray && place.subindex != 0) || object.objecttype == CANopen::Var)
         record.datatype = static_cast<quint16>(object.datatype);
-    if (row.has(Access))
-        record.accesstype = COHelper::normalizeAccessType(row.word(Access));
-    record.varname = row.text(VarName);
-    record.nvstorage = flagOf(row.text(NvStorage)).value_or(0) != 0;
-    record.defaultvalue = row.text(Value);
+    if (row.has(Row::Access))
+        record.accesstype = COHelper::normalizeAccessType(row.word(Row::Access));
+    record.varname = row.text(Row::VarName);
+    record.nvstorage = flagOf(row.text(Row::NvStorage)).value_or(0) != 0;
+    record.defaultvalue = row.text(Row::Value);
     record.description = row.description();
-    if (const auto size = NumberText::decimalOrHexadecimal<quint64>(row.text(Size)))
+    if (const auto size = NumberText::decimalOrHexadecimal<quint64>(row.text(Row::Size)))
         record.size = static_cast<quint16>(*size);
-    record.pdomapping = PDOMapping::fromCSVString(row.word(Mapable));
-    record.defaultineds = flagOf(row.text(HasDefault)).value_or(1) != 0;
-    const qint64 inEds = flagOf(row.text(DefaultInEds)).value_or(0);
+    record.pdomapping = PDOMapping::fromCSVString(row.word(Row::Mapable));
+    record.defaultineds = flagOf(row.text(Row::HasDefault)).value_or(1) != 0;
+    const qint64 inEds = flagOf(row.text(Row::DefaultInEds)).value_or(0);
     record.writedefaulttoeds = inEds == alwaysInEds ? alwaysInEds : static_cast<quint8>(inEds != 0);
 
-    record.limitineds = row.has(LowLimit) || row.has(UpLimit);
-    if (row.has(HasLimit))
-        record.limitineds = row.word(HasLimit) == "yes"_L1;
-    record.lowlimit = row.text(LowLimit);
-    record.uplimit = row.text(UpLimit);
+    record.limitineds = row.has(Row::LowLimit) || row.has(Row::UpLimit);
+    if (row.has(Row::HasLimit))
+        record.limitineds = row.word(Row::HasLimit) == "yes"_L1;
+    record.lowlimit = row.text(Row::LowLimit);
+    record.uplimit = row.text(Row::UpLimit);
     fillEmptyLimits(record);
 
     static const quint32 numberOfEntriesType = COHelper::mapDataTypeString(u"U8S"_s);
     const bool isArrayCount = isArray && place.subindex == 0 && record.datatype == numberOfEntriesType;
-    if (const auto code = implementationOf(row.text(Implementation)))
+    if (const auto code = implementationOf(row.text(Row::Implementation)))
         record.implementation = *code;
     else if (record.accesstype == "const"_L1 || isArrayCount)
         record.implementation = codeOf(CANopen::Implementation::ManagedConst);

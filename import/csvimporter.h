@@ -1,6 +1,7 @@
 #pragma once
 
 #include "import/basedataimporter.h"
+#include "import/csvrow.h"
 #include "store/tables/storerecords.h"
 #include "texttools/tablerows.h"
 
@@ -9,7 +10,6 @@
 #include <QMap>
 #include <QSet>
 
-#include <array>
 #include <optional>
 
 /// Imports a table of objects and sub-objects, one a row, whose columns a header line names; docs/import.md has them.
@@ -50,32 +50,7 @@ protected:
     void read() override;
 
 private:
-    enum Column : quint8
-    {
-        Index,
-        Sub,
-        DataType,
-        Access,
-        VarName,
-        NvStorage,
-        EdsName,
-        Value,
-        Description,
-        ObjectCode,
-        Size,
-        Mapable,
-        Implementation,
-        HasDefault,
-        DefaultInEds,
-        Line,
-        LowLimit,
-        UpLimit,
-        HasLimit,
-        ColumnCount
-    };
-
-    struct ColumnRule;
-    class Row;
+    using Row = CsvRow;
     struct Place;
 
     /// What is known of an object that the table speaks of.
@@ -100,10 +75,8 @@ private:
     StoreRecords::SubIndexData recordOf(const Place &place, const Row &row, const StoreRecords::IndexData &object);
     void flush();
 
-    static const std::array<ColumnRule, ColumnCount> rules;
-
     TableRows rows_;
-    std::array<qsizetype, ColumnCount> columns_ = {}; ///< places of the columns in a row; -1 for none
+    CsvRow::Places columns_ = {};
     QList<ListEntry> deletions_;
     QList<ListEntry> copies_;
     QSet<quint8> lines_;                       ///< those of the project

@@ -174,6 +174,16 @@ const TypeRow *findType(quint32 code)
     return row == types.end() ? nullptr : &*row;
 }
 
+COHelper::Limits rangeOf(const TypeRow &row)
+{
+    if (row.kind == Kind::Unsigned)
+        return {u"0"_s, QString::number(~quint64{0} >> (64 - row.bits))};
+    if (row.kind != Kind::Signed)
+        return {};
+    const auto high = static_cast<qint64>(~quint64{0} >> (65 - row.bits));
+    return {QString::number(-high - 1), QString::number(high)};
+}
+
 } // namespace
 
 QString COHelper::index2DataTypeString(quint32 dataType)
@@ -221,16 +231,14 @@ bool COHelper::isSigned(quint32 dataType)
 
 COHelper::Limits COHelper::getDefaultLimits(quint32 dataType)
 {
-    const TypeRow *row = findType(dataType);
-    if (!row)
-        return {};
-    if (row->kind == Kind::Unsigned)
-        return {u"0"_s, QString::number(~quint64{0} >> (64 - row->bits))};
-    if (row->kind == Kind::Signed) {
-        const auto high = static_cast<qint64>(~quint64{0} >> (65 - row->bits));
-        return {QString::number(-high - 1), QString::number(high)};
-    }
-    return {};
+    // Every sub-object without limits of its own has these: they share their texts.
+    static const QHash<quint32, Limits> known = [] {
+        QHash<quint32, Limits> limits;
+        for (const TypeRow &row : types)
+            limits.insert(row.code, rangeOf(row));
+        return limits;
+    }();
+    return known.value(dataType);
 }
 
 std::optional<COHelper::Limits> COHelper::declaredLimits(quint32 dataType, const QString &low, const QString &high)

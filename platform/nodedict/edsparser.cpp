@@ -1,7 +1,10 @@
 #include "nodedict/edsparser.h"
 
 #include "nodedict/edsvalue.h"
+#include "texttools/asciitext.h"
 #include "texttools/numbertext.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -15,18 +18,16 @@ constexpr QByteArrayView fieldNames[] = {"parametername",  "objecttype", "dataty
                                          "lowlimit",       "highlimit",  "pdomapping", "objflags",   "compactsubobj",
                                          "parametervalue", "denotation", "description"};
 
+struct AccessWord
+{
+    QByteArrayView bytes;
+    QString text;
+};
+
 /// True for an object whose sub-objects have sections of their own.
 bool isGroup(quint32 objectType)
 {
     return objectType == CANopen::Array || objectType == CANopen::Record || objectType == CANopen::DefStruct;
-}
-
-/// Limits of a sub-object from the texts of the two keys.
-void setLimits(CANopenSubindex &sub, const QString &low, const QString &high)
-{
-    sub.lowlimit = EdsValue::limit(low, sub.datatype);
-    sub.highlimit = EdsValue::limit(high, sub.datatype);
-    sub.haslimits = !low.isEmpty() || !high.isEmpty();
 }
 
 } // namespace
@@ -220,7 +221,46 @@ QString EdsParser::text(const Fields &fields, Field field) const
 
 std::optional<quint32> EdsParser::number(const Fields &fields, Field field) const
 {
-    return EdsValue::number(text(fields, field));
+    if (!fields.values[field])
+        return std::nullopt;
+    const auto plain = AsciiText::plainNumber(*fields.values[field]);
+    return plain ? plain : EdsValue::number(text(fields, field));
+}
+
+/// A value in the form that fits the type, in which most stand already.
+QString EdsParser::value(const Fields &fields, Field field, quint32 type) const
+{
+    const QString whole = text(fields, field);
+    const QByteArrayView bytes = fields.values[field].value_or(QByteArrayView());
+    return AsciiText::isPlainDecimal(bytes) || AsciiText::isPlainHexadecimal(bytes) ? whole
+                                                                                    : EdsValue::normalised(whole, type);
+}
+
+QString EdsParser::limit(const Fields &fields, Field field, quint32 type) const
+{
+    const QString whole = text(fields, field);
+    return AsciiText::isPlainDecimal(fields.values[field].value_or(QByteArrayView())) ? whole
+                                                                                      : EdsValue::limit(whole, type);
+}
+
+QString EdsParser::accessType(const Fields &fields, bool isDomain) const
+{
+    static const AccessWord words[] = {{"rw", u"rw"_s},       {"ro", u"ro"_s},   {"wo", u"wo"_s},
+                                       {"const", u"const"_s}, {"rww", u"rww"_s}, {"rwr", u"rwr"_s}};
+    const QByteArrayView bytes = fields.values[AccessType].value_or(QByteArrayView());
+    const auto *const plain = std::ranges::find(words, bytes, &AccessWord::bytes);
+    if (plain != std::end(words))
+        return plain->text;
+    const QString access = word(fields, AccessType);
+    return access.isEmpty() && isDomain ? u"rw"_s : COHelper::normalizeAccessType(access);
+}
+
+bool EdsParser::isMappable(const Fields &fields) const
+{
+    if (const auto code = number(fields, PDOMapping))
+        return *code != 0;
+    const QString mapping = word(fields, PDOMapping).toLower();
+    return mapping == "true"_L1 || mapping == "yes"_L1;
 }
 
 QString EdsParser::word(const Fields &fields, Field field) const
@@ -230,6 +270,10 @@ QString EdsParser::word(const Fields &fields, Field field) const
 
 std::optional<quint32> EdsParser::dataType(const Fields &fields) const
 {
+    if (!fields.values[DataType])
+        return std::nullopt;
+    if (const auto plain = AsciiText::plainNumber(*fields.values[DataType]); plain && *plain <= 0xffff)
+        return plain;
     const QString type = word(fields, DataType);
     if (type.isEmpty())
         return std::nullopt;
@@ -239,6 +283,10 @@ std::optional<quint32> EdsParser::dataType(const Fields &fields) const
 
 std::optional<quint32> EdsParser::objectType(const Fields &fields) const
 {
+    if (!fields.values[ObjectType])
+        return std::nullopt;
+    if (const auto plain = AsciiText::plainNumber(*fields.values[ObjectType]))
+        return plain;
     const QString type = word(fields, ObjectType);
     if (type.isEmpty())
         return std::nullopt;
@@ -274,33 +322,43 @@ CANopen::CANopenIndex EdsParser::readObject(quint32 index, const Fields &fields)
     object.name = text(fields, ParameterName);
     object.description = text(fields, Description);
     object.category = mandatory_.test(index) ? CANopen::Mandatory : CANopen::Optional;
-    object.compacttemplate = readSub(index, 1, fields, CAN::NoType);
-    object.datatype =
-        isGroup(object.objecttype) ? dataType(fields).value_or(CAN::Unsigned8) : object.compacttemplate.datatype;
-    if (isGroup(object.objecttype))
-        object.compactcount = static_cast<quint8>(qMin(number(fields, CompactSubObj).value_or(0), 254U));
+    if (!isGroup(object.objecttype)) {
+        object.datatype = typeOf(fields, CAN::NoType);
+        return object;
+    }
+    object.datatype = dataType(fields).value_or(CAN::Unsigned8);
+    object.compactcount = static_cast<quint8>(qMin(number(fields, CompactSubObj).value_or(0), 254U));
+    if (object.compactcount > 0)
+        object.compacttemplate = readSub(index, 1, fields, CAN::NoType);
     return object;
+}
+
+/// The type of a sub-object; a DOMAIN need not name it.
+quint32 EdsParser::typeOf(const Fields &fields, quint32 typeIfMissing) const
+{
+    if (const auto type = dataType(fields))
+        return *type;
+    return objectType(fields) == quint32{CANopen::Domain} ? quint32{CAN::Domain} : typeIfMissing;
 }
 
 CANopenSubindex EdsParser::readSub(quint32 index, quint8 subindex, const Fields &fields, quint32 typeIfMissing) const
 {
-    const bool isDomain = objectType(fields) == quint32{CANopen::Domain};
     CANopenSubindex sub;
     sub.index = index;
     sub.subindex = subindex;
     sub.name = text(fields, ParameterName);
-    sub.datatype = dataType(fields).value_or(isDomain ? quint32{CAN::Domain} : typeIfMissing);
-    const QString access = word(fields, AccessType);
-    sub.accesstype = access.isEmpty() && isDomain ? u"rw"_s : COHelper::normalizeAccessType(access);
+    sub.datatype = typeOf(fields, typeIfMissing);
+    sub.accesstype = accessType(fields, objectType(fields) == quint32{CANopen::Domain});
     if (fields.values[DefaultValue])
-        sub.defaultvalue = EdsValue::normalised(text(fields, DefaultValue), sub.datatype);
-    sub.parametervalue = EdsValue::normalised(text(fields, ParameterValue), sub.datatype);
+        sub.defaultvalue = value(fields, DefaultValue, sub.datatype);
+    sub.parametervalue = value(fields, ParameterValue, sub.datatype);
     sub.denotation = text(fields, Denotation);
-    setLimits(sub, text(fields, LowLimit), text(fields, HighLimit));
+    sub.lowlimit = limit(fields, LowLimit, sub.datatype);
+    sub.highlimit = limit(fields, HighLimit, sub.datatype);
+    sub.haslimits = has(fields, LowLimit) || has(fields, HighLimit);
     const quint32 flags = number(fields, ObjFlags).value_or(0);
     sub.refusewrite = (flags & refuseWriteFlag) != 0;
     sub.refuseread = (flags & refuseReadFlag) != 0;
-    const QString mapping = word(fields, PDOMapping).toLower();
-    sub.pdomapping = number(fields, PDOMapping).value_or(0) != 0 || mapping == "true"_L1 || mapping == "yes"_L1;
+    sub.pdomapping = isMappable(fields);
     return sub;
 }

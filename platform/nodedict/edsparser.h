@@ -106,11 +106,18 @@ private:
     QString text(const Fields &fields, Field field) const;
     /// The text without a remark behind it, for the keys whose values are words.
     QString word(const Fields &fields, Field field) const;
+    /// True for a value that is not empty.
+    bool has(const Fields &fields, Field field) const { return !text(fields, field).isEmpty(); }
+    QString value(const Fields &fields, Field field, quint32 type) const;
+    QString limit(const Fields &fields, Field field, quint32 type) const;
+    QString accessType(const Fields &fields, bool isDomain) const;
+    bool isMappable(const Fields &fields) const;
     std::optional<quint32> number(const Fields &fields, Field field) const;
     std::optional<quint32> dataType(const Fields &fields) const;
     std::optional<quint32> objectType(const Fields &fields) const;
     CANopen::CANopenIndex readObject(quint32 index, const Fields &fields) const;
     CANopenSubindex readSub(quint32 index, quint8 subindex, const Fields &fields, quint32 typeIfMissing) const;
+    quint32 typeOf(const Fields &fields, quint32 typeIfMissing) const;
     quint32 objectTypeOf(quint32 index, const Fields &fields) const;
     quint32 missingTypeOfSub(quint32 index, quint8 subindex) const;
     QMap<QString, QString> compactTexts(const Head &head) const;

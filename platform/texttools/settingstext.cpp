@@ -1,293 +1,23 @@
 #include "texttools/settingstext.h"
 
+#include "texttools/asciitext.h"
+#include "texttools/settingslines.h"
 #include "texttools/settingsvalue.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QIODevice>
 #include <QSet>
-#include <QStringEncoder>
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <utility>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace SettingsText {
 namespace {
 
-constexpr qsizetype bufferSize = 1 << 16;
 constexpr qint64 maxFileSize = 512LL << 20; ///< a text beyond this is no project
 constexpr auto generalSection = "general"_L1;
-
-bool isPlainKeyCharacter(char16_t ch)
-{
-    return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z') || (ch >= '0' && ch <= '9') || ch == '_' || ch == '-' ||
-           ch == '.';
-}
-
-/// The letter that stands behind a backslash for a character; 0 for one that has none.
-char escapeLetter(char16_t ch)
-{
-    switch (ch) {
-    case '\0':
-        return '0';
-    case '\a':
-        return 'a';
-    case '\b':
-        return 'b';
-    case '\f':
-        return 'f';
-    case '\n':
-        return 'n';
-    case '\r':
-        return 'r';
-    case '\t':
-        return 't';
-    case '\v':
-        return 'v';
-    case '"':
-    case '\\':
-        return static_cast<char>(ch);
-    default:
-        return 0;
-    }
-}
-
-/// True for text that stands in a file as it is, but perhaps in quotes.
-bool isPlainText(const QString &text)
-{
-    return !text.startsWith(u'@') && std::all_of(text.begin(), text.end(), [](QChar qch) {
-        const char16_t ch = qch.unicode();
-        return ch >= ' ' && ch < 0x7f && ch != '"' && ch != '\\';
-    });
-}
-
-bool separates(QChar ch)
-{
-    return ch == u';' || ch == u',' || ch == u'=';
-}
-
-/// Copies a text that stands in a file exactly as it is, which nearly all do; false for any other.
-bool appendVerbatim(QByteArray &out, const QString &text)
-{
-    const bool isVerbatim = !text.startsWith(u'@') && !text.startsWith(u' ') && !text.endsWith(u' ') &&
-                            std::all_of(text.begin(), text.end(), [](QChar qch) {
-                                const char16_t ch = qch.unicode();
-                                return ch >= ' ' && ch < 0x7f && ch != '"' && ch != '\\' && !separates(qch);
-                            });
-    if (!isVerbatim)
-        return false;
-    const qsizetype start = out.size();
-    out.resize(start + text.size());
-    std::transform(text.begin(), text.end(), out.begin() + start, [](QChar ch) { return ch.toLatin1(); });
-    return true;
-}
-
-/// Writes a text with its escapes; bytes are one character each and stay ASCII in the file.
-void appendCharacters(QByteArray &out, const QString &text, bool asUtf8)
-{
-    QStringEncoder encoder(QStringEncoder::Utf8);
-    bool digitWouldExtendEscape = false;
-    for (const QChar qch : text) {
-        const char16_t ch = qch.unicode();
-        if (digitWouldExtendEscape && isHexDigit(ch)) {
-            out += "\\x" + QByteArray::number(ch, 16);
-            continue;
-        }
-        digitWouldExtendEscape = ch == 0;
-        if (const char letter = escapeLetter(ch)) {
-            out += '\\';
-            out += letter;
-        } else if (ch <= 0x1f || (ch >= 0x7f && !asUtf8)) {
-            out += "\\x" + QByteArray::number(ch, 16);
-            digitWouldExtendEscape = true;
-        } else if (asUtf8) {
-            const QByteArray encoded = encoder(QStringView(&qch, 1));
-            out += encoded;
-        } else {
-            out += static_cast<char>(ch);
-        }
-    }
-}
-
-void appendEscaped(QByteArray &out, const QString &text, bool asUtf8)
-{
-    const qsizetype start = out.size();
-    if (isPlainText(text))
-        out += QLatin1StringView(text.toLatin1());
-    else
-        appendCharacters(out, text, asUtf8);
-    const bool needsQuotes = std::any_of(text.begin(), text.end(), separates) ||
-                             (out.size() > start && (out.at(start) == ' ' || out.back() == ' '));
-    if (needsQuotes) {
-        out.insert(start, '"');
-        out += '"';
-    }
-}
-
-/// A line of a file: a section head, or a key and its value.
-struct Line
-{
-    qsizetype start = 0;
-    qsizetype length = 0;
-    qsizetype equals = -1; ///< place of the first "=" outside quotes, from the start of the line
-
-    QByteArrayView of(QByteArrayView data) const { return data.sliced(start, length); }
-};
-
-/// Splits a file into lines. A line goes on over line breaks inside quotes and behind a backslash; a ";" outside quotes
-/// begins a comment up to the end of the line.
-class LineScanner
-{
-public:
-    explicit LineScanner(QByteArrayView data)
-        : data_(data)
-    {
-    }
-
-    qsizetype position() const { return position_; }
-
-    bool next(Line &line)
-    {
-        while (position_ < data_.size() && isSpace(data_.at(position_)))
-            ++position_;
-        line = {position_, 0, -1};
-        bool inQuotes = false;
-        while (position_ < data_.size() && (isOrdinary(data_.at(position_)) || step(line, inQuotes)))
-            ++position_;
-        line.length = position_ - line.start;
-        return line.length > 0;
-    }
-
-private:
-    static bool isSpace(char ch) { return ch == ' ' || ch == '\t' || ch == '\n' || ch == '\r'; }
-    static bool isBreak(char ch) { return ch == '\n' || ch == '\r'; }
-    static bool isOrdinary(char ch) { return ch > '=' || (ch > '"' && ch < ';') ? ch != '\\' : ch == ' '; }
-
-    /// Looks at one character; false at the end of the line. Leaves the position at the last character consumed.
-    bool step(Line &line, bool &inQuotes)
-    {
-        switch (data_.at(position_)) {
-        case '=':
-            if (!inQuotes && line.equals < 0)
-                line.equals = position_ - line.start;
-            return true;
-        case '\n':
-        case '\r':
-            if (position_ != line.start)
-                return inQuotes;
-            ++line.start;
-            return true;
-        case '\\':
-            skipEscaped();
-            return true;
-        case '"':
-            inQuotes = !inQuotes;
-            return true;
-        case ';':
-            if (position_ != line.start)
-                return inQuotes;
-            skipComment(line);
-            return true;
-        default:
-            return true;
-        }
-    }
-
-    void skipEscaped()
-    {
-        if (position_ + 1 >= data_.size())
-            return;
-        const char first = data_.at(++position_);
-        if (position_ + 1 < data_.size()) {
-            const char second = data_.at(position_ + 1);
-            if (isBreak(first) && isBreak(second) && first != second)
-                ++position_;
-        }
-    }
-
-    void skipComment(Line &line)
-    {
-        while (position_ < data_.size() && !isBreak(data_.at(position_)))
-            ++position_;
-        while (position_ < data_.size() && isSpace(data_.at(position_)))
-            ++position_;
-        line.start = position_--;
-    }
-
-    QByteArrayView data_;
-    qsizetype position_ = 0;
-};
-
-void appendUnescapedKey(QString &result, QByteArrayView key)
-{
-    const QString decoded = QString::fromUtf8(key);
-    qsizetype i = 0;
-    while (i < decoded.size()) {
-        const QChar ch = decoded.at(i++);
-        if (ch == u'\\') {
-            result += u'/';
-            continue;
-        }
-        if (ch != u'%' || i == decoded.size()) {
-            result += ch;
-            continue;
-        }
-        const bool wide = decoded.at(i) == u'U';
-        const qsizetype first = wide ? i + 1 : i;
-        const qsizetype digits = wide ? 4 : 2;
-        bool ok = false;
-        ushort code = 0;
-        if (first + digits <= decoded.size())
-            code = QStringView(decoded).sliced(first, digits).toUShort(&ok, 16);
-        if (ok) {
-            result += QChar(code);
-            i = first + digits;
-        } else {
-            result += u'%';
-        }
-    }
-}
-
-/// Most values are words and numbers, which need no parser.
-QVariant valueOf(QByteArrayView data)
-{
-    const bool plain = std::all_of(data.begin(), data.end(), [](char ch) {
-        return ch >= ' ' && ch < 0x7f && ch != '"' && ch != '\\' && ch != ',' && ch != '@';
-    });
-    const bool bounded = data.isEmpty() || (data.front() != ' ' && data.back() != ' ');
-    return plain && bounded ? QVariant(QString::fromLatin1(data)) : ValueParser(data).value();
-}
-
-/// Order of two keys that hold nothing to unescape but the separator of groups.
-bool isBelow(QByteArrayView left, QByteArrayView right)
-{
-    const auto [l, r] = std::mismatch(left.begin(), left.end(), right.begin(), right.end());
-    if (l == left.end() || r == right.end())
-        return r != right.end();
-    const auto orderOf = [](char ch) { return ch == '\\' ? '/' : ch; };
-    return orderOf(*l) < orderOf(*r);
-}
-
-bool needsNoUnescaping(QByteArrayView key)
-{
-    return std::all_of(key.begin(), key.end(),
-                       [](char ch) { return ch == '\\' || isPlainKeyCharacter(static_cast<uchar>(ch)); });
-}
-
-QByteArrayView keyOf(QByteArrayView data, const Line &line)
-{
-    return line.of(data).first(line.equals).trimmed();
-}
-
-QByteArrayView rawValueOf(QByteArrayView data, const Line &line)
-{
-    return line.of(data).sliced(line.equals + 1);
-}
 
 /// The prefix of a section's keys, from its head.
 QString prefixOf(QByteArrayView head)
@@ -305,96 +35,87 @@ QString prefixOf(QByteArrayView head)
     return prefix + u'/';
 }
 
+/// Gathers keys into rows for `Reader::forEachRow`.
+class RowCollector
+{
+public:
+    RowCollector(qsizetype depth, const Reader::VisitRow &visit)
+        : depth_(depth)
+        , visit_(visit)
+    {
+    }
+    ~RowCollector() { finish(); }
+    Q_DISABLE_COPY_MOVE(RowCollector)
+
+    /// The views must last until the collector ends.
+    void add(QByteArrayView key, QByteArrayView value)
+    {
+        const qsizetype end = key.lastIndexOf('\\');
+        if (end < 0 || std::ranges::count(key, '\\') != depth_)
+            return;
+        if (row_.columns.empty() || row_.path != key.first(end)) {
+            finish();
+            row_.path = key.first(end);
+        }
+        row_.columns.push_back(key.sliced(end + 1));
+        row_.values.push_back(value);
+    }
+
+private:
+    void finish()
+    {
+        if (!row_.columns.empty())
+            visit_(row_);
+        row_.columns.clear();
+        row_.values.clear();
+    }
+
+    const qsizetype depth_;
+    const Reader::VisitRow &visit_;
+    Row row_;
+};
+
+bool isPlainByte(char ch)
+{
+    return ch >= ' ' && ch < 0x7f && ch != '"' && ch != '\\';
+}
+
 } // namespace
 
-QByteArray escapedKey(QStringView key)
+QString unescapedKey(QByteArrayView key)
 {
-    QByteArray result;
-    result.reserve(key.size());
-    for (const QChar qch : key) {
-        const char16_t ch = qch.unicode();
-        if (ch == '/')
-            result += '\\';
-        else if (isPlainKeyCharacter(ch))
-            result += static_cast<char>(ch);
-        else if (ch <= 0xff)
-            result += '%' + QByteArray::number(ch, 16).rightJustified(2, '0').toUpper();
-        else
-            result += "%U" + QByteArray::number(ch, 16).rightJustified(4, '0').toUpper();
-    }
+    QString result;
+    appendUnescapedKey(result, key);
     return result;
 }
 
-void appendText(QByteArray &out, const QString &text)
+QList<QByteArrayView> partsOf(QByteArrayView path)
 {
-    if (appendVerbatim(out, text))
-        return;
-    // Read back, "@" marks what is no text, and a zero character would end one.
-    if (text.contains(QChar::Null))
-        appendEscaped(out, "@String("_L1 + text + u')', true);
-    else if (text.startsWith(u'@'))
-        appendEscaped(out, u'@' + text, true);
-    else
-        appendEscaped(out, text, true);
-}
-
-void appendBytes(QByteArray &out, const QByteArray &bytes)
-{
-    appendEscaped(out, "@ByteArray("_L1 + QString::fromLatin1(bytes) + u')', false);
-}
-
-void Writer::beginKey(const QByteArray &escapedKey)
-{
-    if (!anySection_ || section_ != openSection_) {
-        QByteArray name = SettingsText::escapedKey(section_);
-        if (name.isEmpty())
-            name = "General";
-        else if (section_.compare(generalSection, Qt::CaseInsensitive) == 0)
-            name = "%General";
-        buffer_ += (anySection_ ? "\n[" : "[") + name + "]\n";
-        openSection_ = section_;
-        anySection_ = true;
+    QList<QByteArrayView> parts;
+    for (qsizetype end = path.indexOf('\\'); end >= 0; end = path.indexOf('\\')) {
+        parts.append(path.first(end));
+        path = path.sliced(end + 1);
     }
-    buffer_ += row_;
-    buffer_ += escapedKey;
-    buffer_ += '=';
+    parts.append(path);
+    return parts;
 }
 
-void Writer::endKey()
+std::optional<QByteArrayView> plainValue(QByteArrayView value)
 {
-    buffer_ += '\n';
-    if (buffer_.size() >= bufferSize)
-        flush();
+    const bool isQuoted = value.size() > 1 && value.startsWith('"') && value.endsWith('"');
+    const QByteArrayView inner = isQuoted ? value.sliced(1, value.size() - 2) : value;
+    const bool isBounded = !inner.startsWith(' ') && !inner.endsWith(' ') && !inner.startsWith('@');
+    // Outside quotes a comma makes a list, in which "@" may mark a part.
+    const bool isPlain = isBounded && std::ranges::all_of(inner, [isQuoted](char ch) {
+                             return isPlainByte(ch) && (isQuoted || (ch != ',' && ch != '@'));
+                         });
+    return isPlain ? std::optional(inner) : std::nullopt;
 }
 
-void Writer::writeText(const QByteArray &escapedKey, const QString &value)
+QVariant valueOf(QByteArrayView value)
 {
-    beginKey(escapedKey);
-    appendText(buffer_, value);
-    endKey();
-}
-
-void Writer::writeBytes(const QByteArray &escapedKey, const QByteArray &value)
-{
-    beginKey(escapedKey);
-    appendBytes(buffer_, value);
-    endKey();
-}
-
-void Writer::writeNumber(const QByteArray &escapedKey, qint64 value)
-{
-    beginKey(escapedKey);
-    std::array<char, 24> digits{};
-    const auto end = std::to_chars(digits.begin(), digits.end(), value).ptr;
-    buffer_.append(digits.data(), end - digits.data());
-    endKey();
-}
-
-bool Writer::flush()
-{
-    failed_ |= device_.write(buffer_) != buffer_.size();
-    buffer_.resize(0);
-    return !failed_;
+    const auto plain = plainValue(value);
+    return plain ? QVariant(AsciiText::shared(*plain)) : ValueParser(value).value();
 }
 
 bool Reader::open(const QString &path)
@@ -442,7 +163,7 @@ void Reader::setContent(const QByteArray &content)
             section = {};
             keyBefore = {};
         } else if (line.equals >= 0) {
-            const QByteArrayView rawKey = keyOf(data, line);
+            const QByteArrayView rawKey = line.keyOf(data);
             section.isOrdered =
                 section.isOrdered && needsNoUnescaping(rawKey) && (keyBefore.isNull() || isBelow(keyBefore, rawKey));
             keyBefore = rawKey;
@@ -461,67 +182,85 @@ void Reader::setContent(const QByteArray &content)
     groups_.sort();
 }
 
-void Reader::visitOrdered(const Section &section, const QString &prefix, const Visit &visit) const
+void Reader::visitSlice(const Slice &slice, const VisitRaw &visit) const
 {
-    const auto &[start, length] = section.slices.first();
-    const QByteArrayView data = QByteArrayView(content_).sliced(start, length);
-    QString key;
-    constexpr qsizetype usualLength = 256;
-    key.reserve(usualLength);
-    key += prefix;
+    const QByteArrayView data = QByteArrayView(content_).sliced(slice.start, slice.length);
     LineScanner scanner(data);
     for (Line line; scanner.next(line);) {
-        if (line.equals < 0)
-            continue;
-        key.truncate(prefix.size());
-        key += QLatin1StringView(keyOf(data, line));
-        key.replace(u'\\', u'/');
-        visit(key, valueOf(rawValueOf(data, line)));
+        if (line.equals >= 0)
+            visit(line.keyOf(data), line.valueOf(data));
     }
+}
+
+/// The one section that has all keys of a group in their order; null if there is none.
+const Reader::Section *Reader::orderedSection(const QString &groupPrefix) const
+{
+    const auto own = sections_.constFind(groupPrefix);
+    const auto rest = sections_.constFind(QString());
+    const bool isAlone = own != sections_.constEnd() && (rest == sections_.constEnd() || !rest->hasGroups) &&
+                         (std::next(own) == sections_.constEnd() || !std::next(own).key().startsWith(groupPrefix));
+    return isAlone && own->isOrdered ? &*own : nullptr;
+}
+
+/// All keys of a group from wherever they stand, each once and in ascending order.
+std::vector<Reader::Entry> Reader::sortedEntries(const QString &groupPrefix) const
+{
+    std::vector<Entry> entries;
+    const auto collect = [&](const QString &prefix, const Section &section) {
+        for (const Slice &slice : section.slices) {
+            visitSlice(slice, [&](QByteArrayView rawKey, QByteArrayView value) {
+                QString key = prefix;
+                appendUnescapedKey(key, rawKey);
+                if (key.startsWith(groupPrefix))
+                    entries.push_back({key.sliced(groupPrefix.size()), value});
+            });
+        }
+    };
+    if (const auto rest = sections_.constFind(QString()); rest != sections_.constEnd() && rest->hasGroups)
+        collect(rest.key(), *rest);
+    for (auto it = sections_.lowerBound(groupPrefix); it != sections_.constEnd() && it.key().startsWith(groupPrefix);
+         ++it)
+        collect(it.key(), *it);
+    std::ranges::stable_sort(entries, {}, &Entry::key);
+    // Of a key that stands twice the last one counts.
+    std::vector<Entry> last;
+    for (Entry &entry : entries) {
+        if (!last.empty() && last.back().key == entry.key)
+            last.back() = std::move(entry);
+        else
+            last.push_back(std::move(entry));
+    }
+    return last;
 }
 
 void Reader::forEachKey(const QString &group, const Visit &visit) const
 {
     const QString groupPrefix = group + u'/';
-    std::vector<std::pair<QString, const Section *>> sources;
-    if (const auto rest = sections_.constFind(QString()); rest != sections_.constEnd() && rest->hasGroups)
-        sources.emplace_back(rest.key(), &rest.value());
-    for (auto it = sections_.lowerBound(groupPrefix); it != sections_.constEnd(); ++it) {
-        if (!it.key().startsWith(groupPrefix))
-            break;
-        sources.emplace_back(it.key(), &it.value());
-    }
-    if (sources.size() == 1 && !sources.front().first.isEmpty() && sources.front().second->isOrdered) {
-        visitOrdered(*sources.front().second, sources.front().first.sliced(groupPrefix.size()), visit);
+    if (const Section *section = orderedSection(groupPrefix)) {
+        visitSlice(section->slices.first(), [&visit](QByteArrayView key, QByteArrayView value) {
+            visit(QString::fromLatin1(key).replace(u'\\', u'/'), valueOf(value));
+        });
         return;
     }
+    for (const Entry &entry : sortedEntries(groupPrefix))
+        visit(entry.key, valueOf(entry.value));
+}
 
-    struct Entry
-    {
-        QString key;
-        QByteArrayView value;
-    };
-    std::vector<Entry> entries;
-    for (const auto &[prefix, section] : sources) {
-        for (const Slice &slice : section->slices) {
-            const QByteArrayView data = QByteArrayView(content_).sliced(slice.start, slice.length);
-            LineScanner scanner(data);
-            for (Line line; scanner.next(line);) {
-                if (line.equals < 0)
-                    continue;
-                QString key = prefix;
-                appendUnescapedKey(key, keyOf(data, line));
-                if (key.startsWith(groupPrefix))
-                    entries.push_back({key.sliced(groupPrefix.size()), rawValueOf(data, line)});
-            }
-        }
+void Reader::forEachRow(const QString &group, qsizetype depth, const VisitRow &visit) const
+{
+    const QString groupPrefix = group + u'/';
+    if (const Section *section = orderedSection(groupPrefix)) {
+        RowCollector rows(depth, visit);
+        visitSlice(section->slices.first(),
+                   [&rows](QByteArrayView key, QByteArrayView value) { rows.add(key, value); });
+        return;
     }
-    std::stable_sort(entries.begin(), entries.end(),
-                     [](const Entry &left, const Entry &right) { return left.key < right.key; });
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        if (i + 1 == entries.size() || entries[i].key != entries[i + 1].key)
-            visit(entries[i].key, valueOf(entries[i].value));
-    }
+    const std::vector<Entry> entries = sortedEntries(groupPrefix);
+    std::vector<QByteArray> keys;
+    keys.reserve(entries.size());
+    RowCollector rows(depth, visit);
+    for (const Entry &entry : entries)
+        rows.add(keys.emplace_back(escapedKey(entry.key)), entry.value);
 }
 
 } // namespace SettingsText

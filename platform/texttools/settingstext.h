@@ -8,6 +8,9 @@
 #include <QVariant>
 
 #include <functional>
+#include <optional>
+#include <string>
+#include <vector>
 
 class QIODevice;
 
@@ -21,9 +24,17 @@ namespace SettingsText {
 
 /// A key as it stands in a file: "/" as "\", other characters that a key cannot hold as %20 or %U20AC.
 QByteArray escapedKey(QStringView key);
-/// A value as it stands in a file, quoted and escaped where it has to be.
-void appendText(QByteArray &out, const QString &text);
-void appendBytes(QByteArray &out, const QByteArray &bytes);
+QString unescapedKey(QByteArrayView key);
+/// The groups of an escaped path, still escaped.
+QList<QByteArrayView> partsOf(QByteArrayView path);
+/// The text as it stands in a file as a value, quoted and escaped where it has to be.
+QByteArray valueText(const QString &text);
+/// The value that stands so in a file: text or, for what was written as such, bytes; a list is the text of its parts
+/// joined by ","; invalid for a value that says so. The marked forms of geometry, dates and serialised objects, which
+/// no project holds, stay the text that they are.
+QVariant valueOf(QByteArrayView value);
+/// The same text without a copy where it is ASCII without anything escaped, as nearly all are; nothing for the others.
+std::optional<QByteArrayView> plainValue(QByteArrayView value);
 
 /// Writes sections and their keys in the order they are given; ascending order is up to the caller.
 class Writer
@@ -35,36 +46,47 @@ public:
     }
 
     /// The section of the keys that follow; a section without keys leaves nothing in the file.
-    void setSection(const QString &name) { section_ = name; }
+    void setSection(const QString &name);
     /// What stands before each of the keys that follow, escaped.
     void setRow(const QByteArray &escapedPath) { row_ = escapedPath; }
-    void writeText(const QByteArray &escapedKey, const QString &value);
-    void writeBytes(const QByteArray &escapedKey, const QByteArray &value);
-    void writeNumber(const QByteArray &escapedKey, qint64 value);
+    void writeText(QByteArrayView escapedKey, const QString &value);
+    void writeUtf8(QByteArrayView escapedKey, QByteArrayView value);
+    void writeBytes(QByteArrayView escapedKey, const QByteArray &value);
+    void writeNumber(QByteArrayView escapedKey, qint64 value);
+    /// What `valueText` has made.
+    void writeAsItStands(QByteArrayView escapedKey, QByteArrayView value);
     /// Hands everything to the device; false if any of it could not be written.
     bool flush();
 
 private:
-    void beginKey(const QByteArray &escapedKey);
+    void openSection();
+    void beginKey(QByteArrayView escapedKey);
     void endKey();
 
     QIODevice &device_;
-    QByteArray buffer_;
+    std::string buffer_;
     QString section_;
-    QString openSection_;
     QByteArray row_;
+    bool isOpen_ = false; ///< the section's head stands in the file
     bool anySection_ = false;
     bool failed_ = false;
+};
+
+/// A row of a group, as it stands in a file: keys that share all but their last part.
+struct Row
+{
+    QByteArrayView path;                 ///< what they share below the group: "0x1000\\1"
+    std::vector<QByteArrayView> columns; ///< their last parts
+    std::vector<QByteArrayView> values;
 };
 
 /// Reads such a file. Anything is accepted: what is no section, key or value of one is passed over, in linear time.
 class Reader
 {
 public:
-    /// The key below its group, and its value: text or, for what was written as such, bytes; a list is the text of its
-    /// parts joined by ","; invalid for a value that says so. The marked forms of geometry, dates and serialised
-    /// objects, which no project holds, stay the text that they are.
+    /// The key below its group, and its value.
     using Visit = std::function<void(const QString &key, const QVariant &value)>;
+    using VisitRow = std::function<void(const Row &row)>;
 
     /// False if the file cannot be read.
     bool open(const QString &path);
@@ -73,6 +95,8 @@ public:
     QStringList groups() const { return groups_; }
     /// Every key below a group once, in ascending order, with the value that stands last in the file.
     void forEachKey(const QString &group, const Visit &visit) const;
+    /// The same keys by rows, which stand `depth` groups deep; keys elsewhere belong to no row.
+    void forEachRow(const QString &group, qsizetype depth, const VisitRow &visit) const;
 
 private:
     struct Slice
@@ -87,7 +111,16 @@ private:
         bool isOrdered = true;  ///< its keys ascend and need no unescaping, as in every file that nobody has edited
     };
 
-    void visitOrdered(const Section &section, const QString &prefix, const Visit &visit) const;
+    struct Entry
+    {
+        QString key; ///< below its group
+        QByteArrayView value;
+    };
+    using VisitRaw = std::function<void(QByteArrayView key, QByteArrayView value)>;
+
+    void visitSlice(const Slice &slice, const VisitRaw &visit) const;
+    const Section *orderedSection(const QString &groupPrefix) const;
+    std::vector<Entry> sortedEntries(const QString &groupPrefix) const;
 
     QByteArray content_;
     QMap<QString, Section> sections_; ///< by the prefix of their keys, "Objects0/", or "" for what has no group

@@ -1,5 +1,7 @@
 #include "texttools/textfile.h"
 
+#include "texttools/asciitext.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QStringDecoder>
@@ -76,6 +78,8 @@ void TextFile::setContent(const QByteArray &content)
 
 QString TextFile::decode(QByteArrayView part) const
 {
+    if (AsciiText::isAscii(part) && !part.isEmpty() && !part.contains('\0'))
+        return AsciiText::shared(part);
     QString text = utf8_ ? QString::fromUtf8(part) : fromWindows1252(part);
     if (text.contains(QChar(u'\0')))
         text.remove(QChar(u'\0'));
@@ -86,9 +90,15 @@ bool TextLines::next(QByteArrayView &line)
 {
     while (position_ < text_.size()) {
         start_ = position_;
-        while (position_ < text_.size() && text_[position_] != '\n' && text_[position_] != '\r')
-            ++position_;
-        line = text_.sliced(start_, position_ - start_);
+        // Looked for once only in a text without any.
+        if (feed_ < start_)
+            feed_ = text_.indexOf('\n', start_);
+        if (feed_ < 0)
+            feed_ = text_.size();
+        line = text_.sliced(start_, feed_ - start_);
+        if (const qsizetype carriage = line.indexOf('\r'); carriage >= 0)
+            line = line.first(carriage);
+        position_ = start_ + line.size();
         ++position_;
         const bool isInsideLineEnd = line.isEmpty() && start_ > 0 && text_[start_ - 1] == '\r' && text_[start_] == '\n';
         if (!isInsideLineEnd)

@@ -47,6 +47,7 @@ private:
     QByteArrayView text_;
     qsizetype start_ = 0;
     qsizetype position_ = 0;
+    qsizetype feed_ = -1; ///< the next line feed, or the end of the text
     qsizetype number_ = 0;
 };
 

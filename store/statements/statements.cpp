@@ -1,5 +1,7 @@
 #include "store/statements/statements.h"
 
+#include "texttools/asciitext.h"
+
 #include <QDebug>
 #include <QDir>
 #include <QMutexLocker>
@@ -9,7 +11,9 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
+#include <charconv>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -68,14 +72,6 @@ bool bindAll(sqlite3_stmt *statement, const QVariantList &values)
                                [&](const QVariant &value) { return bind(statement, ++place, value) == SQLITE_OK; });
 }
 
-bool isAscii(QByteArrayView bytes)
-{
-    uchar all = 0;
-    for (const char byte : bytes)
-        all |= static_cast<uchar>(byte);
-    return all < 0x80;
-}
-
 /// The connection as SQLite knows it; null if the driver is another one.
 sqlite3 *handleOf(const QSqlDatabase &connection)
 {
@@ -108,16 +104,57 @@ QVariant ResultRow::value(int column) const
     }
 }
 
+bool ResultRow::isNull(int column) const
+{
+    return sqlite3_column_type(statement_, column) == SQLITE_NULL;
+}
+
+bool ResultRow::isInteger(int column) const
+{
+    return sqlite3_column_type(statement_, column) == SQLITE_INTEGER;
+}
+
+std::optional<QByteArrayView> ResultRow::utf8(int column) const
+{
+    if (sqlite3_column_type(statement_, column) != SQLITE_TEXT)
+        return std::nullopt;
+    const unsigned char *bytes = sqlite3_column_text(statement_, column);
+    return QByteArrayView(bytes, sqlite3_column_bytes(statement_, column));
+}
+
+void ResultRow::appendText(std::string &out, int column) const
+{
+    switch (sqlite3_column_type(statement_, column)) {
+    case SQLITE_INTEGER: {
+        std::array<char, 24> digits;
+        const auto end = std::to_chars(digits.begin(), digits.end(), sqlite3_column_int64(statement_, column)).ptr;
+        out.append(digits.begin(), end);
+        break;
+    }
+    case SQLITE_NULL:
+        break;
+    case SQLITE_TEXT: {
+        const auto *bytes = reinterpret_cast<const char *>(sqlite3_column_text(statement_, column));
+        const QByteArrayView view(bytes, sqlite3_column_bytes(statement_, column));
+        if (AsciiText::isAscii(view)) {
+            out.append(view.begin(), view.end());
+            break;
+        }
+        [[fallthrough]];
+    }
+    default:
+        // What is no valid UTF-8 becomes it on the way through the text.
+        out += text(column).toStdString();
+    }
+}
+
 QString ResultRow::text(int column) const
 {
-    const int type = sqlite3_column_type(statement_, column);
-    if (type == SQLITE_NULL)
-        return {};
-    if (type != SQLITE_TEXT)
+    const auto bytes = utf8(column);
+    if (!bytes)
         return value(column).toString();
-    const QByteArrayView bytes(sqlite3_column_text(statement_, column), sqlite3_column_bytes(statement_, column));
-    if (isAscii(bytes))
-        return QString::fromLatin1(bytes);
+    if (AsciiText::isAscii(*bytes))
+        return AsciiText::shared(*bytes);
     const void *text = sqlite3_column_text16(statement_, column);
     return QString(static_cast<const QChar *>(text), sqlite3_column_bytes16(statement_, column) / 2);
 }
@@ -183,13 +220,6 @@ bool Statements::execute(const Statement &statement, const QVariantList &values)
     return perform(statement, values);
 }
 
-std::optional<qint64> Statements::insert(const Statement &statement, const QVariantList &values)
-{
-    if (!perform(statement, values))
-        return std::nullopt;
-    return sqlite3_last_insert_rowid(database_);
-}
-
 QVariant Statements::value(const Statement &statement, const QVariantList &values)
 {
     QVariant value;
@@ -246,8 +276,7 @@ bool Statements::perform(const Statement &statement, const QVariantList &values,
     sqlite3_reset(running.get());
     if (statement.effect != Statement::Effect::Schema)
         keep(statement.text, std::move(running));
-    if (written_ && statement.effect != Statement::Effect::None)
-        written_(statement.effect);
+    tellWrite(statement);
     return true;
 }
 
@@ -283,6 +312,12 @@ bool Statements::fail(const Statement &statement, const char *what)
     if (statement.operation)
         qDebug().noquote() << statement.operation << statement.text << error_;
     return false;
+}
+
+void Statements::tellWrite(const Statement &statement)
+{
+    if (written_ && statement.effect != Statement::Effect::None)
+        written_(statement.effect);
 }
 
 void Statements::tellRollback()

@@ -2,6 +2,7 @@
 
 #include "store/statements/storegate.h"
 
+#include <QByteArrayView>
 #include <QMutex>
 #include <QSqlDatabase>
 #include <QString>
@@ -10,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <tuple>
 #include <type_traits>
 #include <unordered_map>
@@ -46,8 +48,14 @@ public:
     int count() const;
     /// A qint64, a double, a QByteArray or a QString; a null QVariant for a NULL.
     QVariant value(int column) const;
-    /// Null for a NULL.
+    bool isNull(int column) const;
+    bool isInteger(int column) const;
+    /// Null for a NULL. Short texts share their memory with those before.
     QString text(int column) const;
+    /// The bytes of a text, until the next row; nothing for another value.
+    std::optional<QByteArrayView> utf8(int column) const;
+    /// Appends the text of any value in UTF-8; a blob counts as the text that its bytes are.
+    void appendText(std::string &out, int column) const;
     /// 0 for a NULL and for a text that is no number; cut to the type.
     template <class Number>
     Number number(int column) const
@@ -89,8 +97,6 @@ public:
     int generation() const { return generation_; }
 
     [[nodiscard]] bool execute(const Statement &statement, const QVariantList &values = {});
-    /// The id of the row that is inserted.
-    [[nodiscard]] std::optional<qint64> insert(const Statement &statement, const QVariantList &values);
     /// Column 0 of the first row; invalid without a row.
     QVariant value(const Statement &statement, const QVariantList &values = {});
     /// True if there is a row.
@@ -131,6 +137,7 @@ public:
     StoreGate &gate() { return gate_; }
 
 private:
+    friend class BoundStatement;
     friend class TransactionScope;
     struct Finalizer
     {
@@ -144,6 +151,7 @@ private:
     Prepared prepared(const QString &text);
     void keep(const QString &text, Prepared statement);
     bool fail(const Statement &statement, const char *what);
+    void tellWrite(const Statement &statement);
     void tellRollback();
 
     QSqlDatabase connection_;

@@ -7,7 +7,6 @@ using ProjectSchema::LineTable;
 using RecordColumns::Column;
 using RecordColumns::number;
 using RecordColumns::pooled;
-using RecordColumns::Row;
 using RecordColumns::text;
 
 namespace {
@@ -15,8 +14,9 @@ namespace {
 using PGN = StoreRecords::PGN;
 using SPN = StoreRecords::SPN;
 
-/// What a row holds beside its key, which is the number and the direction.
-constexpr std::array<Column<PGN>, 15> pgnColumnTable = {
+constexpr std::array<Column<PGN>, 2> pgnKey = {number<&PGN::number>("number"_L1),
+                                               number<&PGN::direction>("direction"_L1)};
+constexpr std::array<Column<PGN>, 15> pgnColumns = {
     number<&PGN::edp_dp_key>("edp_dp_key"_L1),
     number<&PGN::priority>("priority"_L1),
     number<&PGN::cycletime_ms>("cycletime_ms"_L1),
@@ -33,64 +33,28 @@ constexpr std::array<Column<PGN>, 15> pgnColumnTable = {
     number<&PGN::safetytype>("safetytype"_L1),
     number<&PGN::FD_DataID>("FD_DataId"_L1),
 };
-constexpr std::span<const Column<PGN>> pgnColumns = pgnColumnTable;
 
-/// What a row holds beside its key, which is the PGN, the direction and the SPN.
-constexpr std::array<Column<SPN>, 10> spnColumnTable = {
+constexpr std::array<Column<SPN>, 3> spnKey = {number<&SPN::pgnnumber>("pgnnumber"_L1),
+                                               number<&SPN::direction>("direction"_L1),
+                                               number<&SPN::spnnumber>("spnnumber"_L1)};
+constexpr std::array<Column<SPN>, 10> spnColumns = {
     number<&SPN::datatype>("datatype"_L1), number<&SPN::implementation>("implementation"_L1),
     text<&SPN::varname>("varname"_L1),     text<&SPN::defaultvalue>("defaultvalue"_L1),
     pooled<&SPN::name>("name"_L1),         pooled<&SPN::desc>("desc"_L1),
     number<&SPN::pos>("pos"_L1),           number<&SPN::bitsize>("bitsize"_L1),
     number<&SPN::slot_df>("slot_df"_L1),   number<&SPN::bitposition>("bitposition"_L1),
 };
-constexpr std::span<const Column<SPN>> spnColumns = spnColumnTable;
 
-Row pgnRow(quint8 line, quint32 number, quint8 direction)
-{
-    return {ProjectSchema::tableName(LineTable::PGNs, line), {{"number"_L1, number}, {"direction"_L1, direction}}};
-}
-
-Row spnRow(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
-{
-    return {ProjectSchema::tableName(LineTable::SPNs, line),
-            {{"pgnnumber"_L1, pgn}, {"spnnumber"_L1, spn}, {"direction"_L1, direction}}};
-}
-
-constexpr int spnKeyColumns = 3;
-const auto inOrder = u"order by pgnnumber asc, pos asc, rowid"_s;
-
-QString spnSelect(quint8 line, const QString &rest)
-{
-    return u"select pgnnumber, direction, spnnumber, %1 from SPNs%2 %3"_s.arg(RecordColumns::names(spnColumns),
-                                                                              QString::number(line), rest);
-}
-
-QString pgnSelect(quint8 line, const QString &rest)
-{
-    return u"select number, direction, %1 from PGNs%2 %3"_s.arg(RecordColumns::names(pgnColumns), QString::number(line),
-                                                                rest);
-}
-
-PGN pgnOfRow(const ResultRow &row, StringPool &pool)
-{
-    PGN data;
-    data.number = row.number<quint32>(0);
-    data.direction = row.number<quint8>(1);
-    RecordColumns::readRow(pgnColumns, row, data, pool, 2);
-    return data;
-}
-
-SPN spnOfRow(const ResultRow &row, StringPool &pool)
-{
-    SPN data;
-    data.pgnnumber = row.number<quint32>(0);
-    data.direction = row.number<quint8>(1);
-    data.spnnumber = row.number<quint32>(2);
-    RecordColumns::readRow(spnColumns, row, data, pool, spnKeyColumns);
-    return data;
-}
+const auto inOrder = u" order by pgnnumber asc, pos asc, rowid"_s;
 
 } // namespace
+
+J1939Tables::J1939Tables(TableContext &context)
+    : TableFamily(context)
+    , pgns_(context, {"PGNs%1"_L1, pgnKey, pgnColumns})
+    , spns_(context, {"SPNs%1"_L1, spnKey, spnColumns})
+{
+}
 
 /// Completes the table of a line that came from an old file without having been opened as a project.
 void J1939Tables::completeColumns(quint8 line)
@@ -103,15 +67,12 @@ bool J1939Tables::addPGN(quint8 line, quint32 number, const PGN &data)
 {
     if (isBlocked())
         return false;
-    const RecordColumns::TextIds ids = RecordColumns::intern(pgnColumns, data, strings_, {"name"_L1, "desc"_L1});
-    const Row row = pgnRow(line, number, data.direction);
-    const QString insert = row.insert(pgnColumns);
-    const QString update = row.update(pgnColumns);
-    const QVariantList values = *RecordColumns::values(pgnColumns, data, ids, Quotes::Kept);
+    const auto ids = pgns_.intern(data);
+    const auto write = [&] { return pgns_.write("addPGN", line, {number, data.direction}, data, ids, Quotes::Kept); };
     // Only a table that lacks columns fails here, so a complete one is never asked for them.
-    if (!writeRow("addPGN", row, insert, update, values)) {
+    if (!write()) {
         completeColumns(line);
-        if (!writeRow("addPGN", row, insert, update, values))
+        if (!write())
             return false;
     }
     notify(Change::PGNWritten, {.line = line, .pgn = number, .direction = data.direction});
@@ -120,12 +81,7 @@ bool J1939Tables::addPGN(quint8 line, quint32 number, const PGN &data)
 
 bool J1939Tables::addSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, const SPN &data, Quotes quotes)
 {
-    if (isBlocked())
-        return false;
-    const RecordColumns::TextIds ids = RecordColumns::intern(spnColumns, data, strings_, {"name"_L1, "desc"_L1});
-    const Row row = spnRow(line, pgn, direction, spn);
-    const std::optional<QVariantList> values = textsOf("addSPN", RecordColumns::values(spnColumns, data, ids, quotes));
-    if (!values || !writeRow("addSPN", row, row.insert(spnColumns), row.update(spnColumns), *values))
+    if (isBlocked() || !spns_.write("addSPN", line, {pgn, direction, spn}, data, spns_.intern(data), quotes))
         return false;
     notify(Change::SPNWritten, {.line = line, .pgn = pgn, .spn = spn});
     return true;
@@ -136,10 +92,9 @@ bool J1939Tables::removePGN(quint8 line, quint32 number, quint8 direction)
     if (isBlocked())
         return false;
     TransactionScope step(statements_, TransactionScope::Kind::Step);
-    const Row row = pgnRow(line, number, direction);
-    const bool done =
-        run("removePGN", u"delete from SPNs%1 where pgnnumber = ? and direction = ?"_s.arg(line), row.key()) &&
-        run("removePGN", row.remove(), row.key());
+    const bool done = run("removePGN", u"delete from SPNs%1 where pgnnumber = ? and direction = ?"_s.arg(line),
+                          {number, direction}) &&
+                      pgns_.remove("removePGN", line, {number, direction});
     if (!done || !step.commit())
         return false;
     notify(Change::PGNRemoved, {.line = line, .pgn = number, .direction = direction});
@@ -148,8 +103,7 @@ bool J1939Tables::removePGN(quint8 line, quint32 number, quint8 direction)
 
 bool J1939Tables::removeSPN(quint8 line, quint32 pgn, quint32 spn, quint8 direction)
 {
-    const Row row = spnRow(line, pgn, direction, spn);
-    if (isBlocked() || !run("removeSPN", row.remove(), row.key()))
+    if (isBlocked() || !spns_.remove("removeSPN", line, {pgn, direction, spn}))
         return false;
     notify(Change::SignalRemoved, {.line = line, .pgn = pgn, .spn = spn, .direction = direction});
     return true;
@@ -157,29 +111,27 @@ bool J1939Tables::removeSPN(quint8 line, quint32 pgn, quint32 spn, quint8 direct
 
 bool J1939Tables::pgnExists(quint8 line, quint32 number, quint8 direction)
 {
-    return exists(pgnRow(line, number, direction));
+    return pgns_.exists(line, {number, direction});
 }
 
 bool J1939Tables::spnExists(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
 {
-    return exists(spnRow(line, pgn, direction, spn));
+    return spns_.exists(line, {pgn, direction, spn});
 }
 
 std::optional<PGN> J1939Tables::getPGN(quint8 line, quint32 number, quint8 direction)
 {
-    const Row place = pgnRow(line, number, direction);
-    return statements_.first({"getPGN", pgnSelect(line, "where "_L1 + place.condition())}, place.key(),
-                             [this](const ResultRow &row) { return pgnOfRow(row, strings_); });
+    return pgns_.get("getPGN", line, {number, direction});
 }
 
 QString J1939Tables::getPGNName(quint8 line, quint32 number, quint8 direction)
 {
-    return nameOf(pgnRow(line, number, direction));
+    return pgns_.name(line, {number, direction});
 }
 
 quint16 J1939Tables::getPGNMappingCount(quint8 line, quint32 number, quint8 direction)
 {
-    return static_cast<quint16>(valueOf(pgnRow(line, number, direction), u"mappingcount"_s).toUInt());
+    return static_cast<quint16>(pgns_.value(line, {number, direction}, u"mappingcount"_s).toUInt());
 }
 
 QList<quint32> J1939Tables::getPGNList(quint8 line, quint8 direction, bool leaveOutSafe)
@@ -199,30 +151,24 @@ QList<quint32> J1939Tables::getPGNList(quint8 line, quint8 direction, bool leave
 
 QList<PGN> J1939Tables::getAllPGNs(quint8 line)
 {
-    strings_.loadTexts();
-    return statements_.list({"getAllPGNs", pgnSelect(line, u"order by direction desc, number"_s)}, {},
-                            [this](const ResultRow &row) { return pgnOfRow(row, strings_); });
+    return pgns_.all("getAllPGNs", line, u" order by direction desc, number"_s);
 }
 
 QList<SPN> J1939Tables::getAllSPNs(quint8 line)
 {
-    strings_.loadTexts();
-    return statements_.list({"getAllSPNs", spnSelect(line, inOrder)}, {},
-                            [this](const ResultRow &row) { return spnOfRow(row, strings_); });
+    return spns_.all("getAllSPNs", line, inOrder);
 }
 
 QHash<quint32, QString> J1939Tables::getPGNNames(quint8 line, quint8 direction)
 {
-    return selectNames(u"select number, name from PGNs%1 where direction = ?"_s.arg(line), {direction});
+    return pgns_.names(line, u"number"_s, direction);
 }
 
 std::optional<SPN> J1939Tables::getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
 {
     if (const SPN *cached = cache_.find({line, pgn, direction, spn}))
         return *cached;
-    const Row place = spnRow(line, pgn, direction, spn);
-    return statements_.first({"getSPN", spnSelect(line, "where "_L1 + place.condition())}, place.key(),
-                             [this](const ResultRow &row) { return spnOfRow(row, strings_); });
+    return spns_.get("getSPN", line, {pgn, direction, spn});
 }
 
 QList<quint32> J1939Tables::getSPNList(quint8 line, quint32 pgn, quint8 direction)
@@ -236,19 +182,18 @@ QList<quint32> J1939Tables::getSPNList(quint8 line, quint32 pgn, quint8 directio
 
 QString J1939Tables::getSPNName(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
 {
-    return nameOf(spnRow(line, pgn, direction, spn));
+    return spns_.name(line, {pgn, direction, spn});
 }
 
 quint32 J1939Tables::getSPNDataType(quint8 line, quint32 pgn, quint8 direction, quint32 spn)
 {
-    return valueOf(spnRow(line, pgn, direction, spn), u"datatype"_s).toUInt();
+    return spns_.value(line, {pgn, direction, spn}, u"datatype"_s).toUInt();
 }
 
 bool J1939Tables::cacheSPNs(quint8 line)
 {
     cache_.clear();
-    return statements_.visit({"cacheSPNs", spnSelect(line, inOrder)}, {},
-                             [&](const ResultRow &row) { cache_.add(line, spnOfRow(row, strings_)); });
+    return spns_.visit("cacheSPNs", line, inOrder, [&](const SPN &spn) { cache_.add(line, spn); });
 }
 
 bool J1939Tables::anySafePGN(quint8 line)

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "store/tables/keyedrows.h"
 #include "store/tables/spncache.h"
-#include "store/tables/tablefamily.h"
 
 /// The parameter groups and signals of a J1939 line: `PGNs%1` and `SPNs%1`.
 class J1939Tables : public TableFamily
@@ -10,10 +10,7 @@ public:
     using PGN = StoreRecords::PGN;
     using SPN = StoreRecords::SPN;
 
-    explicit J1939Tables(TableContext &context)
-        : TableFamily(context)
-    {
-    }
+    explicit J1939Tables(TableContext &context);
 
     [[nodiscard]] bool addPGN(quint8 line, quint32 number, const PGN &data);
     [[nodiscard]] bool addSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, const SPN &data, Quotes quotes);
@@ -42,5 +39,7 @@ public:
 private:
     void completeColumns(quint8 line);
 
+    const KeyedRows<PGN> pgns_;
+    const KeyedRows<SPN> spns_;
     SpnCache cache_;
 };

@@ -10,14 +10,13 @@ using namespace Qt::StringLiterals;
 using ProjectSchema::LineTable;
 using RecordColumns::Column;
 using RecordColumns::number;
-using RecordColumns::Row;
 using RecordColumns::text;
 
 namespace {
 
 using Node = LineTables::Node;
 
-constexpr std::array<Column<Node>, 25> nodeColumnTable = {
+constexpr std::array<Column<Node>, 25> nodeColumns = {
     text<&Node::name>("name"_L1),
     text<&Node::edspath>("edspath"_L1),
     text<&Node::xddpath>("xddpath"_L1),
@@ -44,17 +43,12 @@ constexpr std::array<Column<Node>, 25> nodeColumnTable = {
     number<&Node::multilinedata>("multilinedata"_L1),
     number<&Node::lssslave>("lssslave"_L1),
 };
-constexpr std::span<const Column<Node>> nodeColumns = nodeColumnTable;
 
-constexpr RecordColumns::Names setByName = {"isbootupmanager"_L1, "isconfigmanager"_L1, "excludepdolinking"_L1,
-                                            "multilinedata"_L1, "lssslave"_L1};
+/// Columns of a line that exists belong to whoever set them last by name.
+constexpr std::array setByName = {"isbootupmanager"_L1, "isconfigmanager"_L1, "excludepdolinking"_L1,
+                                  "multilinedata"_L1, "lssslave"_L1};
 constexpr quint8 previewLine = 254;
 constexpr quint8 basicServices[] = {0x10, 0x11, 0x3e, 0x22, 0x2e};
-
-Row nodeRow(quint8 line)
-{
-    return {u"Nodes"_s, {{"nodeId"_L1, line}}};
-}
 
 bool isNodeColumn(const QString &column)
 {
@@ -63,18 +57,19 @@ bool isNodeColumn(const QString &column)
 
 } // namespace
 
-/// Writes the row of a line. Five columns of one that exists belong to whoever set them last by name.
 bool LineTables::writeNodeRow(quint8 line, const Node &data, Quotes quotes)
 {
-    const Row row = nodeRow(line);
     const bool isUpdate = nodeExists(line);
-    const RecordColumns::Names except = isUpdate ? setByName : RecordColumns::Names();
-    std::optional<QVariantList> values =
-        textsOf("addNode", RecordColumns::values(nodeColumns, data, {}, quotes, except));
-    if (!values)
+    const RecordColumns::Names except = isUpdate ? RecordColumns::Names(setByName) : RecordColumns::Names();
+    const QString text =
+        isUpdate ? u"update Nodes set %1 where nodeId = ?"_s.arg(RecordColumns::assignments<Node>(nodeColumns, except))
+                 : u"insert into Nodes (%1, nodeId) values(%2)"_s.arg(RecordColumns::names<Node>(nodeColumns),
+                                                                      SqlText::places(nodeColumns.size() + 1));
+    BoundStatement statement(statements_, {"addNode", text, Statement::Effect::Rows});
+    if (!RecordColumns::bindTold<Node>("addNode", statement, {nodeColumns, data, {}, quotes, except}))
         return false;
-    values->append(row.key());
-    return run("addNode", isUpdate ? row.update(nodeColumns, setByName) : row.insert(nodeColumns), *values);
+    statement.bind(qint64{line});
+    return statement.execute();
 }
 
 bool LineTables::createTables(quint8 line)
@@ -132,13 +127,12 @@ bool LineTables::removeNode(quint8 line)
 
 std::optional<Node> LineTables::getNode(quint8 line)
 {
-    const Row place = nodeRow(line);
-    return statements_.first({nullptr, place.select(RecordColumns::names(nodeColumns))}, place.key(),
-                             [this](const ResultRow &row) {
-                                 Node data;
-                                 RecordColumns::readRow(nodeColumns, row, data, strings_);
-                                 return data;
-                             });
+    const QString text = u"select %1 from Nodes where nodeId = ?"_s.arg(RecordColumns::names<Node>(nodeColumns));
+    return statements_.first({nullptr, text}, {line}, [this](const ResultRow &row) {
+        Node data;
+        RecordColumns::readRow<Node>(nodeColumns, row, data, strings_);
+        return data;
+    });
 }
 
 QList<quint8> LineTables::getNodeList()

@@ -20,7 +20,7 @@ namespace {
 using Index = ObjectTables::Index;
 using Sub = ObjectTables::Sub;
 
-constexpr std::array<Column<Index>, 7> indexColumnTable = {
+constexpr std::array<Column<Index>, 7> indexColumns = {
     pooled<&Index::name>("name"_L1),
     number<&Index::datatype>("datatype"_L1),
     number<&Index::objecttype>("objecttype"_L1),
@@ -29,13 +29,14 @@ constexpr std::array<Column<Index>, 7> indexColumnTable = {
     pooled<&Index::device_class>("device_class"_L1),
     number<&Index::fwsupported>("fwsupported"_L1),
 };
-constexpr std::span<const Column<Index>> indexColumns = indexColumnTable;
 
 constexpr Column<Sub> pdoMappingColumn = {
-    "pdomapping"_L1, [](const Sub &sub) { return QVariant(sub.pdomapping.toUInt()); }, nullptr,
-    [](Sub &sub, const QVariant &value, StringPool &) { sub.pdomapping = PDOMapping(value.toUInt()); }};
+    "pdomapping"_L1, [](const Sub &sub) { return qint64{sub.pdomapping.toUInt()}; }, nullptr, nullptr,
+    [](Sub &sub, const ResultRow &row, int column, StringPool &) {
+        sub.pdomapping = PDOMapping(row.number<quint32>(column));
+    }};
 
-constexpr std::array<Column<Sub>, 28> subColumnTable = {
+constexpr std::array<Column<Sub>, 28> subColumns = {
     pooled<&Sub::name>("name"_L1),
     number<&Sub::datatype>("datatype"_L1),
     text<&Sub::accesstype>("accesstype"_L1),
@@ -65,55 +66,59 @@ constexpr std::array<Column<Sub>, 28> subColumnTable = {
     number<&Sub::signalid>("signalid"_L1),
     number<&Sub::nvstorage>("nvstorage"_L1),
 };
-constexpr std::span<const Column<Sub>> subColumns = subColumnTable;
-
-quint32 keyOf(const ObjectTables::SubEntry &entry)
-{
-    return SubObjectCache::key(entry.index, entry.subindex);
-}
 
 QString subSelect(quint8 line, const QString &condition)
 {
-    static const QString columns = RecordColumns::names(subColumns);
-    return u"select objectindex, subindex, metadata, %1 from SubObjects%2%3"_s.arg(columns, QString::number(line),
-                                                                                   condition);
+    static const QString select =
+        u"select objectindex, subindex, metadata, %1 from SubObjects"_s.arg(RecordColumns::names<Sub>(subColumns));
+    return select + QString::number(line) + condition;
 }
 
 QString indexSelect(quint8 line)
 {
-    static const QString columns = RecordColumns::names(indexColumns);
-    return u"select objectindex, metadata, %1 from Objects%2"_s.arg(columns, QString::number(line));
+    static const QString select =
+        u"select objectindex, metadata, %1 from Objects"_s.arg(RecordColumns::names<Index>(indexColumns));
+    return select + QString::number(line);
+}
+
+/// The attributes of a row. All but a few have none, which a new row tells by a 0.
+StoreRecords::Metadata metadataOf(const ResultRow &row, int column)
+{
+    const bool isNone = row.isNull(column) || (row.isInteger(column) && row.number<qint64>(column) == 0);
+    return isNone ? StoreRecords::Metadata() : MetadataBlob::parse(row.value(column).toByteArray());
 }
 
 Index indexOfRow(const ResultRow &row, StringPool &pool)
 {
     Index data;
-    data.metadata = MetadataBlob::parse(row.value(1).toByteArray());
-    RecordColumns::readRow(indexColumns, row, data, pool, 2);
+    data.metadata = metadataOf(row, 1);
+    RecordColumns::readRow<Index>(indexColumns, row, data, pool, 2);
     return data;
+}
+
+void readSub(Sub &data, const ResultRow &row, StringPool &pool)
+{
+    data.metadata = metadataOf(row, 2);
+    RecordColumns::readRow<Sub>(subColumns, row, data, pool, 3);
 }
 
 Sub subOfRow(const ResultRow &row, StringPool &pool)
 {
     Sub data;
-    data.metadata = MetadataBlob::parse(row.value(2).toByteArray());
-    RecordColumns::readRow(subColumns, row, data, pool, 3);
+    readSub(data, row, pool);
     return data;
 }
 
 ObjectTables::SubEntry entryOfRow(const ResultRow &row, quint8 line, StringPool &pool)
 {
-    return {
-        .line = line, .index = row.number<quint16>(0), .subindex = row.number<quint8>(1), .data = subOfRow(row, pool)};
+    ObjectTables::SubEntry entry{
+        .line = line, .index = row.number<quint16>(0), .subindex = row.number<quint8>(1), .data = {}};
+    readSub(entry.data, row, pool);
+    return entry;
 }
 
-/// What is bound for a subindex. The values of a VISIBLE_STRING have always been written with their quotes doubled.
-std::optional<QVariantList> subValues(const Sub &data, const RecordColumns::TextIds &ids, Quotes quotes)
-{
-    if (data.datatype == CAN::VisibleString)
-        return RecordColumns::values(subColumns, data, ids, quotes, {}, {"defaultvalue"_L1, "currentvalue"_L1});
-    return RecordColumns::values(subColumns, data, ids, quotes);
-}
+/// The texts of a VISIBLE_STRING that have always been written with their quotes doubled.
+constexpr std::array valuesOfText = {"defaultvalue"_L1, "currentvalue"_L1};
 
 } // namespace
 
@@ -121,26 +126,24 @@ bool ObjectTables::addIndex(quint8 line, quint16 index, const Index &data)
 {
     if (isBlocked())
         return false;
+    static const QString update =
+        u"update Objects%1 set "_s + RecordColumns::assignments<Index>(indexColumns) + " where objectindex = ?"_L1;
+    static const QString insert = u"insert into Objects%1 (%2, objectindex, metadata) values(%3, 0)"_s.arg(
+        u"%1"_s, RecordColumns::names<Index>(indexColumns), SqlText::places(indexColumns.size() + 1));
     const auto ids =
-        RecordColumns::intern(indexColumns, data, strings_, {"description"_L1, "name"_L1, "device_class"_L1});
-    const QString table = u"Objects%1"_s.arg(line);
-    static const QString names = RecordColumns::names(indexColumns);
-    static const QString assignments = RecordColumns::assignments(indexColumns);
-    static const QString places = SqlText::places(indexColumns.size() + 1);
-    const QVariant exists =
-        statements_.value({"addIndex", u"select exists(select 1 from %1 where objectindex = ?)"_s.arg(table)}, {index});
+        RecordColumns::intern<Index>(indexColumns, data, strings_, {"description"_L1, "name"_L1, "device_class"_L1});
+    const QVariant exists = statements_.value(
+        {"addIndex", u"select exists(select 1 from Objects%1 where objectindex = ?)"_s.arg(line)}, {index});
     if (!exists.isValid())
         return false;
-    QVariantList values = *RecordColumns::values(indexColumns, data, ids, Quotes::Kept);
-    values.append(index);
     std::optional<TransactionScope> withAttributes;
     if (!data.metadata.isEmpty())
         withAttributes.emplace(statements_, TransactionScope::Kind::Step);
-    bool done =
-        run("addIndex",
-            exists.toBool() ? u"update %1 set %2 where objectindex = ?"_s.arg(table, assignments)
-                            : u"insert into %1 (%2, objectindex, metadata) values(%3, 0)"_s.arg(table, names, places),
-            values);
+    BoundStatement statement(statements_,
+                             {"addIndex", (exists.toBool() ? update : insert).arg(line), Statement::Effect::Rows});
+    RecordColumns::bind<Index>(statement, {indexColumns, data, ids});
+    statement.bind(qint64{index});
+    bool done = statement.execute();
     if (withAttributes)
         done = done && setObjectMetadata(line, index, data.metadata) && withAttributes->commit();
     notify(Change::ObjectWritten, {.index = index, .line = line});
@@ -154,30 +157,48 @@ bool ObjectTables::runSubs(const char *operation, const QString &text, const QVa
     return statements_.execute({operation, text, Statement::Effect::Subindices}, values);
 }
 
-bool ObjectTables::writeSubRow(const SubEntry &entry, Quotes quotes)
+struct ObjectTables::SubInsertion
 {
-    static const QString columns = RecordColumns::names(subColumns);
-    static const QString places = SqlText::places(subColumns.size() + 2);
+    SubInsertion(Statements &statements, quint8 ofLine, const QString &text)
+        : line(ofLine)
+        , statement(statements, {"addSubIndex", text, Statement::Effect::Subindices})
+    {
+    }
+
+    quint8 line;
+    BoundStatement statement;
+};
+
+bool ObjectTables::writeSubRow(const SubEntry &entry, Quotes quotes, std::optional<SubInsertion> &insertion)
+{
+    static const QString text =
+        u"insert or replace into SubObjects%1 (%2, objectindex, subindex, metadata) values(%3, 0)"_s.arg(
+            u"%1"_s, RecordColumns::names<Sub>(subColumns), SqlText::places(subColumns.size() + 2));
     const auto ids =
-        RecordColumns::intern(subColumns, entry.data, strings_, {"description"_L1, "name"_L1, "denotation"_L1});
-    std::optional<QVariantList> values = textsOf("addSubIndex", subValues(entry.data, ids, quotes));
-    if (!values)
+        RecordColumns::intern<Sub>(subColumns, entry.data, strings_, {"description"_L1, "name"_L1, "denotation"_L1});
+    RecordColumns::Values<Sub> values{subColumns, entry.data, ids, quotes};
+    if (entry.data.datatype == CAN::VisibleString)
+        values.kept = valuesOfText;
+    if (!insertion || insertion->line != entry.line)
+        insertion.emplace(statements_, entry.line, text.arg(entry.line));
+    if (!RecordColumns::bindTold("addSubIndex", insertion->statement, values)) {
+        insertion.reset(); // which is bound in part
         return false;
-    values->append({entry.index, entry.subindex});
-    return runSubs("addSubIndex",
-                   u"insert or replace into SubObjects%1 (%2, objectindex, subindex, metadata) values(%3, 0)"_s.arg(
-                       QString::number(entry.line), columns, places),
-                   *values);
+    }
+    insertion->statement.bind(qint64{entry.index});
+    insertion->statement.bind(qint64{entry.subindex});
+    dropKept();
+    return insertion->statement.execute();
 }
 
-bool ObjectTables::storeSubIndex(const SubEntry &entry, Quotes quotes)
+bool ObjectTables::storeSubIndex(const SubEntry &entry, Quotes quotes, std::optional<SubInsertion> &insertion)
 {
     if (entry.data.datatype == CAN::VisibleString && entry.index == 0x1000 && entry.subindex == 1)
         qDebug().noquote() << "ODB:aSI 0x1000:1 = " << entry.data.defaultvalue;
     std::optional<TransactionScope> withAttributes;
     if (!entry.data.metadata.isEmpty())
         withAttributes.emplace(statements_, TransactionScope::Kind::Step);
-    bool done = writeSubRow(entry, quotes);
+    bool done = writeSubRow(entry, quotes, insertion);
     if (withAttributes)
         done = done && setSubObjectMetadata(entry.line, entry.index, entry.subindex, entry.data.metadata) &&
                withAttributes->commit();
@@ -195,7 +216,8 @@ bool ObjectTables::addSubIndex(quint8 line, quint16 index, quint8 subindex, cons
         return false;
     const SubEntry entry{line, index, subindex, data};
     std::optional<QList<SubEntry>> kept = std::exchange(keptSubs_, std::nullopt);
-    const bool done = storeSubIndex(entry, quotes);
+    std::optional<SubInsertion> insertion;
+    const bool done = storeSubIndex(entry, quotes, insertion);
     // To follow each write of many would move the rest of the list as many times.
     if (kept && keptLine_ == line && !statements_.inTransaction())
         followWrite(entry, std::move(kept));
@@ -208,8 +230,9 @@ void ObjectTables::followWrite(const SubEntry &entry, std::optional<QList<SubEnt
     statements_.visitFirst({nullptr, subSelect(entry.line, u" where objectindex = ? and subindex = ?"_s)},
                            {entry.index, entry.subindex}, [&](const ResultRow &result) {
                                const SubEntry row = entryOfRow(result, entry.line, strings_);
-                               const auto place = std::ranges::lower_bound(*kept, keyOf(row), {}, keyOf);
-                               if (place != kept->end() && keyOf(*place) == keyOf(row))
+                               const auto place = std::ranges::lower_bound(*kept, SubObjectCache::keyOf(row), {},
+                                                                           SubObjectCache::keyOf);
+                               if (place != kept->end() && SubObjectCache::keyOf(*place) == SubObjectCache::keyOf(row))
                                    *place = row;
                                else
                                    kept->insert(place, row);
@@ -222,9 +245,10 @@ bool ObjectTables::addSubIndices(const QList<SubEntry> &entries, Quotes quotes)
     if (isBlocked() || entries.isEmpty())
         return !isBlocked();
     TransactionScope transaction(statements_, TransactionScope::Kind::Batch);
+    std::optional<SubInsertion> insertion;
     bool done = true;
     for (const SubEntry &entry : entries)
-        done = storeSubIndex(entry, quotes);
+        done = storeSubIndex(entry, quotes, insertion);
     return transaction.commit() && done;
 }
 
@@ -263,7 +287,7 @@ QList<ObjectTables::SubEntry> ObjectTables::getAllSubIndices(quint8 line)
     if (!statements_.visit({"getAllSubIndices", subSelect(line, u" order by objectindex, subindex"_s)}, {},
                            [&](const ResultRow &row) { entries.append(entryOfRow(row, line, strings_)); }))
         return entries;
-    if (keepsSubs_ && std::ranges::is_sorted(entries, {}, keyOf)) {
+    if (keepsSubs_ && std::ranges::is_sorted(entries, {}, SubObjectCache::keyOf)) {
         keptLine_ = line;
         keptSubs_ = entries;
     }
@@ -272,15 +296,15 @@ QList<ObjectTables::SubEntry> ObjectTables::getAllSubIndices(quint8 line)
 
 void ObjectTables::cacheAllSubs(quint8 line, quint16 index)
 {
-    SubObjectCache::Line entries;
-    const auto insert = [&entries](const SubEntry &entry) { entries.insert(entries.cend(), keyOf(entry), entry.data); };
-    if (index == 0) {
-        const QList<SubEntry> all = getAllSubIndices(line);
-        std::ranges::for_each(all, insert);
-    } else {
+    QList<SubEntry> entries;
+    if (index == 0)
+        entries = getAllSubIndices(line);
+    else
         std::ignore = statements_.visit({nullptr, subSelect(line, u" where objectindex = ?"_s)}, {index},
-                                        [&](const ResultRow &row) { insert(entryOfRow(row, line, strings_)); });
-    }
+                                        [&](const ResultRow &row) { entries.append(entryOfRow(row, line, strings_)); });
+    // An old table may hold an index that is none.
+    if (!std::ranges::is_sorted(entries, {}, SubObjectCache::keyOf))
+        std::ranges::stable_sort(entries, {}, SubObjectCache::keyOf);
     const QMutexLocker locker(&cacheMutex_);
     subCache_.setLine(line, entries);
 }

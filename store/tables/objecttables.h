@@ -62,8 +62,10 @@ public:
 
 private:
     bool runSubs(const char *operation, const QString &text, const QVariantList &values);
-    bool writeSubRow(const SubEntry &entry, Quotes quotes);
-    bool storeSubIndex(const SubEntry &entry, Quotes quotes);
+    /// The insertion of subindices of one line, kept prepared for the next.
+    struct SubInsertion;
+    bool writeSubRow(const SubEntry &entry, Quotes quotes, std::optional<SubInsertion> &insertion);
+    bool storeSubIndex(const SubEntry &entry, Quotes quotes, std::optional<SubInsertion> &insertion);
     void followWrite(const SubEntry &entry, std::optional<QList<SubEntry>> kept);
     bool setMetadata(const QString &text, QVariantList key, const Metadata &metadata);
     bool copySubs(ObjectTables &from, const SubKey &source, const QList<quint8> &subs, const SubKey &target);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/tables/tablefamily.h"
+#include "store/tables/keyedrows.h"
 
 /// The identifiers and data elements of a raw CAN line: `CANIDs%1` and `DataElements%1`.
 class RawCanTables : public TableFamily
@@ -9,10 +9,7 @@ public:
     using CANID = StoreRecords::CANID;
     using DataElement = StoreRecords::DataElement;
 
-    explicit RawCanTables(TableContext &context)
-        : TableFamily(context)
-    {
-    }
+    explicit RawCanTables(TableContext &context);
 
     [[nodiscard]] bool addCANID(quint8 line, quint32 id, const CANID &data);
     [[nodiscard]] bool addDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number,
@@ -33,4 +30,8 @@ public:
     QString getDataElementName(quint8 line, quint32 canid, quint8 direction, quint32 number);
     QList<quint32> getDataElementList(quint8 line, quint32 canid, quint8 direction);
     QList<DataElement> getAllDataElements(quint8 line);
+
+private:
+    const KeyedRows<CANID> canids_;
+    const KeyedRows<DataElement> elements_;
 };

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "store/statements/boundstatement.h"
 #include "store/statements/literaltext.h"
-#include "store/statements/statements.h"
 #include "store/tables/stringpool.h"
 
+#include <QDebug>
 #include <QString>
 #include <QStringList>
-#include <QVariant>
 #include <QVarLengthArray>
 
 #include <algorithm>
@@ -22,15 +22,22 @@ template <class Record>
 struct Column
 {
     QLatin1StringView name;
-    /// The value, a number or a text; null for a text of the pool.
-    QVariant (*value)(const Record &);
-    /// The text of a column that holds a string id; null for any other.
+    // One of the three tells what the column holds: a number, a text, or a text of the pool by its id.
+    qint64 (*number)(const Record &);
+    const QString &(*text)(const Record &);
     const QString &(*pooled)(const Record &);
-    void (*read)(Record &, const QVariant &, StringPool &);
+    void (*read)(Record &, const ResultRow &, int column, StringPool &);
 };
 
 /// Ids of a record's pooled texts by column name.
 using TextIds = QVarLengthArray<std::pair<QLatin1StringView, int>, 4>;
+
+/// -1 for a column without one.
+inline int idOf(const TextIds &ids, QLatin1StringView name)
+{
+    const auto id = std::ranges::find(ids, name, &TextIds::value_type::first);
+    return id == ids.end() ? -1 : id->second;
+}
 
 template <auto Member>
 struct MemberTraits;
@@ -47,13 +54,13 @@ constexpr auto number(QLatin1StringView name)
 {
     using Record = typename MemberTraits<Member>::Record;
     using Value = typename MemberTraits<Member>::Value;
-    return Column<Record>{name, [](const Record &record) { return QVariant(static_cast<qint64>(record.*Member)); },
+    return Column<Record>{name, [](const Record &record) { return static_cast<qint64>(record.*Member); }, nullptr,
                           nullptr,
-                          [](Record &record, const QVariant &value, StringPool &) {
+                          [](Record &record, const ResultRow &row, int column, StringPool &) {
                               if constexpr (std::is_same_v<Value, bool>)
-                                  record.*Member = value.toLongLong() != 0;
+                                  record.*Member = row.number<qint64>(column) != 0;
                               else
-                                  record.*Member = static_cast<Value>(value.toLongLong());
+                                  record.*Member = row.number<Value>(column);
                           }};
 }
 
@@ -63,8 +70,8 @@ constexpr auto text(QLatin1StringView name)
 {
     using Record = typename MemberTraits<Member>::Record;
     return Column<Record>{
-        name, [](const Record &record) { return QVariant(record.*Member); }, nullptr,
-        [](Record &record, const QVariant &value, StringPool &) { record.*Member = value.toString(); }};
+        name, nullptr, [](const Record &record) -> const QString & { return record.*Member; }, nullptr,
+        [](Record &record, const ResultRow &row, int column, StringPool &) { record.*Member = row.text(column); }};
 }
 
 /// A text of the pool, stored by its id.
@@ -72,9 +79,10 @@ template <auto Member>
 constexpr auto pooled(QLatin1StringView name)
 {
     using Record = typename MemberTraits<Member>::Record;
-    return Column<Record>{name, nullptr, [](const Record &record) -> const QString & { return record.*Member; },
-                          [](Record &record, const QVariant &value, StringPool &pool) {
-                              record.*Member = value.isNull() ? QString() : pool.textOf(value.toInt());
+    return Column<Record>{name, nullptr, nullptr,
+                          [](const Record &record) -> const QString & { return record.*Member; },
+                          [](Record &record, const ResultRow &row, int column, StringPool &pool) {
+                              record.*Member = pool.textOf(row, column);
                           }};
 }
 
@@ -93,15 +101,6 @@ TextIds intern(std::span<const Column<Record>> columns, const Record &record, St
     return ids;
 }
 
-template <class Record>
-QVariant valueOf(const Column<Record> &column, const Record &record, const TextIds &ids)
-{
-    if (column.value)
-        return column.value(record);
-    const auto id = std::find_if(ids.begin(), ids.end(), [&](const auto &pair) { return pair.first == column.name; });
-    return id == ids.end() ? -1 : id->second;
-}
-
 /// "a, b, c"
 template <class Record>
 QString names(std::span<const Column<Record>> columns)
@@ -112,92 +111,70 @@ QString names(std::span<const Column<Record>> columns)
     return list.join(QLatin1StringView(", "));
 }
 
-/// Names of columns that a statement leaves out.
-using Names = std::initializer_list<QLatin1StringView>;
+/// Some of the columns.
+using Names = std::span<const QLatin1StringView>;
 
 inline bool holds(Names names, QLatin1StringView name)
 {
-    return std::find(names.begin(), names.end(), name) != names.end();
+    return std::ranges::find(names, name) != names.end();
 }
 
-/// What is bound for the columns, in their order; nothing if the write of one of the texts fails. The texts of the
-/// columns in `kept` are stored as they are in any case.
+/// A record on its way into its row.
 template <class Record>
-std::optional<QVariantList> values(std::span<const Column<Record>> columns, const Record &record, const TextIds &ids,
-                                   Quotes quotes, Names except = {}, Names kept = {})
+struct Values
 {
-    QVariantList list;
-    list.reserve(static_cast<qsizetype>(columns.size()) + 4);
-    for (const Column<Record> &column : columns) {
-        if (holds(except, column.name))
+    std::span<const Column<Record>> columns;
+    const Record &record;
+    const TextIds &ids;
+    Quotes quotes = Quotes::Kept;
+    Names except = {}; ///< columns that the statement leaves out
+    Names kept = {};   ///< columns whose texts are stored as they are, whatever the quotes of the others do
+};
+
+/// Binds the values of the columns in their order; false if the write of one of the texts fails.
+template <class Record>
+bool bind(BoundStatement &statement, const Values<Record> &values)
+{
+    for (const Column<Record> &column : values.columns) {
+        if (holds(values.except, column.name))
             continue;
-        QVariant value = valueOf(column, record, ids);
-        if (quotes == Quotes::Literal && value.typeId() == QMetaType::QString && !holds(kept, column.name)) {
-            std::optional<QString> text = LiteralText::stored(value.toString(), quotes);
-            if (!text)
-                return std::nullopt;
-            value = *std::move(text);
+        if (column.number) {
+            statement.bind(column.number(values.record));
+        } else if (column.pooled) {
+            statement.bind(qint64{idOf(values.ids, column.name)});
+        } else if (values.quotes == Quotes::Kept || holds(values.kept, column.name)) {
+            statement.bind(column.text(values.record));
+        } else if (const auto text = LiteralText::stored(column.text(values.record), values.quotes)) {
+            statement.bind(*text);
+        } else {
+            return false;
         }
-        list.append(std::move(value));
     }
-    return list;
+    return true;
+}
+
+/// The same, and the log tells of such a text.
+template <class Record>
+bool bindTold(const char *operation, BoundStatement &statement, const Values<Record> &values)
+{
+    const bool done = bind(statement, values);
+    if (!done)
+        qDebug().noquote() << operation << "failed: a single quote in a text";
+    return done;
 }
 
 /// "a = ?, b = ?"
 template <class Record>
-QString assignments(std::span<const Column<Record>> columns, Names except = {})
+QString assignments(std::span<const Column<Record>> columns, Names except = {},
+                    QLatin1StringView separator = QLatin1StringView(", "))
 {
     QStringList list;
     for (const Column<Record> &column : columns) {
         if (!holds(except, column.name))
             list.append(column.name + QLatin1StringView(" = ?"));
     }
-    return list.join(QLatin1StringView(", "));
+    return list.join(separator);
 }
-
-/// The place of a record: a table and the values of its key columns; the source of the statements on that row.
-class Row
-{
-public:
-    using Key = std::initializer_list<std::pair<QLatin1StringView, quint32>>;
-
-    Row(QString table, Key key)
-        : table_(std::move(table))
-    {
-        for (const auto &[name, value] : key) {
-            names_.append(name);
-            key_.append(value);
-        }
-    }
-
-    /// What is bound for the key, at the end of each statement but the insertion.
-    const QVariantList &key() const { return key_; }
-    QString condition() const { return names_.join(QLatin1StringView(" = ? and ")) + QLatin1StringView(" = ?"); }
-    QString select(const QString &columns) const
-    {
-        return QStringLiteral("select %1 from %2 where %3").arg(columns, table_, condition());
-    }
-    QString remove() const { return QStringLiteral("delete from %1 where %2").arg(table_, condition()); }
-
-    /// The values of the columns are bound first, then the key.
-    template <class Record>
-    QString insert(std::span<const Column<Record>> columns) const
-    {
-        return QStringLiteral("insert into %1 (%2, %3) values(%4)")
-            .arg(table_, names(columns), names_.join(QLatin1StringView(", ")),
-                 SqlText::places(static_cast<qsizetype>(columns.size()) + names_.size()));
-    }
-    template <class Record>
-    QString update(std::span<const Column<Record>> columns, Names except = {}) const
-    {
-        return QStringLiteral("update %1 set %2 where %3").arg(table_, assignments(columns, except), condition());
-    }
-
-private:
-    QString table_;
-    QStringList names_;
-    QVariantList key_;
-};
 
 /// Fills a record from a row whose columns from `first` on are those of the list.
 template <class Record>
@@ -205,7 +182,7 @@ void readRow(std::span<const Column<Record>> columns, const ResultRow &row, Reco
              int first = 0)
 {
     for (const Column<Record> &column : columns)
-        column.read(record, row.value(first++), pool);
+        column.read(record, row, first++, pool);
 }
 
 } // namespace RecordColumns

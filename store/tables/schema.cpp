@@ -341,6 +341,16 @@ QStringList columnNames(LineTable family)
     return names;
 }
 
+QStringList numberColumns(LineTable family)
+{
+    QStringList names;
+    for (const Column &column : layoutOf(family).columns) {
+        if (column.type == integer || column.type == integerNotNull)
+            names.append(column.name);
+    }
+    return names;
+}
+
 QStringList columnsWithoutNull(LineTable family)
 {
     QStringList names;

@@ -51,6 +51,8 @@ QString tableName(LineTable family, quint8 line);
 QString createStatement(Table table, bool ifNotExists = false);
 QString createStatement(LineTable family, quint8 line, bool ifNotExists = true);
 QStringList columnNames(LineTable family);
+/// Those of them that hold integers.
+QStringList numberColumns(LineTable family);
 /// The columns as a select from a table of another layout takes them: 0 or an empty text for a NULL where none may be.
 QStringList columnsWithoutNull(LineTable family);
 

@@ -233,3 +233,7 @@ struct ChangeSet
 };
 
 } // namespace StoreRecords
+
+// A list of a line's subindices grows in place.
+Q_DECLARE_TYPEINFO(StoreRecords::SubIndexData, Q_RELOCATABLE_TYPE);
+Q_DECLARE_TYPEINFO(StoreRecords::SubEntry, Q_RELOCATABLE_TYPE);

@@ -1,6 +1,6 @@
 #include "store/tables/stringpool.h"
 
-#include "store/statements/statements.h"
+#include "store/statements/boundstatement.h"
 #include "store/statements/transaction.h"
 
 #include <QSet>
@@ -64,9 +64,15 @@ int StringPool::idOf(const QString &text)
 
 int StringPool::insert(const QString &text)
 {
-    const std::optional<qint64> id =
-        statements_.insert({"getStringId", u"insert into Strings values(NULL,?)"_s, Statement::Effect::Rows}, {text});
-    return id ? static_cast<int>(*id) : -1;
+    static const QString insertion = u"insert into Strings values(NULL,?)"_s;
+    BoundStatement statement(statements_, {"getStringId", insertion, Statement::Effect::Rows});
+    statement.bind(text);
+    return statement.execute() ? static_cast<int>(statement.insertedRow()) : -1;
+}
+
+QString StringPool::textOf(const ResultRow &row, int column)
+{
+    return row.isNull(column) ? QString() : textOf(row.number<int>(column));
 }
 
 QString StringPool::textOf(int id)

@@ -4,6 +4,7 @@
 #include <QList>
 #include <QString>
 
+class ResultRow;
 class Statements;
 
 /// The table `Strings`: every name, description, device class and denotation of a project once per distinct text.
@@ -22,6 +23,8 @@ public:
     int idOf(const QString &text);
     /// The text of an id; empty for an unknown one.
     QString textOf(int id);
+    /// The text whose id stands in a column; null for a NULL.
+    QString textOf(const ResultRow &row, int column);
     /// Reads the whole table anew.
     void reload();
     /// Makes `textOf` answer without the database, by one scan for the first call after an open.

@@ -61,7 +61,6 @@ public:
 
 protected:
     using Change = StoreRecords::Change;
-    using Row = RecordColumns::Row;
 
     explicit TableFamily(TableContext &context)
         : context_(context)
@@ -76,22 +75,7 @@ protected:
 
     [[nodiscard]] bool run(const char *operation, const QString &text, const QVariantList &values);
     [[nodiscard]] bool runSchema(const char *operation, const QString &text);
-    /// Executes `update` if the row exists, else `insert`; the values are those of the columns.
-    [[nodiscard]] bool writeRow(const char *operation, const Row &row, const QString &insert, const QString &update,
-                                QVariantList values);
-    /// Hands a record's values on, and tells the log of a record that has none as one of its texts breaks the
-    /// statement.
-    static std::optional<QVariantList> textsOf(const char *operation, std::optional<QVariantList> values);
-    bool exists(const Row &row) { return statements_.hasRow({nullptr, row.select(QStringLiteral("1"))}, row.key()); }
-    QVariant valueOf(const Row &row, const QString &column)
-    {
-        return statements_.value({nullptr, row.select(column)}, row.key());
-    }
-    /// The text of the pool that the row's column "name" refers to.
-    QString nameOf(const Row &row);
     QList<quint32> selectNumbers(const QString &text, const QVariantList &values = {});
-    /// The pool's texts of a statement that selects numbers and text ids.
-    QHash<quint32, QString> selectNames(const QString &text, const QVariantList &values);
 
     TableContext &context_;
     Statements &statements_;

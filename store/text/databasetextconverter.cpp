@@ -3,6 +3,7 @@
 #include "store/tables/projecttables.h"
 #include "store/text/objectrowwriter.h"
 #include "store/text/textscope.h"
+#include "texttools/asciitext.h"
 #include "texttools/settingstext.h"
 #include "texttools/wholefile.h"
 
@@ -70,39 +71,6 @@ QStringList columnNamesOf(Statements &statements, const QString &table)
     return names;
 }
 
-/// Gathers the keys of each row of a group, whose rows stand `depth` groups deep; keys elsewhere belong to no row.
-void forEachRow(const SettingsText::Reader &reader, const QString &group, qsizetype depth,
-                const std::function<void(const TextRow &)> &visit)
-{
-    QString path;
-    TextRow row;
-    QStringList columnsBefore;
-    const auto finish = [&] {
-        if (!row.columns.isEmpty())
-            visit(row);
-        columnsBefore = std::exchange(row.columns, {});
-        row.values.clear();
-    };
-    reader.forEachKey(group, [&](const QString &key, const QVariant &value) {
-        const qsizetype end = key.lastIndexOf(u'/');
-        if (end < 0 || key.count(u'/') != depth)
-            return;
-        const QStringView keyPath = QStringView(key).first(end);
-        if (keyPath != path || row.columns.isEmpty()) {
-            finish();
-            path = keyPath.toString();
-            row.groups = path.split(u'/');
-        }
-        // Nearly every row has the columns of the one before.
-        const QStringView column = QStringView(key).sliced(end + 1);
-        const qsizetype place = row.columns.size();
-        const bool isAsBefore = place < columnsBefore.size() && columnsBefore.at(place) == column;
-        row.columns.append(isAsBefore ? columnsBefore.at(place) : column.toString());
-        row.values.append(value);
-    });
-    finish();
-}
-
 } // namespace
 
 const DatabaseTextConverter::TableForm *DatabaseTextConverter::formOf(const QString &table)
@@ -143,7 +111,8 @@ bool DatabaseTextConverter::convertSqlToText()
 {
     if (!file_ || !store_)
         return false;
-    replaceNulls();
+    if (!std::exchange(nullsAreReplaced_, false))
+        replaceNulls();
     const QStringList tables = tableNames();
     writeFailed_ = tables.isEmpty();
     if (writeFailed_)
@@ -173,6 +142,7 @@ bool DatabaseTextConverter::writeTables(const QStringList &tables, QIODevice &de
         else
             qDebug().noquote() << "unhandled table" << table;
     }
+    pool_.clear();
     // A table that cannot be read is logged and left out, unless the reason is the file itself.
     return writer.flush() && !store_->context.statements.isDamaged();
 }
@@ -181,6 +151,7 @@ void DatabaseTextConverter::replaceNulls()
 {
     for (const QString &table : tableNames())
         replaceNulls(table);
+    nullsAreReplaced_ = true;
 }
 
 void DatabaseTextConverter::replaceNulls(const QString &table)
@@ -236,42 +207,85 @@ void DatabaseTextConverter::writeSettings(const QString &table, SettingsText::Wr
         writer.writeText(SettingsText::escapedKey(key), value);
 }
 
-void DatabaseTextConverter::writeRows(const QString &table, const TableForm &form, SettingsText::Writer &writer)
+/// What the rows of a table are in order of, as their paths are.
+QString DatabaseTextConverter::orderOf(const QString &table, const TableForm &form) const
+{
+    const bool isObjects = form.kind == Table::Objects;
+    if (isObjects || form.kind == Table::SubObjects) {
+        // Where all indices have four digits, their order is that of the numbers, which the table has as an index.
+        const QString test =
+            u"SELECT min(objectindex) >= 4096 AND max(objectindex) <= 65535 FROM %1"_s.arg(SqlText::identifier(table));
+        if (store_->context.statements.value({"orderOf", test}).toBool())
+            return isObjects ? u"objectindex"_s : u"objectindex, subindex || '/'"_s;
+    }
+    return u"rowpath || '/'"_s;
+}
+
+/// The columns of a table that stand in the text, and what a select makes of their values.
+QList<DatabaseTextConverter::TextColumn> DatabaseTextConverter::textColumnsOf(const QString &table,
+                                                                              const TableForm &form) const
 {
     const QStringList keyColumns = QString(form.key).split(u',');
-    QStringList expressions = {form.path + " AS rowpath"_L1};
-    QList<QByteArray> keys;
-    qsizetype metadataColumn = -1;
+    const bool hasTexts = form.kind != Table::Nodes && form.kind != Table::UDSSettings;
+    QList<TextColumn> columns;
     for (const ColumnInfo &column : columnsOf(store_->context.statements, table)) {
         const bool isHidden = form.kind == Table::SubObjects && TextScope::leavesOutOfSubindices(column.name);
         if (isHidden || (!form.keyIsWritten && keyColumns.contains(column.name)))
             continue;
-        const bool isText = form.kind != Table::Nodes && form.kind != Table::UDSSettings &&
-                            (column.name == "name"_L1 || (form.descriptionIsText && column.name == "description"_L1));
-        const QString name = SqlText::identifier(column.name);
-        if (column.name == "metadata"_L1)
-            metadataColumn = expressions.size();
-        expressions.append(isText ? u"(SELECT string FROM Strings WHERE id = t.%1)"_s.arg(name) : u"t."_s + name);
-        keys.append('\\' + SettingsText::escapedKey(column.name));
+        const bool isText =
+            hasTexts && (column.name == "name"_L1 || (form.descriptionIsText && column.name == "description"_L1));
+        columns.append({'\\' + SettingsText::escapedKey(column.name), u"t."_s + SqlText::identifier(column.name),
+                        column.name == "metadata"_L1 ? TextColumn::Bytes
+                        : isText                     ? TextColumn::Pooled
+                                                     : TextColumn::Plain});
     }
-    const Statement select = {"writeRows", u"SELECT %1 FROM %2 AS t ORDER BY rowpath || '/'"_s.arg(
-                                               expressions.join(", "_L1), SqlText::identifier(table))};
+    return columns;
+}
+
+void DatabaseTextConverter::writeRows(const QString &table, const TableForm &form, SettingsText::Writer &writer)
+{
+    const QList<TextColumn> columns = textColumnsOf(table, form);
+    QStringList expressions = {form.path + " AS rowpath"_L1};
+    for (const TextColumn &column : columns)
+        expressions.append(column.expression);
+    const Statement select = {"writeRows", u"SELECT %1 FROM %2 AS t ORDER BY %3"_s.arg(expressions.join(", "_L1),
+                                                                                       SqlText::identifier(table),
+                                                                                       orderOf(table, form))};
     std::ignore = store_->context.statements.visit(select, {}, [&](const ResultRow &row) {
         writer.setRow(SettingsText::escapedKey(row.text(0)));
-        for (int column = 1; column <= keys.size(); ++column) {
-            const QVariant value = row.value(column);
-            const QByteArray &key = keys.at(column - 1);
-            if (column == metadataColumn) {
-                const QByteArray bytes = value.toByteArray();
-                writer.writeBytes(key, bytes.isEmpty() ? "0"_ba : bytes);
-            } else if (value.typeId() == QMetaType::LongLong) {
-                writer.writeNumber(key, value.toLongLong());
-            } else {
-                writer.writeText(key, value.toString());
-            }
-        }
+        int place = 1;
+        for (const TextColumn &column : columns)
+            writeCell(column, row, place++, writer);
     });
     writer.setRow({});
+}
+
+void DatabaseTextConverter::writeCell(const TextColumn &column, const ResultRow &row, int place,
+                                      SettingsText::Writer &writer)
+{
+    if (column.kind == TextColumn::Pooled) {
+        writer.writeAsItStands(column.key, pooledText(row, place));
+    } else if (column.kind == TextColumn::Bytes) {
+        const QByteArray bytes = row.value(place).toByteArray();
+        writer.writeBytes(column.key, bytes.isEmpty() ? "0"_ba : bytes);
+    } else if (row.isInteger(place)) {
+        writer.writeNumber(column.key, row.number<qint64>(place));
+    } else if (const auto text = row.utf8(place); text && AsciiText::isAscii(*text)) {
+        writer.writeUtf8(column.key, *text);
+    } else {
+        writer.writeText(column.key, row.text(place));
+    }
+}
+
+/// A name or description as it stands in the text, by its id; most stand in several rows, and are escaped once.
+QByteArray DatabaseTextConverter::pooledText(const ResultRow &row, int place)
+{
+    if (pool_.isEmpty())
+        std::ignore = store_->context.statements.visit(
+            {"writeRows", u"SELECT id, string FROM Strings"_s}, {}, [this](const ResultRow &text) {
+                pool_.insert(text.number<qint64>(0), SettingsText::valueText(text.text(1)));
+            });
+    return row.isInteger(place) ? pool_.value(row.number<qint64>(place)) : QByteArray();
 }
 
 bool DatabaseTextConverter::convertTextToSql()
@@ -311,20 +325,21 @@ void DatabaseTextConverter::readLines(const SettingsText::Reader &reader)
 {
     QStringList known = columnNamesOf(store_->context.statements, u"Nodes"_s);
     known.removeAll(u"nodeId"_s);
-    forEachRow(reader, u"Nodes"_s, 1, [&](const TextRow &row) {
+    reader.forEachRow(u"Nodes"_s, 1, [&](const SettingsText::Row &row) {
+        const QString number = SettingsText::unescapedKey(row.path);
         bool ok = false;
-        const uint line = row.groups.first().toUInt(&ok);
+        const uint line = number.toUInt(&ok);
         if (!ok || line > 0xff) {
-            qDebug().noquote() << "no line" << row.groups.first();
+            qDebug().noquote() << "no line" << number;
             return;
         }
         StoreRecords::NodeData node;
         node.outputpath = u"C:/"_s;
         // A line or value that cannot be written is logged there and passed over.
         std::ignore = store_->lines.addNode(static_cast<quint8>(line), node, Quotes::Literal);
-        for (qsizetype i = 0; i < row.columns.size(); ++i) {
-            const QString &column = row.columns.at(i);
-            const QString text = row.values.at(i).toString();
+        for (std::size_t i = 0; i < row.columns.size(); ++i) {
+            const QString column = SettingsText::unescapedKey(row.columns[i]);
+            const QString text = SettingsText::valueOf(row.values[i]).toString();
             if (known.contains(column))
                 std::ignore = store_->lines.setNodeSqlValue(QString::number(line), column, text, Quotes::Kept);
             else
@@ -373,7 +388,7 @@ void DatabaseTextConverter::readObjects(const QString &group, const TableForm &f
 {
     const bool isSubObject = form.kind == Table::SubObjects;
     ObjectRowWriter writer(*store_, group);
-    forEachRow(reader, group, isSubObject ? 2 : 1, [&](const TextRow &row) { writer.writeRow(row); });
+    reader.forEachRow(group, isSubObject ? 2 : 1, [&writer](const SettingsText::Row &row) { writer.writeRow(row); });
 }
 
 void DatabaseTextConverter::readRows(const QString &group, const TableForm &form, const SettingsText::Reader &reader)
@@ -384,13 +399,13 @@ void DatabaseTextConverter::readRows(const QString &group, const TableForm &form
         return;
     }
     const QStringList keyColumns = QString(form.key).split(u',');
-    forEachRow(reader, group, keyColumns.size(), [&](const TextRow &row) {
+    reader.forEachRow(group, keyColumns.size(), [&](const SettingsText::Row &row) {
         QStringList columns;
         QVariantList values;
         bool allStorable = true;
-        for (qsizetype i = 0; i < row.columns.size(); ++i) {
-            const QString &column = row.columns.at(i);
-            const QString value = row.values.at(i).toString();
+        for (std::size_t i = 0; i < row.columns.size(); ++i) {
+            const QString column = SettingsText::unescapedKey(row.columns[i]);
+            const QString value = SettingsText::valueOf(row.values[i]).toString();
             if (!known.contains(column, Qt::CaseInsensitive)) {
                 qDebug().noquote() << "no column of" << group << column;
                 continue;
@@ -400,15 +415,16 @@ void DatabaseTextConverter::readRows(const QString &group, const TableForm &form
             values.append(isText ? QVariant(store_->context.strings.idOf(value)) : QVariant(value));
             allStorable = allStorable && (isText || LiteralText::stored(value, Quotes::Kept));
         }
+        const QStringList groups = SettingsText::unescapedKey(row.path).split(u'/');
         for (qsizetype i = 0; i < keyColumns.size(); ++i) {
             if (!columns.contains(keyColumns.at(i), Qt::CaseInsensitive)) {
                 columns.append(keyColumns.at(i));
-                values.append(row.groups.at(i).section(u'_', 0, 0));
+                values.append(groups.at(i).section(u'_', 0, 0));
             }
         }
         const QString statement = u"INSERT OR REPLACE INTO %1 (%2) VALUES (%3)"_s.arg(group, columns.join(", "_L1),
                                                                                       SqlText::places(values.size()));
         if (!allStorable || !execute("failed:", statement, values))
-            qDebug().noquote() << "Line:" << row.groups.join(u'/');
+            qDebug().noquote() << "Line:" << groups.join(u'/');
     });
 }

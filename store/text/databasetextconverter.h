@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QObject>
 #include <QString>
 #include <QVariant>
@@ -7,6 +8,7 @@
 #include <optional>
 
 class QIODevice;
+class ResultRow;
 struct ProjectTables;
 namespace SettingsText {
 class Reader;
@@ -41,8 +43,8 @@ public:
     /// Makes every NULL of a number or text column 0 or empty in the database, as it stands in the text.
     void replaceNulls();
     /// Writes the project, replacing the file as a whole or, where that fails, not at all (which is logged). Only in a
-    /// folder that takes no new files it is written over. NULLs are replaced in the database first. False only if no
-    /// file has been set.
+    /// folder that takes no new files it is written over. NULLs are replaced in the database first, unless that has
+    /// just been done. False only if no file has been set.
     bool convertSqlToText();
     /// True if the last conversion to text could not write its file.
     bool writeFailed() const { return writeFailed_; }
@@ -54,6 +56,17 @@ private:
     enum class Table;
     struct TableForm;
     static const TableForm *formOf(const QString &table);
+    struct TextColumn
+    {
+        QByteArray key;     ///< escaped, behind that of the row
+        QString expression; ///< on the row "t"
+        enum
+        {
+            Plain,
+            Pooled, ///< the id of a text
+            Bytes
+        } kind;
+    };
 
     QStringList tableNames() const;
     void replaceNulls(const QString &table);
@@ -61,6 +74,10 @@ private:
     void writeTable(const QString &table, const TableForm &form, SettingsText::Writer &writer);
     void writeSettings(const QString &table, SettingsText::Writer &writer);
     void writeRows(const QString &table, const TableForm &form, SettingsText::Writer &writer);
+    QString orderOf(const QString &table, const TableForm &form) const;
+    QList<TextColumn> textColumnsOf(const QString &table, const TableForm &form) const;
+    void writeCell(const TextColumn &column, const ResultRow &row, int place, SettingsText::Writer &writer);
+    QByteArray pooledText(const ResultRow &row, int place);
 
     [[nodiscard]] bool execute(const char *operation, const QString &text, const QVariantList &values = {});
     void readGroup(const QString &group, const SettingsText::Reader &reader);
@@ -71,6 +88,8 @@ private:
     void readRows(const QString &group, const TableForm &form, const SettingsText::Reader &reader);
 
     bool writeFailed_ = false;
+    bool nullsAreReplaced_ = false; ///< since the last conversion
     ProjectTables *store_ = nullptr;
     std::optional<QString> file_;
+    QHash<qint64, QByteArray> pool_; ///< the texts of the project as they stand in the file, while it is written
 };

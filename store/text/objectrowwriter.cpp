@@ -2,10 +2,10 @@
 
 #include "store/tables/metadatablob.h"
 #include "store/tables/projecttables.h"
+#include "texttools/asciitext.h"
 
 #include <QDebug>
 #include <QRegularExpression>
-#include <QVarLengthArray>
 
 #include <algorithm>
 #include <tuple>
@@ -26,9 +26,23 @@ std::optional<uint> numberOf(const QString &text)
     return ok && text.front().isDigit() ? std::optional(number) : std::nullopt;
 }
 
+std::optional<uint> numberOf(QByteArrayView escaped)
+{
+    const auto plain = AsciiText::plainNumber(escaped);
+    return plain ? plain : numberOf(SettingsText::unescapedKey(escaped));
+}
+
 bool isPooled(const QString &column)
 {
     return column == "name"_L1 || column == "description"_L1;
+}
+
+/// True for a text that `QString::simplified` leaves alone.
+bool isSimplified(QByteArrayView text)
+{
+    const auto pair =
+        std::ranges::adjacent_find(text, [](char left, char right) { return left == ' ' && right == ' '; });
+    return pair == text.end() && !text.startsWith(' ') && !text.endsWith(' ');
 }
 
 std::optional<LineTable> familyOf(const QString &table)
@@ -52,6 +66,19 @@ ObjectRowWriter::ObjectRowWriter(ProjectTables &tables, QString table)
         keyColumns_.append(u"subindex"_s);
 }
 
+template <class Part>
+std::optional<QVariantList> ObjectRowWriter::keyOf(const QList<Part> &groups) const
+{
+    QVariantList key;
+    for (const Part &group : groups) {
+        const std::optional<uint> number = numberOf(group);
+        if (!number)
+            return std::nullopt;
+        key.append(*number);
+    }
+    return family_ && key.size() == keyColumns_.size() ? std::optional(key) : std::nullopt;
+}
+
 void ObjectRowWriter::writeValue(const QStringList &groups, const QString &column, const QVariant &value, Quotes quotes)
 {
     if (!value.isValid())
@@ -65,60 +92,127 @@ void ObjectRowWriter::writeValue(const QStringList &groups, const QString &colum
         return;
     const std::optional<QVariant> text = stored(column, value, quotes);
     // The row is made for a value that cannot be stored, too.
-    if ((exists(*key) || insertRow({}, {}, *key)) && text)
+    if ((exists(*key) || run(insertion({}), *key)) && text)
         run(u"update %1 set %2 = ? where %3"_s.arg(table_, column, condition()), QVariantList{*text} + *key);
 }
 
-void ObjectRowWriter::writeRow(const TextRow &row)
+void ObjectRowWriter::writeRow(const SettingsText::Row &row)
 {
     if (tables_.context.blocked)
         return;
-    const std::optional<QVariantList> key = keyOf(row.groups);
-    if (key && isPlain(row.columns) && !exists(*key)) {
-        insertWhole(row, *key);
-    } else {
-        for (qsizetype i = 0; i < row.columns.size(); ++i)
-            writeValue(row.groups, row.columns.at(i), row.values.at(i), Quotes::Kept);
+    const QList<QByteArrayView> parts = SettingsText::partsOf(row.path);
+    const std::optional<QVariantList> key = keyOf(parts);
+    if (key && takeColumns(row.columns) && isNew(*key) && takeValues(row.values)) {
+        insertTaken(*key);
+        return;
     }
+    QStringList groups;
+    for (const QByteArrayView part : parts)
+        groups.append(SettingsText::unescapedKey(part));
+    for (std::size_t i = 0; i < row.columns.size(); ++i)
+        writeValue(groups, SettingsText::unescapedKey(row.columns[i]), SettingsText::valueOf(row.values[i]),
+                   Quotes::Kept);
 }
 
-void ObjectRowWriter::insertWhole(const TextRow &row, const QVariantList &key)
+/// True for the first row of a key in a table that was empty before; else the table has to tell.
+bool ObjectRowWriter::isNew(const QVariantList &key)
 {
-    QVariantList values;
-    QVarLengthArray<qsizetype, 4> later;
-    bool anyValue = false;
-    for (qsizetype i = 0; i < row.columns.size(); ++i) {
-        const QString &column = row.columns.at(i);
-        const QVariant &value = row.values.at(i);
-        values.append(blankValue(column));
-        if (isAttributes(column, value)) {
-            // Attributes only reach a row that exists; one of which they are the first key does not yet.
-            if (anyValue)
-                later.append(i);
-            else
-                writeAttributes(key, column, value);
-        } else if (value.isValid()) {
-            anyValue = true;
-            if (const std::optional<QVariant> text = stored(column, value, Quotes::Kept))
-                values.last() = *text;
-        }
-    }
-    if (anyValue)
-        insertRow(row.columns, values, key);
-    for (const qsizetype i : later)
-        writeAttributes(key, row.columns.at(i), row.values.at(i));
+    if (!startedEmpty_)
+        startedEmpty_ = !tables_.context.statements.hasRow({operation, u"select 1 from %1"_s.arg(table_)});
+    constexpr uint mostIndices = 0x10000;
+    constexpr uint mostSubindices = 0x100;
+    const uint index = key.first().toUInt();
+    const uint sub = family_ == LineTable::SubObjects ? key.last().toUInt() : 0;
+    if (!*startedEmpty_ || index >= mostIndices || sub >= mostSubindices)
+        return !exists(key);
+    seen_.resize(std::size_t{mostIndices} * mostSubindices);
+    auto seen = seen_[std::size_t{index} * mostSubindices + sub];
+    const bool isFirst = !seen;
+    seen = true;
+    return isFirst;
 }
 
-std::optional<QVariantList> ObjectRowWriter::keyOf(const QStringList &groups) const
+/// Prepares for rows of these columns; false if they are not all written at once: a row cannot be given another key,
+/// and what is no column is to be told.
+bool ObjectRowWriter::takeColumns(const std::vector<QByteArrayView> &columns)
 {
-    QVariantList key;
-    for (const QString &group : groups) {
-        const std::optional<uint> number = numberOf(group);
-        if (!number)
-            return std::nullopt;
-        key.append(*number);
+    if (std::ranges::equal(columns, columns_))
+        return insertion_.has_value();
+    columns_.clear();
+    QStringList names;
+    for (const QByteArrayView column : columns) {
+        columns_.push_back(column.toByteArray());
+        names.append(SettingsText::unescapedKey(column));
     }
-    return family_ && key.size() == keyColumns_.size() ? std::optional(key) : std::nullopt;
+    kinds_.clear();
+    insertion_.reset();
+    if (!isPlain(names))
+        return false;
+    const QStringList numbers = ProjectSchema::numberColumns(*family_);
+    for (const QString &name : std::as_const(names))
+        kinds_.push_back(isPooled(name)           ? Kind::Pooled
+                         : name == "metadata"_L1  ? Kind::Attributes
+                         : numbers.contains(name) ? Kind::Number
+                                                  : Kind::Text);
+    insertion_.emplace(tables_.context.statements,
+                       Statement{operation, insertion(names), Statement::Effect::Subindices});
+    return true;
+}
+
+/// Reads the values of a row; false if they have to be written one by one.
+bool ObjectRowWriter::takeValues(const std::vector<QByteArrayView> &values)
+{
+    cells_.resize(values.size());
+    attributes_.clear();
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (!takeValue(i, values[i]))
+            return false;
+    }
+    return true;
+}
+
+bool ObjectRowWriter::takeValue(std::size_t place, QByteArrayView value)
+{
+    Cell &cell = cells_[place];
+    cell.plain = SettingsText::plainValue(value);
+    const Kind kind = kinds_[place];
+    constexpr qsizetype longestWithoutAttributes = 3;
+    const bool isShort = kind != Kind::Attributes || (cell.plain && cell.plain->size() <= longestWithoutAttributes);
+    if (cell.plain && isShort && (kind == Kind::Pooled || isSimplified(*cell.plain)))
+        return true;
+    const QVariant whole = SettingsText::valueOf(value);
+    cell.plain.reset();
+    cell.text = kind == Kind::Pooled ? whole.toString() : whole.toString().simplified();
+    if (kind == Kind::Attributes && isAttributes(u"metadata"_s, whole)) {
+        // They only reach a row that exists; one of which they are the first key does not yet.
+        attributes_ = whole.toByteArray();
+        return place > 0;
+    }
+    return whole.isValid() && (kind == Kind::Pooled || LiteralText::stored(cell.text, Quotes::Kept));
+}
+
+void ObjectRowWriter::insertTaken(const QVariantList &key)
+{
+    for (std::size_t i = 0; i < cells_.size(); ++i) {
+        const Cell &cell = cells_[i];
+        if (kinds_[i] == Kind::Pooled)
+            insertion_->bind(
+                qint64{tables_.context.strings.idOf(cell.plain ? AsciiText::shared(*cell.plain) : cell.text)});
+        else if (kinds_[i] == Kind::Attributes && !attributes_.isEmpty())
+            family_ == LineTable::SubObjects ? insertion_->bindNull() : insertion_->bind(0);
+        else if (!cell.plain)
+            insertion_->bind(cell.text);
+        else if (const auto number = AsciiText::plainNumber(*cell.plain);
+                 kinds_[i] == Kind::Number && number && !cell.plain->startsWith("0x"))
+            insertion_->bind(qint64{*number});
+        else
+            insertion_->bindUtf8(*cell.plain);
+    }
+    for (const QVariant &part : key)
+        insertion_->bind(part.toLongLong());
+    std::ignore = insertion_->execute();
+    if (!attributes_.isEmpty())
+        writeAttributes(key, u"metadata"_s, attributes_);
 }
 
 /// True if all are columns of the table and none is of its key: a row cannot be given another key and written at once.
@@ -146,11 +240,9 @@ QVariant ObjectRowWriter::blankValue(const QString &column) const
     return family_ == LineTable::SubObjects && !neverNull.contains(column) ? QVariant() : QVariant(0);
 }
 
-/// Makes the statement that inserts a row with these columns; the next row mostly has the same.
-QString ObjectRowWriter::insertion(const QStringList &columns)
+/// The statement that inserts a row with these columns; their values are bound first, then the key.
+QString ObjectRowWriter::insertion(const QStringList &columns) const
 {
-    if (columns == columns_ && !insertion_.isEmpty())
-        return insertion_;
     QStringList names = columns + keyColumns_;
     QStringList values(names.size(), u"?"_s);
     for (const QString &column : ProjectSchema::columnNames(*family_)) {
@@ -159,14 +251,7 @@ QString ObjectRowWriter::insertion(const QStringList &columns)
             values.append(blank.toString());
         }
     }
-    columns_ = columns;
-    insertion_ = u"insert into %1 (%2) values(%3)"_s.arg(table_, names.join(u','), values.join(u','));
-    return insertion_;
-}
-
-bool ObjectRowWriter::insertRow(const QStringList &columns, const QVariantList &values, const QVariantList &key)
-{
-    return run(insertion(columns), values + key);
+    return u"insert into %1 (%2) values(%3)"_s.arg(table_, names.join(u','), values.join(u','));
 }
 
 bool ObjectRowWriter::run(const QString &text, const QVariantList &values)

@@ -1,22 +1,17 @@
 #pragma once
 
+#include "store/statements/boundstatement.h"
 #include "store/statements/literaltext.h"
 #include "store/tables/schema.h"
+#include "texttools/settingstext.h"
 
 #include <QStringList>
 #include <QVariant>
 
 #include <optional>
+#include <vector>
 
 struct ProjectTables;
-
-/// One row of a group as it stands in the text form of a project.
-struct TextRow
-{
-    QStringList groups; ///< the row's path below its table
-    QStringList columns;
-    QVariantList values; ///< of the columns
-};
 
 /// Writes `Objects%1` and `SubObjects%1` as the text form of a project tells them. Values have their white space
 /// simplified; names and descriptions go to the pool. A row that is missing is made, with 0 in its other columns or, in
@@ -29,17 +24,37 @@ public:
     /// One value; nothing for an invalid one. A failure is logged.
     void writeValue(const QStringList &groups, const QString &column, const QVariant &value, Quotes quotes);
     /// A whole row, with quotes kept: one statement where it is new, with the outcome of its values one by one.
-    void writeRow(const TextRow &row);
+    void writeRow(const SettingsText::Row &row);
 
 private:
-    std::optional<QVariantList> keyOf(const QStringList &groups) const;
+    /// How the values of a column are stored.
+    enum class Kind : quint8
+    {
+        Text,
+        Number,
+        Pooled,
+        Attributes
+    };
+    /// A value on its way into a row.
+    struct Cell
+    {
+        std::optional<QByteArrayView> plain; ///< ASCII that is stored as it is
+        QString text;                        ///< else
+    };
+
+    /// From the parts of a path, as texts or as they stand in a file.
+    template <class Part>
+    std::optional<QVariantList> keyOf(const QList<Part> &groups) const;
+    bool isNew(const QVariantList &key);
     bool isPlain(const QStringList &columns) const;
+    bool takeColumns(const std::vector<QByteArrayView> &columns);
+    bool takeValues(const std::vector<QByteArrayView> &values);
+    bool takeValue(std::size_t place, QByteArrayView value);
     QString condition() const;
     bool exists(const QVariantList &key) const;
     QVariant blankValue(const QString &column) const;
-    QString insertion(const QStringList &columns);
-    bool insertRow(const QStringList &columns, const QVariantList &values, const QVariantList &key);
-    void insertWhole(const TextRow &row, const QVariantList &key);
+    QString insertion(const QStringList &columns) const;
+    void insertTaken(const QVariantList &key);
     bool run(const QString &text, const QVariantList &values);
     static bool isAttributes(const QString &column, const QVariant &value);
     bool writeAttributes(const QVariantList &key, const QString &column, const QVariant &value);
@@ -49,6 +64,13 @@ private:
     QString table_;
     std::optional<ProjectSchema::LineTable> family_; ///< none for a table of another kind
     QStringList keyColumns_;
-    QStringList columns_; ///< of the last insertion
-    QString insertion_;   ///< its statement
+
+    // Of the last row; the next one mostly has the same columns.
+    std::vector<QByteArray> columns_;
+    std::vector<Kind> kinds_;
+    std::vector<Cell> cells_;
+    QByteArray attributes_;
+    std::optional<BoundStatement> insertion_; ///< none for columns that are not written at once
+    std::optional<bool> startedEmpty_;        ///< the table
+    std::vector<bool> seen_;                  ///< by the number of a key: rows since
 };

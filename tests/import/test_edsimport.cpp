@@ -8,6 +8,10 @@
 
 #include <QFileInfo>
 #include <QStringEncoder>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <atomic>
 
 using namespace Qt::StringLiterals;
 using namespace TestSupport;
@@ -31,6 +35,29 @@ TEST_P(EdsCases, MakeTheirProject)
 
 INSTANTIATE_TEST_SUITE_P(Import, EdsCases, testing::ValuesIn(fileCases(u"import"_s, {u"*.eds"_s, u"*.dcf"_s})),
                          caseName);
+
+// One importer for several files: each import tells of its own file alone, and leaves the gate open behind it.
+TEST(EdsImport, OneImporterTakesOneFileAfterTheOther)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"device.eds"_s);
+    ASSERT_TRUE(TestSupport::writeFile(path, "[2000]\nParameterName=a\nDataType=5\n[0500]\nParameterName=b\n"));
+    const auto store = emptyProject();
+    EDSImporter importer;
+    const QString first = ImportTest::run(importer, store, path);
+    EXPECT_TRUE(first.contains("0x0500"_L1)) << first.toStdString();
+    EXPECT_EQ(ImportTest::run(importer, store, path), first);
+    EXPECT_TRUE(store->indexExists(0, 0x2000));
+
+    // A store that a job has blocked is taken over by an import, and is free for everybody afterwards.
+    store->setBlocked(true);
+    ImportTest::run(importer, store, path);
+    EXPECT_FALSE(store->isBlocked());
+    std::atomic<bool> isRead = false;
+    const std::unique_ptr<QThread> reader(QThread::create([&] { isRead = store->indexExists(0, 0x2000); }));
+    reader->start();
+    EXPECT_TRUE(reader->wait(5000) && isRead);
+}
 
 // The same text in every encoding and with every line ending makes the same project.
 TEST(EdsImport, EncodingsAndLineEndings)

@@ -232,6 +232,59 @@ TEST_F(TextForm, ReaderTakesGarbage)
     EXPECT_FALSE(reader.open(u"/dev/zero"_s));
 }
 
+TEST_F(TextForm, ReaderTellsGroupsInOrderAndTheLastOfAKey)
+{
+    const QByteArray text = "[b]\nz=1\nk\\x=1\n[C]\n[d]\nx=1\n[a]\nx=1\n[b]\nk\\x=2\na=1\n[\xc3\xa4]\nx=1\n";
+    EXPECT_EQ(groupsOf(text), (QStringList{u"a"_s, u"b"_s, u"d"_s, u"ä"_s}));
+    EXPECT_EQ(entriesOf(text).filter(u"b/"_s), (QStringList{u"b/a=text 1"_s, u"b/k/x=text 2"_s, u"b/z=text 1"_s}));
+}
+
+// A file as a save writes it and the same with its keys in another order and spelling are read in different ways.
+TEST_F(TextForm, RowsAreTheSameInAnyOrderAndSpellingOfTheirKeys)
+{
+    const auto rowsOfText = [](const QByteArray &text) {
+        Reader reader;
+        reader.setContent(text);
+        QByteArrayList rows;
+        reader.forEachRow(u"t"_s, 1, [&rows](const SettingsText::Row &row) {
+            rows.append('<' + row.path.toByteArray());
+            for (std::size_t i = 0; i < row.columns.size(); ++i)
+                rows.append(row.columns[i].toByteArray() + '=' + row.values[i].toByteArray());
+        });
+        return rows.join(' ');
+    };
+    const QByteArray expected = "<1 a=x b=\"y;\" <2 %E4=z a=w";
+    EXPECT_EQ(rowsOfText("[t]\n1\\a=x\n1\\b=\"y;\"\n2\\%E4=z\n2\\a=w\ndeep\\er\\a=1\nflat=1\n"), expected);
+    EXPECT_EQ(rowsOfText("[t]\n2\\a=v\n1\\b=\"y;\"\nflat=1\n%31\\a=x\n2\\%e4=z\n[u]\na=1\n[t]\n2\\a=w\n"), expected);
+    EXPECT_EQ(rowsOfText("[t]\n1\\a=x\n1\\b=y\n1\\c\\d=1\n1\\e=z\n"), "<1 a=x b=y e=z");
+}
+
+TEST_F(TextForm, WriterRemembersAFailure)
+{
+    class Device : public QBuffer
+    {
+    public:
+        bool isFull = true;
+
+    protected:
+        qint64 writeData(const char *data, qint64 size) override
+        {
+            return isFull ? -1 : QBuffer::writeData(data, size);
+        }
+    };
+    Device device;
+    device.open(QIODevice::WriteOnly);
+    Writer writer(device);
+    writer.setSection(u"empty"_s);
+    writer.setSection(u"a"_s);
+    writer.writeText("k", u"v"_s);
+    EXPECT_FALSE(writer.flush());
+    device.isFull = false;
+    writer.writeText("l", u"w"_s);
+    EXPECT_FALSE(writer.flush());
+    EXPECT_EQ(device.data(), "l=w\n");
+}
+
 TEST_F(TextForm, RowsAreWrittenWithTheOutcomeOfSingleValues)
 {
     const QStringList columns = u"name datatype accesstype defaultvalue metadata description size implementation Name "
