@@ -4,6 +4,7 @@
 #include <QMutex>
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -27,6 +28,13 @@ void appendToLog(QtMsgType type, const QMessageLogContext &context, const QStrin
 }
 
 } // namespace
+
+void ProcessStart::shareOneHeap()
+{
+#ifdef M_ARENA_MAX
+    mallopt(M_ARENA_MAX, 1);
+#endif
+}
 
 void ProcessStart::fillStandardStreams()
 {

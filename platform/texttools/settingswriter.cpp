@@ -62,7 +62,7 @@ constexpr std::array<quint8, 256> needs = [] {
     return table;
 }();
 
-/// Copies a text that needs no escapes, which nearly none does; false for any other.
+/// Copies a text that needs no escapes, as nearly none does; false for any other.
 bool appendPlain(std::string &out, QByteArrayView utf8)
 {
     if (utf8.startsWith('@'))
@@ -78,6 +78,13 @@ bool appendPlain(std::string &out, QByteArrayView utf8)
     if (need & TextQuotes)
         out += '"';
     return true;
+}
+
+/// The same for a text. One that is no valid UTF-16 needs the encoder's way with it.
+bool appendPlain(std::string &out, const QString &text)
+{
+    const bool isAscii = std::ranges::all_of(text, [](QChar ch) { return ch.unicode() < 0x80; });
+    return isAscii && appendPlain(out, text.toLatin1());
 }
 
 void appendHexadecimal(std::string &out, char16_t ch)
@@ -161,7 +168,7 @@ QByteArray escapedKey(QStringView key)
 QByteArray valueText(const QString &text)
 {
     std::string out;
-    if (!appendPlain(out, text.toUtf8()))
+    if (!appendPlain(out, text))
         appendText(out, text);
     return QByteArray::fromStdString(out);
 }
@@ -205,7 +212,7 @@ void Writer::endKey()
 void Writer::writeText(QByteArrayView escapedKey, const QString &value)
 {
     beginKey(escapedKey);
-    if (!appendPlain(buffer_, value.toUtf8()))
+    if (!appendPlain(buffer_, value))
         appendText(buffer_, value);
     endKey();
 }

@@ -101,8 +101,6 @@ void StringPool::reload()
         const QString text = row.text(1);
         texts_.insert(id, text);
         ids_.insert(text, id);
-        if (hasARowPerInterning(text) && !firstQuoted_.contains(text))
-            firstQuoted_.insert(text, id);
     });
 }
 

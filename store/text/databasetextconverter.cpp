@@ -2,6 +2,7 @@
 
 #include "store/tables/projecttables.h"
 #include "store/text/objectrowwriter.h"
+#include "store/text/tableform.h"
 #include "store/text/textscope.h"
 #include "texttools/asciitext.h"
 #include "texttools/settingstext.h"
@@ -17,88 +18,6 @@
 #include <utility>
 
 using namespace Qt::StringLiterals;
-
-enum class DatabaseTextConverter::Table
-{
-    DescriptionSettings,
-    GeneralSettings,
-    MiscSettings,
-    SubObjects,
-    Objects,
-    Nodes,
-    PGNs,
-    SPNs,
-    J1939Settings,
-    UDSSettings
-};
-
-/// How a family of tables stands in the text.
-struct DatabaseTextConverter::TableForm
-{
-    Table kind;
-    QLatin1StringView word; ///< what the names of the tables hold
-    QLatin1StringView path; ///< the groups of a row, as an expression on its columns; empty for a table of settings
-    QLatin1StringView key;  ///< columns whose values the groups tell, joined by ","
-    bool keyIsWritten;      ///< the key columns stand among the row's keys as well
-    bool descriptionIsText; ///< like the name, "description" stands as its text instead of its id
-};
-
-namespace {
-
-struct ColumnInfo
-{
-    QString name;
-    QString type;
-};
-
-/// The columns of a table in the order of their names.
-QList<ColumnInfo> columnsOf(Statements &statements, const QString &table)
-{
-    QList<ColumnInfo> columns = statements.list({"columnsOf", u"SELECT name, type FROM PRAGMA_TABLE_INFO(?)"_s},
-                                                {table}, [](const ResultRow &row) {
-                                                    return ColumnInfo{row.text(0), row.text(1)};
-                                                });
-    std::sort(columns.begin(), columns.end(),
-              [](const ColumnInfo &left, const ColumnInfo &right) { return left.name < right.name; });
-    return columns;
-}
-
-QStringList columnNamesOf(Statements &statements, const QString &table)
-{
-    QStringList names;
-    for (const ColumnInfo &column : columnsOf(statements, table))
-        names.append(column.name);
-    return names;
-}
-
-} // namespace
-
-const DatabaseTextConverter::TableForm *DatabaseTextConverter::formOf(const QString &table)
-{
-    // The first family that fits is a table's own; of two rows with one number the second gets a path of its own.
-    static constexpr TableForm forms[] = {
-        {Table::DescriptionSettings, "DescriptionSettings"_L1, {}, {}, false, false},
-        {Table::GeneralSettings, "GeneralSettings"_L1, {}, {}, false, false},
-        {Table::MiscSettings, "MiscSettings"_L1, {}, {}, false, false},
-        {Table::SubObjects, "SubObjects"_L1, "printf('0x%x/%d', objectindex, subindex)"_L1, "objectindex,subindex"_L1,
-         false, true},
-        {Table::Objects, "Objects"_L1, "printf('0x%x', objectindex)"_L1, "objectindex"_L1, false, true},
-        {Table::Nodes, "Nodes"_L1, "nodeId"_L1, "nodeId"_L1, false, false},
-        {Table::PGNs, "PGNs"_L1,
-         "number || CASE row_number() OVER (PARTITION BY number ORDER BY rowid) WHEN 1 THEN '' ELSE '_' || "
-         "row_number() OVER (PARTITION BY number ORDER BY rowid) END"_L1,
-         "number"_L1, true, false},
-        {Table::SPNs, "SPNs"_L1,
-         "pgnnumber || '/' || spnnumber || CASE row_number() OVER (PARTITION BY pgnnumber, spnnumber ORDER BY rowid) "
-         "WHEN 1 THEN '' ELSE '_' || row_number() OVER (PARTITION BY pgnnumber, spnnumber ORDER BY rowid) END"_L1,
-         "pgnnumber,spnnumber"_L1, true, false},
-        {Table::J1939Settings, "J1939Settings"_L1, {}, {}, false, false},
-        {Table::UDSSettings, "UDSSettings"_L1, "sid"_L1, "sid"_L1, true, false},
-    };
-    const auto *const form = std::find_if(std::begin(forms), std::end(forms),
-                                          [&](const TableForm &candidate) { return table.contains(candidate.word); });
-    return form == std::end(forms) ? nullptr : form;
-}
 
 QStringList DatabaseTextConverter::tableNames() const
 {
@@ -137,7 +56,7 @@ bool DatabaseTextConverter::writeTables(const QStringList &tables, QIODevice &de
     for (const QString &table : tables) {
         if (scope.leavesOut(table))
             qDebug().noquote() << "Ignored table " << table;
-        else if (const TableForm *form = formOf(table))
+        else if (const TableForm *form = TableForm::of(table))
             writeTable(table, *form, writer);
         else
             qDebug().noquote() << "unhandled table" << table;
@@ -210,8 +129,8 @@ void DatabaseTextConverter::writeSettings(const QString &table, SettingsText::Wr
 /// What the rows of a table are in order of, as their paths are.
 QString DatabaseTextConverter::orderOf(const QString &table, const TableForm &form) const
 {
-    const bool isObjects = form.kind == Table::Objects;
-    if (isObjects || form.kind == Table::SubObjects) {
+    const bool isObjects = form.kind == TableForm::Table::Objects;
+    if (isObjects || form.kind == TableForm::Table::SubObjects) {
         // Where all indices have four digits, their order is that of the numbers, which the table has as an index.
         const QString test =
             u"SELECT min(objectindex) >= 4096 AND max(objectindex) <= 65535 FROM %1"_s.arg(SqlText::identifier(table));
@@ -226,10 +145,11 @@ QList<DatabaseTextConverter::TextColumn> DatabaseTextConverter::textColumnsOf(co
                                                                               const TableForm &form) const
 {
     const QStringList keyColumns = QString(form.key).split(u',');
-    const bool hasTexts = form.kind != Table::Nodes && form.kind != Table::UDSSettings;
+    const bool hasTexts = form.kind != TableForm::Table::Nodes && form.kind != TableForm::Table::UDSSettings;
     QList<TextColumn> columns;
     for (const ColumnInfo &column : columnsOf(store_->context.statements, table)) {
-        const bool isHidden = form.kind == Table::SubObjects && TextScope::leavesOutOfSubindices(column.name);
+        const bool isHidden =
+            form.kind == TableForm::Table::SubObjects && TextScope::leavesOutOfSubindices(column.name);
         if (isHidden || (!form.keyIsWritten && keyColumns.contains(column.name)))
             continue;
         const bool isText =
@@ -266,8 +186,12 @@ void DatabaseTextConverter::writeCell(const TextColumn &column, const ResultRow 
     if (column.kind == TextColumn::Pooled) {
         writer.writeAsItStands(column.key, pooledText(row, place));
     } else if (column.kind == TextColumn::Bytes) {
-        const QByteArray bytes = row.value(place).toByteArray();
-        writer.writeBytes(column.key, bytes.isEmpty() ? "0"_ba : bytes);
+        const bool isNone = row.isInteger(place) ? row.number<qint64>(place) == 0 : row.utf8(place) == "0"_ba;
+        const QByteArray bytes = isNone ? QByteArray() : row.value(place).toByteArray();
+        if (bytes.isEmpty())
+            writer.writeAsItStands(column.key, "@ByteArray(0)");
+        else
+            writer.writeBytes(column.key, bytes);
     } else if (row.isInteger(place)) {
         writer.writeNumber(column.key, row.number<qint64>(place));
     } else if (const auto text = row.utf8(place); text && AsciiText::isAscii(*text)) {
@@ -295,7 +219,8 @@ bool DatabaseTextConverter::convertTextToSql()
         return false;
     QStringList groups = reader.groups();
     // A file that names no table of ours is another file, whatever brackets it holds.
-    if (std::none_of(groups.begin(), groups.end(), [](const QString &group) { return formOf(group) != nullptr; }))
+    if (std::none_of(groups.begin(), groups.end(),
+                     [](const QString &group) { return TableForm::of(group) != nullptr; }))
         return false;
     // The other tables of a line exist once the line does.
     if (groups.removeAll(u"Nodes"_s) > 0)
@@ -310,12 +235,12 @@ bool DatabaseTextConverter::convertTextToSql()
 void DatabaseTextConverter::readGroup(const QString &group, const SettingsText::Reader &reader)
 {
     static const QRegularExpression tableName(u"^\\w+$"_s);
-    const TableForm *form = formOf(group);
-    if (!form || form->kind == Table::Nodes || !tableName.match(group).hasMatch())
+    const TableForm *form = TableForm::of(group);
+    if (!form || form->kind == TableForm::Table::Nodes || !tableName.match(group).hasMatch())
         qDebug().noquote() << "unhandled group" << group;
     else if (form->path.isEmpty())
         readSettings(group, form->kind, reader);
-    else if (form->kind == Table::Objects || form->kind == Table::SubObjects)
+    else if (form->kind == TableForm::Table::Objects || form->kind == TableForm::Table::SubObjects)
         readObjects(group, *form, reader);
     else
         readRows(group, *form, reader);
@@ -360,18 +285,19 @@ void DatabaseTextConverter::addLinesOf(const QStringList &groups)
     }
 }
 
-void DatabaseTextConverter::readSettings(const QString &group, Table kind, const SettingsText::Reader &reader)
+void DatabaseTextConverter::readSettings(const QString &group, TableForm::Table kind,
+                                         const SettingsText::Reader &reader)
 {
     // A key of another line than 0 has its line's suffix already.
-    if (kind == Table::DescriptionSettings)
+    if (kind == TableForm::Table::DescriptionSettings)
         store_->settings.setCurrentLine(0);
     const auto set = [&](const QString &key, const QString &text) {
         switch (kind) {
-        case Table::DescriptionSettings:
+        case TableForm::Table::DescriptionSettings:
             return store_->settings.setDescriptionSetting(key, text);
-        case Table::GeneralSettings:
+        case TableForm::Table::GeneralSettings:
             return store_->settings.setGeneralSetting(key, text, Quotes::Kept);
-        case Table::MiscSettings:
+        case TableForm::Table::MiscSettings:
             return store_->settings.setMiscSetting(key, text);
         default:
             return store_->settings.setJ1939Setting(key, text);
@@ -386,7 +312,7 @@ void DatabaseTextConverter::readSettings(const QString &group, Table kind, const
 
 void DatabaseTextConverter::readObjects(const QString &group, const TableForm &form, const SettingsText::Reader &reader)
 {
-    const bool isSubObject = form.kind == Table::SubObjects;
+    const bool isSubObject = form.kind == TableForm::Table::SubObjects;
     ObjectRowWriter writer(*store_, group);
     reader.forEachRow(group, isSubObject ? 2 : 1, [&writer](const SettingsText::Row &row) { writer.writeRow(row); });
 }
@@ -411,7 +337,7 @@ void DatabaseTextConverter::readRows(const QString &group, const TableForm &form
                 continue;
             }
             columns.append(column);
-            const bool isText = column == "name"_L1 && form.kind != Table::UDSSettings;
+            const bool isText = column == "name"_L1 && form.kind != TableForm::Table::UDSSettings;
             values.append(isText ? QVariant(store_->context.strings.idOf(value)) : QVariant(value));
             allStorable = allStorable && (isText || LiteralText::stored(value, Quotes::Kept));
         }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "store/text/tableform.h"
+
 #include <QHash>
 #include <QObject>
 #include <QString>
@@ -53,9 +55,6 @@ public:
     bool convertTextToSql();
 
 private:
-    enum class Table;
-    struct TableForm;
-    static const TableForm *formOf(const QString &table);
     struct TextColumn
     {
         QByteArray key;     ///< escaped, behind that of the row
@@ -83,7 +82,7 @@ private:
     void readGroup(const QString &group, const SettingsText::Reader &reader);
     void readLines(const SettingsText::Reader &reader);
     void addLinesOf(const QStringList &groups);
-    void readSettings(const QString &group, Table kind, const SettingsText::Reader &reader);
+    void readSettings(const QString &group, TableForm::Table kind, const SettingsText::Reader &reader);
     void readObjects(const QString &group, const TableForm &form, const SettingsText::Reader &reader);
     void readRows(const QString &group, const TableForm &form, const SettingsText::Reader &reader);
 

@@ -102,7 +102,8 @@ void ObjectRowWriter::writeRow(const SettingsText::Row &row)
         return;
     const QList<QByteArrayView> parts = SettingsText::partsOf(row.path);
     const std::optional<QVariantList> key = keyOf(parts);
-    if (key && takeColumns(row.columns) && isNew(*key) && takeValues(row.values)) {
+    // A row that is written otherwise is one of its key, too.
+    if (key && isNew(*key) && takeColumns(row.columns) && takeValues(row.values)) {
         insertTaken(*key);
         return;
     }

@@ -253,7 +253,7 @@ TEST_F(TextForm, RowsAreTheSameInAnyOrderAndSpellingOfTheirKeys)
         });
         return rows.join(' ');
     };
-    const QByteArray expected = "<1 a=x b=\"y;\" <2 %E4=z a=w";
+    const QByteArray expected = "<1 a=x b=\"y;\" <2 a=w %E4=z";
     EXPECT_EQ(rowsOfText("[t]\n1\\a=x\n1\\b=\"y;\"\n2\\%E4=z\n2\\a=w\ndeep\\er\\a=1\nflat=1\n"), expected);
     EXPECT_EQ(rowsOfText("[t]\n2\\a=v\n1\\b=\"y;\"\nflat=1\n%31\\a=x\n2\\%e4=z\n[u]\na=1\n[t]\n2\\a=w\n"), expected);
     EXPECT_EQ(rowsOfText("[t]\n1\\a=x\n1\\b=y\n1\\c\\d=1\n1\\e=z\n"), "<1 a=x b=y e=z");
