@@ -84,7 +84,7 @@ bool appendPlain(std::string &out, QByteArrayView utf8)
 bool appendPlain(std::string &out, const QString &text)
 {
     const bool isAscii = std::ranges::all_of(text, [](QChar ch) { return ch.unicode() < 0x80; });
-    return isAscii && appendPlain(out, text.toLatin1());
+    return isAscii && appendPlain(out, QByteArrayView(text.toLatin1()));
 }
 
 void appendHexadecimal(std::string &out, char16_t ch)
