@@ -26,6 +26,8 @@ ModelChecker::~ModelChecker() = default;
 qint32 ModelChecker::checkCommon(const std::shared_ptr<ObjectDataBase> &store, const QString &outputFolder)
 {
     outputFolder_ = outputFolder;
+    if (memory_)
+        memory_->beginCheck();
     ProjectCheck check(*store, beginReport(*store));
     askRules(check, rules_.common);
     std::ignore = store->setMiscSetting(u"PreviousToolVersion"_s, QCoreApplication::applicationVersion());
@@ -65,9 +67,18 @@ qint32 ModelChecker::checkLine(quint8 line, ObjectDataBase &store, std::span<con
                                const QSet<quint32> &specialPGNs)
 {
     const QVariant disabled = UserSettings::value(u"General"_s, u"disableautocorrection"_s);
-    Check check(store, beginReport(store), line,
-                {.outputFolder = outputFolder_, .corrects = !disabled.toBool(), .specialPGNs = specialPGNs});
-    askRules(check, rules);
+    const FindingMemory::Terms terms{.corrects = !disabled.toBool(), .specialPGNs = specialPGNs};
+    const Check::Options options{.outputFolder = outputFolder_, .terms = terms};
+    CheckReport &report = beginReport(store);
+    if (memory_) {
+        CheckMemory::Line &known = memory_->line(store, line, rules.data(), terms);
+        Check check(store, report, known.line, &known.findings, options);
+        askRules(check, rules);
+    } else {
+        CheckedLine read(store, line);
+        Check check(store, report, read, nullptr, options);
+        askRules(check, rules);
+    }
     return report_.errors;
 }
 

@@ -7,6 +7,7 @@
 
 #include <memory>
 
+class CheckMemory;
 class ObjectDataBase;
 
 /// Tells what is wrong with a project before anything is generated from it.
@@ -27,6 +28,9 @@ public:
     ~ModelChecker() override;
     Q_DISABLE_COPY_MOVE(ModelChecker)
 
+    /// Has the line checks go by what is remembered of those before, with the same findings in the same order. Null has them ask
+    /// about everything.
+    void setMemory(CheckMemory *memory) { memory_ = memory; }
     /// The rules of the project as a whole. `outputFolder` is the base of a relative stack path.
     qint32 checkCommon(const std::shared_ptr<ObjectDataBase> &store, const QString &outputFolder);
     /// Sets `corrected` if a COB-ID was corrected in the store.
@@ -55,4 +59,5 @@ private:
     const CheckRules rules_;
     CheckReport report_;
     QString outputFolder_;
+    CheckMemory *memory_ = nullptr;
 };

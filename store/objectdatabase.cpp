@@ -78,6 +78,8 @@ void ObjectDataBase::noteWrite(Statement::Effect effect)
     // A change of tables may be one of any of them.
     if (effect != Statement::Effect::Rows)
         tables_.objects.dropKept();
+    if (effect == Statement::Effect::Schema)
+        tables_.context.writes.anythingWritten();
     if (writeTracking_ && !tables_.context.isSilent())
         Q_EMIT databaseWriteExecuted();
 }

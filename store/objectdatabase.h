@@ -105,6 +105,8 @@ public:
     /// Closes the gate for other threads without blocking writes: for a job that writes.
     void closeGate() { statements().gate().close(); }
     void openGate() { statements().gate().open(); }
+    /// What has been written of objects and messages, for those who keep what they have read.
+    WriteLog &writes() { return tables_.context.writes; }
     /// While on, each successful writing statement raises `databaseWriteExecuted`.
     void setWriteTracking(bool on) { writeTracking_ = on; }
 
@@ -195,6 +197,8 @@ public:
     /// All objects of a line, ascending, and all its subindices, by index and subindex; one scan each.
     QList<IndexEntry> getAllIndices(quint8 line) { return tables_.objects.getAllIndices(line); }
     QList<SubEntry> getAllSubIndices(quint8 line) { return tables_.objects.getAllSubIndices(line); }
+    /// Those of one object, ascending.
+    QList<SubEntry> getSubIndices(quint8 line, quint16 index) { return tables_.objects.getSubIndices(line, index); }
     /// Keeps what `getAllSubIndices` has read last until subindices are written otherwise than by `addSubIndex` outside
     /// a transaction: a run asks for them several times, and a server checks a whole line after each edit of one.
     void keepSubIndices(bool keep) { tables_.objects.keepSubIndices(keep); }
@@ -373,6 +377,11 @@ public:
     /// places; one scan each.
     QList<PGN> getAllPGNs(quint8 line) { return tables_.j1939.getAllPGNs(line); }
     QList<SPN> getAllSPNs(quint8 line) { return tables_.j1939.getAllSPNs(line); }
+    /// Those of one PGN, in the same order.
+    QList<SPN> getSPNs(quint8 line, quint32 pgn, quint8 direction)
+    {
+        return tables_.j1939.getSPNs(line, pgn, direction);
+    }
     /// The names of all PGNs of one direction, by number, from one scan.
     QHash<quint32, QString> getPGNNames(quint8 line, quint8 direction)
     {
@@ -442,6 +451,11 @@ public:
     /// the CAN-ID in `pgnnumber`; one scan each.
     QList<CANID> getAllCANIDs(quint8 line) { return tables_.rawCan.getAllCANIDs(line); }
     QList<DataElement> getAllDataElements(quint8 line) { return tables_.rawCan.getAllDataElements(line); }
+    /// Those of one CAN-ID, in the same order.
+    QList<DataElement> getDataElements(quint8 line, quint32 canid, quint8 direction)
+    {
+        return tables_.rawCan.getDataElements(line, canid, direction);
+    }
     /// The names of all CAN-IDs of one direction, by id, from one scan.
     QHash<quint32, QString> getCANIDNames(quint8 line, quint8 direction)
     {

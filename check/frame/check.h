@@ -1,6 +1,7 @@
 #pragma once
 
 #include "check/frame/finding.h"
+#include "check/frame/findingmemory.h"
 #include "check/frame/warninggroups.h"
 #include "check/line/checkedline.h"
 #include "store/settings.h"
@@ -20,6 +21,9 @@ struct CheckReport
     bool corrected = false; ///< a COB-ID was corrected in the store
     QList<WarningGroup> suppressedGroups;
     QMap<WarningGroup, int> suppressedCounts;
+
+    /// Sends a finding unless its group is suppressed; an error is counted, and so is a warning that is not sent.
+    void tell(const CheckFinding &finding);
 };
 
 /// What a rule of the whole project sees and says.
@@ -61,7 +65,9 @@ public:
 protected:
     CheckReport &report() { return report_; }
     void setLineOfFindings(quint8 line) { line_ = line; }
-    void send(CheckFinding::Kind kind, std::optional<WarningGroup> group, const QString &text);
+    void tell(CheckFinding::Kind kind, std::optional<WarningGroup> group, const QString &text);
+    /// Has what is told from now on noted, too; nothing for null.
+    void noteFindings(QList<CheckFinding> *findings) { noted_ = findings; }
 
 private:
     struct Asked
@@ -80,6 +86,7 @@ private:
     Asked asked_;
     std::optional<quint8> line_;
     std::optional<quint16> about_;
+    QList<CheckFinding> *noted_ = nullptr;
 };
 
 /// What a rule of a line sees and says.
@@ -89,18 +96,22 @@ public:
     struct Options
     {
         QString outputFolder; ///< base of a relative stack path
-        bool corrects = true;
-        QSet<quint32> specialPGNs = {};
+        FindingMemory::Terms terms = {};
     };
 
-    Check(ObjectDataBase &store, CheckReport &report, quint8 line, Options options);
+    /// Without a memory, the check asks its rules about everything.
+    Check(ObjectDataBase &store, CheckReport &report, CheckedLine &line, FindingMemory *memory, Options options);
 
     CheckedLine &line() { return line_; }
     const QString &outputFolder() const { return options_.outputFolder; }
     /// True for a PGN that the stack handles by itself on this line.
-    bool isSpecialPGN(quint32 pgn) const { return options_.specialPGNs.contains(pgn); }
+    bool isSpecialPGN(quint32 pgn) const { return options_.terms.specialPGNs.contains(pgn); }
     /// False for a user who does not want corrections.
-    bool corrects() const { return options_.corrects; }
+    bool corrects() const { return options_.terms.corrects; }
+
+    FindingMemory *memory() { return memory_; }
+    /// Tells what a pass remembers of a subject, or what `ask` finds.
+    void recallOrAsk(FindingMemory::Pass &pass, quint64 key, const std::function<void()> &ask);
 
     /// Writes a corrected subindex to the store, and then sends the text. False, without a word, where the store
     /// refuses the subindex: it stays as it was.
@@ -109,6 +120,8 @@ public:
     bool correctCobId(quint16 index, quint8 subindex, const StoreRecords::SubIndexData &data, const QString &text);
 
 private:
-    CheckedLine line_;
+    CheckedLine &line_;
+    FindingMemory *memory_;
     Options options_;
+    bool hasCorrected_ = false;
 };

@@ -7,7 +7,7 @@ void eachObject(Check &check, const Visit<CheckedObject> &visit)
     std::ranges::for_each(check.line().objects(), visit);
 }
 
-void itsSubindices(Check & /*check*/, const CheckedObject &object, const Visit<CheckedSubindex> &visit)
+void itsSubindices(const CheckedObject &object, const Visit<CheckedSubindex> &visit)
 {
     std::ranges::for_each(object.subs, visit);
 }
@@ -22,7 +22,7 @@ void eachPGN(Check &check, const Visit<CheckedPGN> &visit)
     std::ranges::for_each(check.line().pgns(), visit);
 }
 
-void itsSPNs(Check & /*check*/, const CheckedPGN &pgn, const Visit<CheckedSignal> &visit)
+void itsSPNs(const CheckedPGN &pgn, const Visit<CheckedSignal> &visit)
 {
     std::ranges::for_each(pgn.spns, visit);
 }
@@ -32,7 +32,7 @@ void eachCanId(Check &check, const Visit<CheckedCanId> &visit)
     std::ranges::for_each(check.line().canIds(), visit);
 }
 
-void itsSignals(Check & /*check*/, const CheckedCanId &canId, const Visit<CheckedSignal> &visit)
+void itsSignals(const CheckedCanId &canId, const Visit<CheckedSignal> &visit)
 {
     std::ranges::for_each(canId.signalList, visit);
 }

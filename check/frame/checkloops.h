@@ -7,14 +7,14 @@
 // Loops over a line that rules of several subjects share.
 
 void eachObject(Check &check, const Visit<CheckedObject> &visit);
-void itsSubindices(Check &check, const CheckedObject &object, const Visit<CheckedSubindex> &visit);
+void itsSubindices(const CheckedObject &object, const Visit<CheckedSubindex> &visit);
 /// Active entries of a mapping object of a PDO or SRDO.
 void itsEntries(Check &check, const CheckedObject &mapping, const Visit<PDO::MappingEntry> &visit);
 /// Receive before transmit, ascending in each, as the CAN-IDs.
 void eachPGN(Check &check, const Visit<CheckedPGN> &visit);
-void itsSPNs(Check &check, const CheckedPGN &pgn, const Visit<CheckedSignal> &visit);
+void itsSPNs(const CheckedPGN &pgn, const Visit<CheckedSignal> &visit);
 void eachCanId(Check &check, const Visit<CheckedCanId> &visit);
-void itsSignals(Check &check, const CheckedCanId &canId, const Visit<CheckedSignal> &visit);
+void itsSignals(const CheckedCanId &canId, const Visit<CheckedSignal> &visit);
 
 /// An object, if the line has it.
 template <quint16 index>

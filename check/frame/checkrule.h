@@ -2,10 +2,12 @@
 
 #include "check/frame/check.h"
 #include "check/frame/findingplaces.h"
+#include "check/frame/localcheck.h"
 
 #include <algorithm>
 #include <concepts>
 #include <functional>
+#include <optional>
 #include <span>
 
 /// Goes through what a loop leads to.
@@ -17,6 +19,9 @@ using Each = void (*)(Port &, const Visit<T> &);
 /// A loop over what a subject of another loop has inside.
 template <class Port, class T, class U>
 using Within = void (*)(Port &, const T &, const Visit<U> &);
+/// A loop over the parts of a subject, which it holds itself.
+template <class T, class U>
+using Parts = void (*)(const T &, const Visit<U> &);
 
 /// A rule as it stands in a list of all, where what it looks at is not told from others. Only `rule` makes one, which
 /// holds the function against the loops.
@@ -36,6 +41,13 @@ struct CheckRule
     Loop within = {};
     bool opensPass = false;
     ProjectCheck::Locate locate = nullptr; ///< tells the place of the subjects; null for a rule that is asked once
+    struct Local
+    {
+        WriteLog::Kind kind;
+        quint64 (*key)(Subject outer);
+        bool seesVariables;
+    };
+    std::optional<Local> local = {}; ///< of a rule that looks at its outer subject alone
 
     /// The rule in a pass of its own behind neighbours with the same loop.
     CheckRule inNewPass() const
@@ -68,21 +80,79 @@ CheckRule<Port> rule(QLatin1StringView name, void (*find)(Port &))
     return {name, [find](Port &check, Subject, Subject) { find(check); }};
 }
 
-template <class Port, class T>
-CheckRule<Port> rule(QLatin1StringView name, Each<Port, T> each, void (*find)(Port &, const T &))
+/// As much as the function of a rule may see in a check: all of it, or of a line one subject.
+template <class Seen, class Port>
+concept SeenOf = std::same_as<Seen, Port> || (std::same_as<Port, Check> && std::derived_from<Seen, LocalCheck>);
+
+namespace RuleRows {
+
+/// Shows a function what it may see.
+template <class Port, class Seen, class... Subjects>
+void ask(Port &check, void (*find)(Seen &, const Subjects &...), const Subjects &...subjects)
+{
+    if constexpr (std::same_as<Seen, Port>) {
+        find(check, subjects...);
+    } else {
+        Seen seen(check);
+        find(seen, subjects...);
+    }
+}
+
+/// A row without its function.
+template <class Seen, class Port, class T>
+CheckRule<Port> row(QLatin1StringView name, Each<Port, T> each)
 {
     using Subject = typename CheckRule<Port>::Subject;
-    return {
-        name,
-        [find](Port &check, Subject outer, Subject) { find(check, *static_cast<const T *>(outer)); },
-        {reinterpret_cast<void (*)()>(each),
-         [each](Port &check, Subject, const std::function<void(Subject)> &visit) {
-             each(check, [&visit](const T &subject) { visit(&subject); });
-         }},
-        {},
-        false,
-        [](FindingPlace &place, Subject outer, Subject) { narrow(place, *static_cast<const T *>(outer)); },
+    CheckRule<Port> row{.name = name, .find = {}};
+    row.each = {reinterpret_cast<void (*)()>(each),
+                [each](Port &check, Subject, const std::function<void(Subject)> &visit) {
+                    each(check, [&visit](const T &subject) { visit(&subject); });
+                }};
+    row.locate = [](FindingPlace &place, Subject outer, Subject) { narrow(place, *static_cast<const T *>(outer)); };
+    if constexpr (!std::same_as<Seen, Port>)
+        row.local = {T::kind, [](Subject outer) { return static_cast<const T *>(outer)->key(); }, Seen::seesVariables};
+    return row;
+}
+
+template <class Seen, class Port, class T, class U>
+CheckRule<Port> row(QLatin1StringView name, Each<Port, T> each, Within<Port, T, U> within)
+{
+    using Subject = typename CheckRule<Port>::Subject;
+    CheckRule<Port> row = RuleRows::row<Seen>(name, each);
+    row.within = {reinterpret_cast<void (*)()>(within),
+                  [within](Port &check, Subject outer, const std::function<void(Subject)> &visit) {
+                      within(check, *static_cast<const T *>(outer), [&visit](const U &subject) { visit(&subject); });
+                  }};
+    row.locate = [](FindingPlace &place, Subject outer, Subject inner) {
+        narrow(place, *static_cast<const T *>(outer));
+        narrow(place, *static_cast<const U *>(inner));
     };
+    return row;
+}
+
+template <class Seen, class Port, class T, class U>
+CheckRule<Port> row(QLatin1StringView name, Each<Port, T> each, Parts<T, U> parts)
+{
+    using Subject = typename CheckRule<Port>::Subject;
+    CheckRule<Port> row = RuleRows::row<Seen>(name, each, static_cast<Within<Port, T, U>>(nullptr));
+    row.within = {reinterpret_cast<void (*)()>(parts),
+                  [parts](Port &, Subject outer, const std::function<void(Subject)> &visit) {
+                      parts(*static_cast<const T *>(outer), [&visit](const U &subject) { visit(&subject); });
+                  }};
+    return row;
+}
+
+} // namespace RuleRows
+
+template <class Port, class T, SeenOf<Port> Seen>
+CheckRule<Port> rule(QLatin1StringView name, Each<Port, T> each, void (*find)(Seen &, const T &))
+{
+    using Subject = typename CheckRule<Port>::Subject;
+    CheckRule<Port> row = RuleRows::row<Seen>(name, each);
+    row.find = [find](Port &check, Subject outer, Subject) {
+        RuleRows::ask(check, find, *static_cast<const T *>(outer));
+    };
+    return row;
 }
 
 template <class Port, class T, class U>
@@ -90,30 +160,59 @@ CheckRule<Port> rule(QLatin1StringView name, Each<Port, T> each, Within<Port, T,
                      void (*find)(Port &, const T &, const U &))
 {
     using Subject = typename CheckRule<Port>::Subject;
-    CheckRule<Port> row = rule(name, each, static_cast<void (*)(Port &, const T &)>(nullptr));
+    CheckRule<Port> row = RuleRows::row<Port>(name, each, within);
     row.find = [find](Port &check, Subject outer, Subject inner) {
         find(check, *static_cast<const T *>(outer), *static_cast<const U *>(inner));
     };
-    row.locate = [](FindingPlace &place, Subject outer, Subject inner) {
-        narrow(place, *static_cast<const T *>(outer));
-        narrow(place, *static_cast<const U *>(inner));
+    return row;
+}
+
+template <class Port, class T, class U, SeenOf<Port> Seen>
+CheckRule<Port> rule(QLatin1StringView name, Each<Port, T> each, Parts<T, U> parts,
+                     void (*find)(Seen &, const T &, const U &))
+{
+    using Subject = typename CheckRule<Port>::Subject;
+    CheckRule<Port> row = RuleRows::row<Seen>(name, each, parts);
+    row.find = [find](Port &check, Subject outer, Subject inner) {
+        RuleRows::ask(check, find, *static_cast<const T *>(outer), *static_cast<const U *>(inner));
     };
-    row.within = {reinterpret_cast<void (*)()>(within),
-                  [within](Port &check, Subject outer, const std::function<void(Subject)> &visit) {
-                      within(check, *static_cast<const T *>(outer), [&visit](const U &subject) { visit(&subject); });
-                  }};
     return row;
 }
 
 /// For a function that looks at the inner subject alone.
-template <class Port, class T, class U>
-CheckRule<Port> rule(QLatin1StringView name, Each<Port, T> each, Within<Port, T, U> within,
-                     void (*find)(Port &, const U &))
+template <class Port, class T, class U, SeenOf<Port> Seen>
+CheckRule<Port> rule(QLatin1StringView name, Each<Port, T> each, Parts<T, U> parts, void (*find)(Seen &, const U &))
 {
     using Subject = typename CheckRule<Port>::Subject;
-    CheckRule<Port> row = rule(name, each, within, static_cast<void (*)(Port &, const T &, const U &)>(nullptr));
-    row.find = [find](Port &check, Subject, Subject inner) { find(check, *static_cast<const U *>(inner)); };
+    CheckRule<Port> row = RuleRows::row<Seen>(name, each, parts);
+    row.find = [find](Port &check, Subject, Subject inner) {
+        RuleRows::ask(check, find, *static_cast<const U *>(inner));
+    };
     return row;
+}
+
+/// Goes through the subjects of a pass, of which some need not be asked about: those whose findings are remembered.
+inline void goThrough(Check &check, std::span<const LineRule> pass, const std::function<void(LineRule::Subject)> &ask)
+{
+    const LineRule &first = pass.front();
+    FindingMemory *memory = check.memory();
+    if (!memory || !std::ranges::all_of(pass, [](const LineRule &rule) { return rule.local.has_value(); })) {
+        first.each.run(check, nullptr, ask);
+        return;
+    }
+    FindingMemory::Pass &known = memory->passOf(&first, first.local->kind);
+    if (std::ranges::any_of(pass, [](const LineRule &rule) { return rule.local->seesVariables; }))
+        known.begin(check.line().variableChanges());
+    first.each.run(check, nullptr, [&](LineRule::Subject subject) {
+        check.recallOrAsk(known, first.local->key(subject), [&] { ask(subject); });
+    });
+    known.end();
+}
+
+inline void goThrough(ProjectCheck &check, std::span<const ProjectRule> pass,
+                      const std::function<void(ProjectRule::Subject)> &ask)
+{
+    pass.front().each.run(check, nullptr, ask);
 }
 
 /// Asks the rules in their order. Those that stand next to each other with the same loop share one pass, so that
@@ -140,10 +239,12 @@ void askRules(Port &check, std::span<const CheckRule<Port>> rules,
                     rule.find(check, outer, subject);
                 });
         };
-        if (((*first).*loop).identity != nullptr)
-            ((*first).*loop).run(check, outer, visit);
-        else
+        if (((*first).*loop).identity == nullptr)
             visit(nullptr);
+        else if (isOuter)
+            goThrough(check, together, visit);
+        else
+            ((*first).*loop).run(check, outer, visit);
         first = end;
     }
 }

@@ -16,6 +16,7 @@ struct DefaultCobId
     /// True for a COB-ID that is this one, its upper three bits aside. A number without "$NODEID" fits as long as the
     /// node-id is not known.
     bool fits(const StoreValue &cobId) const;
+    friend bool operator==(const DefaultCobId &, const DefaultCobId &) = default;
 };
 
 /// Those of all PDOs that the set knows, for a node-id, which is not given where it is not fixed.

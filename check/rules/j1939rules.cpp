@@ -31,9 +31,9 @@ LineRule unset(QLatin1StringView name, const QString &key, const QString &messag
 }
 
 /// True for a PGN with safety data, in a project that supports it.
-bool isSafe(Check &check, const CheckedPGN &pgn)
+bool isSafe(LocalCheck &check, const CheckedPGN &pgn)
 {
-    return pgn.data.issafe && check.line().settings().safetySupport;
+    return pgn.data.issafe && check.settings().safetySupport;
 }
 
 /// True for a PGN that the project wants to be sent as SDM, whether or not it supports that.
@@ -43,9 +43,9 @@ bool isMeantAsSDM(const CheckedPGN &pgn)
     return pgn.data.issafe && type && type->isSDM;
 }
 
-bool isSDM(Check &check, const CheckedPGN &pgn)
+bool isSDM(LocalCheck &check, const CheckedPGN &pgn)
 {
-    return isMeantAsSDM(pgn) && check.line().settings().safetySupport;
+    return isMeantAsSDM(pgn) && check.settings().safetySupport;
 }
 
 bool isLongerThanFrame(Check & /*check*/, const CheckedPGN &pgn)
@@ -84,7 +84,7 @@ void manufacturerIsNorvane(Check &check)
             "</strong>"_s);
 }
 
-void pgnIsSpecial(Check &check, const CheckedPGN &pgn)
+void pgnIsSpecial(LocalCheck &check, const CheckedPGN &pgn)
 {
     const quint32 number = pgn.data.number;
     if (check.isSpecialPGN(number))
@@ -92,37 +92,37 @@ void pgnIsSpecial(Check &check, const CheckedPGN &pgn)
                     "definitions.\n"_s.arg(dec(number), hex(number)));
 }
 
-void pgnWithoutName(Check &check, const CheckedPGN &pgn)
+void pgnWithoutName(LocalCheck &check, const CheckedPGN &pgn)
 {
     if (pgn.data.name.trimmed().isEmpty())
         check.warning(WG_NAMING, u"<strong>Warning: </strong>The PGN %1 des not have a name."_s.arg(pgn.data.number));
 }
 
-void pgnWithoutSpns(Check &check, const CheckedPGN &pgn)
+void pgnWithoutSpns(LocalCheck &check, const CheckedPGN &pgn)
 {
     const quint32 number = pgn.data.number;
     if (pgn.spns.empty())
         check.error(u"PG (%1/0x%2) does not contain any SPNs."_s.arg(dec(number), hex(number)));
 }
 
-void safetyTypeUnassigned(Check &check, const CheckedPGN &pgn)
+void safetyTypeUnassigned(LocalCheck &check, const CheckedPGN &pgn)
 {
     const quint32 number = pgn.data.number;
     if (isSafe(check, pgn) && pgn.data.safetytype == unassignedSafetyType)
         check.error(u"PG (%1/0x%2) A safety type needs to be assigned to this PGN."_s.arg(dec(number), hex(number)));
 }
 
-void safetyTypeNeedsFd(Check &check, const CheckedPGN &pgn)
+void safetyTypeNeedsFd(LocalCheck &check, const CheckedPGN &pgn)
 {
     const quint32 number = pgn.data.number;
     const SafetyType *type = safetyType(pgn.data.safetytype);
-    if (isSafe(check, pgn) && type && type->frameBits > check.line().settings().frameBits())
+    if (isSafe(check, pgn) && type && type->frameBits > check.settings().frameBits())
         check.error(
             u"PG (%1/0x%2) This safety type is not supported with classical CAN."_s.arg(dec(number), hex(number)));
 }
 
 /// Safety data is packed from variables of the application.
-void sdmWithManaged(Check &check, const CheckedPGN &pgn)
+void sdmWithManaged(LocalCheck &check, const CheckedPGN &pgn)
 {
     const quint32 number = pgn.data.number;
     const auto isManaged = [](const CheckedSignal &spn) { return spn.data.implementation != Implementation::Variable; };
@@ -131,7 +131,7 @@ void sdmWithManaged(Check &check, const CheckedPGN &pgn)
             u"PG (%1/0x%2) transmitted as SDM may not contain managed variables."_s.arg(dec(number), hex(number)));
 }
 
-void sdmTypeUnsupported(Check &check, const CheckedPGN &pgn)
+void sdmTypeUnsupported(LocalCheck &check, const CheckedPGN &pgn)
 {
     const quint32 number = pgn.data.number;
     const auto isUnsupported = [](const CheckedSignal &spn) { return !isSafetyDataType(spn.data.datatype); };
@@ -140,17 +140,17 @@ void sdmTypeUnsupported(Check &check, const CheckedPGN &pgn)
 }
 
 /// The header messages come with the support of safety data.
-void sdmWithoutShm(Check &check, const CheckedPGN &pgn)
+void sdmWithoutShm(LocalCheck &check, const CheckedPGN &pgn)
 {
     const quint32 number = pgn.data.number;
-    if (isMeantAsSDM(pgn) && !check.line().settings().safetySupport)
+    if (isMeantAsSDM(pgn) && !check.settings().safetySupport)
         check.warning(
             WG_CONFIG,
             u"<strong>Warning: </strong>PG (%1/0x%2) shall be transmitted as SDM but SHM support is not activated."_s
                 .arg(dec(number), hex(number)));
 }
 
-void sdmTooLong(Check &check, const CheckedPGN &pgn)
+void sdmTooLong(LocalCheck &check, const CheckedPGN &pgn)
 {
     const quint32 number = pgn.data.number;
     if (isSDM(check, pgn) && pgn.bits > classicalFrameBits)
@@ -169,14 +169,14 @@ void transportWithoutPackets(Check &check)
         check.error(u"CMDT packet count should not be 0 in J1939 configuration."_s);
 }
 
-void spnWithoutVariable(Check &check, const CheckedSignal &signal)
+void spnWithoutVariable(LocalCheck &check, const CheckedSignal &signal)
 {
     const StoreRecords::SPN &spn = signal.data;
     if (spn.implementation == Implementation::Variable && spn.varname.trimmed().isEmpty())
         check.error(u"The SPN %1 in PGN %2 needs a variable name."_s.arg(dec(spn.spnnumber), dec(spn.pgnnumber)));
 }
 
-void spnWithoutName(Check &check, const CheckedSignal &signal)
+void spnWithoutName(LocalCheck &check, const CheckedSignal &signal)
 {
     const StoreRecords::SPN &spn = signal.data;
     if (spn.name.trimmed().isEmpty())
@@ -184,7 +184,7 @@ void spnWithoutName(Check &check, const CheckedSignal &signal)
                                      dec(spn.spnnumber), dec(spn.pgnnumber)));
 }
 
-void spnNameWithDigit(Check &check, const CheckedSignal &signal)
+void spnNameWithDigit(LocalCheck &check, const CheckedSignal &signal)
 {
     const StoreRecords::SPN &spn = signal.data;
     const QString name = spn.name.trimmed();
@@ -194,7 +194,7 @@ void spnNameWithDigit(Check &check, const CheckedSignal &signal)
                           dec(spn.spnnumber), dec(spn.pgnnumber)));
 }
 
-void spnOutOfOrder(Check &check, const CheckedSignal &signal)
+void spnOutOfOrder(LocalCheck &check, const CheckedSignal &signal)
 {
     const StoreRecords::SPN &spn = signal.data;
     if (!signal.ascends)
@@ -202,7 +202,7 @@ void spnOutOfOrder(Check &check, const CheckedSignal &signal)
             u"The SPN %1 in PGN %2: position not in ascending order."_s.arg(dec(spn.spnnumber), dec(spn.pgnnumber)));
 }
 
-void spnOverlaps(Check &check, const CheckedSignal &signal)
+void spnOverlaps(LocalCheck &check, const CheckedSignal &signal)
 {
     const StoreRecords::SPN &spn = signal.data;
     if (signal.overlapsEarlier)
@@ -212,10 +212,10 @@ void spnOverlaps(Check &check, const CheckedSignal &signal)
                 .arg(dec(spn.spnnumber), dec(spn.pgnnumber)));
 }
 
-void spnVariableUsedTwice(Check &check, const CheckedSignal &signal)
+void spnVariableUsedTwice(VariableCheck &check, const CheckedSignal &signal)
 {
     const StoreRecords::SPN &spn = signal.data;
-    const CheckedSignal *first = check.line().firstSpnWith(spn.varname);
+    const CheckedSignal *first = check.firstSpnWith(spn.varname);
     if (first && first != &signal)
         check.warning(
             WG_NAMING,

@@ -45,7 +45,7 @@ bool isVariable(const QString &name)
     return expression.match(name).hasMatch();
 }
 
-void valueUnreadable(Check &check, const CheckedSubindex &sub)
+void valueUnreadable(LocalCheck &check, const CheckedSubindex &sub)
 {
     const QString &value = sub.data.defaultvalue;
     if (sub.index >= Index::firstCommunicationObject && !value.isEmpty() &&
@@ -54,13 +54,13 @@ void valueUnreadable(Check &check, const CheckedSubindex &sub)
 }
 
 /// A mapping object may be empty: what that means is told where its PDO is.
-void noSubindices(Check &check, const CheckedObject &object)
+void noSubindices(LocalCheck &check, const CheckedObject &object)
 {
     if (object.isComplex() && !object.hasElements() && !isMapping(object))
         check.error(u"Object 0x%1: This array does not contain any sub-indices"_s.arg(hex4(object.index)));
 }
 
-void countIsWrong(Check &check, const CheckedObject &object)
+void countIsWrong(LocalCheck &check, const CheckedObject &object)
 {
     const quint8 highest = highestSubindex(object);
     if (!check.corrects() || !countsItsElements(object) || object.value(0) == highest)
@@ -73,7 +73,7 @@ void countIsWrong(Check &check, const CheckedObject &object)
 }
 
 /// A subindex 0 that is missing has no default value either.
-void countWithoutDefault(Check &check, const CheckedObject &object)
+void countWithoutDefault(LocalCheck &check, const CheckedObject &object)
 {
     const CheckedSubindex *count = object.sub(0);
     if (object.isComplex() && object.hasElements() && (!count || !count->data.defaultineds))
@@ -81,7 +81,7 @@ void countWithoutDefault(Check &check, const CheckedObject &object)
 }
 
 /// An object whose subindex 0 is virtual is not in the stack's own dictionary at all, and has to stay so.
-void countIsNoConst(Check &check, const CheckedObject &object)
+void countIsNoConst(LocalCheck &check, const CheckedObject &object)
 {
     if (!check.corrects() || !countsItsElements(object))
         return;
@@ -95,7 +95,7 @@ void countIsNoConst(Check &check, const CheckedObject &object)
                       hex4(object.index)));
 }
 
-void countNotInEds(Check &check, const CheckedObject &object)
+void countNotInEds(LocalCheck &check, const CheckedObject &object)
 {
     const CheckedSubindex *count = object.sub(0);
     if (object.isComplex() && count && count->data.writedefaulttoeds == 0)
@@ -105,22 +105,22 @@ void countNotInEds(Check &check, const CheckedObject &object)
                 hex4(object.index)));
 }
 
-void objectWithoutName(Check &check, const CheckedObject &object)
+void objectWithoutName(LocalCheck &check, const CheckedObject &object)
 {
     if (object.data.name.trimmed().isEmpty())
         check.error(u"Object 0x%1: The object does not have a name. (Required for EDS)"_s.arg(hex4(object.index)));
 }
 
-void variableWithSubindices(Check &check, const CheckedObject &object)
+void variableWithSubindices(LocalCheck &check, const CheckedObject &object)
 {
     if (object.data.objecttype == Var && object.subs.size() > 1)
         check.error(u"Object 0x%1: The object is a VARIABLE but has multiple subindices."_s.arg(hex4(object.index)));
 }
 
-void limitCheckIsOff(Check &check, const CheckedSubindex &sub)
+void limitCheckIsOff(LocalCheck &check, const CheckedSubindex &sub)
 {
     if (sub.index >= Index::firstCommunicationObject && sub.data.limitineds &&
-        !check.line().settings().limitCheckEnabled)
+        !check.settings().limitCheckEnabled)
         check.warning(
             WG_TIMING_LIMITS,
             u"Warning: Object 0x%1-0x%2: Limit Check is activated, but it is deactivated in the global settings."_s.arg(
@@ -128,28 +128,28 @@ void limitCheckIsOff(Check &check, const CheckedSubindex &sub)
 }
 
 /// The subindex of a VARIABLE takes its name in an EDS from its object.
-void subindexWithoutName(Check &check, const CheckedObject &object, const CheckedSubindex &sub)
+void subindexWithoutName(LocalCheck &check, const CheckedObject &object, const CheckedSubindex &sub)
 {
     if (object.isComplex() && sub.data.name.trimmed().isEmpty())
         check.error(u"Object 0x%1-0x%2: The object does not have a name. (Required for EDS)"_s.arg(hex4(sub.index),
                                                                                                    hex2(sub.subindex)));
 }
 
-void variableNameMissing(Check &check, const CheckedSubindex &sub)
+void variableNameMissing(LocalCheck &check, const CheckedSubindex &sub)
 {
     if (sub.data.implementation == Implementation::Variable && sub.data.varname.trimmed().isEmpty())
         check.error(u"Object 0x%1-0x%2: The variable name is missing."_s.arg(hex4(sub.index), hex2(sub.subindex)));
 }
 
-void variableNameInvalid(Check &check, const CheckedSubindex &sub)
+void variableNameInvalid(LocalCheck &check, const CheckedSubindex &sub)
 {
-    const QString variable = sub.variable(check.line().number());
+    const QString variable = sub.variable(check.lineNumber());
     if (!variable.isEmpty() && !isVariable(variable))
         check.error(u"Object 0x%1-0x%2: The variable name contains invalid characters like spaces or commas."_s.arg(
             hex4(sub.index), hex2(sub.subindex)));
 }
 
-void accessInvalid(Check &check, const CheckedSubindex &sub)
+void accessInvalid(LocalCheck &check, const CheckedSubindex &sub)
 {
     static const QStringList known{u"ro"_s, u"const"_s, u"rw"_s, u"rwr"_s, u"rww"_s, u"wo"_s};
     if (!known.contains(sub.data.accesstype))
@@ -158,7 +158,7 @@ void accessInvalid(Check &check, const CheckedSubindex &sub)
                 hex4(sub.index), hex2(sub.subindex), sub.data.accesstype));
 }
 
-void constIsWritable(Check &check, const CheckedSubindex &sub)
+void constIsWritable(LocalCheck &check, const CheckedSubindex &sub)
 {
     if (sub.data.implementation == Implementation::ManagedConst && sub.data.accesstype.contains(u'w'))
         check.error(
@@ -166,7 +166,7 @@ void constIsWritable(Check &check, const CheckedSubindex &sub)
                 .arg(hex4(sub.index), hex2(sub.subindex)));
 }
 
-void managedOctetString(Check &check, const CheckedSubindex &sub)
+void managedOctetString(LocalCheck &check, const CheckedSubindex &sub)
 {
     if (sub.data.implementation == Implementation::ManagedVariable && sub.data.datatype == CAN::OctetString)
         check.error(
@@ -174,7 +174,7 @@ void managedOctetString(Check &check, const CheckedSubindex &sub)
                 hex4(sub.index), hex2(sub.subindex)));
 }
 
-void managedVisibleString(Check &check, const CheckedSubindex &sub)
+void managedVisibleString(LocalCheck &check, const CheckedSubindex &sub)
 {
     if (sub.data.implementation == Implementation::ManagedVariable && sub.data.datatype == CAN::VisibleString)
         check.error(
@@ -182,7 +182,7 @@ void managedVisibleString(Check &check, const CheckedSubindex &sub)
             "'Managed Const' or 'Variable' instead."_s.arg(hex4(sub.index), hex2(sub.subindex)));
 }
 
-void managedUtf8String(Check &check, const CheckedSubindex &sub)
+void managedUtf8String(LocalCheck &check, const CheckedSubindex &sub)
 {
     if (sub.data.implementation == Implementation::ManagedVariable && sub.data.datatype == CAN::Utf8String)
         check.error(
@@ -190,24 +190,24 @@ void managedUtf8String(Check &check, const CheckedSubindex &sub)
             "'Managed Const' or 'Variable' instead."_s.arg(hex4(sub.index), hex2(sub.subindex)));
 }
 
-void typeUnsupported(Check &check, const CheckedSubindex &sub)
+void typeUnsupported(LocalCheck &check, const CheckedSubindex &sub)
 {
     if (!ValueForm::isSupported(sub.data.datatype))
         check.error(u"Object 0x%1-0x%2: Unknown or unsupported datatype."_s.arg(hex4(sub.index), hex2(sub.subindex)));
 }
 
 /// Only limits that the user has declared count; any other subindex holds those of its type, or none.
-void defaultBeyondLimits(Check &check, const CheckedSubindex &sub)
+void defaultBeyondLimits(LocalCheck &check, const CheckedSubindex &sub)
 {
-    if (sub.data.limitineds && !ValueForm::fitsLimits(sub.data, check.line().settings().nodeId))
+    if (sub.data.limitineds && !ValueForm::fitsLimits(sub.data, check.settings().nodeId))
         check.error(u"Object 0x%1-0x%2: The defaultvalue is not in the range of the limits."_s.arg(hex4(sub.index),
                                                                                                    hex2(sub.subindex)));
 }
 
-void variableUsedTwice(Check &check, const CheckedSubindex &sub)
+void variableUsedTwice(VariableCheck &check, const CheckedSubindex &sub)
 {
-    const QString variable = sub.variable(check.line().number());
-    const CheckedSubindex *first = check.line().firstUserOf(variable);
+    const QString variable = sub.variable(check.lineNumber());
+    const CheckedSubindex *first = check.firstUserOf(variable);
     if (first && first != &sub)
         check.warning(
             WG_NAMING,

@@ -17,38 +17,38 @@ void canIdInBothDirections(Check &check, const CheckedCanId &canId)
                       "configuration error."_s.arg(hex(canId.data.id)));
 }
 
-void canIdWithoutExtendedFlag(Check &check, const CheckedCanId &canId)
+void canIdWithoutExtendedFlag(LocalCheck &check, const CheckedCanId &canId)
 {
     const quint32 id = canId.data.id;
     if ((id & CAN::extendedFlag) == 0 && id > CAN::highestBaseId)
         check.redError(u" CAN-ID 0x%1 is higher then 0x7ff, but extended flag is not set."_s.arg(hex(id)));
 }
 
-void signalWithoutVariable(Check &check, const CheckedCanId &canId, const CheckedSignal &signal)
+void signalWithoutVariable(LocalCheck &check, const CheckedCanId &canId, const CheckedSignal &signal)
 {
     if (signal.data.varname.trimmed().isEmpty())
         check.redError(u" Variable name missing for signal # %1 in CAN-ID 0x%2"_s.arg(QString::number(signal.position),
                                                                                       hex(canId.data.id)));
 }
 
-void signalOverlaps(Check &check, const CheckedCanId &canId, const CheckedSignal &signal)
+void signalOverlaps(LocalCheck &check, const CheckedCanId &canId, const CheckedSignal &signal)
 {
     if (signal.overlapsEarlier)
         check.redError(u" Signal '%1' in CAN-ID 0x%2 overlaps with another signal in the same message."_s.arg(
             signal.data.name, hex(canId.data.id)));
 }
 
-void signalsTooLong(Check &check, const CheckedCanId &canId)
+void signalsTooLong(LocalCheck &check, const CheckedCanId &canId)
 {
-    const quint32 limit = check.line().settings().frameBits();
+    const quint32 limit = check.settings().frameBits();
     if (canId.bits > limit)
         check.redError(u" CAN-ID 0x%1: signals require %2 bits but the maximum payload is %3 bits."_s.arg(
             hex(canId.data.id), dec(canId.bits), dec(limit)));
 }
 
-void signalVariableUsedTwice(Check &check, const CheckedCanId &canId, const CheckedSignal &signal)
+void signalVariableUsedTwice(VariableCheck &check, const CheckedCanId &canId, const CheckedSignal &signal)
 {
-    const CheckedSignal *first = check.line().firstSignalWith(signal.data.varname);
+    const CheckedSignal *first = check.firstSignalWith(signal.data.varname);
     if (first && first != &signal)
         check.warning(
             WG_NAMING,

@@ -130,6 +130,7 @@ qint32 GeneratorMainHandler::checkModel(QStringList &messages)
         return 1;
     }
     ModelChecker checker(checkRules_);
+    checker.setMemory(&checkMemory_);
     connect(&checker, &ModelChecker::newError, this, [&messages](const QString &text) { messages.append(text); });
     return checkProject(
         checker, RunContext::ofProject(database_).lines,
@@ -186,6 +187,8 @@ void GeneratorMainHandler::generate(bool ignoreCheckErrors)
 
 GeneratorMainHandler::GeneratorResult GeneratorMainHandler::runStages(bool ignoreCheckErrors)
 {
+    // What the checks of single edits remember takes the room that the run needs for the same objects.
+    checkMemory_.clear();
     RunContext context = RunContext::ofProject(database_);
     context.outputFolder = outputFolder_;
     context.baseName = projectBaseName_;

@@ -2,6 +2,7 @@
 
 #include "check/frame/checkrules.h"
 #include "check/frame/finding.h"
+#include "check/frame/findingmemory.h"
 #include "generate/run/runtable.h"
 
 #include <QMap>
@@ -53,7 +54,8 @@ public:
     bool importFile(const QString &path);
     /// False if the modifier file cannot be read or one of its lines was refused.
     bool applyDbModifier(const QString &path);
-    /// The model check alone. Returns the number of errors; `messages` receives all texts in order.
+    /// The model check alone. Returns the number of errors; `messages` receives all texts in order. Checks one after the
+    /// other look only at what was written between them.
     qint32 checkModel(QStringList &messages);
     /// What the model check of an open project has found, as values.
     struct ModelFindings
@@ -81,7 +83,11 @@ public:
     void setPostGenSteps(const PostGenSteps &steps) { postGenSteps_ = steps; }
 
     /// Replaces the rules of the check.
-    void setCheckRules(const CheckRules &rules) { checkRules_ = rules; }
+    void setCheckRules(const CheckRules &rules)
+    {
+        checkRules_ = rules;
+        checkMemory_.clear();
+    }
     /// Replaces the rows of the run.
     void setRunTable(std::span<const RunRow> rows) { runRows_ = rows; }
 
@@ -119,5 +125,6 @@ private:
     std::shared_ptr<PostGenProcessor> postGenProcessor_;
     PostGenSteps postGenSteps_;
     CheckRules checkRules_ = CheckRules::builtIn();
+    CheckMemory checkMemory_;
     std::span<const RunRow> runRows_ = runTable();
 };

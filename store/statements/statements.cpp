@@ -196,6 +196,7 @@ bool Statements::open(const QString &path)
     connection_.setDatabaseName(QDir::toNativeSeparators(path));
     if (connection_.open()) {
         database_ = handleOf(connection_);
+        listenToRows();
         return database_ != nullptr;
     }
     qDebug() << "error sqlDbFile.open()" << connection_.lastError().text();
@@ -318,6 +319,20 @@ void Statements::tellWrite(const Statement &statement)
 {
     if (written_ && statement.effect != Statement::Effect::None)
         written_(statement.effect);
+}
+
+/// SQLite tells of rows whatever statement writes them, so that no writer has to be trusted to tell of its own.
+void Statements::listenToRows()
+{
+    if (database_)
+        sqlite3_update_hook(
+            database_,
+            [](void *self, int, const char *, const char *table, sqlite3_int64) {
+                const auto &told = static_cast<Statements *>(self)->rowWritten_;
+                if (told)
+                    told(table);
+            },
+            this);
 }
 
 void Statements::tellRollback()

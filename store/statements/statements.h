@@ -131,6 +131,8 @@ public:
 
     /// Is told of each statement with an effect that succeeded.
     void setWriteListener(std::function<void(Statement::Effect)> listener) { written_ = std::move(listener); }
+    /// Is told of each row that is inserted, changed or deleted, by the name of its table, before the statement ends.
+    void setRowListener(std::function<void(QByteArrayView table)> listener) { rowWritten_ = std::move(listener); }
     /// Is told when writes have been taken back, so that what was remembered of them can be forgotten.
     void setRollbackListener(std::function<void()> listener) { rolledBack_ = std::move(listener); }
 
@@ -152,6 +154,7 @@ private:
     void keep(const QString &text, Prepared statement);
     bool fail(const Statement &statement, const char *what);
     void tellWrite(const Statement &statement);
+    void listenToRows();
     void tellRollback();
 
     QSqlDatabase connection_;
@@ -164,6 +167,7 @@ private:
     int depth_ = 0; ///< of the transaction scopes
     bool damaged_ = false;
     std::function<void(Statement::Effect)> written_;
+    std::function<void(QByteArrayView)> rowWritten_;
     std::function<void()> rolledBack_;
 };
 

@@ -67,6 +67,7 @@ bool J1939Tables::addPGN(quint8 line, quint32 number, const PGN &data)
 {
     if (isBlocked())
         return false;
+    const auto told = aboutPgn(line, number, data.direction);
     const auto ids = pgns_.intern(data);
     const auto write = [&] { return pgns_.write("addPGN", line, {number, data.direction}, data, ids, Quotes::Kept); };
     // Only a table that lacks columns fails here, so a complete one is never asked for them.
@@ -81,6 +82,7 @@ bool J1939Tables::addPGN(quint8 line, quint32 number, const PGN &data)
 
 bool J1939Tables::addSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, const SPN &data, Quotes quotes)
 {
+    const auto told = aboutPgn(line, pgn, direction);
     if (isBlocked() || !spns_.write("addSPN", line, {pgn, direction, spn}, data, spns_.intern(data), quotes))
         return false;
     notify(Change::SPNWritten, {.line = line, .pgn = pgn, .spn = spn});
@@ -91,6 +93,7 @@ bool J1939Tables::removePGN(quint8 line, quint32 number, quint8 direction)
 {
     if (isBlocked())
         return false;
+    const auto told = aboutPgn(line, number, direction);
     TransactionScope step(statements_, TransactionScope::Kind::Step);
     const bool done = run("removePGN", u"delete from SPNs%1 where pgnnumber = ? and direction = ?"_s.arg(line),
                           {number, direction}) &&
@@ -103,6 +106,7 @@ bool J1939Tables::removePGN(quint8 line, quint32 number, quint8 direction)
 
 bool J1939Tables::removeSPN(quint8 line, quint32 pgn, quint32 spn, quint8 direction)
 {
+    const auto told = aboutPgn(line, pgn, direction);
     if (isBlocked() || !spns_.remove("removeSPN", line, {pgn, direction, spn}))
         return false;
     notify(Change::SignalRemoved, {.line = line, .pgn = pgn, .spn = spn, .direction = direction});
@@ -157,6 +161,12 @@ QList<PGN> J1939Tables::getAllPGNs(quint8 line)
 QList<SPN> J1939Tables::getAllSPNs(quint8 line)
 {
     return spns_.all("getAllSPNs", line, inOrder);
+}
+
+QList<SPN> J1939Tables::getSPNs(quint8 line, quint32 pgn, quint8 direction)
+{
+    return spns_.some("getSPNs", line, u" where pgnnumber = ? and direction = ? order by pos asc, rowid"_s,
+                      {pgn, direction});
 }
 
 QHash<quint32, QString> J1939Tables::getPGNNames(quint8 line, quint8 direction)

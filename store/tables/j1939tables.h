@@ -32,6 +32,7 @@ public:
     quint32 getSPNDataType(quint8 line, quint32 pgn, quint8 direction, quint32 spn);
     QList<quint32> getSPNList(quint8 line, quint32 pgn, quint8 direction);
     QList<SPN> getAllSPNs(quint8 line);
+    QList<SPN> getSPNs(quint8 line, quint32 pgn, quint8 direction);
 
     [[nodiscard]] bool cacheSPNs(quint8 line);
     void clearSPNCache() { cache_.clear(); }

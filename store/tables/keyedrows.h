@@ -74,6 +74,13 @@ public:
         return records;
     }
 
+    /// Those rows of a line that a condition with "?" picks; no scan where an index has its columns.
+    QList<Record> some(const char *operation, quint8 line, const QString &condition, const QVariantList &values) const
+    {
+        return context_.statements.list({operation, select_.arg(line) + condition}, values,
+                                        [this](const ResultRow &row) { return recordOf(row); });
+    }
+
     /// The names of all rows of one direction by a column of their key.
     QHash<quint32, QString> names(quint8 line, const QString &column, quint8 direction) const
     {

@@ -111,6 +111,7 @@ QList<ObjectTables::SubKey> ObjectTables::findSubIndices(quint8 line, const QStr
 
 bool ObjectTables::setIndexName(quint8 line, quint16 index, const QString &name)
 {
+    const auto told = aboutObject(line, index);
     return !isBlocked() && indexExists(line, index) &&
            run("setIndexName", u"update Objects%1 set name = ? where objectindex = ?"_s.arg(line),
                {strings_.idOf(name), index});
@@ -130,6 +131,7 @@ QList<quint8> ObjectTables::getSubIndexList(quint8 line, quint16 index, quint8 f
 bool ObjectTables::setSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex, const QString &value,
                                            Quotes quotes)
 {
+    const auto told = aboutObject(line, index);
     const std::optional<QString> text = LiteralText::stored(value, quotes);
     return !isBlocked() && text &&
            runSubs("setSubIndexDefaultValue",
@@ -141,6 +143,7 @@ bool ObjectTables::removeIndex(quint8 line, quint16 index, bool keepConnections)
 {
     if (isBlocked())
         return false;
+    const auto told = aboutObject(line, index);
     TransactionScope step(statements_, TransactionScope::Kind::Step);
     const QVariantList ends = {line, index};
     bool done = runSubs("removeIndex", u"delete from SubObjects%1 where objectindex = ?"_s.arg(line), {index}) &&
@@ -159,6 +162,7 @@ bool ObjectTables::removeSubIndex(quint8 line, quint16 index, quint8 subindex, b
     if (isBlocked())
         return false;
     const bool existed = subIndexExists(line, index, subindex);
+    const auto told = aboutObject(line, index);
     TransactionScope step(statements_, TransactionScope::Kind::Step);
     bool done =
         runSubs("removeSubIndex", u"delete from SubObjects%1 where objectindex = ? and subindex = ?"_s.arg(line),

@@ -126,6 +126,7 @@ bool ObjectTables::addIndex(quint8 line, quint16 index, const Index &data)
 {
     if (isBlocked())
         return false;
+    const auto told = aboutObject(line, index);
     static const QString update =
         u"update Objects%1 set "_s + RecordColumns::assignments<Index>(indexColumns) + " where objectindex = ?"_L1;
     static const QString insert = u"insert into Objects%1 (%2, objectindex, metadata) values(%3, 0)"_s.arg(
@@ -195,6 +196,7 @@ bool ObjectTables::storeSubIndex(const SubEntry &entry, Quotes quotes, std::opti
 {
     if (entry.data.datatype == CAN::VisibleString && entry.index == 0x1000 && entry.subindex == 1)
         qDebug().noquote() << "ODB:aSI 0x1000:1 = " << entry.data.defaultvalue;
+    const auto told = aboutObject(entry.line, entry.index);
     std::optional<TransactionScope> withAttributes;
     if (!entry.data.metadata.isEmpty())
         withAttributes.emplace(statements_, TransactionScope::Kind::Step);
@@ -292,6 +294,12 @@ QList<ObjectTables::SubEntry> ObjectTables::getAllSubIndices(quint8 line)
         keptSubs_ = entries;
     }
     return entries;
+}
+
+QList<ObjectTables::SubEntry> ObjectTables::getSubIndices(quint8 line, quint16 index)
+{
+    return statements_.list({"getSubIndices", subSelect(line, u" where objectindex = ? order by subindex"_s)}, {index},
+                            [&](const ResultRow &row) { return entryOfRow(row, line, strings_); });
 }
 
 void ObjectTables::cacheAllSubs(quint8 line, quint16 index)

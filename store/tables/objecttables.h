@@ -40,6 +40,7 @@ public:
     QList<IndexEntry> getAllIndices(quint8 line);
     [[nodiscard]] std::optional<Sub> getSubIndex(quint8 line, quint16 index, quint8 subindex);
     QList<SubEntry> getAllSubIndices(quint8 line);
+    QList<SubEntry> getSubIndices(quint8 line, quint16 index);
 
     bool indexExists(quint8 line, quint16 index);
     bool subIndexExists(quint8 line, quint16 index, quint8 subindex);

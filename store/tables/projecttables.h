@@ -17,6 +17,7 @@ struct ProjectTables
         objects.clearSubCache();
         objects.dropKept();
         j1939.clearSPNCache();
+        context.writes.anythingWritten();
     }
     [[nodiscard]] bool removeUnusedStrings() { return context.strings.removeUnused(lines.getNodeList()); }
     /// Type code of a line as text; empty for none.

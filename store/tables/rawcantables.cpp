@@ -48,6 +48,7 @@ RawCanTables::RawCanTables(TableContext &context)
 
 bool RawCanTables::addCANID(quint8 line, quint32 id, const CANID &data)
 {
+    const auto told = aboutCanId(line, id, data.direction);
     if (isBlocked() || !canids_.write("addCANID", line, {id, data.direction}, data, canids_.intern(data), Quotes::Kept))
         return false;
     notify(Change::CANIDWritten, {.line = line, .canid = id, .direction = data.direction});
@@ -57,6 +58,7 @@ bool RawCanTables::addCANID(quint8 line, quint32 id, const CANID &data)
 bool RawCanTables::addDataElement(quint8 line, quint32 canid, quint8 direction, quint32 number, const DataElement &data,
                                   Quotes quotes)
 {
+    const auto told = aboutCanId(line, canid, direction);
     if (isBlocked() ||
         !elements_.write("addDataElement", line, {canid, direction, number}, data, elements_.intern(data), quotes))
         return false;
@@ -68,6 +70,7 @@ bool RawCanTables::removeCANID(quint8 line, quint32 id, quint8 direction)
 {
     if (isBlocked())
         return false;
+    const auto told = aboutCanId(line, id, direction);
     TransactionScope step(statements_, TransactionScope::Kind::Step);
     const bool done = run("removeCANID", u"delete from DataElements%1 where canid = ? and direction = ?"_s.arg(line),
                           {id, direction}) &&
@@ -80,6 +83,7 @@ bool RawCanTables::removeCANID(quint8 line, quint32 id, quint8 direction)
 
 bool RawCanTables::removeDataElement(quint8 line, quint32 canid, quint32 number, quint8 direction)
 {
+    const auto told = aboutCanId(line, canid, direction);
     if (isBlocked() || !elements_.remove("removeDataElement", line, {canid, direction, number}))
         return false;
     notify(Change::SignalRemoved, {.line = line, .canid = canid, .number = number, .direction = direction});
@@ -121,6 +125,12 @@ QList<CANID> RawCanTables::getAllCANIDs(quint8 line)
 QList<DataElement> RawCanTables::getAllDataElements(quint8 line)
 {
     return elements_.all("getAllDataElements", line, u" order by number, rowid"_s);
+}
+
+QList<DataElement> RawCanTables::getDataElements(quint8 line, quint32 canid, quint8 direction)
+{
+    return elements_.some("getDataElements", line, u" where canid = ? and direction = ? order by number, rowid"_s,
+                          {canid, direction});
 }
 
 QHash<quint32, QString> RawCanTables::getCANIDNames(quint8 line, quint8 direction)

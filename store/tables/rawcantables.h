@@ -30,6 +30,7 @@ public:
     QString getDataElementName(quint8 line, quint32 canid, quint8 direction, quint32 number);
     QList<quint32> getDataElementList(quint8 line, quint32 canid, quint8 direction);
     QList<DataElement> getAllDataElements(quint8 line);
+    QList<DataElement> getDataElements(quint8 line, quint32 canid, quint8 direction);
 
 private:
     const KeyedRows<CANID> canids_;

@@ -2,6 +2,11 @@
 
 using namespace Qt::StringLiterals;
 
+TableContext::TableContext()
+{
+    statements.setRowListener([this](QByteArrayView table) { writes.rowWritten(table); });
+}
+
 void TableContext::notify(StoreRecords::Change type, StoreRecords::ChangeSet change) const
 {
     if (silent_ || !listener_)

@@ -2,6 +2,7 @@
 
 #include "store/statements/statements.h"
 #include "store/statements/transaction.h"
+#include "store/statements/writelog.h"
 #include "store/tables/recordcolumns.h"
 #include "store/tables/storerecords.h"
 #include "store/tables/stringpool.h"
@@ -19,11 +20,12 @@ class TableContext
 public:
     using Listener = std::function<void(const StoreRecords::ChangeSet &)>;
 
-    TableContext() = default;
+    TableContext();
     Q_DISABLE_COPY_MOVE(TableContext)
 
     Statements statements;
     StringPool strings{statements};
+    WriteLog writes;
     /// While set, no family writes.
     std::atomic<bool> blocked = false;
 
@@ -73,6 +75,19 @@ protected:
     bool isBlocked() const { return context_.blocked; }
     void notify(Change type, const StoreRecords::ChangeSet &change) const { context_.notify(type, change); }
 
+    // For the time of an operation that writes no other object or message of the line.
+    [[nodiscard]] WriteLog::Announcement aboutObject(quint8 line, quint16 index) const
+    {
+        return {context_.writes, line, WriteLog::Kind::Object, index};
+    }
+    [[nodiscard]] WriteLog::Announcement aboutPgn(quint8 line, quint32 number, quint8 direction) const
+    {
+        return {context_.writes, line, WriteLog::Kind::Pgn, WriteLog::messageKey(number, direction)};
+    }
+    [[nodiscard]] WriteLog::Announcement aboutCanId(quint8 line, quint32 id, quint8 direction) const
+    {
+        return {context_.writes, line, WriteLog::Kind::CanId, WriteLog::messageKey(id, direction)};
+    }
     [[nodiscard]] bool run(const char *operation, const QString &text, const QVariantList &values);
     [[nodiscard]] bool runSchema(const char *operation, const QString &text);
     QList<quint32> selectNumbers(const QString &text, const QVariantList &values = {});
