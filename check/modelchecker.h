@@ -28,8 +28,8 @@ public:
     ~ModelChecker() override;
     Q_DISABLE_COPY_MOVE(ModelChecker)
 
-    /// Has the line checks go by what is remembered of those before, with the same findings in the same order. Null has them ask
-    /// about everything.
+    /// Has the line checks go by what is remembered of those before, with the same findings in the same order. Null has
+    /// them ask about everything.
     void setMemory(CheckMemory *memory) { memory_ = memory; }
     /// The rules of the project as a whole. `outputFolder` is the base of a relative stack path.
     qint32 checkCommon(const std::shared_ptr<ObjectDataBase> &store, const QString &outputFolder);

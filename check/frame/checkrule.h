@@ -82,7 +82,7 @@ CheckRule<Port> rule(QLatin1StringView name, void (*find)(Port &))
 
 /// As much as the function of a rule may see in a check: all of it, or of a line one subject.
 template <class Seen, class Port>
-concept SeenOf = std::same_as<Seen, Port> || (std::same_as<Port, Check> && std::derived_from<Seen, LocalCheck>);
+concept SeenOf = std::same_as<Seen, Port> ||(std::same_as<Port, Check> &&std::derived_from<Seen, LocalCheck>);
 
 namespace RuleRows {
 

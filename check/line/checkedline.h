@@ -4,8 +4,8 @@
 
 #include <QHash>
 
-#include <optional>
 #include <array>
+#include <optional>
 #include <vector>
 
 class ObjectDataBase;

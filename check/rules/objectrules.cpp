@@ -119,8 +119,7 @@ void variableWithSubindices(LocalCheck &check, const CheckedObject &object)
 
 void limitCheckIsOff(LocalCheck &check, const CheckedSubindex &sub)
 {
-    if (sub.index >= Index::firstCommunicationObject && sub.data.limitineds &&
-        !check.settings().limitCheckEnabled)
+    if (sub.index >= Index::firstCommunicationObject && sub.data.limitineds && !check.settings().limitCheckEnabled)
         check.warning(
             WG_TIMING_LIMITS,
             u"Warning: Object 0x%1-0x%2: Limit Check is activated, but it is deactivated in the global settings."_s.arg(

@@ -54,8 +54,8 @@ public:
     bool importFile(const QString &path);
     /// False if the modifier file cannot be read or one of its lines was refused.
     bool applyDbModifier(const QString &path);
-    /// The model check alone. Returns the number of errors; `messages` receives all texts in order. Checks one after the
-    /// other look only at what was written between them.
+    /// The model check alone. Returns the number of errors; `messages` receives all texts in order. Checks one after
+    /// the other look only at what was written between them.
     qint32 checkModel(QStringList &messages);
     /// What the model check of an open project has found, as values.
     struct ModelFindings
