@@ -154,3 +154,38 @@ def make_documentation(size, path, project):
             text.write(f"PGN:\t0x{number:X}/{number}\tName:\tPGN {number}\tDirection:\tTX\tCycle Time (ms):\t100\t"
                        f"Priority:\t6\tInhibit Time (ms):\t0\n\tDescription:\tgroup {number}\n"
                        f"\tSPN:\t{i + 1}\tName:\tSPN {i}\tType:\tUNSIGNED8\tSize:\t8\tVariable:\tspn[{i}]\n")
+
+
+def make_canids(size, path):
+    """A database project of a raw CAN line with `size` CAN-IDs of one data element each; a text has none of them."""
+    database = sqlite3.connect(path)
+    database.executescript("""
+        create table Strings (id integer primary key, string text);
+        create table Nodes (nodeId integer primary key, name text, edspath text, xddpath text);
+        create table GeneralSettings (item text unique, value text);
+        create table CANIDs0 (id integer not null, cycletime_ms integer, inhibittime_ms integer, mappingcount integer,
+                              direction integer, name integer, desc integer);
+        create table DataElements0 (canid integer not null, number integer not null, datatype integer,
+                                    implementation integer, varname text, defaultvalue text, name integer,
+                                    desc integer, pos integer, bitsize integer, direction integer, bitpos integer);
+        insert into Nodes values(0, 'can0', '', '');
+        create table MiscSettings (item text unique, value text);
+        insert into GeneralSettings values('line0type', '4'), ('co_timer_interval', '1000');
+        insert into MiscSettings values('SaveToolType', 'CANopen NodeComposer');""")
+    ids = [0x80000000 + i for i in range(size)]
+    database.executemany("insert into Strings values(?, ?)", ((i + 1, f"Message {i}") for i in range(size)))
+    database.executemany("insert into CANIDs0 values(?, 100, 0, 1, 85, ?, null)",
+                         ((canid, i + 1) for i, canid in enumerate(ids)))
+    database.executemany("insert into DataElements0 values(?, 1, 5, 2, ?, '0', ?, null, 0, 8, 85, 0)",
+                         ((canid, f"element[{i}]", i + 1) for i, canid in enumerate(ids)))
+    database.commit()
+    database.close()
+
+
+def make_doctext(size, path):
+    """A documentation text of `size` PGNs of one SPN each."""
+    path.write_text("PGN/SPN Documentation\n\n" + "".join(
+        f"PGN:\t0x{20000 + i:x}/{20000 + i}\tName:\tPGN {i}\tDirection:\tTX\tCycle Time (ms):\t100\tPriority:\t6\n"
+        f"\tDescription:\tWhat PGN {i} is\n"
+        f"\tSPN:\t{i}\tName:\tSPN {i}\tData type:\tUNSIGNED8\tVariable:\tspn[{i}]\n"
+        for i in range(size)), encoding="utf-8")

@@ -12,9 +12,8 @@ namespace {
 
 constexpr auto scheme = "codb://"_L1;
 
-Reply contents(const QString &uri, const QJsonDocument &document)
+Reply contents(const QString &uri, const QString &text)
 {
-    const QString text = QString::fromUtf8(document.toJson(QJsonDocument::Compact));
     const QJsonObject entry{{u"uri"_s, uri}, {u"mimeType"_s, u"application/json"_s}, {u"text"_s, text}};
     return Reply::result({{u"contents"_s, QJsonArray{entry}}});
 }
@@ -60,9 +59,9 @@ Reply Resources::read(ProjectSession &session, const QString &uri)
     if (!store)
         return Reply::error(Reply::InternalError, profiles.lastError());
     if (slash < 0)
-        return contents(uri, QJsonDocument(DictionaryJson::summaries(*store, 0)));
+        return contents(uri, DictionaryJson::listing(DictionaryJson::names(*store, 0)));
     const QString indexText = place.sliced(slash + 1);
     if (const auto object = objectOf(*store, indexText))
-        return contents(uri, QJsonDocument(*object));
+        return contents(uri, QString::fromUtf8(QJsonDocument(*object).toJson(QJsonDocument::Compact)));
     return Reply::invalidParams(u"Index %1 not found in codb profile %2"_s.arg(indexText, id));
 }

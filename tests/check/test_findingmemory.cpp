@@ -76,8 +76,8 @@ public:
 
 private:
     int below(int end) { return static_cast<int>(random_() % static_cast<unsigned>(end)); }
-    template <class List>
-    auto oneOf(const List &list)
+    template <class Value>
+    Value oneOf(const QList<Value> &list)
     {
         return list[below(static_cast<int>(list.size()))];
     }
@@ -244,7 +244,7 @@ private:
         case 4:
             return [=](ObjectDataBase &store) { store.removeUnusedStrings(); };
         case 5:
-            return [=](ObjectDataBase &store) { store.setBlocked(!store.isBlocked()); };
+            return [=](ObjectDataBase &store) { store.setBlocked(true); }; // until the next edit
         default:
             // Changed for one check, and then back: what is not asked meanwhile has missed nothing.
             return
@@ -328,10 +328,14 @@ TEST_P(RandomEdits, LeaveTheSameFindings)
     CheckMemory memory;
     for (int i = 0; i < count; ++i) {
         const Edit edit = edits.next();
-        edit(*whole.store());
-        edit(*remembering.store());
+        for (const ProjectBuilder *project : {&whole, &remembering}) {
+            project->store()->setBlocked(false);
+            edit(*project->store());
+        }
         ASSERT_EQ(told(remembering.store(), &memory), told(whole.store(), nullptr)) << "after edit " << i;
     }
+    whole.store()->setBlocked(false);
+    remembering.store()->setBlocked(false);
     EXPECT_EQ(remembering.store()->computeFileHash(), whole.store()->computeFileHash());
 }
 

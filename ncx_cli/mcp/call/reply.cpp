@@ -1,5 +1,7 @@
 #include "ncx_cli/mcp/call/reply.h"
 
+#include "ncx_cli/mcp/call/jsontext.h"
+
 #include <QJsonDocument>
 
 using namespace Qt::StringLiterals;
@@ -29,10 +31,10 @@ Reply Reply::error(ErrorCode code, const QString &message)
 
 Reply Reply::text(const QString &text, bool isError)
 {
-    QJsonObject result{{u"content"_s, QJsonArray{QJsonObject{{u"type"_s, u"text"_s}, {u"text"_s, text.trimmed()}}}}};
-    if (isError)
-        result.insert(u"isError"_s, true);
-    return Reply::result(result);
+    Reply reply;
+    reply.text_ = text.trimmed();
+    reply.isFailure_ = isError;
+    return reply;
 }
 
 Reply Reply::json(const QJsonObject &object, bool isError)
@@ -47,7 +49,13 @@ Reply Reply::json(const QJsonArray &array)
 
 QByteArray Reply::line(qint32 id) const
 {
+    if (result_.isEmpty() && error_.isEmpty()) {
+        QByteArray line = "{\"id\":" + QByteArray::number(id) + R"(,"jsonrpc":"2.0","result":{"content":[{"text":)";
+        JsonText::appendQuoted(line, text_);
+        line += R"(,"type":"text"}])";
+        return line + (isFailure_ ? ",\"isError\":true}}\n" : "}}\n");
+    }
     QJsonObject message{{u"jsonrpc"_s, u"2.0"_s}, {u"id"_s, id}};
-    message.insert(isProtocolError() ? u"error"_s : u"result"_s, content());
+    message.insert(error_.isEmpty() ? u"result"_s : u"error"_s, error_.isEmpty() ? result_ : error_);
     return QJsonDocument(message).toJson(QJsonDocument::Compact) + '\n';
 }

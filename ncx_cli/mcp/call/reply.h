@@ -36,12 +36,11 @@ public:
     /// The reply as it goes over the wire: compact JSON with sorted keys and a line feed.
     QByteArray line(qint32 id) const;
 
-    bool isProtocolError() const { return result_.isEmpty(); }
-    const QJsonObject &content() const { return isProtocolError() ? error_ : result_; }
-
 private:
     Reply() = default;
 
-    QJsonObject result_;
+    QString text_; ///< of a tool; it may be as long as a project is large
+    bool isFailure_ = false;
+    QJsonObject result_; ///< of another method
     QJsonObject error_;
 };

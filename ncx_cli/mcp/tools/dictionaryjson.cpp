@@ -1,5 +1,7 @@
 #include "ncx_cli/mcp/tools/dictionaryjson.h"
 
+#include "ncx_cli/mcp/call/jsontext.h"
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -28,18 +30,26 @@ QString DictionaryJson::subindexText(quint16 index, quint8 sub)
     return u"%1:%2"_s.arg(indexText(index), QString::number(sub));
 }
 
-QJsonObject DictionaryJson::summary(quint16 index, const QString &name)
+QMap<quint16, QString> DictionaryJson::names(ObjectDataBase &store, quint8 line)
 {
-    return {{u"index"_s, indexText(index)}, {u"indexDec"_s, index}, {u"name"_s, name}};
+    return store.getIndexNames(line, firstIndex, lastIndex);
 }
 
-QJsonArray DictionaryJson::summaries(ObjectDataBase &store, quint8 line)
+QString DictionaryJson::listing(const QMap<quint16, QString> &names)
 {
-    QJsonArray summaries;
-    const QMap<quint16, QString> names = store.getIndexNames(line, firstIndex, lastIndex);
-    for (auto it = names.cbegin(); it != names.cend(); ++it)
-        summaries.append(summary(it.key(), it.value()));
-    return summaries;
+    QString text(u'[');
+    for (const auto &[index, name] : names.asKeyValueRange()) {
+        if (text.size() > 1)
+            text += u',';
+        text += R"({"index":")"_L1;
+        text += indexText(index);
+        text += R"(","indexDec":)"_L1;
+        text += QString::number(index);
+        text += R"(,"name":)"_L1;
+        JsonText::appendQuoted(text, name);
+        text += u'}';
+    }
+    return text + u']';
 }
 
 QJsonObject DictionaryJson::subindex(quint8 sub, const ObjectDataBase::SUBINDEX_DATA_T &data)

@@ -18,10 +18,11 @@ QString indexText(quint16 index);
 /// "0x1018:2".
 QString subindexText(quint16 index, quint8 sub);
 
-/// An entry of a listing.
-QJsonObject summary(quint16 index, const QString &name);
-/// All objects of a line, ascending.
-QJsonArray summaries(ObjectDataBase &store, quint8 line);
+/// The names of the objects that a listing of the line has, by index.
+QMap<quint16, QString> names(ObjectDataBase &store, quint8 line);
+/// A listing as compact JSON, ascending. It may have an entry for each of ten thousand objects, so that it is written
+/// at once.
+QString listing(const QMap<quint16, QString> &names);
 QJsonObject subindex(quint8 sub, const ObjectDataBase::SUBINDEX_DATA_T &data);
 /// An object with its subindices, ascending; nothing if there is no such object.
 std::optional<QJsonObject> object(ObjectDataBase &store, quint8 line, quint16 index);

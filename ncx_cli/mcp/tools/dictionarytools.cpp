@@ -84,7 +84,7 @@ QRegularExpression globExpression(const QString &pattern)
 
 Reply listIndices(const ToolCall &call)
 {
-    return Reply::json(DictionaryJson::summaries(call.store(), call.line()));
+    return Reply::text(DictionaryJson::listing(DictionaryJson::names(call.store(), call.line())));
 }
 
 Reply getIndex(const ToolCall &call)
@@ -110,14 +110,9 @@ Reply findIndices(const ToolCall &call)
     const QRegularExpression expression = globExpression(pattern);
     if (!expression.isValid())
         return Reply::invalidParams(u"Invalid glob pattern: %1"_s.arg(pattern));
-    QJsonArray found;
-    const QMap<quint16, QString> names =
-        call.store().getIndexNames(call.line(), DictionaryJson::firstIndex, DictionaryJson::lastIndex);
-    for (auto it = names.cbegin(); it != names.cend(); ++it) {
-        if (expression.match(it.value()).hasMatch())
-            found.append(DictionaryJson::summary(it.key(), it.value()));
-    }
-    return Reply::json(found);
+    QMap<quint16, QString> names = DictionaryJson::names(call.store(), call.line());
+    names.removeIf([&expression](const auto &entry) { return !expression.match(entry.value()).hasMatch(); });
+    return Reply::text(DictionaryJson::listing(names));
 }
 
 constexpr Tool tools[] = {

@@ -1,7 +1,5 @@
 #include "ncx_cli/mcp/tools/messagetools.h"
 
-#include "store/objectdatabase.h"
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -87,4 +85,98 @@ StoreRecords::SPN MessageTools::newSignal(const ToolCall &call)
     signal.bitposition = call.number<quint16>(Arguments::bitPosition.name);
     signal.slot_df = call.number<quint16>("slotDf"_L1);
     return signal;
+}
+
+bool MessageTools::Kind::has(const ToolCall &call) const
+{
+    return (call.store().*exists)(call.line(), numberOf(call), direction(call));
+}
+
+bool MessageTools::Kind::hasSignal(const ToolCall &call) const
+{
+    return (call.store().*signalExists)(call.line(), numberOf(call), direction(call), signalOf(call));
+}
+
+QString MessageTools::Kind::about(const ToolCall &call, const QString &sentence) const
+{
+    return sentence.arg(message, numberText(numberOf(call)), directionWord(call), QString::number(call.line()));
+}
+
+QString MessageTools::Kind::aboutSignal(const ToolCall &call, const QString &sentence) const
+{
+    return sentence.arg(QString::number(signalOf(call)), message, numberText(numberOf(call)), directionWord(call),
+                        QString::number(call.line()));
+}
+
+std::optional<Reply> MessageTools::Kind::refuseUnlessThere(const ToolCall &call, bool isWanted) const
+{
+    if (has(call) == isWanted)
+        return {};
+    return isWanted ? missing(call) : Reply::refusal(about(call, u"%1 %2 (%3) already exists on line %4."_s));
+}
+
+std::optional<Reply> MessageTools::Kind::refuseUnlessSignalIsThere(const ToolCall &call, bool isWanted) const
+{
+    if (hasSignal(call) == isWanted)
+        return {};
+    return isWanted ? missingSignal(call)
+                    : Reply::refusal(signal + aboutSignal(call, u" %1 already exists on %2 %3 (%4), line %5."_s));
+}
+
+Reply MessageTools::Kind::missing(const ToolCall &call) const
+{
+    return Reply::refusal(about(call, u"%1 %2 (%3) does not exist on line %4."_s));
+}
+
+Reply MessageTools::Kind::missingSignal(const ToolCall &call) const
+{
+    return Reply::refusal(signal + aboutSignal(call, u" %1 does not exist on %2 %3 (%4), line %5."_s));
+}
+
+Reply MessageTools::Kind::added(const ToolCall &call, bool done) const
+{
+    if (!done || !has(call))
+        return Reply::refusal(about(call, u"Failed to add %1 %2 (%3) on line %4."_s));
+    return call.edited(about(call, u"%1 %2 (%3) added on line %4."_s));
+}
+
+Reply MessageTools::Kind::removeOne(const ToolCall &call) const
+{
+    const bool done = (call.store().*remove)(call.line(), numberOf(call), direction(call));
+    return call.edited(
+        about(call, done ? u"%1 %2 (%3) deleted from line %4."_s : u"Failed to delete %1 %2 (%3) from line %4."_s),
+        !done);
+}
+
+Reply MessageTools::Kind::addOneSignal(const ToolCall &call) const
+{
+    const bool done = (call.store().*addSignal)(call.line(), numberOf(call), direction(call), signalOf(call),
+                                                newSignal(call), Quotes::Literal);
+    if (!done || !hasSignal(call))
+        return Reply::refusal("Failed to add "_L1 + signalWithin + aboutSignal(call, u" %1 on %2 %3 (%4), line %5."_s));
+    return call.edited(signal + aboutSignal(call, u" %1 added on %2 %3 (%4), line %5."_s));
+}
+
+Reply MessageTools::Kind::removeOneSignal(const ToolCall &call) const
+{
+    const bool done = (call.store().*removeSignal)(call.line(), numberOf(call), signalOf(call), direction(call));
+    const QString sentence =
+        done ? signal + aboutSignal(call, u" %1 deleted from %2 %3 (%4), line %5."_s)
+             : "Failed to delete "_L1 + signalWithin + aboutSignal(call, u" %1 from %2 %3 (%4), line %5."_s);
+    return call.edited(sentence, !done);
+}
+
+QJsonObject MessageTools::Kind::describe(const Signal &data) const
+{
+    QJsonObject object = signalObject(data);
+    describeSignal(object, data);
+    return object;
+}
+
+QJsonArray MessageTools::Kind::signalList(const ToolCall &call) const
+{
+    QJsonArray list;
+    for (const Signal &data : (call.store().*signalsOf)(call.line(), numberOf(call), direction(call)))
+        list.append(describe(data));
+    return list;
 }

@@ -2,12 +2,16 @@
 
 #include "ncx_cli/mcp/call/tool.h"
 #include "ncx_cli/mcp/tools/arguments.h"
-#include "store/tables/storerecords.h"
+#include "store/objectdatabase.h"
 
 #include <QHash>
 
+#include <limits>
+
 /// What the tools of J1939 PGNs and of raw CAN-IDs share: a message is a number and a direction, and carries signals.
 namespace MessageTools {
+
+inline constexpr qint64 maxNumber = std::numeric_limits<qint32>::max();
 
 /// A direction is one of the words of the schema; their case counts.
 std::optional<Reply> directionIsKnown(const ToolCall &call);
@@ -34,6 +38,93 @@ void readMessage(const ToolCall &call, Message &message)
     message.cycletime_ms = call.number<quint16>(Arguments::cycleTimeMs.name);
     message.inhibittime_ms = call.number<quint16>(Arguments::inhibitTimeMs.name);
     message.direction = direction(call);
+}
+
+/// One of the two kinds of messages: what it is called, and the store's operations on it.
+struct Kind
+{
+    using Signal = StoreRecords::SPN;
+    using Store = ObjectDataBase;
+
+    QLatin1StringView message;
+    QLatin1StringView signal;       ///< at the beginning of a sentence
+    QLatin1StringView signalWithin; ///< and within one
+    QLatin1StringView number;       ///< argument with the message's number
+    QLatin1StringView signalNumber; ///< argument with the signal's
+    QString (*numberText)(quint32); ///< of the message, in sentences
+    bool (Store::*exists)(quint8 line, quint32 number, quint8 direction);
+    bool (Store::*remove)(quint8 line, quint32 number, quint8 direction);
+    bool (Store::*signalExists)(quint8 line, quint32 number, quint8 direction, quint32 signal);
+    bool (Store::*addSignal)(quint8 line, quint32 number, quint8 direction, quint32 signal, const Signal &, Quotes);
+    bool (Store::*removeSignal)(quint8 line, quint32 number, quint32 signal, quint8 direction);
+    QList<Signal> (Store::*signalsOf)(quint8 line, quint32 number, quint8 direction);
+    void (*describeSignal)(QJsonObject &object, const Signal &signal); ///< adds its number, and what others lack
+
+    quint32 numberOf(const ToolCall &call) const { return call.number<quint32>(number); }
+    quint32 signalOf(const ToolCall &call) const { return call.number<quint32>(signalNumber); }
+    bool has(const ToolCall &call) const;
+    bool hasSignal(const ToolCall &call) const;
+    /// Fills a sentence about the call's message: what it is called, number, direction, line.
+    QString about(const ToolCall &call, const QString &sentence) const;
+    /// Fills a sentence about the call's signal: number, what its message is called, that one's number, direction,
+    /// line.
+    QString aboutSignal(const ToolCall &call, const QString &sentence) const;
+
+    std::optional<Reply> refuseUnlessThere(const ToolCall &call, bool isWanted) const;
+    std::optional<Reply> refuseUnlessSignalIsThere(const ToolCall &call, bool isWanted) const;
+    Reply missing(const ToolCall &call) const;
+    Reply missingSignal(const ToolCall &call) const;
+    /// Tells what became of a new message.
+    Reply added(const ToolCall &call, bool done) const;
+    Reply removeOne(const ToolCall &call) const;
+    Reply addOneSignal(const ToolCall &call) const;
+    Reply removeOneSignal(const ToolCall &call) const;
+    QJsonObject describe(const Signal &signal) const;
+    QJsonArray signalList(const ToolCall &call) const;
+};
+
+// Guards and handlers of a kind.
+
+template <const Kind &kind>
+std::optional<Reply> exists(const ToolCall &call)
+{
+    return kind.refuseUnlessThere(call, true);
+}
+
+template <const Kind &kind>
+std::optional<Reply> isNew(const ToolCall &call)
+{
+    return kind.refuseUnlessThere(call, false);
+}
+
+template <const Kind &kind>
+std::optional<Reply> signalExists(const ToolCall &call)
+{
+    return kind.refuseUnlessSignalIsThere(call, true);
+}
+
+template <const Kind &kind>
+std::optional<Reply> signalIsNew(const ToolCall &call)
+{
+    return kind.refuseUnlessSignalIsThere(call, false);
+}
+
+template <const Kind &kind>
+Reply remove(const ToolCall &call)
+{
+    return kind.removeOne(call);
+}
+
+template <const Kind &kind>
+Reply addSignal(const ToolCall &call)
+{
+    return kind.addOneSignal(call);
+}
+
+template <const Kind &kind>
+Reply removeSignal(const ToolCall &call)
+{
+    return kind.removeOneSignal(call);
 }
 
 } // namespace MessageTools

@@ -69,7 +69,7 @@ Reply listProfileIndices(const ToolCall &call)
     std::optional<Reply> refusal;
     const auto store = load(call, refusal);
     if (!refusal)
-        return Reply::json(DictionaryJson::summaries(*store, 0));
+        return Reply::text(DictionaryJson::listing(DictionaryJson::names(*store, 0)));
     throttle = before;
     return *refusal;
 }
