@@ -132,11 +132,15 @@ qint32 GeneratorMainHandler::checkModel(QStringList &messages)
     ModelChecker checker(checkRules_);
     checker.setMemory(&checkMemory_);
     connect(&checker, &ModelChecker::newError, this, [&messages](const QString &text) { messages.append(text); });
-    return checkProject(
+    // The memory of the check keeps them.
+    database_->keepSubIndices(false);
+    const qint32 errors = checkProject(
         checker, RunContext::ofProject(database_).lines,
         {.say = [&messages](const QString &text) { messages.append(text); },
          .tellUntyped =
              [&messages](quint8 line) { messages.append(u"Warning: line type not set for line %1."_s.arg(line)); }});
+    database_->keepSubIndices(true);
+    return errors;
 }
 
 GeneratorMainHandler::ModelFindings GeneratorMainHandler::findInModel()
