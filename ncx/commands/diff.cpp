@@ -1,19 +1,17 @@
 // Tells what differs between two devices.
 
 #include "ncx/commands/commands.h"
-#include "ncx/compare/breaking.h"
+#include "ncx/commands/outputfile.h"
 #include "ncx/compare/changes.h"
+#include "ncx/page/changespage.h"
 #include "ncx/usage/invocation.h"
 #include "store/objectdatabase.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int jsonVersion = 1;
 
 constexpr Operand operands[] = {
     {.name = "OLD"_L1, .text = "a project, or a device description (.eds, .dcf)"_L1, .offer = Offer::Projects},
@@ -22,6 +20,8 @@ constexpr Operand operands[] = {
 
 constexpr Option options[] = {
     {.name = "breaking"_L1, .letter = 'b', .text = "only what breaks the other side of the bus"_L1},
+    {.name = "force"_L1, .text = "replace FILE if it exists"_L1},
+    {.name = "html"_L1, .value = "FILE"_L1, .text = "write a page that shows the changes, with the frames of both"_L1},
     {.name = "json"_L1, .letter = 'j', .text = "answer in JSON, form ncx-diff version 1"_L1},
     {.name = "line"_L1,
      .letter = 'l',
@@ -43,6 +43,7 @@ constexpr QLatin1StringView details[] = {
 constexpr Example examples[] = {
     {"ncx diff before.ncxt after.ncxp"_L1, "tells what has become another"_L1},
     {"ncx diff --breaking released.eds device.ncxt"_L1, "fails where a device is no longer what its EDS says"_L1},
+    {"ncx diff before.ncxt after.ncxt --html changes.html"_L1, "a page for a browser, in one file"_L1},
     {"git config difftool.ncx.cmd 'ncx diff \"$LOCAL\" \"$REMOTE\"'"_L1, "for 'git difftool -t ncx'"_L1},
 };
 
@@ -104,16 +105,8 @@ void tell(const Invocation &call, const QList<DeviceChange> &changes, bool withL
     const auto isBreaking = [](const DeviceChange &change) { return change.rule != nullptr; };
     const auto breaking = std::ranges::count_if(changes, isBreaking);
     if (call.isSet("json"_L1)) {
-        QJsonArray list;
-        for (const DeviceChange &change : changes)
-            list.append(change.toJson());
-        terminal.write(QString::fromUtf8(QJsonDocument(QJsonObject{{u"format"_s, u"ncx-diff"_s},
-                                                                   {u"version"_s, jsonVersion},
-                                                                   {u"old"_s, call.operand(0)},
-                                                                   {u"new"_s, call.operand(1)},
-                                                                   {u"changes"_s, list},
-                                                                   {u"breaking"_s, qint64{breaking}}})
-                                             .toJson()));
+        terminal.write(QString::fromUtf8(
+            QJsonDocument(DeviceChanges::toJson(call.operand(0), call.operand(1), changes)).toJson()));
         return;
     }
     for (const DeviceChange &change : changes)
@@ -126,8 +119,17 @@ void tell(const Invocation &call, const QList<DeviceChange> &changes, bool withL
                         : (breaking > 0 ? u"%1, %2 of them breaking"_s.arg(count).arg(breaking) : count));
 }
 
+int writePage(const Invocation &call, const DeviceChanges &changes, const QList<DeviceChange> &told)
+{
+    const QJsonObject diff = DeviceChanges::toJson(call.operand(0), call.operand(1), told);
+    return OutputFile::write(call, call.value("html"_L1), ChangesPage::html(ChangesPage::data(changes, told, diff)),
+                             {{call.operand(0), u"OLD"_s}, {call.operand(1), u"NEW"_s}});
+}
+
 int run(const Invocation &call)
 {
+    if (call.isSet("html"_L1) && call.isSet("json"_L1))
+        return call.refuse(u"--html goes with no other form"_s);
     ComparedDevice before;
     ComparedDevice after;
     std::optional<quint8> line;
@@ -140,6 +142,11 @@ int run(const Invocation &call)
         return CouldNot;
     }
     const QList<DeviceChange> told = call.isSet("breaking"_L1) ? changes.breaking() : changes.all();
+    if (call.isSet("html"_L1)) {
+        if (const int result = writePage(call, changes, told); result != Done)
+            return result;
+        return told.isEmpty() ? Done : Findings;
+    }
     tell(call, told, before.lines().size() > 1 || after.lines().size() > 1);
     return told.isEmpty() ? Done : Findings;
 }

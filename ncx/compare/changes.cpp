@@ -3,6 +3,7 @@
 #include "ncx/compare/breaking.h"
 #include "store/objectdatabase.h"
 
+#include <QJsonArray>
 #include <QSet>
 
 #include <algorithm>
@@ -114,11 +115,13 @@ DeviceChanges::DeviceChanges(ComparedDevice &before, ComparedDevice &after, std:
             line_ = old ? *old : *now;
             if (!isWanted(line_))
                 return;
-            if (old && now)
+            if (old && now) {
                 compareLines(before_.line(line_), after_.line(line_));
-            else
-                tellWhole(old ? Kind::Removed : Kind::Added, place(PartKind::Line),
-                          (old ? before_ : after_).line(line_).name());
+                return;
+            }
+            DeviceLine &line = (old ? before_ : after_).line(line_);
+            lines_.append({.line = line_, .before = old ? &line : nullptr, .after = now ? &line : nullptr});
+            tellWhole(old ? Kind::Removed : Kind::Added, place(PartKind::Line), line.name());
         });
 }
 
@@ -127,6 +130,19 @@ QList<DeviceChange> DeviceChanges::breaking() const
     QList<DeviceChange> list;
     std::ranges::copy_if(changes_, std::back_inserter(list), [](const DeviceChange &change) { return change.rule; });
     return list;
+}
+
+QJsonObject DeviceChanges::toJson(const QString &before, const QString &after, const QList<DeviceChange> &changes)
+{
+    constexpr int version = 1;
+    QJsonArray list;
+    qint64 breaking = 0;
+    for (const DeviceChange &change : changes) {
+        list.append(change.toJson());
+        breaking += change.rule ? 1 : 0;
+    }
+    return {{u"format"_s, u"ncx-diff"_s}, {u"version"_s, version},  {u"old"_s, before}, {u"new"_s, after},
+            {u"changes"_s, list},         {u"breaking"_s, breaking}};
 }
 
 PartPlace DeviceChanges::place(PartKind kind, quint32 number, quint32 sub, quint8 direction) const
@@ -175,6 +191,7 @@ void DeviceChanges::compareSettings(const PartPlace &place, Facts before, Facts 
 
 void DeviceChanges::compareLines(DeviceLine &before, DeviceLine &after)
 {
+    lines_.append({.line = line_, .before = &before, .after = &after});
     compareFacts(place(PartKind::Line), after.name(), FactsOf::line(before_.store(), before, scope_),
                  FactsOf::line(after_.store(), after, scope_));
     compareSettings(place(PartKind::Line), FactsOf::lineSettings(before_.store(), before, scope_),

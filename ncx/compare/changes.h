@@ -37,6 +37,20 @@ public:
     const QList<DeviceChange> &all() const { return changes_; }
     QList<DeviceChange> breaking() const;
 
+    /// A line of both sides; of one that only one side has the other is null.
+    struct Sides
+    {
+        quint8 line = 0; ///< by which its changes are told
+        DeviceLine *before = nullptr;
+        DeviceLine *after = nullptr;
+    };
+    const QList<Sides> &lines() const { return lines_; }
+    ComparedDevice &before() const { return before_; }
+    ComparedDevice &after() const { return after_; }
+
+    /// The form "ncx-diff" (docs/ncx.md).
+    static QJsonObject toJson(const QString &before, const QString &after, const QList<DeviceChange> &changes);
+
 private:
     void compareLines(DeviceLine &before, DeviceLine &after);
     void compareObjects(DeviceLine &before, DeviceLine &after);
@@ -55,5 +69,6 @@ private:
     ComparedDevice &after_;
     Scope scope_;
     quint8 line_ = 0;
+    QList<Sides> lines_;
     QList<DeviceChange> changes_;
 };

@@ -4,31 +4,17 @@
 #include "ncx/findings/projectfindings.h"
 #include "ncx/page/changedsettings.h"
 #include "ncx/page/framesvg.h"
-#include "ncx/page/printable.h"
+#include "ncx/page/webpage.h"
 #include "ncx/project/openedproject.h"
 #include "store/objectdatabase.h"
 #include "store/settings.h"
 #include "store/tables/descriptiondefaults.h"
 
-#include <QFile>
 #include <QJsonArray>
 
 using namespace Qt::StringLiterals;
 
-// The linker would leave out of a static library what nothing refers to.
-static void keepSources()
-{
-    Q_INIT_RESOURCE(page);
-}
-
 namespace {
-
-QByteArray source(const QString &name)
-{
-    keepSources();
-    QFile file(u":/page/"_s + name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 template <class Part, class Draw>
 QJsonArray drawings(const std::vector<Part> &parts, const Draw &draw)
@@ -112,20 +98,5 @@ QJsonObject DevicePage::data(OpenedProject &project, const QList<quint8> &lines)
 
 QByteArray DevicePage::html(const QJsonObject &data)
 {
-    const QByteArray page = source(u"page.html"_s);
-    QByteArray html;
-    // Each "<!--NAME-->" of the source stands for a file, or for the data; nothing in these is looked into again.
-    for (qsizetype place = 0; place < page.size();) {
-        const qsizetype begin = page.indexOf("<!--", place);
-        const qsizetype end = page.indexOf("-->", begin);
-        if (begin < 0 || end < 0) {
-            html += page.sliced(place);
-            break;
-        }
-        html += page.sliced(place, begin - place);
-        const QByteArray name = page.sliced(begin + 4, end - begin - 4);
-        html += name == "data" ? Printable::scriptJson(data) : source(QString::fromUtf8(name));
-        place = end + 3;
-    }
-    return html;
+    return WebPage::html(u"page.html"_s, data);
 }

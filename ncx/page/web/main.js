@@ -150,22 +150,6 @@ function queryKey(event) {
     event.preventDefault();
 }
 
-function setTheme(theme) {
-    document.documentElement.dataset.theme = theme;
-    document.getElementById('theme').value = theme;
-}
-
-/// What the browser keeps for a page; a page of a file may have no such place.
-function stored(value) {
-    try {
-        if (value !== undefined)
-            localStorage.setItem('ncx-theme', value);
-        return localStorage.getItem('ncx-theme') ?? '';
-    } catch {
-        return '';
-    }
-}
-
 function wantedNodes(model) {
     if (model !== current)
         return new Set(model.nodes.values());
@@ -173,8 +157,6 @@ function wantedNodes(model) {
     return new Set(isActive ? rows.map(row => row.node) : model.nodes.values());
 }
 
-document.getElementById('theme').addEventListener('change', event => setTheme(stored(event.target.value) && event.target.value));
-document.getElementById('print').addEventListener('click', () => window.print());
 document.getElementById('search').addEventListener('submit', event => event.preventDefault());
 document.getElementById('skip').addEventListener('click', event => { event.preventDefault(); main.focus(); });
 window.addEventListener('beforeprint', () => document.getElementById('paper').replaceChildren(...printed(wantedNodes).flat(Infinity)));
@@ -184,6 +166,5 @@ document.addEventListener('keydown', key);
 query.addEventListener('input', refresh);
 query.addEventListener('keydown', queryKey);
 
-setTheme(stored());
 showHead();
 go();

@@ -15,27 +15,6 @@ const areas = [
     { name: 'Reserved', first: 0xc000, last: 0xffff, text: 'reserved indices' },
 ];
 
-/// The number that a text of the project stands for on a line, or NaN: decimal, 0x, octal, $NODEID and sums of these.
-function numberOf(text, line) {
-    let sum = 0;
-    for (const part of String(text).split('+')) {
-        const word = part.trim();
-        if (/^\$nodeid$/i.test(word))
-            sum += line.nodeId ? numberOf(line.nodeId, {}) : NaN;
-        else if (/^0x[0-9a-f]+$/i.test(word) || /^-?[1-9][0-9]*$/.test(word) || word === '0')
-            sum += Number(word);
-        else if (/^0[0-7]+$/.test(word))
-            sum += parseInt(word, 8);
-        else
-            return NaN;
-    }
-    return sum;
-}
-
-function hex(number, digits = 3) {
-    return '0x' + number.toString(16).padStart(digits, '0');
-}
-
 const severities = ['error', 'warning', 'correction', 'note'];
 
 /// "0x1a00:2", "pgn65265-receive", "can0x18f-transmit": where a finding is; empty for a line or the whole device.

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QString>
+
+/// Pages of HTML put together of their sources, which are compiled in, and of data. They load nothing.
+namespace WebPage {
+
+/// The page of a source in ncx/page/web, with the files that it names and its data.
+QByteArray html(const QString &page, const QJsonObject &data);
+
+} // namespace WebPage
