@@ -96,7 +96,7 @@ class ChangeCards {
         // A setting has its key for a name, and the part has none.
         const isSetting = change.change === 'changed' && change.name === undefined;
         return { key: `${line} ${isSetting}`, line, group: isSetting ? 'settings' : 'lines',
-                 id: isSetting ? `line${line}-settings` : `line${line}`, code: `Line ${line}`, order: 0 };
+                 id: isSetting ? `line${line}-settings` : `line${line}`, code: `Line ${line}`, isLine: true, order: 0 };
     }
 
     /// The address of a message; with its direction where the other one has changed, too.

@@ -9,7 +9,7 @@ const isLong = cards.messages.size > drawnAtOnce;
 function lineName(number) {
     const line = data.lines.find(one => one.line === number);
     const name = (line?.new ?? line?.old)?.device.name;
-    return name ? `line ${number}, ${name}` : `line ${number}`;
+    return name ? `Line ${number}, ${name}` : `Line ${number}`;
 }
 
 function valueCell(change, label) {
@@ -29,7 +29,7 @@ function changeTable(card) {
     const rows = card.changes.map(change => ({
         attributes: { id: change.address, class: change.breaking ? 'change breaks' : 'change' },
         cells: [breakingMark(change.breaking),
-                card.group === 'settings' ? '' : [change.code ? mono(change.code) : said(card.code), ' ', said(change.name ?? '')],
+                card.group === 'settings' ? '' : [change.code ? mono(change.code) : said(card.code), ' ', card.isLine ? '' : said(change.name ?? '')],
                 card.group === 'settings' ? mono(change.property) : change.property ?? change.change,
                 valueCell(change, 'old'), valueCell(change, 'new'),
                 el('a', { class: 'permalink', href: `#${change.address}`, 'aria-label': `Link to ${change.address}` }, '#')],
@@ -71,16 +71,16 @@ function causesView(card) {
     const places = new Map(card.causes.map(change => [change.index, change]));
     if (places.size === 0)
         return '';
-    return el('p', {}, 'Mapped objects that have changed: ', [...places].map(([index, change], i) => [
+    return el('p', { class: 'causes' }, 'Mapped objects that have changed: ', [...places].map(([index, change], i) => [
         i > 0 ? ', ' : '', el('a', { href: `#${change.address}` }, mono(index))]));
 }
 
 function cardView(card) {
     const breaks = [...card.changes, ...card.causes].some(change => change.breaking);
     return el('section', { class: breaks ? 'card breaks' : 'card', id: card.address },
-        el('h3', {}, said(card.code), ' ', said(card.name ?? ''),
+        el('h3', {}, said(card.isLine ? lineName(card.line) : card.code), ' ', card.isLine ? '' : said(card.name ?? ''),
             card.direction ? el('span', { class: 'quiet' }, ` ${card.direction === 'transmit' ? 'sent' : 'received'}`) : '',
-            several && card.line !== undefined ? el('span', { class: 'quiet' }, ' on ', said(lineName(card.line))) : '', ' ',
+            several && card.line !== undefined && !card.isLine ? el('span', { class: 'quiet' }, ' · ', said(lineName(card.line))) : '', ' ',
             el('a', { class: 'permalink', href: `#${card.address}`, 'aria-label': `Link to ${card.address}` }, '#')),
         card.changes.length > 0 ? changeTable(card) : '', causesView(card), sidesView(card));
 }
@@ -98,6 +98,7 @@ function showHead() {
     document.title = plain(`Changes: ${names[0]} → ${names[1]}`);
     document.getElementById('count').textContent = counted(changes.length, breaking);
     document.querySelector('.choice').hidden = breaking === 0;
+    document.getElementById('legend').hidden = cards.messages.size === 0;
 }
 
 function showGroups() {

@@ -53,7 +53,7 @@ function table(caption, heads, rows, attributes = {}) {
 
 /// Facts under each other: names and values; those without a value are left out.
 function facts(...pairs) {
-    return el('dl', { class: 'facts' }, pairs.filter(([, value]) => value !== undefined && value !== '').map(
+    return el('dl', { class: 'facts' }, pairs.filter(([, value]) => isSomething(value)).map(
         ([name, value]) => el('div', {}, el('dt', {}, name), el('dd', {}, value))));
 }
 
