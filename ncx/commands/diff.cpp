@@ -122,8 +122,9 @@ void tell(const Invocation &call, const QList<DeviceChange> &changes, bool withL
 int writePage(const Invocation &call, const DeviceChanges &changes, const QList<DeviceChange> &told)
 {
     const QJsonObject diff = DeviceChanges::toJson(call.operand(0), call.operand(1), told);
-    return OutputFile::write(call, call.value("html"_L1), ChangesPage::html(ChangesPage::data(changes, told, diff)),
-                             {{call.operand(0), u"OLD"_s}, {call.operand(1), u"NEW"_s}});
+    return OutputFile::write(
+        call, call.value("html"_L1), ChangesPage::html(ChangesPage::data(changes, told, diff)),
+        {{.path = call.operand(0), .text = u"OLD"_s}, {.path = call.operand(1), .text = u"NEW"_s}});
 }
 
 int run(const Invocation &call)

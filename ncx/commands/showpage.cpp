@@ -8,14 +8,21 @@
 
 using namespace Qt::StringLiterals;
 
-static const QString projectText = u"the project"_s;
+namespace {
+
+int write(const Invocation &call, const QString &path, const QByteArray &content)
+{
+    return OutputFile::write(call, path, content, {{.path = call.operand(), .text = u"the project"_s}});
+}
+
+} // namespace
 
 int ShowPage::writePage(const Invocation &call, OpenedProject &project, const QList<quint8> &lines)
 {
     const QJsonObject data = DevicePage::data(project, lines);
     if (project.store().isDamaged())
         return CouldNot; // which is told for all that is shown
-    return OutputFile::write(call, call.value("html"_L1), DevicePage::html(data), {{call.operand(), projectText}});
+    return write(call, call.value("html"_L1), DevicePage::html(data));
 }
 
 int ShowPage::writeFrames(const Invocation &call, const QList<FrameSvg::Titled> &frames)
@@ -24,5 +31,5 @@ int ShowPage::writeFrames(const Invocation &call, const QList<FrameSvg::Titled> 
         call.terminal().fail(u"%1 is no PDO, PGN or CAN-ID with a frame"_s.arg(call.operand(1)));
         return CouldNot;
     }
-    return OutputFile::write(call, call.value("svg"_L1), FrameSvg::document(frames), {{call.operand(), projectText}});
+    return write(call, call.value("svg"_L1), FrameSvg::document(frames));
 }
