@@ -104,8 +104,9 @@ QString dataTypeTable()
             continue;
         const quint32 bits = COHelper::getDataLengthBits(type);
         const COHelper::Limits limits = COHelper::getDefaultLimits(type);
-        text += row({QString::number(type), code(u"0x%1"_s.arg(type, 4, 16, QChar(u'0'))), COHelper::index2DataTypeString(type),
-                     code(shortName), bits > 0 ? QString::number(bits) : u"any"_s, limits.low, limits.high});
+        text += row({QString::number(type), code(u"0x%1"_s.arg(type, 4, 16, QChar(u'0'))),
+                     COHelper::index2DataTypeString(type), code(shortName), bits > 0 ? QString::number(bits) : u"any"_s,
+                     limits.low, limits.high});
     }
     return text + u'\n';
 }

@@ -1,7 +1,7 @@
+#include "candb/dbcreader.h"
 #include "generate/base/utf8sink.h"
 #include "generate/bus/candbdbc.h"
 #include "generate/bus/dbcgenerator.h"
-#include "candb/dbcreader.h"
 #include "generate/bus/dbcwriter.h"
 #include "generate/docs/generatorjob.h"
 #include "support/nodepackage.h"

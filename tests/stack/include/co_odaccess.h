@@ -6,28 +6,18 @@
 #include <core_datatype.h>
 
 /* X(short name of a data type) */
-#define STACK_TYPES(X)                                                                                                 \
-    X(U8)                                                                                                              \
-    X(U16)                                                                                                             \
-    X(U24)                                                                                                             \
-    X(U32)                                                                                                             \
-    X(U40)                                                                                                             \
-    X(U48)                                                                                                             \
-    X(U56)                                                                                                             \
-    X(U64)                                                                                                             \
-    X(I8) X(I16) X(I24) X(I32) X(I40) X(I48) X(I56) X(I64) X(R32) X(R64) X(BOOL) X(VS) X(OS) X(US) X(TOD) X(TD) X(SN)  \
-        X(SA) X(UTF8)
+/* clang-format off */
+#define STACK_TYPES(X) \
+    X(U8) X(U16) X(U24) X(U32) X(U40) X(U48) X(U56) X(U64) X(I8) X(I16) X(I24) X(I32) X(I40) X(I48) X(I56) \
+    X(I64) X(R32) X(R64) X(BOOL) X(VS) X(OS) X(US) X(TOD) X(TD) X(SN) X(SA) X(UTF8)
+/* clang-format on */
 
 /* X(what serves a subindex) */
-#define STACK_SPECIFIERS(X)                                                                                            \
-    X(CONST)                                                                                                           \
-    X(VAR)                                                                                                             \
-    X(PTR)                                                                                                             \
-    X(SYNC)                                                                                                            \
-    X(EMCY)                                                                                                            \
-    X(ERRCTRL)                                                                                                         \
-    X(STORE)                                                                                                           \
-    X(TIME) X(NMT) X(SDO_SERVER) X(SDO_CLIENT) X(GFC) X(SRDO) X(RPDO) X(RMAP) X(TPDO) X(TMAP) X(SRD) X(NETWORK) X(FLYMA)
+/* clang-format off */
+#define STACK_SPECIFIERS(X) \
+    X(CONST) X(VAR) X(PTR) X(SYNC) X(EMCY) X(ERRCTRL) X(STORE) X(TIME) X(NMT) X(SDO_SERVER) X(SDO_CLIENT) X(GFC) \
+    X(SRDO) X(RPDO) X(RMAP) X(TPDO) X(TMAP) X(SRD) X(NETWORK) X(FLYMA)
+/* clang-format on */
 
 typedef enum
 {

@@ -7,15 +7,11 @@
 #include <core_common.h>
 
 /* X(types that only signals have) */
-#define STACK_SIGNAL_TYPES(X)                                                                                          \
-    X(B)                                                                                                               \
-    X(U2)                                                                                                              \
-    X(U3)                                                                                                              \
-    X(U4)                                                                                                              \
-    X(U5)                                                                                                              \
-    X(U6)                                                                                                              \
-    X(U7) X(U9) X(U10) X(U11) X(U12) X(U13) X(U14) X(U15) X(U17) X(U18) X(U19) X(U20) X(U21) X(U22) X(U23)             \
-        X(STRING_ASTERIKS)
+/* clang-format off */
+#define STACK_SIGNAL_TYPES(X) \
+    X(B) X(U2) X(U3) X(U4) X(U5) X(U6) X(U7) X(U9) X(U10) X(U11) X(U12) X(U13) X(U14) X(U15) X(U17) X(U18) \
+    X(U19) X(U20) X(U21) X(U22) X(U23) X(STRING_ASTERIKS)
+/* clang-format on */
 
 #ifdef STACK_V4
 typedef enum
