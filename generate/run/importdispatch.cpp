@@ -3,7 +3,7 @@
 #include "check/line/specialpgns.h"
 #include "generate/base/runcontext.h"
 #include "import/csvimporter.h"
-#include "import/dbcimporter.h"
+#include "import/dbc/dbcimporter.h"
 #include "import/doctxtimporter.h"
 #include "import/edsimporter.h"
 #include "import/importreport.h"

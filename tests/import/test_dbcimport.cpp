@@ -1,4 +1,4 @@
-#include "import/dbcimporter.h"
+#include "import/dbc/dbcimporter.h"
 #include "import/importproject.h"
 #include "store/objectdatabase.h"
 #include "support/testhome.h"

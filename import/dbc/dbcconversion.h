@@ -1,7 +1,7 @@
 #pragma once
 
 #include "candb/candb.h"
-#include "import/dbcdescriptions.h"
+#include "import/dbc/dbcdescriptions.h"
 #include "store/tables/storerecords.h"
 
 #include <QHash>

@@ -1,4 +1,4 @@
-#include "import/dbcimporter.h"
+#include "import/dbc/dbcimporter.h"
 
 #include "candb/dbcreader.h"
 #include "store/lineprotocols.h"

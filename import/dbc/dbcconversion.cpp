@@ -1,6 +1,6 @@
-#include "import/dbcconversion.h"
+#include "import/dbc/dbcconversion.h"
 
-#include "import/dbcsignaltype.h"
+#include "import/dbc/dbcsignaltype.h"
 #include "import/importreport.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/codes.h"

@@ -1,4 +1,4 @@
-#include "import/dbcsignaltype.h"
+#include "import/dbc/dbcsignaltype.h"
 
 #include "nodedict/canopendatatype.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "import/basedataimporter.h"
-#include "import/dbcconversion.h"
+#include "import/dbc/dbcconversion.h"
 
 /// Imports the messages of a DBC file into a J1939 line, a raw CAN line, or one that speaks both; `DbcConversion` tells
 /// what becomes of them. A message that the line has already is replaced with its signals.

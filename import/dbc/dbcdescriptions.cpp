@@ -1,4 +1,4 @@
-#include "import/dbcdescriptions.h"
+#include "import/dbc/dbcdescriptions.h"
 
 #include <QLocale>
 #include <QStringList>
