@@ -3,7 +3,7 @@
 #include <QIODevice>
 #include <QStringEncoder>
 
-#include <cstring>
+#include <algorithm>
 #include <string_view>
 
 namespace {
@@ -75,7 +75,7 @@ void Utf8Sink::putBytes(QByteArrayView bytes)
         device_->write(bytes.data(), bytes.size());
         return;
     }
-    std::memcpy(block_.get() + size_, bytes.data(), static_cast<size_t>(bytes.size()));
+    std::ranges::copy(bytes, block_.get() + size_);
     size_ += bytes.size();
 }
 
