@@ -15,6 +15,8 @@ struct CheckedSubindex
     quint8 subindex = 0;
     StoreRecords::SubIndexData data;
 
+    /// Names it in its object.
+    quint32 number() const { return subindex; }
     /// Application variable behind a Variable, its placeholders filled in; empty for any other implementation.
     QString variable(quint8 line) const;
 };
@@ -52,6 +54,7 @@ struct CheckedSignal
     bool ascends = true;          ///< starts behind the start of the signal before it
     bool overlapsEarlier = false; ///< shares bits with a signal before it
 
+    quint32 number() const { return data.spnnumber; }
     QString variable(quint8 /*line*/) const { return data.varname; }
 };
 

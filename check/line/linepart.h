@@ -46,9 +46,9 @@ public:
         if (!users_) {
             users_.emplace();
             for (size_t place = 0; place < all().size(); ++place)
-                for (const auto &[part, name] : variablesOf((*all_)[place])) {
-                    if (!users_->contains(name))
-                        users_->insert(name, {place, part});
+                for (const Use &use : variablesOf((*all_)[place])) {
+                    if (!users_->contains(use.variable))
+                        users_->insert(use.variable, {place, use.part});
                 }
         }
         const auto first = users_->constFind(variable);
@@ -100,14 +100,25 @@ private:
             all_->erase(place);
     }
 
-    using Variables = std::vector<std::pair<size_t, QString>>; ///< by the part that uses it
+    /// A part of a subject that uses a variable. Where a part goes, another one may come into its place and have the
+    /// same variable, so that the place alone does not tell which one it is.
+    struct Use
+    {
+        size_t part;
+        quint32 number;
+        QString variable;
+
+        friend bool operator==(const Use &, const Use &) = default;
+    };
+    using Variables = std::vector<Use>;
 
     Variables variablesOf(const Subject &subject) const
     {
         Variables variables;
         for (size_t part = 0; part < subject.parts().size(); ++part) {
-            if (QString name = subject.parts()[part].variable(line_); !name.isEmpty())
-                variables.emplace_back(part, std::move(name));
+            const auto &user = subject.parts()[part];
+            if (QString name = user.variable(line_); !name.isEmpty())
+                variables.push_back({part, user.number(), std::move(name)});
         }
         return variables;
     }
