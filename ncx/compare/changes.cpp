@@ -23,6 +23,7 @@ void sideBySide(const List &before, const List &after, const KeyOf &keyOf, const
     while (old != before.end() || now != after.end()) {
         const bool hasOld = old != before.end() && (now == after.end() || keyOf(*old) <= keyOf(*now));
         const bool hasNow = now != after.end() && (old == before.end() || keyOf(*now) <= keyOf(*old));
+        Q_ASSUME(hasOld || hasNow); // the lesser of the two keys, or the only one
         visit(hasOld ? &*old : nullptr, hasNow ? &*now : nullptr);
         old += hasOld ? 1 : 0;
         now += hasNow ? 1 : 0;
@@ -283,6 +284,7 @@ void DeviceChanges::compareCanIds(DeviceLine &before, DeviceLine &after)
 void DeviceChanges::compareSignals(const CheckedCanId &before, const CheckedCanId &after)
 {
     for (const auto &[old, now] : pairsOf(before, after)) {
+        Q_ASSUME(old || now);
         const StoreRecords::SPN &any = now ? now->data : old->data;
         const PartPlace where = place(PartKind::Signal, after.data.id, any.spnnumber, after.direction());
         if (!old || !now)

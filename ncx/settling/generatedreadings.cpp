@@ -138,7 +138,7 @@ void tellHeads(SettledLine &line)
             else if (std::ranges::none_of(keys, isIt))
                 tellHead(line, entry);
         }
-        if (!anew.isEmpty())
+        if (section && !anew.isEmpty())
             line.tell(section->line, u"%1: those of each generation"_s.arg(anew.join(", "_L1)));
     }
 }

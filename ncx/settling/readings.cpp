@@ -176,7 +176,9 @@ void tellSections(SettledLine &line)
                           u"Add them if the device has them."_s));
     for (const QLatin1StringView name : listSections) {
         const DescriptionText::Section *list = line.file().section(name);
-        for (const DescriptionText::Entry &entry : list ? list->entries : std::vector<DescriptionText::Entry>()) {
+        if (!list)
+            continue;
+        for (const DescriptionText::Entry &entry : list->entries) {
             const auto index = EdsValue::number(entry.value);
             if (index && *index >= Index::firstCommunicationObject && *index <= 0xffff &&
                 entry.key.compare("SupportedObjects"_L1, Qt::CaseInsensitive) != 0 &&

@@ -68,7 +68,7 @@ void BoundStatement::bindUtf8(QByteArrayView text)
 
 bool BoundStatement::execute()
 {
-    const int places = std::exchange(place_, 0);
+    [[maybe_unused]] const int places = std::exchange(place_, 0);
     const bool isBound = std::exchange(isBound_, true);
     sqlite3_stmt *statement = prepared();
     if (!statement)
