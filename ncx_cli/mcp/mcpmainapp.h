@@ -1,13 +1,8 @@
 #pragma once
 
-#include "ncx_cli/mcp/call/reply.h"
-#include "ncx_cli/mcp/session/projectsession.h"
+#include "mcp/wire/streamserver.h"
 
-#include <QQueue>
 #include <QStringList>
-
-class MCPStdinReader;
-class ToolCatalogue;
 
 /// The server mode: a Model Context Protocol server for one client on standard input and output.
 ///
@@ -21,37 +16,25 @@ class MCPMainApp : public QObject
 public:
     /// `arguments` are the process's, as given; of them "-codbpath FOLDER" counts.
     MCPMainApp(QStringList arguments, QString buildId, QObject *parent = nullptr);
-    ~MCPMainApp() override;
-    Q_DISABLE_COPY_MOVE(MCPMainApp)
 
     const QString &buildId() const { return buildId_; }
-    ProjectSession &session() { return session_; }
-
+    ProjectSession &session() { return server_.session().project(); }
     /// The reply to a message; nothing for one that gets none.
-    std::optional<QByteArray> answer(const QByteArray &message);
-    /// The reply to a method of the protocol.
-    Reply dispatch(const QString &method, const QJsonObject &params);
+    std::optional<QByteArray> answer(const QByteArray &message) { return server_.session().answer(message); }
+
+    /// The server as data.
+    static const ServerForm &form();
 
 public Q_SLOTS:
     /// Begins to read; in a build that cannot serve, ends the event loop with exit code 1.
     void start();
-    void onLineReceived(const QByteArray &line);
 
 Q_SIGNALS:
     /// The input has ended and all that came before is answered.
     void finished();
 
 private:
-    Reply callTool(const QJsonObject &params);
-    const ToolCatalogue &catalogue();
-    void onInputEnded();
-
     QStringList arguments_;
     QString buildId_;
-    ProjectSession session_;
-    std::unique_ptr<MCPStdinReader> reader_;
-    std::unique_ptr<ToolCatalogue> catalogue_;
-    QQueue<QByteArray> waiting_;
-    bool serving_ = false; ///< a request is under way, perhaps with an event loop of its own
-    bool inputEnded_ = false;
+    StreamServer server_;
 };

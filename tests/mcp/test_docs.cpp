@@ -1,5 +1,5 @@
-#include "ncx_cli/mcp/tools/settingscatalogue.h"
-#include "ncx_cli/mcp/tools/toolfamilies.h"
+#include "mcp/tools/settingscatalogue.h"
+#include "mcp/tools/toolfamilies.h"
 #include "nodedict/cohelper.h"
 #include "support/testhome.h"
 

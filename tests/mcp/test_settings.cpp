@@ -1,5 +1,5 @@
-#include "ncx_cli/mcp/session/accessthrottle.h"
-#include "ncx_cli/mcp/tools/settingvalue.h"
+#include "mcp/session/accessthrottle.h"
+#include "mcp/tools/settingvalue.h"
 #include "support/printing.h"
 #include "support/processrunner.h"
 #include "support/testhome.h"

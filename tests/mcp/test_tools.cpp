@@ -1,7 +1,8 @@
 #include "check/modelchecker.h"
-#include "ncx_cli/mcp/resources.h"
-#include "ncx_cli/mcp/session/projectsession.h"
-#include "ncx_cli/mcp/toolcatalogue.h"
+#include "mcp/call/answerform.h"
+#include "mcp/server/resources.h"
+#include "mcp/session/projectsession.h"
+#include "ncx_cli/mcp/mcpmainapp.h"
 #include "support/mcpdriver.h"
 #include "support/projectbuilder.h"
 #include "support/testhome.h"
@@ -33,12 +34,13 @@ protected:
 
     QString run(const QString &tool, const QJsonObject &arguments = {})
     {
-        const Reply reply = catalogue_.find(tool)->run(session_, arguments);
+        const Reply reply =
+            catalogue_.find(tool)->run(ToolCall(session_, *catalogue_.find(tool), arguments, AnswerForm::plain()));
         return McpDriver::told(QJsonDocument::fromJson(reply.line(1)).object());
     }
     QTemporaryDir folder_;
     ProjectSession session_;
-    ToolCatalogue catalogue_;
+    ToolCatalogue catalogue_{MCPMainApp::form().families, AnswerForm::plain()};
 };
 
 const QJsonObject object2000{{u"line"_s, 0}, {u"index"_s, 0x2000}};

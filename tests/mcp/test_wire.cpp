@@ -1,5 +1,5 @@
-#include "ncx_cli/mcp/mcpstdinreader.h"
-#include "ncx_cli/mcp/standardstreams.h"
+#include "mcp/wire/mcpstdinreader.h"
+#include "mcp/wire/standardstreams.h"
 #include "support/mcpdriver.h"
 #include "support/projectbuilder.h"
 #include "support/testhome.h"

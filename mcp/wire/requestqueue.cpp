@@ -1,0 +1,24 @@
+#include "mcp/wire/requestqueue.h"
+
+#include "mcp/server/serversession.h"
+
+#include <utility>
+
+void RequestQueue::serve(ServerSession &session, const QByteArray &message, Answered answered)
+{
+    waiting_.enqueue({&session, message, std::move(answered)});
+    if (serving_)
+        return;
+    serving_ = true;
+    while (!waiting_.isEmpty()) {
+        const Waiting next = waiting_.dequeue();
+        if (const auto reply = next.session->answer(next.message))
+            next.answered(*reply);
+    }
+    serving_ = false;
+}
+
+void RequestQueue::forget(const ServerSession &session)
+{
+    waiting_.removeIf([&session](const Waiting &one) { return one.session == &session; });
+}
