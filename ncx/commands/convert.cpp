@@ -1,6 +1,7 @@
 // Turns a project from one form into the other.
 
 #include "ncx/commands/commands.h"
+#include "ncx/commands/outputfile.h"
 #include "ncx/project/openedproject.h"
 #include "ncx/usage/invocation.h"
 #include "store/objectdatabase.h"
@@ -67,10 +68,8 @@ int run(const Invocation &call)
     const QString out = call.operand(1);
     if (QFileInfo::exists(out) && QFileInfo(in).canonicalFilePath() == QFileInfo(out).canonicalFilePath())
         return call.refuse(u"IN and OUT are the same file"_s);
-    if (QFileInfo::exists(out) && !call.isSet("force"_L1)) {
-        terminal.fail(u"%1 exists; --force replaces it"_s.arg(out));
+    if (OutputFile::isTaken(call, out))
         return CouldNot;
-    }
     OpenedProject project;
     terminal.step(u"reading %1"_s.arg(in));
     if (!project.open(in, OpenedProject::Purpose::Reading)) {
@@ -78,6 +77,9 @@ int run(const Invocation &call)
         return CouldNot;
     }
     if (OpenedProject::isTextPath(out) && !acceptsLosses(call, project.store()))
+        return CouldNot;
+    // Reading took a while, in which another process may have written the file.
+    if (OutputFile::isTaken(call, out))
         return CouldNot;
     terminal.step(u"writing %1"_s.arg(out));
     if (const QString reason = project.saveAs(out); !reason.isEmpty()) {

@@ -120,21 +120,19 @@ std::optional<QList<File>> wantedFiles(const Invocation &call, const QList<File>
     return wanted;
 }
 
-/// Brings the files into their folder and tells of each. False if one could not be written.
+/// Brings the files into their folder and tells of each. False, with that told, if that could not be.
 bool install(const Invocation &call, FolderGeneration &generation, const QList<File> &files)
 {
     const bool isDry = call.isSet("dry-run"_L1);
-    bool done = true;
-    for (const File &file : files) {
-        const QString reason = isDry ? QString() : generation.install(file);
-        if (!reason.isEmpty()) {
-            call.terminal().fail(u"%1 cannot be written: %2"_s.arg(file.name, reason));
-            done = false;
-        } else if (!call.isSet("quiet"_L1) && (!isDry || file.change != Change::None)) {
-            call.terminal().answer(u"%1: %2"_s.arg(file.name, wordOf(file.change, isDry)));
-        }
+    if (const QString reason = isDry ? QString() : generation.install(files); !reason.isEmpty()) {
+        call.terminal().fail(reason);
+        return false;
     }
-    return done;
+    for (const File &file : files) {
+        if (!call.isSet("quiet"_L1) && (!isDry || file.change != Change::None))
+            call.terminal().answer(u"%1: %2"_s.arg(file.name, wordOf(file.change, isDry)));
+    }
+    return true;
 }
 
 /// What a modifier file could not do; empty if it has been applied.

@@ -6,6 +6,7 @@
 #include "ncx/project/openedproject.h"
 #include "ncx/usage/invocation.h"
 #include "store/objectdatabase.h"
+#include "texttools/textfile.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
@@ -90,24 +91,51 @@ QJsonObject Imported::toJson() const
             {u"notes"_s, listOf(report.notes)}};
 }
 
+bool speaksOneOf(const LineProtocols &own, const LineProtocols &needed)
+{
+    return (own.canOpen && needed.canOpen) || (own.j1939 && needed.j1939) || (own.rawCan && needed.rawCan);
+}
+
+QString namesOf(const LineProtocols &protocols)
+{
+    QStringList names;
+    for (const auto &[speaks, name] : {std::pair(protocols.canOpen, u"CANopen"_s),
+                                       {protocols.j1939, u"J1939"_s},
+                                       {protocols.rawCan, u"raw CAN"_s}}) {
+        if (speaks)
+            names.append(name);
+    }
+    return names.join(" or "_L1);
+}
+
+/// The end of a message that names the first line which can take what another one cannot.
+QString otherLine(ObjectDataBase &store, const LineProtocols &needed)
+{
+    for (const quint8 line : store.getNodeList()) {
+        if (speaksOneOf(LineProtocols::ofLine(store, line), needed))
+            return u"; --line=%1 does"_s.arg(line);
+    }
+    return u", nor does another line of the project"_s;
+}
+
 /// Why a line cannot take a file; empty if it can.
 QString reasonAgainst(ObjectDataBase &store, const QString &path, quint8 line)
 {
-    if (!QFileInfo(path).isFile())
-        return u"there is no such file"_s;
-    const LineProtocols own = LineProtocols::ofLine(store, line);
-    if (ImportDispatch::isDbc(path))
-        return own.j1939 || own.rawCan ? QString()
-                                       : u"it is for J1939 or raw CAN, which line %1 does not speak"_s.arg(line);
-    const std::optional<LineProtocols> needed = ImportDispatch::protocolFor(path);
+    const LineProtocols dbc{.j1939 = true, .rawCan = true};
+    const std::optional<LineProtocols> needed = ImportDispatch::isDbc(path) ? dbc : ImportDispatch::protocolFor(path);
+    if (const QString reason = OpenedProject::reasonNotToRead(path); !reason.isEmpty())
+        return reason;
     if (!needed)
         return OpenedProject::isTextPath(path)
                    ? u"a project in text form is not merged; 'ncx convert' makes a database of it"_s
-                   : u"no importer takes a file of this name"_s;
-    if ((needed->canOpen && !own.canOpen) || (needed->j1939 && !own.j1939))
-        return u"it is for %1, which line %2 does not speak"_s.arg(needed->canOpen ? u"CANopen"_s : u"J1939"_s)
-            .arg(line);
-    return {};
+                   : u"no importer takes a file of this name; 'ncx import --help' tells which there are"_s;
+    if (!needed->any()) // a project
+        return OpenedProject::reasonAgainst(path);
+    if (!speaksOneOf(LineProtocols::ofLine(store, line), *needed))
+        return u"it is for %1, which line %2 does not speak%3"_s.arg(namesOf(*needed))
+            .arg(line)
+            .arg(otherLine(store, *needed));
+    return QFileInfo(path).size() > TextFile::maxFileSize ? OpenedProject::tooLargeText() : QString();
 }
 
 bool takesSomething(const ImportReport &report)

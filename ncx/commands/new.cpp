@@ -2,6 +2,7 @@
 
 #include "ncx/commands/commands.h"
 #include "ncx/commands/findingtext.h"
+#include "ncx/commands/outputfile.h"
 #include "ncx/findings/projectfindings.h"
 #include "ncx/making/newproject.h"
 #include "ncx/project/identity.h"
@@ -136,18 +137,6 @@ QString reportPath(const QString &path)
     return path + ".report.txt"_L1;
 }
 
-/// True, with the reason told, if a file stands in the way.
-bool isTaken(const Invocation &call, const QString &path)
-{
-    if (QFileInfo(path).isDir())
-        call.terminal().fail(u"%1: it is a folder"_s.arg(path));
-    else if (QFileInfo::exists(path) && !call.isSet("force"_L1))
-        call.terminal().fail(u"%1 exists; --force replaces it"_s.arg(path));
-    else
-        return false;
-    return true;
-}
-
 int fail(const Invocation &call, const QString &path, const QString &reason)
 {
     call.terminal().fail(u"%1: %2"_s.arg(path, reason));
@@ -193,10 +182,8 @@ int runWithDescription(const Invocation &call, const NewProject &wish)
     constexpr qsizetype placesAtTerminal = 5;
     const QString path = call.operand();
     const QString file = call.value("from"_L1);
-    if (isTaken(call, reportPath(path)))
+    if (OutputFile::isTaken(call, reportPath(path)))
         return CouldNot;
-    if (!QFileInfo(file).isFile())
-        return fail(call, file, u"there is no such file"_s);
     OpenedProject project;
     if (const QString reason = wish.makeIn(project.store()); !reason.isEmpty())
         return fail(call, path, reason);
@@ -212,6 +199,9 @@ int runWithDescription(const Invocation &call, const NewProject &wish)
         return fail(call, file, reason);
     const QString head = u"%1 from %2: %3"_s.arg(path, QFileInfo(file).fileName(), summary(report));
     const QString whole = head + u'\n' + report.lines().join(u'\n') + u'\n';
+    // It took a while, in which another process may have been faster.
+    if (OutputFile::isTaken(call, path) || OutputFile::isTaken(call, reportPath(path)))
+        return CouldNot;
     if (const QString reason = saveBoth(project, path, whole.toUtf8()); !reason.isEmpty())
         return fail(call, path, reason);
     for (const QString &text : report.lines(placesAtTerminal).sliced(report.lines().isEmpty() ? 0 : 1))
@@ -225,7 +215,7 @@ int run(const Invocation &call)
 {
     const QString path = call.operand();
     const std::optional<NewProject> wish = wishOf(call);
-    if (!wish || isTaken(call, path))
+    if (!wish || OutputFile::isTaken(call, path))
         return CouldNot;
     if (call.isSet("from"_L1))
         return runWithDescription(call, *wish);

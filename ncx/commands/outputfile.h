@@ -16,6 +16,8 @@ struct Source
     QString text; ///< what it is: "the project"
 };
 
+/// True, with that told, if a folder or, without `--force`, a file stands in the way.
+bool isTaken(const Invocation &call, const QString &path);
 /// The exit code; what went wrong has been told.
 int write(const Invocation &call, const QString &path, const QByteArray &content, const QList<Source> &sources);
 

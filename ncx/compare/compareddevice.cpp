@@ -3,6 +3,7 @@
 #include "generate/run/importdispatch.h"
 #include "nodedict/codes.h"
 #include "store/objectdatabase.h"
+#include "texttools/textfile.h"
 
 #include <QFileInfo>
 
@@ -31,11 +32,13 @@ bool ComparedDevice::openDescription(const QString &path)
 {
     constexpr auto canOpen = static_cast<int>(CAN::LineType::CanOpen);
     reason_ = OpenedProject::reasonNotToRead(path);
+    if (reason_.isEmpty() && QFileInfo(path).size() > TextFile::maxFileSize)
+        reason_ = OpenedProject::tooLargeText();
     if (!reason_.isEmpty())
         return false;
     store_ = std::make_shared<ObjectDataBase>();
     if (!store_->createNewDataBase() || !store_->setGeneralSetting(u"line0type"_s, QString::number(canOpen))) {
-        reason_ = u"there is no place for a working copy"_s;
+        reason_ = OpenedProject::reasonWithoutCopy();
         return false;
     }
     ImportReport report;

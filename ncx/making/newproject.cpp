@@ -2,8 +2,10 @@
 
 #include "import/profiledatabases.h"
 #include "ncx/project/identity.h"
+#include "ncx/project/openedproject.h"
 #include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
+#include "store/file/workingcopies.h"
 #include "store/lineprotocols.h"
 #include "store/objectdatabase.h"
 
@@ -117,11 +119,11 @@ QString NewProject::makeIn(ObjectDataBase &store) const
             return u"there is no profile %1 (%2)"_s.arg(id, databases.ids().join(", "_L1));
     }
     if (!store.createNewDataBase())
-        return u"there is no place for a working copy"_s;
+        return OpenedProject::reasonWithoutCopy();
     ObjectDataBase::Step step(store);
     if (!addLines(store) || !fillLines(store, databases) ||
         !store.setMiscSetting(u"CreateToolName"_s, Identity::leastFor(store, {})) || !step.commit())
-        return u"the working copy cannot be written"_s;
+        return u"the working copy cannot be written; is the disk of %1 full?"_s.arg(WorkingCopies::folder());
     return {};
 }
 

@@ -10,6 +10,8 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <memory>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -45,11 +47,47 @@ bool isSame(const QString &path, const QString &other)
     return one == two || withoutMoment(one) == withoutMoment(two);
 }
 
+/// A file on its way into the folder.
+struct Target
+{
+    Target(const FolderGeneration::File &made, const QString &path, const QByteArray &bytes)
+        : file(made)
+        , content(bytes)
+        , whole(path)
+    {
+    }
+
+    /// Brings all of it to the disk, beside the file whose place it takes. False with the error of `whole`.
+    bool prepare()
+    {
+        if (file.change == FolderGeneration::Change::Removed)
+            return true;
+        isPrepared = whole.open(QIODevice::WriteOnly);
+        if (!isPrepared) // unless the folder takes no files, but the file takes the content
+            return !QFileInfo(QFileInfo(whole.fileName()).path()).isWritable() &&
+                   QFileInfo(whole.fileName()).isWritable();
+        return whole.write(content) == content.size() && whole.isWritten();
+    }
+    /// False if the former file is still there.
+    bool takePlace()
+    {
+        if (file.change == FolderGeneration::Change::Removed)
+            return QFile::remove(whole.fileName());
+        return isPrepared ? whole.commitWhole() : WholeFile::overwriteInClosedFolder(whole.fileName(), content);
+    }
+
+    FolderGeneration::File file;
+    QByteArray content;
+    WholeFile whole;
+    bool isPrepared = false;
+};
+
 } // namespace
 
 FolderGeneration::FolderGeneration(OpenedProject &project, const QString &folder)
     : project_(project)
-    , folder_(QDir(folder).absolutePath())
+    , folder_(folder)
+    , absolute_(QDir(folder).absolutePath())
 {
 }
 
@@ -102,7 +140,7 @@ void FolderGeneration::hear(const QString &text)
     const bool isCourse =
         text.startsWith("Generation of "_L1) || text == "Generation finished."_L1 || text == "Generation completed."_L1;
     if (!isInCheck_ && !isCourse && !text.trimmed().isEmpty())
-        messages_.append(QString(text).replace(private_.path(), folder_).trimmed());
+        messages_.append(QString(text).replace(private_.path(), absolute_).trimmed());
 }
 
 /// Puts a file into the private folder, if none of that name is there yet.
@@ -116,9 +154,9 @@ bool FolderGeneration::copy(const QString &path, const QString &name)
 
 void FolderGeneration::copyWhatARunReads()
 {
-    for (const QString &name : QDir(folder_).entryList({u"gen_*"_s, u"j1939_adapter.*"_s}, QDir::Files))
+    for (const QString &name : QDir(absolute_).entryList({u"gen_*"_s, u"j1939_adapter.*"_s}, QDir::Files))
         copy(wanted(name), name);
-    for (const QString &folder : {folder_, project_.handler().outputFolder()}) {
+    for (const QString &folder : {absolute_, project_.handler().outputFolder()}) {
         for (const QString &name : {u"gen_define.h"_s, u"no_stdlib_include.txt"_s})
             copy(folder + u'/' + name, name);
     }
@@ -144,21 +182,27 @@ void FolderGeneration::compare()
     std::ranges::sort(files_, {}, &File::name);
 }
 
-QString FolderGeneration::install(const File &file)
+/// All of them are on the disk before one of them takes its place.
+QString FolderGeneration::install(const QList<File> &files)
 {
-    const QString path = wanted(file.name);
-    if (file.change == Change::None)
-        return {};
-    if (file.change == Change::Removed)
-        return QFile::remove(path) ? QString() : u"it cannot be removed"_s;
-    if (!QDir().mkpath(folder_))
-        return u"the folder cannot be made"_s;
-    const QByteArray content = contentOf(made(file.name));
-    WholeFile target(path);
-    if (!target.open(QIODevice::WriteOnly))
-        return WholeFile::overwriteInClosedFolder(path, content) ? QString() : target.errorString();
-    if (target.write(content) != content.size() || !target.commitWhole())
-        return target.errorString();
+    const auto reasonFor = [this](const File &file, const QString &reason) {
+        return u"%1 cannot be %2: %3"_s.arg(folder_ + u'/' + file.name,
+                                            file.change == Change::Removed ? u"removed"_s : u"written"_s, reason);
+    };
+    std::vector<std::unique_ptr<Target>> targets;
+    for (const File &file : files) {
+        if (file.change == Change::None)
+            continue;
+        if (!QDir().mkpath(absolute_))
+            return u"the folder %1 cannot be made"_s.arg(folder_);
+        targets.push_back(std::make_unique<Target>(file, wanted(file.name), contentOf(made(file.name))));
+        if (!targets.back()->prepare())
+            return reasonFor(file, targets.back()->whole.errorString()) + u"; nothing is written"_s;
+    }
+    for (const std::unique_ptr<Target> &target : targets) {
+        if (!target->takePlace())
+            return reasonFor(target->file, target->whole.errorString());
+    }
     return {};
 }
 
@@ -167,7 +211,7 @@ bool FolderGeneration::followUp()
     messages_.clear();
     hasFailed_ = false;
     GeneratorMainHandler &handler = project_.handler();
-    handler.setOutputFolder(folder_);
+    handler.setOutputFolder(absolute_);
     handler.setPostGenSteps({.lineEndings = false});
     const QString current = QDir::currentPath();
     handler.runPostGenProcess();

@@ -48,8 +48,8 @@ public:
     const QStringList &messages() const { return messages_; }
     /// The files of the run, by name.
     const QList<File> &files() const { return files_; }
-    /// Brings a file into the folder, as a whole or not at all. The reason for which that could not be; empty if done.
-    QString install(const File &file);
+    /// Brings files into the folder, all of them or none. What could not be done and why, a sentence; empty if done.
+    QString install(const QList<File> &files);
     /// What the settings want to follow a run: a command, and the check of the device descriptions. False if it failed.
     bool followUp();
 
@@ -59,10 +59,11 @@ private:
     void copyWhatARunReads();
     void compare();
     QString made(const QString &name) const { return private_.filePath(name); }
-    QString wanted(const QString &name) const { return folder_ + u'/' + name; }
+    QString wanted(const QString &name) const { return absolute_ + u'/' + name; }
 
     OpenedProject &project_;
-    QString folder_;
+    QString folder_; ///< as it was given
+    QString absolute_;
     QTemporaryDir private_;
     QStringList read_; ///< what was copied into the private folder
     GeneratorMainHandler::ModelFindings findings_;

@@ -4,6 +4,7 @@
 #include "store/file/migrations.h"
 #include "store/file/workingcopies.h"
 #include "store/objectdatabase.h"
+#include "texttools/textfile.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -134,6 +135,37 @@ QString OpenedProject::reasonNotToRead(const QString &path)
     return {};
 }
 
+QString OpenedProject::reasonAgainst(const QString &path)
+{
+    if (const QString reason = reasonNotToRead(path); !reason.isEmpty())
+        return reason;
+    const QByteArray head = headOf(path);
+    // A huge file that is something else is not read to find that out.
+    if (head.startsWith(databaseSignature) == isTextPath(path) || (isTextPath(path) && head.contains('\0')))
+        return reasonOfForeign(path, head);
+    const qint64 size = QFileInfo(path).size();
+    if (isTextPath(path) && size > TextFile::maxFileSize)
+        return tooLargeText();
+    if (!isTextPath(path) && sizeByHeader(head) > size)
+        return u"it is broken: %1 of its %2 bytes are there"_s.arg(size).arg(sizeByHeader(head));
+    return {};
+}
+
+QString OpenedProject::tooLargeText()
+{
+    return u"it is too large: of a text %1 MB are read"_s.arg(TextFile::maxFileSize >> 20);
+}
+
+QString OpenedProject::reasonWithoutCopy(qint64 size)
+{
+    const QFileInfo folder(WorkingCopies::folder());
+    const bool isClosed = !folder.isDir() || !folder.isWritable();
+    if (!isClosed && hasRoom(folder.filePath(), size))
+        return {};
+    return u"there is no %1 for a working copy in %2; XDG_DATA_HOME names another folder"_s.arg(
+        isClosed ? u"place"_s : u"room"_s, folder.filePath());
+}
+
 bool OpenedProject::refuse(const QString &reason)
 {
     reason_ = reason;
@@ -143,10 +175,8 @@ bool OpenedProject::refuse(const QString &reason)
 bool OpenedProject::open(const QString &path, Purpose purpose)
 {
     path_ = path;
-    if (const QString reason = reasonNotToRead(path); !reason.isEmpty())
+    if (const QString reason = reasonAgainst(path); !reason.isEmpty())
         return refuse(reason);
-    if (const QByteArray head = headOf(path); isText() && head.startsWith(databaseSignature))
-        return refuse(reasonOfForeign(path, head));
     if (purpose == Purpose::Editing)
         stamp_ = stampOf(path);
     Identity::takeWidest();
@@ -180,31 +210,29 @@ bool OpenedProject::openAsItIs(const QString &path)
 
 QString OpenedProject::save(ObjectDataBase &store, const QString &path)
 {
-    if (!QFileInfo(QFileInfo(path).absolutePath()).isDir())
+    const QFileInfo folder(QFileInfo(path).absolutePath());
+    if (!folder.isDir())
         return u"there is no such folder"_s;
     if (store.saveDatabase(path) && store.lastError().isEmpty())
         return {};
-    return store.lastError().isEmpty() ? u"it cannot be written"_s : store.lastError().chopped(1);
+    if (store.isDamaged())
+        return store.lastError().chopped(1);
+    if (!folder.isWritable())
+        return u"its folder takes no files"_s;
+    // A text needs about as much as the working copy that it is written from.
+    if (!hasRoom(folder.filePath(), 2 * QFileInfo(store.statements().path()).size()))
+        return u"there is no room for it in %1; nothing is written"_s.arg(folder.filePath());
+    return u"it cannot be written"_s;
 }
 
 QString OpenedProject::reasonOfFailure() const
 {
-    const QFileInfo folder(WorkingCopies::folder());
-    if (!folder.isDir() || !folder.isWritable())
-        return u"there is no place for a working copy in %1; XDG_DATA_HOME names another folder"_s.arg(
-            folder.filePath());
-    if (!hasRoom(folder.filePath(), QFileInfo(path_).size()))
-        return u"there is no room for a working copy in %1; XDG_DATA_HOME names another folder"_s.arg(
-            folder.filePath());
-    const QByteArray head = headOf(path_);
-    const bool isDatabase = head.startsWith(databaseSignature);
-    if (!isDatabase || isText())
-        return reasonOfForeign(path_, head);
-    const qint64 size = QFileInfo(path_).size();
-    if (sizeByHeader(head) > size)
-        return u"it is broken: %1 of its %2 bytes are there"_s.arg(size).arg(sizeByHeader(head));
+    if (const QString reason = reasonWithoutCopy(QFileInfo(path_).size()); !reason.isEmpty())
+        return reason;
+    if (isText())
+        return reasonOfForeign(path_, headOf(path_));
     if (store().isDamaged())
-        return u"it is broken, or the disk of %1 is full"_s.arg(folder.filePath());
+        return u"it is broken, or the disk of %1 is full"_s.arg(WorkingCopies::folder());
     return u"it is a database, but holds no project"_s;
 }
 

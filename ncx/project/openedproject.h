@@ -58,6 +58,13 @@ public:
     bool isText() const { return isTextPath(path_); }
     /// Why a file cannot be read at all, whatever is in it; empty if it can.
     static QString reasonNotToRead(const QString &path);
+    /// The same, or why what the file begins with makes it no project; empty if it may be one.
+    static QString reasonAgainst(const QString &path);
+    /// Why a file of text that is longer than one that is meant to be read is refused.
+    static QString tooLargeText();
+    /// Why there is no working copy of a project of so many bytes, and what to do about it; empty if there
+    /// is one.
+    static QString reasonWithoutCopy(qint64 size = 0);
     static bool isTextPath(const QString &path) { return path.endsWith(QLatin1StringView("ncxt")); }
     ObjectDataBase &store() const { return *handler_.database(); }
     const std::shared_ptr<ObjectDataBase> &sharedStore() const { return handler_.database(); }

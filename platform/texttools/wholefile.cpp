@@ -11,17 +11,29 @@ qint64 WholeFile::writeData(const char *data, qint64 length)
 {
     const qint64 written = QSaveFile::writeData(data, length);
     lost_ = lost_ || written != length;
+    if (lost_)
+        tellFull();
     return written;
+}
+
+void WholeFile::tellFull()
+{
+    if (error() == NoError) // a part was taken, which the framework counts as none
+        setErrorString(QString::fromLocal8Bit(std::generic_category().message(ENOSPC)));
+}
+
+bool WholeFile::isWritten()
+{
+    if (flush() && error() == NoError && !lost_)
+        return true;
+    tellFull();
+    return false;
 }
 
 bool WholeFile::commitWhole()
 {
     // The file gives itself up if it is not committed; a commit that fails would also forget why.
-    if (!flush() || error() != NoError)
-        return false;
-    if (lost_) // a part was taken, which the framework counts as no error
-        setErrorString(QString::fromLocal8Bit(std::generic_category().message(ENOSPC)));
-    return !lost_ && commit();
+    return isWritten() && commit();
 }
 
 bool WholeFile::overwriteInClosedFolder(const QString &path, const QByteArray &content)

@@ -11,6 +11,8 @@ class WholeFile : public QSaveFile
 public:
     using QSaveFile::QSaveFile;
 
+    /// True if all that was written so far has come to the disk, beside the former file; else the error is set.
+    bool isWritten();
     /// False, with the error of the file set, leaves the former file in its place.
     bool commitWhole();
 
@@ -22,5 +24,7 @@ protected:
     qint64 writeData(const char *data, qint64 length) override;
 
 private:
+    void tellFull();
+
     bool lost_ = false; ///< some data never came to the disk, whatever came behind it
 };

@@ -4,6 +4,7 @@
 #include "texttools/clock.h"
 #include "texttools/helper.h"
 #include "texttools/numbertext.h"
+#include "texttools/wholefile.h"
 
 #include <gtest/gtest.h>
 
@@ -117,6 +118,21 @@ TEST(Helper, WithoutRoomAFileStaysAsItIs)
         EXPECT_FALSE(Helper::modifyLineEnding(path, u"\r"_s));
     }
     EXPECT_EQ(TestSupport::readFile(path), content);
+}
+
+TEST(WholeFile, LeavesTheFormerFileAndTellsWhyWhereNotAllOfItCouldBeWritten)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"page.html"_s);
+    for (const qsizetype size : {5000, 200000}) {
+        ASSERT_TRUE(TestSupport::writeFile(path, "mine"));
+        WholeFile file(path);
+        const TestSupport::SmallDisk disk(4096);
+        EXPECT_FALSE(file.open(QIODevice::WriteOnly) && file.write(QByteArray(size, 'x')) == size &&
+                     file.commitWhole());
+        EXPECT_NE(file.errorString(), QFile().errorString()) << size;
+        EXPECT_EQ(TestSupport::readFile(path), "mine");
+    }
 }
 
 TEST(UDSSIDDefinitions, EveryServiceHasItsOwnName)
