@@ -18,7 +18,8 @@ qint64 WholeFile::writeData(const char *data, qint64 length)
 
 void WholeFile::tellFull()
 {
-    if (error() == NoError) // a part was taken, which the framework counts as none
+    // A part was taken: the framework counts that as no error, or as one without a reason.
+    if (error() == NoError || errorString() == QSaveFile().errorString())
         setErrorString(QString::fromLocal8Bit(std::generic_category().message(ENOSPC)));
 }
 
