@@ -14,6 +14,8 @@
 #include "texttools/wholefile.h"
 
 #include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 #include <algorithm>
 
@@ -34,6 +36,7 @@ constexpr Option options[] = {
     {.name = "from"_L1,
      .value = "FILE"_L1,
      .text = "take the objects of a device description (.eds, .dcf), and settle what it does not say"_L1},
+    {.name = "json"_L1, .letter = 'j', .text = "answer in JSON, form ncx-new version 1"_L1},
     {.name = "line"_L1,
      .letter = 'l',
      .value = "TYPE"_L1,
@@ -68,6 +71,7 @@ constexpr Example examples[] = {
     {"ncx new drive.ncxt --from=drive.eds --repair"_L1, "a project from what a maker delivers"_L1},
 };
 
+constexpr int jsonVersion = 1;
 constexpr int lowestNodeId = 1;
 constexpr int highestNodeId = 127;
 
@@ -177,6 +181,15 @@ QString saveBoth(OpenedProject &project, const QString &path, const QByteArray &
     return u"its report cannot be written: %1"_s.arg(file.errorString());
 }
 
+/// Answers a program; `content` is what a project that was made in this way has to tell.
+void answerJson(const Invocation &call, QJsonObject content)
+{
+    content.insert(u"format"_s, u"ncx-new"_s);
+    content.insert(u"version"_s, jsonVersion);
+    content.insert(u"project"_s, call.operand());
+    call.terminal().write(QString::fromUtf8(QJsonDocument(content).toJson()));
+}
+
 int runWithDescription(const Invocation &call, const NewProject &wish)
 {
     constexpr qsizetype placesAtTerminal = 5;
@@ -188,6 +201,7 @@ int runWithDescription(const Invocation &call, const NewProject &wish)
     if (const QString reason = wish.makeIn(project.store()); !reason.isEmpty())
         return fail(call, path, reason);
     Identity::take(Identity::leastFor(project.store(), path));
+    call.terminal().step(u"reading and settling %1"_s.arg(file));
     SettlingReport report(QFileInfo(file).fileName());
     const Settling settling{.file = file,
                             .line = static_cast<quint8>(wish.describedLine),
@@ -202,12 +216,17 @@ int runWithDescription(const Invocation &call, const NewProject &wish)
     // It took a while, in which another process may have been faster.
     if (OutputFile::isTaken(call, path) || OutputFile::isTaken(call, reportPath(path)))
         return CouldNot;
+    call.terminal().step(u"writing %1"_s.arg(path));
     if (const QString reason = saveBoth(project, path, whole.toUtf8()); !reason.isEmpty())
         return fail(call, path, reason);
-    for (const QString &text : report.lines(placesAtTerminal).sliced(report.lines().isEmpty() ? 0 : 1))
-        call.terminal().answer(text);
-    call.terminal().answer(head);
-    call.terminal().answer(u"%1 tells all of it"_s.arg(reportPath(path)));
+    if (call.isSet("json"_L1)) {
+        answerJson(call, {{u"description"_s, file}, {u"report"_s, reportPath(path)}, {u"topics"_s, report.toJson()}});
+    } else {
+        for (const QString &text : report.lines(placesAtTerminal).sliced(report.lines().isEmpty() ? 0 : 1))
+            call.terminal().answer(text);
+        call.terminal().answer(head);
+        call.terminal().answer(u"%1 tells all of it"_s.arg(reportPath(path)));
+    }
     return report.count(SettlingTopic::Kind::Left) > 0 ? Findings : Done;
 }
 
@@ -219,6 +238,7 @@ int run(const Invocation &call)
         return CouldNot;
     if (call.isSet("from"_L1))
         return runWithDescription(call, *wish);
+    call.terminal().step(u"making %1"_s.arg(path));
     if (const QString reason = make(*wish, path); !reason.isEmpty())
         return fail(call, path, reason);
     OpenedProject project;
@@ -227,7 +247,10 @@ int run(const Invocation &call)
     // A profile may ask for what only the maker of the device knows.
     ProjectFindings findings = ProjectFindings::of(project);
     findings.findings.removeIf([](const ProjectFinding &finding) { return finding.severity() == "note"_L1; });
-    FindingText::tellAll(call.terminal(), path, findings);
+    if (call.isSet("json"_L1))
+        answerJson(call, {{u"check"_s, findings.toJson(path)}});
+    else
+        FindingText::tellAll(call.terminal(), path, findings);
     return findings.count(u"error"_s) > 0 ? Findings : Done;
 }
 

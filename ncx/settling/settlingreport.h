@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHash>
+#include <QJsonArray>
 #include <QLatin1StringView>
 #include <QString>
 #include <QStringList>
@@ -41,13 +42,23 @@ public:
     qsizetype count(SettlingTopic::Kind kind) const;
     /// The lines of the report; of a topic only the first places where `mostPlaces` is above 0.
     QStringList lines(qsizetype mostPlaces = 0) const;
+    /// The topics in the order of the lines, each with its places.
+    QJsonArray toJson() const;
 
 private:
+    struct Place
+    {
+        int line = 0;
+        QString place;
+        QString text;
+    };
     struct Told
     {
         SettlingTopic topic;
-        QStringList places = {};
+        std::vector<Place> places = {};
     };
+
+    QString lineOf(const Place &place) const;
 
     QString file_;
     std::vector<Told> told_; ///< in the order in which topics came up
