@@ -128,7 +128,7 @@ void DbcReader::readMessage()
     expectSymbol(u':', "message"_L1);
     message.length = expectUnsigned("Message length expected"_L1);
     message.sender = expect(Kind::Word, "Message sender expected"_L1);
-    messageById_.insert(message.id, database_.messages.size());
+    messagesById_[message.id].append(database_.messages.size());
     database_.messages.append(message);
     while (ok() && isWord("SG_"_L1))
         readSignal();
@@ -170,38 +170,56 @@ void DbcReader::readSignal()
         takeSymbol(u',');
     }
     CANdb::Message &message = database_.messages.last();
-    // Of equal names the first is the one that others refer to.
-    const std::pair key(message.id, signal.name);
-    if (!signalByName_.contains(key))
-        signalByName_.insert(key, {database_.messages.size() - 1, message.signalList.size()});
+    signalsByName_[{message.id, signal.name}].append({database_.messages.size() - 1, message.signalList.size()});
     message.signalList.append(signal);
 }
 
-CANdb::Message *DbcReader::message(quint32 id)
+/// A device that sends and receives an identifier has two messages of it, and what is said of them stands in their
+/// order. A comment is that of the first without one. Of attributes, which a message may lack, this program writes the
+/// type of sending last.
+CANdb::Message *DbcReader::message(quint32 id, const std::optional<QString> &attribute)
 {
-    const auto place = messageById_.constFind(id);
-    return place == messageById_.constEnd() ? nullptr : &database_.messages[*place];
+    const QList<qsizetype> places = messagesById_.value(id);
+    if (places.size() < 2)
+        return places.isEmpty() ? nullptr : &database_.messages[places.first()];
+    if (attribute) {
+        qsizetype &ended = attributesEnded_[id];
+        CANdb::Message *found = &database_.messages[places.at(std::min(ended, places.size() - 1))];
+        ended += *attribute == "GenMsgSendType"_L1 ? 1 : 0;
+        return found;
+    }
+    const auto isFree = [this](qsizetype place) { return database_.messages.at(place).comment.isEmpty(); };
+    const auto place = std::ranges::find_if(places, isFree);
+    return &database_.messages[place == places.end() ? places.last() : *place];
 }
 
-CANdb::Signal *DbcReader::expectSignal()
+/// Of equal names the first is the one that others refer to; for a comment, the first without one.
+CANdb::Signal *DbcReader::expectSignal(bool forComment)
 {
     const quint32 id = expectUnsigned("Message id expected"_L1);
     const QString name = expect(Kind::Word, "Signal name expected"_L1);
-    const auto place = signalByName_.constFind({id, name});
-    return place == signalByName_.constEnd() ? nullptr : &database_.messages[place->first].signalList[place->second];
+    const auto places = signalsByName_.constFind({id, name});
+    if (places == signalsByName_.constEnd())
+        return nullptr;
+    const auto signalAt = [this](const std::pair<qsizetype, qsizetype> &place) {
+        return &database_.messages[place.first].signalList[place.second];
+    };
+    const auto isFree = [&](const auto &place) { return signalAt(place)->comment.isEmpty(); };
+    const auto free = std::ranges::find_if(*places, isFree);
+    return signalAt(forComment && free != places->end() ? *free : places->first());
 }
 
-DbcReader::Target DbcReader::readTarget()
+DbcReader::Target DbcReader::readTarget(const std::optional<QString> &attribute)
 {
     if (token_.kind != Kind::Word)
         return {&database_.comment, &database_.attributes};
     const QString owner = expect(Kind::Word, {});
     if (owner == "BO_"_L1) {
-        CANdb::Message *found = message(expectUnsigned("Message id expected"_L1));
+        CANdb::Message *found = message(expectUnsigned("Message id expected"_L1), attribute);
         return found ? Target{&found->comment, &found->attributes} : Target{};
     }
     if (owner == "SG_"_L1) {
-        CANdb::Signal *found = expectSignal();
+        CANdb::Signal *found = expectSignal(!attribute);
         return found ? Target{&found->comment, &found->attributes} : Target{};
     }
     const auto place =
@@ -292,7 +310,7 @@ void DbcReader::readAttribute()
 {
     advance();
     const QString name = expect(Kind::Text, "Attribute name expected"_L1);
-    const Target target = readTarget();
+    const Target target = readTarget(name);
     if (!target.attributes) {
         keepStatement();
         return;

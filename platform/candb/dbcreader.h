@@ -41,15 +41,18 @@ private:
         QString *comment = nullptr;
         CANdb::Attributes *attributes = nullptr;
     };
-    Target readTarget();
-    CANdb::Message *message(quint32 id);
-    CANdb::Signal *expectSignal();
+    /// What a target is wanted for: the text of a comment, or an attribute by its name.
+    Target readTarget(const std::optional<QString> &attribute = {});
+    CANdb::Message *message(quint32 id, const std::optional<QString> &attribute);
+    CANdb::Signal *expectSignal(bool forComment = false);
     QString valueOf(const QString &attribute, const Token &value) const;
 
     qsizetype statementStart_ = 0;
     CANdb::Database database_;
-    QHash<quint32, qsizetype> messageById_;
-    /// Places of message and signal, by the identifier of the one and the name of the other.
-    QHash<std::pair<quint32, QString>, std::pair<qsizetype, qsizetype>> signalByName_;
+    /// Places of messages; of one identifier there are two where a device sends and receives it.
+    QHash<quint32, QList<qsizetype>> messagesById_;
+    QHash<quint32, qsizetype> attributesEnded_; ///< how many of these have all of their attributes
+    /// Places of messages and signals, by the identifier of the one and the name of the other.
+    QHash<std::pair<quint32, QString>, QList<std::pair<qsizetype, qsizetype>>> signalsByName_;
     QHash<QString, qsizetype> nodeByName_;
 };
