@@ -3,6 +3,8 @@
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 
+#include <QHash>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -19,16 +21,36 @@ void add(QJsonObject &json, const QString &key, const QString &text)
         json.insert(key, text);
 }
 
-QString implementationText(quint8 implementation)
+/// A word that thousands of parts have. A value of JSON is a container of its own, which such parts can share.
+template <class Word>
+QJsonValue shared(QHash<Word, QJsonValue> &known, const Word &word, const auto &textOf)
 {
-    static const QStringList words{u"managedVariable"_s, u"managedConst"_s, u"variable"_s, u"virtual"_s};
-    return words.value(implementation, QString::number(implementation));
+    const auto place = known.constFind(word);
+    return place != known.constEnd() ? *place : *known.insert(word, QJsonValue(textOf()));
+}
+
+QJsonValue implementationText(quint8 implementation)
+{
+    static const QJsonValue words[] = {u"managedVariable"_s, u"managedConst"_s, u"variable"_s, u"virtual"_s};
+    return implementation < std::size(words) ? words[implementation] : QJsonValue(QString::number(implementation));
+}
+
+QJsonValue dataTypeText(quint32 type)
+{
+    static QHash<quint32, QJsonValue> known;
+    return shared(known, type, [type] { return COHelper::index2DataTypeString(type); });
+}
+
+QJsonValue wordText(const QString &word)
+{
+    static QHash<QString, QJsonValue> known;
+    return shared(known, word, [&word] { return word; });
 }
 
 QJsonObject ofSignal(const CheckedSignal &signal)
 {
     QJsonObject json{{u"name"_s, signal.data.name},
-                     {u"dataType"_s, COHelper::index2DataTypeString(signal.data.datatype)},
+                     {u"dataType"_s, dataTypeText(signal.data.datatype)},
                      {u"firstBit"_s, signal.data.bitposition},
                      {u"bits"_s, qint64{signal.bits}},
                      {u"implementation"_s, implementationText(signal.data.implementation)}};
@@ -83,8 +105,8 @@ QJsonObject DeviceJson::ofObject(const CheckedObject &object)
 {
     QJsonObject json{{u"index"_s, hex(object.index)},
                      {u"name"_s, object.data.name},
-                     {u"objectCode"_s, COHelper::objectCode2String(object.data.objecttype)},
-                     {u"dataType"_s, COHelper::index2DataTypeString(object.data.datatype)},
+                     {u"objectCode"_s, wordText(COHelper::objectCode2String(object.data.objecttype))},
+                     {u"dataType"_s, dataTypeText(object.data.datatype)},
                      {u"subindices"_s, listOf(object.subs, ofSubindex)}};
     add(json, u"description"_s, object.data.description);
     return json;
@@ -95,9 +117,9 @@ QJsonObject DeviceJson::ofSubindex(const CheckedSubindex &sub)
     const StoreRecords::SubIndexData &data = sub.data;
     QJsonObject json{{u"subindex"_s, sub.subindex},
                      {u"name"_s, data.name},
-                     {u"dataType"_s, COHelper::index2DataTypeString(data.datatype)},
-                     {u"access"_s, data.accesstype},
-                     {u"mapping"_s, data.pdomapping.getCSVStringValue()},
+                     {u"dataType"_s, dataTypeText(data.datatype)},
+                     {u"access"_s, wordText(data.accesstype)},
+                     {u"mapping"_s, wordText(data.pdomapping.getCSVStringValue())},
                      {u"implementation"_s, implementationText(data.implementation)}};
     add(json, u"default"_s, data.defaultvalue);
     add(json, u"current"_s, data.currentvalue);

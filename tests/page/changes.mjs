@@ -36,6 +36,22 @@ export const changes = {
         assert.equal(await tab.textContent('#shown'), `${diff.breaking} of ${diff.changes.length} are shown.`);
         await tab.evaluate(() => { location.hash = '1/pgn65265'; }); // what an address names is shown
         await tab.waitForSelector('[id="1/pgn65265"].chosen:visible');
+        const search = async (text, ...keys) => {
+            await tab.evaluate(() => document.activeElement.blur());
+            await tab.keyboard.press('/');
+            await tab.keyboard.type(text);
+            for (const key of keys)
+                await tab.keyboard.press(key);
+            const shown = await texts(tab, '#sections > section:not([hidden]) .card:not([hidden]) .change:not([hidden]) td:nth-child(2)');
+            return [await tab.textContent('#shown'), shown];
+        };
+        assert.deepEqual(await search('vehicle UNSIGNED32'), [`1 of ${diff.changes.length} are shown.`, ['0x2000:0 Vehicle speed']]);
+        assert.deepEqual(await texts(tab, '#groups a:visible'), ['Objects 2']);
+        assert.deepEqual(await search('1a00', 'Enter'), [`1 of ${diff.changes.length} are shown.`, ['0x1a00:1 Mapped object']]);
+        assert.equal(await tab.evaluate(() => location.hash), '#0x1a00:1.mapping');
+        assert.deepEqual(await search('no such thing'), [`0 of ${diff.changes.length} are shown.`, []]);
+        await tab.keyboard.press('Escape');
+        assert.equal(await tab.locator('.change:visible').count(), diff.changes.length);
         const lost = await tab.$$eval('#main a, #groups a', list => list.map(link => decodeURIComponent(link.hash.slice(1)))
             .filter(id => !document.getElementById(id)));
         assert.deepEqual(lost, []);

@@ -102,6 +102,20 @@ const cases = {
         await tab.close();
     },
 
+    async 'A search tells of other lines and goes on there'() {
+        const tab = await open(browser, writePage(program, example('gateway'), 'gateway.html'));
+        assert.ok((await texts(tab, 'main td')).includes('0x610 → 0x590')); // the predefined SDO of node 16
+        await tab.keyboard.press('/');
+        await tab.keyboard.type('speed');
+        assert.equal(await tab.textContent('#hits'), '2 fit. 2 on engine');
+        await tab.click('#hits a');
+        await tab.waitForFunction(() => current.title === 'engine');
+        assert.equal(await tab.inputValue('#query'), 'speed');
+        assert.deepEqual(await texts(tab, '#tree .level3 .name'), ['Wheel-Based Vehicle Speed']);
+        assert.deepEqual(tab.faults, []);
+        await tab.close();
+    },
+
     async 'What is changed from its default is found, and a group in both directions has two addresses'() {
         const project = path.join(folder, 'changed.ncxt');
         const base = fs.readFileSync(example('co_j1939'), 'utf8');

@@ -112,7 +112,7 @@ function percent(bitsPerSecond, kilobits) {
 function loadTable(model, messages) {
     const sent = trafficOf(messages.filter(message => message.isSent));
     const all = trafficOf(messages);
-    const range = (traffic, rate) => `${percent(traffic.least, rate)} to ${percent(traffic.most, rate)}`;
+    const range = (traffic, rate) => [...new Set([percent(traffic.least, rate), percent(traffic.most, rate)])].join(' to ');
     const rates = model.extra.bitRates;
     if (rates.length === 0)
         return el('p', { class: 'quiet' }, 'The description of this line allows no bit rate, so there is no load to tell.');

@@ -2,7 +2,9 @@
 'use strict';
 
 const main = document.getElementById('main');
+const query = document.getElementById('query');
 const onlyBreaking = document.getElementById('breaking');
+const shownGroups = []; // what search and filter look through: groups with their cards, and these with their rows
 const drawnAtOnce = 30; // frames; of more, those are drawn that come near what is seen
 const isLong = cards.messages.size > drawnAtOnce;
 
@@ -97,7 +99,8 @@ function showHead() {
     document.getElementById('files').replaceChildren(said(names[0]), ' → ', said(names[1]));
     document.title = plain(`Changes: ${names[0]} → ${names[1]}`);
     document.getElementById('count').textContent = counted(changes.length, breaking);
-    document.querySelector('.choice').hidden = breaking === 0;
+    document.querySelector('.choice').hidden = changes.length === 0;
+    document.getElementById('only').hidden = breaking === 0;
     document.getElementById('legend').hidden = cards.messages.size === 0;
 }
 
@@ -107,24 +110,65 @@ function showGroups() {
         if (list.length === 0)
             continue;
         const number = list.reduce((sum, card) => sum + card.changes.length, 0);
-        document.getElementById('groups').append(el('a', { href: `#${group.id}` }, group.name, ' ',
-            el('span', { class: 'badge' }, String(number))));
-        document.getElementById('sections').append(el('section', { id: group.id }, el('h2', {}, group.name), list.map(cardView)));
+        const tab = el('a', { href: `#${group.id}` }, group.name, ' ', el('span', { class: 'badge' }, String(number)));
+        const views = list.map(cardView);
+        const section = el('section', { id: group.id }, el('h2', {}, group.name), views);
+        document.getElementById('groups').append(tab);
+        document.getElementById('sections').append(section);
+        shownGroups.push({ tab, section, cards: list.map((card, i) => searched(card, views[i])) });
     }
 }
 
-/// Leaves what breaks something, or all.
+function hayOf(...texts) {
+    return texts.filter(text => text !== undefined).join('\n').toLowerCase();
+}
+
+/// A card as search and filter see it.
+function searched(card, view) {
+    const rows = view.querySelectorAll('.change');
+    return {
+        view, table: view.querySelector(':scope > .wide'), breaks: view.classList.contains('breaks'),
+        hay: hayOf(card.code, card.name, several && card.line !== undefined ? lineName(card.line) : undefined),
+        rows: card.changes.map((change, i) => ({
+            view: rows[i], breaks: Boolean(change.breaking),
+            hay: hayOf(change.code, change.name, change.property, change.change, change.before, change.after) })),
+    };
+}
+
+function setHidden(element, isHidden) {
+    if (element && element.hidden !== isHidden)
+        element.hidden = isHidden;
+}
+
+/// Shows of a card what the words and the switch leave. How many changes that are; -1 if nothing of it is left.
+function narrow(card, words, isOnly) {
+    const rest = words.filter(word => !card.hay.includes(word));
+    let left = 0;
+    for (const row of card.rows) {
+        const isLeft = (!isOnly || row.breaks) && rest.every(word => row.hay.includes(word));
+        setHidden(row.view, !isLeft);
+        left += isLeft ? 1 : 0;
+    }
+    // A card without a change of its own shows a frame that maps one.
+    const isLeft = left > 0 || (rest.length === 0 && (!isOnly || card.breaks));
+    setHidden(card.view, !isLeft);
+    setHidden(card.table, left === 0);
+    return isLeft ? left : -1;
+}
+
+/// Leaves what breaks something, and what has the words of the search; or all.
 function filter() {
+    const words = query.value.toLowerCase().split(/\s+/).filter(Boolean);
     const isOnly = onlyBreaking.checked;
-    for (const part of document.querySelectorAll('.change, .card'))
-        part.hidden = isOnly && !part.classList.contains('breaks');
-    for (const section of document.querySelectorAll('#sections > section'))
-        section.hidden = isOnly && !section.querySelector('.card.breaks');
-    for (const region of document.querySelectorAll('.card > .wide'))
-        region.hidden = isOnly && !region.querySelector('.breaks');
-    for (const link of document.querySelectorAll('#groups a'))
-        link.hidden = document.getElementById(link.hash.slice(1)).hidden;
-    document.getElementById('shown').textContent = isOnly ? `${data.diff.breaking} of ${data.diff.changes.length} are shown.` : '';
+    let shown = 0;
+    for (const { tab, section, cards: list } of shownGroups) {
+        const numbers = list.map(card => narrow(card, words, isOnly)).filter(number => number >= 0);
+        shown += numbers.reduce((sum, number) => sum + number, 0);
+        setHidden(section, numbers.length === 0);
+        setHidden(tab, numbers.length === 0);
+    }
+    document.getElementById('shown').textContent =
+        isOnly || words.length > 0 ? `${shown} of ${data.diff.changes.length} are shown.` : '';
 }
 
 /// The part of the page that an address names; of an object or a message, the first change in it.
@@ -147,6 +191,7 @@ function go() {
         return;
     if (part.closest('[hidden]')) {
         onlyBreaking.checked = false;
+        query.value = '';
         filter();
     }
     part.classList.add('chosen');
@@ -161,7 +206,32 @@ function fillAll() {
     }
 }
 
+/// In the field of the search: Enter leads to the first change that is left.
+function queryKey(event) {
+    const first = document.querySelector('#sections > section:not([hidden]) .card:not([hidden])');
+    if (event.key === 'Enter') {
+        if (first)
+            location.hash = first.querySelector('.change:not([hidden])')?.id ?? first.id;
+    } else if (event.key === 'Escape') {
+        query.value = '';
+        filter();
+    } else {
+        return;
+    }
+    event.preventDefault();
+}
+
 onlyBreaking.addEventListener('change', filter);
+query.addEventListener('input', filter);
+query.addEventListener('keydown', queryKey);
+document.addEventListener('keydown', event => {
+    if (isSearchKey(event)) {
+        event.preventDefault();
+        query.focus();
+        query.select();
+    }
+});
+document.getElementById('search').addEventListener('submit', event => event.preventDefault());
 document.getElementById('skip').addEventListener('click', event => { event.preventDefault(); main.focus(); });
 window.addEventListener('beforeprint', fillAll);
 window.addEventListener('hashchange', go);

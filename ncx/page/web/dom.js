@@ -51,6 +51,12 @@ function table(caption, heads, rows, attributes = {}) {
                 (cell, i) => kept[i] ? el('td', { class: heads[i].class }, cell ?? '') : ''))))));
 }
 
+/// True for the key that leads to the search, unless it is a letter of what somebody types.
+function isSearchKey(event) {
+    const isTyping = /^(INPUT|SELECT|TEXTAREA)$/.test(event.target.tagName) && event.target.type !== 'checkbox';
+    return event.key === '/' && !isTyping && !event.ctrlKey && !event.metaKey && !event.altKey;
+}
+
 /// Facts under each other: names and values; those without a value are left out.
 function facts(...pairs) {
     return el('dl', { class: 'facts' }, pairs.filter(([, value]) => isSomething(value)).map(
@@ -92,8 +98,8 @@ function findingList(findings, withPlace) {
 
 function findingPlace(finding) {
     const line = several && finding.line !== undefined
-        ? `${models.find(model => model.number === finding.line)?.title ?? `line ${finding.line}`}, ` : '';
-    if (finding.node)
-        return [said(line), link(finding.node, mono(finding.node.kind === 'sub' ? finding.node.id : finding.node.code))];
-    return [said(line), finding.setting ? mono(finding.setting) : ''];
+        ? models.find(model => model.number === finding.line)?.title ?? `line ${finding.line}` : '';
+    const part = finding.node ? link(finding.node, mono(finding.node.kind === 'sub' ? finding.node.id : finding.node.code))
+                              : finding.setting && mono(finding.setting);
+    return [line && said(line), line && part ? ', ' : '', part, line || part ? ': ' : ''];
 }

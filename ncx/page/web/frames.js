@@ -71,7 +71,7 @@ function messageFacts(node) {
         ['Direction', data.direction === 'transmit' ? 'sent by this device' : 'received by this device'],
         ['Sent', node.kind === 'pdo' ? timingOf(node) : milliseconds(data.cycleTime) && `every ${data.cycleTime} ms`],
         ['Not more often than', milliseconds(inhibit) && `every ${milliseconds(inhibit)}`],
-        ['Priority', node.kind === 'pgn' ? `${data.priority} of 0 (highest) to 7` : ''],
+        ['Priority', node.kind === 'pgn' ? `${data.priority} (0 is the highest, 7 the lowest)` : ''],
         ['Length', `${data.frame.bits} bits, ${Math.ceil(data.frame.bits / 8)} bytes`],
         ['Described by', node.kind === 'pdo' ? ['communication', 'mapping'].map(key => node.line.nodes.get(data[key]))
             .filter(Boolean).map(object => [link(object, mono(object.code)), ' ']) : '']);

@@ -7,6 +7,7 @@ const views = { overview: ['At a glance', overview], frames: ['Frames', framesVi
 const wholeViews = { findings: findingsView, settings: settingsView };
 let current = models[0];
 let chosen = {};
+let keptQuery = ''; // of a search that goes on in another line
 
 const tree = new Tree(document.getElementById('tree'), node => { location.hash = node.line.href(node.id); });
 tree.changed = () => refresh();
@@ -15,10 +16,21 @@ tree.changed = () => refresh();
 function refresh() {
     const { rows, hits, isActive } = rowsOf(current, query.value, chosen);
     tree.show(current, rows);
-    document.getElementById('hits').textContent =
-        !isActive ? '' : hits === 0 ? 'Nothing fits.' : hits === 1 ? '1 fits.' : `${hits} fit.`;
+    document.getElementById('hits').replaceChildren(
+        ...(!isActive ? [] : [hits === 0 ? 'Nothing fits.' : hits === 1 ? '1 fits.' : `${hits} fit.`, ...elsewhere()]));
     const count = Object.keys(chosen).length;
     document.getElementById('filter-count').textContent = count > 0 ? `(${count})` : '';
+}
+
+/// Links to the other lines that have what is looked for.
+function elsewhere() {
+    if (query.value.trim() === '')
+        return [];
+    return models.filter(model => model !== current).flatMap(model => {
+        const { hits } = rowsOf(model, query.value, {});
+        const keep = () => { keptQuery = query.value; };
+        return hits === 0 ? [] : [' ', el('a', { href: model.href('overview'), click: keep }, `${hits} on `, said(model.title))];
+    });
 }
 
 /// Makes a line the one that the index shows.
@@ -27,7 +39,8 @@ function take(model) {
         return;
     current = model;
     chosen = {};
-    query.value = '';
+    query.value = keptQuery;
+    keptQuery = '';
     document.getElementById('filter-fields').replaceChildren(...filterFields(model, filters => {
         chosen = filters;
         refresh();
@@ -120,8 +133,7 @@ function showHead() {
 }
 
 function key(event) {
-    const isTyping = /^(INPUT|SELECT|TEXTAREA)$/.test(event.target.tagName) && event.target.type !== 'checkbox';
-    if (event.key === '/' && !isTyping && !event.ctrlKey && !event.metaKey && !event.altKey) {
+    if (isSearchKey(event)) {
         event.preventDefault();
         if (document.body.dataset.view in wholeViews)
             location.hash = current.href('overview');

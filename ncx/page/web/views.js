@@ -15,10 +15,12 @@ const words = {
         ['Object dictionary', 'all that a CANopen device can be asked for, by index (0x1018) and subindex (0x1018:1)'],
         ['PDO', 'process data object: values sent without being asked for. A TPDO is sent, an RPDO received; '
             + 'a communication object says when, a mapping object says what'],
+        ['SDO', 'service data object: a master asks for one value of the object dictionary, or writes it'],
         ['COB-ID', 'the identifier of a CANopen message on the bus; $NODEID stands for the number of the node'],
     ],
     J1939: [
-        ['PGN', 'parameter group: a message with a number, which stands in its 29-bit identifier'],
+        ['PGN', 'parameter group: a message with a number, which stands in its 29-bit identifier; the last byte of that is the '
+            + 'address of the sender, which is open (··) for what this device receives'],
         ['SPN', 'a value within a parameter group, with a number of its own; byte and bit are counted from 1'],
     ],
     RawCAN: [['CAN message', 'a message that belongs to no protocol: an identifier and its data elements']],
@@ -40,12 +42,26 @@ function messagesOf(model) {
     return ['pdos', 'pgns', 'messages'].flatMap(id => model.roots.find(root => root.id === id)?.kids ?? []);
 }
 
+/// The way to the object dictionary that every node has (CiA 301), with the identifiers of 0x1200 or the predefined ones.
+function sdoRow(model) {
+    const server = model.nodes.get('0x1200');
+    const node = numberOf(model.json.nodeId ?? '', model.json);
+    const identifier = (sub, base) => {
+        const own = valueAt(model, `0x1200:${sub}`);
+        return own > 0 ? hex(own % 0x20000000) : node > 0 ? hex(base + node) : `${hex(base)} + node-id`;
+    };
+    return { attributes: {}, cells: [
+        server ? link(server, 'SDO') : 'SDO', 'answers', [mono(identifier(1, 0x600)), ' → ', mono(identifier(2, 0x580))],
+        'on request', '8', 'any object of the dictionary'] };
+}
+
 /// The messages of CANopen that objects switch on by themselves.
 function serviceRows(model) {
     const emcy = model.nodes.get('0x1014');
     const isSwitchedOff = valueAt(model, '0x1014:0') >= 0x80000000;
     const emcyId = emcy && !isSwitchedOff ? [resolved(emcy.facts.current ?? emcy.facts.default, model.json)] : [];
     return [
+        ...(model.json.objects?.length > 0 ? [sdoRow(model)] : []),
         ...emcyId.map(id => ({ attributes: {}, cells: [link(emcy, 'EMCY'), 'sends', id, 'on an error', '8', 'the error']})),
         ...[...syncMessages(model), ...heartbeatMessages(model), ...srdoMessages(model)].map(message => ({
             attributes: {}, cells: [
@@ -178,7 +194,7 @@ function settingsView() {
     return [
         el('h2', {}, 'Settings that differ from their defaults'),
         settings.length === 0 ? el('p', {}, 'None.') : '',
-        groups.map(group => [el('h3', {}, group), table(`Settings in ${group}`, heads,
+        groups.map(group => [el('h3', {}, group.replace(/Settings$/, ' settings')), table(`Settings in ${group}`, heads,
             settings.filter(setting => setting.group === group).map(setting => ({ attributes: {}, cells: [
                 [setting.label ? el('span', { class: 'label' }, setting.label, el('br')) : '', mono(setting.key)],
                 setting.line !== undefined && several ? said(models.find(model => model.number === setting.line)?.title
