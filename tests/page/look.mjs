@@ -107,11 +107,11 @@ const cases = {
         assert.ok((await texts(tab, 'main td')).includes('0x610 → 0x590')); // the predefined SDO of node 16
         await tab.keyboard.press('/');
         await tab.keyboard.type('speed');
-        assert.equal(await tab.textContent('#hits'), '2 fit. 2 on engine');
+        assert.equal(await tab.textContent('#hits'), '2 fit. 1 on engine');
         await tab.click('#hits a');
         await tab.waitForFunction(() => current.title === 'engine');
         assert.equal(await tab.inputValue('#query'), 'speed');
-        assert.deepEqual(await texts(tab, '#tree .level3 .name'), ['Wheel-Based Vehicle Speed']);
+        assert.deepEqual(await texts(tab, '#tree .level2 .name'), ['Cruise Control and Vehicle Speed']);
         assert.deepEqual(tab.faults, []);
         await tab.close();
     },

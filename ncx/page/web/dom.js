@@ -35,6 +35,10 @@ function link(node, ...content) {
     return el('a', { href: node.line.href(node.id) }, ...content);
 }
 
+function countText(number, word) {
+    return `${number} ${word}${number === 1 ? '' : 's'}`;
+}
+
 function isSomething(cell) {
     return Array.isArray(cell) ? cell.some(isSomething) : cell !== undefined && cell !== '';
 }

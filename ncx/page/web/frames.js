@@ -72,7 +72,7 @@ function messageFacts(node) {
         ['Sent', node.kind === 'pdo' ? timingOf(node) : milliseconds(data.cycleTime) && `every ${data.cycleTime} ms`],
         ['Not more often than', milliseconds(inhibit) && `every ${milliseconds(inhibit)}`],
         ['Priority', node.kind === 'pgn' ? `${data.priority} (0 is the highest, 7 the lowest)` : ''],
-        ['Length', `${data.frame.bits} bits, ${Math.ceil(data.frame.bits / 8)} bytes`],
+        ['Length', `${countText(data.frame.bits, 'bit')}, ${countText(Math.ceil(data.frame.bits / 8), 'byte')}`],
         ['Described by', node.kind === 'pdo' ? ['communication', 'mapping'].map(key => node.line.nodes.get(data[key]))
             .filter(Boolean).map(object => [link(object, mono(object.code)), ' ']) : '']);
 }

@@ -29,7 +29,7 @@ function valueCell(text, node, object) {
         const address = `${hex(Math.floor(value / 0x10000), 4)}:${Math.floor(value / 0x100) % 0x100}`;
         const target = node.line.nodes.get(address);
         return [mono(text), ' ', target ? link(target, '→ ', mono(address), ' ', said(target.name)) : '',
-                el('span', { class: 'quiet' }, ` ${value % 0x100} bits`)];
+                el('span', { class: 'quiet' }, ` ${countText(value % 0x100, 'bit')}`)];
     }
     return resolved(text, line);
 }

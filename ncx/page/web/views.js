@@ -52,7 +52,7 @@ function sdoRow(model) {
     };
     return { attributes: {}, cells: [
         server ? link(server, 'SDO') : 'SDO', 'answers', [mono(identifier(1, 0x600)), ' → ', mono(identifier(2, 0x580))],
-        'on request', '8', 'any object of the dictionary'] };
+        'on request', '8', 'any object'] };
 }
 
 /// The messages of CANopen that objects switch on by themselves.
@@ -181,10 +181,6 @@ function findingsView() {
         suppressed.length === 0 ? '' : el('p', { class: 'quiet' }, 'Held back by the project: ',
             suppressed.map(([group, count]) => `${count} of ${group}`).join(', '), '.'),
     ];
-}
-
-function countText(number, word) {
-    return `${number} ${word}${number === 1 ? '' : 's'}`;
 }
 
 function settingsView() {
