@@ -2,7 +2,7 @@
 
 #include "import/basedataimporter.h"
 #include "import/csvrow.h"
-#include "store/tables/storerecords.h"
+#include "store/records/storerecords.h"
 #include "texttools/tablerows.h"
 
 #include <QHash>

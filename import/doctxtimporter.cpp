@@ -2,6 +2,7 @@
 
 #include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
+#include "store/file/repairs.h"
 #include "store/objectdatabase.h"
 #include "store/tables/temporaryindex.h"
 #include "texttools/numbertext.h"
@@ -60,7 +61,7 @@ void DOCTXTImporter::read()
 {
     qDebug().noquote() << "Importing " << filePath_;
     importFile();
-    report_.wrote(store_->repairMappingCounts(), u"numbers of SPNs"_s);
+    report_.wrote(Repairs::mappingCounts(*store_), u"numbers of SPNs"_s);
     qDebug() << "Import completeted";
 }
 

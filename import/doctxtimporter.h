@@ -1,7 +1,7 @@
 #pragma once
 
 #include "import/basedataimporter.h"
-#include "store/tables/storerecords.h"
+#include "store/records/storerecords.h"
 
 #include <QStringList>
 

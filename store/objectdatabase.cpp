@@ -1,6 +1,7 @@
 #include "store/objectdatabase.h"
 
 #include "store/text/objectrowwriter.h"
+#include "store/text/textproject.h"
 
 using namespace Qt::StringLiterals;
 
@@ -15,13 +16,13 @@ bool isTextPath(const QString &path)
 
 ObjectDataBase::ObjectDataBase(QObject *parent)
     : QObject(parent)
-    , file_(tables_, [this] { Q_EMIT wrongTool(); })
+    , file_(*this, [this] { Q_EMIT wrongTool(); })
 {
     qRegisterMetaType<ObjectDataBase::ChangeSet>();
-    tables_.context.setListener([this](const ChangeSet &change) { Q_EMIT updateNotify(change); });
+    context.setListener([this](const ChangeSet &change) { Q_EMIT updateNotify(change); });
     statements().setWriteListener([this](Statement::Effect effect) { noteWrite(effect); });
     statements().setRollbackListener([this] {
-        tables_.forgetCaches();
+        forgetCaches();
         cacheStrings();
     });
 }
@@ -39,14 +40,24 @@ bool ObjectDataBase::openDataBase(const QString &path, bool /*unused*/)
 bool ObjectDataBase::saveDatabase(const QString &path)
 {
     file_.clearError();
-    tables_.objects.dropKept();
+    dropKept();
     const QString target = path.isEmpty() ? projectPath() : path;
     return isTextPath(target) ? saveDatabaseAsText(target) : saveDatabaseAsSql(target);
 }
 
+bool ObjectDataBase::openTextDatabase(const QString &path)
+{
+    return TextProject::open(file_, *this, path);
+}
+
+bool ObjectDataBase::saveDatabaseAsText(const QString &path)
+{
+    return TextProject::save(file_, *this, path);
+}
+
 void ObjectDataBase::setBlocked(bool blocked)
 {
-    tables_.context.blocked = blocked;
+    context.blocked = blocked;
     if (blocked)
         closeGate();
     else
@@ -58,28 +69,23 @@ void ObjectDataBase::setObjectIndexSqlValue(const QString &table, const QString 
                                             const QVariant &value, Quotes quotes)
 {
     if (!isBlocked())
-        ObjectRowWriter(tables_, table).writeValue({index}, column, value, quotes);
+        ObjectRowWriter(*this, table).writeValue({index}, column, value, quotes);
 }
 
 void ObjectDataBase::setSubindexSqlValue(const QString &table, const QString &index, const QString &subindex,
                                          const QString &column, const QVariant &value, Quotes quotes)
 {
     if (!isBlocked())
-        ObjectRowWriter(tables_, table).writeValue({index, subindex}, column, value, quotes);
-}
-
-void ObjectDataBase::setNodeSqlValue(const QString &nodeId, const QString &column, const QVariant &value, Quotes quotes)
-{
-    std::ignore = tables_.lines.setNodeSqlValue(nodeId, column, value, quotes);
+        ObjectRowWriter(*this, table).writeValue({index, subindex}, column, value, quotes);
 }
 
 void ObjectDataBase::noteWrite(Statement::Effect effect)
 {
     // A change of tables may be one of any of them.
     if (effect != Statement::Effect::Rows)
-        tables_.objects.dropKept();
+        dropKept();
     if (effect == Statement::Effect::Schema)
-        tables_.context.writes.anythingWritten();
-    if (writeTracking_ && !tables_.context.isSilent())
+        context.writes.anythingWritten();
+    if (writeTracking_ && !context.isSilent())
         Q_EMIT databaseWriteExecuted();
 }

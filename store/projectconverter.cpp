@@ -1,5 +1,6 @@
 #include "store/projectconverter.h"
 
+#include "store/file/repairs.h"
 #include "store/objectdatabase.h"
 #include "store/usersettings.h"
 
@@ -108,6 +109,6 @@ bool ProjectConverter::doEnergyBusCorrection()
 
 bool ProjectConverter::doJ1939Correction()
 {
-    std::ignore = store_->repairMappingCounts();
+    std::ignore = Repairs::mappingCounts(*store_);
     return true;
 }

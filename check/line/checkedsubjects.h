@@ -2,7 +2,7 @@
 
 #include "check/line/defaultcobids.h"
 #include "store/statements/writelog.h"
-#include "store/tables/storerecords.h"
+#include "store/records/storerecords.h"
 
 #include <optional>
 #include <vector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/tables/storerecords.h"
+#include "store/records/storerecords.h"
 
 #include <optional>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "generate/base/filegenerator.h"
-#include "store/tables/storerecords.h"
+#include "store/records/storerecords.h"
 
 #include <QStringList>
 

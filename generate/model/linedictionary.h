@@ -1,7 +1,7 @@
 #pragma once
 
 #include "nodedict/codes.h"
-#include "store/tables/storerecords.h"
+#include "store/records/storerecords.h"
 
 #include <QList>
 #include <QString>

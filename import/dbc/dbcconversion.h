@@ -2,7 +2,7 @@
 
 #include "candb/candb.h"
 #include "import/dbc/dbcdescriptions.h"
-#include "store/tables/storerecords.h"
+#include "store/records/storerecords.h"
 
 #include <QHash>
 #include <QSet>

@@ -166,7 +166,7 @@ Reply setSubindexValue(const ToolCall &call)
 Reply setIndexName(const ToolCall &call)
 {
     const QString name = call.text(newName.name);
-    call.store().setIndexName(call.line(), call.index(), name);
+    std::ignore = call.store().setIndexName(call.line(), call.index(), name);
     const QString stored = call.store().getIndexName(call.line(), call.index());
     const QString line = QString::number(call.line());
     if (stored != name) {

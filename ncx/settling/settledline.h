@@ -2,7 +2,7 @@
 
 #include "ncx/settling/descriptiontext.h"
 #include "ncx/settling/settlingreport.h"
-#include "store/tables/storerecords.h"
+#include "store/records/storerecords.h"
 
 #include <QHash>
 #include <QMap>

@@ -1,9 +1,9 @@
 #include "store/file/migrations.h"
 
 #include "store/file/repairs.h"
+#include "store/records/addedcolumns.h"
 #include "store/statements/transaction.h"
 #include "store/tables/projecttables.h"
-#include "store/tables/schema.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -97,27 +97,27 @@ void migrateLine(ProjectTables &tables, quint8 line)
 QString inferLineType(ProjectTables &tables, quint8 line)
 {
     // The version row is what has always been compared here, although the name row would say more.
-    const QString createdBy = tables.settings.getMiscSetting(u"CreateToolVersion"_s);
+    const QString createdBy = tables.getMiscSetting(u"CreateToolVersion"_s);
     if (createdBy == "CANopen NodeComposer"_L1)
         return u"1"_s;
     if (createdBy == "J1939 NodeComposer"_L1)
         return u"2"_s;
     constexpr quint16 firstCommunicationObject = 0x1000;
     constexpr quint16 lastObject = 0xffff;
-    const qsizetype objects = tables.objects.getIndexList(line, firstCommunicationObject, lastObject).size();
-    return objects > tables.j1939.getPGNList(line, 0, false).size() ? u"1"_s : u"2"_s;
+    const qsizetype objects = tables.getIndexList(line, firstCommunicationObject, lastObject).size();
+    return objects > tables.getPGNList(line, 0, false).size() ? u"1"_s : u"2"_s;
 }
 
 bool activateDefaultServices(ProjectTables &tables, quint8 line)
 {
-    if (tables.uds.anyActive(line))
+    if (tables.anyUDSServiceActive(line))
         return true;
     TransactionScope transaction(tables.context.statements, TransactionScope::Kind::Batch);
     bool done = true;
     for (const auto &[sid, sessions] : defaultServices)
-        done = tables.uds.setActive(line, sid, true) && done;
+        done = tables.setUDSServiceActive(line, sid, true) && done;
     for (const auto &[sid, sessions] : defaultServices)
-        done = tables.uds.set(line, sid, UdsTables::Column::Sessions, sessions) && done;
+        done = tables.setUDSServiceSessions(line, sid, sessions) && done;
     return transaction.commit() && done;
 }
 
@@ -140,7 +140,7 @@ bool completeDescriptions(ProjectTables &tables, const QList<quint8> &lines)
     TransactionScope transaction(tables.context.statements, TransactionScope::Kind::Batch);
     bool done = true;
     for (const quint8 line : lines)
-        done = tables.settings.addDescriptionDefaults(line) && done;
+        done = tables.addDescriptionDefaults(line) && done;
     return transaction.commit() && done;
 }
 
@@ -148,7 +148,7 @@ bool completeDescriptions(ProjectTables &tables, const QList<quint8> &lines)
 
 int Migrations::versionOf(ProjectTables &tables)
 {
-    return tables.settings.getMiscSetting(u"DatabaseVersion"_s).toInt();
+    return tables.getMiscSetting(u"DatabaseVersion"_s).toInt();
 }
 
 void Migrations::addMissingTablesAndColumns(ProjectTables &tables)
@@ -159,7 +159,7 @@ void Migrations::addMissingTablesAndColumns(ProjectTables &tables)
         tryTo(tables, ProjectSchema::createStatement(table, true));
     for (const ProjectSchema::AddedColumn &column : ProjectSchema::columnsOfEveryOpen())
         tryTo(tables, ProjectSchema::addStatement(column));
-    for (const quint8 line : tables.lines.getNodeList())
+    for (const quint8 line : tables.getNodeList())
         migrateLine(tables, line);
 
     for (const Table table : {Table::Connections, Table::LockedMappings, Table::LockedPDOs})
@@ -179,14 +179,14 @@ bool Migrations::completeLine(ProjectTables &tables, quint8 line)
 {
     bool done = true;
     if (tables.lineType(line).isEmpty())
-        done = tables.settings.setGeneralSetting(u"line%1type"_s.arg(line), inferLineType(tables, line), Quotes::Kept);
-    done = tables.uds.createUDSSettingsTable(line) && done;
+        done = tables.setGeneralSetting(u"line%1type"_s.arg(line), inferLineType(tables, line), Quotes::Kept);
+    done = tables.createUDSSettingsTable(line) && done;
     return activateDefaultServices(tables, line) && done;
 }
 
 bool Migrations::repair(ProjectTables &tables, int fileVersion, const QString &path)
 {
-    const QList<quint8> lines = tables.lines.getNodeList();
+    const QList<quint8> lines = tables.getNodeList();
     bool done = true;
     if (fileVersion < spnDirectionVersion) {
         for (const quint8 line : lines) {
@@ -195,7 +195,7 @@ bool Migrations::repair(ProjectTables &tables, int fileVersion, const QString &p
         }
     }
     if (path.endsWith("ncxe"_L1))
-        done = makeEdsPathsAbsolute(tables.lines, path) && done;
+        done = makeEdsPathsAbsolute(tables, path) && done;
     done = completeDescriptions(tables, lines) && done;
     tables.context.strings.reload();
     if (fileVersion < bitPositionVersion) {
@@ -206,6 +206,6 @@ bool Migrations::repair(ProjectTables &tables, int fileVersion, const QString &p
     }
     done = Repairs::mappingCounts(tables) && done;
     const quint8 lastLine = lines.isEmpty() ? quint8{0} : *std::ranges::max_element(lines);
-    done = tables.settings.trimLineLists(lastLine) && done;
+    done = tables.trimLineLists(lastLine) && done;
     return runSchema(tables, "VACUUM failed:", u"VACUUM"_s) && done;
 }

@@ -2,7 +2,7 @@
 
 #include <QtGlobal>
 
-struct ProjectTables;
+class ProjectTables;
 class QString;
 
 /// The steps by which an open brings a file of any age to the current layout.

@@ -3,9 +3,9 @@
 #include "store/file/filehash.h"
 #include "store/file/migrations.h"
 #include "store/file/workingcopies.h"
+#include "store/records/schema.h"
 #include "store/statements/transaction.h"
 #include "store/tables/projecttables.h"
-#include "store/tables/schema.h"
 #include "texttools/clock.h"
 
 #include <QCoreApplication>
@@ -121,11 +121,11 @@ bool ProjectFile::fillNew()
 {
     applyPragmas(newProjectCachePages);
     TransactionScope step(tables_.context.statements, TransactionScope::Kind::Step);
-    if (!createGlobalTables() || !tables_.lines.addNode(0, {}, Quotes::Literal))
+    if (!createGlobalTables() || !tables_.addNode(0, {}, Quotes::Literal))
         return false;
     tables_.context.notify(Change::ProjectReplaced);
     // A blocked store takes no line either, and does not come here.
-    SettingsTables &settings = tables_.settings;
+    SettingsTables &settings = tables_;
     return settings.setMiscSetting(u"CreateToolVersion"_s, QCoreApplication::applicationVersion()) &&
            settings.setMiscSetting(u"CreateToolName"_s, QCoreApplication::applicationName()) &&
            settings.setMiscSetting(u"DatabaseVersion"_s, QString::number(Migrations::schemaVersion)) && step.commit();
@@ -158,7 +158,7 @@ bool ProjectFile::openWorkingCopy(const QString &copy)
     }
     // What cannot be put right does not stop the open; it stands in the log.
     const int fileVersion = Migrations::versionOf(tables_);
-    for (const quint8 line : tables_.lines.getNodeList())
+    for (const quint8 line : tables_.getNodeList())
         std::ignore = Migrations::completeLine(tables_, line);
     std::ignore = Migrations::repair(tables_, fileVersion, path_);
     tables_.context.notify(Change::ProjectReplaced);
@@ -170,19 +170,19 @@ bool ProjectFile::hasLines()
     // A view of that name could go on for ever.
     return tables_.context.statements.hasRow(
                {nullptr, u"select 1 from sqlite_master where type = 'table' and name = 'Nodes' collate nocase"_s}) &&
-           !tables_.lines.getNodeList().isEmpty();
+           !tables_.getNodeList().isEmpty();
 }
 
 bool ProjectFile::savedByMatchingTool()
 {
     const QString application = QCoreApplication::applicationName();
-    const QString savedBy = tables_.settings.getMiscSetting(u"SaveToolType"_s);
+    const QString savedBy = tables_.getMiscSetting(u"SaveToolType"_s);
     if ((!savedBy.isEmpty() && savedBy == application) || application == "CAN NodeComposer"_L1)
         return true;
 
     bool hasCANopen = false;
     bool hasJ1939 = false;
-    for (const quint8 line : tables_.lines.getNodeList()) {
+    for (const quint8 line : tables_.getNodeList()) {
         const QString type = tables_.lineType(line);
         const bool both = type == "4"_L1 || type == "5"_L1;
         hasCANopen |= both || type == "1"_L1;
@@ -200,12 +200,12 @@ QString ProjectFile::computeFileHash()
 void ProjectFile::verifyFileHash()
 {
     tampered_ = false;
-    const QString stored = tables_.settings.getMiscSetting(u"FileHash"_s);
+    const QString stored = tables_.getMiscSetting(u"FileHash"_s);
     if (stored.isEmpty() || stored == computeFileHash())
         return;
     tampered_ = true;
     const QString now = TextTools::currentDateTime().toString(Qt::ISODate);
-    const QString log = tables_.settings.getMiscSetting(u"TamperLog"_s);
+    const QString log = tables_.getMiscSetting(u"TamperLog"_s);
     // The open goes on without the note.
-    std::ignore = tables_.settings.setMiscSetting(u"TamperLog"_s, log.isEmpty() ? now : log + u';' + now);
+    std::ignore = tables_.setMiscSetting(u"TamperLog"_s, log.isEmpty() ? now : log + u';' + now);
 }

@@ -5,7 +5,7 @@
 
 #include <functional>
 
-struct ProjectTables;
+class ProjectTables;
 
 /// The life of a project: its working copy, the open, the save (projectfile.cpp, projectsave.cpp).
 class ProjectFile

@@ -71,12 +71,12 @@ void ProjectFile::tellUnwritable(const QString &path)
 void ProjectFile::removeScratchLines()
 {
     for (const quint8 line : scratchLines)
-        std::ignore = tables_.lines.removeNode(line);
+        std::ignore = tables_.removeNode(line);
 }
 
 void ProjectFile::writeIdentity()
 {
-    SettingsTables &settings = tables_.settings;
+    SettingsTables &settings = tables_;
     std::ignore = settings.setMiscSetting(u"SaveToolType"_s, QCoreApplication::applicationName());
     std::ignore = settings.setMiscSetting(u"SaveToolVersion"_s, QCoreApplication::applicationVersion());
     std::ignore = settings.setMiscSetting(u"DatabaseVersion"_s, QString::number(Migrations::schemaVersion));

@@ -132,9 +132,9 @@ bool Repairs::mappingCounts(ProjectTables &tables)
 {
     TransactionScope transaction(tables.context.statements, TransactionScope::Kind::Batch);
     bool done = true;
-    for (const quint8 line : tables.lines.getNodeList())
+    for (const quint8 line : tables.getNodeList())
         done = repairMappingCounts(tables.context.statements, line) && done;
-    tables.j1939.clearSPNCache();
+    tables.clearSPNCache();
     return transaction.commit() && done;
 }
 
@@ -174,12 +174,12 @@ bool Repairs::bitPositions(ProjectTables &tables, quint8 line)
     {
         const TemporaryIndex index(tables.context.statements, line, TemporaryIndex::elementKeys);
         for (const quint8 direction : bothDirections)
-            done = placeDataElements(tables.rawCan, line, direction) && done;
+            done = placeDataElements(tables, line, direction) && done;
     }
     {
         const TemporaryIndex index(tables.context.statements, line, TemporaryIndex::spnKeys);
         for (const quint8 direction : bothDirections)
-            done = placeSPNs(tables.j1939, line, direction) && done;
+            done = placeSPNs(tables, line, direction) && done;
     }
     return transaction.commit() && done;
 }

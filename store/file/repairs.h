@@ -2,7 +2,7 @@
 
 #include <QtGlobal>
 
-struct ProjectTables;
+class ProjectTables;
 
 /// What an open puts right in files that older programs wrote: counts, directions and bit positions of signals.
 /// Nobody is notified of it but by the writes of bit positions. False if something could not be written.

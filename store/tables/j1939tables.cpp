@@ -1,6 +1,6 @@
 #include "store/tables/j1939tables.h"
 
-#include "store/tables/schema.h"
+#include "store/records/addedcolumns.h"
 
 using namespace Qt::StringLiterals;
 using ProjectSchema::LineTable;

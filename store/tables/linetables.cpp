@@ -1,6 +1,6 @@
 #include "store/tables/linetables.h"
 
-#include "store/tables/schema.h"
+#include "store/records/schema.h"
 #include "store/tables/settingstables.h"
 #include "store/tables/udstables.h"
 
@@ -86,9 +86,9 @@ bool LineTables::activateBasicServices(quint8 line)
 {
     bool done = true;
     for (const quint8 sid : basicServices)
-        done = done && uds_.setActive(line, sid, true);
+        done = done && uds_.setUDSServiceActive(line, sid, true);
     for (const quint8 sid : basicServices)
-        done = done && uds_.set(line, sid, UdsTables::Column::Sessions, u"1"_s);
+        done = done && uds_.setUDSServiceSessions(line, sid, u"1"_s);
     return done;
 }
 
@@ -117,7 +117,7 @@ bool LineTables::removeNode(quint8 line)
         const QString table = ProjectSchema::tableName(static_cast<LineTable>(family), line);
         done = runSchema("removeNode", u"drop table if exists "_s + table) && done;
     }
-    done = settings_.removeLine(line) && done;
+    done = settings_.removeLineSettings(line) && done;
     done = run("removeNode", u"delete from Connections where prodnode = ? OR connode = ?"_s, {line, line}) && done;
     if (!done || !step.commit())
         return false;

@@ -2,8 +2,8 @@
 
 #include "store/tables/objecttables.h"
 
-#include "store/tables/metadatablob.h"
-#include "store/tables/schema.h"
+#include "store/records/metadatablob.h"
+#include "store/records/schema.h"
 
 #include <QMutexLocker>
 #include <QRegularExpression>
@@ -220,18 +220,18 @@ bool ObjectTables::copySubs(ObjectTables &from, const SubKey &source, const QLis
     });
 }
 
-bool ObjectTables::copyIndexFrom(ObjectTables &other, quint8 fromLine, quint16 fromIndex, quint8 toLine,
+bool ObjectTables::copyIndexFrom(ObjectTables *other, quint8 fromLine, quint16 fromIndex, quint8 toLine,
                                  quint16 toIndex, bool objectOnly)
 {
-    const std::optional<Index> object = isBlocked() ? std::nullopt : other.getIndex(fromLine, fromIndex);
+    const std::optional<Index> object = !other || isBlocked() ? std::nullopt : other->getIndex(fromLine, fromIndex);
     if (!object)
         return false;
     TransactionScope step(statements_, TransactionScope::Kind::Step);
     if (!addIndex(toLine, toIndex, *object))
         return false;
-    const QList<quint8> subs = other.getSubIndexList(fromLine, fromIndex, 0);
+    const QList<quint8> subs = other->getSubIndexList(fromLine, fromIndex, 0);
     if (!objectOnly &&
-        !copySubs(other, {.index = fromIndex, .line = fromLine}, subs, {.index = toIndex, .line = toLine}))
+        !copySubs(*other, {.index = fromIndex, .line = fromLine}, subs, {.index = toIndex, .line = toLine}))
         return false;
     const QSet<quint8> kept(subs.begin(), subs.end());
     for (const quint8 sub : getSubIndexList(toLine, toIndex, 0)) {

@@ -1,7 +1,7 @@
 #include "store/tables/objecttables.h"
 
 #include "nodedict/canopendatatype.h"
-#include "store/tables/metadatablob.h"
+#include "store/records/metadatablob.h"
 
 #include <QDebug>
 #include <QMutexLocker>

@@ -237,7 +237,7 @@ bool SettingsTables::trimLineLists(quint8 lastLine)
     return done;
 }
 
-bool SettingsTables::removeLine(quint8 line)
+bool SettingsTables::removeLineSettings(quint8 line)
 {
     bool done = removeDescription(line);
     done = dropListPart(general, line) && done;

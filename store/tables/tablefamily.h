@@ -1,11 +1,11 @@
 #pragma once
 
+#include "store/records/recordcolumns.h"
+#include "store/records/storerecords.h"
+#include "store/records/stringpool.h"
 #include "store/statements/statements.h"
 #include "store/statements/transaction.h"
 #include "store/statements/writelog.h"
-#include "store/tables/recordcolumns.h"
-#include "store/tables/storerecords.h"
-#include "store/tables/stringpool.h"
 
 #include <QHash>
 #include <QList>
@@ -54,8 +54,8 @@ private:
     bool silent_ = false;
 };
 
-/// The base of the classes that read and write a family of tables. What their operations promise is told where
-/// `ObjectDataBase` declares them.
+/// The base of the classes that read and write a family of tables. What holds for all of them is told where
+/// `ObjectDataBase` puts them together.
 class TableFamily
 {
 public:

@@ -1,6 +1,6 @@
 #include "store/tables/udstables.h"
 
-#include "store/tables/schema.h"
+#include "store/records/schema.h"
 
 using namespace Qt::StringLiterals;
 using ProjectSchema::LineTable;
@@ -26,7 +26,8 @@ bool UdsTables::createUDSSettingsTable(quint8 line)
     return runSchema("createUDSSettingsTable", ProjectSchema::createStatement(LineTable::UDSSettings, line));
 }
 
-bool UdsTables::set(quint8 line, quint8 sid, Column column, const QString &value)
+/// The row is replaced as a whole.
+bool UdsTables::setColumn(quint8 line, quint8 sid, Column column, const QString &value)
 {
     const std::optional<QString> text = LiteralText::stored(value, Quotes::Literal);
     if (isBlocked() || !text)
@@ -47,17 +48,52 @@ bool UdsTables::set(quint8 line, quint8 sid, Column column, const QString &value
         values);
 }
 
-bool UdsTables::setActive(quint8 line, quint8 sid, bool active)
-{
-    return set(line, sid, Column::Active, active ? u"1"_s : u"0"_s);
-}
-
-QVariant UdsTables::value(quint8 line, quint8 sid, Column column)
+QVariant UdsTables::columnOf(quint8 line, quint8 sid, Column column)
 {
     return statements_.value({nullptr, columnSelect(udsColumns().at(static_cast<int>(column)), line)}, {sid});
 }
 
-bool UdsTables::anyActive(quint8 line)
+bool UdsTables::setUDSServiceActive(quint8 line, quint8 sid, bool active)
+{
+    return setColumn(line, sid, Column::Active, active ? u"1"_s : u"0"_s);
+}
+
+bool UdsTables::setUDSServiceSessions(quint8 line, quint8 sid, const QString &sessions)
+{
+    return setColumn(line, sid, Column::Sessions, sessions);
+}
+
+bool UdsTables::setUDSServiceUserLevels(quint8 line, quint8 sid, const QString &levels)
+{
+    return setColumn(line, sid, Column::UserLevels, levels);
+}
+
+bool UdsTables::setUDSServiceAuthentication(quint8 line, quint8 sid, const QString &authentication)
+{
+    return setColumn(line, sid, Column::Authentication, authentication);
+}
+
+bool UdsTables::getUDSServiceActive(quint8 line, quint8 sid)
+{
+    return columnOf(line, sid, Column::Active).toInt() != 0;
+}
+
+QString UdsTables::getUDSServiceSessions(quint8 line, quint8 sid)
+{
+    return columnOf(line, sid, Column::Sessions).toString();
+}
+
+QString UdsTables::getUDSServiceUserLevels(quint8 line, quint8 sid)
+{
+    return columnOf(line, sid, Column::UserLevels).toString();
+}
+
+QString UdsTables::getUDSServiceAuthentication(quint8 line, quint8 sid)
+{
+    return columnOf(line, sid, Column::Authentication).toString();
+}
+
+bool UdsTables::anyUDSServiceActive(quint8 line)
 {
     return statements_.hasRow({nullptr, u"select sid from UDSSettings%1 where active = 1"_s.arg(line)});
 }

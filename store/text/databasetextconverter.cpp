@@ -261,12 +261,12 @@ void DatabaseTextConverter::readLines(const SettingsText::Reader &reader)
         StoreRecords::NodeData node;
         node.outputpath = u"C:/"_s;
         // A line or value that cannot be written is logged there and passed over.
-        std::ignore = store_->lines.addNode(static_cast<quint8>(line), node, Quotes::Literal);
+        std::ignore = store_->addNode(static_cast<quint8>(line), node, Quotes::Literal);
         for (std::size_t i = 0; i < row.columns.size(); ++i) {
             const QString column = SettingsText::unescapedKey(row.columns[i]);
             const QString text = SettingsText::valueOf(row.values[i]).toString();
             if (known.contains(column))
-                std::ignore = store_->lines.setNodeSqlValue(QString::number(line), column, text, Quotes::Kept);
+                std::ignore = store_->setNodeSqlValue(QString::number(line), column, text, Quotes::Kept);
             else
                 qDebug().noquote() << "no column of a line" << column << text;
         }
@@ -280,8 +280,8 @@ void DatabaseTextConverter::addLinesOf(const QStringList &groups)
     for (const QString &group : groups) {
         const auto match = form.match(group);
         const uint line = match.captured(1).toUInt();
-        if (match.hasMatch() && line <= 0xff && !store_->lines.nodeExists(static_cast<quint8>(line)))
-            std::ignore = store_->lines.addNode(static_cast<quint8>(line), {}, Quotes::Literal);
+        if (match.hasMatch() && line <= 0xff && !store_->nodeExists(static_cast<quint8>(line)))
+            std::ignore = store_->addNode(static_cast<quint8>(line), {}, Quotes::Literal);
     }
 }
 
@@ -290,17 +290,17 @@ void DatabaseTextConverter::readSettings(const QString &group, TableForm::Table 
 {
     // A key of another line than 0 has its line's suffix already.
     if (kind == TableForm::Table::DescriptionSettings)
-        store_->settings.setCurrentLine(0);
+        store_->setCurrentLine(0);
     const auto set = [&](const QString &key, const QString &text) {
         switch (kind) {
         case TableForm::Table::DescriptionSettings:
-            return store_->settings.setDescriptionSetting(key, text);
+            return store_->setDescriptionSetting(key, text);
         case TableForm::Table::GeneralSettings:
-            return store_->settings.setGeneralSetting(key, text, Quotes::Kept);
+            return store_->setGeneralSetting(key, text, Quotes::Kept);
         case TableForm::Table::MiscSettings:
-            return store_->settings.setMiscSetting(key, text);
+            return store_->setMiscSetting(key, text);
         default:
-            return store_->settings.setJ1939Setting(key, text);
+            return store_->setJ1939Setting(key, text);
         }
     };
     reader.forEachKey(group, [&](const QString &key, const QVariant &value) {

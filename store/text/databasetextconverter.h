@@ -11,7 +11,7 @@
 
 class QIODevice;
 class ResultRow;
-struct ProjectTables;
+class ProjectTables;
 namespace SettingsText {
 class Reader;
 class Writer;

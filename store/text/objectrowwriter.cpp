@@ -1,6 +1,6 @@
 #include "store/text/objectrowwriter.h"
 
-#include "store/tables/metadatablob.h"
+#include "store/records/metadatablob.h"
 #include "store/tables/projecttables.h"
 #include "texttools/asciitext.h"
 
@@ -276,10 +276,9 @@ bool ObjectRowWriter::writeAttributes(const QVariantList &key, const QString &co
     const StoreRecords::Metadata attributes = MetadataBlob::parse(value.toByteArray());
     // A failure is logged there.
     if (family_ == LineTable::SubObjects)
-        std::ignore =
-            tables_.objects.setSubObjectMetadata(line, index, static_cast<quint8>(key.last().toUInt()), attributes);
+        std::ignore = tables_.setSubObjectMetadata(line, index, static_cast<quint8>(key.last().toUInt()), attributes);
     else
-        std::ignore = tables_.objects.setObjectMetadata(line, index, attributes);
+        std::ignore = tables_.setObjectMetadata(line, index, attributes);
     return true;
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "store/records/schema.h"
 #include "store/statements/boundstatement.h"
 #include "store/statements/literaltext.h"
-#include "store/tables/schema.h"
 #include "texttools/settingstext.h"
 
 #include <QStringList>
@@ -11,7 +11,7 @@
 #include <optional>
 #include <vector>
 
-struct ProjectTables;
+class ProjectTables;
 
 /// Writes `Objects%1` and `SubObjects%1` as the text form of a project tells them. Values have their white space
 /// simplified; names and descriptions go to the pool. A row that is missing is made, with 0 in its other columns or, in

@@ -2,7 +2,7 @@
 
 class ProjectFile;
 class QString;
-struct ProjectTables;
+class ProjectTables;
 
 /// The life of a project that is kept as text (`DatabaseTextConverter`).
 namespace TextProject {

@@ -50,8 +50,8 @@ QList<std::pair<QString, QString>> lostColumns(const QString &table)
 /// A line without its row in the text comes back with what a new line has, but for a name that only counts the lines.
 bool holdsLinesAsNew(ProjectTables &project)
 {
-    return std::ranges::all_of(project.lines.getNodeList(), [&project](quint8 line) {
-        std::optional<StoreRecords::NodeData> node = project.lines.getNode(line);
+    return std::ranges::all_of(project.getNodeList(), [&project](quint8 line) {
+        std::optional<StoreRecords::NodeData> node = project.getNode(line);
         if (node && node->name == u"can%1"_s.arg(line))
             node->name.clear();
         return node == StoreRecords::NodeData();

@@ -5,7 +5,7 @@
 #include <QString>
 
 class Statements;
-struct ProjectTables;
+class ProjectTables;
 
 /// What of a project its text form holds: which tables and columns it leaves out.
 class TextScope

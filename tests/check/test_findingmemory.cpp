@@ -48,8 +48,9 @@ public:
                 std::ignore = store.copyIndex(line, from, line, to);
             };
         case 7:
-            return
-                [=, index = index(), name = name()](ObjectDataBase &store) { store.setIndexName(line, index, name); };
+            return [=, index = index(), name = name()](ObjectDataBase &store) {
+                std::ignore = store.setIndexName(line, index, name);
+            };
         case 8:
         case 9:
         case 10:
@@ -242,7 +243,7 @@ private:
                 std::ignore = store.addNode(line, {});
             };
         case 4:
-            return [=](ObjectDataBase &store) { store.removeUnusedStrings(); };
+            return [=](ObjectDataBase &store) { std::ignore = store.removeUnusedStrings(); };
         case 5:
             return [=](ObjectDataBase &store) { store.setBlocked(true); }; // until the next edit
         default:

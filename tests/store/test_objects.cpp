@@ -2,7 +2,7 @@
 
 #include "store/storetest.h"
 
-#include "store/tables/metadatablob.h"
+#include "store/records/metadatablob.h"
 
 using namespace Qt::StringLiterals;
 

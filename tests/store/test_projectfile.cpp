@@ -263,7 +263,7 @@ TEST_F(ProjectFile, WriteTrackingTellsOfWritesOnly)
     store.setWriteTracking(true);
     EXPECT_TRUE(store.setGeneralSetting(u"a"_s, u"2"_s));
     EXPECT_TRUE(store.setGeneralSetting(u"a"_s, u"2"_s));
-    store.setIndexName(9, 0x2000, u"of a line that there is not"_s);
+    EXPECT_FALSE(store.setIndexName(9, 0x2000, u"of a line that there is not"_s));
     EXPECT_EQ(writes, 1);
     EXPECT_TRUE(store.createUDSSettingsTable(9));
     EXPECT_TRUE(store.removeSubIndex(0, 0x2000, 0, true));

@@ -3,7 +3,7 @@
 #include "store/storetest.h"
 
 #include "store/file/projectfile.h"
-#include "store/tables/metadatablob.h"
+#include "store/records/metadatablob.h"
 #include "store/tables/projecttables.h"
 #include "store/text/databasetextconverter.h"
 #include "support/datacases.h"
@@ -315,7 +315,7 @@ TEST_F(TextForm, RowsAreWrittenWithTheOutcomeOfSingleValues)
         reader.setContent(text);
         reader.forEachKey(u"Nodes"_s, [&](const QString &key, const QVariant &value) {
             EXPECT_TRUE(single.addNode(static_cast<quint8>(key.section(u'/', 0, 0).toUInt()), {}));
-            single.setNodeSqlValue(key.section(u'/', 0, 0), u"name"_s, value);
+            std::ignore = single.setNodeSqlValue(key.section(u'/', 0, 0), u"name"_s, value);
         });
         for (const QString &group : reader.groups()) {
             reader.forEachKey(group, [&](const QString &key, const QVariant &value) {
@@ -346,8 +346,7 @@ TEST_F(TextForm, FailedWriteLeavesTheFileBeforeIt)
     ASSERT_TRUE(TestSupport::writeFile(file, before));
     ProjectTables tables;
     ProjectFile project(tables, [] {});
-    ASSERT_TRUE(project.create() &&
-                tables.settings.setGeneralSetting(u"user_defines"_s, QString(100000, u'x'), Quotes::Kept));
+    ASSERT_TRUE(project.create() && tables.setGeneralSetting(u"user_defines"_s, QString(100000, u'x'), Quotes::Kept));
     DatabaseTextConverter converter;
     converter.setStore(&tables);
     converter.setOutputFile(file);

@@ -15,15 +15,15 @@ using RecordFields::number;
 
 namespace {
 
-using ServiceWriter = void (ObjectDataBase::*)(quint8, quint8, const QString &);
+using ServiceWriter = bool (UdsTables::*)(quint8, quint8, const QString &);
 
 /// What writes this column of a diagnostic service; null for another word.
 ServiceWriter serviceWriter(const QString &word)
 {
     static const QHash<QString, ServiceWriter> writers{
-        {u"sessions"_s, &ObjectDataBase::setUDSServiceSessions},
-        {u"userlevels"_s, &ObjectDataBase::setUDSServiceUserLevels},
-        {u"authentication"_s, &ObjectDataBase::setUDSServiceAuthentication},
+        {u"sessions"_s, &UdsTables::setUDSServiceSessions},
+        {u"userlevels"_s, &UdsTables::setUDSServiceUserLevels},
+        {u"authentication"_s, &UdsTables::setUDSServiceAuthentication},
     };
     return writers.value(word);
 }
@@ -63,14 +63,10 @@ bool ProjectScript::runSetting(const QString &word, const QString &key, const QS
     }
     if (word == "description"_L1)
         store_->setCurrentLine(line_);
-    if (const auto write = serviceWriter(word)) {
-        ((*store_).*write)(line_, static_cast<quint8>(number(key)), value);
-        return true;
-    }
-    if (word == "active"_L1) {
-        store_->setUDSServiceActive(line_, static_cast<quint8>(number(key)), number(value) != 0);
-        return true;
-    }
+    if (const auto write = serviceWriter(word))
+        return ((*store_).*write)(line_, static_cast<quint8>(number(key)), value);
+    if (word == "active"_L1)
+        return store_->setUDSServiceActive(line_, static_cast<quint8>(number(key)), number(value) != 0);
     const QStringList keys = key.split(u' ');
     return std::ranges::all_of(keys, [&](const QString &one) {
         return (word == "general"_L1 && store_->setGeneralSetting(one, value)) ||

@@ -3,6 +3,7 @@
 #include "generate/pages/textdocgenerator.h"
 #include "import/doctxtimporter.h"
 #include "nodedict/canopendatatype.h"
+#include "store/file/repairs.h"
 #include "support/projectbuilder.h"
 
 #include <QCoreApplication>
@@ -99,12 +100,12 @@ TEST(J1939TextDoc, ComesBackAsItWas)
                 spn.varname = type % 2 == 0 ? u"v"_s : QString();
             });
     }
-    EXPECT_TRUE(odd.store()->repairMappingCounts());
+    EXPECT_TRUE(Repairs::mappingCounts(*odd.store()));
     QList<Store> stores{odd.store()};
     for (const QString &file : DocsTest::projectFiles()) {
         stores.append(std::make_shared<ObjectDataBase>());
         ASSERT_TRUE(stores.last()->openTextDatabase(file));
-        EXPECT_TRUE(stores.last()->repairMappingCounts());
+        EXPECT_TRUE(Repairs::mappingCounts(*stores.last()));
     }
     for (const Store &store : stores) {
         const QTemporaryDir folder;

@@ -1,4 +1,4 @@
-#include "store/tables/stringpool.h"
+#include "store/records/stringpool.h"
 
 #include "store/statements/boundstatement.h"
 #include "store/statements/transaction.h"

@@ -1,12 +1,9 @@
 #pragma once
 
-#include <QList>
 #include <QString>
 #include <QStringList>
 
-class Statements;
-
-/// The layout of a project file, as data: tables, their columns, and the columns that older files lack.
+/// The layout of a project file, as data: tables and their columns (what older files lack of it: addedcolumns.h).
 namespace ProjectSchema {
 
 /// The tables that exist once, in the order of their creation.
@@ -44,6 +41,7 @@ inline constexpr int globalTableCount = 14;
 inline constexpr int lineTableCount = 7;
 
 QLatin1StringView tableName(Table table);
+QLatin1StringView familyName(LineTable family);
 /// Name of a line's table: its family's name and the line number, "Objects0".
 QString tableName(LineTable family, quint8 line);
 
@@ -55,25 +53,5 @@ QStringList columnNames(LineTable family);
 QStringList numberColumns(LineTable family);
 /// The columns as a select from a table of another layout takes them: 0 or an empty text for a NULL where none may be.
 QStringList columnsWithoutNull(LineTable family);
-
-/// A column that a file of an older version may lack.
-struct AddedColumn
-{
-    QLatin1StringView table; ///< of a line's tables the family's name
-    QLatin1StringView column;
-    QLatin1StringView type;
-    int belowVersion = 0; ///< of the files that get it; 0 for all
-};
-
-/// Columns that every open adds before it looks at single lines.
-QList<AddedColumn> columnsOfEveryOpen();
-/// Columns of a line's tables.
-QList<AddedColumn> addedColumns(LineTable family);
-/// "alter table ... add ..."
-QString addStatement(const AddedColumn &column);
-QString addStatement(const AddedColumn &column, quint8 line);
-
-/// A statement that brings an older file up to date: a failure is logged unless it says that the column exists.
-void migrationExec(Statements &statements, const QString &statement);
 
 } // namespace ProjectSchema

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "store/records/stringpool.h"
 #include "store/statements/boundstatement.h"
 #include "store/statements/literaltext.h"
-#include "store/tables/stringpool.h"
 
 #include <QDebug>
 #include <QString>

@@ -1,4 +1,4 @@
-#include "store/tables/metadatablob.h"
+#include "store/records/metadatablob.h"
 
 #include <QDataStream>
 #include <QIODevice>
