@@ -1,5 +1,6 @@
 #include "import/codbimporter.h"
 
+#include "nodedict/access.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
@@ -69,7 +70,7 @@ SubRecord recordOf(const QStringList &fields)
     record.datatype = static_cast<quint16>(COHelper::mapDataTypeString(fields.value(DataType)));
     record.accesstype = fields.value(Access);
     if (record.accesstype.isEmpty())
-        record.accesstype = u"ro"_s;
+        record.accesstype = textOf(CANopen::Access::ReadOnly);
     record.pdomapping = mappingOf(fields);
     record.defaultvalue = fields.value(DefaultValue);
     return record;

@@ -1,5 +1,6 @@
 #include "import/csvimporter.h"
 
+#include "nodedict/access.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
@@ -238,7 +239,7 @@ void CsvImporter::provideSubZero(const Place &place, const Row &row, ObjectState
         SubRecord record;
         record.name = u"Highest Subindex supported"_s;
         record.datatype = CAN::Unsigned8;
-        record.accesstype = u"ro"_s;
+        record.accesstype = textOf(CANopen::Access::ReadOnly);
         record.implementation =
             codeOf(row.word(Row::Implementation) == "virtualobject"_L1 ? CANopen::Implementation::VirtualObject
                                                                        : CANopen::Implementation::ManagedConst);
@@ -287,7 +288,7 @@ StoreRecords::SubIndexData CsvImporter::recordOf(const Place &place, const Row &
     const bool isArrayCount = isArray && place.subindex == 0 && record.datatype == numberOfEntriesType;
     if (const auto code = implementationOf(row.text(Row::Implementation)))
         record.implementation = *code;
-    else if (record.accesstype == "const"_L1 || isArrayCount)
+    else if (record.accesstype == CANopen::Access::Const || isArrayCount)
         record.implementation = codeOf(CANopen::Implementation::ManagedConst);
     else
         record.implementation = codeOf(record.varname.isEmpty() ? CANopen::Implementation::ManagedVariable

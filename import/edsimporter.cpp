@@ -1,6 +1,7 @@
 #include "import/edsimporter.h"
 
 #include "import/pdoobjects.h"
+#include "nodedict/access.h"
 #include "nodedict/canopenindex.h"
 #include "nodedict/canopensubindex.h"
 #include "nodedict/codes.h"
@@ -14,6 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+using CANopen::Access;
 using SubRecord = ObjectDataBase::SUBINDEX_DATA_T;
 
 struct DescriptionSection
@@ -63,9 +65,9 @@ PDOMapping pdoMappingOf(const CANopenSubindex &sub)
 {
     if (!sub.pdomapping)
         return PDOMapping::Forbidden;
-    if (sub.accesstype == "ro"_L1 || sub.accesstype == "rwr"_L1)
+    if (sub.accesstype == Access::ReadOnly || sub.accesstype == Access::ReadWriteInput)
         return PDOMapping::RPDO;
-    if (sub.accesstype == "wo"_L1 || sub.accesstype == "rww"_L1)
+    if (sub.accesstype == Access::WriteOnly || sub.accesstype == Access::ReadWriteOutput)
         return PDOMapping::TPDO;
     return PDOMapping::Allowed;
 }

@@ -1,5 +1,6 @@
 #include "import/pdoobjects.h"
 
+#include "nodedict/access.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
@@ -12,6 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+using CANopen::Access;
 using CANopen::Index::pdoMappingOffset;
 
 constexpr quint8 mappingEntries = 8;
@@ -23,26 +25,26 @@ struct SubRow
     quint8 subindex;
     QLatin1StringView name;
     CAN::CANopenDataType datatype;
-    QLatin1StringView access;
+    Access access;
     QLatin1StringView value;
     bool limited; ///< the value is the low and the high limit, too; else there is none
 };
 
 constexpr SubRow receiveSubs[] = {
-    {0, "Number of Entries"_L1, CAN::Unsigned8, "ro"_L1, "2"_L1, true},
-    {1, "COB-ID"_L1, CAN::Unsigned32, "rw"_L1, "0x80000000"_L1, false},
-    {2, "Transmission Type"_L1, CAN::Unsigned8, "rw"_L1, "0xFF"_L1, false},
+    {0, "Number of Entries"_L1, CAN::Unsigned8, Access::ReadOnly, "2"_L1, true},
+    {1, "COB-ID"_L1, CAN::Unsigned32, Access::ReadWrite, "0x80000000"_L1, false},
+    {2, "Transmission Type"_L1, CAN::Unsigned8, Access::ReadWrite, "0xFF"_L1, false},
 };
 
 constexpr SubRow transmitSubs[] = {
-    {0, "Number of Entries"_L1, CAN::Unsigned8, "ro"_L1, "5"_L1, true},
-    {1, "COB-ID"_L1, CAN::Unsigned32, "rw"_L1, "0x80000000"_L1, false},
-    {2, "Transmission Type"_L1, CAN::Unsigned8, "rw"_L1, "0xFF"_L1, false},
-    {3, "Inhibit Time"_L1, CAN::Unsigned16, "rw"_L1, "0"_L1, false},
-    {5, "Event Timer"_L1, CAN::Unsigned16, "rw"_L1, "0"_L1, false},
+    {0, "Number of Entries"_L1, CAN::Unsigned8, Access::ReadOnly, "5"_L1, true},
+    {1, "COB-ID"_L1, CAN::Unsigned32, Access::ReadWrite, "0x80000000"_L1, false},
+    {2, "Transmission Type"_L1, CAN::Unsigned8, Access::ReadWrite, "0xFF"_L1, false},
+    {3, "Inhibit Time"_L1, CAN::Unsigned16, Access::ReadWrite, "0"_L1, false},
+    {5, "Event Timer"_L1, CAN::Unsigned16, Access::ReadWrite, "0"_L1, false},
 };
 
-constexpr SubRow mappingCount = {0, "Number of Entries"_L1, CAN::Unsigned8, "rw"_L1, "8"_L1, true};
+constexpr SubRow mappingCount = {0, "Number of Entries"_L1, CAN::Unsigned8, Access::ReadWrite, "8"_L1, true};
 
 struct DirectionRow
 {
@@ -61,7 +63,7 @@ ObjectDataBase::SUBINDEX_DATA_T recordOf(const SubRow &row)
     ObjectDataBase::SUBINDEX_DATA_T record;
     record.name = row.name;
     record.datatype = row.datatype;
-    record.accesstype = row.access;
+    record.accesstype = textOf(row.access);
     record.defaultvalue = row.value;
     record.lowlimit = row.limited ? QString(row.value) : QString();
     record.uplimit = record.lowlimit;
@@ -127,7 +129,7 @@ private:
         addObject(offset, u"Mapping Parameter"_s);
         entries_.append({line_, indexAt(offset), 0, recordOf(mappingCount)});
         for (quint8 entry = 1; entry <= mappingEntries; ++entry) {
-            auto record = recordOf({entry, ""_L1, CAN::Unsigned32, "rw"_L1, "0x00000000"_L1, false});
+            auto record = recordOf({entry, ""_L1, CAN::Unsigned32, Access::ReadWrite, "0x00000000"_L1, false});
             record.name = u"Mappping Entry %1"_s.arg(entry);
             entries_.append({line_, indexAt(offset), entry, record});
         }

@@ -1,5 +1,6 @@
 #include "check/line/pdo.h"
 
+#include "nodedict/access.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
 
@@ -54,7 +55,7 @@ quint32 PDO::mappedBits(CheckedLine &line, const CheckedObject &mapping)
 bool PDO::isDynamic(const CheckedObject &mapping)
 {
     const CheckedSubindex *count = mapping.sub(0);
-    return count && count->data.accesstype.startsWith("rw"_L1);
+    return count && CANopen::isReadWrite(count->data.accesstype);
 }
 
 quint32 PDO::widthOf(const StoreRecords::SubIndexData &data)

@@ -4,6 +4,7 @@
 #include "check/line/checktext.h"
 #include "check/line/storevalue.h"
 #include "check/rules/rulelists.h"
+#include "nodedict/access.h"
 #include "store/objectdatabase.h"
 #include "texttools/numbertext.h"
 
@@ -143,22 +144,18 @@ void mappedTooLarge(Check &check, const CheckedObject &object, const MappingEntr
             hex4(object.index), hex4(target->index), dec(target->subindex)));
 }
 
-/// What an RPDO writes: "rww" may be mapped there only (CiA 301).
 void mappedIsNotWritable(Check &check, const CheckedObject &object, const MappingEntry &entry)
 {
-    static const QStringList writable{u"wo"_s, u"rww"_s, u"rw"_s};
     const CheckedSubindex *target = targetOf(entry);
-    if (target && !PDO::isTransmitMapping(object.index) && !writable.contains(target->data.accesstype))
+    if (target && !PDO::isTransmitMapping(object.index) && !CANopen::fitsReceivePdo(target->data.accesstype))
         check.error(u"Object 0x%1: The access right of the mapped object 0x%2:%3 does not fit for an RPDO."_s.arg(
             hex4(object.index), hex4(target->index), dec(target->subindex)));
 }
 
-/// What a TPDO reads: "rwr" may be mapped there only (CiA 301).
 void mappedIsNotReadable(Check &check, const CheckedObject &object, const MappingEntry &entry)
 {
-    static const QStringList readable{u"const"_s, u"ro"_s, u"rwr"_s, u"rw"_s};
     const CheckedSubindex *target = targetOf(entry);
-    if (target && PDO::isTransmitMapping(object.index) && !readable.contains(target->data.accesstype))
+    if (target && PDO::isTransmitMapping(object.index) && !CANopen::fitsTransmitPdo(target->data.accesstype))
         check.error(u"Object 0x%1: The access right of the mapped object 0x%2:%3 does not fit for a TPDO."_s.arg(
             hex4(object.index), hex4(target->index), dec(target->subindex)));
 }

@@ -4,6 +4,7 @@
 #include "check/line/checktext.h"
 #include "check/line/valueform.h"
 #include "check/rules/rulelists.h"
+#include "nodedict/access.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
 
@@ -27,7 +28,7 @@ bool countsItsElements(const CheckedObject &object)
 {
     const CheckedSubindex *count = object.sub(0);
     return object.isComplex() && count && object.index != Index::errorHistory && !isMapping(object) &&
-           !count->data.accesstype.contains(u'w');
+           !CANopen::isWritable(count->data.accesstype);
 }
 
 /// The highest subindex but 255, which describes the object's structure (CiA 301).
@@ -86,7 +87,7 @@ void countIsNoConst(LocalCheck &check, const CheckedObject &object)
     if (!check.corrects() || !countsItsElements(object))
         return;
     StoreRecords::SubIndexData data = object.sub(0)->data;
-    if (data.accesstype == "const"_L1 || data.implementation == Implementation::ManagedConst ||
+    if (data.accesstype == CANopen::Access::Const || data.implementation == Implementation::ManagedConst ||
         data.implementation == Implementation::VirtualObject)
         return;
     data.implementation = codeOf(Implementation::ManagedConst);
@@ -150,8 +151,7 @@ void variableNameInvalid(LocalCheck &check, const CheckedSubindex &sub)
 
 void accessInvalid(LocalCheck &check, const CheckedSubindex &sub)
 {
-    static const QStringList known{u"ro"_s, u"const"_s, u"rw"_s, u"rwr"_s, u"rww"_s, u"wo"_s};
-    if (!known.contains(sub.data.accesstype))
+    if (!CANopen::accessOf(sub.data.accesstype))
         check.error(
             u"Object 0x%1-0x%2: The access type '%3' is invalid. Use ro, rw, const, wo, rww or rwr instead."_s.arg(
                 hex4(sub.index), hex2(sub.subindex), sub.data.accesstype));
@@ -159,7 +159,7 @@ void accessInvalid(LocalCheck &check, const CheckedSubindex &sub)
 
 void constIsWritable(LocalCheck &check, const CheckedSubindex &sub)
 {
-    if (sub.data.implementation == Implementation::ManagedConst && sub.data.accesstype.contains(u'w'))
+    if (sub.data.implementation == Implementation::ManagedConst && CANopen::isWritable(sub.data.accesstype))
         check.error(
             u"Object 0x%1-0x%2: The implementation type is Managed Const, but the access type allows write access."_s
                 .arg(hex4(sub.index), hex2(sub.subindex)));

@@ -5,6 +5,7 @@
 #include "generate/model/linedictionary.h"
 #include "generate/model/linemessages.h"
 #include "generate/model/linesettings.h"
+#include "nodedict/access.h"
 #include "nodedict/canopendatatype.h"
 #include "store/objectdatabase.h"
 #include "texttools/numbertext.h"
@@ -265,7 +266,7 @@ quint32 DefineCollector::dynamicMappings(const LineDictionary &dictionary, Index
 {
     return static_cast<quint32>(std::ranges::count_if(dictionary.range(pdos), [&](const LineObject &pdo) {
         const StoreRecords::SubEntry *count = dictionary.sub(pdo.index + Index::pdoMappingOffset, 0);
-        return count && count->data.accesstype == "rw"_L1;
+        return count && count->data.accesstype == CANopen::Access::ReadWrite;
     }));
 }
 

@@ -4,6 +4,7 @@
 #include "generate/common/doctext.h"
 #include "generate/common/documentname.h"
 #include "generate/model/linedictionary.h"
+#include "nodedict/access.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
 #include "texttools/clock.h"
@@ -15,6 +16,7 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+using CANopen::Access;
 using CANopen::Implementation;
 using Code::dec;
 using Code::hex;
@@ -42,9 +44,9 @@ constexpr Profile communicationProfile{"CAN com net profile"_L1, "CommunicationN
 
 QLatin1StringView usdoAccess(const QString &access)
 {
-    if (access == "const"_L1 || access == "ro"_L1)
+    if (access == Access::Const || access == Access::ReadOnly)
         return "ro"_L1;
-    return access == "wo"_L1 ? "wo"_L1 : "rw"_L1;
+    return access == Access::WriteOnly ? "wo"_L1 : "rw"_L1;
 }
 
 bool showsDefault(const StoreRecords::SubIndexData &sub)
@@ -209,7 +211,7 @@ private:
              {{"SUB", hex(element.subindex, 2)},
               {"NAME", quoted(filledText(sub.name, element))},
               {"TYPE", hex(sub.datatype, 2)},
-              {"MODIFICATION", sub.accesstype == "const"_L1 ? "false"_L1 : "true"_L1},
+              {"MODIFICATION", sub.accesstype == Access::Const ? "false"_L1 : "true"_L1},
               {"USDO", usdoAccess(sub.accesstype)},
               {"PDO", sub.pdomapping.getXDDStringValue()},
               {"DEFAULT", showsDefault(sub) ? attribute("defaultValue"_L1, quoted(sub.defaultvalue)) : QString()}});

@@ -1,33 +1,26 @@
 #include "generate/model/dictionarycollect.h"
 
 #include "generate/model/serviceobjects.h"
+#include "nodedict/access.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+using CANopen::Access;
 using CANopen::Implementation;
 using Entry = StoreRecords::SubEntry;
 
 namespace {
 
-/// What an access type lets the stack do, and a PDO.
-struct AccessRow
+/// What an access lets the stack do; with an unknown one it does all that a client asks for.
+QLatin1StringView accessAttribute(const QString &access)
 {
-    QLatin1StringView access;
-    QLatin1StringView attributes;
-    bool mapTransmit;
-    bool mapReceive;
-};
-
-constexpr auto readWrite = "CO_ATTR_READ | CO_ATTR_WRITE"_L1;
-constexpr AccessRow accessRows[] = {
-    {"const"_L1, "CO_ATTR_READ"_L1, true, false}, {"ro"_L1, "CO_ATTR_READ"_L1, true, false},
-    {"wo"_L1, "CO_ATTR_WRITE"_L1, false, true},   {"rw"_L1, readWrite, true, true},
-    {"rwr"_L1, readWrite, true, false},           {"rww"_L1, readWrite, false, true},
-};
-constexpr AccessRow unknownAccess{""_L1, readWrite, false, false};
+    if (access == Access::Const || access == Access::ReadOnly)
+        return "CO_ATTR_READ"_L1;
+    return access == Access::WriteOnly ? "CO_ATTR_WRITE"_L1 : "CO_ATTR_READ | CO_ATTR_WRITE"_L1;
+}
 
 QString descriptionAttributes(const StoreRecords::SubIndexData &data, bool compact)
 {
@@ -140,15 +133,13 @@ QLatin1StringView DictionaryCollect::specifier(const Entry &sub, bool staticSrdo
 
 QString DictionaryCollect::accessAttributes(const StoreRecords::SubIndexData &data)
 {
-    const auto known = std::ranges::find(accessRows, data.accesstype, &AccessRow::access);
-    const AccessRow &row = known == std::end(accessRows) ? unknownAccess : *known;
     QString attributes;
     if (data.datatype < CAN::VisibleString || data.datatype == CAN::Unsigned24)
         attributes += "CO_ATTR_NUM | "_L1;
-    attributes += row.attributes;
-    if (data.pdomapping != PDOMapping::Forbidden && row.mapTransmit)
+    attributes += accessAttribute(data.accesstype);
+    if (data.pdomapping != PDOMapping::Forbidden && CANopen::fitsTransmitPdo(data.accesstype))
         attributes += " | CO_ATTR_MAP_TR"_L1;
-    if (data.pdomapping != PDOMapping::Forbidden && row.mapReceive)
+    if (data.pdomapping != PDOMapping::Forbidden && CANopen::fitsReceivePdo(data.accesstype))
         attributes += " | CO_ATTR_MAP_REC"_L1;
     return attributes;
 }

@@ -1,6 +1,7 @@
 #include "generate/model/dictionarycollect.h"
 
 #include "generate/model/serviceobjects.h"
+#include "nodedict/access.h"
 #include "nodedict/canopendatatype.h"
 #include "texttools/helper.h"
 
@@ -29,8 +30,7 @@ bool isSharedElsewhere(const Entry &sub)
 
 bool isWritable(const StoreRecords::SubIndexData &data)
 {
-    static const QStringList writable{u"rw"_s, u"rwr"_s, u"rww"_s, u"wo"_s};
-    return writable.contains(data.accesstype);
+    return CANopen::accessOf(data.accesstype) && CANopen::isWritable(data.accesstype);
 }
 
 /// What the stack knows of the limits of a type: wide numbers have none.

@@ -3,6 +3,7 @@
 #include "generate/base/codewriter.h"
 #include "generate/model/dictionarycollect.h"
 #include "generate/model/dictionarytables.h"
+#include "nodedict/access.h"
 
 #include <QHash>
 
@@ -93,7 +94,7 @@ std::vector<PdoMapping> readPdos(const DictionaryTables &tables, const Dictionar
         PdoMapping pdo{.index = object.index, .number = static_cast<quint16>(object.index - pdos.first + 1)};
         const LineObject *mapping = line.object(object.index + Index::pdoMappingOffset);
         const Entry *count = mapping ? mapping->sub(0) : nullptr;
-        pdo.fixed = !count || count->data.accesstype != "rw"_L1;
+        pdo.fixed = !count || count->data.accesstype != CANopen::Access::ReadWrite;
         if (pdo.fixed && count) {
             pdo.count = static_cast<quint8>(defaultNumber(count));
             for (quint8 i = 1; i <= entryCount(pdo.count); ++i)

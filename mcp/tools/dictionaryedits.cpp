@@ -5,6 +5,7 @@
 #include "mcp/tools/dictionaryjson.h"
 #include "mcp/tools/guards.h"
 #include "mcp/tools/toolfamilies.h"
+#include "nodedict/access.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
@@ -133,7 +134,7 @@ Reply addSubindex(const ToolCall &call)
     ObjectDataBase::SUBINDEX_DATA_T sub;
     sub.name = call.text(subindexName.name);
     sub.datatype = call.number<quint16>(Arguments::dataType.name);
-    sub.accesstype = call.text(accessType.name, u"ro"_s);
+    sub.accesstype = call.text(accessType.name, textOf(CANopen::Access::ReadOnly));
     sub.defaultvalue = call.text(Arguments::defaultValue.name);
     sub.size = call.number<quint32>(size.name);
     sub.pdomapping = PDOMapping(*mapping);

@@ -2,6 +2,7 @@
 
 #include "check/line/pdo.h"
 #include "check/line/storevalue.h"
+#include "nodedict/access.h"
 
 #include <algorithm>
 
@@ -29,11 +30,9 @@ bool losesMapping(const DeviceChange &change)
 
 bool losesAccess(const DeviceChange &change)
 {
-    const auto reads = [](const QString &access) { return access != "wo"_L1; };
-    const auto writes = [](const QString &access) {
-        return access.startsWith('r'_L1) ? access != "ro"_L1 : access == "wo"_L1;
-    };
-    return (reads(change.before) && !reads(change.after)) || (writes(change.before) && !writes(change.after));
+    const auto reads = [](const QString &access) { return access != CANopen::Access::WriteOnly; };
+    return (reads(change.before) && !reads(change.after)) ||
+           (CANopen::isWritable(change.before) && !CANopen::isWritable(change.after));
 }
 
 bool isSwitchedOff(const DeviceChange &change)

@@ -3,6 +3,7 @@
 #include "check/line/pdo.h"
 #include "check/line/storevalue.h"
 #include "ncx/device/devicemodel.h"
+#include "nodedict/access.h"
 #include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
 
@@ -58,9 +59,9 @@ QString mappingText(const StoreRecords::SubIndexData &data)
 {
     if (data.pdomapping == PDOMapping::Forbidden)
         return u"no"_s;
-    if (data.accesstype == "ro"_L1 || data.accesstype == "rwr"_L1 || data.accesstype == "const"_L1)
+    if (CANopen::fitsTransmitPdo(data.accesstype) && !CANopen::fitsReceivePdo(data.accesstype))
         return u"TPDO"_s;
-    if (data.accesstype == "wo"_L1 || data.accesstype == "rww"_L1)
+    if (CANopen::fitsReceivePdo(data.accesstype) && !CANopen::fitsTransmitPdo(data.accesstype))
         return u"RPDO"_s;
     return data.pdomapping == PDOMapping::RPDO   ? u"RPDO"_s
            : data.pdomapping == PDOMapping::TPDO ? u"TPDO"_s

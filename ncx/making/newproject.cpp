@@ -3,6 +3,7 @@
 #include "import/profiledatabases.h"
 #include "ncx/project/identity.h"
 #include "ncx/project/openedproject.h"
+#include "nodedict/access.h"
 #include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
 #include "store/file/workingcopies.h"
@@ -62,7 +63,7 @@ bool settle(ObjectDataBase &store, quint8 line)
     for (StoreRecords::SubEntry entry : store.getAllSubIndices(line)) {
         StoreRecords::SubIndexData &data = entry.data;
         const bool isCount = entry.subindex == 0 && objectTypes.value(entry.index) != CANopen::Var;
-        const bool isReadOnly = data.accesstype == "const"_L1;
+        const bool isReadOnly = data.accesstype == CANopen::Access::Const;
         const bool isIdentity = entry.index == Index::deviceType ||
                                 (entry.index == Index::identity && entry.subindex >= 1 && entry.subindex <= 3);
         if (isCount || isReadOnly || isIdentity)

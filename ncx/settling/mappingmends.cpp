@@ -2,6 +2,7 @@
 
 #include "check/line/pdo.h"
 #include "ncx/settling/mappedentries.h"
+#include "nodedict/access.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
 
@@ -33,19 +34,19 @@ QString switchedOff(const QString &cobId)
            u"0x%1"_s.arg(value.magnitude | PDO::disabledBit, 8, 16, QLatin1Char('0'));
 }
 
-bool setAccess(SettledLine &line, quint16 index, quint8 subindex, const QString &access)
+bool setAccess(SettledLine &line, quint16 index, quint8 subindex, Access access)
 {
     SettledLine::Sub sub = *line.sub(index, subindex);
-    sub.accesstype = access;
+    sub.accesstype = textOf(access);
     return line.set(index, subindex, sub);
 }
 
-SettledLine::Sub parameter(const QString &name, quint16 dataType, const QString &access, const QString &value)
+SettledLine::Sub parameter(const QString &name, quint16 dataType, Access access, const QString &value)
 {
     SettledLine::Sub sub;
     sub.name = name;
     sub.datatype = dataType;
-    sub.accesstype = access;
+    sub.accesstype = textOf(access);
     sub.defaultvalue = value;
     return sub;
 }
@@ -63,10 +64,10 @@ bool MappingMends::makeAlike(SettledLine &line, const FindingPlace &place)
     const quint16 mapping = mappingOf(place);
     const QList<quint8> subindices = line.subindicesOf(mapping);
     const bool isWritable = std::ranges::any_of(
-        subindices, [&](quint8 subindex) { return line.sub(mapping, subindex)->accesstype.contains(u'w'); });
+        subindices, [&](quint8 subindex) { return CANopen::isWritable(line.sub(mapping, subindex)->accesstype); });
     bool changed = false;
     for (const quint8 subindex : subindices)
-        changed |= setAccess(line, mapping, subindex, isWritable ? u"rw"_s : u"const"_s);
+        changed |= setAccess(line, mapping, subindex, isWritable ? Access::ReadWrite : Access::Const);
     return changed;
 }
 
@@ -116,9 +117,9 @@ bool MappingMends::addCommunication(SettledLine &line, const FindingPlace &place
     object.name = (isTransmit ? u"Transmit PDO parameter %1"_s : u"Receive PDO parameter %1"_s).arg(number);
     object.objecttype = Record;
     line.set(index, object);
-    line.set(index, 0, parameter(u"Highest subindex supported"_s, CAN::Unsigned8, u"ro"_s, u"2"_s));
-    line.set(index, 1, parameter(u"COB-ID"_s, CAN::Unsigned32, u"rw"_s, u"0x80000000"_s));
-    return line.set(index, 2, parameter(u"Transmission Type"_s, CAN::Unsigned8, u"rw"_s, u"0xFF"_s));
+    line.set(index, 0, parameter(u"Highest subindex supported"_s, CAN::Unsigned8, Access::ReadOnly, u"2"_s));
+    line.set(index, 1, parameter(u"COB-ID"_s, CAN::Unsigned32, Access::ReadWrite, u"0x80000000"_s));
+    return line.set(index, 2, parameter(u"Transmission Type"_s, CAN::Unsigned8, Access::ReadWrite, u"0xFF"_s));
 }
 
 bool MappingMends::addMapping(SettledLine &line, const FindingPlace &place)
@@ -133,8 +134,8 @@ bool MappingMends::addMapping(SettledLine &line, const FindingPlace &place)
     line.set(index, object);
     for (quint8 number = 1; number <= entries; ++number)
         line.set(index, number,
-                 parameter(u"Mapping Entry %1"_s.arg(number), CAN::Unsigned32, u"rw"_s, u"0x00000000"_s));
-    return line.set(index, 0, parameter(u"Number of Entries"_s, CAN::Unsigned8, u"rw"_s, u"0"_s));
+                 parameter(u"Mapping Entry %1"_s.arg(number), CAN::Unsigned32, Access::ReadWrite, u"0x00000000"_s));
+    return line.set(index, 0, parameter(u"Number of Entries"_s, CAN::Unsigned8, Access::ReadWrite, u"0"_s));
 }
 
 bool MappingMends::dropDeadEntries(SettledLine &line, const FindingPlace &place)
@@ -197,14 +198,15 @@ bool MappingMends::openAccess(SettledLine &line, const FindingPlace &place)
 {
     const quint16 mapping = mappingOf(place);
     const bool isTransmit = MappedEntries::isTransmitMapping(mapping);
-    const QStringList fitting =
-        isTransmit ? QStringList{u"const"_s, u"ro"_s, u"rwr"_s, u"rw"_s} : QStringList{u"wo"_s, u"rww"_s, u"rw"_s};
+    const auto fits = [isTransmit](const QString &access) {
+        return isTransmit ? CANopen::fitsTransmitPdo(access) : CANopen::fitsReceivePdo(access);
+    };
     bool changed = false;
     for (const MappedEntry &entry : MappedEntries::of(line, mapping)) {
         const SettledLine::Sub *target = entry.isDummy() ? nullptr : line.sub(entry.index(), entry.subindex());
-        if (target && !fitting.contains(target->accesstype))
+        if (target && !fits(target->accesstype))
             changed |= setAccess(line, entry.index(), entry.subindex(),
-                                 target->accesstype.contains(u'w') ? u"rw"_s : u"rww"_s);
+                                 CANopen::isWritable(target->accesstype) ? Access::ReadWrite : Access::ReadWriteOutput);
     }
     return changed;
 }

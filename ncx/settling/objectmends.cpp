@@ -1,5 +1,6 @@
 #include "ncx/settling/mends.h"
 
+#include "nodedict/access.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
@@ -128,7 +129,7 @@ bool ObjectMends::addElement(SettledLine &line, const FindingPlace &place)
     sub.datatype =
         index < Index::firstManufacturerObject ? quint16{CAN::Unsigned32} : static_cast<quint16>(object->datatype);
     const QString access = section ? section->word("accesstype"_L1) : QString();
-    sub.accesstype = access.isEmpty() ? u"rw"_s : COHelper::normalizeAccessType(access);
+    sub.accesstype = access.isEmpty() ? textOf(CANopen::Access::ReadWrite) : COHelper::normalizeAccessType(access);
     // A value where its number of elements should be is the only one that the object has.
     if (const SettledLine::Sub *first = line.sub(index, 0); first && first->datatype != CAN::Unsigned8) {
         sub = element(*first, first->name);

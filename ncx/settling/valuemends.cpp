@@ -1,6 +1,7 @@
 #include "ncx/settling/mends.h"
 
 #include "check/line/storevalue.h"
+#include "nodedict/access.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
@@ -123,7 +124,7 @@ quint32 bytesOf(const QString &text)
 
 bool isWritable(const Sub &sub)
 {
-    return sub.accesstype.contains(u'w');
+    return CANopen::isWritable(sub.accesstype);
 }
 
 } // namespace

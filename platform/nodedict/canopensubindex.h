@@ -1,5 +1,6 @@
 #pragma once
 
+#include "nodedict/access.h"
 #include "nodedict/canopendatatype.h"
 
 #include <QString>
@@ -13,8 +14,8 @@ struct CANopenSubindex
 {
     quint32 index = 0;
     quint8 subindex = 0;
-    quint32 datatype = CAN::NoType;            ///< CAN::NoType where the file declares none
-    QString accesstype = QStringLiteral("ro"); ///< one of the six words of `COHelper::normalizeAccessType`
+    quint32 datatype = CAN::NoType;                                  ///< CAN::NoType where the file declares none
+    QString accesstype = CANopen::textOf(CANopen::Access::ReadOnly); ///< the word of an access
     QString name;
     QVariant defaultvalue;  ///< a string; invalid where the file declares none
     QString parametervalue; ///< the value of a configured device; only in a DCF

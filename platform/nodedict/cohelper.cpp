@@ -1,5 +1,6 @@
 #include "nodedict/cohelper.h"
 
+#include "nodedict/access.h"
 #include "nodedict/canopendatatype.h"
 #include "texttools/numbertext.h"
 
@@ -12,6 +13,8 @@
 using namespace Qt::StringLiterals;
 
 namespace {
+
+using CANopen::Access;
 
 enum class Kind : quint8
 {
@@ -142,18 +145,19 @@ constexpr Word objectCodes[] = {
     {"REC"_L1, CANopen::Record},    {"STRUCT"_L1, CANopen::Record},
 };
 
-struct AccessWord
+struct AccessSpelling
 {
     QLatin1StringView word;
-    QLatin1StringView access;
+    Access access;
 };
 
-constexpr AccessWord accessWords[] = {
-    {"const"_L1, "const"_L1}, {"constant"_L1, "const"_L1}, {"c"_L1, "const"_L1},      {"ro"_L1, "ro"_L1},
-    {"r"_L1, "ro"_L1},        {"read"_L1, "ro"_L1},        {"readonly"_L1, "ro"_L1},  {"wo"_L1, "wo"_L1},
-    {"w"_L1, "wo"_L1},        {"write"_L1, "wo"_L1},       {"writeonly"_L1, "wo"_L1}, {"rw"_L1, "rw"_L1},
-    {"wr"_L1, "rw"_L1},       {"r/w"_L1, "rw"_L1},         {"readwrite"_L1, "rw"_L1}, {"read/write"_L1, "rw"_L1},
-    {"rww"_L1, "rww"_L1},     {"rwr"_L1, "rwr"_L1},
+constexpr AccessSpelling accessSpellings[] = {
+    {"const"_L1, Access::Const},          {"constant"_L1, Access::Const},      {"c"_L1, Access::Const},
+    {"ro"_L1, Access::ReadOnly},          {"r"_L1, Access::ReadOnly},          {"read"_L1, Access::ReadOnly},
+    {"readonly"_L1, Access::ReadOnly},    {"wo"_L1, Access::WriteOnly},        {"w"_L1, Access::WriteOnly},
+    {"write"_L1, Access::WriteOnly},      {"writeonly"_L1, Access::WriteOnly}, {"rw"_L1, Access::ReadWrite},
+    {"wr"_L1, Access::ReadWrite},         {"r/w"_L1, Access::ReadWrite},       {"readwrite"_L1, Access::ReadWrite},
+    {"read/write"_L1, Access::ReadWrite}, {"rww"_L1, Access::ReadWriteOutput}, {"rwr"_L1, Access::ReadWriteInput},
 };
 
 /// The form in which words are compared: lower case, without blanks, "_" and "-".
@@ -276,14 +280,14 @@ quint32 COHelper::string2objectCode(const QString &text)
 QString COHelper::normalizeAccessType(const QString &text)
 {
     QString word = comparable(text);
-    auto row = std::ranges::find(accessWords, word, &AccessWord::word);
-    if (row == std::end(accessWords)) {
+    auto row = std::ranges::find(accessSpellings, word, &AccessSpelling::word);
+    if (row == std::end(accessSpellings)) {
         const QString trimmed = text.trimmed();
         const auto end = std::ranges::find_if(trimmed, [](QChar c) { return c.isSpace(); });
         word = comparable(trimmed.first(end - trimmed.begin()));
-        row = std::ranges::find(accessWords, word, &AccessWord::word);
+        row = std::ranges::find(accessSpellings, word, &AccessSpelling::word);
     }
-    return row == std::end(accessWords) ? u"ro"_s : QString(row->access);
+    return row == std::end(accessSpellings) ? textOf(CANopen::Access::ReadOnly) : textOf(row->access);
 }
 
 CANopen::ObjectCategory COHelper::convertCategory(const QString &text)

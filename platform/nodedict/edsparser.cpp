@@ -1,5 +1,6 @@
 #include "nodedict/edsparser.h"
 
+#include "nodedict/access.h"
 #include "nodedict/edsvalue.h"
 #include "texttools/asciitext.h"
 #include "texttools/numbertext.h"
@@ -17,12 +18,6 @@ constexpr quint32 refuseReadFlag = 2;
 constexpr QByteArrayView fieldNames[] = {"parametername",  "objecttype", "datatype",   "accesstype", "defaultvalue",
                                          "lowlimit",       "highlimit",  "pdomapping", "objflags",   "compactsubobj",
                                          "parametervalue", "denotation", "description"};
-
-struct AccessWord
-{
-    QByteArrayView bytes;
-    QString text;
-};
 
 /// True for an object whose sub-objects have sections of their own.
 bool isGroup(quint32 objectType)
@@ -245,14 +240,11 @@ QString EdsParser::limit(const Fields &fields, Field field, quint32 type) const
 
 QString EdsParser::accessType(const Fields &fields, bool isDomain) const
 {
-    static const AccessWord words[] = {{"rw", u"rw"_s},       {"ro", u"ro"_s},   {"wo", u"wo"_s},
-                                       {"const", u"const"_s}, {"rww", u"rww"_s}, {"rwr", u"rwr"_s}};
-    const QByteArrayView bytes = fields.values[AccessType].value_or(QByteArrayView());
-    const auto *const plain = std::ranges::find(words, bytes, &AccessWord::bytes);
-    if (plain != std::end(words))
-        return plain->text;
+    const auto plain = CANopen::accessOf(QLatin1StringView(fields.values[AccessType].value_or(QByteArrayView())));
+    if (plain)
+        return textOf(*plain);
     const QString access = word(fields, AccessType);
-    return access.isEmpty() && isDomain ? u"rw"_s : COHelper::normalizeAccessType(access);
+    return access.isEmpty() && isDomain ? textOf(CANopen::Access::ReadWrite) : COHelper::normalizeAccessType(access);
 }
 
 bool EdsParser::isMappable(const Fields &fields) const

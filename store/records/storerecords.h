@@ -1,5 +1,6 @@
 #pragma once
 
+#include "nodedict/access.h"
 #include "nodedict/pdomapping.h"
 
 #include <QList>
@@ -38,7 +39,7 @@ struct SubIndexData
 {
     QString name = QStringLiteral("unnamed subindex");
     quint16 datatype = 5;
-    QString accesstype = QStringLiteral("ro"); ///< "const", "ro", "rw", "wo", "rww" or "rwr"
+    QString accesstype = CANopen::textOf(CANopen::Access::ReadOnly); ///< the word of an access, or any other
     QString defaultvalue = {};
     QString currentvalue = {}; ///< the value of a configured device (DCF)
     PDOMapping pdomapping = {};
