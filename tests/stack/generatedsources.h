@@ -58,7 +58,6 @@ private:
     QString compileFile(const QString &path, const QStringList &more = {});
     QString linkWalker();
     QString messageSource() const;
-    void writeVariables() const;
     void writeSymbols() const;
 
     bool classic_;

@@ -10,7 +10,8 @@ namespace TestSupport {
 
 /// A project made by chance, the same for the same seed: the commands that build it, which tests/data/check/README.md
 /// lists. What it is made of stands in tests/data/random; what has to fit together (mappings, safety data, signals
-/// that share a message) is made here.
+/// that share a message) is made here: randomobjects.cpp has the objects of its dictionaries, randomproject.cpp the
+/// rest.
 class RandomProject
 {
 public:
@@ -22,6 +23,14 @@ public:
     bool isClassic() const { return classic_; }
 
 private:
+    enum Implementation : quint8
+    {
+        ManagedVariable,
+        ManagedConst,
+        ApplicationVariable,
+        VirtualObject
+    };
+
     /// What a PDO or SRDO may map.
     struct Mappable
     {
@@ -38,6 +47,9 @@ private:
         quint8 subindex;
         quint16 dataType;
     };
+
+    static bool isText(quint16 dataType);
+    static QString hex(quint32 number, int digits = 4);
 
     quint32 number(quint32 first, quint32 last);
     bool chance(quint32 percent) { return number(1, 100) <= percent; }

@@ -23,4 +23,7 @@ extern int stackTrace;
 /* The call that fails, counted from 1; 0 for none. */
 extern int stackFailAt;
 
+/* Prints each subindex of each dictionary. */
+void dumpDictionaries(void);
+
 #endif /* STACK_H */
