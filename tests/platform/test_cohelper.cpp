@@ -1,3 +1,4 @@
+#include "nodedict/access.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
 #include "nodedict/pdomapping.h"
@@ -116,6 +117,24 @@ TEST(COHelper, ObjectCodesAccessTypesCategories)
     EXPECT_EQ(COHelper::convertCategory(u"conditional"_s), CANopen::Conditional);
     EXPECT_EQ(COHelper::convertCategory(u"optional"_s), CANopen::Optional);
     EXPECT_EQ(COHelper::convertCategory(u"?"_s), CANopen::Optional);
+}
+
+TEST(Access, WhatWordsAllow)
+{
+    using namespace CANopen;
+    for (const QString &row :
+         u"const=t|ro=t|wo=wr|rw=wbrt|rwr=wbt|rww=wbr|wx=w|rwx=wb|RW=|ow=w|read=|="_s.split(u'|')) {
+        const QString word = row.section(u'=', 0, 0);
+        QString allowed;
+        allowed += isWritable(word) ? u"w"_s : QString();
+        allowed += isReadWrite(word) ? u"b"_s : QString();
+        allowed += fitsReceivePdo(word) ? u"r"_s : QString();
+        allowed += fitsTransmitPdo(word) ? u"t"_s : QString();
+        EXPECT_EQ(allowed, row.section(u'=', 1)) << row.toStdString();
+        if (const auto access = accessOf(word)) {
+            EXPECT_TRUE(word == *access && textOf(*access) == word);
+        }
+    }
 }
 
 TEST(PDOMapping, WordsAndNumbers)
