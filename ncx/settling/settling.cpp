@@ -45,7 +45,7 @@ bool isAsked(const SettlingRow &row, const Settling &settling)
 bool mend(SettledLine &line, const Settling &settling, const QString &rule, const FindingPlace &place)
 {
     for (const SettlingRow &row : settlingRows()) {
-        if (row.rule != rule || !isAsked(row, settling))
+        if (!row.settles(rule) || !isAsked(row, settling))
             continue;
         line.setTopic(row.topic());
         if (row.mend(line, place) && !rule.isEmpty())
@@ -60,7 +60,7 @@ void tellLeft(const Settling &settling, const ProjectFindings &findings, Settled
         if (finding.severity() == "note"_L1)
             continue;
         const bool isMendable = std::ranges::any_of(settlingRows(), [&](const SettlingRow &row) {
-            return row.rule == finding.finding.rule && row.kind == SettlingTopic::Kind::Repaired && !settling.repairs;
+            return row.settles(finding.finding.rule) && row.kind == SettlingTopic::Kind::Repaired && !settling.repairs;
         });
         line.setTopic({finding.severity() == "error"_L1 ? SettlingTopic::Kind::Left : SettlingTopic::Kind::Doubtful,
                        u"by the rule %1"_s.arg(finding.finding.rule), finding.advice,

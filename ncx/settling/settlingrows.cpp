@@ -26,15 +26,9 @@ constexpr SettlingRow rows[] = {
      ObjectMends::tellDomains},
 
     // Objects and their structure.
-    {"vendorIdEmpty"_L1, settled, "The identity is that of [DeviceInfo], and 0 where that is empty"_L1,
-     "0x1018 has no values of its own."_L1, "Set what is 0 to the numbers of your device."_L1,
-     ObjectMends::fillIdentity},
-    {"productCodeEmpty"_L1, settled, "The identity is that of [DeviceInfo], and 0 where that is empty"_L1,
-     "0x1018 has no values of its own."_L1, "Set what is 0 to the numbers of your device."_L1,
-     ObjectMends::fillIdentity},
-    {"revisionEmpty"_L1, settled, "The identity is that of [DeviceInfo], and 0 where that is empty"_L1,
-     "0x1018 has no values of its own."_L1, "Set what is 0 to the numbers of your device."_L1,
-     ObjectMends::fillIdentity},
+    {"vendorIdEmpty productCodeEmpty revisionEmpty"_L1, settled,
+     "The identity is that of [DeviceInfo], and 0 where that is empty"_L1, "0x1018 has no values of its own."_L1,
+     "Set what is 0 to the numbers of your device."_L1, ObjectMends::fillIdentity},
     {"errorHistoryWithoutEmcy"_L1, settled, "The COB-ID of emergency messages was added"_L1,
      "The error history 0x1003 needs 0x1014."_L1, "Remove 0x1003 if the device sends no emergency messages."_L1,
      ObjectMends::addObject<CANopen::Index::emcyCobId>},
@@ -65,36 +59,19 @@ constexpr SettlingRow rows[] = {
      "A VARIABLE has one value."_L1, ""_L1, ObjectMends::makeRecord},
     {"deviceTypeOfClassic"_L1, repaired, "The device type is a VARIABLE"_L1, "CiA 301 has it so."_L1, ""_L1,
      ObjectMends::makeVariable},
-    {"objectWithoutName"_L1, repaired, "What has no name got one"_L1, "CiA 306 demands a ParameterName."_L1,
-     "Name it after what it does."_L1, ObjectMends::nameIt},
-    {"subindexWithoutName"_L1, repaired, "What has no name got one"_L1, "CiA 306 demands a ParameterName."_L1,
-     "Name it after what it does."_L1, ObjectMends::nameIt},
+    {"objectWithoutName subindexWithoutName"_L1, repaired, "What has no name got one"_L1,
+     "CiA 306 demands a ParameterName."_L1, "Name it after what it does."_L1, ObjectMends::nameIt},
 
     // Values and where they are kept.
     {"typeUnsupported"_L1, settled, "Types that the stack lacks are the nearest ones of the same size"_L1,
      "The project keeps the value in another type; descriptions tell the type of the file."_L1,
      "Let the application read the bytes as what they are."_L1, ValueMends::takeNearestType},
-    {"managedVisibleString"_L1, settled, "Texts that can only be read are constants"_L1,
+    {"managedVisibleString managedOctetString managedUtf8String"_L1, settled,
+     "Texts that can only be read are constants"_L1,
      "The stack keeps no texts that change, and the file does not tell who does."_L1,
      "Make a text that the device finds out at run time a variable."_L1, ValueMends::makeConstant},
-    {"managedVisibleString"_L1, settled, "Texts that can be written are variables of the application"_L1,
-     "The stack keeps no texts that change."_L1,
-     "Define the variables in the application, and declare them in a header that applicationheader names. "
-     "A size is that of the default value, or 32 without one."_L1,
-     ValueMends::makeApplicationVariable},
-    {"managedOctetString"_L1, settled, "Texts that can only be read are constants"_L1,
-     "The stack keeps no texts that change, and the file does not tell who does."_L1,
-     "Make a text that the device finds out at run time a variable."_L1, ValueMends::makeConstant},
-    {"managedOctetString"_L1, settled, "Texts that can be written are variables of the application"_L1,
-     "The stack keeps no texts that change."_L1,
-     "Define the variables in the application, and declare them in a header that applicationheader names. "
-     "A size is that of the default value, or 32 without one."_L1,
-     ValueMends::makeApplicationVariable},
-    {"managedUtf8String"_L1, settled, "Texts that can only be read are constants"_L1,
-     "The stack keeps no texts that change, and the file does not tell who does."_L1,
-     "Make a text that the device finds out at run time a variable."_L1, ValueMends::makeConstant},
-    {"managedUtf8String"_L1, settled, "Texts that can be written are variables of the application"_L1,
-     "The stack keeps no texts that change."_L1,
+    {"managedVisibleString managedOctetString managedUtf8String"_L1, settled,
+     "Texts that can be written are variables of the application"_L1, "The stack keeps no texts that change."_L1,
      "Define the variables in the application, and declare them in a header that applicationheader names. "
      "A size is that of the default value, or 32 without one."_L1,
      ValueMends::makeApplicationVariable},
@@ -114,10 +91,7 @@ constexpr SettlingRow rows[] = {
      MappingMends::makeAlike},
     {"entryIsEmpty"_L1, settled, "A mapping that is given in short counts what it maps"_L1,
      "CompactSubObj is the room of the mapping, not what is in it."_L1, ""_L1, MappingMends::countCompactEntries},
-    {"entryIsEmpty"_L1, repaired, "Entries that map nothing were left out"_L1,
-     "An active entry has to name an object that exists."_L1, "Add the object, and map it again, if it is missing."_L1,
-     MappingMends::dropDeadEntries},
-    {"mappedObjectMissing"_L1, repaired, "Entries that map nothing were left out"_L1,
+    {"entryIsEmpty mappedObjectMissing"_L1, repaired, "Entries that map nothing were left out"_L1,
      "An active entry has to name an object that exists."_L1, "Add the object, and map it again, if it is missing."_L1,
      MappingMends::dropDeadEntries},
     {"entriesMissing"_L1, repaired, "A mapping counts the entries that exist"_L1, "Subindex 0 counts more."_L1,
@@ -139,13 +113,8 @@ constexpr SettlingRow rows[] = {
     {"mappingMissing"_L1, settled, "An empty mapping was added"_L1,
      "The file has only the communication parameters of the PDO."_L1, "Map something to use the PDO."_L1,
      MappingMends::addMapping},
-    {"mappingWithoutObjects"_L1, settled, "PDOs without a mapping are switched off"_L1,
-     "The file leaves the mapping to a configuration; bit 31 of the COB-ID is set meanwhile."_L1,
-     "Map something and clear the bit to use the PDO."_L1, MappingMends::switchOff},
-    {"emptyPdoIsDisabled"_L1, settled, "PDOs without a mapping are switched off"_L1,
-     "The file leaves the mapping to a configuration; bit 31 of the COB-ID is set meanwhile."_L1,
-     "Map something and clear the bit to use the PDO."_L1, MappingMends::switchOff},
-    {"enabledPdoIsEmpty"_L1, settled, "PDOs without a mapping are switched off"_L1,
+    {"mappingWithoutObjects emptyPdoIsDisabled enabledPdoIsEmpty"_L1, settled,
+     "PDOs without a mapping are switched off"_L1,
      "The file leaves the mapping to a configuration; bit 31 of the COB-ID is set meanwhile."_L1,
      "Map something and clear the bit to use the PDO."_L1, MappingMends::switchOff},
     {"cobIdUsedTwice"_L1, repaired, "The later one of two PDOs with the same COB-ID has that of the pre-defined set"_L1,
@@ -169,6 +138,15 @@ constexpr SettlingRow rows[] = {
 };
 
 } // namespace
+
+bool SettlingRow::settles(const QString &rule) const
+{
+    for (const QLatin1StringView one : rules.tokenize(u' ')) {
+        if (one == rule)
+            return true;
+    }
+    return false;
+}
 
 std::span<const SettlingRow> settlingRows()
 {

@@ -7,8 +7,9 @@
 /// A decision about a description.
 struct SettlingRow
 {
-    /// The rule of the check whose findings it settles (check/rules); empty for what is asked before the first check.
-    QLatin1StringView rule;
+    /// The rules of the check whose findings it settles (check/rules), with a blank between them; empty for what is
+    /// asked before the first check.
+    QLatin1StringView rules;
     SettlingTopic::Kind kind;
     QLatin1StringView title;
     QLatin1StringView reason;
@@ -16,6 +17,7 @@ struct SettlingRow
     bool (*mend)(SettledLine &, const FindingPlace &);
     bool isConfigured = false; ///< for the values of a configured device only
 
+    bool settles(const QString &rule) const;
     SettlingTopic topic() const { return {kind, title, reason, next}; }
 };
 

@@ -48,6 +48,7 @@ public:
 private:
     void completeColumns(quint8 line);
 
+    // The statements, "update PGNs%1 set ..." and the like, stand there.
     const KeyedRows<PGN> pgns_;
     const KeyedRows<SPN> spns_;
     SpnCache cache_;

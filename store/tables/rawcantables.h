@@ -39,6 +39,7 @@ public:
     QList<DataElement> getDataElements(quint8 line, quint32 canid, quint8 direction);
 
 private:
+    // The statements, "update CANIDs%1 set ..." and the like, stand there.
     const KeyedRows<CANID> canids_;
     const KeyedRows<DataElement> elements_;
 };
