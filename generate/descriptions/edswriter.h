@@ -30,7 +30,9 @@ private:
     QString identity(quint8 subindex) const;
     bool hasMultiplexedPdo() const;
     void writeComments();
+    void writeFileInfo(const QString &project);
     void writeDeviceInfo();
+    void writeDummyUsage();
     void writeList(const QString &section, const QList<quint16> &indices);
     void writePlain(const LineObject &object);
     void writeGroup(const LineObject &object);

@@ -173,29 +173,23 @@ void writeLoadIndication(CodeWriter &out, const PredefinedSet &set)
         )");
 }
 
-void writeUserFunctions(CodeWriter &out, const PredefinedSet &set)
+void writeUserFunctionOfOneLine(CodeWriter &out, const PredefinedSet &set)
 {
     out(uR"(
-
-        /* Please be careful - this function overwrite the COB-Ids of the
-        * predefined connection set with values setting up by the NCX
-        * It has to be called inside the load indication.
-        */
+        RET_T userOverwriteCobIdSettings(void)
+        {
         )");
-    if (!set.multiLine) {
-        out(uR"(
-            RET_T userOverwriteCobIdSettings(void)
-            {
-            )");
-        writeVariables(out, set);
-        for (const PredefinedSet::Line &line : set.lines)
-            SectionWriter(out, false, line.line).write(line);
-        out(uR"(
-            	return ret;
-            }
-            )");
-        return;
-    }
+    writeVariables(out, set);
+    for (const PredefinedSet::Line &line : set.lines)
+        SectionWriter(out, false, line.line).write(line);
+    out(uR"(
+        	return ret;
+        }
+        )");
+}
+
+void writeUserFunctionsOfLines(CodeWriter &out, const PredefinedSet &set)
+{
     out(uR"(
         RET_T userOverwriteCobIdSettingsLine(UNSIGNED8 canLine)
         {
@@ -223,6 +217,21 @@ void writeUserFunctions(CodeWriter &out, const PredefinedSet &set)
         	return(retVal);
         }
         )");
+}
+
+void writeUserFunctions(CodeWriter &out, const PredefinedSet &set)
+{
+    out(uR"(
+
+        /* Please be careful - this function overwrite the COB-Ids of the
+        * predefined connection set with values setting up by the NCX
+        * It has to be called inside the load indication.
+        */
+        )");
+    if (set.multiLine)
+        writeUserFunctionsOfLines(out, set);
+    else
+        writeUserFunctionOfOneLine(out, set);
 }
 
 } // namespace
