@@ -108,14 +108,14 @@ Operation bound(Member member)
     };
 }
 
-template <class Result, class... Parameters>
-Operation op(Result (Store::*member)(Parameters...))
+template <class Family, class Result, class... Parameters>
+Operation op(Result (Family::*member)(Parameters...))
 {
     return bound<decltype(member), Result, Parameters...>(member);
 }
 
-template <class Result, class... Parameters>
-Operation op(Result (Store::*member)(Parameters...) const)
+template <class Family, class Result, class... Parameters>
+Operation op(Result (Family::*member)(Parameters...) const)
 {
     return bound<decltype(member), Result, Parameters...>(member);
 }
