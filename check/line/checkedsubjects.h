@@ -1,8 +1,8 @@
 #pragma once
 
 #include "check/line/defaultcobids.h"
-#include "store/statements/writelog.h"
 #include "store/records/storerecords.h"
+#include "store/statements/writelog.h"
 
 #include <optional>
 #include <vector>
