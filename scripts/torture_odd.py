@@ -146,7 +146,7 @@ class OddStages:
         """A run that takes neither long nor much memory."""
         try:
             result = subprocess.run(self.command(*arguments), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                                    stderr=subprocess.STDOUT, timeout=20, cwd=self.work, env=self.environment(home),
+                                    stderr=subprocess.STDOUT, timeout=120, cwd=self.work, env=self.environment(home),
                                     preexec_fn=limit_memory)
         except subprocess.TimeoutExpired:
             return None, "has no end"

@@ -56,7 +56,7 @@ TEST(EdsImport, OneImporterTakesOneFileAfterTheOther)
     std::atomic<bool> isRead = false;
     const std::unique_ptr<QThread> reader(QThread::create([&] { isRead = store->indexExists(0, 0x2000); }));
     reader->start();
-    EXPECT_TRUE(reader->wait(5000) && isRead);
+    EXPECT_TRUE(reader->wait(120'000) && isRead);
 }
 
 // The same text in every encoding and with every line ending makes the same project.

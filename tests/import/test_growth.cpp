@@ -78,7 +78,8 @@ double secondsOf(QString (*make)(const QString &folder, quint32 size), const QSt
 
 } // namespace
 
-// Four times as much takes about four times as long; to search or move all for each record takes sixteen.
+// Four times as much takes about four times as long; to search or move all for each record takes sixteen. What
+// else the machine does makes a measurement longer, never shorter, so that the shortest of several count.
 TEST(Growth, ImportsTakeTimeInProportionToWhatTheyBring)
 {
     constexpr quint32 small = 2000;
@@ -90,8 +91,12 @@ TEST(Growth, ImportsTakeTimeInProportionToWhatTheyBring)
         {"CAN-IDs", messages, u"4"_s},
     };
     for (const auto &[name, make, lineType] : kinds) {
-        const double before = secondsOf(make, lineType, small);
-        const double after = secondsOf(make, lineType, 4 * small);
+        double before = secondsOf(make, lineType, small);
+        double after = secondsOf(make, lineType, 4 * small);
+        for (int tries = 1; tries < 10 && after >= limit * before; ++tries) {
+            before = std::min(before, secondsOf(make, lineType, small));
+            after = std::min(after, secondsOf(make, lineType, 4 * small));
+        }
         EXPECT_LT(after, limit * before) << name << ": " << before << " s, " << after << " s";
     }
 }

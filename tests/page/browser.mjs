@@ -39,6 +39,7 @@ export function launch() {
 /// Opens a file in a new tab; whatever the page reports as an error is thrown into `faults`.
 export async function open(browser, file, hash = '', options = {}) {
     const tab = await browser.newPage({ viewport: { width: 1280, height: 800 }, ...options });
+    tab.setDefaultTimeout(120000); // a machine may be busy; what hangs for good is ended by the one who runs this
     tab.faults = [];
     tab.on('console', message => tab.faults.push(message.text()));
     tab.on('pageerror', error => tab.faults.push(error.stack));

@@ -150,14 +150,14 @@ const cases = {
         await tab.keyboard.press('ArrowDown');
         await tab.keyboard.press('Enter');
         assert.equal(await hash(tab), '#0x1000');
-        assert.match(await tab.textContent('h2'), /0x1000 Device type/);
+        await tab.waitForSelector('h2:has-text("0x1000 Device type")'); // links are followed in their own time
         await tab.evaluate(() => { tree.goTo(tree.rows.findIndex(row => row.node.id === '0x1018')); });
         await tab.keyboard.press('ArrowRight');
         await tab.keyboard.press('ArrowRight');
         await tab.keyboard.press('ArrowDown');
         await tab.keyboard.press('Enter');
         assert.equal(await hash(tab), '#0x1018:1');
-        assert.match(await tab.textContent('tr.chosen'), /Vendor/);
+        await tab.waitForSelector('tr.chosen:has-text("Vendor")');
         const selected = '[role=treeitem][aria-selected=true]';
         assert.equal(await tab.getAttribute(selected, 'id'), await tab.getAttribute('#tree', 'aria-activedescendant'));
         await tab.keyboard.press('ArrowLeft');
@@ -171,7 +171,7 @@ const cases = {
         assert.match(await tab.textContent('tr.chosen'), /0x2000:0 Vehicle speed/);
         assert.match(await tab.textContent('svg.frame .field title'), /0x2000:0 Vehicle speed: start 0\.0 \(bit 0\), 16 bits/);
         await tab.click('tr.chosen a[href="#0x2000"], tr.chosen a[href="#0x2000:0"]');
-        await tab.waitForSelector('h2:has-text("0x2000")'); // links are followed in their own time
+        await tab.waitForSelector('h2:has-text("0x2000")');
         await tab.click('main a:has-text("SPN 84")');
         assert.equal(await hash(tab), '#1/pgn65265:84');
         await tab.waitForSelector('h2:has-text("PGN 65265")');
@@ -319,10 +319,6 @@ const cases = {
     },
 };
 
-function tooLong() {
-    return new Promise((_, refuse) => setTimeout(() => refuse(new Error('it takes more than a minute')), 60000).unref());
-}
-
 let failed = 0;
 const wanted = process.argv[3] ?? '';
 for (const [name, look] of Object.entries({ ...cases, ...changes })) {
@@ -330,7 +326,7 @@ for (const [name, look] of Object.entries({ ...cases, ...changes })) {
         continue;
     const started = Date.now();
     try {
-        await Promise.race([look(), tooLong()]);
+        await look();
         console.log(`ok    ${name} (${Date.now() - started} ms)`);
     } catch (error) {
         ++failed;
