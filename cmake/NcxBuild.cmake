@@ -6,8 +6,6 @@ set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-set(CMAKE_AUTOMOC ON)
-set(CMAKE_AUTORCC ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 
@@ -48,15 +46,16 @@ target_compile_definitions(ncx_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAS
 file(WRITE "${CMAKE_BINARY_DIR}/ncx_pch.cpp.in" "// Holds the precompiled header that the other targets reuse.\n")
 configure_file("${CMAKE_BINARY_DIR}/ncx_pch.cpp.in" "${CMAKE_BINARY_DIR}/ncx_pch.cpp" COPYONLY)
 add_library(ncx_pch STATIC "${CMAKE_BINARY_DIR}/ncx_pch.cpp")
-set_target_properties(ncx_pch PROPERTIES AUTOMOC OFF)
 target_link_libraries(ncx_pch PRIVATE ncx_options Qt6::Core Qt6::Sql)
 target_precompile_headers(ncx_pch PRIVATE <QtCore/QtCore> <QtSql/QSqlDatabase> <QtSql/QSqlError> <QtSql/QSqlQuery>
     <array> <atomic> <functional> <memory> <optional> <span> <vector>)
 
-# ncx_floor(NAME SOURCES ... LINKS ...): one floor of the house as a static library.
+# ncx_floor(NAME SOURCES ... LINKS ...): one floor of the house as a static library. Only floors have classes that moc reads:
+# to look for them in thirty programs and compile what is not there takes a minute of processor time.
 function(ncx_floor name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
     add_library(${name} STATIC ${ARG_SOURCES})
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
     target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/platform")
     target_link_libraries(${name} PUBLIC Qt6::Core ${ARG_LINKS} PRIVATE ncx_options Qt6::Sql)
     target_precompile_headers(${name} REUSE_FROM ncx_pch)
