@@ -17,8 +17,9 @@ find_package(SQLite3 REQUIRED)
 
 find_program(NCX_CCACHE ccache)
 if(NCX_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    # Precompiled headers are only cached when the compiler's own time stamps may differ.
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env
+    # Precompiled headers are only cached when the compiler's own time stamps may differ. They are hundreds of megabytes, which
+    # are summed up once (ncx_sum_header) and not anew for each file.
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env CCACHE_PCH_EXTSUM=1
         CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime "${NCX_CCACHE}")
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
         add_compile_options(-fpch-preprocess)
@@ -42,6 +43,14 @@ target_compile_options(ncx_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -
 target_compile_definitions(ncx_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS
     QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
 
+# ncx_sum_header(TARGET): the precompiled header of a target has its sum in a file beside it, where the cache looks for it.
+function(ncx_sum_header target)
+    if(CMAKE_CXX_COMPILER_LAUNCHER MATCHES CCACHE_PCH_EXTSUM)
+        set_target_properties(${target} PROPERTIES CXX_COMPILER_LAUNCHER
+            "sh;${PROJECT_SOURCE_DIR}/cmake/sum_header;${CMAKE_CXX_COMPILER_LAUNCHER}")
+    endif()
+endfunction()
+
 # The headers that nearly every file reads, compiled once for the whole tree.
 file(WRITE "${CMAKE_BINARY_DIR}/ncx_pch.cpp.in" "// Holds the precompiled header that the other targets reuse.\n")
 configure_file("${CMAKE_BINARY_DIR}/ncx_pch.cpp.in" "${CMAKE_BINARY_DIR}/ncx_pch.cpp" COPYONLY)
@@ -49,6 +58,7 @@ add_library(ncx_pch STATIC "${CMAKE_BINARY_DIR}/ncx_pch.cpp")
 target_link_libraries(ncx_pch PRIVATE ncx_options Qt6::Core Qt6::Sql)
 target_precompile_headers(ncx_pch PRIVATE <QtCore/QtCore> <QtSql/QSqlDatabase> <QtSql/QSqlError> <QtSql/QSqlQuery>
     <array> <atomic> <functional> <memory> <optional> <span> <vector>)
+ncx_sum_header(ncx_pch)
 
 # ncx_floor(NAME SOURCES ... LINKS ...): one floor of the house as a static library. Only floors have classes that moc reads:
 # to look for them in thirty programs and compile what is not there takes a minute of processor time.
