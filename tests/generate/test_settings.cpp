@@ -139,31 +139,42 @@ void compareSpellings(Device &device, std::span<const Key> keys, const QString &
     }
 }
 
-class Spellings : public testing::TestWithParam<std::pair<const char *, bool>>
+using Background = std::tuple<const char *, bool, int>;
+
+/// The form of the sources, the device, and what all other settings are.
+std::string backgroundName(const testing::TestParamInfo<Background> &info)
+{
+    const auto [device, classic, others] = info.param;
+    return (classic ? "classic_" : "") + std::string(device) + "_among_" + std::to_string(others);
+}
+
+class Spellings : public testing::TestWithParam<Background>
 {
 };
 
 TEST_P(Spellings, OfASettingGiveTheSameFiles)
 {
-    constexpr std::size_t together = 16;
+    constexpr std::size_t together = 32;
     qputenv("SOURCE_DATE_EPOCH", "1794733920");
-    const auto &[name, classic] = GetParam();
+    const auto [name, classic, background] = GetParam();
     const QByteArray text =
-        readFile(QStringLiteral(NCX_SOURCE_DIR "/tests/data/settings/devices/") + QLatin1StringView(name));
+        readFile(QStringLiteral(NCX_SOURCE_DIR "/tests/data/settings/devices/%1.txt").arg(QLatin1StringView(name)));
     Device device(QString::fromUtf8(text).split(u'\n', Qt::SkipEmptyParts).mid(1), classic);
     const QList<Key> keys = numberKeys();
     ASSERT_GT(keys.size(), 150);
-    for (const QString &others : {u"0"_s, u"1"_s}) {
-        for (const Key &key : keys)
-            device.set(key, key.inBackground(others));
-        for (std::span<const Key> rest(keys); !rest.empty(); rest = rest.subspan(std::min(together, rest.size())))
-            compareSpellings(device, rest.first(std::min(together, rest.size())), others);
-    }
+    const QString others = QString::number(background);
+    for (const Key &key : keys)
+        device.set(key, key.inBackground(others));
+    for (std::span<const Key> rest(keys); !rest.empty(); rest = rest.subspan(std::min(together, rest.size())))
+        compareSpellings(device, rest.first(std::min(together, rest.size())), others);
     qunsetenv("SOURCE_DATE_EPOCH");
 }
 
 INSTANTIATE_TEST_SUITE_P(Devices, Spellings,
-                         testing::Values(std::pair("canopen.txt", false), std::pair("canopen.txt", true),
-                                         std::pair("j1939.txt", false), std::pair("mixed.txt", false)));
+                         testing::Values(Background("canopen", false, 0), Background("canopen", false, 1),
+                                         Background("canopen", true, 0), Background("canopen", true, 1),
+                                         Background("j1939", false, 0), Background("j1939", false, 1),
+                                         Background("mixed", false, 0), Background("mixed", false, 1)),
+                         backgroundName);
 
 } // namespace
