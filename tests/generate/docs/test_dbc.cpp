@@ -146,7 +146,11 @@ TEST(DbcReader, ReadsEachStatement)
                                     .multiplexRanges = {u"3-3"_s, u"5-7"_s},
                                     .attributes = {{u"F"_s, u"0.25"_s}}};
     EXPECT_TRUE(message.signalList.at(1) == temperature);
-    EXPECT_EQ(database->definitions.size(), 4);
+    using CANdb::Owner;
+    QList<Owner> owners;
+    for (const CANdb::AttributeDefinition &definition : database->definitions)
+        owners.append(definition.owner);
+    EXPECT_TRUE((owners == QList{Owner::Message, Owner::Signal, Owner::Database, Owner::Node}));
     EXPECT_EQ(database->otherStatements.size(), 6);
 
     const auto again = reader.read(text(*database));
