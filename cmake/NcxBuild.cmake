@@ -60,14 +60,11 @@ target_precompile_headers(ncx_pch PRIVATE <QtCore/QtCore> <QtSql/QSqlDatabase> <
     <array> <atomic> <functional> <memory> <optional> <span> <vector>)
 ncx_sum_header(ncx_pch)
 
-# ncx_floor(NAME SOURCES ... LINKS ... ALONE ...): one floor of the house as a static library. Only floors have classes that
-# moc reads: to look for them in thirty programs and compile what is not there takes a minute of processor time. Where files
-# are compiled in groups, those of ALONE are not: they have names of their own that others have, too.
+# ncx_floor(NAME SOURCES ... LINKS ...): one floor of the house as a static library. Only floors have classes that moc reads:
+# to look for them in thirty programs and compile what is not there takes a minute of processor time.
 function(ncx_floor name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;ALONE" ${ARGN})
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
     add_library(${name} STATIC ${ARG_SOURCES})
-    set_target_properties(${name} PROPERTIES UNITY_BUILD ${NCX_UNITY} UNITY_BUILD_BATCH_SIZE 8)
-    set_source_files_properties(${ARG_ALONE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
     target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/platform")
     target_link_libraries(${name} PUBLIC Qt6::Core ${ARG_LINKS} PRIVATE ncx_options Qt6::Sql)
