@@ -347,6 +347,26 @@ TEST_P(RandomEdits, LeaveTheSameFindings)
     EXPECT_EQ(remembering.store()->computeFileHash(), whole.store()->computeFileHash());
 }
 
+// Random edits seldom switch one that the rules of a small project ask for.
+TEST(FindingMemory, HearsOfEachSetting)
+{
+    ProjectBuilder project;
+    const std::shared_ptr<ObjectDataBase> store = project.line(0, 1).checked().store();
+    CheckMemory memory;
+    const QStringList before = told(store, &memory);
+    QStringList all;
+    for (const QString &key : {u"canfd_supported"_s, u"nmtmaster"_s, u"limit_check"_s, u"bitwise_mapping"_s}) {
+        for (const QString &value : {u"1"_s, u"0"_s}) {
+            store->setBlocked(false);
+            EXPECT_TRUE(store->setGeneralSetting(key, value));
+            const QStringList remembered = told(store, &memory);
+            EXPECT_EQ(remembered, told(store, nullptr)) << qPrintable(key) << ' ' << qPrintable(value);
+            all += remembered;
+        }
+    }
+    EXPECT_GT(QSet<QString>(all.begin(), all.end()).size(), before.size()) << "no rule asks for any of them";
+}
+
 INSTANTIATE_TEST_SUITE_P(Check, RandomEdits,
                          testing::Values(LineTypes{"CANopen", {1}}, LineTypes{"J1939", {2}}, LineTypes{"RawCAN", {4}},
                                          LineTypes{"CANopenAndJ1939", {5, 2}}, LineTypes{"CANopenAndRawCAN", {6}},
