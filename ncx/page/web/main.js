@@ -180,3 +180,4 @@ query.addEventListener('keydown', queryKey);
 
 showHead();
 go();
+models.forEach(prepareSearch);

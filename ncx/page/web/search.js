@@ -57,6 +57,19 @@ function hayWithin(node) {
     return node.hayWithin;
 }
 
+/// Makes that ready while nothing else is to be done, for the first letter that is typed.
+function prepareSearch(model) {
+    let next = 0;
+    const nodes = model.roots.flatMap(root => root.kids);
+    const goOn = deadline => {
+        while (next < nodes.length && deadline.timeRemaining() > 1)
+            hayWithin(nodes[next++]);
+        if (next < nodes.length)
+            requestIdleCallback(goOn);
+    };
+    requestIdleCallback(goOn);
+}
+
 const none = [];
 
 /// The kids of a part that are shown: where something is looked for, those that have what the part itself has not.
@@ -91,8 +104,9 @@ function rowsOf(model, query, chosen) {
             head.size++;
             if (head.isOpen)
                 rows.push({ node, level: 2, hasKids: node.kids.length > 0, isOpen: kids.length > 0 });
-            for (const kid of head.isOpen ? kids : [])
-                rows.push({ node: kid, level: 3 });
+            // Of tens of thousands of rows, which a letter can leave, nothing is made anew.
+            for (const kid of head.isOpen ? kids : none)
+                rows.push(kid.row ??= { node: kid, level: 3 });
         }
         if (isActive && head.size === 0)
             rows.pop();
