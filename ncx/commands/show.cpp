@@ -209,7 +209,7 @@ int showDevice(const Invocation &call, OpenedProject &project, const QList<quint
         return ShowPage::writePage(call, project, lines);
     Terminal &terminal = call.terminal();
     if (call.isSet("json"_L1)) {
-        answerJson(terminal, DeviceJson::ofDevice(project.store(), call.operand(), lines));
+        terminal.write(QString::fromUtf8(DeviceJson::ofDevice(project.store(), call.operand(), lines)));
         return Done;
     }
     for (const quint8 number : lines) {

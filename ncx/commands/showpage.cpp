@@ -19,10 +19,10 @@ int write(const Invocation &call, const QString &path, const QByteArray &content
 
 int ShowPage::writePage(const Invocation &call, OpenedProject &project, const QList<quint8> &lines)
 {
-    const QJsonObject data = DevicePage::data(project, lines);
+    const QByteArray html = DevicePage::html(project, lines);
     if (project.store().isDamaged())
         return CouldNot; // which is told for all that is shown
-    return write(call, call.value("html"_L1), DevicePage::html(data));
+    return write(call, call.value("html"_L1), html);
 }
 
 int ShowPage::writeFrames(const Invocation &call, const QList<FrameSvg::Titled> &frames)

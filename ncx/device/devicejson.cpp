@@ -1,9 +1,8 @@
 #include "ncx/device/devicejson.h"
 
+#include "ncx/device/jsontext.h"
 #include "nodedict/cohelper.h"
 #include "store/objectdatabase.h"
-
-#include <QHash>
 
 using namespace Qt::StringLiterals;
 
@@ -21,36 +20,76 @@ void add(QJsonObject &json, const QString &key, const QString &text)
         json.insert(key, text);
 }
 
-/// A word that thousands of parts have. A value of JSON is a container of its own, which such parts can share.
-template <class Word>
-QJsonValue shared(QHash<Word, QJsonValue> &known, const Word &word, const auto &textOf)
+QString implementationText(quint8 implementation)
 {
-    const auto place = known.constFind(word);
-    return place != known.constEnd() ? *place : *known.insert(word, QJsonValue(textOf()));
+    static const QStringList words{u"managedVariable"_s, u"managedConst"_s, u"variable"_s, u"virtual"_s};
+    return words.value(implementation, QString::number(implementation));
 }
 
-QJsonValue implementationText(quint8 implementation)
+void write(JsonText &json, const CheckedSubindex &sub)
 {
-    static const QJsonValue words[] = {u"managedVariable"_s, u"managedConst"_s, u"variable"_s, u"virtual"_s};
-    return implementation < std::size(words) ? words[implementation] : QJsonValue(QString::number(implementation));
+    const StoreRecords::SubIndexData &data = sub.data;
+    json.beginObject();
+    json.key("access"_L1);
+    json.value(data.accesstype);
+    json.add("current"_L1, data.currentvalue);
+    json.key("dataType"_L1);
+    json.value(COHelper::index2DataTypeString(data.datatype));
+    json.add("default"_L1, data.defaultvalue);
+    json.add("denotation"_L1, data.denotation);
+    json.add("description"_L1, data.description);
+    if (data.limitineds)
+        json.add("highLimit"_L1, data.uplimit);
+    json.key("implementation"_L1);
+    json.value(implementationText(data.implementation));
+    if (data.limitineds)
+        json.add("lowLimit"_L1, data.lowlimit);
+    json.key("mapping"_L1);
+    json.value(data.pdomapping.getCSVStringValue());
+    json.key("name"_L1);
+    json.value(data.name);
+    if (data.size > 0) {
+        json.key("size"_L1);
+        json.value(qint64{data.size});
+    }
+    json.key("subindex"_L1);
+    json.value(qint64{sub.subindex});
+    json.add("variable"_L1, data.varname);
+    json.endObject();
 }
 
-QJsonValue dataTypeText(quint32 type)
+void write(JsonText &json, const CheckedObject &object)
 {
-    static QHash<quint32, QJsonValue> known;
-    return shared(known, type, [type] { return COHelper::index2DataTypeString(type); });
+    json.beginObject();
+    json.key("dataType"_L1);
+    json.value(COHelper::index2DataTypeString(object.data.datatype));
+    json.add("description"_L1, object.data.description);
+    json.key("index"_L1);
+    json.value(hex(object.index));
+    json.key("name"_L1);
+    json.value(object.data.name);
+    json.key("objectCode"_L1);
+    json.value(COHelper::objectCode2String(object.data.objecttype));
+    json.key("subindices"_L1);
+    json.beginArray();
+    for (const CheckedSubindex &sub : object.subs)
+        write(json, sub);
+    json.endArray();
+    json.endObject();
 }
 
-QJsonValue wordText(const QString &word)
+template <class Part>
+QJsonObject valueOf(const Part &part)
 {
-    static QHash<QString, QJsonValue> known;
-    return shared(known, word, [&word] { return word; });
+    JsonText json(QJsonDocument::Compact);
+    write(json, part);
+    return QJsonDocument::fromJson(json.text()).object();
 }
 
 QJsonObject ofSignal(const CheckedSignal &signal)
 {
     QJsonObject json{{u"name"_s, signal.data.name},
-                     {u"dataType"_s, dataTypeText(signal.data.datatype)},
+                     {u"dataType"_s, COHelper::index2DataTypeString(signal.data.datatype)},
                      {u"firstBit"_s, signal.data.bitposition},
                      {u"bits"_s, qint64{signal.bits}},
                      {u"implementation"_s, implementationText(signal.data.implementation)}};
@@ -71,14 +110,14 @@ QJsonArray listOf(const std::vector<Part> &parts, const Make &make)
 
 } // namespace
 
-QJsonObject DeviceJson::ofDevice(ObjectDataBase &store, const QString &file, const QList<quint8> &lines)
+QByteArray DeviceJson::ofDevice(ObjectDataBase &store, const QString &file, const QList<quint8> &lines)
 {
-    QJsonArray list;
+    LinesJson list(QJsonDocument::Indented);
     for (const quint8 number : lines) {
         DeviceLine line(store, number);
-        list.append(ofLine(line));
+        list.add(line);
     }
-    return wrap(file, list);
+    return list.toJson(wrap(file, list.lines()));
 }
 
 QJsonObject DeviceJson::wrap(const QString &file, const QJsonArray &lines)
@@ -86,53 +125,60 @@ QJsonObject DeviceJson::wrap(const QString &file, const QJsonArray &lines)
     return {{u"format"_s, u"ncx-device"_s}, {u"version"_s, version}, {u"file"_s, file}, {u"lines"_s, lines}};
 }
 
-QJsonObject DeviceJson::ofLine(DeviceLine &line)
+void DeviceJson::LinesJson::add(DeviceLine &line)
 {
     QJsonObject json{{u"line"_s, line.number()}, {u"name"_s, line.name()}, {u"type"_s, line.typeName()}};
     if (line.protocols().canOpen) {
-        add(json, u"nodeId"_s, line.nodeId());
-        json.insert(u"objects"_s, listOf(line.objects(), ofObject));
+        ::add(json, u"nodeId"_s, line.nodeId());
+        json.insert(u"objects"_s, QJsonValue::Null);
+        JsonText objects(format_, depthOfObjects);
+        objects.beginArray();
+        for (const CheckedObject &object : line.objects())
+            write(objects, object);
+        objects.endArray();
+        objects_.append(objects.text());
         json.insert(u"pdos"_s, listOf(line.pdos(), ofPdo));
     }
     if (line.protocols().j1939)
         json.insert(u"pgns"_s, listOf(line.pgns(), ofPgn));
     if (line.protocols().rawCan)
         json.insert(u"canIds"_s, listOf(line.canIds(), ofCanId));
-    return json;
+    lines_.append(json);
+}
+
+QByteArray DeviceJson::LinesJson::toJson(const QJsonObject &json) const
+{
+    // No text has this in it: its quotes would have backslashes before them.
+    const QByteArray key = format_ == QJsonDocument::Compact ? "\"objects\":" : "\"objects\": ";
+    const QByteArray mark = key + "null";
+    const QByteArray frame = QJsonDocument(json).toJson(format_);
+    QByteArray whole;
+    qsizetype place = 0;
+    for (const QByteArray &objects : objects_) {
+        const qsizetype end = frame.indexOf(mark, place);
+        whole += QByteArrayView(frame).sliced(place, end - place);
+        whole += key;
+        whole += objects;
+        place = end + mark.size();
+    }
+    return whole += QByteArrayView(frame).sliced(place);
+}
+
+QJsonObject DeviceJson::ofLine(DeviceLine &line)
+{
+    LinesJson list(QJsonDocument::Compact);
+    list.add(line);
+    return QJsonDocument::fromJson(list.toJson(list.lines().first().toObject())).object();
 }
 
 QJsonObject DeviceJson::ofObject(const CheckedObject &object)
 {
-    QJsonObject json{{u"index"_s, hex(object.index)},
-                     {u"name"_s, object.data.name},
-                     {u"objectCode"_s, wordText(COHelper::objectCode2String(object.data.objecttype))},
-                     {u"dataType"_s, dataTypeText(object.data.datatype)},
-                     {u"subindices"_s, listOf(object.subs, ofSubindex)}};
-    add(json, u"description"_s, object.data.description);
-    return json;
+    return valueOf(object);
 }
 
 QJsonObject DeviceJson::ofSubindex(const CheckedSubindex &sub)
 {
-    const StoreRecords::SubIndexData &data = sub.data;
-    QJsonObject json{{u"subindex"_s, sub.subindex},
-                     {u"name"_s, data.name},
-                     {u"dataType"_s, dataTypeText(data.datatype)},
-                     {u"access"_s, wordText(data.accesstype)},
-                     {u"mapping"_s, wordText(data.pdomapping.getCSVStringValue())},
-                     {u"implementation"_s, implementationText(data.implementation)}};
-    add(json, u"default"_s, data.defaultvalue);
-    add(json, u"current"_s, data.currentvalue);
-    add(json, u"variable"_s, data.varname);
-    add(json, u"description"_s, data.description);
-    add(json, u"denotation"_s, data.denotation);
-    if (data.size > 0)
-        json.insert(u"size"_s, qint64{data.size});
-    if (data.limitineds) {
-        add(json, u"lowLimit"_s, data.lowlimit);
-        add(json, u"highLimit"_s, data.uplimit);
-    }
-    return json;
+    return valueOf(sub);
 }
 
 QJsonObject DeviceJson::ofPdo(const Pdo &pdo)

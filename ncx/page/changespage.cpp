@@ -6,6 +6,7 @@
 #include "store/settings.h"
 
 #include <QHash>
+#include <QJsonDocument>
 #include <QSet>
 
 #include <algorithm>
@@ -150,5 +151,5 @@ QJsonObject ChangesPage::data(const DeviceChanges &changes, const QList<DeviceCh
 
 QByteArray ChangesPage::html(const QJsonObject &data)
 {
-    return WebPage::html(u"changes.html"_s, data);
+    return WebPage::html(u"changes.html"_s, QJsonDocument(data).toJson(QJsonDocument::Compact));
 }

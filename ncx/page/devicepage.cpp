@@ -77,26 +77,21 @@ QJsonObject lineData(ObjectDataBase &store, DeviceLine &line)
 
 } // namespace
 
-QJsonObject DevicePage::data(OpenedProject &project, const QList<quint8> &lines)
+QByteArray DevicePage::html(OpenedProject &project, const QList<quint8> &lines)
 {
-    QJsonArray deviceLines;
+    DeviceJson::LinesJson deviceLines(QJsonDocument::Compact);
     QJsonArray lineList;
     for (const quint8 number : lines) {
         DeviceLine line(project.store(), number);
-        deviceLines.append(DeviceJson::ofLine(line));
+        deviceLines.add(line);
         lineList.append(lineData(project.store(), line));
     }
     QJsonObject json{{u"format"_s, u"ncx-page"_s},
                      {u"version"_s, version},
-                     {u"device"_s, DeviceJson::wrap(project.path(), deviceLines)},
+                     {u"device"_s, DeviceJson::wrap(project.path(), deviceLines.lines())},
                      {u"lines"_s, lineList},
                      {u"settings"_s, changedSettings(project.store(), lines)}};
     // The check corrects the working copy: what it finds is asked for at the end.
     json.insert(u"check"_s, ProjectFindings::of(project).toJson(project.path()));
-    return json;
-}
-
-QByteArray DevicePage::html(const QJsonObject &data)
-{
-    return WebPage::html(u"page.html"_s, data);
+    return WebPage::html(u"page.html"_s, deviceLines.toJson(json));
 }

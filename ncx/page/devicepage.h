@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QByteArray>
-#include <QJsonObject>
 #include <QList>
 
 class ObjectDataBase;
@@ -13,9 +12,7 @@ namespace DevicePage {
 
 inline constexpr int version = 1;
 
-/// The data of the page, in the form "ncx-page" (docs/ncx.md); `lines` are those of the device that it shows.
-QJsonObject data(OpenedProject &project, const QList<quint8> &lines);
-/// The page with its data.
-QByteArray html(const QJsonObject &data);
+/// The page with its data, in the form "ncx-page" (docs/ncx.md); `lines` are those of the device that it shows.
+QByteArray html(OpenedProject &project, const QList<quint8> &lines);
 
 } // namespace DevicePage

@@ -1,8 +1,5 @@
 #include "ncx/page/printable.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
-
 QString Printable::xml(const QString &text)
 {
     QString result = text;
@@ -14,8 +11,8 @@ QString Printable::xml(const QString &text)
     return result.toHtmlEscaped();
 }
 
-QByteArray Printable::scriptJson(const QJsonObject &json)
+QByteArray Printable::scriptJson(QByteArray json)
 {
     // "<" stands in strings only, which may as well have its number.
-    return QJsonDocument(json).toJson(QJsonDocument::Compact).replace('<', "\\u003c");
+    return json.replace('<', "\\u003c");
 }

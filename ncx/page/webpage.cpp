@@ -23,7 +23,7 @@ QByteArray source(const QString &name)
 
 } // namespace
 
-QByteArray WebPage::html(const QString &page, const QJsonObject &data)
+QByteArray WebPage::html(const QString &page, const QByteArray &data)
 {
     const QByteArray frame = source(page);
     QByteArray html;
