@@ -109,7 +109,11 @@ std::optional<QList<File>> wantedFiles(const Invocation &call, const QList<File>
         const auto form = QRegularExpression::fromWildcard(pattern);
         const auto fits = [&form](const File &file) { return form.match(file.name).hasMatch(); };
         if (std::ranges::none_of(files, fits)) {
-            call.terminal().fail(u"no file of this project is named %1"_s.arg(pattern));
+            QStringList names;
+            for (const File &file : files)
+                names.append(file.name);
+            call.terminal().fail(
+                u"no file of this project is named %1; there are %2"_s.arg(pattern, names.join(", "_L1)));
             return {};
         }
         std::ranges::copy_if(files, std::back_inserter(wanted), [&](const File &file) {
@@ -135,11 +139,21 @@ bool install(const Invocation &call, FolderGeneration &generation, const QList<F
     return true;
 }
 
+/// Why a file, which may be a pipe, cannot be read; empty if it can.
+QString reasonAgainstFile(const QString &path)
+{
+    if (!QFileInfo::exists(path))
+        return u"there is no such file"_s;
+    if (QFileInfo(path).isDir())
+        return u"it is a folder"_s;
+    return QFileInfo(path).isReadable() ? QString() : u"it cannot be read"_s;
+}
+
 /// What a modifier file could not do; empty if it has been applied.
 QString reasonAgainstModifier(const OpenedProject &project, const QString &path)
 {
-    if (!QFileInfo(path).isReadable())
-        return u"it cannot be read, or is no such file"_s;
+    if (const QString reason = reasonAgainstFile(path); !reason.isEmpty())
+        return reason;
     DatabaseModifier modifier;
     modifier.setDatabase(project.sharedStore());
     modifier.setModifierFile(path);
@@ -154,8 +168,11 @@ bool makeVariant(const Invocation &call, OpenedProject &project)
     if (call.isSet("stack"_L1))
         project.handler().setStackPath(QDir(call.value("stack"_L1)).absolutePath());
     for (const QString &path : call.values("import"_L1)) {
-        if (!project.handler().importFile(path)) {
-            terminal.fail(u"%1: it cannot be read, or is no file that is imported"_s.arg(path));
+        QString reason = reasonAgainstFile(path);
+        if (reason.isEmpty() && !project.handler().importFile(path))
+            reason = u"no importer takes it; 'ncx import' tells more"_s;
+        if (!reason.isEmpty()) {
+            terminal.fail(u"%1: %2"_s.arg(path, reason));
             return false;
         }
     }
@@ -180,8 +197,10 @@ int run(const Invocation &call)
         return CouldNot;
     const QString folder = call.isSet("out"_L1) ? call.value("out"_L1) : project.handler().outputFolder();
     FolderGeneration generation(project, folder);
-    if (call.isSet("user-section"_L1) && !generation.takeUserSection(call.value("user-section"_L1))) {
-        terminal.fail(u"%1: it cannot be read, or is no such file"_s.arg(call.value("user-section"_L1)));
+    if (const QString path = call.value("user-section"_L1);
+        call.isSet("user-section"_L1) && !generation.takeUserSection(path)) {
+        const QString reason = reasonAgainstFile(path);
+        terminal.fail(u"%1: %2"_s.arg(path, reason.isEmpty() ? u"it cannot be copied"_s : reason));
         return CouldNot;
     }
     call.terminal().step(u"generating"_s);

@@ -233,7 +233,8 @@ int run(const Invocation &call)
         bool ok = false;
         const uint number = call.value("line"_L1).toUInt(&ok);
         if (!ok || number > 0xff || !project.store().nodeExists(static_cast<quint8>(number))) {
-            call.terminal().fail(u"%1 has no line %2"_s.arg(call.operand(), call.value("line"_L1)));
+            call.terminal().fail(
+                OpenedProject::reasonWithoutLine(project.store(), call.operand(), call.value("line"_L1)));
             return CouldNot;
         }
         line = static_cast<quint8>(number);

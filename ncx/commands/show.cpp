@@ -191,7 +191,9 @@ int showPart(const Invocation &call, const OpenedProject &project, const QList<q
         search.look(line);
     }
     if (!search.hasFound()) {
-        call.terminal().fail(u"%1 has no object, PGN or CAN-ID %2"_s.arg(call.operand(), text));
+        call.terminal().fail(
+            u"%1 has no object, PGN or CAN-ID %2; 'ncx show --objects' lists the objects, 'ncx show' the rest"_s.arg(
+                call.operand(), text));
         return CouldNot;
     }
     if (call.isSet("svg"_L1))
@@ -248,7 +250,7 @@ std::optional<QList<quint8>> wantedLines(const Invocation &call, ObjectDataBase 
     const uint line = call.value("line"_L1).toUInt(&ok);
     if (ok && line <= 0xff && lines.contains(static_cast<quint8>(line)))
         return QList<quint8>{static_cast<quint8>(line)};
-    call.terminal().fail(u"%1 has no line %2"_s.arg(call.operand(), call.value("line"_L1)));
+    call.terminal().fail(OpenedProject::reasonWithoutLine(store, call.operand(), call.value("line"_L1)));
     return std::nullopt;
 }
 

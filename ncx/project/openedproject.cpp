@@ -156,6 +156,14 @@ QString OpenedProject::tooLargeText()
     return u"it is too large: of a text %1 MB are read"_s.arg(TextFile::maxFileSize >> 20);
 }
 
+QString OpenedProject::reasonWithoutLine(ObjectDataBase &store, const QString &path, const QString &line)
+{
+    QStringList lines;
+    for (const quint8 number : store.getNodeList())
+        lines.append(QString::number(number));
+    return u"%1 has no line %2; it has %3"_s.arg(path, line, lines.isEmpty() ? u"none"_s : lines.join(", "_L1));
+}
+
 QString OpenedProject::reasonWithoutCopy(qint64 size)
 {
     const QFileInfo folder(WorkingCopies::folder());

@@ -70,6 +70,8 @@ public:
     const std::shared_ptr<ObjectDataBase> &sharedStore() const { return handler_.database(); }
     GeneratorMainHandler &handler() { return handler_; }
     TextSink &sink() { return sink_; }
+    /// What a project says to a number of a line that it has not, a sentence.
+    static QString reasonWithoutLine(ObjectDataBase &store, const QString &path, const QString &line);
     /// Saves it as `save` does.
     QString saveAs(const QString &path) { return save(store(), path); }
     /// Saves a project to a file whose ending tells the form, as a whole or not at all. The reason for which that could

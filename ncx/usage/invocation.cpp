@@ -159,9 +159,11 @@ int runProgram(const Program &program, const QStringList &arguments, Terminal &t
     const Command *command = commandOf(program, first);
     if (!command) {
         const bool isOption = first.startsWith(u'-');
-        const QStringList known = isOption ? QStringList{u"--help"_s, u"--version"_s} : commandNames(program);
-        terminal.fail(
-            u"there is no %1 '%2'%3"_s.arg(isOption ? u"option"_s : u"command"_s, first, didYouMean(first, known)));
+        const QStringList words{u"--help"_s, u"--version"_s};
+        const bool lacksDashes = words.contains(u"--"_s + first);
+        const QStringList known = isOption || lacksDashes ? words : commandNames(program);
+        terminal.fail(u"there is no %1 '%2'%3"_s.arg(isOption ? u"option"_s : u"command"_s, first,
+                                                     didYouMean(lacksDashes ? u"--"_s + first : first, known)));
         terminal.tell(u"'%1 --help' lists the commands"_s.arg(program.name));
         return CouldNot;
     }
