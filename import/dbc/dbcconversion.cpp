@@ -17,7 +17,6 @@ namespace {
 
 /// Numbers that no SPN of the standard has (SAE J1939-71).
 constexpr quint32 firstOwnSpn = 520192;
-constexpr quint8 globalAddress = 0xff;
 constexpr quint8 nullAddress = 0xfe;
 
 QString hex(quint32 number)

@@ -46,7 +46,7 @@ QString nameOf(PartKind kind)
 
 QString PartPlace::text(bool withLine) const
 {
-    const QString lineText = u"line %1"_s.arg(line);
+    QString lineText = u"line %1"_s.arg(line);
     if (kind == PartKind::Project)
         return nameOf(kind);
     if (kind == PartKind::Line)

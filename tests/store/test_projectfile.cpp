@@ -13,6 +13,9 @@
 
 #include <cstdlib>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -132,6 +135,34 @@ TEST_F(ProjectFile, WorkingCopyThatCouldNotBeWrittenIsNotSaved)
         EXPECT_FALSE(store.setGeneralSetting(u"k"_s, QString(100000, u'x')));
     }
     EXPECT_FALSE(exec(u"a failure of another kind"_s));
+    EXPECT_FALSE(store.saveDatabase({}));
+    EXPECT_EQ(TestSupport::readFile(file), whole);
+}
+
+/// Puts a folder in the place of an open file, which can neither be read nor written from then on.
+bool breakOpenFile(const QString &path)
+{
+    const QDir descriptors(u"/proc/self/fd"_s);
+    for (const QString &number : descriptors.entryList(QDir::Files | QDir::System)) {
+        if (QFileInfo(descriptors.filePath(number)).symLinkTarget() != path)
+            continue;
+        const int folder = ::open("/", O_RDONLY | O_CLOEXEC);
+        const bool done = folder >= 0 && ::dup2(folder, number.toInt()) >= 0;
+        ::close(folder);
+        return done;
+    }
+    return false;
+}
+
+TEST_F(ProjectFile, WorkingCopyThatHasLostItsDiskIsNotSaved)
+{
+    const QString file = path(u"a.ncxp"_s);
+    ASSERT_TRUE(store.saveDatabase(file));
+    const QByteArray whole = TestSupport::readFile(file);
+    ASSERT_TRUE(breakOpenFile(store.statements().path()));
+    EXPECT_FALSE(store.isDamaged());
+    EXPECT_FALSE(store.setGeneralSetting(u"k"_s, u"v"_s));
+    EXPECT_TRUE(store.isDamaged());
     EXPECT_FALSE(store.saveDatabase({}));
     EXPECT_EQ(TestSupport::readFile(file), whole);
 }

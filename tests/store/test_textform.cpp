@@ -358,6 +358,11 @@ TEST_F(TextForm, FailedWriteLeavesTheFileBeforeIt)
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{u"kept.ncxt"_s});
     EXPECT_TRUE(converter.convertSqlToText() && !converter.writeFailed());
     EXPECT_GT(QFile(file).size(), 100000);
+
+    // What fits into the memory of a file is refused when that is closed.
+    ASSERT_TRUE(tables.setGeneralSetting(u"user_defines"_s, {}, Quotes::Kept));
+    const SmallDisk disk(100);
+    EXPECT_TRUE(converter.convertSqlToText() && converter.writeFailed());
 }
 
 } // namespace
