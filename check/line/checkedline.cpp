@@ -11,9 +11,9 @@
 
 QString CheckedSubindex::variable(quint8 line) const
 {
-    if (data.implementation != CANopen::Implementation::Variable)
+    if (data->implementation != CANopen::Implementation::Variable)
         return {};
-    return Helper::substituteVariables(data.varname.trimmed(), index, subindex, line);
+    return Helper::substituteVariables(data->varname.trimmed(), index, subindex, line);
 }
 
 const CheckedSubindex *CheckedObject::sub(quint8 subindex) const
@@ -25,7 +25,7 @@ const CheckedSubindex *CheckedObject::sub(quint8 subindex) const
 std::optional<quint64> CheckedObject::value(quint8 subindex) const
 {
     const CheckedSubindex *found = sub(subindex);
-    return found ? plainValue(found->data.defaultvalue) : std::nullopt;
+    return found ? plainValue(found->data->defaultvalue) : std::nullopt;
 }
 
 bool CheckedObject::isComplex() const
@@ -127,7 +127,7 @@ void CheckedLine::replace(quint16 index, quint8 subindex, const StoreRecords::Su
     if (sub == object->subs.end() || sub->subindex != subindex)
         return;
     const QString variable = sub->variable(line_);
-    sub->data = data;
+    sub->data = std::make_shared<const StoreRecords::SubIndexData>(data);
     if (sub->variable(line_) != variable)
         objects_.forgetVariables();
 }

@@ -4,6 +4,7 @@
 #include "store/records/storerecords.h"
 #include "store/statements/writelog.h"
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -13,7 +14,8 @@ struct CheckedSubindex
 {
     quint16 index = 0;
     quint8 subindex = 0;
-    StoreRecords::SubIndexData data;
+    std::shared_ptr<const StoreRecords::SubIndexData>
+        data; ///< never null; mostly part of the list that the store has read
 
     /// Names it in its object.
     quint32 number() const { return subindex; }

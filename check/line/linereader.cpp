@@ -126,6 +126,15 @@ std::optional<Message> messageOf(const std::optional<Record> &record, Message (*
     return message;
 }
 
+/// Calls `take` with each of these records as a subindex that shares them with whoever else has read them.
+template <class Take>
+void shareSubs(QList<StoreRecords::SubEntry> entries, Take take)
+{
+    const auto owner = std::make_shared<const QList<StoreRecords::SubEntry>>(std::move(entries));
+    for (const StoreRecords::SubEntry &entry : *owner)
+        take(CheckedSubindex{entry.index, entry.subindex, {owner, &entry.data}});
+}
+
 quint32 numberOf(quint64 key)
 {
     return static_cast<quint32>(key >> 8);
@@ -142,15 +151,17 @@ template <>
 std::vector<CheckedObject> LineReader::all(ObjectDataBase &store, quint8 line)
 {
     std::vector<CheckedObject> objects;
-    for (const ObjectDataBase::IndexEntry &entry : store.getAllIndices(line))
+    const QList<StoreRecords::IndexEntry> indices = store.getAllIndices(line);
+    objects.reserve(static_cast<size_t>(indices.size()));
+    for (const StoreRecords::IndexEntry &entry : indices)
         objects.push_back({entry.index, entry.data, {}});
     auto object = objects.begin();
-    for (const ObjectDataBase::SubEntry &entry : store.getAllSubIndices(line)) {
-        while (object != objects.end() && object->index < entry.index)
+    shareSubs(store.getAllSubIndices(line), [&](CheckedSubindex &&sub) {
+        while (object != objects.end() && object->index < sub.index)
             ++object;
-        if (object != objects.end() && object->index == entry.index)
-            object->subs.push_back({entry.index, entry.subindex, entry.data});
-    }
+        if (object != objects.end() && object->index == sub.index)
+            object->subs.push_back(std::move(sub));
+    });
     return objects;
 }
 
@@ -178,8 +189,8 @@ std::optional<CheckedObject> LineReader::one(ObjectDataBase &store, quint8 line,
     if (!data)
         return {};
     CheckedObject object{index, *data, {}};
-    for (const ObjectDataBase::SubEntry &entry : store.getSubIndices(line, index))
-        object.subs.push_back({entry.index, entry.subindex, entry.data});
+    shareSubs(store.getSubIndices(line, index),
+              [&object](CheckedSubindex &&sub) { object.subs.push_back(std::move(sub)); });
     return object;
 }
 

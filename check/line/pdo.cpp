@@ -26,7 +26,7 @@ std::vector<PDO::MappingEntry> PDO::entriesOf(CheckedLine &line, const CheckedOb
     for (const CheckedSubindex &sub : mapping.subs) {
         if (sub.subindex == 0 || sub.subindex > active)
             continue;
-        const auto value = sub.data.defaultvalue.isEmpty() ? 0 : plainValue(sub.data.defaultvalue);
+        const auto value = sub.data->defaultvalue.isEmpty() ? 0 : plainValue(sub.data->defaultvalue);
         if (!value)
             continue;
         MappingEntry &entry = entries.emplace_back();
@@ -40,7 +40,7 @@ std::vector<PDO::MappingEntry> PDO::entriesOf(CheckedLine &line, const CheckedOb
 bool PDO::mapsSomething(const CheckedObject &mapping)
 {
     return std::ranges::any_of(mapping.subs, [](const CheckedSubindex &sub) {
-        return sub.subindex > 0 && plainValue(sub.data.defaultvalue).value_or(0) != 0;
+        return sub.subindex > 0 && plainValue(sub.data->defaultvalue).value_or(0) != 0;
     });
 }
 
@@ -55,7 +55,7 @@ quint32 PDO::mappedBits(CheckedLine &line, const CheckedObject &mapping)
 bool PDO::isDynamic(const CheckedObject &mapping)
 {
     const CheckedSubindex *count = mapping.sub(0);
-    return count && CANopen::isReadWrite(count->data.accesstype);
+    return count && CANopen::isReadWrite(count->data->accesstype);
 }
 
 quint32 PDO::widthOf(const StoreRecords::SubIndexData &data)
@@ -67,7 +67,7 @@ quint32 PDO::widthOf(const StoreRecords::SubIndexData &data)
 QString PDO::cobIdText(const CheckedObject &communication)
 {
     const CheckedSubindex *sub = communication.sub(1);
-    return sub ? sub->data.defaultvalue : QString();
+    return sub ? sub->data->defaultvalue : QString();
 }
 
 std::optional<StoreValue> PDO::cobIdOf(const CheckedObject &communication)

@@ -21,7 +21,7 @@ bool exists(Check &check, quint16 index)
 bool isEmpty(const CheckedObject &object, quint8 subindex)
 {
     const CheckedSubindex *sub = object.sub(subindex);
-    return !sub || sub->data.defaultvalue.trimmed().isEmpty();
+    return !sub || sub->data->defaultvalue.trimmed().isEmpty();
 }
 
 bool isOnForLine(Check &check, const QString &key)
@@ -122,7 +122,7 @@ bool storesOnItsOwn(Check &check)
 /// Store and restore capabilities of CiA 301: bit 0 on command, bit 1 without, which the application has to do.
 void storeByCommandOnly(Check &check, const CheckedSubindex &sub)
 {
-    if (sub.subindex > 0 && !storesOnItsOwn(check) && plainValue(sub.data.defaultvalue).value_or(0) > 1)
+    if (sub.subindex > 0 && !storesOnItsOwn(check) && plainValue(sub.data->defaultvalue).value_or(0) > 1)
         check.error(
             u"Object 0x%1:%2 only default values between 0 and 1 are supported. Enable "
             "CO_AUTO_STORE_HANDLED_BY_APPLICATION to support other values"_s.arg(hex4(sub.index), dec(sub.subindex)));
@@ -130,7 +130,7 @@ void storeByCommandOnly(Check &check, const CheckedSubindex &sub)
 
 void storeUnknown(Check &check, const CheckedSubindex &sub)
 {
-    if (sub.subindex > 0 && storesOnItsOwn(check) && plainValue(sub.data.defaultvalue).value_or(0) > 3)
+    if (sub.subindex > 0 && storesOnItsOwn(check) && plainValue(sub.data->defaultvalue).value_or(0) > 3)
         check.error(u"Object 0x%1:%2 only default values between 0 and 3 are supported."_s.arg(hex4(sub.index),
                                                                                                dec(sub.subindex)));
 }
@@ -176,7 +176,7 @@ void revisionEmpty(Check &check, const CheckedObject &object)
 void serialNumberIsConst(Check &check, const CheckedObject &object)
 {
     const CheckedSubindex *serialNumber = object.sub(4);
-    if (serialNumber && serialNumber->data.implementation == Implementation::ManagedConst)
+    if (serialNumber && serialNumber->data->implementation == Implementation::ManagedConst)
         check.warning(
             WG_IDENTITY,
             u"<strong>Warning</strong>: Object 0x%1: The implementation type of subindex 4 (serial number) is "
@@ -193,7 +193,7 @@ void errorHistoryWithoutEmcy(Check &check, const CheckedObject &object)
 /// An unused consumer has bit 31 of its COB-ID set. An empty value is generated as 0.
 void emcyConsumerIsZero(Check &check, const CheckedSubindex &sub)
 {
-    const bool isZero = sub.data.defaultvalue.trimmed().isEmpty() || plainValue(sub.data.defaultvalue) == quint64{0};
+    const bool isZero = sub.data->defaultvalue.trimmed().isEmpty() || plainValue(sub.data->defaultvalue) == quint64{0};
     if (sub.subindex >= 1 && sub.subindex <= lastNodeId && isZero)
         check.error(u"Object 0x%1-%2: The value of this sub index may not be 0x00000000."_s.arg(hex4(sub.index),
                                                                                                 dec(sub.subindex)));

@@ -95,7 +95,7 @@ void mappingWithoutObjects(Check &check, const CheckedObject &mapping)
 void mappingAccessDiffers(Check &check, const CheckedObject &mapping)
 {
     const auto differs = [&mapping](const CheckedSubindex &sub) {
-        return sub.data.accesstype != mapping.subs.front().data.accesstype;
+        return sub.data->accesstype != mapping.subs.front().data->accesstype;
     };
     if (std::ranges::any_of(mapping.subs, differs))
         check.error(
@@ -121,7 +121,7 @@ void mappedObjectMissing(Check &check, const CheckedObject &object, const Mappin
 void mappingForbidden(Check &check, const CheckedObject &object, const MappingEntry &entry)
 {
     const CheckedSubindex *target = targetOf(entry);
-    if (target && target->data.pdomapping == PDOMapping::Forbidden)
+    if (target && target->data->pdomapping == PDOMapping::Forbidden)
         check.error(u"Object 0x%1: PDO mapping is not allowed for object 0x%2:%3."_s.arg(
             hex4(object.index), hex4(target->index), dec(target->subindex)));
 }
@@ -129,7 +129,7 @@ void mappingForbidden(Check &check, const CheckedObject &object, const MappingEn
 void mappedTooSmall(Check &check, const CheckedObject &object, const MappingEntry &entry)
 {
     const CheckedSubindex *target = targetOf(entry);
-    if (target && entry.bits() < PDO::widthOf(target->data))
+    if (target && entry.bits() < PDO::widthOf(*target->data))
         check.warning(WG_LAYOUT, u"Warning: Object 0x%1: The size of the mapped object 0x%2:%3 is too small."_s.arg(
                                      hex4(object.index), hex4(target->index), dec(target->subindex)));
 }
@@ -138,7 +138,7 @@ void mappedTooSmall(Check &check, const CheckedObject &object, const MappingEntr
 void mappedTooLarge(Check &check, const CheckedObject &object, const MappingEntry &entry)
 {
     const CheckedSubindex *target = targetOf(entry);
-    const quint32 width = target ? PDO::widthOf(target->data) : 0;
+    const quint32 width = target ? PDO::widthOf(*target->data) : 0;
     if (width > 0 && entry.bits() > width)
         check.error(u"Object 0x%1: The size of the mapped object 0x%2:%3 is too large."_s.arg(
             hex4(object.index), hex4(target->index), dec(target->subindex)));
@@ -147,7 +147,7 @@ void mappedTooLarge(Check &check, const CheckedObject &object, const MappingEntr
 void mappedIsNotWritable(Check &check, const CheckedObject &object, const MappingEntry &entry)
 {
     const CheckedSubindex *target = targetOf(entry);
-    if (target && !PDO::isTransmitMapping(object.index) && !CANopen::fitsReceivePdo(target->data.accesstype))
+    if (target && !PDO::isTransmitMapping(object.index) && !CANopen::fitsReceivePdo(target->data->accesstype))
         check.error(u"Object 0x%1: The access right of the mapped object 0x%2:%3 does not fit for an RPDO."_s.arg(
             hex4(object.index), hex4(target->index), dec(target->subindex)));
 }
@@ -155,7 +155,7 @@ void mappedIsNotWritable(Check &check, const CheckedObject &object, const Mappin
 void mappedIsNotReadable(Check &check, const CheckedObject &object, const MappingEntry &entry)
 {
     const CheckedSubindex *target = targetOf(entry);
-    if (target && PDO::isTransmitMapping(object.index) && !CANopen::fitsTransmitPdo(target->data.accesstype))
+    if (target && PDO::isTransmitMapping(object.index) && !CANopen::fitsTransmitPdo(target->data->accesstype))
         check.error(u"Object 0x%1: The access right of the mapped object 0x%2:%3 does not fit for a TPDO."_s.arg(
             hex4(object.index), hex4(target->index), dec(target->subindex)));
 }
@@ -180,8 +180,8 @@ void emptyPdoIsDisabled(Check &check, const CheckedObject &mapping)
     if (!willBeDisabled(check, mapping))
         return;
     const CheckedSubindex &cobId = *check.line().sub(communicationOf(mapping), 1);
-    StoreRecords::SubIndexData data = cobId.data;
-    data.defaultvalue = disabled(cobId.data.defaultvalue);
+    StoreRecords::SubIndexData data = *cobId.data;
+    data.defaultvalue = disabled(cobId.data->defaultvalue);
     const QString text = u"Object 0x%1</i>: The COB-ID of this PDO has been disabled (%2), because it does not contain "
                          "active mapping entries."_s.arg(hex4(cobId.index), data.defaultvalue);
     if (!check.correctCobId(cobId.index, 1, data, text) && !PDO::mapsSomething(mapping))
@@ -219,7 +219,7 @@ void srdoObjectMissing(Check &check, const CheckedObject &object, const MappingE
 void srdoObjectIsManaged(Check &check, const CheckedObject &object, const MappingEntry &entry)
 {
     const CheckedSubindex *target = entry.target;
-    if (target && target->data.implementation != Implementation::Variable)
+    if (target && target->data->implementation != Implementation::Variable)
         check.error(u"Object 0x%1: The object 0x%2:%3 mapped into an SRDO must be an application variable."_s.arg(
             hex4(object.index), hex4(target->index), dec(target->subindex)));
 }
@@ -227,7 +227,7 @@ void srdoObjectIsManaged(Check &check, const CheckedObject &object, const Mappin
 void srdoMappingForbidden(Check &check, const CheckedObject &object, const MappingEntry &entry)
 {
     const CheckedSubindex *target = entry.target;
-    if (target && target->data.pdomapping == PDOMapping::Forbidden)
+    if (target && target->data->pdomapping == PDOMapping::Forbidden)
         check.error(u"Object 0x%1: The PDO mapping must be enabled for object 0x%2:%3 to use it in an SRDO."_s.arg(
             hex4(object.index), hex4(target->index), dec(target->subindex)));
 }

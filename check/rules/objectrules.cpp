@@ -28,7 +28,7 @@ bool countsItsElements(const CheckedObject &object)
 {
     const CheckedSubindex *count = object.sub(0);
     return object.isComplex() && count && object.index != Index::errorHistory && !isMapping(object) &&
-           !CANopen::isWritable(count->data.accesstype);
+           !CANopen::isWritable(count->data->accesstype);
 }
 
 /// The highest subindex but 255, which describes the object's structure (CiA 301).
@@ -48,9 +48,9 @@ bool isVariable(const QString &name)
 
 void valueUnreadable(LocalCheck &check, const CheckedSubindex &sub)
 {
-    const QString &value = sub.data.defaultvalue;
+    const QString &value = sub.data->defaultvalue;
     if (sub.index >= Index::firstCommunicationObject && !value.isEmpty() &&
-        !ValueForm::isReadable(value, sub.data.datatype))
+        !ValueForm::isReadable(value, sub.data->datatype))
         check.error(u"Value conversion failed with Object 0x%1-0x%2."_s.arg(hex4(sub.index), hex2(sub.subindex)));
 }
 
@@ -66,7 +66,7 @@ void countIsWrong(LocalCheck &check, const CheckedObject &object)
     const quint8 highest = highestSubindex(object);
     if (!check.corrects() || !countsItsElements(object) || object.value(0) == highest)
         return;
-    StoreRecords::SubIndexData data = object.sub(0)->data;
+    StoreRecords::SubIndexData data = *object.sub(0)->data;
     data.defaultvalue = QString::number(highest);
     check.correct(
         object.index, 0, data,
@@ -77,7 +77,7 @@ void countIsWrong(LocalCheck &check, const CheckedObject &object)
 void countWithoutDefault(LocalCheck &check, const CheckedObject &object)
 {
     const CheckedSubindex *count = object.sub(0);
-    if (object.isComplex() && object.hasElements() && (!count || !count->data.defaultineds))
+    if (object.isComplex() && object.hasElements() && (!count || !count->data->defaultineds))
         check.error(u"Object 0x%1-0:The 'default value' flag must be set for this subindex."_s.arg(hex4(object.index)));
 }
 
@@ -86,7 +86,7 @@ void countIsNoConst(LocalCheck &check, const CheckedObject &object)
 {
     if (!check.corrects() || !countsItsElements(object))
         return;
-    StoreRecords::SubIndexData data = object.sub(0)->data;
+    StoreRecords::SubIndexData data = *object.sub(0)->data;
     if (data.accesstype == CANopen::Access::Const || data.implementation == Implementation::ManagedConst ||
         data.implementation == Implementation::VirtualObject)
         return;
@@ -99,7 +99,7 @@ void countIsNoConst(LocalCheck &check, const CheckedObject &object)
 void countNotInEds(LocalCheck &check, const CheckedObject &object)
 {
     const CheckedSubindex *count = object.sub(0);
-    if (object.isComplex() && count && count->data.writedefaulttoeds == 0)
+    if (object.isComplex() && count && count->data->writedefaulttoeds == 0)
         check.warning(
             WG_EDS,
             u"Warning: Object 0x%1-0:The defaultvalue of this subindex should be written into the EDS/XDD file."_s.arg(
@@ -120,7 +120,7 @@ void variableWithSubindices(LocalCheck &check, const CheckedObject &object)
 
 void limitCheckIsOff(LocalCheck &check, const CheckedSubindex &sub)
 {
-    if (sub.index >= Index::firstCommunicationObject && sub.data.limitineds && !check.settings().limitCheckEnabled)
+    if (sub.index >= Index::firstCommunicationObject && sub.data->limitineds && !check.settings().limitCheckEnabled)
         check.warning(
             WG_TIMING_LIMITS,
             u"Warning: Object 0x%1-0x%2: Limit Check is activated, but it is deactivated in the global settings."_s.arg(
@@ -130,14 +130,14 @@ void limitCheckIsOff(LocalCheck &check, const CheckedSubindex &sub)
 /// The subindex of a VARIABLE takes its name in an EDS from its object.
 void subindexWithoutName(LocalCheck &check, const CheckedObject &object, const CheckedSubindex &sub)
 {
-    if (object.isComplex() && sub.data.name.trimmed().isEmpty())
+    if (object.isComplex() && sub.data->name.trimmed().isEmpty())
         check.error(u"Object 0x%1-0x%2: The object does not have a name. (Required for EDS)"_s.arg(hex4(sub.index),
                                                                                                    hex2(sub.subindex)));
 }
 
 void variableNameMissing(LocalCheck &check, const CheckedSubindex &sub)
 {
-    if (sub.data.implementation == Implementation::Variable && sub.data.varname.trimmed().isEmpty())
+    if (sub.data->implementation == Implementation::Variable && sub.data->varname.trimmed().isEmpty())
         check.error(u"Object 0x%1-0x%2: The variable name is missing."_s.arg(hex4(sub.index), hex2(sub.subindex)));
 }
 
@@ -151,15 +151,15 @@ void variableNameInvalid(LocalCheck &check, const CheckedSubindex &sub)
 
 void accessInvalid(LocalCheck &check, const CheckedSubindex &sub)
 {
-    if (!CANopen::accessOf(sub.data.accesstype))
+    if (!CANopen::accessOf(sub.data->accesstype))
         check.error(
             u"Object 0x%1-0x%2: The access type '%3' is invalid. Use ro, rw, const, wo, rww or rwr instead."_s.arg(
-                hex4(sub.index), hex2(sub.subindex), sub.data.accesstype));
+                hex4(sub.index), hex2(sub.subindex), sub.data->accesstype));
 }
 
 void constIsWritable(LocalCheck &check, const CheckedSubindex &sub)
 {
-    if (sub.data.implementation == Implementation::ManagedConst && CANopen::isWritable(sub.data.accesstype))
+    if (sub.data->implementation == Implementation::ManagedConst && CANopen::isWritable(sub.data->accesstype))
         check.error(
             u"Object 0x%1-0x%2: The implementation type is Managed Const, but the access type allows write access."_s
                 .arg(hex4(sub.index), hex2(sub.subindex)));
@@ -167,7 +167,7 @@ void constIsWritable(LocalCheck &check, const CheckedSubindex &sub)
 
 void managedOctetString(LocalCheck &check, const CheckedSubindex &sub)
 {
-    if (sub.data.implementation == Implementation::ManagedVariable && sub.data.datatype == CAN::OctetString)
+    if (sub.data->implementation == Implementation::ManagedVariable && sub.data->datatype == CAN::OctetString)
         check.error(
             u"Object 0x%1-0x%2: The implementation type 'Managed Variable' is not possible for octet strings."_s.arg(
                 hex4(sub.index), hex2(sub.subindex)));
@@ -175,7 +175,7 @@ void managedOctetString(LocalCheck &check, const CheckedSubindex &sub)
 
 void managedVisibleString(LocalCheck &check, const CheckedSubindex &sub)
 {
-    if (sub.data.implementation == Implementation::ManagedVariable && sub.data.datatype == CAN::VisibleString)
+    if (sub.data->implementation == Implementation::ManagedVariable && sub.data->datatype == CAN::VisibleString)
         check.error(
             u"Object 0x%1-0x%2: The implementation type 'Managed Variable' is not possible for visible strings. Use "
             "'Managed Const' or 'Variable' instead."_s.arg(hex4(sub.index), hex2(sub.subindex)));
@@ -183,7 +183,7 @@ void managedVisibleString(LocalCheck &check, const CheckedSubindex &sub)
 
 void managedUtf8String(LocalCheck &check, const CheckedSubindex &sub)
 {
-    if (sub.data.implementation == Implementation::ManagedVariable && sub.data.datatype == CAN::Utf8String)
+    if (sub.data->implementation == Implementation::ManagedVariable && sub.data->datatype == CAN::Utf8String)
         check.error(
             u"Object 0x%1-0x%2: The implementation type 'Managed Variable' is not possible for UTF8 strings. Use "
             "'Managed Const' or 'Variable' instead."_s.arg(hex4(sub.index), hex2(sub.subindex)));
@@ -191,14 +191,14 @@ void managedUtf8String(LocalCheck &check, const CheckedSubindex &sub)
 
 void typeUnsupported(LocalCheck &check, const CheckedSubindex &sub)
 {
-    if (!ValueForm::isSupported(sub.data.datatype))
+    if (!ValueForm::isSupported(sub.data->datatype))
         check.error(u"Object 0x%1-0x%2: Unknown or unsupported datatype."_s.arg(hex4(sub.index), hex2(sub.subindex)));
 }
 
 /// Only limits that the user has declared count; any other subindex holds those of its type, or none.
 void defaultBeyondLimits(LocalCheck &check, const CheckedSubindex &sub)
 {
-    if (sub.data.limitineds && !ValueForm::fitsLimits(sub.data, check.settings().nodeId))
+    if (sub.data->limitineds && !ValueForm::fitsLimits(*sub.data, check.settings().nodeId))
         check.error(u"Object 0x%1-0x%2: The defaultvalue is not in the range of the limits."_s.arg(hex4(sub.index),
                                                                                                    hex2(sub.subindex)));
 }

@@ -24,7 +24,7 @@ quint16 mappingOf(const CheckedObject &communication)
 
 bool isInEds(const CheckedSubindex &sub)
 {
-    return sub.data.writedefaulttoeds == 2 || (sub.data.writedefaulttoeds == 1 && sub.data.defaultineds);
+    return sub.data->writedefaulttoeds == 2 || (sub.data->writedefaulttoeds == 1 && sub.data->defaultineds);
 }
 
 /// True for a PDO of the pre-defined connection set whose COB-ID is another one, on the bus or not.

@@ -147,7 +147,7 @@ QStringList DeviceText::dictionary(DeviceLine &line, int width)
         else if (object.subs.empty())
             table.add({hex(object.index), object.data.name, COHelper::index2DataTypeString(object.data.datatype)});
         for (const CheckedSubindex &sub : object.subs) {
-            const StoreRecords::SubIndexData &data = sub.data;
+            const StoreRecords::SubIndexData &data = *sub.data;
             table.add({object.isComplex() ? u"    :%1"_s.arg(sub.subindex) : hex(object.index),
                        object.isComplex() ? data.name : object.data.name, typeText(data), data.accesstype,
                        data.defaultvalue, mappingText(data), storageText(data)});
@@ -166,7 +166,7 @@ QStringList DeviceText::object(DeviceLine &line, const CheckedObject &object, st
     TextTable table({u"sub"_s, u"name"_s, u"type"_s, u"access"_s, u"default"_s, u"limits"_s, u"PDO"_s, u"stored"_s,
                      u"description"_s});
     for (const CheckedSubindex &sub : object.subs) {
-        const StoreRecords::SubIndexData &data = sub.data;
+        const StoreRecords::SubIndexData &data = *sub.data;
         if (!subindex || *subindex == sub.subindex)
             table.add({QString::number(sub.subindex), data.name, typeText(data), data.accesstype, data.defaultvalue,
                        limitsText(data), mappingText(data), storageText(data), data.description});

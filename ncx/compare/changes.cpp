@@ -229,10 +229,10 @@ void DeviceChanges::compareSubindices(const CheckedObject &before, const Checked
         [&](const CheckedSubindex *old, const CheckedSubindex *now) {
             const CheckedSubindex &any = now ? *now : *old;
             const PartPlace where = place(PartKind::Subindex, any.index, any.subindex);
-            const QString title = (now ? after : before).isComplex() ? any.data.name : after.data.name;
+            const QString title = (now ? after : before).isComplex() ? any.data->name : after.data.name;
             if (!old || !now)
                 tellWhole(old ? Kind::Removed : Kind::Added, where, title);
-            else if (!(old->data == now->data))
+            else if (!(*old->data == *now->data))
                 compareFacts(where, title, FactsOf::subindex(before, *old, scope_),
                              FactsOf::subindex(after, *now, scope_));
         });

@@ -59,7 +59,7 @@ private:
         takePart(place(PartKind::Object, object.index), object.data.name, FactsOf::object(object, Scope::Project));
         for (const CheckedSubindex &sub : object.subs)
             takePart(place(PartKind::Subindex, object.index, sub.subindex),
-                     object.isComplex() || sub.data.name != object.data.name ? sub.data.name : QString(),
+                     object.isComplex() || sub.data->name != object.data.name ? sub.data->name : QString(),
                      FactsOf::subindex(object, sub, Scope::Project));
     }
 

@@ -147,7 +147,7 @@ Facts FactsOf::object(const CheckedObject &object, Scope scope)
     if (scope == Scope::Description)
         return list.take();
     const CheckedSubindex *own = object.sub(object.isComplex() ? 1 : 0);
-    const bool isTold = (own && own->data.datatype == data.datatype) || data.objecttype == CANopen::Record;
+    const bool isTold = (own && own->data->datatype == data.datatype) || data.objecttype == CANopen::Record;
     list.text(u"data type"_s, isTold ? QString() : COHelper::index2DataTypeString(data.datatype));
     list.text(u"description"_s, data.description);
     list.number(u"category"_s, data.category);
@@ -158,7 +158,7 @@ Facts FactsOf::object(const CheckedObject &object, Scope scope)
 
 Facts FactsOf::subindex(const CheckedObject &object, const CheckedSubindex &sub, Scope scope)
 {
-    const StoreRecords::SubIndexData &data = sub.data;
+    const StoreRecords::SubIndexData &data = *sub.data;
     const bool isText = COHelper::isTextType(data.datatype);
     FactList list;
     const auto value = [&](const QString &name, const QString &text) {

@@ -28,7 +28,7 @@ QString implementationText(quint8 implementation)
 
 void write(JsonText &json, const CheckedSubindex &sub)
 {
-    const StoreRecords::SubIndexData &data = sub.data;
+    const StoreRecords::SubIndexData &data = *sub.data;
     json.beginObject();
     json.key("access"_L1);
     json.value(data.accesstype);

@@ -21,7 +21,7 @@ Frame frameOf(CheckedLine &line, const CheckedObject &mapping)
             const bool isOwnName = object && object->isComplex() && entry.target;
             field.address = u"0x%1:%2"_s.arg(entry.index(), 4, 16, QLatin1Char('0')).arg(entry.subindex());
             if (object)
-                field.name = isOwnName ? entry.target->data.name : object->data.name;
+                field.name = isOwnName ? entry.target->data->name : object->data.name;
         }
         frame.bits += entry.bits();
         frame.fields.append(field);

@@ -311,7 +311,7 @@ void ObjectTables::cacheAllSubs(quint8 line, quint16 index)
         std::ignore = statements_.visit({nullptr, subSelect(line, u" where objectindex = ?"_s)}, {index},
                                         [&](const ResultRow &row) { entries.append(entryOfRow(row, line, strings_)); });
     // An old table may hold an index that is none.
-    if (!std::ranges::is_sorted(entries, {}, SubObjectCache::keyOf))
+    if (!std::ranges::is_sorted(std::as_const(entries), {}, SubObjectCache::keyOf))
         std::ranges::stable_sort(entries, {}, SubObjectCache::keyOf);
     const QMutexLocker locker(&cacheMutex_);
     subCache_.setLine(line, entries);

@@ -121,7 +121,7 @@ TEST(CheckRules, SeeWhatAnotherHasCorrected)
         CheckedLine &line = check.line();
         EXPECT_EQ(line.firstPdoLike(*line.object(0x1401)), 0x1400);
         EXPECT_EQ(line.firstUserOf(u"v"_s), line.sub(0x1400, 1));
-        StoreRecords::SubIndexData data = line.sub(0x1400, 1)->data;
+        StoreRecords::SubIndexData data = *line.sub(0x1400, 1)->data;
         data.defaultvalue = u"0x80000201"_s;
         data.varname = u"w"_s;
         EXPECT_TRUE(check.correct(0x1400, 1, data, {}));
