@@ -51,7 +51,11 @@ quint16 valueColumn(const DictionaryTables &tables, const Entry &sub)
     return tables.variableIndexMap.value(sub.data.sharedlines ? subKey(0, sub.index, sub.subindex) : key);
 }
 
-DescriptionRow descriptionRow(const DictionaryTables &tables, const LineObject &object, const Entry &sub)
+/// Texts that many rows have in common, each of them once.
+using SharedTexts = QSet<QString>;
+
+DescriptionRow descriptionRow(const DictionaryTables &tables, const LineObject &object, const Entry &sub,
+                              SharedTexts &texts)
 {
     const quint32 key = subKey(sub);
     const bool compact = object.compactLimit != notCompact && sub.subindex == object.compactLimit;
@@ -62,14 +66,14 @@ DescriptionRow descriptionRow(const DictionaryTables &tables, const LineObject &
         .dataType = sub.data.datatype,
         .specifier = DictionaryCollect::specifier(sub, tables.staticSrdoObjects.contains(key)),
         .value = valueColumn(tables, sub),
-        .attributes = descriptionAttributes(sub.data, compact),
+        .attributes = *texts.insert(descriptionAttributes(sub.data, compact)),
         .defaultPosition = tables.defaultIndexMap.value(key),
         .lowerPosition = tables.lowerLimitIndexMap.value(key),
         .upperPosition = tables.upperLimitIndexMap.value(key),
     };
 }
 
-void describeObject(DictionaryTables &tables, const LineObject &object)
+void describeObject(DictionaryTables &tables, const LineObject &object, SharedTexts &texts)
 {
     // Without a subindex 0 the object begins with the first that it has.
     tables.descriptionStartMap.insert(objectKey(object.line, object.index),
@@ -81,7 +85,7 @@ void describeObject(DictionaryTables &tables, const LineObject &object)
             continue;
         ++tables.descriptionCount;
         if (object.line == 0 || !sub.data.sharedlines)
-            tables.description.push_back(descriptionRow(tables, object, sub));
+            tables.description.push_back(descriptionRow(tables, object, sub, texts));
     }
 }
 
@@ -146,9 +150,10 @@ QString DictionaryCollect::accessAttributes(const StoreRecords::SubIndexData &da
 
 void DictionaryCollect::rows(DictionaryTables &tables)
 {
+    SharedTexts attributes;
     for (DictionaryLine &line : tables.lines) {
         for (const LineObject &object : line.objects)
-            describeObject(tables, object);
+            describeObject(tables, object, attributes);
         line.descriptionCount = static_cast<quint32>(tables.description.size());
     }
     for (DictionaryLine &line : tables.lines) {

@@ -26,6 +26,9 @@ constexpr quint32 objectKey(quint8 line, quint16 index)
     return quint32{line} << 24 | index;
 }
 
+/// Positions by the key of a subindex or object.
+using Positions = QHash<quint32, quint16>;
+
 /// A line that has objects from 0x1000 up, with all of these.
 struct DictionaryLine : LineDictionary
 {
@@ -133,12 +136,12 @@ struct DictionaryTables
     std::array<VariableArray, 4> textVariables; ///< by TextTable
 
     // Positions by subKey; a subindex without one is not in the map.
-    QMap<quint32, quint16> variableIndexMap; ///< in the array of managed or application variables of its type
-    QMap<quint32, quint16> defaultIndexMap;  ///< in the constants, as the limits
-    QMap<quint32, quint16> lowerLimitIndexMap;
-    QMap<quint32, quint16> upperLimitIndexMap;
+    Positions variableIndexMap; ///< in the array of managed or application variables of its type
+    Positions defaultIndexMap;  ///< in the constants, as the limits
+    Positions lowerLimitIndexMap;
+    Positions upperLimitIndexMap;
     /// First description row of each object, by objectKey.
-    QMap<quint32, quint16> descriptionStartMap;
+    Positions descriptionStartMap;
 
     // String variables with a default, by subKey: place and size in the table of string defaults.
     QMap<quint32, quint32> stringOffsetMap;

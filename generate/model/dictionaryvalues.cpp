@@ -53,7 +53,7 @@ bool hasDecimalLimits(ValueType type)
     return type == ValueType::I8 || type == ValueType::I16 || type == ValueType::I24 || type == ValueType::I32;
 }
 
-void appendText(TextArray &array, QMap<quint32, quint16> &positions, quint32 key, const QString &text, quint32 size)
+void appendText(TextArray &array, Positions &positions, quint32 key, const QString &text, quint32 size)
 {
     positions.insert(key, static_cast<quint16>(array.texts.size()));
     array.texts.push_back(text);

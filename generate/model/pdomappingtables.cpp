@@ -48,7 +48,7 @@ bool routesPdos(const DictionaryLine &line)
     return object && object->highestSubindex() > 0;
 }
 
-QString elementAddress(QLatin1StringView prefix, ValueType type, const QMap<quint32, quint16> &positions, quint32 key)
+QString elementAddress(QLatin1StringView prefix, ValueType type, const Positions &positions, quint32 key)
 {
     const auto position = positions.constFind(key);
     return position == positions.constEnd()
