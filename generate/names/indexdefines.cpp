@@ -150,13 +150,17 @@ constexpr std::array pdoRanges{PdoRange{"RPDO"_L1, CANopen::Index::rpdos}, PdoRa
 class LineCollector
 {
 public:
-    LineCollector(ObjectDataBase &store, Names &names, quint8 line, IndexDefines::Line &result)
+    using Block = QList<IndexDefine>;
+    using Take = std::function<void(const IndexDefines &)>;
+
+    LineCollector(ObjectDataBase &store, Names &names, quint8 line, const QString &prefix, const Take &take)
         : store_(store)
         , names_(names)
         , line_(line)
-        , result_(result)
+        , prefix_(prefix)
+        , take_(take)
     {
-        names_.startLine(result.prefix);
+        names_.startLine(prefix);
     }
 
     void collectObjects(const std::function<bool()> &cancelled);
@@ -165,19 +169,20 @@ public:
     void collectAddressClaim();
 
 private:
-    void add(IndexDefines::Block block);
-    IndexDefines::Block objectBlock(const LineObject &object);
-    void addShortPdoName(IndexDefines::Block &block, quint16 index);
+    void add(Block block);
+    Block objectBlock(const LineObject &object);
+    void addShortPdoName(Block &block, quint16 index);
 
     ObjectDataBase &store_;
     Names &names_;
     quint8 line_;
-    IndexDefines::Line &result_;
+    QString prefix_;
+    const Take &take_;
 };
 
-void LineCollector::add(IndexDefines::Block block)
+void LineCollector::add(Block block)
 {
-    result_.blocks.append(std::move(block));
+    take_({.line = line_, .prefix = prefix_, .defines = std::move(block)});
     QThread::yieldCurrentThread();
 }
 
@@ -191,7 +196,7 @@ void LineCollector::collectObjects(const std::function<bool()> &cancelled)
     }
 }
 
-IndexDefines::Block LineCollector::objectBlock(const LineObject &object)
+LineCollector::Block LineCollector::objectBlock(const LineObject &object)
 {
     const auto nameOf = [&](QLatin1StringView prefix, const QString &text, quint8 subindex) {
         return identifier(prefix, Helper::substituteVariables(text, object.index, subindex, line_));
@@ -201,7 +206,7 @@ IndexDefines::Block LineCollector::objectBlock(const LineObject &object)
     if (name.isEmpty())
         name = nameOf("I_"_L1, object.data.name.isEmpty() ? u"unnamed object"_s : object.data.name, 0);
     const QString value = hexadecimal(object.index);
-    IndexDefines::Block block{{.name = names_.counted(name, value), .value = value}};
+    Block block{{.name = names_.counted(name, value), .value = value}};
     addShortPdoName(block, object.index);
 
     for (const StoreRecords::SubEntry &sub : object.subs) {
@@ -214,7 +219,7 @@ IndexDefines::Block LineCollector::objectBlock(const LineObject &object)
     return block;
 }
 
-void LineCollector::addShortPdoName(IndexDefines::Block &block, quint16 index)
+void LineCollector::addShortPdoName(Block &block, quint16 index)
 {
     static const QRegularExpression linePrefix(u"^L[0-9]+_"_s);
     static const QRegularExpression pdoOfNode(u"^I_([RT]PDO)_COMM_PAR_([0-9]+)_FOR_NODE_([0-9]+)_([A-Za-z0-9_]+)$"_s);
@@ -238,8 +243,7 @@ void LineCollector::collectCanIds()
     for (const LineMessage &canId : LineMessages::canIds(store_, line_)) {
         const QString value = decimal(++positions[canId.head.direction]);
         const QString end = u"_%1"_s.arg(hex(canId.head.number, 4));
-        IndexDefines::Block block{
-            {.name = names_.tagged(identifier("ID_"_L1, canId.head.name), value, {end}), .value = value}};
+        Block block{{.name = names_.tagged(identifier("ID_"_L1, canId.head.name), value, {end}), .value = value}};
         if (const QString fixedName = "ID"_L1 + end; names_.takeFixed(fixedName, value))
             block.append({.name = fixedName, .value = value});
         for (const StoreRecords::DataElement &element : canId.items) {
@@ -256,9 +260,9 @@ void LineCollector::collectPgns()
     for (const LineMessage &pgn : LineMessages::parameterGroups(store_, line_)) {
         const QString value = decimal(pgn.head.number);
         const QString end = u"_%1"_s.arg(hex(pgn.head.number, 4));
-        IndexDefines::Block block{{.name = names_.counted(identifier("PGN_"_L1, pgn.head.name), value),
-                                   .value = value,
-                                   .comment = u" /* 0x%1 */"_s.arg(hex(pgn.head.number, 4))}};
+        Block block{{.name = names_.counted(identifier("PGN_"_L1, pgn.head.name), value),
+                     .value = value,
+                     .comment = u" /* 0x%1 */"_s.arg(hex(pgn.head.number, 4))}};
         for (const StoreRecords::SPN &spn : pgn.items) {
             const QString spnValue = decimal(spn.spnnumber);
             block.append({.name = names_.tagged(identifier("SPN_"_L1, spn.name), spnValue,
@@ -274,12 +278,11 @@ void LineCollector::collectAddressClaim()
     const QString end = u"_%1"_s.arg(hex(J1939::addressClaim));
     const auto define = [&](const QString &name, quint32 number, const QString &comment) {
         const QString value = decimal(number);
-        return IndexDefines::Define{.name = names_.takeFixed(name, value) ? name : names_.tagged(name, value, {end}),
-                                    .value = value,
-                                    .comment = comment};
+        return IndexDefine{.name = names_.takeFixed(name, value) ? name : names_.tagged(name, value, {end}),
+                           .value = value,
+                           .comment = comment};
     };
-    IndexDefines::Block block{
-        define(u"PGN_ADDRESS_CLAIM"_s, J1939::addressClaim, u" /* 0x%1 */"_s.arg(hex(J1939::addressClaim, 4)))};
+    Block block{define(u"PGN_ADDRESS_CLAIM"_s, J1939::addressClaim, u" /* 0x%1 */"_s.arg(hex(J1939::addressClaim, 4)))};
     for (const NamePart &part : addressClaimParts)
         block.append(define(part.name, part.spn, {}));
     add(std::move(block));
@@ -296,21 +299,16 @@ bool claimsAddress(ObjectDataBase &store, quint8 line)
 
 } // namespace
 
-IndexDefines collectIndexDefines(ObjectDataBase &store, const QList<quint8> &lines, bool withPrefix,
-                                 const std::function<bool()> &cancelled)
+void collectIndexDefines(ObjectDataBase &store, const QList<quint8> &lines, bool withPrefix,
+                         const std::function<bool()> &cancelled, const std::function<void(const IndexDefines &)> &take)
 {
-    IndexDefines defines;
     Names names;
     for (const quint8 line : lines) {
-        IndexDefines::Line &result = defines.lines.emplace_back();
-        if (withPrefix)
-            result.prefix = u"L%1_"_s.arg(line);
-        LineCollector collector(store, names, line, result);
+        LineCollector collector(store, names, line, withPrefix ? u"L%1_"_s.arg(line) : QString(), take);
         collector.collectObjects(cancelled);
         collector.collectCanIds();
         collector.collectPgns();
         if (claimsAddress(store, line))
             collector.collectAddressClaim();
     }
-    return defines;
 }

@@ -7,27 +7,24 @@
 
 class ObjectDataBase;
 
-/// The names of gen_indices.h, collected from a project and ready to print.
-struct IndexDefines
+/// A name of gen_indices.h, ready to print.
+struct IndexDefine
 {
-    struct Define
-    {
-        QString name;  ///< without the line's prefix
-        QString value; ///< C number with its suffix
-        QString comment{};
-        bool ofSubindex = false;
-    };
-    using Block = QList<Define>;
-    struct Line
-    {
-        QString prefix; ///< "L%1_", or empty
-        QList<Block> blocks;
-    };
-
-    QList<Line> lines;
+    QString name;  ///< without the line's prefix
+    QString value; ///< C number with its suffix
+    QString comment{};
+    bool ofSubindex = false;
 };
 
-/// Reads the names of the lines, in their order.
+/// The names of one item of the project.
+struct IndexDefines
+{
+    quint8 line = 0;
+    QString prefix; ///< "L%1_", or empty
+    QList<IndexDefine> defines{};
+};
+
+/// Reads the names of the lines and calls `take` with those of each item, in their order.
 ///
 /// Per line: its objects from 0x1000 up with their subindices, its raw CAN-IDs with their data elements, its PGNs with
 /// their SPNs, each of the receive direction first, and the parts of the J1939 address claim (SAE J1939-81) that a
@@ -38,8 +35,8 @@ struct IndexDefines
 /// the header is always valid C.
 ///
 /// `cancelled` is asked before each object; true skips the rest of that line's objects.
-IndexDefines collectIndexDefines(ObjectDataBase &store, const QList<quint8> &lines, bool withPrefix,
-                                 const std::function<bool()> &cancelled);
+void collectIndexDefines(ObjectDataBase &store, const QList<quint8> &lines, bool withPrefix,
+                         const std::function<bool()> &cancelled, const std::function<void(const IndexDefines &)> &take);
 
 /// The name that closes the list: not an item of the project, and always 0.
 inline constexpr auto numberOfEntriesName = "S_NUMBER_OF_ENTRIES";

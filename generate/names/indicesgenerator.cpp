@@ -10,17 +10,15 @@ namespace {
 
 constexpr int nameWidth = 25;
 
-void writeLine(CodeWriter &out, const IndexDefines::Line &line)
+void writeDefines(CodeWriter &out, const IndexDefines &item)
 {
-    for (const IndexDefines::Block &block : line.blocks) {
-        for (const IndexDefines::Define &define : block)
-            out(u"#define ${GAP}${PREFIX}${NAME}\t${VALUE}${COMMENT}", {{"GAP", define.ofSubindex ? u" "_s : QString()},
-                                                                        {"PREFIX", line.prefix},
-                                                                        {"NAME", define.name.leftJustified(nameWidth)},
-                                                                        {"VALUE", define.value},
-                                                                        {"COMMENT", define.comment}});
-        out(u"");
-    }
+    for (const IndexDefine &define : item.defines)
+        out(u"#define ${GAP}${PREFIX}${NAME}\t${VALUE}${COMMENT}", {{"GAP", define.ofSubindex ? u" "_s : QString()},
+                                                                    {"PREFIX", item.prefix},
+                                                                    {"NAME", define.name.leftJustified(nameWidth)},
+                                                                    {"VALUE", define.value},
+                                                                    {"COMMENT", define.comment}});
+    out(u"");
 }
 
 } // namespace
@@ -37,8 +35,6 @@ QString IndicesGenerator::jobName() const
 
 void IndicesGenerator::write(Utf8Sink &sink)
 {
-    const IndexDefines defines = collectIndexDefines(*database(), lines_, isMultiLine() || generatesMultiLine(),
-                                                     [this] { return takeCancelRequest(); });
     CodeWriter out(sink);
     writeFileHeader(out, SourceFile::GenIndices, SourceForm::V4, baseName());
     out(uR"(
@@ -47,8 +43,9 @@ void IndicesGenerator::write(Utf8Sink &sink)
         #define GEN_INDICES_H 1
 
         )");
-    for (const IndexDefines::Line &line : defines.lines)
-        writeLine(out, line);
+    collectIndexDefines(
+        *database(), lines_, isMultiLine() || generatesMultiLine(), [this] { return takeCancelRequest(); },
+        [&out](const IndexDefines &item) { writeDefines(out, item); });
     out(u"#define  ${NAME}\t${VALUE}\n", {{"NAME", QString::fromLatin1(numberOfEntriesName).leftJustified(nameWidth)},
                                           {"VALUE", QString::fromLatin1(numberOfEntriesValue)}});
     out(u"#endif /* GEN_INDICES_H */");

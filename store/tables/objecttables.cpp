@@ -286,6 +286,9 @@ QList<ObjectTables::SubEntry> ObjectTables::getAllSubIndices(quint8 line)
         return *keptSubs_;
     strings_.loadTexts();
     QList<SubEntry> entries;
+    // Growing would have the list twice at times: it is the largest thing that a run holds.
+    const QVariant count = statements_.value({nullptr, u"select count(*) from SubObjects%1"_s.arg(line)}, {});
+    entries.reserve(count.toLongLong());
     if (!statements_.visit({"getAllSubIndices", subSelect(line, u" order by objectindex, subindex"_s)}, {},
                            [&](const ResultRow &row) { entries.append(entryOfRow(row, line, strings_)); }))
         return entries;
