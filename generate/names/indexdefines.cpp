@@ -182,7 +182,7 @@ private:
 
 void LineCollector::add(Block block)
 {
-    take_({.line = line_, .prefix = prefix_, .defines = std::move(block)});
+    take_({.prefix = prefix_, .defines = std::move(block)});
     QThread::yieldCurrentThread();
 }
 

@@ -19,7 +19,6 @@ struct IndexDefine
 /// The names of one item of the project.
 struct IndexDefines
 {
-    quint8 line = 0;
     QString prefix; ///< "L%1_", or empty
     QList<IndexDefine> defines{};
 };

@@ -9,6 +9,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// Bytes of a large source that are copied at a time.
+constexpr qint64 pieceSize = 0x10000;
+
 bool copyReplacing(const QDir &folder, const QString &from, const QString &to, const QByteArray &word = {},
                    const QByteArray &replacement = {})
 {
@@ -17,11 +20,20 @@ bool copyReplacing(const QDir &folder, const QString &from, const QString &to, c
         return true;
     if (!source.open(QIODevice::ReadOnly))
         return false;
-    QByteArray text = source.readAll();
-    if (!word.isEmpty())
-        text.replace(word, replacement);
     OutputFile copy(folder.filePath(to));
-    return copy.open() && copy.device()->write(text) == text.size() && copy.commit();
+    if (!copy.open())
+        return false;
+    while (!source.atEnd()) {
+        QByteArray text = source.read(pieceSize);
+        text += source.readLine(); // so that no word is cut
+        if (text.isEmpty())
+            return false;
+        if (!word.isEmpty())
+            text.replace(word, replacement);
+        if (copy.device()->write(text) != text.size())
+            return false;
+    }
+    return copy.commit();
 }
 
 } // namespace

@@ -77,10 +77,9 @@ TEST(IndexDefines, StopTheObjectsOfOneLineWhenCancelled)
     project.line(1, 1).object(0x1000, u"A"_s);
     int calls = 0;
     QStringList names;
-    for (const auto &line : collectIndexDefines(*project.store(), {0, 1}, true, [&] { return ++calls == 2; }).lines) {
-        for (const auto &block : line.blocks)
-            names.append(line.prefix + block.first().name);
-    }
+    collectIndexDefines(
+        *project.store(), {0, 1}, true, [&] { return ++calls == 2; },
+        [&](const IndexDefines &item) { names.append(item.prefix + item.defines.first().name); });
     EXPECT_EQ(names, (QStringList{u"L0_I_A"_s, u"L0_ID_C"_s, u"L1_I_A"_s}));
 }
 
