@@ -30,7 +30,10 @@ QStringList reported(const ProjectBuilder &project, const LineRule &rule)
 template <class T>
 QString nameOf(const T &subject)
 {
-    return subject.data.name;
+    if constexpr (std::is_same_v<T, CheckedSubindex>)
+        return subject.data->name;
+    else
+        return subject.data.name;
 }
 
 template <class T>
