@@ -67,7 +67,8 @@ qint32 ModelChecker::checkLine(quint8 line, ObjectDataBase &store, std::span<con
                                const QSet<quint32> &specialPGNs)
 {
     const QVariant disabled = UserSettings::value(u"General"_s, u"disableautocorrection"_s);
-    const FindingMemory::Terms terms{.corrects = !disabled.toBool(), .specialPGNs = specialPGNs};
+    const FindingMemory::Terms terms{
+        .corrects = !disabled.toBool(), .disablesPdos = !keepsPdos_, .specialPGNs = specialPGNs};
     const Check::Options options{.outputFolder = outputFolder_, .terms = terms};
     CheckReport &report = beginReport(store);
     if (memory_) {

@@ -31,6 +31,8 @@ public:
     /// Has the line checks go by what is remembered of those before, with the same findings in the same order. Null has
     /// them ask about everything.
     void setMemory(CheckMemory *memory) { memory_ = memory; }
+    /// Has a PDO that maps nothing told as an error, and not taken off the bus.
+    void setKeepsPdos(bool keeps) { keepsPdos_ = keeps; }
     /// The rules of the project as a whole. `outputFolder` is the base of a relative stack path.
     qint32 checkCommon(const std::shared_ptr<ObjectDataBase> &store, const QString &outputFolder);
     /// Sets `corrected` if a COB-ID was corrected in the store.
@@ -60,4 +62,5 @@ private:
     CheckReport report_;
     QString outputFolder_;
     CheckMemory *memory_ = nullptr;
+    bool keepsPdos_ = false;
 };

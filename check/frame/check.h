@@ -109,6 +109,9 @@ public:
     /// False for a user who does not want corrections.
     bool corrects() const { return options_.terms.corrects; }
 
+    /// False while a project is being built: a PDO may come before its mapping.
+    bool disablesPdos() const { return options_.terms.disablesPdos; }
+
     FindingMemory *memory() { return memory_; }
     /// Tells what a pass remembers of a subject, or what `ask` finds.
     void recallOrAsk(FindingMemory::Pass &pass, quint64 key, const std::function<void()> &ask);

@@ -21,6 +21,7 @@ public:
     struct Terms
     {
         bool corrects = true;
+        bool disablesPdos = true; ///< takes a PDO off the bus that maps nothing
         QSet<quint32> specialPGNs = {};
 
         friend bool operator==(const Terms &, const Terms &) = default;

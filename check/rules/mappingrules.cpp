@@ -60,7 +60,7 @@ QString disabled(const QString &cobId)
 bool willBeDisabled(Check &check, const CheckedObject &mapping)
 {
     return PDO::isTransmitMapping(mapping.index) && mapping.index <= lastCorrectedMapping && check.corrects() &&
-           hasNoActiveEntries(mapping) && isOnBus(check, mapping) &&
+           check.disablesPdos() && hasNoActiveEntries(mapping) && isOnBus(check, mapping) &&
            !disabled(PDO::cobIdText(*check.line().object(communicationOf(mapping)))).isEmpty();
 }
 

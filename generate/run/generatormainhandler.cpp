@@ -147,11 +147,28 @@ GeneratorMainHandler::ModelFindings GeneratorMainHandler::findInModel()
 {
     const RunContext context = RunContext::ofProject(database_);
     removeAddressClaims(context);
-    ModelFindings model;
     ModelChecker checker(checkRules_);
+    return findWith(checker, context.lines);
+}
+
+GeneratorMainHandler::ModelFindings GeneratorMainHandler::findAfterEdit()
+{
+    ModelChecker checker(checkRules_);
+    checker.setMemory(&checkMemory_);
+    // The memory of the check keeps them.
+    database_->keepSubIndices(false);
+    const ModelFindings model = findWith(checker, RunContext::ofProject(database_).lines);
+    database_->keepSubIndices(true);
+    return model;
+}
+
+GeneratorMainHandler::ModelFindings GeneratorMainHandler::findWith(ModelChecker &checker, const QList<quint8> &lines)
+{
+    ModelFindings model;
+    checker.setKeepsPdos(keepsPdos_);
     connect(&checker, &ModelChecker::found, this,
             [&model](const CheckFinding &finding) { model.findings.append(finding); });
-    model.errors = checkProject(checker, context.lines,
+    model.errors = checkProject(checker, lines,
                                 {.say = [](const QString &) {},
                                  .tellUntyped = [&model](quint8 line) { model.findings.append(untypedLine(line)); }});
     model.suppressed = checker.suppressedCounts();
@@ -231,6 +248,7 @@ bool GeneratorMainHandler::passesCheck(const RunContext &context, bool ignoreChe
 {
     output_->message(u"\nCheck of model consistency started"_s);
     ModelChecker checker(checkRules_);
+    checker.setKeepsPdos(keepsPdos_);
     ModelFindings model;
     connect(&checker, &ModelChecker::newError, this, &GeneratorMainHandler::handleCheckError);
     connect(&checker, &ModelChecker::found, this,

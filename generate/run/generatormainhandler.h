@@ -66,6 +66,10 @@ public:
     };
     /// Looks at the project as a run does.
     ModelFindings findInModel();
+    /// Looks at what was written since the last time, and takes nothing out of the project but what the check corrects.
+    ModelFindings findAfterEdit();
+    /// Has a PDO that maps nothing told as an error by checks and runs, and not taken off the bus.
+    void setKeepsPdos(bool keeps) { keepsPdos_ = keeps; }
     /// The whole run; its outcome goes out through `finished`.
     void generate(bool ignoreCheckErrors);
     /// Saves to the file that was opened; a failure is told as a message. A text project in which nothing could be read
@@ -109,6 +113,7 @@ Q_SIGNALS:
 private:
     struct CheckVoice;
     qint32 checkProject(ModelChecker &checker, const QList<quint8> &lines, const CheckVoice &voice);
+    ModelFindings findWith(ModelChecker &checker, const QList<quint8> &lines);
     bool passesCheck(const RunContext &context, bool ignoreCheckErrors);
     GeneratorResult runStages(bool ignoreCheckErrors);
     void removeAddressClaims(const RunContext &context);
@@ -126,5 +131,6 @@ private:
     PostGenSteps postGenSteps_;
     CheckRules checkRules_ = CheckRules::builtIn();
     CheckMemory checkMemory_;
+    bool keepsPdos_ = false;
     std::span<const RunRow> runRows_ = runTable();
 };

@@ -61,6 +61,8 @@ std::optional<QString> rangeProblem(const QString &path, const QJsonValue &value
     return {};
 }
 
+std::optional<QString> memberProblem(const QString &path, const QJsonObject &object, std::span<const Property> members);
+
 std::optional<QString> valueProblem(const QString &path, const QJsonValue &value, const Property &property)
 {
     const QString type = typeName(value);
@@ -75,6 +77,8 @@ std::optional<QString> valueProblem(const QString &path, const QJsonValue &value
                 return problem;
         }
     }
+    if (type == "object"_L1 && !property.members.empty())
+        return memberProblem(path, value.toObject(), property.members);
     return {};
 }
 
@@ -83,6 +87,45 @@ QString unknownArgument(const QString &name, const QStringList &known)
     if (known.isEmpty())
         return u"Unknown argument \"%1\", this tool takes no arguments."_s.arg(name);
     return u"Unknown argument \"%1\", expected one of: %2."_s.arg(name, known.join(", "_L1));
+}
+
+std::optional<QString> memberProblem(const QString &path, const QJsonObject &object, std::span<const Property> members)
+{
+    if (!object.contains(members.front().name))
+        return u"Missing required argument: %1.%2"_s.arg(path, members.front().name);
+    QStringList known;
+    for (const Property &member : members)
+        known.append(member.name);
+    for (const QString &name : object.keys()) {
+        const qsizetype place = known.indexOf(name);
+        const QString memberPath = u"%1.%2"_s.arg(path, name);
+        if (place < 0)
+            return unknownArgument(memberPath, known);
+        if (auto problem = valueProblem(memberPath, object.value(name), members[static_cast<std::size_t>(place)]))
+            return problem;
+    }
+    return {};
+}
+
+std::optional<QString> wordProblem(const QString &path, const QJsonValue &value, const Property &property)
+{
+    if (value.isString() && !property.choices.empty() &&
+        std::ranges::none_of(property.choices, [&](auto choice) { return choice == value.toString(); })) {
+        return u"Argument \"%1\" must be one of: %2; got \"%3\"."_s.arg(path, texts(property.choices).join(", "_L1),
+                                                                        value.toString().left(40));
+    }
+    if (value.isArray() && property.items) {
+        const QJsonArray elements = value.toArray();
+        for (qsizetype i = 0; i < elements.size(); ++i) {
+            if (auto problem = wordProblem(u"%1[%2]"_s.arg(path, QString::number(i)), elements.at(i), *property.items))
+                return problem;
+        }
+    }
+    for (const Property &member : property.members) {
+        if (auto problem = wordProblem(u"%1.%2"_s.arg(path, member.name), value[member.name], member))
+            return problem;
+    }
+    return {};
 }
 
 } // namespace
@@ -104,6 +147,13 @@ QJsonObject Property::schema() const
         schema.insert(u"enum"_s, QJsonArray::fromStringList(texts(choices)));
     if (items)
         schema.insert(u"items"_s, items->schema());
+    if (!members.empty()) {
+        QJsonObject properties;
+        for (const Property &member : members)
+            properties.insert(member.name, member.schema());
+        schema.insert(u"properties"_s, properties);
+        schema.insert(u"required"_s, QJsonArray{members.front().name});
+    }
     return schema;
 }
 
@@ -126,6 +176,15 @@ std::optional<QString> argumentProblem(const QJsonObject &arguments, std::span<c
     }
     for (const QString &name : given) {
         if (auto problem = valueProblem(name, arguments.value(name), *properties.value(name)))
+            return problem;
+    }
+    return {};
+}
+
+std::optional<QString> choiceProblem(const QJsonObject &arguments, std::span<const Property> properties)
+{
+    for (const Property &property : properties) {
+        if (auto problem = wordProblem(property.name, arguments.value(property.name), property))
             return problem;
     }
     return {};

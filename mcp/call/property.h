@@ -18,6 +18,7 @@ struct Property
     std::optional<qint64> maximum = {};
     std::span<const QLatin1StringView> choices = {}; ///< told to the client; the tools test them in their own words
     const Property *items = nullptr;                 ///< schema of an array's elements
+    std::span<const Property> members = {};          ///< of an object, which has no others; the first is required
 
     QJsonObject schema() const;
 };
@@ -31,6 +32,7 @@ inline constexpr QLatin1StringView boolean[]{QLatin1StringView("boolean")};
 inline constexpr QLatin1StringView integer[]{QLatin1StringView("integer")};
 inline constexpr QLatin1StringView string[]{QLatin1StringView("string")};
 inline constexpr QLatin1StringView array[]{QLatin1StringView("array")};
+inline constexpr QLatin1StringView object[]{QLatin1StringView("object")};
 inline constexpr QLatin1StringView scalar[]{QLatin1StringView("string"), QLatin1StringView("number"),
                                             QLatin1StringView("boolean")};
 
@@ -62,6 +64,12 @@ constexpr Property array(QLatin1StringView name, const Property &items, QLatin1S
     return {.name = name, .types = Types::array, .description = description, .items = &items};
 }
 
+/// An object whose first member is required.
+constexpr Property object(std::span<const Property> members)
+{
+    return {.name = {}, .types = Types::object, .members = members};
+}
+
 constexpr Property scalar(QLatin1StringView name, QLatin1StringView description)
 {
     return {.name = name, .types = Types::scalar, .description = description};
@@ -74,3 +82,6 @@ constexpr Property scalar(QLatin1StringView name, QLatin1StringView description)
 /// of `required`.
 std::optional<QString> argumentProblem(const QJsonObject &arguments, std::span<const Property> required,
                                        std::span<const Property> optional);
+
+/// The same for texts that are none of the choices of their schema, for servers whose tools leave that to it.
+std::optional<QString> choiceProblem(const QJsonObject &arguments, std::span<const Property> properties);

@@ -51,6 +51,13 @@ Reply Reply::json(const QJsonArray &array)
     return reply;
 }
 
+Reply Reply::both(const QString &text, const QJsonObject &object)
+{
+    Reply reply = Reply::text(text);
+    reply.data_ = object;
+    return reply;
+}
+
 QByteArray Reply::line(qint32 id) const
 {
     if (isOfTool()) {

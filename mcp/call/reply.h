@@ -35,6 +35,8 @@ public:
     /// A tool's result whose text is a compact JSON document.
     static Reply json(const QJsonObject &object, bool isError = false);
     static Reply json(const QJsonArray &array);
+    /// A tool's result that says the same as a text and as an object, for servers that send both.
+    static Reply both(const QString &text, const QJsonObject &object);
 
     /// The reply as it goes over the wire: compact JSON with sorted keys and a line feed.
     QByteArray line(qint32 id) const;

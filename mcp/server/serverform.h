@@ -3,6 +3,7 @@
 #include "mcp/call/answerform.h"
 #include "mcp/server/toolcatalogue.h"
 
+#include <functional>
 #include <memory>
 #include <span>
 
@@ -28,7 +29,9 @@ struct ServerForm
     std::span<const ToolFamily> families;
     const AnswerForm &(*answers)();
     /// Makes what the tools of one client work on.
-    std::unique_ptr<ProjectSession> (*makeProject)();
+    std::function<std::unique_ptr<ProjectSession>()> makeProject;
+    /// Whether a client can take a request back, as notifications/cancelled has it.
+    bool hearsCancellation = false;
 };
 
 /// The methods that are there to be named in a form.

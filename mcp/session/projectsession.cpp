@@ -9,7 +9,15 @@ using namespace Qt::StringLiterals;
 ProjectSession::ProjectSession(QObject *parent)
     : QObject(parent)
 {
-    connect(&handler_, &GeneratorMainHandler::finished, this, &ProjectSession::onGeneratorFinished);
+}
+
+GeneratorMainHandler &ProjectSession::handler() const
+{
+    if (!handler_) {
+        handler_ = std::make_unique<GeneratorMainHandler>(&output_);
+        connect(handler_.get(), &GeneratorMainHandler::finished, this, &ProjectSession::onGeneratorFinished);
+    }
+    return *handler_;
 }
 
 void ProjectSession::setProfilePath(const QString &path)
@@ -28,7 +36,7 @@ QString ProjectSession::damage() const
 QString ProjectSession::checkSummary()
 {
     QStringList messages;
-    const qint32 errors = handler_.checkModel(messages);
+    const qint32 errors = handler().checkModel(messages);
     if (errors == 0)
         return u"check_model: OK (0 errors)."_s;
     return u"check_model: %1 error(s):\n%2"_s.arg(QString::number(errors), messages.join(u'\n'));

@@ -17,8 +17,9 @@ public:
     explicit ProjectSession(QObject *parent = nullptr);
 
     MCPOutputHandler &output() { return output_; }
-    GeneratorMainHandler &handler() { return handler_; }
-    ObjectDataBase &store() const { return *handler_.database(); }
+    /// Made when it is first asked for.
+    virtual GeneratorMainHandler &handler() const;
+    ObjectDataBase &store() const { return *handler().database(); }
 
     /// Set by `open_project` alone. A failed open leaves none open, also where one was before.
     bool isProjectOpen() const { return projectOpen_; }
@@ -39,6 +40,12 @@ public:
 
     /// Called with false before a generation and with true after it: no further request is to be read meanwhile.
     std::function<void(bool)> setReadingEnabled = [](bool) {};
+    /// Tells the client how far a long operation is, in steps of `total`, 0 for an unknown number; to one that has not
+    /// asked for it nothing is told.
+    std::function<void(int done, int total, const QString &message)> tellProgress = [](int, int, const QString &) {};
+    /// True once the client has taken the request back that is under way.
+    bool isCancelled() const { return cancelled_; }
+    void setCancelled(bool cancelled) { cancelled_ = cancelled; }
 
     /// Runs the model check and tells its outcome in the words with which all tools that edit end.
     QString checkSummary();
@@ -52,9 +59,10 @@ public Q_SLOTS:
     void onGeneratorFinished(GeneratorMainHandler::GeneratorResult result) { generatorResult_ = result; }
 
 private:
-    MCPOutputHandler output_;
-    GeneratorMainHandler handler_{&output_};
+    mutable MCPOutputHandler output_;
+    mutable std::unique_ptr<GeneratorMainHandler> handler_;
     bool projectOpen_ = false;
+    bool cancelled_ = false;
     GeneratorMainHandler::GeneratorResult generatorResult_ = GeneratorMainHandler::GenerationDone;
     QString profilePath_ = QStringLiteral(":/codb");
     std::unique_ptr<ProfileDatabases> profiles_ = std::make_unique<ProfileDatabases>(profilePath_);

@@ -6,6 +6,13 @@
 
 void RequestQueue::serve(ServerSession &session, const QByteArray &message, Answered answered)
 {
+    if (const auto cancelled = session.cancelledBy(message)) {
+        session.cancel(*cancelled);
+        waiting_.removeIf([&](const Waiting &one) {
+            return one.session == &session && ServerSession::isRequest(one.message, *cancelled);
+        });
+        return;
+    }
     waiting_.enqueue({&session, message, std::move(answered)});
     if (serving_)
         return;

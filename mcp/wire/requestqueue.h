@@ -15,7 +15,8 @@ public:
     /// Receives the reply; not called for a message that gets none.
     using Answered = std::function<void(const QByteArray &reply)>;
 
-    /// Takes a message; without another one under way, it is answered before this returns.
+    /// Takes a message; without another one under way, it is answered before this returns. One that takes a request
+    /// back is heard at once.
     void serve(ServerSession &session, const QByteArray &message, Answered answered);
     /// True while a request is under way.
     bool isServing() const { return serving_; }

@@ -7,6 +7,7 @@ StreamServer::StreamServer(const ServerForm &form, QObject *parent)
     : QObject(parent)
     , session_(form)
 {
+    session_.setNotify([](const QByteArray &message) { StandardStreams::writeOutput(message); });
 }
 
 StreamServer::~StreamServer()

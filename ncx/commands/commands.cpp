@@ -5,8 +5,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr const Command *all[] = {
-    &Commands::newProject, &Commands::importFiles, &Commands::check,   &Commands::show,
-    &Commands::diff,       &Commands::generate,    &Commands::convert, &Commands::help,
+    &Commands::newProject, &Commands::importFiles, &Commands::check, &Commands::show, &Commands::diff,
+    &Commands::generate,   &Commands::convert,     &Commands::mcp,   &Commands::help,
 };
 
 constexpr Option common[] = {

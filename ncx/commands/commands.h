@@ -11,6 +11,7 @@ extern const Command diff;
 extern const Command generate;
 extern const Command help;
 extern const Command importFiles;
+extern const Command mcp;
 extern const Command newProject;
 extern const Command show;
 

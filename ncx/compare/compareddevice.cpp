@@ -31,6 +31,7 @@ bool ComparedDevice::open(const QString &path)
 bool ComparedDevice::openDescription(const QString &path)
 {
     constexpr auto canOpen = static_cast<int>(CAN::LineType::CanOpen);
+    isDescription_ = true;
     reason_ = OpenedProject::reasonNotToRead(path);
     if (reason_.isEmpty() && QFileInfo(path).size() > TextFile::maxFileSize)
         reason_ = OpenedProject::tooLargeText();

@@ -13,6 +13,8 @@ class ComparedDevice
 public:
     /// False, with the reason, for what cannot be read.
     bool open(const QString &path);
+    /// Takes a project that is open, which outlives this.
+    void take(const OpenedProject &project) { store_ = project.sharedStore(); }
     /// A sentence part, without the path and without a full stop.
     const QString &reason() const { return reason_; }
     /// True if not all of it could be read.
@@ -20,7 +22,7 @@ public:
     /// What is told of that.
     static QString damage();
 
-    bool isDescription() const { return !project_; }
+    bool isDescription() const { return isDescription_; }
     static bool isDescriptionPath(const QString &path);
     ObjectDataBase &store() const { return *store_; }
     QList<quint8> lines() const;
@@ -35,4 +37,5 @@ private:
     std::shared_ptr<ObjectDataBase> store_;
     std::map<quint8, std::unique_ptr<DeviceLine>> lines_;
     QString reason_;
+    bool isDescription_ = false;
 };

@@ -44,6 +44,12 @@ QString directionText(quint8 direction)
 
 } // namespace
 
+ProjectFinding ProjectFinding::told(CheckFinding finding)
+{
+    const QString message = takeMessage(finding);
+    return {.finding = finding, .message = message, .advice = adviceOn(finding)};
+}
+
 QString ProjectFinding::severity() const
 {
     switch (finding.kind) {

@@ -17,6 +17,8 @@ struct ProjectFinding
     QString message = {}; ///< without markup, and without what the place tells
     QString advice = {};  ///< a sentence, or empty
 
+    /// Of a project that is not as its file any more, so that there is no line of it.
+    static ProjectFinding told(CheckFinding finding);
     /// "error", "warning", "note" or "correction".
     QString severity() const;
     /// Key of its warning group; empty for none.

@@ -244,6 +244,11 @@ QString OpenedProject::reasonOfFailure() const
     return u"it is a database, but holds no project"_s;
 }
 
+void OpenedProject::noteFile()
+{
+    stamp_ = stampOf(path_);
+}
+
 bool OpenedProject::hasChangedOnDisk() const
 {
     return stampOf(path_) != stamp_;

@@ -77,6 +77,8 @@ public:
     /// Saves a project to a file whose ending tells the form, as a whole or not at all. The reason for which that could
     /// not be, a sentence part; empty if it is done.
     static QString save(ObjectDataBase &store, const QString &path);
+    /// Takes the file as it is now for the one that is being edited.
+    void noteFile();
     /// True if the file is not the one any more that was opened for editing: another process has written it.
     bool hasChangedOnDisk() const;
 

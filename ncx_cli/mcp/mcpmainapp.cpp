@@ -37,7 +37,7 @@ constexpr ToolFamily families[] = {
     ToolFamilies::j1939,     ToolFamilies::rawCan,          ToolFamilies::settings,
 };
 
-constexpr ServerForm serverForm{
+const ServerForm serverForm{
     .name = "ncx-mcp"_L1,
     .instructions = instructions,
     .revisions = revisions,
@@ -45,7 +45,12 @@ constexpr ServerForm serverForm{
     .methods = methods,
     .families = families,
     .answers = AnswerForm::plain,
-    .makeProject = [] { return std::make_unique<ProjectSession>(); },
+    .makeProject =
+        [] {
+            auto project = std::make_unique<ProjectSession>();
+            project->handler();
+            return project;
+        },
 };
 
 /// The argument behind an option; empty if either is missing.

@@ -136,7 +136,12 @@ public:
     /// Is told when writes have been taken back, so that what was remembered of them can be forgotten.
     void setRollbackListener(std::function<void()> listener) { rolledBack_ = std::move(listener); }
 
+    /// Tells that listener, for writes that were taken back otherwise than by a rollback.
+    void tellTakenBack() { tellRollback(); }
+
     StoreGate &gate() { return gate_; }
+    /// The connection as SQLite knows it, for what no statement can do; null while no file is open.
+    sqlite3 *handle() const { return database_; }
 
 private:
     friend class BoundStatement;

@@ -12,7 +12,7 @@
 using namespace Qt::StringLiterals;
 using namespace TestSupport;
 
-// A case is a file tests/data/mcp/*.txt, a session with one server:
+// A case is a file tests/data/mcp/*.txt, a session with one server of ncx_cli, or tests/data/assistant/*.txt, one of ncx:
 //   # ...                a remark
 //   program NAME         another build than ncx_cli; first line, if at all
 //   > LINE               sends a line as it is
@@ -32,17 +32,18 @@ using namespace TestSupport;
 
 namespace {
 
-const QString dataRoot = QStringLiteral(NCX_SOURCE_DIR "/tests/data/mcp/");
+const QString projects = QStringLiteral(NCX_SOURCE_DIR "/tests/data/mcp/projects/");
 
 class Session
 {
 public:
-    explicit Session(const QStringList &script)
+    Session(const QStringList &script, bool isAssistant)
         : script_(script)
-        , server_(std::make_unique<McpDriver>(programOf(script)))
+        , program_(isAssistant ? u"ncx"_s : programOf(script))
     {
-        for (const QString &name : QDir(dataRoot + u"projects"_s).entryList(QDir::Files))
-            QFile::copy(dataRoot + u"projects/"_s + name, folder_.filePath(name));
+        for (const QString &name : QDir(projects).entryList(QDir::Files))
+            QFile::copy(projects + name, folder_.filePath(name));
+        startServer();
     }
 
     /// The script with the replies that came.
@@ -57,6 +58,12 @@ public:
     }
 
 private:
+    void startServer()
+    {
+        const QStringList roots{u"--root="_s + folder_.path()};
+        server_ = std::make_unique<McpDriver>(program_, program_ == "ncx"_L1 ? roots : QStringList());
+    }
+
     void endServer()
     {
         const ProcessResult end = server_->close();
@@ -90,7 +97,7 @@ private:
             call(text.section(u' ', 1, 1), text.section(u' ', 2));
         } else if (text == "restart"_L1) {
             endServer();
-            server_ = std::make_unique<McpDriver>(programOf(script_));
+            startServer();
         } else {
             useFile(text.section(u' ', 0, 0), folder_.filePath(text.section(u' ', 1, 1)), text.section(u' ', 2));
         }
@@ -146,6 +153,7 @@ private:
     }
 
     QStringList script_;
+    QString program_;
     QStringList played_;
     QTemporaryDir folder_;
     std::unique_ptr<McpDriver> server_;
@@ -168,7 +176,7 @@ TEST_P(Transcripts, PlayAsWritten)
     QDir(home().path()).mkpath(u".config"_s);
     writeFile(home().filePath(u".config/norvane.ini"_s), "[General]\ndisableautocorrection=true\n");
     const QStringList expected = QString::fromUtf8(readFile(GetParam().path)).split(u'\n');
-    const QStringList played = Session(expected).played();
+    const QStringList played = Session(expected, GetParam().path.contains("/assistant/"_L1)).played();
     if (qEnvironmentVariableIntValue("NCX_ACCEPT") == 1)
         writeFile(GetParam().path, played.join(u'\n').toUtf8());
     else
@@ -176,5 +184,6 @@ TEST_P(Transcripts, PlayAsWritten)
 }
 
 INSTANTIATE_TEST_SUITE_P(Server, Transcripts, testing::ValuesIn(fileCases(u"mcp"_s, {u"*.txt"_s})), caseName);
+INSTANTIATE_TEST_SUITE_P(Assistant, Transcripts, testing::ValuesIn(fileCases(u"assistant"_s, {u"*.txt"_s})), caseName);
 
 } // namespace

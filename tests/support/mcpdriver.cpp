@@ -11,7 +11,8 @@ using namespace std::chrono_literals;
 
 McpDriver::McpDriver(const QString &program, const QStringList &arguments)
 {
-    process_.start(QStringLiteral(NCX_BIN_DIR "/") + program, QStringList{u"--mcp"_s} + arguments);
+    const QString server = program == "ncx"_L1 ? u"mcp"_s : u"--mcp"_s;
+    process_.start(QStringLiteral(NCX_BIN_DIR "/") + program, QStringList{server} + arguments);
 }
 
 McpDriver::~McpDriver()
