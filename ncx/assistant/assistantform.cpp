@@ -79,7 +79,7 @@ Reply asRefusal(const Tool &tool, const ToolCall &call, const Reply &reply)
     const bool isArgument = reply.error().has_value();
     QString text = said;
     if (isArgument)
-        text += u" Correct it and call %1 again."_s.arg(tool.name);
+        text += u"%1 Correct it and call %2 again."_s.arg(text.endsWith(u'.') ? QString() : u"."_s, tool.name);
     if (!hint.isEmpty())
         text += u' ' + hint;
     return Reply::refusal(text);

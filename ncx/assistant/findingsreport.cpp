@@ -169,8 +169,8 @@ QJsonArray FindingsReport::gone(const Findings &findings)
 
 QString FindingsReport::line(const QJsonObject &group)
 {
-    QString text = u"- %1 %2: %3"_s.arg(group.value("severity"_L1).toString(), group.value("at"_L1).toString(),
-                                        group.value("message"_L1).toString());
+    const QString head = group.value("severity"_L1).toString() + u' ' + group.value("at"_L1).toString();
+    QString text = u"- %1: %2"_s.arg(head.trimmed(), group.value("message"_L1).toString());
     if (const int count = group.value("count"_L1).toInt(); count > 1)
         text += u" (and %1 more of this kind)"_s.arg(count - 1);
     const QString advice = group.value("advice"_L1).toString();

@@ -20,7 +20,9 @@ struct Hint
 /// The first row that fits counts.
 constexpr Hint hints[] = {
     {"No project open"_L1, {}, "Or make one with new_project."_L1},
-    {"Call "_L1, {}, {}}, // it tells the next step by itself
+    // These tell all by themselves.
+    {"Call "_L1, {}, {}},
+    {"Argument"_L1, {}, {}},
     {"Line "_L1, "line"_L1, {}},
     {"Source index "_L1, "srcIndex"_L1, "list_indices tells which there are."_L1},
     {"Destination line "_L1, "destLine"_L1, {}},
