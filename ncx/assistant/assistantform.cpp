@@ -71,6 +71,29 @@ QJsonObject ownArguments(const Tool &tool, QJsonObject arguments)
     return arguments;
 }
 
+QString withIdsAsGiven(QString text, quint32 id)
+{
+    return text.replace(u"0x%1"_s.arg(id | extendedBit, 0, 16), u"0x%1 (29 bits)"_s.arg(id, 0, 16));
+}
+
+/// The reply of a tool that knows a 29-bit CAN-ID by the number with the mark of such; the client does not.
+Reply withIdsAsGiven(const Reply &reply, quint32 id)
+{
+    if (!reply.isOfTool())
+        return reply;
+    if (reply.isFailure())
+        return Reply::refusal(withIdsAsGiven(reply.text(), id));
+    QJsonObject data = reply.data().toObject();
+    if (data.contains("changed"_L1)) {
+        data.insert(u"changed"_s, withIdsAsGiven(data.value("changed"_L1).toString(), id));
+        return Reply::both(withIdsAsGiven(reply.text(), id), data);
+    }
+    data.insert(u"canId"_s, u"0x%1"_s.arg(id, 0, 16));
+    data.insert(u"canIdDec"_s, qint64{id});
+    data.insert(u"extended"_s, true);
+    return Reply::json(data);
+}
+
 /// What a tool refuses is a failure for the model to read, also where the arguments are wrong.
 Reply asRefusal(const Tool &tool, const ToolCall &call, const Reply &reply)
 {
@@ -140,7 +163,9 @@ Reply AssistantForm::run(ProjectSession &session, const Tool &tool, const QJsonO
     // Lines of any protocol can be worked on together.
     Identity::takeWidest();
     const bool isEdit = ToolNote::of(tool.name).isEdit() && own.isProjectOpen();
-    const Reply reply = isEdit ? runEdit(own, tool, call) : tool.run(call);
+    Reply reply = isEdit ? runEdit(own, tool, call) : tool.run(call);
+    if (arguments.value(extended.name).toBool())
+        reply = withIdsAsGiven(reply, static_cast<quint32>(arguments.value("canId"_L1).toInteger()));
     return reply.isOfTool() && !reply.isFailure() ? reply : asRefusal(tool, call, reply);
 }
 

@@ -35,6 +35,8 @@ constexpr Property nodeId = Properties::integer("nodeId"_L1, 1, 127, "Node-id of
 constexpr Property profiles = Properties::array(
     "profiles"_L1, profileId,
     R"(Profiles whose mandatory objects and device type CANopen lines get, e.g. ["401"]; see list_profiles)"_L1);
+constexpr Property emptyLine = Properties::integer(
+    "emptyLine"_L1, 0, 31, "This CANopen line gets no objects, for import_file with adopt (optional)"_L1);
 constexpr Property overwrite = Properties::boolean("overwrite"_L1, "Replace the file if it exists (default: false)"_L1);
 constexpr Property discard =
     Properties::boolean("discard"_L1, "Give up the unsaved edits of the open project (default: false)"_L1);
@@ -129,6 +131,8 @@ NewProject wishOf(const ToolCall &call, const QString &file)
         wish.nodeId = call.number<int>(nodeId.name);
     for (const QJsonValue id : call.value(profiles.name).toArray())
         wish.profiles.append(id.toString());
+    if (call.has(emptyLine.name))
+        wish.describedLine = call.number<int>(emptyLine.name);
     const bool hasCANopen =
         std::ranges::any_of(wish.lineTypes, [](int type) { return LineProtocols::ofType(type).canOpen; });
     wish.namesLines = hasCANopen || !OpenedProject::isTextPath(file);
@@ -391,7 +395,7 @@ constexpr Tool tools[] = {
      "{\"path\": "
      "\"module.ncxt\", \"nodeId\": 32, \"profiles\": [\"401\"]}"_L1,
      {projectPath},
-     {lineTypes, nodeId, profiles, overwrite, discard},
+     {lineTypes, nodeId, profiles, emptyLine, overwrite, discard},
      {pathIsInside, lineTypesAreGiven, formFitsLines, nothingIsUnsaved},
      newProject},
     {"open_project"_L1,
