@@ -35,8 +35,8 @@ def measure(command, folder, fresh=(), repeats=3):
 
 
 class Server:
-    def __init__(self, program):
-        self.process = subprocess.Popen([program, "--mcp"], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+    def __init__(self, program, mode="--mcp", folder=None):
+        self.process = subprocess.Popen([program, mode], cwd=folder, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
 
     def request(self, method, **params):
         """The reply to a request."""

@@ -235,8 +235,10 @@ Reply adoptFile(const ToolCall &call, const QString &file, quint8 line)
                             .repairs = call.flag(repair.name),
                             .isText = project.isText(),
                             .takesNodeId = true};
+    call.session().tellProgress(0, 2, u"adopting"_s);
     if (const QString reason = settling.settle(project, report); !reason.isEmpty())
         return Reply::refusal(u"Import failed: %1: %2."_s.arg(file, reason));
+    call.session().tellProgress(1, 2, u"checking"_s);
     constexpr qsizetype placesOfTopic = 3;
     return call.edited(
         u"Adopted %1 into line %2.\n%3"_s.arg(file).arg(line).arg(report.lines(placesOfTopic).join(u'\n')));
@@ -324,13 +326,13 @@ Reply generate(const ToolCall &call)
     const ObjectDataBase::Step step(session.store());
     Identity::take(Identity::leastFor(session.store(), project.path()));
     FolderGeneration generation(project, folder);
-    int files = 0;
     const auto counted = QObject::connect(
         &session.handler(), &GeneratorMainHandler::checked,
-        [&](const GeneratorMainHandler::ModelFindings &) { session.tellProgress(++files, 0, u"checked"_s); });
-    session.tellProgress(0, 0, u"generating"_s);
+        [&](const GeneratorMainHandler::ModelFindings &) { session.tellProgress(1, 3, u"writing"_s); });
+    session.tellProgress(0, 3, u"checking"_s);
     const FolderGeneration::Outcome outcome = generation.generate();
     QObject::disconnect(counted);
+    session.tellProgress(2, 3, u"comparing"_s);
     session.handler().setOutputFolder(usualFolder);
     Identity::takeWidest();
     if (session.isCancelled())
