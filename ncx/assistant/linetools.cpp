@@ -6,7 +6,7 @@
 #include "ncx/assistant/assistantsession.h"
 #include "ncx/making/newproject.h"
 #include "store/objectdatabase.h"
-#include "store/tables/schema.h"
+#include "store/records/schema.h"
 
 using namespace Qt::StringLiterals;
 using namespace Guards;

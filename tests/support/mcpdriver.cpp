@@ -3,14 +3,16 @@
 #include <gtest/gtest.h>
 
 #include <QDeadlineTimer>
+#include <QFile>
 #include <QJsonDocument>
 
 using namespace Qt::StringLiterals;
 using namespace TestSupport;
 using namespace std::chrono_literals;
 
-McpDriver::McpDriver(const QString &program, const QStringList &arguments)
+McpDriver::McpDriver(const QString &program, const QStringList &arguments, const QString &folder)
 {
+    process_.setWorkingDirectory(folder);
     const QString server = program == "ncx"_L1 ? u"mcp"_s : u"--mcp"_s;
     process_.start(QStringLiteral(NCX_BIN_DIR "/") + program, QStringList{server} + arguments);
 }
@@ -82,6 +84,13 @@ QJsonArray McpDriver::resourceIndices(const QString &profile)
     for (const QJsonValue summary : QJsonDocument::fromJson(list).array())
         indices.append(summary.toObject().value("indexDec"_L1));
     return indices;
+}
+
+qint64 McpDriver::memory() const
+{
+    QFile file(u"/proc/%1/statm"_s.arg(process_.processId()));
+    constexpr qint64 pageKib = 4;
+    return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').value(1).toLongLong() * pageKib : 0;
 }
 
 ProcessResult McpDriver::close()

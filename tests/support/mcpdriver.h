@@ -12,7 +12,9 @@ namespace TestSupport {
 class McpDriver
 {
 public:
-    explicit McpDriver(const QString &program = QStringLiteral("ncx_cli"), const QStringList &arguments = {});
+    /// Starts it in a folder, or in that of the test.
+    explicit McpDriver(const QString &program = QStringLiteral("ncx_cli"), const QStringList &arguments = {},
+                       const QString &folder = {});
     ~McpDriver();
     Q_DISABLE_COPY_MOVE(McpDriver)
 
@@ -36,6 +38,8 @@ public:
     /// The indices of a reference profile, as its resource lists them.
     QJsonArray resourceIndices(const QString &profile);
 
+    /// Resident memory of the server in KiB.
+    qint64 memory() const;
     /// Ends the input and waits for the end of the program. What comes is what was not read before.
     ProcessResult close();
 
