@@ -21,6 +21,7 @@ constexpr Property extended = Properties::boolean(
 constexpr quint32 extendedBit = 0x80000000U;
 constexpr qint64 lastStandardId = 0x7ff;
 constexpr qint64 lastExtendedId = 0x1fffffff;
+constexpr qint64 lastLine = 239; ///< lines beyond are an editor's own and reach no file
 
 /// The bytes of an answer that findings may take, in each of its two forms.
 constexpr qsizetype fewBytes = 620;
@@ -51,6 +52,10 @@ std::optional<QString> problemOf(const Tool &tool, const QJsonObject &arguments)
         return problem;
     if (auto problem = choiceProblem(arguments, optional))
         return problem;
+    for (const QLatin1StringView line : {"line"_L1, "srcLine"_L1, "destLine"_L1}) {
+        if (arguments.value(line).toInteger() > lastLine)
+            return u"Argument \"%1\" is out of range: 0 to 239."_s.arg(line);
+    }
     if (!takesCanId(tool))
         return {};
     const bool isExtended = arguments.value(extended.name).toBool();

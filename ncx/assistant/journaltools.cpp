@@ -25,7 +25,10 @@ Reply walk(const ToolCall &call, QString (RowJournal::*step)(), const QString &d
     if (names.isEmpty())
         return Reply::refusal(none);
     session.setChanged();
-    return call.edited(u"%1 %2. %3 can be undone, %4 redone."_s.arg(done, names.join(", "_L1))
+    constexpr qsizetype mostNames = 8;
+    const QString more = names.size() > mostNames ? u" and %1 more"_s.arg(names.size() - mostNames) : QString();
+    return call.edited(u"%1 %2%3. %4 can be undone, %5 redone."_s
+                           .arg(done, names.first(std::min(names.size(), mostNames)).join(", "_L1), more)
                            .arg(session.journal().undoable())
                            .arg(session.journal().redoable()));
 }

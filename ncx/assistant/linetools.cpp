@@ -89,6 +89,16 @@ bool emptyTables(ObjectDataBase &store, quint8 line)
     return done;
 }
 
+/// A project without lines cannot be opened again.
+std::optional<Reply> lineIsNotLast(const ToolCall &call)
+{
+    if (call.store().getNodeList().size() > 1)
+        return {};
+    return Reply::refusal(
+        u"Argument: line. A project has at least one line, and this is the last one. set_line changes "
+        "its protocols; delete_index, delete_pgn and delete_can_id empty it."_s);
+}
+
 Reply deleteLine(const ToolCall &call)
 {
     if (!emptyTables(call.store(), call.line()) || !call.store().removeNode(call.line()))
@@ -108,7 +118,7 @@ constexpr Tool tools[] = {
      "Delete a line with its objects, messages and settings. Example: {\"line\": 1}"_L1,
      {Arguments::line},
      {},
-     {projectIsOpen, storeIsReachable, lineExists},
+     {projectIsOpen, storeIsReachable, lineExists, lineIsNotLast},
      deleteLine},
 };
 
