@@ -207,6 +207,7 @@ TEST_P(Endurance, AllEditsCanBeTakenBackAndMadeAgain)
     EXPECT_EQ(seen(), first);
     std::ignore = server_.ask(u"redo"_s, {{u"steps"_s, 200}});
     EXPECT_EQ(seen(), last);
+    EXPECT_EQ(server_.close().exitCode, 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Lines, Endurance,
@@ -226,6 +227,8 @@ TEST(Servers, OfOneProjectTellOfEachOther)
     EXPECT_EQ(one.ask(u"save_project"_s), u"Project saved: device.ncxt"_s);
     EXPECT_TRUE(two.ask(u"save_project"_s).startsWith("! Not saved: somebody else has changed"_L1));
     EXPECT_TRUE(two.ask(u"save_project"_s, {{u"path"_s, u"mine.ncxt"_s}}).startsWith("Project saved"_L1));
+    for (McpDriver *server : {&one, &two})
+        EXPECT_EQ(server->close().exitCode, 0);
 }
 
 TEST(Servers, LeaveNothingBehindWhenTheirClientVanishes)

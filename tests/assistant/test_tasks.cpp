@@ -1,3 +1,4 @@
+#include "ncx/project/identity.h"
 #include "stack/generatedsources.h"
 #include "support/datacases.h"
 #include "support/mcpdriver.h"
@@ -60,6 +61,7 @@ TEST_P(Task, EndsWithSourcesThatCompileAndWalk)
 {
     EXPECT_LT(play(), mostBytes);
     const QStringList projects = QDir(folder_.path()).entryList({u"device.nc*"_s}, QDir::Files);
+    Identity::takeWidest();
     GeneratedSources sources;
     ASSERT_TRUE(sources.openProject(folder_.filePath(projects.value(0))));
     ASSERT_TRUE(sources.generate());

@@ -23,7 +23,11 @@ const transport = new StdioClientTransport({
     stderr: 'inherit',
 });
 const client = new Client({ name: 'ncx-test', version: '1.0.0' });
-client.onerror = error => { throw error; };
+client.onerror = error => {
+    // The client hears of progress a moment after a reply that comes in the same breath.
+    if (!/progress notification for an unknown token/.test(error.message))
+        throw error;
+};
 
 const toolsOf = {};
 
