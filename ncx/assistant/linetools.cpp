@@ -8,6 +8,8 @@
 #include "store/objectdatabase.h"
 #include "store/records/schema.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 using namespace Guards;
 
@@ -89,11 +91,19 @@ bool emptyTables(ObjectDataBase &store, quint8 line)
     return done;
 }
 
-/// A project without lines cannot be opened again.
-std::optional<Reply> lineIsNotLast(const ToolCall &call)
+/// A project without lines cannot be opened again. And a deletion moves the settings of later lines by one place, their
+/// types among them, while the lines keep their numbers.
+std::optional<Reply> lineCanGo(const ToolCall &call)
 {
-    if (call.store().getNodeList().size() > 1)
+    const QList<quint8> lines = call.store().getNodeList();
+    const quint8 highest = *std::ranges::max_element(lines);
+    if (lines.size() > 1 && call.line() == highest)
         return {};
+    if (lines.size() > 1) {
+        return Reply::refusal(
+            u"Argument: line. Only the line of the highest number, %1, can be deleted, since its "
+            "settings would go to another one. set_line changes the protocols of a line."_s.arg(highest));
+    }
     return Reply::refusal(
         u"Argument: line. A project has at least one line, and this is the last one. set_line changes "
         "its protocols; delete_index, delete_pgn and delete_can_id empty it."_s);
@@ -115,10 +125,10 @@ constexpr Tool tools[] = {
      {projectIsOpen, storeIsReachable, lineExists},
      setLine},
     {"delete_line"_L1,
-     "Delete a line with its objects, messages and settings. Example: {\"line\": 1}"_L1,
+     "Delete the line of the highest number with its objects, messages and settings. Example: {\"line\": 1}"_L1,
      {Arguments::line},
      {},
-     {projectIsOpen, storeIsReachable, lineExists, lineIsNotLast},
+     {projectIsOpen, storeIsReachable, lineExists, lineCanGo},
      deleteLine},
 };
 
