@@ -1,5 +1,6 @@
 // Checks that remember what the one before has found, held against checks that ask everything, over random edits.
 
+#include "check/frame/checkloops.h"
 #include "check/frame/findingmemory.h"
 #include "check/line/specialpgns.h"
 #include "check/modelchecker.h"
@@ -365,6 +366,71 @@ TEST(FindingMemory, HearsOfEachSetting)
         }
     }
     EXPECT_GT(QSet<QString>(all.begin(), all.end()).size(), before.size()) << "no rule asks for any of them";
+}
+
+/// What these rules tell of a CANopen line in a check that remembers.
+QStringList remembered(const std::shared_ptr<ObjectDataBase> &store, std::span<const LineRule> rules,
+                       CheckMemory &memory)
+{
+    ModelChecker checker({.common = {}, .canOpen = rules, .j1939 = {}, .rawCan = {}});
+    checker.setMemory(&memory);
+    QStringList texts;
+    QObject::connect(&checker, &ModelChecker::newError, [&texts](const QString &text) { texts.append(text); });
+    bool corrected = false;
+    checker.checkCANopenLine(0, store, corrected);
+    return texts;
+}
+
+/// The value of an object's subindex 0, as a rule sees it.
+QString valueOf(CheckedLine &line, quint16 index)
+{
+    return line.sub(index, 0)->data->defaultvalue;
+}
+
+/// A rule of the line that gives 0x2000 the value of 0x2001, and behind it one that tells the value of each object.
+TEST(FindingMemory, ForgetsWhatACorrectionHasReached)
+{
+    ProjectBuilder project;
+    const auto one = [](StoreRecords::SubIndexData &data) { data.defaultvalue = u"1"_s; };
+    project.line(0, 1).object(0x2000, u"A"_s).sub(0, u"a"_s, one).object(0x2001, u"B"_s).sub(0, u"b"_s, one);
+    const std::shared_ptr<ObjectDataBase> store = project.store();
+    const LineRule rules[] = {
+        rule<Check>("follow"_L1,
+                    [](Check &check) {
+                        StoreRecords::SubIndexData data = *check.line().sub(0x2000, 0)->data;
+                        if (data.defaultvalue == valueOf(check.line(), 0x2001))
+                            return;
+                        data.defaultvalue = valueOf(check.line(), 0x2001);
+                        std::ignore = check.correct(0x2000, 0, data, {});
+                    }),
+        rule(
+            "tell"_L1, eachObject,
+            +[](LocalCheck &check, const CheckedObject &object) {
+                check.hint(WG_CONFIG, object.sub(0)->data->defaultvalue);
+            }),
+    };
+    CheckMemory memory;
+    EXPECT_EQ(remembered(store, rules, memory), (QStringList{u"1"_s, u"1"_s}));
+    EXPECT_TRUE(store->setSubIndexDefaultValue(0, 0x2001, 0, u"2"_s, Quotes::Kept));
+    EXPECT_EQ(remembered(store, rules, memory), (QStringList{u"<i>Corrected: "_s, u"2"_s, u"2"_s}));
+}
+
+/// Nothing is written where a correction fails, and yet the next check has to try it again.
+TEST(FindingMemory, AsksAgainWhereACorrectionHasFailed)
+{
+    ProjectBuilder project;
+    project.line(0, 1).object(0x2000, u"A"_s).sub(0, u"a"_s);
+    const LineRule rules[] = {rule(
+        "correct"_L1, eachObject, +[](LocalCheck &check, const CheckedObject &object) {
+            std::ignore = check.correct(object.index, 0, *object.sub(0)->data, {});
+        })};
+    CheckMemory memory;
+    QStringList told;
+    for (const bool blocked : {true, false}) {
+        project.store()->setBlocked(blocked);
+        told += remembered(project.store(), rules, memory);
+    }
+    EXPECT_EQ(told, QStringList{u"<i>Corrected: "_s});
 }
 
 INSTANTIATE_TEST_SUITE_P(Check, RandomEdits,
