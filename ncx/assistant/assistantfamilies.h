@@ -9,6 +9,7 @@
 namespace AssistantFamilies {
 
 std::span<const Tool> project();    ///< projecttools.cpp
+std::span<const Tool> files();      ///< filetools.cpp
 std::span<const Tool> reading();    ///< readingtools.cpp
 std::span<const Tool> lists();      ///< listtools.cpp
 std::span<const Tool> lines();      ///< linetools.cpp

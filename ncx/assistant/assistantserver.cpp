@@ -32,11 +32,12 @@ constexpr Method methods[] = {
 };
 
 constexpr ToolFamily families[] = {
-    AssistantFamilies::project, AssistantFamilies::reading,    AssistantFamilies::journal,
-    ToolFamilies::lines,        ToolFamilies::lineEdits,       AssistantFamilies::lines,
-    ToolFamilies::dictionary,   ToolFamilies::dictionaryEdits, AssistantFamilies::dictionary,
-    ToolFamilies::profiles,     ToolFamilies::j1939,           ToolFamilies::rawCan,
-    AssistantFamilies::lists,   ToolFamilies::settings,        AssistantFamilies::settings,
+    AssistantFamilies::project,    AssistantFamilies::files, AssistantFamilies::reading,
+    AssistantFamilies::journal,    ToolFamilies::lines,      ToolFamilies::lineEdits,
+    AssistantFamilies::lines,      ToolFamilies::dictionary, ToolFamilies::dictionaryEdits,
+    AssistantFamilies::dictionary, ToolFamilies::profiles,   ToolFamilies::j1939,
+    ToolFamilies::rawCan,          AssistantFamilies::lists, ToolFamilies::settings,
+    AssistantFamilies::settings,
 };
 
 } // namespace
