@@ -44,7 +44,7 @@ void readMessage(const ToolCall &call, Message &message)
 struct Kind
 {
     using Signal = StoreRecords::SPN;
-    using Store = ObjectDataBase;
+    using Store = ProjectTables;
 
     QLatin1StringView message;
     QLatin1StringView signal;       ///< at the beginning of a sentence

@@ -120,10 +120,10 @@ Operation op(Result (Family::*member)(Parameters...) const)
     return bound<decltype(member), Result, Parameters...>(member);
 }
 
-using TextSetter = bool (Store::*)(const QString &, const QString &, Quotes);
-using PartSetter = bool (Store::*)(const QString &, const QString &, quint8, Quotes);
-using TextGetter = QString (Store::*)(const QString &);
-using PartGetter = QString (Store::*)(const QString &, quint8);
+using TextSetter = bool (ProjectTables::*)(const QString &, const QString &, Quotes);
+using PartSetter = bool (ProjectTables::*)(const QString &, const QString &, quint8, Quotes);
+using TextGetter = QString (ProjectTables::*)(const QString &);
+using PartGetter = QString (ProjectTables::*)(const QString &, quint8);
 
 const QHash<QString, Operation> operations{
     {u"addCANID"_s, op(&Store::addCANID)},
