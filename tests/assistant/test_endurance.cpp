@@ -175,9 +175,10 @@ TEST_P(Endurance, EachCallIsAnsweredAndNoErrorChangesAnything)
     }
     EXPECT_GT(failed, wanted / 10);
     EXPECT_LT(failed, wanted);
-    EXPECT_LT(server_.memory() - memory, mostGrowthKib);
-    // A machine that is busy with other things takes longer now and then.
+    // Caches fill at first, a sanitizer keeps what is freed, and a busy machine takes longer now and then: these two
+    // are for the long run.
     if (wanted > 10000) {
+        EXPECT_LT(server_.memory() - memory, mostGrowthKib);
         EXPECT_LT(slowest, mostMs) << qPrintable(slowestTool);
     }
     RecordProperty("slowest", qPrintable(u"%1 ms: %2"_s.arg(slowest).arg(slowestTool)));
