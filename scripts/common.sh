@@ -42,6 +42,7 @@ use_memory_for_temporary_files() {
     [ -n "${TMPDIR:-}" ] || [ ! -w /dev/shm ] && return
     [ "$(df --output=avail -k /dev/shm | tail -n 1)" -lt 2000000 ] && return
     TMPDIR=$(mktemp -d /dev/shm/ncx_tests.XXXXXX)
+    chmod 1777 "$TMPDIR" # as /tmp is: some tests give up the rights of root
     export TMPDIR
     # shellcheck disable=SC2064
     trap "rm -rf '$TMPDIR'" EXIT
