@@ -149,8 +149,9 @@ def make_documentation(size, path, project):
     sensor = (TOP / "examples/j1939_sensor/sensor.ncxt").read_text(encoding="utf-8")
     project.write_text(sensor[:sensor.index("[PGNs0]")], encoding="utf-8")
     with path.open("w", encoding="utf-8") as text:
-        for i in range(size):
-            number = 0xF000 + i
+        handled_by_the_stack = (0xFECA, 0xFED8)
+        numbers = (number for number in range(0xF000, 0x40000) if number not in handled_by_the_stack)
+        for i, number in zip(range(size), numbers):
             text.write(f"PGN:\t0x{number:X}/{number}\tName:\tPGN {number}\tDirection:\tTX\tCycle Time (ms):\t100\t"
                        f"Priority:\t6\tInhibit Time (ms):\t0\n\tDescription:\tgroup {number}\n"
                        f"\tSPN:\t{i + 1}\tName:\tSPN {i}\tType:\tUNSIGNED8\tSize:\t8\tVariable:\tspn[{i}]\n")
