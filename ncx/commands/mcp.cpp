@@ -29,7 +29,7 @@ constexpr QLatin1StringView details[] = {
 };
 
 constexpr Example examples[] = {
-    {"ncx mcp --root=/work/device"_L1, "what a client is registered with"_L1},
+    {"ncx mcp --root=/projects/device"_L1, "what a client is registered with"_L1},
 };
 
 int run(const Invocation &call)
