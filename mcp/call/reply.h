@@ -21,7 +21,8 @@ public:
         InvalidParams = -32602,
         InternalError = -32603,
         AccessThrottled = -32000,
-        NoProfilePath = -32002
+        NoProfilePath = -32002,
+        ResourceNotFound = -32002 ///< the code that the protocol has for it
     };
 
     static Reply ofMethod(const QJsonObject &result);

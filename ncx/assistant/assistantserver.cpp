@@ -4,6 +4,7 @@
 #include "ncx/assistant/assistantfamilies.h"
 #include "ncx/assistant/assistantform.h"
 #include "ncx/assistant/assistantsession.h"
+#include "ncx/guide/guide.h"
 
 using namespace Qt::StringLiterals;
 
@@ -20,15 +21,17 @@ constexpr auto instructions =
     "given "
     "in decimal (24640 for 0x6040). Take objects from a reference profile (list_profiles, import_profile_indices) "
     "rather "
-    "than writing them by hand.\n"_L1;
+    "than writing them by hand. The resources ncx://docs/... tell whole ways with examples.\n"_L1;
 
 constexpr QLatin1StringView revisions[] = {"2025-11-25"_L1, "2025-06-18"_L1, "2025-03-26"_L1, "2024-11-05"_L1};
-constexpr QLatin1StringView capabilities[] = {"tools"_L1, "resources"_L1};
+constexpr QLatin1StringView capabilities[] = {"tools"_L1, "resources"_L1, "prompts"_L1};
 
 constexpr Method methods[] = {
-    {"initialize"_L1, Methods::initialize},        {"ping"_L1, Methods::ping},
-    {"tools/list"_L1, Methods::listTools},         {"tools/call"_L1, Methods::callTool},
-    {"resources/list"_L1, Methods::listResources}, {"resources/read"_L1, Methods::readResource},
+    {"initialize"_L1, Methods::initialize},      {"ping"_L1, Methods::ping},
+    {"tools/list"_L1, Methods::listTools},       {"tools/call"_L1, Methods::callTool},
+    {"resources/list"_L1, Guide::listResources}, {"resources/templates/list"_L1, Guide::listResourceTemplates},
+    {"resources/read"_L1, Guide::readResource},  {"prompts/list"_L1, Guide::listPrompts},
+    {"prompts/get"_L1, Guide::getPrompt},
 };
 
 constexpr ToolFamily families[] = {

@@ -1,6 +1,7 @@
 #include "mcp/tools/settingscatalogue.h"
 #include "mcp/tools/toolfamilies.h"
 #include "nodedict/cohelper.h"
+#include "support/mcpdriver.h"
 #include "support/testhome.h"
 
 #include <gtest/gtest.h>
@@ -59,6 +60,30 @@ QString toolTables()
                 text += row({code(tool.name), argumentsOf(tool), tool.description});
         }
     }
+    return text + u'\n';
+}
+
+/// The tools of `ncx mcp`, as a client lists them; without the arguments that all of a kind have.
+QString assistantTable()
+{
+    static const QStringList common{u"verbose"_s, u"extended"_s};
+    McpDriver server(u"ncx"_s);
+    server.sendLine(R"({"id":1,"method":"tools/list"})");
+    QString text = u"\n| tool | arguments | what it does |\n|---|---|---|\n"_s;
+    for (const QJsonValue tool : server.reply().value("result"_L1).toObject().value("tools"_L1).toArray()) {
+        const QJsonObject schema = tool["inputSchema"_L1].toObject();
+        QStringList required;
+        for (const QJsonValue name : schema.value("required"_L1).toArray())
+            required.append(code(name.toString()));
+        QStringList optional;
+        for (const QString &name : schema.value("properties"_L1).toObject().keys()) {
+            if (!required.contains(code(name)) && !common.contains(name))
+                optional.append(u"[%1]"_s.arg(code(name)));
+        }
+        text += row(
+            {code(tool["name"_L1].toString()), (required + optional).join(", "_L1), tool["description"_L1].toString()});
+    }
+    EXPECT_EQ(server.close().exitCode, 0);
     return text + u'\n';
 }
 
@@ -131,6 +156,11 @@ void expectInDocument(const QString &name, const QString &tables)
 TEST(Documents, ListAllTools)
 {
     expectInDocument(u"server.md"_s, toolTables());
+}
+
+TEST(Documents, ListAllToolsOfAssistants)
+{
+    expectInDocument(u"assistants.md"_s, assistantTable());
 }
 
 TEST(Documents, ListAllSettings)

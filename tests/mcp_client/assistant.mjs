@@ -68,6 +68,49 @@ async function look() {
     assert.ok(toolsOf.set_subindex.annotations.idempotentHint);
 }
 
+/// All pages of a list.
+async function pages(list, member) {
+    const all = [];
+    let cursor;
+    do {
+        const page = await list(cursor ? { cursor } : {});
+        all.push(...page[member]);
+        cursor = page.nextCursor;
+    } while (cursor);
+    return all;
+}
+
+async function read() {
+    const resources = await pages(page => client.listResources(page), 'resources');
+    assert.equal(new Set(resources.map(one => one.uri)).size, resources.length);
+    const documents = resources.filter(one => one.uri.startsWith('ncx://'));
+    assert.ok(documents.length >= 7 && resources.length > documents.length + 20);
+    for (const one of documents) {
+        const { contents: [content] } = await client.readResource({ uri: one.uri });
+        assert.equal(content.mimeType, 'text/markdown', one.uri);
+        assert.ok(content.text.startsWith(`# ${one.title}\n`), one.uri);
+        assert.equal(Buffer.byteLength(content.text), one.size, one.uri);
+        assert.equal(content.text, fs.readFileSync(path.join(import.meta.dirname, '../..', one.uri.replace('ncx:/', '')), 'utf8'));
+    }
+    const { resourceTemplates } = await client.listResourceTemplates();
+    assert.ok(resourceTemplates.some(one => one.uriTemplate === 'ncx://findings/{rule}'));
+    await assert.rejects(client.readResource({ uri: 'ncx://docs/none.md' }), /resources\/list/);
+
+    const prompts = await pages(page => client.listPrompts(page), 'prompts');
+    assert.equal(prompts.length, 3);
+    for (const prompt of prompts) {
+        const needed = prompt.arguments.filter(one => one.required);
+        const given = Object.fromEntries(needed.map(one => [one.name, `my ${one.name}`]));
+        const { messages: [message] } = await client.getPrompt({ name: prompt.name, arguments: given });
+        assert.equal(message.role, 'user');
+        for (const one of needed) {
+            assert.ok(message.content.text.includes(`my ${one.name}`), prompt.name);
+            const { [one.name]: left, ...others } = given;
+            await assert.rejects(client.getPrompt({ name: prompt.name, arguments: others }), new RegExp(one.name));
+        }
+    }
+}
+
 async function work() {
     await refused('list_lines', {}, /new_project/);
     await done('new_project', { path: 'device.ncxp', emptyLine: 0, lineTypes: ['CANopen', 'J1939+RawCAN'] });
@@ -113,6 +156,7 @@ async function cancel() {
 
 await client.connect(transport);
 await look();
+await read();
 await work();
 await cancel();
 await client.close();
