@@ -2,7 +2,7 @@
 
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-packages="g++ cmake ninja-build ccache mold qt6-base-dev libqt6sql6-sqlite libsqlite3-dev libgtest-dev libxml2-utils python3-yaml"
+packages="g++ cmake ninja-build ccache mold qt6-base-dev libqt6sql6-sqlite libsqlite3-dev libcpp-httplib-dev libgtest-dev libxml2-utils python3-yaml"
 
 # Installs the packages that are missing; asks the package lists only if there are any.
 install_packages() {

@@ -4,7 +4,7 @@
 
 #include <utility>
 
-void RequestQueue::serve(ServerSession &session, const QByteArray &message, Answered answered)
+void RequestQueue::serve(ServerSession &session, const QByteArray &message, Answered answered, Told told)
 {
     if (const auto cancelled = session.cancelledBy(message)) {
         session.cancel(*cancelled);
@@ -13,12 +13,14 @@ void RequestQueue::serve(ServerSession &session, const QByteArray &message, Answ
         });
         return;
     }
-    waiting_.enqueue({&session, message, std::move(answered)});
+    waiting_.enqueue({&session, message, std::move(answered), std::move(told)});
     if (serving_)
         return;
     serving_ = true;
     while (!waiting_.isEmpty()) {
         const Waiting next = waiting_.dequeue();
+        if (next.told)
+            next.session->setNotify(next.told);
         if (const auto reply = next.session->answer(next.message))
             next.answered(*reply);
     }

@@ -14,10 +14,12 @@ class RequestQueue
 public:
     /// Receives the reply; not called for a message that gets none.
     using Answered = std::function<void(const QByteArray &reply)>;
+    /// Receives what comes before the reply; unset where the session has one receiver for all of that.
+    using Told = std::function<void(const QByteArray &message)>;
 
     /// Takes a message; without another one under way, it is answered before this returns. One that takes a request
     /// back is heard at once.
-    void serve(ServerSession &session, const QByteArray &message, Answered answered);
+    void serve(ServerSession &session, const QByteArray &message, Answered answered, Told told = {});
     /// True while a request is under way.
     bool isServing() const { return serving_; }
     /// Forgets what waits of a session whose client has gone. One that is under way goes on to its end, and its session
@@ -30,6 +32,7 @@ private:
         ServerSession *session;
         QByteArray message;
         Answered answered;
+        Told told;
     };
 
     QQueue<Waiting> waiting_;

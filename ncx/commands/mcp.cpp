@@ -4,6 +4,7 @@
 #include "ncx/assistant/assistantserver.h"
 #include "ncx/assistant/roots.h"
 #include "ncx/commands/commands.h"
+#include "ncx/commands/httpservice.h"
 #include "ncx/usage/invocation.h"
 
 #include <QCoreApplication>
@@ -20,16 +21,25 @@ constexpr Option options[] = {
      .value = "DIR"_L1,
      .text = "the client works inside of this folder alone; without it, of the one in which this is started"_L1,
      .isRepeatable = true},
+    {.name = "http"_L1,
+     .value = "PORT"_L1,
+     .text = "listen on this port of 127.0.0.1, for several clients; 0 takes a free port and tells it"_L1},
 };
 
 constexpr QLatin1StringView details[] = {
     "A server of the Model Context Protocol on standard input and output, for one client: an assistant makes, reads, "
     "edits, checks, saves and builds projects through tools. It ends with its input; what is not saved by then is lost."_L1,
+    "With --http it is one over Streamable HTTP instead, at /mcp, which no other machine reaches. A client shows the "
+    "token that is told at the start, or that NCX_MCP_TOKEN has, and has a session with a project of its own. SIGINT "
+    "and "
+    "SIGTERM end the server."_L1,
     "Answers are short and say the next step; edits can be undone. The tools of 'ncx_cli --mcp' are among these."_L1,
 };
 
 constexpr Example examples[] = {
     {"ncx mcp --root=/projects/device"_L1, "what a client is registered with"_L1},
+    {"NCX_MCP_TOKEN=$(cat token) ncx mcp --http=8123"_L1,
+     "serve http://127.0.0.1:8123/mcp to whoever knows the token"_L1},
 };
 
 int run(const Invocation &call)
@@ -41,6 +51,8 @@ int run(const Invocation &call)
         return CouldNot;
     }
     const ServerForm form = assistantServer(Roots(call.values("root"_L1)));
+    if (call.isSet("http"_L1))
+        return HttpService::run(call, form);
     StreamServer server(form);
     QObject::connect(&server, &StreamServer::finished, QCoreApplication::instance(), &QCoreApplication::quit);
     QTimer::singleShot(0, &server, &StreamServer::start);

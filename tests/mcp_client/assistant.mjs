@@ -1,27 +1,48 @@
 // A session with the server of ncx through the official client of the Model Context Protocol, which validates what the
 // server sends, structured content against the schemas of its tools included.
-// usage: node assistant.mjs PROGRAM DESCRIPTION
+// usage: node assistant.mjs PROGRAM DESCRIPTION [http]
 
 import assert from 'node:assert/strict';
+import { spawn } from 'node:child_process';
+import { once } from 'node:events';
 import fs from 'node:fs';
 import os from 'node:os';
 import path from 'node:path';
+import readline from 'node:readline';
 
 import { Client } from '@modelcontextprotocol/sdk/client/index.js';
 import { StdioClientTransport } from '@modelcontextprotocol/sdk/client/stdio.js';
+import { StreamableHTTPClientTransport } from '@modelcontextprotocol/sdk/client/streamableHttp.js';
 import Ajv from 'ajv';
 
-const [program, description] = process.argv.slice(2);
+const [program, description, overHttp] = process.argv.slice(2);
 const folder = fs.mkdtempSync(path.join(os.tmpdir(), 'ncx-mcp-client-'));
 fs.copyFileSync(description, path.join(folder, 'device.eds'));
 
-const transport = new StdioClientTransport({
-    command: program,
-    args: ['mcp'],
-    cwd: folder,
-    env: { ...process.env, HOME: folder },
-    stderr: 'inherit',
-});
+const environment = { ...process.env, HOME: folder };
+let server; // of HTTP, which the client does not start
+
+/// Starts the server of HTTP, and takes address and token from what it tells.
+async function startServer() {
+    server = spawn(program, ['mcp', '--http=0'], { cwd: folder, env: environment, stdio: ['ignore', 'inherit', 'pipe'] });
+    let url;
+    for await (const line of readline.createInterface({ input: server.stderr })) {
+        url ??= line.match(/http:\S+/)?.[0];
+        const token = line.match(/Bearer (\S+)$/)?.[1];
+        if (token)
+            return { url: new URL(url), token };
+    }
+    throw new Error('the server does not tell where it is');
+}
+
+async function connection() {
+    if (!overHttp)
+        return new StdioClientTransport({ command: program, args: ['mcp'], cwd: folder, env: environment, stderr: 'inherit' });
+    const { url, token } = await startServer();
+    return new StreamableHTTPClientTransport(url, { requestInit: { headers: { Authorization: `Bearer ${token}` } } });
+}
+
+const transport = await connection();
 const client = new Client({ name: 'ncx-test', version: '1.0.0' });
 client.onerror = error => {
     // The client hears of progress a moment after a reply that comes in the same breath.
@@ -159,7 +180,13 @@ await look();
 await read();
 await work();
 await cancel();
+if (overHttp)
+    await transport.terminateSession();
 await client.close();
+if (overHttp) {
+    server.kill('SIGTERM');
+    assert.deepEqual(await once(server, 'exit'), [0, null]);
+}
 
 const workingCopies = fs.readdirSync(folder, { recursive: true }).filter(name => String(name).includes('qvxdatatemp'));
 assert.deepEqual(workingCopies, [], 'the server did not end by itself');
