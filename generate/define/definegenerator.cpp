@@ -214,7 +214,11 @@ void DefineHeaderGenerator::write(Utf8Sink &sink)
     writer.write(DefineMacros::application());
     if (multiProtocol_)
         writer.write(DefineMacros::cobDefinitions());
+    writeUserSection(out, sink);
+}
 
+void DefineHeaderGenerator::writeUserSection(CodeWriter &out, Utf8Sink &sink) const
+{
     out(u"/* do not modify comments starting with 'user-specific section:' */\n${START}",
         {{"START", QString::fromLatin1(FormerDefines::startMark)}});
     sink.putBytes(userSection_);

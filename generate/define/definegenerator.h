@@ -33,6 +33,8 @@ protected:
     void write(Utf8Sink &sink) override;
 
 private:
+    void writeUserSection(CodeWriter &out, Utf8Sink &sink) const;
+
     const Dialect &dialect_;
     bool j1939_ = false;
     bool multiProtocol_ = false;
