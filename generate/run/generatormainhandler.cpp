@@ -157,7 +157,7 @@ GeneratorMainHandler::ModelFindings GeneratorMainHandler::findAfterEdit()
     checker.setMemory(&checkMemory_);
     // The memory of the check keeps them.
     database_->keepSubIndices(false);
-    const ModelFindings model = findWith(checker, RunContext::ofProject(database_).lines);
+    ModelFindings model = findWith(checker, RunContext::ofProject(database_).lines);
     database_->keepSubIndices(true);
     return model;
 }

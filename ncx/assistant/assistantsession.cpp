@@ -8,8 +8,8 @@
 
 using namespace Qt::StringLiterals;
 
-AssistantSession::AssistantSession(const Roots &roots)
-    : roots_(roots)
+AssistantSession::AssistantSession(Roots roots)
+    : roots_(std::move(roots))
     , project_(std::make_unique<OpenedProject>())
     , journal_(std::make_unique<RowJournal>(project_->store().statements()))
 {
@@ -39,7 +39,7 @@ QString AssistantSession::open(const QString &path)
 QString AssistantSession::save(const QString &path)
 {
     Identity::take(Identity::leastFor(store(), path));
-    const QString reason = project_->saveAs(path);
+    QString reason = project_->saveAs(path);
     if (!reason.isEmpty())
         return reason;
     if (QFileInfo(path).canonicalFilePath() == QFileInfo(project_->path()).canonicalFilePath()) {

@@ -13,7 +13,7 @@
 class AssistantSession : public ProjectSession
 {
 public:
-    explicit AssistantSession(const Roots &roots);
+    explicit AssistantSession(Roots roots);
     ~AssistantSession() override;
 
     GeneratorMainHandler &handler() const override { return project_->handler(); }

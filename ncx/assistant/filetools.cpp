@@ -148,7 +148,7 @@ QString wordOf(FolderGeneration::Change change)
 /// Brings the files to their folder, all or none. The reason for which that could not be; empty if done.
 QString install(const ToolCall &call, FolderGeneration &generation, QJsonObject &files)
 {
-    if (const QString reason = call.flag(dryRun.name) ? QString() : generation.install(generation.files());
+    if (QString reason = call.flag(dryRun.name) ? QString() : generation.install(generation.files());
         !reason.isEmpty())
         return reason;
     for (const FolderGeneration::File &file : generation.files()) {

@@ -91,7 +91,14 @@ bool findLine(const Invocation &call, const ComparedDevice &before, const Compar
         return !device.isDescription() && !device.lines().contains(static_cast<quint8>(number));
     };
     if (!ok || number > 0xff || (lacks(before) && lacks(after))) {
-        call.terminal().fail(u"there is no line %1"_s.arg(call.value("line"_L1)));
+        const auto listOf = [](const ComparedDevice &device) {
+            QStringList numbers;
+            for (const quint8 line : device.isDescription() ? QList<quint8>() : device.lines())
+                numbers.append(QString::number(line));
+            return numbers.isEmpty() ? u"none"_s : numbers.join(", "_L1);
+        };
+        call.terminal().fail(
+            u"there is no line %1; OLD has %2, NEW has %3"_s.arg(call.value("line"_L1), listOf(before), listOf(after)));
         return false;
     }
     line = static_cast<quint8>(number);

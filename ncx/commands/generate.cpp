@@ -152,7 +152,7 @@ QString reasonAgainstFile(const QString &path)
 /// What a modifier file could not do; empty if it has been applied.
 QString reasonAgainstModifier(const OpenedProject &project, const QString &path)
 {
-    if (const QString reason = reasonAgainstFile(path); !reason.isEmpty())
+    if (QString reason = reasonAgainstFile(path); !reason.isEmpty())
         return reason;
     DatabaseModifier modifier;
     modifier.setDatabase(project.sharedStore());

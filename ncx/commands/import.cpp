@@ -123,7 +123,7 @@ QString reasonAgainst(ObjectDataBase &store, const QString &path, quint8 line)
 {
     const LineProtocols dbc{.j1939 = true, .rawCan = true};
     const std::optional<LineProtocols> needed = ImportDispatch::isDbc(path) ? dbc : ImportDispatch::protocolFor(path);
-    if (const QString reason = OpenedProject::reasonNotToRead(path); !reason.isEmpty())
+    if (QString reason = OpenedProject::reasonNotToRead(path); !reason.isEmpty())
         return reason;
     if (!needed)
         return OpenedProject::isTextPath(path)

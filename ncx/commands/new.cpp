@@ -130,7 +130,7 @@ std::optional<NewProject> wishOf(const Invocation &call)
 QString make(const NewProject &wish, const QString &path)
 {
     ObjectDataBase store;
-    if (const QString reason = wish.makeIn(store); !reason.isEmpty())
+    if (QString reason = wish.makeIn(store); !reason.isEmpty())
         return reason;
     Identity::take(Identity::leastFor(store, path));
     return OpenedProject::save(store, path);
@@ -172,7 +172,7 @@ QString saveBoth(OpenedProject &project, const QString &path, const QByteArray &
     if (!file.open(QIODevice::WriteOnly) || file.write(report) != report.size() || !file.flush())
         return u"its report cannot be written: %1"_s.arg(file.errorString());
     const bool isNew = !QFileInfo::exists(path);
-    if (const QString reason = project.saveAs(path); !reason.isEmpty())
+    if (QString reason = project.saveAs(path); !reason.isEmpty())
         return reason;
     if (file.commitWhole())
         return {};

@@ -1,5 +1,6 @@
 #include "ncx/project/openedproject.h"
 
+#include "check/frame/checkrules.h"
 #include "ncx/project/identity.h"
 #include "store/file/migrations.h"
 #include "store/file/workingcopies.h"
@@ -48,7 +49,7 @@ QString reasonOfForeign(const QString &path, const QByteArray &head)
     if (head.startsWith(databaseSignature))
         return u"it is a database, but no text; projects in text form end in .ncxt, the others in .ncxp"_s;
     if (description.match(text).hasMatch())
-        return u"it is a device description and no project; import it into one"_s;
+        return u"it is a device description and no project; 'ncx new --from' makes one of it, 'ncx import' takes it into one"_s;
     if (project.match(text).hasMatch() && !OpenedProject::isTextPath(path))
         return u"it is a project in text form, whose name has to end in .ncxt"_s;
     return u"it is no project"_s;
@@ -86,6 +87,22 @@ bool hasRoom(const QString &folder, qint64 size)
     return probe.flush();
 }
 
+/// The rules of the check, but for the reminder that names no stack: here its folder is an option of one command.
+const CheckRules &rulesHere()
+{
+    static const std::vector<LineRule> canOpen = [] {
+        const auto all = CheckRules::builtIn().canOpen;
+        std::vector<LineRule> rules(all.begin(), all.end());
+        std::erase_if(rules, [](const LineRule &rule) { return rule.name == "stackPathUnset"_L1; });
+        return rules;
+    }();
+    static const CheckRules rules{.common = CheckRules::builtIn().common,
+                                  .canOpen = canOpen,
+                                  .j1939 = CheckRules::builtIn().j1939,
+                                  .rawCan = CheckRules::builtIn().rawCan};
+    return rules;
+}
+
 } // namespace
 
 void TextSink::message(const QVariant &value)
@@ -105,6 +122,7 @@ QString TextSink::plain(QString text)
 OpenedProject::OpenedProject()
     : handler_(&sink_)
 {
+    handler_.setCheckRules(rulesHere());
     // The identity is known once the lines are, and before anything else is done with them.
     QObject::connect(handler_.database().get(), &ObjectDataBase::updateNotify, &handler_,
                      [this](const ObjectDataBase::ChangeSet &change) {
