@@ -93,8 +93,8 @@ bool findLine(const Invocation &call, const ComparedDevice &before, const Compar
     if (!ok || number > 0xff || (lacks(before) && lacks(after))) {
         const auto listOf = [](const ComparedDevice &device) {
             QStringList numbers;
-            for (const quint8 line : device.isDescription() ? QList<quint8>() : device.lines())
-                numbers.append(QString::number(line));
+            for (const quint8 known : device.isDescription() ? QList<quint8>() : device.lines())
+                numbers.append(QString::number(known));
             return numbers.isEmpty() ? u"none"_s : numbers.join(", "_L1);
         };
         call.terminal().fail(

@@ -15,7 +15,7 @@ qsizetype distance(const QString &from, const QString &to)
     for (size_t i = 0; i < edits.size(); ++i) {
         for (size_t k = 0; k < edits[i].size(); ++k) {
             if (i == 0 || k == 0) {
-                edits[i][k] = static_cast<qsizetype>(std::max(i, k)); // one of them is 0
+                edits[i][k] = static_cast<qsizetype>(std::max<size_t>(i, k)); // one of them is 0
                 continue;
             }
             const auto letter = [](const QString &word, size_t place) {

@@ -51,7 +51,7 @@ QString AsciiText::shared(QByteArrayView ascii)
     if (ascii.size() > longest)
         return QString::fromLatin1(ascii);
     static thread_local std::array<QString, slots> recent;
-    quint64 hash = static_cast<quint64>(ascii.size());
+    auto hash = static_cast<quint64>(ascii.size());
     for (qsizetype i = 0; i < ascii.size(); i += wordSize) {
         hash = (hash ^ wordOf(ascii.data() + i, qMin(wordSize, ascii.size() - i))) * spread;
         hash ^= hash >> 32;

@@ -25,8 +25,8 @@ bool isOrdinary(char ch)
 
 constexpr std::array<bool, 256> plainKeyCharacters = [] {
     std::array<bool, 256> plain = {};
-    for (char16_t ch = 0; ch < plain.size(); ++ch)
-        plain[ch] = isPlainKeyCharacter(ch);
+    for (size_t ch = 0; ch < plain.size(); ++ch)
+        plain[ch] = isPlainKeyCharacter(static_cast<char16_t>(ch));
     return plain;
 }();
 

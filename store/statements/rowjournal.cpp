@@ -3,7 +3,6 @@
 #include "store/statements/statements.h"
 #include "store/statements/transaction.h"
 
-#include <ranges>
 
 // The hook is an option of SQLite's build, which distributions switch on.
 #define SQLITE_ENABLE_PREUPDATE_HOOK
@@ -133,8 +132,8 @@ bool RowJournal::apply(const Step &step, bool back)
     TransactionScope scope(statements_, TransactionScope::Kind::Step);
     bool done = executeAll(back ? step.dropped : step.made, true);
     if (back) {
-        for (const Change &change : std::views::reverse(step.changes))
-            done = done && put(change.table, change.keyAfter, change.after, change.keyBefore, change.before);
+        for (auto change = step.changes.rbegin(); change != step.changes.rend(); ++change)
+            done = done && put(change->table, change->keyAfter, change->after, change->keyBefore, change->before);
     } else {
         for (const Change &change : step.changes)
             done = done && put(change.table, change.keyBefore, change.before, change.keyAfter, change.after);
