@@ -78,7 +78,9 @@ HttpResponse Exchange::answer(const std::shared_ptr<Exchange> &exchange, bool is
     } else {
         response.headers.insert("Content-Type", "text/event-stream");
         response.headers.insert("Cache-Control", "no-cache");
-        response.nextPart = [exchange] { return exchange->nextEvent(); };
+        // To what was taken back nothing is said, and nothing is to be waited for.
+        if (!exchange->isEnded_ || !exchange->messages_.isEmpty())
+            response.nextPart = [exchange] { return exchange->nextEvent(); };
     }
     return response;
 }

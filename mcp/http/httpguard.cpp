@@ -59,7 +59,8 @@ HttpResponse with(HttpResponse response, const QByteArray &header, const QByteAr
 
 } // namespace
 
-HttpGuard::HttpGuard(QByteArray token, quint16 port, std::span<const QLatin1StringView> revisions, qsizetype maxBody)
+HttpGuard::HttpGuard(const QByteArray &token, quint16 port, std::span<const QLatin1StringView> revisions,
+                     qsizetype maxBody)
     : tokenSum_(sumOf(token))
     , port_(port)
     , revisions_(revisions)

@@ -13,7 +13,7 @@ class HttpGuard
 public:
     /// `token` is what clients show, `revisions` are those of the protocol that the server speaks, `maxBody` is in
     /// bytes.
-    HttpGuard(QByteArray token, quint16 port, std::span<const QLatin1StringView> revisions, qsizetype maxBody);
+    HttpGuard(const QByteArray &token, quint16 port, std::span<const QLatin1StringView> revisions, qsizetype maxBody);
 
     /// The answer to a request that goes no further, judged by all but its body; nothing for one that may come in.
     std::optional<HttpResponse> refusal(const HttpRequest &request) const;

@@ -1,6 +1,9 @@
 #include "mcp/http/httpserver.h"
 
+#include "mcp/server/serversession.h"
+
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QJsonDocument>
 #include <QLibrary>
 #include <QRandomGenerator>
@@ -26,6 +29,26 @@ struct HttpServer::Message
     QByteArray body = {};
 };
 
+struct HttpServer::Client
+{
+    explicit Client(const ServerForm &form)
+        : session(form)
+    {
+        lastMessage.start();
+    }
+
+    /// Each message has a connection of its own, so that one may overtake another: false for a request that was taken
+    /// back before it came.
+    bool isWanted(const Message &message);
+
+    ServerSession session;
+    QElapsedTimer lastMessage;
+
+private:
+    QList<QJsonValue> recent_; ///< ids of requests
+    QList<QJsonValue> early_;  ///< ids that were taken back, of no recent request
+};
+
 namespace {
 
 QString modulePath()
@@ -33,7 +56,26 @@ QString modulePath()
     return QCoreApplication::applicationDirPath() + u"/ncx_http.so"_s;
 }
 
+void keep(QList<QJsonValue> &ids, const QJsonValue &id)
+{
+    constexpr qsizetype most = 64;
+    ids.append(id);
+    if (ids.size() > most)
+        ids.removeFirst();
+}
+
 } // namespace
+
+bool HttpServer::Client::isWanted(const Message &message)
+{
+    if (const auto cancelled = session.cancelledBy(message.body); cancelled && !recent_.contains(*cancelled))
+        keep(early_, *cancelled);
+    if (message.kind != Message::Kind::Request)
+        return true;
+    const QJsonValue id = QJsonDocument::fromJson(message.body).object().value("id"_L1);
+    keep(recent_, id);
+    return !early_.removeOne(id);
+}
 
 HttpServer::HttpServer(const ServerForm &form, const HttpLimits &limits, QObject *parent)
     : QObject(parent)
@@ -140,6 +182,8 @@ void HttpServer::receive(const Message &message, const std::shared_ptr<OpenExcha
     } else {
         (*open)->accept();
         client->lastMessage.start();
+        if (!client->isWanted(message))
+            return;
         queue_.serve(
             client->session, message.body,
             [this, open, id = message.session](const QByteArray &reply) {

@@ -2,15 +2,16 @@
 
 #include "mcp/http/exchange.h"
 #include "mcp/http/httpguard.h"
-#include "mcp/server/serversession.h"
 #include "mcp/wire/requestqueue.h"
 
-#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
 #include <map>
 #include <memory>
+#include <vector>
+
+struct ServerForm;
 
 /// How much a server over HTTP takes upon itself.
 struct HttpLimits
@@ -49,15 +50,7 @@ Q_SIGNALS:
     void finished();
 
 private:
-    struct Client
-    {
-        explicit Client(const ServerForm &form)
-            : session(form)
-        {
-        }
-        ServerSession session;
-        QElapsedTimer lastMessage;
-    };
+    struct Client;
     struct Message;
 
     HttpResponse answer(const HttpRequest &request);

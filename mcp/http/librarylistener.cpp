@@ -31,7 +31,7 @@ void send(const HttpResponse &response, httplib::Response &to)
     const std::string type = response.headers.value("Content-Type").toStdString();
     to.headers.erase("Content-Type"); // comes back with the contents
     if (!response.nextPart) {
-        if (!response.body.isEmpty())
+        if (!type.empty())
             to.set_content(response.body.toStdString(), type);
         return;
     }

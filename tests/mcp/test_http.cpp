@@ -1,4 +1,5 @@
 #include "mcp/http/httpserver.h"
+#include "mcp/server/serversession.h"
 #include "support/httpdriver.h"
 
 #include <gtest/gtest.h>
@@ -313,6 +314,23 @@ TEST_F(Http, WhatIsTakenBackGetsNoReply)
                while (!workerIsAnswered)
                    EXPECT_EQ(client.post(QByteArray(cancel).replace("ID", "1")).status, 202);
            }});
+}
+
+TEST_F(Http, WhatIsTakenBackBeforeItComesIsNotDone)
+{
+    serve({[](HttpDriver &client) {
+        client.initialize();
+        const auto cancel = [&client](const QByteArray &id) {
+            std::ignore = client.post(R"({"jsonrpc":"2.0","method":"notifications/cancelled","params":{"requestId":)" +
+                                      id + "}}");
+        };
+        cancel("2");
+        EXPECT_EQ(client.post(call("add", R"({"number":1})", 2)).messages(), QByteArrayList());
+        EXPECT_EQ(client.post(call("add", R"({"number":2})")).body, number(2));
+        // One that has been answered is not meant to come again, though a plain client may have no other id.
+        cancel("1");
+        EXPECT_EQ(client.post(call("add", R"({"number":2})")).body, number(4));
+    }});
 }
 
 TEST_F(Http, AClientThatVanishesTakesNothingBack)
