@@ -59,7 +59,8 @@ QString HelpText::manual(const Program &program, const QString &version)
         text += section(program, *command);
     text += ".SH EXIT STATUS\n.TP\n.B 0\nDone.\n.TP\n.B 1\nThere are findings or differences.\n.TP\n.B 2\n"
             "It could not be done; standard error tells why.\n"_L1;
-    text += ".SH ENVIRONMENT\n.TP\n.B NO_COLOR\nIf it is not empty, nothing is coloured.\n.TP\n.B SOURCE_DATE_EPOCH\n"
+    text += ".SH ENVIRONMENT\n.TP\n.B NO_COLOR\nIf it is not empty, nothing is coloured.\n.TP\n.B NCX_MCP_TOKEN\n"
+            "What clients show to \\fBncx mcp \\-\\-http\\fR.\n.TP\n.B SOURCE_DATE_EPOCH\n"
             "The time that generated files carry, in seconds since 1970.\n"_L1;
     return text + u".SH SEE ALSO\n.BR ncx_cli (1)\n"_s;
 }
