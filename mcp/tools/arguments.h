@@ -18,6 +18,10 @@ inline constexpr Property description = Properties::string("description"_L1, "De
 inline constexpr Property defaultValue =
     Properties::string("defaultValue"_L1, R"(Default value, e.g. "0x0" (optional))"_L1);
 
+/// Protocols of a line.
+inline constexpr QLatin1StringView lineTypeNames[]{"CANopen"_L1,       "J1939"_L1,          "RawCAN"_L1,
+                                                   "CANopen+J1939"_L1, "CANopen+RawCAN"_L1, "J1939+RawCAN"_L1};
+
 inline constexpr QLatin1StringView directions[]{"Transmit"_L1, "Receive"_L1, "Invalid"_L1};
 /// As part of the identity of a message.
 inline constexpr Property direction = Properties::choice(

@@ -3,30 +3,23 @@
 #include "mcp/tools/arguments.h"
 #include "mcp/tools/dictionaryguards.h"
 #include "mcp/tools/dictionaryjson.h"
+#include "mcp/tools/dictionarywords.h"
 #include "mcp/tools/guards.h"
 #include "mcp/tools/toolfamilies.h"
 #include "nodedict/access.h"
 #include "nodedict/canopendatatype.h"
-#include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
 
 #include <QCoreApplication>
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
 using namespace DictionaryGuards;
+using namespace DictionaryWords;
 using namespace Guards;
 using DictionaryJson::indexText;
 using DictionaryJson::subindexText;
 
 namespace {
-
-constexpr QLatin1StringView objectTypes[]{"Variable"_L1, "Array"_L1, "Record"_L1, "Domain"_L1};
-constexpr CANopen::ObjectCode objectCodes[]{CANopen::Var, CANopen::Array, CANopen::Record, CANopen::Domain};
-constexpr QLatin1StringView categories[]{"Mandatory"_L1, "Optional"_L1, "Conditional"_L1}; // by CANopen::ObjectCategory
-constexpr QLatin1StringView pdoMappings[]{"forbidden"_L1, "allowed"_L1, "default"_L1, "rpdo"_L1,
-                                          "tpdo"_L1}; // by PDOMapping
 
 constexpr Property newName = Properties::string("name"_L1, "New index name"_L1);
 constexpr Property indexName = Properties::string("name"_L1, "Index name"_L1);
@@ -45,15 +38,6 @@ constexpr Property srcIndex = Properties::integer("srcIndex"_L1, 0, 65535, "Sour
 constexpr Property destLine = Properties::integer("destLine"_L1, 0, 255, "Destination line id"_L1);
 constexpr Property destIndex = Properties::integer(
     "destIndex"_L1, 0, 65535, "Destination index, decimal. Any existing index there is overwritten."_L1);
-
-/// The place of a word in its list; nothing for another word.
-std::optional<quint32> placeOf(std::span<const QLatin1StringView> words, const QString &word)
-{
-    const auto found = std::ranges::find_if(words, [&](QLatin1StringView known) { return known == word; });
-    if (found == words.end())
-        return {};
-    return static_cast<quint32>(found - words.begin());
-}
 
 /// Subindex 0 of a new object: the value of a Variable or Domain, else the number of entries.
 ObjectDataBase::SUBINDEX_DATA_T firstSubindex(const ObjectDataBase::INDEX_DATA_T &object)

@@ -15,12 +15,11 @@
 
 using namespace Qt::StringLiterals;
 using namespace Guards;
+using Arguments::lineTypeNames;
 
 namespace {
 
-/// The names that `add_line` takes for a line's protocols, and what they stand for.
-constexpr QLatin1StringView lineTypeNames[]{"CANopen"_L1,       "J1939"_L1,          "RawCAN"_L1,
-                                            "CANopen+J1939"_L1, "CANopen+RawCAN"_L1, "J1939+RawCAN"_L1};
+/// What `lineTypeNames` stand for.
 constexpr CAN::LineType lineTypes[]{CAN::LineType::CanOpen,          CAN::LineType::J1939,
                                     CAN::LineType::RawCan,           CAN::LineType::CanOpenAndJ1939,
                                     CAN::LineType::CanOpenAndRawCan, CAN::LineType::J1939AndRawCan};

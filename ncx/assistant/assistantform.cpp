@@ -1,80 +1,23 @@
 #include "ncx/assistant/assistantform.h"
 
 #include "ncx/assistant/assistantsession.h"
-#include "ncx/assistant/hints.h"
-#include "ncx/assistant/toolnotes.h"
+#include "ncx/guide/hints.h"
+#include "ncx/guide/toolarguments.h"
+#include "ncx/guide/toolnotes.h"
 #include "ncx/project/identity.h"
 #include "store/objectdatabase.h"
 
 #include <QJsonDocument>
 
-#include <vector>
-
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr Property verbose =
-    Properties::boolean("verbose"_L1, "Tell all new findings, not only those that fit into 2 KB (default: false)"_L1);
-constexpr Property extended = Properties::boolean(
-    "extended"_L1, "The CAN-ID has 29 bits (default: false, 11 bits). canId is then 0 to 536870911."_L1);
 constexpr quint32 extendedBit = 0x80000000U;
-constexpr qint64 lastStandardId = 0x7ff;
-constexpr qint64 lastExtendedId = 0x1fffffff;
-constexpr qint64 lastLine = 239; ///< lines beyond are an editor's own and reach no file
 
 /// The bytes of an answer that findings may take, in each of its two forms.
 constexpr qsizetype fewBytes = 620;
 constexpr qsizetype anyBytes = 1 << 30;
-
-bool takesCanId(const Tool &tool)
-{
-    return std::ranges::any_of(tool.required, [](const Property &property) { return property.name == "canId"_L1; });
-}
-
-/// The optional arguments of a tool with those that each of its kind has here.
-std::vector<Property> optionalOf(const Tool &tool)
-{
-    std::vector<Property> properties(tool.optional.begin(), tool.optional.end());
-    if (ToolNote::of(tool.name).tellsEdit())
-        properties.push_back(verbose);
-    if (takesCanId(tool))
-        properties.push_back(extended);
-    return properties;
-}
-
-std::optional<QString> problemOf(const Tool &tool, const QJsonObject &arguments)
-{
-    const std::vector<Property> optional = optionalOf(tool);
-    if (auto problem = argumentProblem(arguments, tool.required, optional))
-        return problem;
-    if (auto problem = choiceProblem(arguments, tool.required))
-        return problem;
-    if (auto problem = choiceProblem(arguments, optional))
-        return problem;
-    for (const QLatin1StringView line : {"line"_L1, "srcLine"_L1, "destLine"_L1}) {
-        if (arguments.value(line).toInteger() > lastLine)
-            return u"Argument \"%1\" is out of range: 0 to 239."_s.arg(line);
-    }
-    if (!takesCanId(tool))
-        return {};
-    const bool isExtended = arguments.value(extended.name).toBool();
-    if (arguments.value("canId"_L1).toInteger() <= (isExtended ? lastExtendedId : lastStandardId))
-        return {};
-    return isExtended ? u"Argument \"canId\" is out of range: 0 to 536870911 (29 bits)."_s
-                      : u"Argument \"canId\" is out of range: 0 to 2047 (11 bits), or with \"extended\": true 0 to "
-                        "536870911 (29 bits)."_s;
-}
-
-/// The arguments as the tool itself knows them.
-QJsonObject ownArguments(const Tool &tool, QJsonObject arguments)
-{
-    if (arguments.take(extended.name).toBool())
-        arguments.insert(u"canId"_s, arguments.value("canId"_L1).toInteger() | qint64{extendedBit});
-    if (ToolNote::of(tool.name).tellsEdit())
-        arguments.remove(verbose.name);
-    return arguments;
-}
 
 QString withIdsAsGiven(QString text, quint32 id)
 {
@@ -102,15 +45,13 @@ Reply withIdsAsGiven(const Reply &reply, quint32 id)
 /// What a tool refuses is a failure for the model to read, also where the arguments are wrong.
 Reply asRefusal(const Tool &tool, const ToolCall &call, const Reply &reply)
 {
-    const QString said = reply.error() ? reply.error()->value("message"_L1).toString() : reply.text();
-    const QString hint = hintFor(call, said);
-    const bool isArgument = reply.error().has_value();
-    QString text = said;
-    if (isArgument)
-        text += u"%1 Correct it and call %2 again."_s.arg(text.endsWith(u'.') ? QString() : u"."_s, tool.name);
-    if (!hint.isEmpty())
-        text += u' ' + hint;
-    return Reply::refusal(text);
+    if (reply.error()) {
+        const QString problem = reply.error()->value("message"_L1).toString();
+        const QString end = problem.endsWith(u'.') ? QString() : u"."_s;
+        return Reply::refusal(problem + end + u" Correct it and call %1 again."_s.arg(tool.name));
+    }
+    const QString hint = hintFor(call, reply.text());
+    return hint.isEmpty() ? reply : Reply::refusal(reply.text() + u' ' + hint);
 }
 
 /// Runs an edit as a step that can be taken back; one that fails changes nothing.
@@ -144,14 +85,10 @@ const AnswerForm &AssistantForm::form()
 QJsonObject AssistantForm::descriptor(const Tool &tool) const
 {
     QJsonObject descriptor = tool.descriptor();
-    QJsonObject schema = descriptor.value("inputSchema"_L1).toObject();
-    QJsonObject properties = schema.value("properties"_L1).toObject();
-    for (const Property &property : optionalOf(tool))
-        properties.insert(property.name, property.schema());
-    schema.insert(u"properties"_s, properties);
-    schema.insert(u"additionalProperties"_s, false);
-    descriptor.insert(u"inputSchema"_s, schema);
+    descriptor.insert(u"inputSchema"_s, ToolArguments(tool).inputSchema());
     const ToolNote note = ToolNote::of(tool.name);
+    if (!note.description.isEmpty())
+        descriptor.insert(u"description"_s, note.description);
     descriptor.insert(u"annotations"_s, note.annotations());
     descriptor.insert(u"outputSchema"_s, note.outputSchema());
     return descriptor;
@@ -160,16 +97,17 @@ QJsonObject AssistantForm::descriptor(const Tool &tool) const
 Reply AssistantForm::run(ProjectSession &session, const Tool &tool, const QJsonObject &arguments) const
 {
     auto &own = static_cast<AssistantSession &>(session);
-    own.setVerbose(arguments.value(verbose.name).toBool());
-    const QJsonObject taken = ownArguments(tool, arguments);
+    own.setVerbose(ToolArguments::isVerbose(arguments));
+    const ToolArguments known(tool);
+    const QJsonObject taken = known.toTool(arguments);
     const ToolCall call(own, tool, taken, *this);
-    if (const auto problem = problemOf(tool, arguments))
+    if (const auto problem = known.problem(arguments))
         return asRefusal(tool, call, Reply::invalidParams(*problem));
     // Lines of any protocol can be worked on together.
     Identity::takeWidest();
     const bool isEdit = ToolNote::of(tool.name).isEdit() && own.isProjectOpen();
     Reply reply = isEdit ? runEdit(own, tool, call) : tool.run(call);
-    if (arguments.value(extended.name).toBool())
+    if (ToolArguments::isExtended(arguments))
         reply = withIdsAsGiven(reply, static_cast<quint32>(arguments.value("canId"_L1).toInteger()));
     return reply.isOfTool() && !reply.isFailure() ? reply : asRefusal(tool, call, reply);
 }

@@ -3,10 +3,10 @@
 #include "mcp/tools/arguments.h"
 #include "mcp/tools/dictionaryguards.h"
 #include "mcp/tools/dictionaryjson.h"
+#include "mcp/tools/dictionarywords.h"
 #include "mcp/tools/guards.h"
 #include "ncx/assistant/assistantfamilies.h"
 #include "ncx/assistant/assistantsession.h"
-#include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
 
 #include <algorithm>
@@ -14,17 +14,11 @@
 using namespace Qt::StringLiterals;
 using namespace Guards;
 using namespace DictionaryGuards;
+using namespace DictionaryWords;
 using DictionaryJson::indexText;
 using DictionaryJson::subindexText;
 
 namespace {
-
-constexpr QLatin1StringView objectTypes[]{"Variable"_L1, "Array"_L1, "Record"_L1, "Domain"_L1};
-constexpr CANopen::ObjectCode objectCodes[]{CANopen::Var, CANopen::Array, CANopen::Record, CANopen::Domain};
-constexpr QLatin1StringView categories[]{"Mandatory"_L1, "Optional"_L1, "Conditional"_L1}; // by CANopen::ObjectCategory
-constexpr QLatin1StringView pdoMappings[]{"forbidden"_L1, "allowed"_L1, "default"_L1, "rpdo"_L1, "tpdo"_L1};
-constexpr QLatin1StringView accessTypes[]{"const"_L1, "ro"_L1, "rw"_L1, "wo"_L1, "rww"_L1, "rwr"_L1};
-constexpr QLatin1StringView implementations[]{"managedVariable"_L1, "managedConst"_L1, "variable"_L1, "virtual"_L1};
 
 constexpr Property name = Properties::string("name"_L1, "Name"_L1);
 constexpr Property objectType = Properties::choice("objectType"_L1, objectTypes, "CANopen object code"_L1);
@@ -54,10 +48,10 @@ void flag(Sub &sub, const QJsonValue &value)
     sub.*field = value.toBool();
 }
 
-template <std::size_t size>
-quint8 placeOf(const QLatin1StringView (&words)[size], const QJsonValue &value)
+/// The code of a word, which the schema has seen to be one of them.
+quint8 codeOf(std::span<const QLatin1StringView> words, const QJsonValue &value)
 {
-    return static_cast<quint8>(std::ranges::find(words, value.toString()) - std::begin(words));
+    return static_cast<quint8>(placeOf(words, value.toString()).value_or(0));
 }
 
 /// In the order in which they are written: limits that are given come after those of the type.
@@ -87,11 +81,11 @@ constexpr Member members[] = {
          sub.limitineds = true;
      }},
     {Properties::choice("pdoMapping"_L1, pdoMappings, "Whether PDOs may map it"_L1),
-     [](Sub &sub, const QJsonValue &value) { sub.pdomapping = PDOMapping(uint{placeOf(pdoMappings, value)}); }},
+     [](Sub &sub, const QJsonValue &value) { sub.pdomapping = PDOMapping(uint{codeOf(pdoMappings, value)}); }},
     {Properties::choice("implementation"_L1, implementations,
                         "managedVariable: kept by the stack; managedConst: constant; variable: a variable of the "
                         "application, see varname; virtual: served by functions of the application"_L1),
-     [](Sub &sub, const QJsonValue &value) { sub.implementation = placeOf(implementations, value); }},
+     [](Sub &sub, const QJsonValue &value) { sub.implementation = codeOf(implementations, value); }},
     {Properties::string("varname"_L1, "C variable of implementation variable"_L1), text<&Sub::varname>},
     {Properties::integer("size"_L1, 0, 2147483647, "Bytes of a string or domain"_L1),
      [](Sub &sub, const QJsonValue &value) { sub.size = static_cast<quint32>(value.toInteger()); }},
@@ -174,11 +168,11 @@ Reply setIndex(const ToolCall &call)
     data->name = call.text(name.name, data->name);
     data->description = call.text(Arguments::description.name, data->description);
     if (call.has(objectType.name))
-        data->objecttype = objectCodes[placeOf(objectTypes, call.value(objectType.name))];
+        data->objecttype = objectCodes[codeOf(objectTypes, call.value(objectType.name))];
     if (call.has(Arguments::dataType.name))
         data->datatype = call.number<quint16>(Arguments::dataType.name);
     if (call.has(category.name))
-        data->category = placeOf(categories, call.value(category.name));
+        data->category = codeOf(categories, call.value(category.name));
     if (!call.store().addIndex(call.line(), call.index(), *data))
         return Reply::refusal(u"Failed to write index %1."_s.arg(indexText(call.index())));
     return call.edited(

@@ -54,8 +54,7 @@ QString reasonAgainst(const ToolCall &call, const QString &file, quint8 line)
     if (call.flag(adopt.name) && !own.canOpen)
         return u"a description is for CANopen, which line %1 does not speak"_s.arg(line);
     if (call.flag(adopt.name) && !store.getAllIndices(line).isEmpty())
-        return u"adopt needs a line without objects, and line %1 has some; delete_line and add_line give an empty one"_s
-            .arg(line);
+        return u"adopt needs a line without objects, and line %1 has some"_s.arg(line);
     if (call.flag(adopt.name))
         return {};
     if (ImportDispatch::isDbc(file))

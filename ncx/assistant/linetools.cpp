@@ -12,11 +12,10 @@
 
 using namespace Qt::StringLiterals;
 using namespace Guards;
+using Arguments::lineTypeNames;
 
 namespace {
 
-constexpr QLatin1StringView lineTypeNames[]{"CANopen"_L1,       "J1939"_L1,          "RawCAN"_L1,
-                                            "CANopen+J1939"_L1, "CANopen+RawCAN"_L1, "J1939+RawCAN"_L1};
 constexpr Property lineType = Properties::choice("lineType"_L1, lineTypeNames, "Protocols of the line"_L1);
 constexpr Property name = Properties::string("name"_L1, "Line name"_L1);
 constexpr Property isMaster = Properties::boolean("isMaster"_L1, "Line acts as NMT master (CANopen)"_L1);

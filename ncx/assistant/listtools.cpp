@@ -54,6 +54,16 @@ Reply listIndices(const ToolCall &call)
     return indicesOf(call, call.store(), call.line());
 }
 
+/// The listing of the other server waits a minute between calls, which is for guessing clients.
+Reply listProfiles(const ToolCall &call)
+{
+    ProfileDatabases &profiles = call.session().profiles();
+    QJsonArray list;
+    for (const QString &id : profiles.ids())
+        list.append(QJsonObject{{u"profile"_s, id}, {u"description"_s, profiles.description(id)}});
+    return Reply::json(list);
+}
+
 Reply listProfileIndices(const ToolCall &call)
 {
     ProfileDatabases &profiles = call.session().profiles();
@@ -142,6 +152,14 @@ constexpr Tool tools[] = {
      {fromIndex, toIndex, Paging::offset, Paging::limit},
      {projectIsOpen, storeIsReachable, lineIsCANopen, patternIsValid},
      listIndices},
+    {"list_profiles"_L1,
+     "List the reference profiles of CiA, by whose ids other tools take objects. Use it before you write standard "
+     "objects "
+     "by hand. Example: {}"_L1,
+     {},
+     {},
+     {},
+     listProfiles},
     {"list_profile_indices"_L1,
      "List the objects of a reference profile, in pages; import_profile_indices copies them into a line. Example: "
      "{\"profile\": \"401\", \"globPattern\": \"*input*\"}"_L1,

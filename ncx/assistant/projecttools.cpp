@@ -1,5 +1,6 @@
 // The project as a whole: make, open, save.
 
+#include "mcp/tools/arguments.h"
 #include "mcp/tools/guards.h"
 #include "ncx/assistant/assistantfamilies.h"
 #include "ncx/assistant/assistantsession.h"
@@ -16,11 +17,10 @@
 using namespace Qt::StringLiterals;
 using namespace FileArguments;
 using namespace Guards;
+using Arguments::lineTypeNames;
 
 namespace {
 
-constexpr QLatin1StringView lineTypeNames[]{"CANopen"_L1,       "J1939"_L1,          "RawCAN"_L1,
-                                            "CANopen+J1939"_L1, "CANopen+RawCAN"_L1, "J1939+RawCAN"_L1};
 constexpr Property lineTypeName{.name = {}, .types = Properties::Types::string, .choices = lineTypeNames};
 constexpr Property profileId{.name = {}, .types = Properties::Types::string};
 
@@ -117,6 +117,29 @@ std::optional<Reply> lineTypesAreGiven(const ToolCall &call)
     return Reply::invalidParams(u"Argument \"lineTypes\" must have 1 to %1 elements."_s.arg(firstLineBeyondStack));
 }
 
+/// What is for CANopen lines has one to go to.
+std::optional<Reply> canOpenIsMeant(const ToolCall &call)
+{
+    const NewProject wish = wishOf(call, call.text(path.name));
+    const auto isCANopen = [&wish](qsizetype line) {
+        return LineProtocols::ofType(wish.lineTypes.value(line)).canOpen;
+    };
+    if (call.has(emptyLine.name) && !isCANopen(wish.describedLine))
+        return Reply::refusal(u"Argument: emptyLine. Line %1 of lineTypes is no CANopen line; lineTypes names the "
+                              "protocols of each line, from line 0."_s.arg(wish.describedLine));
+    for (qsizetype line = 0; line < wish.lineTypes.size(); ++line) {
+        if (isCANopen(line))
+            return {};
+    }
+    for (const Property *property : {&nodeId, &profiles}) {
+        if (call.has(property->name))
+            return Reply::refusal(
+                u"Argument: %1. It is for CANopen lines, and lineTypes has none. Leave it out, or add "
+                "\"CANopen\" to lineTypes."_s.arg(property->name));
+    }
+    return {};
+}
+
 /// The text form has no place for raw CAN messages.
 std::optional<Reply> formFitsLines(const ToolCall &call)
 {
@@ -190,7 +213,7 @@ constexpr Tool tools[] = {
      "\"module.ncxt\", \"nodeId\": 32, \"profiles\": [\"401\"]}"_L1,
      {projectPath},
      {lineTypes, nodeId, profiles, emptyLine, overwrite, discard},
-     {pathIsInside, lineTypesAreGiven, formFitsLines, nothingIsUnsaved},
+     {pathIsInside, lineTypesAreGiven, formFitsLines, canOpenIsMeant, nothingIsUnsaved},
      newProject},
     {"open_project"_L1,
      "Open a project file (.ncxp, .ncxt) in the place of the one that is open. Example: {\"path\": \"device.ncxt\"}"_L1,

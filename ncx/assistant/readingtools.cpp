@@ -19,8 +19,7 @@ namespace {
 
 constexpr QLatin1StringView severities[]{"error"_L1, "warning"_L1, "correction"_L1, "note"_L1};
 constexpr Property severity = Properties::choice("severity"_L1, severities, "Only findings of this severity"_L1);
-constexpr Property group =
-    Properties::string("group"_L1, R"(Only warnings of this group, by its key, e.g. "WG_EDS")"_L1);
+constexpr Property group = Properties::choice("group"_L1, warningGroupKeys, "Only warnings of this group"_L1);
 constexpr Property onlyNew = Properties::boolean(
     "onlyNew"_L1, "Only findings that the call of check_model before this one did not have (default: false)"_L1);
 constexpr Property anyLine = Properties::integer("line"_L1, 0, 239, "Line id (default: all lines)"_L1);
@@ -34,6 +33,12 @@ constexpr Property other = Properties::string(
     "path"_L1, "Another project, EDS or DCF to compare with (default: the file of the open project)"_L1);
 constexpr Property breaking =
     Properties::boolean("breaking"_L1, "Only changes that break the other side of the bus (default: false)"_L1);
+
+/// The line that is asked for, if one is.
+std::optional<Reply> lineIsThere(const ToolCall &call)
+{
+    return call.has(anyLine.name) ? lineExists(call) : std::nullopt;
+}
 
 Reply checkModel(const ToolCall &call)
 {
@@ -108,8 +113,6 @@ Reply show(const ToolCall &call)
     QList<quint8> numbers = session.store().getNodeList();
     if (call.has(anyLine.name))
         numbers.removeIf([&](quint8 number) { return number != call.line(); });
-    if (numbers.isEmpty())
-        return Reply::refusal(u"Line %1 does not exist."_s.arg(call.line()));
     const bool isPart = call.has(index.name) || call.has(pgn.name) || call.has(canId.name);
     QJsonArray lines;
     for (const quint8 number : numbers) {
@@ -156,7 +159,7 @@ constexpr Tool tools[] = {
      "do, errors first, in pages. Nothing can be generated while there are errors. Example: {\"severity\": \"error\"}"_L1,
      {},
      {severity, group, onlyNew, anyLine, Paging::offset, Paging::limit},
-     {projectIsOpen, storeIsWhole},
+     {projectIsOpen, storeIsWhole, lineIsThere},
      checkModel},
     {"show"_L1,
      "Show the device, or a part of it, with the frames on the bus: PDOs with what they map, PGNs, CAN-IDs (bits count "
@@ -164,7 +167,7 @@ constexpr Tool tools[] = {
      "Example: {\"line\": 0, \"index\": 6144}"_L1,
      {},
      {anyLine, index, pgn, canId, objects, Paging::offset, Paging::limit},
-     {projectIsOpen, storeIsWhole},
+     {projectIsOpen, storeIsWhole, lineIsThere},
      show},
     {"diff_project"_L1,
      "Tell what differs between the file of the open project, or another project, EDS or DCF, and the open project as "

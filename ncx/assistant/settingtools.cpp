@@ -9,6 +9,7 @@
 #include "store/objectdatabase.h"
 #include "store/tables/descriptiondefaults.h"
 
+#include <algorithm>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -30,6 +31,27 @@ QStringList descriptionKeys()
     for (const DescriptionDefaults::Row &row : DescriptionDefaults::all)
         keys.append(row.key);
     return keys;
+}
+
+/// Settings that are numbers, by the beginning of their keys.
+struct NumberRange
+{
+    QLatin1StringView keys;
+    int highest;
+};
+constexpr NumberRange numberRanges[] = {
+    {"BaudRate_"_L1, 1}, {"Dummy"_L1, 1}, {"LSS_Supported"_L1, 1}, {"SelfStarting"_L1, 1}, {"Granularity"_L1, 64}};
+
+/// What is wrong with a value; empty if it fits.
+QString problemOf(const QString &key, const QString &value)
+{
+    const auto *const range =
+        std::ranges::find_if(numberRanges, [&key](const NumberRange &row) { return key.startsWith(row.keys); });
+    bool isNumber = false;
+    const uint asked = value.toUInt(&isNumber);
+    if (range == std::end(numberRanges) || value.isEmpty() || (isNumber && asked <= static_cast<uint>(range->highest)))
+        return {};
+    return u"Argument: value. %1 takes 0 to %2, or \"\" for the default."_s.arg(key).arg(range->highest);
 }
 
 /// The line of the description settings is a state of the store.
@@ -66,6 +88,8 @@ Reply setDescriptionSetting(const ToolCall &call)
     if (!descriptionKeys().contains(key))
         return Reply::refusal(
             u"Unknown key \"%1\". Argument: key, one of %2."_s.arg(key, descriptionKeys().join(", "_L1)));
+    if (const QString problem = problemOf(key, call.text(text.name)); !problem.isEmpty())
+        return Reply::refusal(problem);
     const CurrentLine current(call.store(), call.line());
     if (!call.store().setDescriptionSetting(key, call.text(text.name)) ||
         call.store().getDescriptionSetting(key) != call.text(text.name))

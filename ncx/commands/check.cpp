@@ -22,17 +22,12 @@ constexpr Operand operands[] = {{.name = "PROJECT"_L1,
                                  .most = anyNumber,
                                  .offer = Offer::Projects}};
 
-constexpr QLatin1StringView groups[] = {
-    "WG_NAMING"_L1,        "WG_IDENTITY"_L1, "WG_LAYOUT"_L1,    "WG_IDS"_L1,
-    "WG_TIMING_LIMITS"_L1, "WG_EDS"_L1,      "WG_TOOLCHAIN"_L1, "WG_CONFIG"_L1,
-};
-
 constexpr Option options[] = {
     {.name = "group"_L1,
      .letter = 'g',
      .value = "NAME"_L1,
      .text = "of the warnings and notes, tell only those of this group"_L1,
-     .words = groups,
+     .words = warningGroupKeys,
      .isRepeatable = true},
     {.name = "json"_L1, .letter = 'j', .text = "answer in JSON, form ncx-check version 1"_L1},
     {.name = "strict"_L1, .letter = 's', .text = "let warnings count as errors do"_L1},

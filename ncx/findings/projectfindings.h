@@ -9,6 +9,13 @@
 
 class OpenedProject;
 
+/// The keys of the groups that warnings are in.
+inline constexpr QLatin1StringView warningGroupKeys[] = {
+    QLatin1StringView("WG_NAMING"),    QLatin1StringView("WG_IDENTITY"),      QLatin1StringView("WG_LAYOUT"),
+    QLatin1StringView("WG_IDS"),       QLatin1StringView("WG_TIMING_LIMITS"), QLatin1StringView("WG_EDS"),
+    QLatin1StringView("WG_TOOLCHAIN"), QLatin1StringView("WG_CONFIG"),
+};
+
 /// A finding as people and programs are told of it.
 struct ProjectFinding
 {

@@ -1,5 +1,7 @@
 #include "ncx/guide/cursor.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 Reply Cursor::page(const QJsonArray &entries, const QString &member, const QJsonObject &params)

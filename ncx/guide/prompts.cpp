@@ -1,8 +1,10 @@
 #include "ncx/guide/prompts.h"
 
+#include "mcp/tools/arguments.h"
 #include "nodedict/codes.h"
 
 #include <QFile>
+#include <QMap>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -19,8 +21,6 @@ namespace {
 
 using Argument = Prompt::Argument;
 
-constexpr QLatin1StringView anyProtocols[]{"CANopen"_L1,       "J1939"_L1,          "RawCAN"_L1,
-                                           "CANopen+J1939"_L1, "CANopen+RawCAN"_L1, "J1939+RawCAN"_L1};
 constexpr QLatin1StringView messageProtocols[]{"J1939"_L1, "RawCAN"_L1, "J1939+RawCAN"_L1};
 constexpr QLatin1StringView yesOrNo[]{"yes"_L1, "no"_L1};
 
@@ -34,7 +34,8 @@ constexpr Argument outputPath{"outputPath"_L1, "Folder for the sources; without 
 constexpr Argument nothingArguments[] = {
     {"device"_L1, "What the device is to do, in a sentence or two: its inputs, outputs, messages"_L1, true},
     projectPath,
-    {"lineType"_L1, "Protocols of its CAN line; without it CANopen"_L1, false, anyProtocols, 0, "CANopen"_L1},
+    {"lineType"_L1, "Protocols of its CAN line; without it CANopen"_L1, false, Arguments::lineTypeNames, 0,
+     "CANopen"_L1},
     nodeId,
     {"profile"_L1, "CiA profile whose mandatory objects it gets, e.g. 401"_L1},
     outputPath,

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QJsonDocument>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <random>
@@ -104,6 +105,15 @@ private:
     std::mt19937 random_;
 };
 
+/// Whether a refusal tells which argument to change, or which tool to call.
+bool tellsNextStep(const QString &told, const QJsonObject &schema)
+{
+    QStringList words = schema.value("properties"_L1).toObject().keys();
+    words += {u"save_project"_s, u"open_project"_s, u"an edit"_s, u"no arguments"_s};
+    return std::ranges::any_of(
+        words, [&told](const QString &word) { return told.contains(QRegularExpression(u"\\b%1\\b"_s.arg(word))); });
+}
+
 bool isReading(const QString &tool)
 {
     return tool.startsWith("list_"_L1) || tool.startsWith("get_"_L1) || tool.startsWith("find_"_L1) ||
@@ -167,6 +177,7 @@ TEST_P(Endurance, EachCallIsAnsweredAndNoErrorChangesAnything)
         }
         ASSERT_FALSE(told.isEmpty() || told.startsWith("-32"_L1)) << qPrintable(tool) << qPrintable(told);
         failed += told.startsWith("! "_L1) ? 1 : 0;
+        EXPECT_TRUE(!told.startsWith("! "_L1) || tellsNextStep(told, schema)) << qPrintable(tool) << qPrintable(told);
         if (isLooked && told.startsWith("! "_L1)) {
             ASSERT_EQ(before, seen()) << qPrintable(tool) << QJsonDocument(arguments).toJson().toStdString();
         }

@@ -65,10 +65,13 @@ async function look() {
     for (const tool of tools) {
         toolsOf[tool.name] = tool;
         assert.equal(ajv.compile(tool.inputSchema)({ 'no such argument': 1 }), false, tool.name);
+        const example = tool.description.match(/ Example: (\{.*\})$/);
+        assert.ok(example && ajv.compile(tool.inputSchema)(JSON.parse(example[1])), tool.name);
         assert.equal(typeof tool.annotations.readOnlyHint, 'boolean', tool.name);
         assert.equal(tool.outputSchema.type, 'object', tool.name);
     }
     assert.ok(tools.length > 50);
+    assert.ok(JSON.stringify(tools).length < 64000, 'what each session begins with has grown');
     assert.ok(toolsOf.check_model.annotations.readOnlyHint);
     assert.ok(toolsOf.delete_line.annotations.destructiveHint);
     assert.ok(!toolsOf.add_index.annotations.destructiveHint);

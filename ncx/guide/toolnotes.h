@@ -28,6 +28,8 @@ struct ToolNote
     QLatin1StringView name;
     Effect effect;
     Answer answer;
+    /// When to use it, its units and an example, for a tool whose own description is that of another server.
+    QLatin1StringView description = {};
 
     /// True for a tool whose calls are steps of the journal.
     bool isEdit() const { return effect == Effect::Adds || effect == Effect::Sets || effect == Effect::Removes; }
