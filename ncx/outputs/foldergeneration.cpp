@@ -50,9 +50,9 @@ bool isSame(const QString &path, const QString &other)
 /// A file on its way into the folder.
 struct Target
 {
-    Target(const FolderGeneration::File &made, const QString &path, const QByteArray &bytes)
-        : file(made)
-        , content(bytes)
+    Target(FolderGeneration::File made, const QString &path, QByteArray bytes)
+        : file(std::move(made))
+        , content(std::move(bytes))
         , whole(path)
     {
     }

@@ -155,7 +155,7 @@ QString OpenedProject::reasonNotToRead(const QString &path)
 
 QString OpenedProject::reasonAgainst(const QString &path)
 {
-    if (const QString reason = reasonNotToRead(path); !reason.isEmpty())
+    if (QString reason = reasonNotToRead(path); !reason.isEmpty())
         return reason;
     const QByteArray head = headOf(path);
     // A huge file that is something else is not read to find that out.
