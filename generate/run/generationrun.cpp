@@ -40,6 +40,7 @@ QString GenerationRun::filePath(const QString &name) const
 
 RunFlow GenerationRun::walk(std::span<const RunRow> rows)
 {
+    jobs_ = jobsOf(rows);
     RunFlow flow = RunFlow::Continue;
     for (auto row = rows.begin(); row != rows.end() && flow == RunFlow::Continue;) {
         const auto next =
@@ -50,13 +51,29 @@ RunFlow GenerationRun::walk(std::span<const RunRow> rows)
     return flow;
 }
 
+const QList<quint8> &GenerationRun::linesOf(const RunRow &row) const
+{
+    return row.lines == RunLines::Project ? wholeProject_ : context_.lines;
+}
+
+qsizetype GenerationRun::jobsOf(std::span<const RunRow> rows) const
+{
+    qsizetype jobs = 0;
+    for (const RunRow &row : rows)
+        jobs += row.applies(context_)
+                    ? std::ranges::count_if(linesOf(row), [&](quint8 line) { return isFor(row, line); })
+                    : 0;
+    return jobs;
+}
+
 RunFlow GenerationRun::walkTogether(std::span<const RunRow> rows)
 {
-    const QList<quint8> lines = rows.front().lines == RunLines::Project ? QList<quint8>{0} : context_.lines;
-    for (const quint8 line : lines) {
+    for (const quint8 line : linesOf(rows.front())) {
         for (const RunRow &row : rows) {
             if (!row.applies(context_) || !isFor(row, line))
                 continue;
+            if (!handler_.goesOn(done_++, jobs_))
+                return RunFlow::EndAsWanted;
             if (const RunFlow flow = runRow(row, line); flow != RunFlow::Continue)
                 return flow;
         }

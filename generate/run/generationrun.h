@@ -31,6 +31,8 @@ public:
     bool runJob(FileGenerator &generator, quint8 line, const QString &suffix, const JobTexts &texts);
 
 private:
+    const QList<quint8> &linesOf(const RunRow &row) const;
+    qsizetype jobsOf(std::span<const RunRow> rows) const;
     RunFlow walkTogether(std::span<const RunRow> rows);
     RunFlow runRow(const RunRow &row, quint8 line);
     RunFlow runGenerator(const RunRow &row, quint8 line);
@@ -39,4 +41,7 @@ private:
     RunContext context_;
     OutputHandlerBase &output_;
     GeneratorMainHandler &handler_;
+    const QList<quint8> wholeProject_{0};
+    qsizetype jobs_ = 0;
+    qsizetype done_ = 0;
 };

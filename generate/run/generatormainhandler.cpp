@@ -226,8 +226,14 @@ GeneratorMainHandler::GeneratorResult GeneratorMainHandler::runStages(bool ignor
     }
 
     context.bootloaderMode = context.isOn(u"uds_bl_setting"_s) && !context.multiLine;
-    if (GenerationRun(context, *output_, *this).walk(runRows_) == RunFlow::EndWithTemplateFailure)
+    switch (GenerationRun(context, *output_, *this).walk(runRows_)) {
+    case RunFlow::Continue:
+        break;
+    case RunFlow::EndWithTemplateFailure:
         return TemplateFailure;
+    case RunFlow::EndAsWanted:
+        return GenerationEnded;
+    }
 
     database_->clearSubCache();
     output_->message(u"Generation finished."_s);

@@ -9,6 +9,8 @@
 #include <QObject>
 #include <QStringList>
 
+#include <functional>
+
 class AbstractGenerator;
 class ModelChecker;
 class ObjectDataBase;
@@ -29,7 +31,8 @@ public:
         GenerationDone = 0,
         CheckFailed = 2,             ///< the model check found errors, which were not to be ignored
         OutputFolderNotWritable = 3, ///< nothing was generated
-        TemplateFailure = 4          ///< a template of the stack is missing or broken; earlier files stay
+        TemplateFailure = 4,         ///< a template of the stack is missing or broken; earlier files stay
+        GenerationEnded = 5          ///< by who watches it; earlier files stay
     };
     Q_ENUM(GeneratorResult)
 
@@ -92,6 +95,10 @@ public:
         checkRules_ = rules;
         checkMemory_.clear();
     }
+    /// Asked before each job of a run, of which `done` of `total` are done; a false ends the run there.
+    using Watch = std::function<bool(qsizetype done, qsizetype total)>;
+    void setWatch(Watch watch) { watch_ = std::move(watch); }
+    bool goesOn(qsizetype done, qsizetype total) const { return !watch_ || watch_(done, total); }
     /// Replaces the rows of the run.
     void setRunTable(std::span<const RunRow> rows) { runRows_ = rows; }
 
@@ -133,4 +140,5 @@ private:
     CheckMemory checkMemory_;
     bool keepsPdos_ = false;
     std::span<const RunRow> runRows_ = runTable();
+    Watch watch_;
 };

@@ -24,7 +24,8 @@ enum class RunLines
 enum class RunFlow
 {
     Continue,
-    EndWithTemplateFailure
+    EndWithTemplateFailure,
+    EndAsWanted ///< nobody wants it any more
 };
 
 /// What a job says of its file where it has no words of its own.

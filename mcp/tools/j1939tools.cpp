@@ -9,7 +9,6 @@ using namespace Qt::StringLiterals;
 using namespace Guards;
 using MessageTools::direction;
 using MessageTools::directionIsKnown;
-using MessageTools::directionWord;
 using MessageTools::maxNumber;
 
 namespace {
@@ -64,17 +63,11 @@ Reply getPGN(const ToolCall &call)
     const auto data = call.store().getPGN(call.line(), number, direction(call));
     if (!data)
         return pgns.missing(call);
-    return Reply::json({
-        {u"pgn"_s, qint64{number}},
-        {u"line"_s, call.line()},
-        {u"direction"_s, directionWord(call)},
-        {u"name"_s, data->name},
-        {u"description"_s, data->desc},
-        {u"priority"_s, data->priority},
-        {u"cycleTimeMs"_s, data->cycletime_ms},
-        {u"inhibitTimeMs"_s, data->inhibittime_ms},
-        {u"spns"_s, pgns.signalList(call)},
-    });
+    QJsonObject object = MessageTools::messageObject(call, *data);
+    object.insert(u"pgn"_s, qint64{number});
+    object.insert(u"priority"_s, data->priority);
+    object.insert(u"spns"_s, pgns.signalList(call));
+    return Reply::json(object);
 }
 
 Reply addPGN(const ToolCall &call)

@@ -40,6 +40,19 @@ void readMessage(const ToolCall &call, Message &message)
     message.direction = direction(call);
 }
 
+/// What all messages have, but for their numbers.
+template <typename Message>
+QJsonObject messageObject(const ToolCall &call, const Message &message)
+{
+    using Qt::StringLiterals::operator""_s;
+    return {{u"line"_s, call.line()},
+            {u"direction"_s, directionWord(call)},
+            {u"name"_s, message.name},
+            {u"description"_s, message.desc},
+            {u"cycleTimeMs"_s, message.cycletime_ms},
+            {u"inhibitTimeMs"_s, message.inhibittime_ms}};
+}
+
 /// One of the two kinds of messages: what it is called, and the store's operations on it.
 struct Kind
 {

@@ -9,7 +9,6 @@ using namespace Qt::StringLiterals;
 using namespace Guards;
 using MessageTools::direction;
 using MessageTools::directionIsKnown;
-using MessageTools::directionWord;
 using MessageTools::maxNumber;
 
 namespace {
@@ -67,13 +66,9 @@ Reply getCANID(const ToolCall &call)
     const auto data = call.store().getCANID(call.line(), id, direction(call));
     if (!data)
         return canIds.missing(call);
-    QJsonObject object = idMembers(id);
-    object.insert(u"line"_s, call.line());
-    object.insert(u"direction"_s, directionWord(call));
-    object.insert(u"name"_s, data->name);
-    object.insert(u"description"_s, data->desc);
-    object.insert(u"cycleTimeMs"_s, data->cycletime_ms);
-    object.insert(u"inhibitTimeMs"_s, data->inhibittime_ms);
+    QJsonObject object = MessageTools::messageObject(call, *data);
+    object.insert(u"canId"_s, hexadecimal(id));
+    object.insert(u"canIdDec"_s, qint64{id});
     object.insert(u"dataElements"_s, canIds.signalList(call));
     return Reply::json(object);
 }

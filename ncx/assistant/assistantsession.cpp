@@ -4,6 +4,7 @@
 #include "ncx/project/identity.h"
 #include "store/objectdatabase.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 using namespace Qt::StringLiterals;
@@ -34,6 +35,13 @@ QString AssistantSession::open(const QString &path)
     setProjectOpen(true);
     check();
     return {};
+}
+
+bool AssistantSession::goesOn(int done, int total, const QString &what)
+{
+    tellProgress(done, total, what);
+    QCoreApplication::processEvents();
+    return !isCancelled();
 }
 
 QString AssistantSession::save(const QString &path)

@@ -32,6 +32,10 @@ public:
     bool isVerbose() const { return isVerbose_; }
     void setVerbose(bool verbose) { isVerbose_ = verbose; }
 
+    /// Tells how far a long operation is, as `tellProgress`, and hears what the client says meanwhile. False if it has
+    /// taken the request back.
+    bool goesOn(int done, int total, const QString &what);
+
     RowJournal &journal() { return *journal_; }
 
     /// Looks at the project and keeps what is found, but corrections, which are told once.

@@ -80,20 +80,31 @@ QString runImport(const ToolCall &call, const QString &file, quint8 line, Import
     return {};
 }
 
+Reply cancelled()
+{
+    return Reply::refusal(u"Cancelled; nothing is changed."_s);
+}
+
 Reply adoptFile(const ToolCall &call, const QString &file, quint8 line)
 {
-    OpenedProject &project = sessionOf(call).project();
+    AssistantSession &session = sessionOf(call);
+    OpenedProject &project = session.project();
+    int step = 0;
+    const auto goesOn = [&session, &step] { return session.goesOn(step++, 0, u"adopting"_s); };
     SettlingReport report(QFileInfo(file).fileName());
     const Settling settling{.file = file,
                             .line = line,
                             .isConfigured = call.flag(configured.name),
                             .repairs = call.flag(repair.name),
                             .isText = project.isText(),
-                            .takesNodeId = true};
-    call.session().tellProgress(0, 2, u"adopting"_s);
+                            .takesNodeId = true,
+                            .goesOn = goesOn};
+    if (!goesOn())
+        return cancelled();
     if (const QString reason = settling.settle(project, report); !reason.isEmpty())
         return Reply::refusal(u"Import failed: %1: %2."_s.arg(file, reason));
-    call.session().tellProgress(1, 2, u"checking"_s);
+    if (!session.goesOn(step, 0, u"checking"_s))
+        return cancelled();
     constexpr qsizetype placesOfTopic = 3;
     return call.edited(
         u"Adopted %1 into line %2.\n%3"_s.arg(file).arg(line).arg(report.lines(placesOfTopic).join(u'\n')));
@@ -107,11 +118,13 @@ Reply importFile(const ToolCall &call)
     if (reason.isEmpty() && call.flag(adopt.name))
         return adoptFile(call, file, line);
     ImportReport report;
-    call.session().tellProgress(0, 2, u"importing"_s);
+    if (!sessionOf(call).goesOn(0, 2, u"importing"_s))
+        return cancelled();
     if (reason.isEmpty())
         reason = runImport(call, file, line, report);
-    call.session().tellProgress(1, 2, u"checking"_s);
     Identity::takeWidest();
+    if (!sessionOf(call).goesOn(1, 2, u"checking"_s))
+        return cancelled();
     if (reason.isEmpty() && report.objects + report.subObjects + report.messages + report.signalCount == 0)
         reason = u"nothing in it could be imported"_s;
     if (!reason.isEmpty())
@@ -147,8 +160,7 @@ QString wordOf(FolderGeneration::Change change)
 /// Brings the files to their folder, all or none. The reason for which that could not be; empty if done.
 QString install(const ToolCall &call, FolderGeneration &generation, QJsonObject &files)
 {
-    if (QString reason = call.flag(dryRun.name) ? QString() : generation.install(generation.files());
-        !reason.isEmpty())
+    if (QString reason = call.flag(dryRun.name) ? QString() : generation.install(generation.files()); !reason.isEmpty())
         return reason;
     for (const FolderGeneration::File &file : generation.files()) {
         const QString word = wordOf(file.change);
@@ -181,13 +193,12 @@ Reply generate(const ToolCall &call)
     const ObjectDataBase::Step step(session.store());
     Identity::take(Identity::leastFor(session.store(), project.path()));
     FolderGeneration generation(project, folder);
-    const auto counted = QObject::connect(
-        &session.handler(), &GeneratorMainHandler::checked,
-        [&](const GeneratorMainHandler::ModelFindings &) { session.tellProgress(1, 3, u"writing"_s); });
-    session.tellProgress(0, 3, u"checking"_s);
+    session.tellProgress(0, 0, u"checking"_s);
+    session.handler().setWatch([&session](qsizetype done, qsizetype total) {
+        return session.goesOn(static_cast<int>(done) + 1, static_cast<int>(total) + 1, u"writing"_s);
+    });
     const FolderGeneration::Outcome outcome = generation.generate();
-    QObject::disconnect(counted);
-    session.tellProgress(2, 3, u"comparing"_s);
+    session.handler().setWatch({});
     session.handler().setOutputFolder(usualFolder);
     Identity::takeWidest();
     if (session.isCancelled())

@@ -86,6 +86,8 @@ QString Settling::settle(OpenedProject &project, SettlingReport &report) const
         return u"it cannot be read"_s;
     if (const QString reason = importInto(project, text, report); !reason.isEmpty())
         return reason;
+    if (!goesOn())
+        return u"it was taken back"_s;
     return mendAll(project, text, report) ? QString() : u"the working copy cannot be written"_s;
 }
 
@@ -120,7 +122,7 @@ bool Settling::mendAll(OpenedProject &project, const DescriptionText &text, Sett
         }
         return changed;
     };
-    for (int pass = 0; pass < mostPasses && (mendFindings(false) || mendFindings(true)); ++pass)
+    for (int pass = 0; pass < mostPasses && goesOn() && (mendFindings(false) || mendFindings(true)); ++pass)
         findings = ProjectFindings::of(project);
     if (isText)
         Readings::dropDenotations(settled);

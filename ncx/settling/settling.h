@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <functional>
+
 class DescriptionText;
 class OpenedProject;
 
@@ -17,6 +19,8 @@ struct Settling
     bool repairs = false;      ///< mends faults of the file
     bool isText = false;       ///< the project will be saved as text
     bool takesNodeId = false;  ///< takes the node-id of the file, if it has one
+    /// Asked between the steps; false ends it with that as the reason.
+    std::function<bool()> goesOn = [] { return true; };
 
     /// Works on a project that is not saved yet. The reason for which that cannot be, a sentence part; empty if it is
     /// done. What was decided goes to the report; the faults that are left are the errors and warnings of the check.

@@ -277,6 +277,30 @@ TEST_F(Run, RemovesTheAddressClaimOfJ1939LinesOnly)
     EXPECT_EQ(left, (QList<bool>{true, true, false, true, false, true}));
 }
 
+TEST_F(Run, EndsWhereItsWatchSaysSo)
+{
+    ProjectBuilder project;
+    open(project);
+    const RunRow rows[] = {{.applies = always, .make = make<'a'>, .started = "A"},
+                           {.applies = [](const RunContext &) { return false; }, .make = make<'b'>, .started = "B"},
+                           {.applies = always, .make = make<'c'>, .started = "C"},
+                           {.applies = always, .make = make<'d'>, .started = "D"}};
+    handler_.setRunTable(rows);
+    QStringList asked;
+    handler_.setWatch([&asked](qsizetype done, qsizetype total) {
+        asked.append(u"%1/%2"_s.arg(done).arg(total));
+        return done < 2;
+    });
+    generate();
+    EXPECT_EQ(asked, QStringList({u"0/3"_s, u"1/3"_s, u"2/3"_s}));
+    EXPECT_EQ(results_, QList<int>{GeneratorMainHandler::GenerationEnded});
+    EXPECT_TRUE(exists(u"a.txt"_s) && exists(u"c.txt"_s));
+    EXPECT_FALSE(exists(u"d.txt"_s));
+    handler_.setWatch({});
+    generate();
+    EXPECT_EQ(results_, QList<int>{GeneratorMainHandler::GenerationDone});
+}
+
 TEST_F(Run, RefusesAFolderThatIsNone)
 {
     ProjectBuilder project;

@@ -147,7 +147,8 @@ async function work() {
         ['set_line', { line: 0, name: 'bus' }], ['delete_line', { line: 1 }], ['undo', {}]])
         await done(name, args);
     await done('generate', { outputPath: 'out' }, { onprogress: step => steps.push(step) });
-    assert.ok(steps.length >= 3, 'no progress was told');
+    assert.ok(steps.filter(step => step.message === 'writing').length > 8, 'each file is a step');
+    assert.ok(steps.some(step => step.message === 'adopting') && steps.at(-1).progress < steps.at(-1).total);
     assert.ok(fs.existsSync(path.join(folder, 'out', 'gen_define.h')));
     await refused('save_project', { path: 'device.ncxt' }, /cannot hold/);
     await done('save_project');
@@ -162,6 +163,15 @@ async function cancel() {
     await assert.rejects(running);
     await assert.rejects(queued);
     assert.equal((await done('list_lines')).items.length, 2);
+    assert.ok(!fs.existsSync(path.join(folder, 'cancelled')));
+
+    const before = (await done('list_indices', { line: 0 })).total;
+    const importAbort = new AbortController();
+    const importing = call('import_file', { path: 'device.eds', line: 0 }, { signal: importAbort.signal });
+    importAbort.abort('not that one');
+    await assert.rejects(importing);
+    assert.equal((await done('list_indices', { line: 0 })).total, before);
+    assert.equal((await done('diff_project')).total, 0);
 }
 
 await client.connect(transport);
