@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QDeadlineTimer>
+#include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 
@@ -91,6 +92,19 @@ qint64 McpDriver::memory() const
     QFile file(u"/proc/%1/statm"_s.arg(process_.processId()));
     constexpr qint64 pageKib = 4;
     return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').value(1).toLongLong() * pageKib : 0;
+}
+
+qint64 McpDriver::processorTime() const
+{
+    constexpr qint64 nanoseconds = 1000;
+    const QDir threads(u"/proc/%1/task"_s.arg(process_.processId()));
+    qint64 sum = 0;
+    for (const QString &thread : threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QFile file(threads.filePath(thread + u"/schedstat"_s));
+        if (file.open(QIODevice::ReadOnly))
+            sum += file.readAll().split(' ').value(0).toLongLong();
+    }
+    return sum / nanoseconds;
 }
 
 ProcessResult McpDriver::close()

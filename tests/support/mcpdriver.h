@@ -40,6 +40,8 @@ public:
 
     /// Resident memory of the server in KiB.
     qint64 memory() const;
+    /// Processor time of the server so far in microseconds, whatever else the machine does.
+    qint64 processorTime() const;
     /// Ends the input and waits for the end of the program. What comes is what was not read before.
     ProcessResult close();
 
