@@ -64,6 +64,9 @@ public:
     /// reports true whatever its conversion says. False for anything that is no project, or (`lastError`) that another
     /// tool's protocols are in; then no project is open. The second argument has no effect.
     [[nodiscard]] bool openDataBase(const QString &path, bool unused = false);
+    /// For projects that are opened to be read and not to be saved: while on, opens do without the test of the hash and
+    /// leave the working copy as large as it is.
+    void setOnlyRead(bool on) { file_.setOnlyRead(on); }
     /// Opens a text project; the result is the conversion's.
     [[nodiscard]] bool openTextDatabase(const QString &path);
     /// Saves to the path, or where it is empty to the project path, in the form that the path's ending asks for. A

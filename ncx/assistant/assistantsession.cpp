@@ -23,7 +23,7 @@ QString AssistantSession::open(const QString &path)
     setProjectOpen(false);
     journal_.reset();
     project_ = std::make_unique<OpenedProject>();
-    const bool isOpen = project_->open(path, OpenedProject::Purpose::Running);
+    const bool isOpen = project_->open(path, OpenedProject::Purpose::Serving);
     journal_ = std::make_unique<RowJournal>(project_->store().statements());
     findings_.clear();
     told.clear();

@@ -72,7 +72,7 @@ int run(const Invocation &call)
         return CouldNot;
     OpenedProject project;
     terminal.step(u"reading %1"_s.arg(in));
-    if (!project.open(in, OpenedProject::Purpose::Reading)) {
+    if (!project.open(in, OpenedProject::Purpose::Copying)) {
         terminal.fail(u"%1: %2"_s.arg(in, project.reason()));
         return CouldNot;
     }

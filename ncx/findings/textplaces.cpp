@@ -51,12 +51,22 @@ void TextPlaces::read()
             lines_.insert(key, number);
     };
     QByteArray section;
-    QByteArrayView rowBefore;
+    QByteArrayView rowBefore; // with the "\\" behind it
+    // Most lines are of a row whose first line has been noted.
+    const auto isKnown = [&rowBefore](QByteArrayView line) {
+        if (rowBefore.isEmpty() || !line.startsWith(rowBefore))
+            return false;
+        const auto end =
+            std::find_if(line.begin() + rowBefore.size(), line.end(), [](char ch) { return ch == '=' || ch == '\\'; });
+        return end != line.end() && *end == '=';
+    };
     qsizetype start = 0;
     for (int number = 1; start < content.size(); ++number) {
         const qsizetype end = content.indexOf('\n', start);
         const QByteArrayView line = QByteArrayView(content).sliced(start, (end < 0 ? content.size() : end) - start);
         start = end < 0 ? content.size() : end + 1;
+        if (isKnown(line))
+            continue;
         const qsizetype keyEnd = line.indexOf('=');
         if (line.startsWith('[')) {
             section = line.sliced(1, std::max<qsizetype>(line.indexOf(']'), 1) - 1).toByteArray() + '/';
@@ -68,9 +78,9 @@ void TextPlaces::read()
         const QByteArrayView row = key.first(std::max<qsizetype>(key.lastIndexOf('\\'), 0));
         if (row.isEmpty())
             note(section + key.toByteArray(), number);
-        if (row.isEmpty() || row == rowBefore)
+        if (row.isEmpty())
             continue;
-        rowBefore = row;
+        rowBefore = key.first(row.size() + 1);
         note(section + row.toByteArray(), number);
         if (const qsizetype parent = row.lastIndexOf('\\'); parent > 0)
             note(section + row.first(parent).toByteArray(), number);

@@ -208,7 +208,9 @@ bool OpenedProject::open(const QString &path, Purpose purpose)
     Identity::takeWidest();
     // An open may change the current folder, which the other operands of a command are relative to.
     const QString folder = QDir::currentPath();
-    const bool opened = purpose == Purpose::Running ? handler_.openProject(path) : openAsItIs(path);
+    store().setOnlyRead(purpose == Purpose::Running || purpose == Purpose::Reading);
+    const bool isForRun = purpose == Purpose::Running || purpose == Purpose::Serving;
+    const bool opened = isForRun ? handler_.openProject(path) : openAsItIs(path);
     QDir::setCurrent(folder);
     if (!opened || handler_.isUnreadText())
         return refuse(reasonOfFailure());

@@ -43,8 +43,10 @@ public:
 
     enum class Purpose
     {
-        Running, ///< with the corrections and settings that a run begins with
-        Reading, ///< as it is in its file, in the present layout
+        Running, ///< with the corrections and settings that a run begins with, not to be saved
+        Serving, ///< the same, to be saved
+        Reading, ///< as it is in its file, in the present layout, not to be saved
+        Copying, ///< the same, to be saved elsewhere
         Editing  ///< the same, to be saved in the place of that file
     };
 

@@ -23,16 +23,42 @@ bool isOrdinary(char ch)
     return ch > '=' || (ch > '"' && ch < ';') ? ch != '\\' : ch == ' ';
 }
 
-constexpr std::array<bool, 256> plainKeyCharacters = [] {
-    std::array<bool, 256> plain = {};
-    for (size_t ch = 0; ch < plain.size(); ++ch)
-        plain[ch] = isPlainKeyCharacter(static_cast<char16_t>(ch));
-    return plain;
+/// Where a character means nothing but itself; in a key that may be a separator, too.
+enum Place : quint8
+{
+    InKey = 1,
+    InValue = 2
+};
+
+constexpr std::array<quint8, 256> plainPlaces = [] {
+    std::array<quint8, 256> places = {};
+    for (size_t i = 0; i < places.size(); ++i) {
+        const auto ch = static_cast<char16_t>(i);
+        const bool isPlainInKey = isPlainKeyCharacter(ch) || ch == '\\';
+        const bool isPlainInValue = ch != '"' && ch != '\\' && ch != ';' && ch != '\r';
+        places[i] = static_cast<quint8>((isPlainInKey ? InKey : 0) | (isPlainInValue ? InValue : 0));
+    }
+    return places;
 }();
 
-bool isPlainInKey(char ch)
+bool isPlain(QByteArrayView text, Place place)
 {
-    return plainKeyCharacters[static_cast<uchar>(ch)];
+    quint8 places = place;
+    for (const char ch : text)
+        places &= plainPlaces[static_cast<uchar>(ch)];
+    return places != 0;
+}
+
+/// A backslash at the end would hide what is behind it.
+bool isPlainKey(QByteArrayView key)
+{
+    return !key.isEmpty() && !key.endsWith('\\') && isPlain(key, InKey);
+}
+
+bool isPlainValue(QByteArrayView value)
+{
+    const bool isQuoted = value.size() > 1 && value.startsWith('"') && value.endsWith('"');
+    return isPlain(isQuoted ? value.sliced(1, value.size() - 2) : value, InValue);
 }
 
 } // namespace
@@ -43,7 +69,7 @@ bool LineScanner::next(Line &line)
         ++position_;
     if (nextPlain(line))
         return true;
-    line = {position_, 0, -1};
+    line = {position_, 0, -1, false};
     bool inQuotes = false;
     while (position_ < data_.size() && (isOrdinary(data_.at(position_)) || step(line, inQuotes)))
         ++position_;
@@ -51,26 +77,28 @@ bool LineScanner::next(Line &line)
     return line.length > 0;
 }
 
-/// Takes a key of plain characters and groups with a value in which nothing is quoted or escaped, as nearly all are;
-/// false, without a step, for another line.
+/// Takes a key of plain characters and groups with a value in which nothing but all of it is quoted and nothing is
+/// escaped, as nearly all are; false, without a step, for another line.
 bool LineScanner::nextPlain(Line &line)
 {
+    // A longer line is not looked through in search of its end, as that of one without an end would be for each of its
+    // parts.
+    constexpr qsizetype longest = 4096;
     const char *const start = data_.data() + position_;
-    const char *const end = data_.data() + data_.size();
-    const char *equals = start;
-    while (equals != end &&
-           (isPlainInKey(*equals) || (*equals == '\\' && equals + 1 != end && isPlainInKey(equals[1]))))
-        ++equals;
-    if (equals == end || equals == start || *equals != '=')
+    const qsizetype size = std::min(data_.size() - position_, longest);
+    if (size == 0 || *start == ';')
         return false;
-    const void *feed = std::memchr(equals, '\n', static_cast<size_t>(end - equals));
-    const char *const last = feed ? static_cast<const char *>(feed) : end;
-    bool isPlain = true;
-    for (const char *place = equals; place != last; ++place)
-        isPlain &= *place != '"' && *place != '\\' && *place != ';' && *place != '\r';
-    if (!isPlain)
+    const void *const feed = std::memchr(start, '\n', static_cast<size_t>(size));
+    if (!feed && size == longest)
         return false;
-    line = {position_, last - start, equals - start};
+    const QByteArrayView whole(start, feed ? static_cast<const char *>(feed) - start : size);
+    const void *const sign = std::memchr(start, '=', static_cast<size_t>(whole.size()));
+    if (!sign)
+        return false;
+    const qsizetype equals = static_cast<const char *>(sign) - start;
+    if (!arePlain_ && !(isPlainKey(whole.first(equals)) && isPlainValue(whole.sliced(equals + 1))))
+        return false;
+    line = {position_, whole.size(), equals, true};
     position_ += line.length;
     return true;
 }
@@ -128,12 +156,18 @@ void LineScanner::skipComment(Line &line)
 
 bool needsNoUnescaping(QByteArrayView key)
 {
-    return std::ranges::all_of(key, [](char ch) { return ch == '\\' || isPlainInKey(ch); });
+    return isPlain(key, InKey);
 }
 
 bool isBelow(QByteArrayView left, QByteArrayView right)
 {
-    const auto [l, r] = std::mismatch(left.begin(), left.end(), right.begin(), right.end());
+    // Keys that follow each other mostly begin alike.
+    constexpr qsizetype block = 8;
+    qsizetype same = 0;
+    while (same + block <= std::min(left.size(), right.size()) &&
+           std::memcmp(left.data() + same, right.data() + same, block) == 0)
+        same += block;
+    const auto [l, r] = std::mismatch(left.begin() + same, left.end(), right.begin() + same, right.end());
     if (l == left.end() || r == right.end())
         return r != right.end();
     const auto orderOf = [](char ch) { return ch == '\\' ? '/' : ch; };

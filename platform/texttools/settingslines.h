@@ -11,9 +11,14 @@ struct Line
     qsizetype start = 0;
     qsizetype length = 0;
     qsizetype equals = -1; ///< place of the first "=" outside quotes, from the start of the line
+    bool isPlain = false;  ///< a key that needs no unescaping and a value that ends with its line
 
     QByteArrayView of(QByteArrayView data) const { return data.sliced(start, length); }
-    QByteArrayView keyOf(QByteArrayView data) const { return of(data).first(equals).trimmed(); }
+    QByteArrayView keyOf(QByteArrayView data) const
+    {
+        const QByteArrayView key = of(data).first(equals);
+        return isPlain ? key : key.trimmed();
+    }
     QByteArrayView valueOf(QByteArrayView data) const { return of(data).sliced(equals + 1); }
 };
 
@@ -22,8 +27,10 @@ struct Line
 class LineScanner
 {
 public:
-    explicit LineScanner(QByteArrayView data)
+    /// Takes all lines but comments for plain ones, if they are known to be.
+    explicit LineScanner(QByteArrayView data, bool arePlain = false)
         : data_(data)
+        , arePlain_(arePlain)
     {
     }
 
@@ -38,6 +45,7 @@ private:
 
     QByteArrayView data_;
     qsizetype position_ = 0;
+    bool arePlain_;
 };
 
 /// True for a character that stands in a key as it is.

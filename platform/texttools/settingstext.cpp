@@ -50,18 +50,24 @@ public:
     /// The views must last until the collector ends.
     void add(QByteArrayView key, QByteArrayView value)
     {
-        const qsizetype end = key.lastIndexOf('\\');
-        if (end < 0 || std::ranges::count(key, '\\') != depth_)
-            return;
-        if (row_.columns.empty() || row_.path != key.first(end)) {
+        if (!isOfRow(key)) {
+            const qsizetype end = key.lastIndexOf('\\');
+            if (end < 0 || std::ranges::count(key, '\\') != depth_)
+                return;
             finish();
             row_.path = key.first(end);
         }
-        row_.columns.push_back(key.sliced(end + 1));
+        row_.columns.push_back(key.sliced(row_.path.size() + 1));
         row_.values.push_back(value);
     }
 
 private:
+    bool isOfRow(QByteArrayView key) const
+    {
+        const qsizetype end = row_.path.size();
+        return !row_.columns.empty() && key.size() > end && key.at(end) == '\\' && key.startsWith(row_.path) &&
+               std::find(key.begin() + end + 1, key.end(), '\\') == key.end();
+    }
     void finish()
     {
         if (!row_.columns.empty())
@@ -151,6 +157,7 @@ void Reader::setContent(const QByteArray &content)
             groups.insert(prefix.left(prefix.indexOf(u'/')));
         Section &known = sections_[prefix];
         known.isOrdered = section.isOrdered && known.slices.isEmpty();
+        known.isPlain &= section.isPlain;
         known.hasGroups |= section.hasGroups;
         known.slices.append({begin + sectionStart, end - sectionStart});
     };
@@ -162,10 +169,13 @@ void Reader::setContent(const QByteArray &content)
             sectionStart = scanner.position();
             section = {};
             keyBefore = {};
-        } else if (line.equals >= 0) {
+        } else if (line.equals < 0) {
+            section.isPlain = false;
+        } else {
             const QByteArrayView rawKey = line.keyOf(data);
-            section.isOrdered =
-                section.isOrdered && needsNoUnescaping(rawKey) && (keyBefore.isNull() || isBelow(keyBefore, rawKey));
+            section.isPlain &= line.isPlain;
+            section.isOrdered = section.isOrdered && (line.isPlain || needsNoUnescaping(rawKey)) &&
+                                (keyBefore.isNull() || isBelow(keyBefore, rawKey));
             keyBefore = rawKey;
             if (prefix.isEmpty()) {
                 key.clear();
@@ -182,10 +192,10 @@ void Reader::setContent(const QByteArray &content)
     groups_.sort();
 }
 
-void Reader::visitSlice(const Slice &slice, const VisitRaw &visit) const
+void Reader::visitSlice(const Slice &slice, bool isPlain, const VisitRaw &visit) const
 {
     const QByteArrayView data = QByteArrayView(content_).sliced(slice.start, slice.length);
-    LineScanner scanner(data);
+    LineScanner scanner(data, isPlain);
     for (Line line; scanner.next(line);) {
         if (line.equals >= 0)
             visit(line.keyOf(data), line.valueOf(data));
@@ -208,7 +218,7 @@ std::vector<Reader::Entry> Reader::sortedEntries(const QString &groupPrefix) con
     std::vector<Entry> entries;
     const auto collect = [&](const QString &prefix, const Section &section) {
         for (const Slice &slice : section.slices) {
-            visitSlice(slice, [&](QByteArrayView rawKey, QByteArrayView value) {
+            visitSlice(slice, section.isPlain, [&](QByteArrayView rawKey, QByteArrayView value) {
                 QString key = prefix;
                 appendUnescapedKey(key, rawKey);
                 if (key.startsWith(groupPrefix))
@@ -237,7 +247,7 @@ void Reader::forEachKey(const QString &group, const Visit &visit) const
 {
     const QString groupPrefix = group + u'/';
     if (const Section *section = orderedSection(groupPrefix)) {
-        visitSlice(section->slices.first(), [&visit](QByteArrayView key, QByteArrayView value) {
+        visitSlice(section->slices.first(), section->isPlain, [&visit](QByteArrayView key, QByteArrayView value) {
             visit(QString::fromLatin1(key).replace(u'\\', u'/'), valueOf(value));
         });
         return;
@@ -251,7 +261,7 @@ void Reader::forEachRow(const QString &group, qsizetype depth, const VisitRow &v
     const QString groupPrefix = group + u'/';
     if (const Section *section = orderedSection(groupPrefix)) {
         RowCollector rows(depth, visit);
-        visitSlice(section->slices.first(),
+        visitSlice(section->slices.first(), section->isPlain,
                    [&rows](QByteArrayView key, QByteArrayView value) { rows.add(key, value); });
         return;
     }

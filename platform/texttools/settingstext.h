@@ -72,7 +72,8 @@ private:
     bool failed_ = false;
 };
 
-/// A row of a group, as it stands in a file: keys that share all but their last part.
+/// A row of a group, as it stands in a file: keys that share all but their last part. The values last as long as their
+/// reader.
 struct Row
 {
     QByteArrayView path;                 ///< what they share below the group: "0x1000\\1"
@@ -109,6 +110,7 @@ private:
         QList<Slice> slices;
         bool hasGroups = false; ///< of the section without a group: some of its keys are in one
         bool isOrdered = true;  ///< its keys ascend and need no unescaping, as in every file that nobody has edited
+        bool isPlain = true;    ///< all of its lines are, but for comments
     };
 
     struct Entry
@@ -118,7 +120,7 @@ private:
     };
     using VisitRaw = std::function<void(QByteArrayView key, QByteArrayView value)>;
 
-    void visitSlice(const Slice &slice, const VisitRaw &visit) const;
+    void visitSlice(const Slice &slice, bool isPlain, const VisitRaw &visit) const;
     const Section *orderedSection(const QString &groupPrefix) const;
     std::vector<Entry> sortedEntries(const QString &groupPrefix) const;
 

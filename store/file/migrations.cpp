@@ -206,6 +206,10 @@ bool Migrations::repair(ProjectTables &tables, int fileVersion, const QString &p
     }
     done = Repairs::mappingCounts(tables) && done;
     const quint8 lastLine = lines.isEmpty() ? quint8{0} : *std::ranges::max_element(lines);
-    done = tables.trimLineLists(lastLine) && done;
-    return runSchema(tables, "VACUUM failed:", u"VACUUM"_s) && done;
+    return tables.trimLineLists(lastLine) && done;
+}
+
+bool Migrations::compact(ProjectTables &tables)
+{
+    return runSchema(tables, "VACUUM failed:", u"VACUUM"_s);
 }

@@ -18,5 +18,7 @@ void addMissingTablesAndColumns(ProjectTables &tables);
 [[nodiscard]] bool completeLine(ProjectTables &tables, quint8 line);
 /// Puts the contents right, once the layout is. `path` is that of the user's file.
 [[nodiscard]] bool repair(ProjectTables &tables, int fileVersion, const QString &path);
+/// Takes out of the file what deleted rows have left.
+[[nodiscard]] bool compact(ProjectTables &tables);
 
 } // namespace Migrations

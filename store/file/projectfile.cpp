@@ -161,6 +161,8 @@ bool ProjectFile::openWorkingCopy(const QString &copy)
     for (const quint8 line : tables_.getNodeList())
         std::ignore = Migrations::completeLine(tables_, line);
     std::ignore = Migrations::repair(tables_, fileVersion, path_);
+    if (!onlyRead_)
+        std::ignore = Migrations::compact(tables_);
     tables_.context.notify(Change::ProjectReplaced);
     return true;
 }
@@ -200,6 +202,8 @@ QString ProjectFile::computeFileHash()
 void ProjectFile::verifyFileHash()
 {
     tampered_ = false;
+    if (onlyRead_)
+        return;
     const QString stored = tables_.getMiscSetting(u"FileHash"_s);
     if (stored.isEmpty() || stored == computeFileHash())
         return;

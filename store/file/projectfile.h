@@ -20,6 +20,8 @@ public:
     [[nodiscard]] bool create();
     /// Opens a database file.
     [[nodiscard]] bool open(const QString &path);
+    /// While on, opens do without what only a later save needs: the test of the hash and a compact file.
+    void setOnlyRead(bool on) { onlyRead_ = on; }
     void close();
 
     [[nodiscard]] bool saveAsSql(const QString &path);
@@ -58,4 +60,5 @@ private:
     QString path_;
     QString lastError_;
     bool tampered_ = false;
+    bool onlyRead_ = false;
 };

@@ -161,9 +161,14 @@ QString ResultRow::text(int column) const
 
 qint64 ResultRow::integer(int column) const
 {
-    if (sqlite3_column_type(statement_, column) == SQLITE_INTEGER)
+    switch (sqlite3_column_type(statement_, column)) {
+    case SQLITE_INTEGER:
         return sqlite3_column_int64(statement_, column);
-    return value(column).toLongLong();
+    case SQLITE_NULL:
+        return 0;
+    default:
+        return value(column).toLongLong();
+    }
 }
 
 void Statements::Finalizer::operator()(sqlite3_stmt *statement) const

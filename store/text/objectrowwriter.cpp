@@ -140,6 +140,7 @@ bool ObjectRowWriter::takeColumns(const std::vector<QByteArrayView> &columns)
     if (std::ranges::equal(columns, columns_))
         return insertion_.has_value();
     columns_.clear();
+    cells_.clear();
     QStringList names;
     for (const QByteArrayView column : columns) {
         columns_.push_back(column.toByteArray());
@@ -166,28 +167,38 @@ bool ObjectRowWriter::takeValues(const std::vector<QByteArrayView> &values)
     cells_.resize(values.size());
     attributes_.clear();
     for (std::size_t i = 0; i < values.size(); ++i) {
-        if (!takeValue(i, values[i]))
+        // Most values stand in the row before, too.
+        Cell &cell = cells_[i];
+        if (cell.isTaken && cell.raw == values[i])
+            continue;
+        cell = {};
+        cell.raw = values[i];
+        const bool canBeWritten = takeValue(kinds_[i], cell);
+        // The attributes of a row are written behind it.
+        cell.isTaken = canBeWritten && (kinds_[i] != Kind::Attributes || attributes_.isEmpty());
+        // One of which they are the first key does not exist yet then.
+        if (!canBeWritten || (i == 0 && !cell.isTaken))
             return false;
     }
     return true;
 }
 
-bool ObjectRowWriter::takeValue(std::size_t place, QByteArrayView value)
+bool ObjectRowWriter::takeValue(Kind kind, Cell &cell)
 {
-    Cell &cell = cells_[place];
-    cell.plain = SettingsText::plainValue(value);
-    const Kind kind = kinds_[place];
+    cell.plain = SettingsText::plainValue(cell.raw);
     constexpr qsizetype longestWithoutAttributes = 3;
     const bool isShort = kind != Kind::Attributes || (cell.plain && cell.plain->size() <= longestWithoutAttributes);
-    if (cell.plain && isShort && (kind == Kind::Pooled || isSimplified(*cell.plain)))
+    if (cell.plain && isShort && (kind == Kind::Pooled || isSimplified(*cell.plain))) {
+        if (kind == Kind::Number && !cell.plain->startsWith("0x"))
+            cell.number = AsciiText::plainNumber(*cell.plain);
         return true;
-    const QVariant whole = SettingsText::valueOf(value);
+    }
+    const QVariant whole = SettingsText::valueOf(cell.raw);
     cell.plain.reset();
     cell.text = kind == Kind::Pooled ? whole.toString() : whole.toString().simplified();
     if (kind == Kind::Attributes && isAttributes(u"metadata"_s, whole)) {
-        // They only reach a row that exists; one of which they are the first key does not yet.
         attributes_ = whole.toByteArray();
-        return place > 0;
+        return true;
     }
     return whole.isValid() && (kind == Kind::Pooled || LiteralText::stored(cell.text, Quotes::Kept));
 }
@@ -203,9 +214,8 @@ void ObjectRowWriter::insertTaken(const QVariantList &key)
             family_ == LineTable::SubObjects ? insertion_->bindNull() : insertion_->bind(0);
         else if (!cell.plain)
             insertion_->bind(cell.text);
-        else if (const auto number = AsciiText::plainNumber(*cell.plain);
-                 kinds_[i] == Kind::Number && number && !cell.plain->startsWith("0x"))
-            insertion_->bind(qint64{*number});
+        else if (cell.number)
+            insertion_->bind(*cell.number);
         else
             insertion_->bindUtf8(*cell.plain);
     }

@@ -38,7 +38,10 @@ private:
     /// A value on its way into a row.
     struct Cell
     {
+        QByteArrayView raw;                  ///< as it stands in the file
+        bool isTaken = false;                ///< the rest tells what the row gets
         std::optional<QByteArrayView> plain; ///< ASCII that is stored as it is
+        std::optional<qint64> number;        ///< that it is stored as
         QString text;                        ///< else
     };
 
@@ -49,7 +52,7 @@ private:
     bool isPlain(const QStringList &columns) const;
     bool takeColumns(const std::vector<QByteArrayView> &columns);
     bool takeValues(const std::vector<QByteArrayView> &values);
-    bool takeValue(std::size_t place, QByteArrayView value);
+    bool takeValue(Kind kind, Cell &cell);
     QString condition() const;
     bool exists(const QVariantList &key) const;
     QVariant blankValue(const QString &column) const;
