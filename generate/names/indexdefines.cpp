@@ -67,6 +67,13 @@ public:
         used_.clear();
     }
 
+    /// Makes room for so many more names.
+    void reserve(qsizetype count)
+    {
+        used_.reserve(used_.size() + count);
+        values_.reserve(values_.size() + count);
+    }
+
     /// The name, with the next count behind it where it is taken.
     QString counted(const QString &name, const QString &value)
     {
@@ -189,6 +196,10 @@ void LineCollector::add(Block block)
 void LineCollector::collectObjects(const std::function<bool()> &cancelled)
 {
     const LineDictionary dictionary(store_, line_);
+    qsizetype count = 0;
+    for (const LineObject &object : dictionary.objects)
+        count += 1 + std::ssize(object.subs);
+    names_.reserve(count);
     for (const LineObject &object : dictionary.objects) {
         if (cancelled())
             return;

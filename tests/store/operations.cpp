@@ -207,6 +207,7 @@ const QHash<QString, Operation> operations{
     {u"setJ1939Setting"_s, op(&Store::setJ1939Setting)},
     {u"setMiscSetting"_s, op(&Store::setMiscSetting)},
     {u"setNodeSqlValue"_s, op(&Store::setNodeSqlValue)},
+    {u"setOnlyRead"_s, op(&Store::setOnlyRead)},
     {u"setObjectIndexSqlValue"_s, op(&Store::setObjectIndexSqlValue)},
     {u"setSubIndexDefaultValue"_s, op(&Store::setSubIndexDefaultValue)},
     {u"setSubindexSqlValue"_s, op(&Store::setSubindexSqlValue)},
