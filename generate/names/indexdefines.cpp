@@ -51,6 +51,18 @@ QString hexadecimal(quint64 value)
     return QString(Code::hex0x(value)) + u'u';
 }
 
+/// The same of a subindex. Whoever keeps many of them keeps each once.
+const QString &subindexText(quint8 subindex)
+{
+    static const std::array<QString, 256> texts = [] {
+        std::array<QString, 256> all;
+        for (quint64 i = 0; i < all.size(); ++i)
+            all[i] = hexadecimal(i);
+        return all;
+    }();
+    return texts[subindex];
+}
+
 /// The name that a user gave an item by an attribute; empty if there is none.
 QString customName(const StoreRecords::Metadata &metadata, const QString &attribute)
 {
@@ -64,23 +76,18 @@ public:
     void startLine(const QString &prefix)
     {
         prefix_ = prefix;
-        used_.clear();
+        ++line_;
     }
 
     /// Makes room for so many more names.
-    void reserve(qsizetype count)
-    {
-        used_.reserve(used_.size() + count);
-        values_.reserve(values_.size() + count);
-    }
+    void reserve(qsizetype count) { names_.reserve(names_.size() + count); }
 
     /// The name, with the next count behind it where it is taken.
     QString counted(const QString &name, const QString &value)
     {
         QString candidate = name;
-        while (isTaken(candidate, value))
-            candidate = name + QString::number(++used_[name]);
-        take(candidate, value);
+        while (!takeFree(candidate, value))
+            candidate = name + QString::number(nextCount(name));
         return candidate;
     }
 
@@ -88,41 +95,63 @@ public:
     QString tagged(const QString &name, const QString &value, const QStringList &ends)
     {
         QString candidate = name;
-        for (auto end = ends.begin(); end != ends.end() && isTaken(candidate, value); ++end)
+        for (auto end = ends.begin(); end != ends.end(); ++end) {
+            if (takeFree(candidate, value))
+                return candidate;
             candidate = name + *end;
+        }
         return counted(candidate, value);
     }
 
     /// For a name that has no other form: true if it may stand for the value, which it does from then on.
     bool takeFixed(const QString &name, const QString &value)
     {
-        if (contradicts(name, value))
+        Name &known = names_[keyOf(name)];
+        if (!known.value.isNull() && known.value != value)
             return false;
-        take(name, value);
+        take(known, value);
         return true;
     }
 
 private:
-    bool contradicts(const QString &name, const QString &value) const
+    struct Name
     {
-        const auto it = values_.constFind(prefix_ + name);
-        return it != values_.constEnd() && *it != value;
+        QString value; ///< null until it stands for one
+        int line = 0;  ///< the last that has taken it, by the order of the lines; 0 for none
+        int count = 0; ///< how often that line has taken it again
+    };
+
+    QByteArray keyOf(const QString &name) const { return (prefix_ + name).toUtf8(); }
+
+    /// Takes the name unless the line has taken it or it stands for another value.
+    bool takeFree(const QString &name, const QString &value)
+    {
+        Name &known = names_[keyOf(name)];
+        if (known.line == line_ || (!known.value.isNull() && known.value != value))
+            return false;
+        take(known, value);
+        return true;
     }
-    bool isTaken(const QString &name, const QString &value) const
+
+    void take(Name &known, const QString &value)
     {
-        return used_.contains(name) || contradicts(name, value);
+        if (known.line != line_)
+            known.count = 0;
+        known.line = line_;
+        known.value = value;
     }
-    void take(const QString &name, const QString &value)
+
+    /// Of a name that could not be taken.
+    int nextCount(const QString &name)
     {
-        if (!used_.contains(name))
-            used_.insert(name, 0);
-        values_.insert(prefix_ + name, value);
+        Name &known = names_[keyOf(name)];
+        take(known, known.value);
+        return ++known.count;
     }
 
     QString prefix_;
-    QHash<QString, int> used_; ///< and how often each was taken again
-    QHash<QString, QString> values_{
-        {QString::fromLatin1(numberOfEntriesName), QString::fromLatin1(numberOfEntriesValue)}};
+    int line_ = 0;
+    QHash<QByteArray, Name> names_{{numberOfEntriesName, {.value = QString::fromLatin1(numberOfEntriesValue)}}};
 };
 
 /// The parts of a NAME (SAE J1939-81) and the SPNs that they have in the address claim.
@@ -224,7 +253,7 @@ LineCollector::Block LineCollector::objectBlock(const LineObject &object)
         QString subName = customName(sub.data.metadata, u"subdefine"_s);
         if (subName.isEmpty())
             subName = nameOf("S_"_L1, sub.data.name, sub.subindex);
-        const QString subValue = hexadecimal(sub.subindex);
+        const QString &subValue = subindexText(sub.subindex);
         block.append({.name = names_.counted(subName, subValue), .value = subValue, .ofSubindex = true});
     }
     return block;

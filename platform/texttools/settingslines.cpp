@@ -91,7 +91,9 @@ bool LineScanner::nextPlain(Line &line)
     const void *const feed = std::memchr(start, '\n', static_cast<size_t>(size));
     if (!feed && size == longest)
         return false;
-    const QByteArrayView whole(start, feed ? static_cast<const char *>(feed) - start : size);
+    QByteArrayView whole(start, feed ? static_cast<const char *>(feed) - start : size);
+    if (whole.endsWith('\r'))
+        whole.chop(1);
     const void *const sign = std::memchr(start, '=', static_cast<size_t>(whole.size()));
     if (!sign)
         return false;
