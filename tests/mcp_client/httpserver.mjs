@@ -13,6 +13,7 @@ export class HttpServer {
         const server = new HttpServer();
         server.process = spawn(program, ['mcp', '--http=0'],
             { cwd: folder, env: environment, stdio: ['ignore', 'inherit', 'pipe'] });
+        process.on('exit', () => server.process.kill()); // also where the test fails
         for await (const line of readline.createInterface({ input: server.process.stderr })) {
             server.url ??= line.match(/http:\S+/)?.[0];
             server.token = line.match(/Bearer (\S+)$/)?.[1];
