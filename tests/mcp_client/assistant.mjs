@@ -158,6 +158,12 @@ async function work() {
 async function cancel() {
     const abort = new AbortController();
     const running = call('generate', { outputPath: 'cancelled' }, { signal: abort.signal });
+    if (overHttp) { // connections overtake each other: what comes first is tested without this client
+        abort.abort('changed my mind');
+        await assert.rejects(running);
+        assert.equal((await done('list_lines')).items.length, 2);
+        return;
+    }
     const queued = call('add_line', { line: 7, lineType: 'J1939' }, { signal: abort.signal });
     abort.abort('changed my mind');
     await assert.rejects(running);
