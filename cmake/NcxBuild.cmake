@@ -60,12 +60,21 @@ target_precompile_headers(ncx_pch PRIVATE <QtCore/QtCore> <QtSql/QSqlDatabase> <
     <array> <atomic> <functional> <memory> <optional> <span> <vector>)
 ncx_sum_header(ncx_pch)
 
-# ncx_floor(NAME SOURCES ... LINKS ...): one floor of the house as a static library. Only floors have classes that moc reads:
-# to look for them in thirty programs and compile what is not there takes a minute of processor time.
+# ncx_floor(NAME SOURCES ... APART ... LINKS ...): one floor of the house as a static library. Only floors have classes that
+# moc reads: to look for them in thirty programs and compile what is not there takes a minute of processor time.
+#
+# With NCX_UNITY each room, a folder of the floor, is compiled as one, but for those of APART: their files have the same names
+# in them, each for itself.
 function(ncx_floor name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+    cmake_parse_arguments(ARG "" "" "SOURCES;APART;LINKS" ${ARGN})
     add_library(${name} STATIC ${ARG_SOURCES})
-    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    set_target_properties(${name} PROPERTIES AUTOMOC ON UNITY_BUILD ${NCX_UNITY} UNITY_BUILD_MODE GROUP)
+    foreach(source ${ARG_SOURCES})
+        get_filename_component(room "${source}" DIRECTORY)
+        if(source MATCHES "[.]cpp$" AND NOT room IN_LIST ARG_APART AND NOT source IN_LIST ARG_APART)
+            set_source_files_properties(${source} PROPERTIES UNITY_GROUP "floor/${room}")
+        endif()
+    endforeach()
     target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/platform")
     target_link_libraries(${name} PUBLIC Qt6::Core ${ARG_LINKS} PRIVATE ncx_options Qt6::Sql)
     target_precompile_headers(${name} REUSE_FROM ncx_pch)

@@ -22,7 +22,8 @@ namespace {
 using SubRecord = ObjectDataBase::SUBINDEX_DATA_T;
 
 /// Fields of a line, counted from 0. An object line has its sub-index empty; that of a VAR has all of them.
-enum Field : quint8
+namespace Field {
+enum : quint8
 {
     Index = 0,
     SubIndex = 1,
@@ -38,13 +39,14 @@ enum Field : quint8
     Mapping = 21,
     MappingRule = 22
 };
+} // namespace Field
 
 /// Where a sub-object line belongs: sub-index 0 if it ends before it, and 0x0000:00, which no object owns, if one of
 /// the two is no number that fits.
 std::pair<quint16, quint8> placeOf(const QStringList &fields)
 {
-    const QString sub = fields.value(SubIndex);
-    const std::optional<quint16> index = NumberText::hexadecimal<quint16>(fields.value(Index));
+    const QString sub = fields.value(Field::SubIndex);
+    const std::optional<quint16> index = NumberText::hexadecimal<quint16>(fields.value(Field::Index));
     const std::optional<quint8> subindex = sub.isEmpty() ? quint8(0) : NumberText::hexadecimal<quint8>(sub);
     return index && subindex ? std::pair(*index, *subindex) : std::pair<quint16, quint8>();
 }
@@ -57,8 +59,8 @@ QString listOfRule(const QString &rule)
 
 PDOMapping mappingOf(const QStringList &fields)
 {
-    const QString mapping = fields.value(Mapping);
-    const bool allowed = mapping == "y"_L1 || (mapping.isEmpty() && fields.value(MappingRule) == "d"_L1);
+    const QString mapping = fields.value(Field::Mapping);
+    const bool allowed = mapping == "y"_L1 || (mapping.isEmpty() && fields.value(Field::MappingRule) == "d"_L1);
     return allowed ? PDOMapping::Allowed : PDOMapping::Forbidden;
 }
 
@@ -66,13 +68,13 @@ PDOMapping mappingOf(const QStringList &fields)
 SubRecord recordOf(const QStringList &fields)
 {
     SubRecord record;
-    record.name = fields.value(Name);
-    record.datatype = static_cast<quint16>(COHelper::mapDataTypeString(fields.value(DataType)));
-    record.accesstype = fields.value(Access);
+    record.name = fields.value(Field::Name);
+    record.datatype = static_cast<quint16>(COHelper::mapDataTypeString(fields.value(Field::DataType)));
+    record.accesstype = fields.value(Field::Access);
     if (record.accesstype.isEmpty())
         record.accesstype = textOf(CANopen::Access::ReadOnly);
     record.pdomapping = mappingOf(fields);
-    record.defaultvalue = fields.value(DefaultValue);
+    record.defaultvalue = fields.value(Field::DefaultValue);
     return record;
 }
 
@@ -116,7 +118,7 @@ quint64 lastNumber(const QRegularExpression &expression, const QString &text, in
 
 void setLimits(SubRecord &record, const QStringList &fields)
 {
-    const QString low = fields.value(LowLimit);
+    const QString low = fields.value(Field::LowLimit);
     if (low.isEmpty() || low == "d"_L1 || low == "n"_L1) {
         setDefaultLimits(record);
         record.limitineds = false;
@@ -124,7 +126,7 @@ void setLimits(SubRecord &record, const QStringList &fields)
     }
     if (const auto number = firstNumber(low))
         record.lowlimit = QString::number(*number);
-    const QString high = fields.value(HighLimit);
+    const QString high = fields.value(Field::HighLimit);
     record.uplimit = QString::number(qMax(lastNumber(decimalDigits(), high, 10), lastNumber(hexDigits(), high, 16)));
     // Projects know the highest node-id in this form, as digits behind the COB-ID.
     if (high.contains("NODEID"_L1))
@@ -201,13 +203,13 @@ bool CODBImporter::importCopy(const QString &line)
 
 void CODBImporter::importObject(const QStringList &fields)
 {
-    const quint16 index = NumberText::hexadecimal<quint16>(fields.value(Index)).value_or(0);
+    const quint16 index = NumberText::hexadecimal<quint16>(fields.value(Field::Index)).value_or(0);
     if (!isInRange(index))
         return report_.drop(lineNumber_, u"object out of range"_s);
     ObjectDataBase::INDEX_DATA_T object;
-    object.name = fields.value(Name);
-    object.category = COHelper::convertCategory(fields.value(Category));
-    const QString code = fields.value(ObjectCode);
+    object.name = fields.value(Field::Name);
+    object.category = COHelper::convertCategory(fields.value(Field::Category));
+    const QString code = fields.value(Field::ObjectCode);
     if (code == "VAR"_L1) {
         importVariable(index, object, fields);
     } else if (code == "ARRAY"_L1 || code == "RECORD"_L1) {
@@ -222,7 +224,7 @@ void CODBImporter::importObject(const QStringList &fields)
 void CODBImporter::importVariable(quint16 index, StoreRecords::IndexData object, const QStringList &fields)
 {
     SubRecord record = recordOf(fields);
-    record.allowedaccesstypes = listOfRule(fields.value(AllowedAccess));
+    record.allowedaccesstypes = listOfRule(fields.value(Field::AllowedAccess));
     setDefaultLimits(record);
     setImplementation(record, index, 0);
     object.objecttype = CANopen::Var;
@@ -237,7 +239,7 @@ void CODBImporter::importSubObject(const QStringList &fields)
     const auto [index, subindex] = placeOf(fields);
     SubRecord record = recordOf(fields);
     // Where a line says nothing of it, any access is allowed.
-    if (const QString allowed = fields.value(AllowedAccess); !allowed.isEmpty())
+    if (const QString allowed = fields.value(Field::AllowedAccess); !allowed.isEmpty())
         record.allowedaccesstypes = listOfRule(allowed);
     record.writedefaulttoeds = record.defaultvalue.isEmpty() && subindex != 0 ? 0 : 1;
     setLimits(record, fields);

@@ -34,7 +34,7 @@ enum SPNField : quint8
 {
     SPNNumber = 2,
     SPNName = 4,
-    DataType = 6,
+    SPNDataType = 6,
     FirstOption = 7 ///< a word and its value, up to twice
 };
 constexpr qsizetype leastSPNFields = 7;
@@ -158,7 +158,7 @@ bool DOCTXTImporter::importSPN(const QStringList &fields)
     }
     record.spnnumber = *number;
     record.name = fields.value(SPNName);
-    record.datatype = COHelper::mapDataTypeString(fields.value(DataType));
+    record.datatype = COHelper::mapDataTypeString(fields.value(SPNDataType));
     record.implementation =
         codeOf(record.varname.isEmpty() ? Implementation::ManagedVariable : Implementation::Variable);
     record.pgnnumber = pgn_;

@@ -15,7 +15,7 @@ namespace {
 
 constexpr quint32 classicalFrameBits = 64;
 
-bool isOnForLine(Check &check, const QString &j1939Setting)
+bool isJ1939OnForLine(Check &check, const QString &j1939Setting)
 {
     return check.j1939().isOn(j1939Setting, check.line().number());
 }
@@ -69,7 +69,7 @@ void groupFilter(Check &check)
 
 void dynamicWithoutCobs(Check &check)
 {
-    if (isOnForLine(check, u"dynsupport"_s) &&
+    if (isJ1939OnForLine(check, u"dynsupport"_s) &&
         check.store().getGeneralSetting(u"additional_cob_count"_s).trimmed().isEmpty())
         check.error(u"Additional COBs need to be specific with dynamic PGN support."_s);
 }
@@ -159,13 +159,13 @@ void sdmTooLong(LocalCheck &check, const CheckedPGN &pgn)
 
 void transportMissing(Check &check, const CheckedPGN & /*pgn*/)
 {
-    if (!isOnForLine(check, u"bamsupport"_s) && !isOnForLine(check, u"cmdtsupport"_s))
+    if (!isJ1939OnForLine(check, u"bamsupport"_s) && !isJ1939OnForLine(check, u"cmdtsupport"_s))
         check.error(u"Neither BAM nor TP.CMDT supported but PGNs with length > 64 bit defined."_s);
 }
 
 void transportWithoutPackets(Check &check)
 {
-    if (isOnForLine(check, u"cmdtsupport"_s) && !isOnForLine(check, u"cmdtpackets"_s))
+    if (isJ1939OnForLine(check, u"cmdtsupport"_s) && !isJ1939OnForLine(check, u"cmdtpackets"_s))
         check.error(u"CMDT packet count should not be 0 in J1939 configuration."_s);
 }
 

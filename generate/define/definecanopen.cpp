@@ -264,14 +264,14 @@ constexpr std::array serviceMacros{
     Macro{"CORE_INHIBIT_SUPPORTED"_L1, dictionaryHas<&Dictionary::inhibit>},
 };
 
-constexpr std::array cobMacros{Macro{"CORE_COB_CNT"_L1, cobsOfDevices}};
+constexpr std::array deviceCobMacros{Macro{"CORE_COB_CNT"_L1, cobsOfDevices}};
 
 constexpr std::array blocks{
     Block{"/* Line Settings */"_L1, lineMacros},
     Block{"/* Number of receive/transmit buffer entries per line */"_L1, bufferMacros},
     Block{"/* Number of objects per line */"_L1, countMacros},
     Block{"/* Definition of numbers of CANopen services */"_L1, serviceMacros},
-    Block{"/* number of used COB objects */"_L1, cobMacros,
+    Block{"/* number of used COB objects */"_L1, deviceCobMacros,
           [](const DefineModel &model) { return !model.options.multiProtocol; }},
 };
 

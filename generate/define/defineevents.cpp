@@ -125,7 +125,7 @@ constexpr std::array dynamicMacros{
     Macro{"ISOTP_EVENT_DYNAMIC_CLIENT"_L1, count, "isotp_client_event"_L1},
 };
 
-constexpr std::array blocks{
+constexpr std::array eventBlocks{
     Block{""_L1, staticMacros},
     Block{"/* Definition of number of call-back functions for each service*/"_L1, dynamicMacros, registersDynamically},
 };
@@ -134,5 +134,5 @@ constexpr std::array blocks{
 
 std::span<const Block> DefineMacros::events()
 {
-    return blocks;
+    return eventBlocks;
 }

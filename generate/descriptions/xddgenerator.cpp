@@ -49,7 +49,7 @@ QLatin1StringView usdoAccess(const QString &access)
     return access == Access::WriteOnly ? "wo"_L1 : "rw"_L1;
 }
 
-bool showsDefault(const StoreRecords::SubIndexData &sub)
+bool hasOwnDefault(const StoreRecords::SubIndexData &sub)
 {
     return sub.defaultineds && !sub.defaultvalue.isEmpty() &&
            (sub.implementation == Implementation::Variable || sub.implementation == Implementation::ManagedConst);
@@ -214,7 +214,7 @@ private:
               {"MODIFICATION", sub.accesstype == Access::Const ? "false"_L1 : "true"_L1},
               {"USDO", usdoAccess(sub.accesstype)},
               {"PDO", sub.pdomapping.getXDDStringValue()},
-              {"DEFAULT", showsDefault(sub) ? attribute("defaultValue"_L1, quoted(sub.defaultvalue)) : QString()}});
+              {"DEFAULT", hasOwnDefault(sub) ? attribute("defaultValue"_L1, quoted(sub.defaultvalue)) : QString()}});
     }
 
     CodeWriter out_;

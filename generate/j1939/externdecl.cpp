@@ -73,10 +73,10 @@ void addElement(Dimension &dimension, const QString &index)
         dimension.indices.append(index);
 }
 
-class Collector
+class DeclarationCollector
 {
 public:
-    Collector(ObjectDataBase &store, const Dialect &dialect)
+    DeclarationCollector(ObjectDataBase &store, const Dialect &dialect)
         : store_(store)
         , sendersApart_(SafetyGroups::keepsSendersApart(store, dialect))
     {
@@ -109,8 +109,8 @@ Variable &memberOf(Variable &variable, const QString &name)
 }
 
 /// What the signal's data are an array of, behind the elements that its name leads to.
-void Collector::addOwnDimension(Variable &variable, qsizetype depth, const LineMessage &message,
-                                const StoreRecords::SPN &signal) const
+void DeclarationCollector::addOwnDimension(Variable &variable, qsizetype depth, const LineMessage &message,
+                                           const StoreRecords::SPN &signal) const
 {
     if (SignalType::isArray(signal.datatype)) {
         constexpr quint32 bitsPerByte = 8;
@@ -121,7 +121,7 @@ void Collector::addOwnDimension(Variable &variable, qsizetype depth, const LineM
     }
 }
 
-void Collector::addSignal(const LineMessage &message, const StoreRecords::SPN &signal)
+void DeclarationCollector::addSignal(const LineMessage &message, const StoreRecords::SPN &signal)
 {
     const auto path = pathOf(LineMessages::variable(signal));
     if (!path)
@@ -149,7 +149,7 @@ void Collector::addSignal(const LineMessage &message, const StoreRecords::SPN &s
     addOwnDimension(*variable, depth, message, signal);
 }
 
-void Collector::addMessage(const LineMessage &message)
+void DeclarationCollector::addMessage(const LineMessage &message)
 {
     result_.lines.last().messages.append(
         ExternDeclarations::Message{.number = message.head.number, .isCanId = message.isCanId});
@@ -157,7 +157,7 @@ void Collector::addMessage(const LineMessage &message)
         addSignal(message, signal);
 }
 
-void Collector::addMessages(const QList<LineMessage> &messages)
+void DeclarationCollector::addMessages(const QList<LineMessage> &messages)
 {
     for (const quint8 direction : {StoreRecords::receive, StoreRecords::transmit}) {
         for (const LineMessage &message : LineMessages::ofStack(messages, direction))
@@ -165,7 +165,7 @@ void Collector::addMessages(const QList<LineMessage> &messages)
     }
 }
 
-ExternDeclarations Collector::collect()
+ExternDeclarations DeclarationCollector::collect()
 {
     const Settings j1939(store_, Settings::Table::J1939);
     for (const quint8 line : LineSettings::stackLines(store_)) {
@@ -264,7 +264,7 @@ void writeVariable(CodeWriter &out, const Variable &variable, DeclarationForm fo
 
 ExternDeclarations ExternDeclarations::collect(ObjectDataBase &store, const Dialect &dialect)
 {
-    return Collector(store, dialect).collect();
+    return DeclarationCollector(store, dialect).collect();
 }
 
 void writeVariables(CodeWriter &out, const ExternDeclarations &declarations, DeclarationForm form)

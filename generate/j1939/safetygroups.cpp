@@ -22,23 +22,23 @@ namespace {
 
 /// What the stack calls the safety types of the project. The first is a safety data message behind its header; those of
 /// CAN FD follow the profile for functional safety. A group without a type that is known counts as the first.
-struct TypeWord
+struct GroupTypeWord
 {
     quint8 type;
     QLatin1StringView word;
     QLatin1StringView profile;
 };
 
-constexpr std::array typeWords{
-    TypeWord{1, "SDG_TYPE_0"_L1, "0u"_L1},
-    TypeWord{2, "SDG_TYPE_1"_L1, "SDG_FUSA_PROFILE_1"_L1},
-    TypeWord{3, "SDG_TYPE_2"_L1, "SDG_FUSA_PROFILE_1"_L1},
+constexpr std::array groupTypeWords{
+    GroupTypeWord{1, "SDG_TYPE_0"_L1, "0u"_L1},
+    GroupTypeWord{2, "SDG_TYPE_1"_L1, "SDG_FUSA_PROFILE_1"_L1},
+    GroupTypeWord{3, "SDG_TYPE_2"_L1, "SDG_FUSA_PROFILE_1"_L1},
 };
 
-TypeWord typeWord(quint8 type)
+GroupTypeWord typeWord(quint8 type)
 {
-    const auto row = std::ranges::find(typeWords, type, &TypeWord::type);
-    return row == typeWords.end() ? typeWords.front() : *row;
+    const auto row = std::ranges::find(groupTypeWords, type, &GroupTypeWord::type);
+    return row == groupTypeWords.end() ? groupTypeWords.front() : *row;
 }
 
 /// Names that mean something else where the statements with the variables stand: the parameters and results of the
@@ -74,7 +74,7 @@ SafetyGroups::Group groupOf(const LineMessage &message, bool canFd, bool perSend
     constexpr int dataPageBit = 16;
     constexpr quint32 dataPageMask = 3;
     const StoreRecords::PGN &head = message.head;
-    const TypeWord word = typeWord(head.safetytype);
+    const GroupTypeWord word = typeWord(head.safetytype);
     const SafetyType *type = safetyType(head.safetytype);
     SafetyGroups::Group group{.pgn = head.number | (head.edp_dp_key & dataPageMask) << dataPageBit,
                               .cycleMs = head.cycletime_ms,

@@ -90,7 +90,7 @@ void DictionaryCollect::managedVariables(DictionaryTables &tables)
         if (sub.data.implementation != Implementation::ManagedVariable || !type ||
             ServiceObjects::keepsValue(sub.index, sub.subindex) || isSharedElsewhere(sub))
             return;
-        ValueArray &array = tables.managed[static_cast<std::size_t>(*type)];
+        ValueArray &array = tables.managed[valueTypePlace(*type)];
         const quint32 key = subKey(sub);
         tables.variableIndexMap.insert(key, static_cast<quint16>(array.values.size()));
         array.values.push_back(parseValue(*type, sub.data.defaultvalue));
@@ -160,7 +160,7 @@ void DictionaryCollect::applicationVariables(DictionaryTables &tables)
             return;
         VariableArray *array = nullptr;
         if (const auto type = valueTypeOf(sub.data.datatype))
-            array = &tables.pointers[static_cast<std::size_t>(*type)];
+            array = &tables.pointers[valueTypePlace(*type)];
         else if (const auto table = textTableOf(sub.data.datatype))
             array = &tables.textVariables[static_cast<std::size_t>(*table)];
         else

@@ -41,7 +41,7 @@ constexpr std::array<TypeRow, valueTypeCount> typeRows{{
 
 const TypeRow &rowOf(ValueType type)
 {
-    return typeRows[static_cast<std::size_t>(type)];
+    return typeRows[valueTypePlace(type)];
 }
 
 qint64 signedValue(quint64 bits, int width)
@@ -160,7 +160,7 @@ PoolValue parseValue(ValueType type, const QString &text, int base)
 
 quint16 ConstantPool::add(const PoolValue &value)
 {
-    const auto type = static_cast<std::size_t>(value.type);
+    const auto type = valueTypePlace(value.type);
     std::vector<PoolValue> &values = arrays_[type].values;
     const quint64 key = poolKey(value);
     if (const auto known = positions_[type].constFind(key); known != positions_[type].constEnd())

@@ -24,6 +24,11 @@ enum class ValueType : quint8
     R32
 };
 inline constexpr std::size_t valueTypeCount = 12;
+/// The place of a type in a table that has an entry for each.
+constexpr std::size_t valueTypePlace(ValueType type)
+{
+    return static_cast<std::size_t>(type);
+}
 
 /// The array type of a data type code; none for strings, domains and numbers that the stack keeps in no array.
 /// BOOLEAN and numbers of 2 to 7 bits live in bytes, TIME_OF_DAY in 48 bits.
@@ -64,7 +69,7 @@ class ConstantPool
 public:
     /// Position of the value in the array of its type.
     quint16 add(const PoolValue &value);
-    const ValueArray &array(ValueType type) const { return arrays_[static_cast<std::size_t>(type)]; }
+    const ValueArray &array(ValueType type) const { return arrays_[valueTypePlace(type)]; }
 
 private:
     ValueArrays arrays_;

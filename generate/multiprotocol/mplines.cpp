@@ -8,12 +8,6 @@
 using namespace Qt::StringLiterals;
 using Code::dec;
 
-namespace {
-
-constexpr auto indent = "    "_L1;
-
-} // namespace
-
 void MpStartUpWriter::writeSeveralLines() const
 {
     writeEntryHead();

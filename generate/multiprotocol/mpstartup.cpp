@@ -16,8 +16,6 @@ using Code::dec;
 
 namespace {
 
-constexpr auto indent = "    "_L1;
-
 } // namespace
 
 MultiProtocols MultiProtocols::of(const RunContext &run)

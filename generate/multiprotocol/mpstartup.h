@@ -69,6 +69,8 @@ public:
     void write() const;
 
 private:
+    static constexpr QLatin1StringView indent{"    "};
+
     void writeStructures() const;
     void writeUdsOnly() const;
     void writeRawCanOnly() const;

@@ -7,11 +7,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr std::size_t at(ValueType type)
-{
-    return static_cast<std::size_t>(type);
-}
-
 // Whether an array stands in the file.
 
 template <ValueType type>
@@ -23,13 +18,13 @@ bool constant(const DictionaryTables &tables)
 template <ValueType type>
 bool managed(const DictionaryTables &tables)
 {
-    return !tables.managed[at(type)].values.empty();
+    return !tables.managed[valueTypePlace(type)].values.empty();
 }
 
 template <ValueType type>
 bool pointer(const DictionaryTables &tables)
 {
-    return !tables.pointers[at(type)].names.empty();
+    return !tables.pointers[valueTypePlace(type)].names.empty();
 }
 
 template <TextTable table>

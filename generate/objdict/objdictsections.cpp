@@ -20,11 +20,6 @@ constexpr ValueType managedOrder[] = {U8, U16, U24, U32, U40, U48, U64, I8, I16,
 constexpr ValueType constantOrder[] = {U8, U16, U32, U24, U40, U48, U64, I8, I16, I24, I32, R32};
 constexpr ValueType pointerOrder[] = {U8, U16, U32, U24, U40, U64, I8, I16, I24, I32, R32, U48};
 
-std::size_t at(ValueType type)
-{
-    return static_cast<std::size_t>(type);
-}
-
 /// The elements of an array up to its closing brace: `element` gives the text of a position.
 template <typename Element>
 void writeElements(CodeWriter &out, std::size_t count, const Element &element)
@@ -52,7 +47,7 @@ void writeKeyedElements(CodeWriter &out, const DictionaryTables &tables, const s
 
 void writeManagedArray(CodeWriter &out, const DictionaryTables &tables, const Dialect &dialect, ValueType type)
 {
-    const ValueArray &array = tables.managed[at(type)];
+    const ValueArray &array = tables.managed[valueTypePlace(type)];
     const QString specifier = tables.memorySpecifier.isEmpty() ? QString() : u" %1 "_s.arg(tables.memorySpecifier);
     out(u"static ${TYPE} ${CORE}STORAGE_CLASS\tod_${NAME}[${COUNT}]${SPECIFIER}${END}",
         {{"TYPE", valueTypeCType(type)},
@@ -123,7 +118,7 @@ void writeStringDefault(CodeWriter &out, const StringDefault &value)
 
 void writePointers(CodeWriter &out, const DictionaryTables &tables, const Dialect &dialect, ValueType type)
 {
-    const VariableArray &array = tables.pointers[at(type)];
+    const VariableArray &array = tables.pointers[valueTypePlace(type)];
     if (array.names.empty())
         return;
     out(u"static ${TYPE}${GAP}${CORE}CONST_STORAGE_CLASS * ${CORE}CONST \tod_ptr_${NAME}[${COUNT}] = {",
@@ -205,7 +200,7 @@ void ObjDictSections::managedVariables(CodeWriter &out, const DictionaryTables &
     out(u"");
     out(u"/* definition of managed variables */");
     for (const ValueType type : managedOrder) {
-        if (!tables.managed[at(type)].values.empty())
+        if (!tables.managed[valueTypePlace(type)].values.empty())
             writeManagedArray(out, tables, dialect, type);
     }
 }

@@ -60,7 +60,7 @@ private:
     quint16 nextNumber(quint16 dataType)
     {
         const auto type = valueTypeOf(dataType);
-        return type ? valueCounts_[static_cast<std::size_t>(*type)]++ : otherCounts_[dataType]++;
+        return type ? valueCounts_[valueTypePlace(*type)]++ : otherCounts_[dataType]++;
     }
 
     VirtualDescriptionRow description(const LineObject &object, const StoreRecords::SubEntry &sub, quint16 number)

@@ -15,8 +15,6 @@ namespace {
 using Mapped = SrdoTables::Mapped;
 using Srdo = SrdoTables::Srdo;
 
-constexpr quint32 bitsPerByte = 8;
-
 /// A variable of the module: one value, or one for each line.
 QString state(const SrdoTables &tables, const QString &declaration, const QString &value)
 {
@@ -74,14 +72,14 @@ QString shiftedByte(const QString &buffer, quint32 byte, quint32 shift, const QS
 /// The unsigned type that has the bytes of a kind.
 QString rawType(const SrdoTables::TypeKind &kind)
 {
-    return u"UNSIGNED%1"_s.arg(kind.bytes * bitsPerByte);
+    return u"UNSIGNED%1"_s.arg(kind.bytes * SrdoTables::bitsPerByte);
 }
 
 void writeReceived(CodeWriter &out, const SrdoTables &tables, const Mapped &mapped, quint32 firstByte)
 {
     QStringList bytes;
     for (quint32 i = 0; i < mapped.bytes; ++i)
-        bytes.append(shiftedByte(u"pData"_s, firstByte + i, i * bitsPerByte, rawType(mapped.kind)));
+        bytes.append(shiftedByte(u"pData"_s, firstByte + i, i * SrdoTables::bitsPerByte, rawType(mapped.kind)));
     const QString value = bytes.join(" | "_L1);
     if (mapped.kind.tag == "R32"_L1)
         out(uR"(
@@ -109,7 +107,7 @@ void writeTransmitted(CodeWriter &out, const SrdoTables &tables, const QString &
             {{"BUFFER", buffer},
              {"BYTE", dec(firstByte + i)},
              {"VALUE", value},
-             {"SHIFT", dec(quint64{i} * bitsPerByte)}});
+             {"SHIFT", dec(quint64{i} * SrdoTables::bitsPerByte)}});
 }
 
 void writeGap(CodeWriter &out, const QString &buffer, const Mapped &mapped, quint32 firstByte)

@@ -29,7 +29,6 @@ namespace {
 constexpr quint16 mappingOffset = 0x80;
 /// What stands in a mapping below this is a data type: a gap of its width.
 constexpr quint16 firstObject = CANopen::Index::firstCommunicationObject;
-constexpr quint32 bitsPerByte = 8;
 /// The statements split values of up to four bytes.
 constexpr quint32 maxMappedBits = 32;
 constexpr auto nodeIdMark = "$NODEID"_L1;
@@ -282,14 +281,14 @@ SrdoTables::Mapped Collector::mappedOf(quint32 entry, bool exchanged)
     SrdoTables::Mapped mapped{.line = line_->number,
                               .index = static_cast<quint16>(entry >> 16),
                               .subindex = static_cast<quint8>(entry >> 8),
-                              .bytes = bits / bitsPerByte};
+                              .bytes = bits / SrdoTables::bitsPerByte};
     mapped.isDummy = mapped.index < firstObject;
-    mapped.isSupported = bits > 0 && bits % bitsPerByte == 0;
+    mapped.isSupported = bits > 0 && bits % SrdoTables::bitsPerByte == 0;
     if (mapped.isDummy)
         return mapped;
     const Entry *sub = line_->entry(mapped.index, mapped.subindex);
     const auto kind = sub ? kindOf(sub->data.datatype) : std::nullopt;
-    if (!kind || kind->bytes * bitsPerByte != bits || bits > maxMappedBits) {
+    if (!kind || kind->bytes * SrdoTables::bitsPerByte != bits || bits > maxMappedBits) {
         mapped.isSupported = false;
         return mapped;
     }

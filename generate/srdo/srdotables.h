@@ -15,6 +15,8 @@ struct SrdoTables
     static SrdoTables collect(ObjectDataBase &store, bool multiLine, bool staticData);
 
     /// Groups of C types; the stack reaches the variables of each through a table of their own.
+    static constexpr quint32 bitsPerByte = 8;
+
     struct TypeKind
     {
         QString tag = {}; ///< "U8"

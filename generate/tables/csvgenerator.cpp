@@ -15,7 +15,7 @@ namespace {
 
 using Sub = StoreRecords::SubEntry;
 
-QString nameOf(const LineObject &object, const Sub &sub)
+QString entryNameOf(const LineObject &object, const Sub &sub)
 {
     const bool isVariable = object.data.objecttype == CANopen::Var;
     return field(isVariable ? object.name() : object.name() + u' ' + filledText(sub.data.name, sub));
@@ -28,10 +28,10 @@ QLatin1StringView implementationOf(const Sub &sub)
 }
 
 // clang-format off
-constexpr Column columns[] = {
+constexpr Column csvColumns[] = {
     Column{"Index"_L1, [](const LineObject &object, const Sub &) { return Code::hex0x(object.index, 4); }},
     Column{"Sub"_L1, [](const LineObject &, const Sub &sub) { return Code::hex0x(sub.subindex, 2); }},
-    Column{"EDSname"_L1, [](const LineObject &object, const Sub &sub) { return nameOf(object, sub); }},
+    Column{"EDSname"_L1, [](const LineObject &object, const Sub &sub) { return entryNameOf(object, sub); }},
     Column{"Datatype"_L1, [](const LineObject &, const Sub &sub) { return COHelper::index2DataTypeString(sub.data.datatype); }},
     Column{"Access"_L1, [](const LineObject &, const Sub &sub) { return field(sub.data.accesstype); }},
     Column{"Value"_L1, [](const LineObject &, const Sub &sub) { return field(TableFields::value(sub.data.datatype, sub.data.defaultvalue)); }},
@@ -60,7 +60,7 @@ QString CSVGenerator::fileName() const
 void CSVGenerator::writeHead(Utf8Sink &sink)
 {
     QStringList names;
-    for (const Column &column : columns)
+    for (const Column &column : csvColumns)
         names.append(column.name);
     sink << names.join(u',') << '\n';
 }
@@ -68,7 +68,7 @@ void CSVGenerator::writeHead(Utf8Sink &sink)
 void CSVGenerator::writeObject(Utf8Sink &sink, const LineObject &object)
 {
     for (const Sub &sub : object.subs) {
-        for (const Column &column : columns) {
+        for (const Column &column : csvColumns) {
             sink.put(column.field(object, sub));
             sink << ',';
         }

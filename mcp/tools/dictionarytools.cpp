@@ -57,7 +57,7 @@ Reply findIndices(const ToolCall &call)
     return Reply::text(DictionaryJson::listing(names));
 }
 
-constexpr Tool tools[] = {
+constexpr Tool dictionaryTools[] = {
     {"list_indices"_L1,
      "List the object dictionary indices defined on a line"_L1,
      {Arguments::line},
@@ -90,5 +90,5 @@ constexpr Tool tools[] = {
 
 std::span<const Tool> ToolFamilies::dictionary()
 {
-    return tools;
+    return dictionaryTools;
 }

@@ -20,7 +20,7 @@ constexpr Property excludeSafety =
 constexpr Property pgnName = Properties::string("name"_L1, "PGN name"_L1);
 constexpr Property priority = Properties::integer("priority"_L1, 0, 7, "J1939 priority, 0-7 (optional)"_L1);
 constexpr Property spnName = Properties::string("name"_L1, "SPN name"_L1);
-constexpr Property pos = Properties::integer("pos"_L1, 0, 255, "Display order within the PGN (optional)"_L1);
+constexpr Property spnPos = Properties::integer("pos"_L1, 0, 255, "Display order within the PGN (optional)"_L1);
 constexpr Property slotDf =
     Properties::integer("slotDf"_L1, 0, 65535, "NMEA2000/J1939 slot or dataformat code, opaque (optional)"_L1);
 
@@ -89,7 +89,7 @@ Reply getSPN(const ToolCall &call)
     return data ? Reply::json(pgns.describe(*data)) : pgns.missingSignal(call);
 }
 
-constexpr Tool tools[] = {
+constexpr Tool j1939Tools[] = {
     {"list_pgns"_L1,
      "List the J1939 PGNs defined on a line. Only valid for J1939 lines."_L1,
      {Arguments::line},
@@ -131,7 +131,7 @@ constexpr Tool tools[] = {
     {"add_spn"_L1,
      "Add a new SPN to an existing PGN. Fails if the PGN doesn't exist yet, or the SPN already exists."_L1,
      {Arguments::line, pgn, Arguments::direction, spn, spnName, Arguments::dataType},
-     {Arguments::bitPosition, Arguments::bitSize, Arguments::defaultValue, Arguments::description, pos, slotDf,
+     {Arguments::bitPosition, Arguments::bitSize, Arguments::defaultValue, Arguments::description, spnPos, slotDf,
       Arguments::varname},
      {projectIsOpen, keysAreGiven, directionIsKnown, storeIsReachable, lineIsJ1939, MessageTools::exists<pgns>,
       MessageTools::signalIsNew<pgns>},
@@ -148,5 +148,5 @@ constexpr Tool tools[] = {
 
 std::span<const Tool> ToolFamilies::j1939()
 {
-    return tools;
+    return j1939Tools;
 }

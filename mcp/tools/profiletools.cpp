@@ -143,7 +143,7 @@ Reply importProfileIndices(const ToolCall &call)
     return call.edited(sentence, import.imported.isEmpty());
 }
 
-constexpr Tool tools[] = {
+constexpr Tool profileTools[] = {
     {"list_profiles"_L1,
      "List the indices of the built-in reference profile databases. These are read-only internal profile databases "
      "shipped with this tool - they are not projects, cannot be opened, edited or saved, and are addressed by their id "
@@ -180,5 +180,5 @@ constexpr Tool tools[] = {
 
 std::span<const Tool> ToolFamilies::profiles()
 {
-    return tools;
+    return profileTools;
 }

@@ -96,7 +96,7 @@ Reply checkModel(const ToolCall &call)
     return Reply::json({{u"errorCount"_s, errors}, {u"errors"_s, QJsonArray::fromStringList(messages)}}, errors != 0);
 }
 
-constexpr Tool tools[] = {
+constexpr Tool projectTools[] = {
     {"open_project"_L1, "Open a .ncxp project file"_L1, {path}, {}, {keysAreGiven, pathIsGiven}, openProject},
     {"import_file"_L1,
      "Import a file into the currently open project. Format is auto-detected: .csv, .eds, .dcf, a .txt file whose name "
@@ -127,5 +127,5 @@ constexpr Tool tools[] = {
 
 std::span<const Tool> ToolFamilies::project()
 {
-    return tools;
+    return projectTools;
 }

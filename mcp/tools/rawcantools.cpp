@@ -18,7 +18,8 @@ constexpr Property number =
     Properties::integer("number"_L1, 0, maxNumber, "Data element number within this CAN-ID, decimal"_L1);
 constexpr Property canIdName = Properties::string("name"_L1, "CAN-ID name"_L1);
 constexpr Property elementName = Properties::string("name"_L1, "Data element name"_L1);
-constexpr Property pos = Properties::integer("pos"_L1, 0, 255, "Display order within the CAN-ID (optional)"_L1);
+constexpr Property dataElementPos =
+    Properties::integer("pos"_L1, 0, 255, "Display order within the CAN-ID (optional)"_L1);
 
 QString hexadecimal(quint32 id)
 {
@@ -80,7 +81,7 @@ Reply addCANID(const ToolCall &call)
     return canIds.added(call, call.store().addCANID(call.line(), canIds.numberOf(call), data));
 }
 
-constexpr Tool tools[] = {
+constexpr Tool rawCanTools[] = {
     {"list_can_ids"_L1,
      "List the raw CAN-IDs defined on a line. Only valid for RAW-CAN-compatible lines."_L1,
      {Arguments::line},
@@ -111,7 +112,7 @@ constexpr Tool tools[] = {
      "Add a new data element to an existing raw CAN-ID. Fails if the CAN-ID doesn't exist yet, or the data element "
      "number already exists."_L1,
      {Arguments::line, canId, Arguments::direction, number, elementName, Arguments::dataType},
-     {Arguments::bitPosition, Arguments::bitSize, Arguments::defaultValue, Arguments::description, pos,
+     {Arguments::bitPosition, Arguments::bitSize, Arguments::defaultValue, Arguments::description, dataElementPos,
       Arguments::varname},
      {projectIsOpen, keysAreGiven, directionIsKnown, storeIsReachable, lineIsRawCAN, MessageTools::exists<canIds>,
       MessageTools::signalIsNew<canIds>},
@@ -129,5 +130,5 @@ constexpr Tool tools[] = {
 
 std::span<const Tool> ToolFamilies::rawCan()
 {
-    return tools;
+    return rawCanTools;
 }

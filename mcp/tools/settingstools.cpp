@@ -314,7 +314,7 @@ Reply setSetting(const ToolCall &call)
     return write(call, *setting, text.text);
 }
 
-constexpr Tool tools[] = {
+constexpr Tool settingsTools[] = {
     {"get_settings"_L1,
      "Get the values of the curated project settings of a group, grouped by section as on the GUI tab. Values only - "
      "call get_setting for label, description, type, allowed values and dependencies of a key. bool settings are JSON "
@@ -346,5 +346,5 @@ constexpr Tool tools[] = {
 
 std::span<const Tool> ToolFamilies::settings()
 {
-    return tools;
+    return settingsTools;
 }

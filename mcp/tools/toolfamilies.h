@@ -10,14 +10,14 @@
 /// table, declare its function here and name it in the list of each server that has it (`ServerForm`), whose order is
 /// that of the catalogue.
 ///
-///     constexpr Tool tools[] = {
+///     constexpr Tool lineEditTools[] = {
 ///         {"delete_line"_L1, "Delete a line ...",
 ///          {Arguments::line},                                   // required arguments
 ///          {},                                                  // optional ones
 ///          {projectIsOpen, keysAreGiven, storeIsReachable, lineExists},
 ///          deleteLine},
 ///     };
-///     std::span<const Tool> ToolFamilies::lineEdits() { return tools; }
+///     std::span<const Tool> ToolFamilies::lineEdits() { return lineEditTools; }
 ///
 /// A handler is a function from a `ToolCall` to a `Reply`. It runs when the row's guards have let the call pass; one
 /// that changes the project answers with `ToolCall::edited`.

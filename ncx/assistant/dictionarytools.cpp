@@ -179,7 +179,7 @@ Reply setIndex(const ToolCall &call)
         u"Set on line %1, %2: %3."_s.arg(QString::number(call.line()), indexText(call.index()), changed.join(", "_L1)));
 }
 
-constexpr Tool tools[] = {
+constexpr Tool dictionaryTools[] = {
     {"set_index"_L1,
      "Change what is given of an object; its subindices stay. Example: {\"line\": 0, \"index\": 8192, \"description\": "
      "\"Oil temperature in 0.1 K\"}"_L1,
@@ -204,5 +204,5 @@ constexpr Tool tools[] = {
 
 std::span<const Tool> AssistantFamilies::dictionary()
 {
-    return tools;
+    return dictionaryTools;
 }

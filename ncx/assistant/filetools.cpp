@@ -223,7 +223,7 @@ Reply generate(const ToolCall &call)
                        data);
 }
 
-constexpr Tool tools[] = {
+constexpr Tool fileTools[] = {
     {"import_file"_L1,
      "Import a file into a line of the open project: device descriptions (.eds, .dcf), tables (.csv), CAN databases "
      "(.dbc), text documents (*doc*.txt), projects (.ncxp). The answer reports what came in and what was dropped. Use "
@@ -246,5 +246,5 @@ constexpr Tool tools[] = {
 
 std::span<const Tool> AssistantFamilies::files()
 {
-    return tools;
+    return fileTools;
 }

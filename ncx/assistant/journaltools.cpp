@@ -47,7 +47,7 @@ Reply redo(const ToolCall &call)
                 u"There is no edit to redo: nothing was undone, or an edit came after it."_s);
 }
 
-constexpr Tool tools[] = {
+constexpr Tool journalTools[] = {
     {"undo"_L1,
      "Take back the last edits of the open project, newest first, each as a whole. Use it when an edit did not do what "
      "you meant. Example: {\"steps\": 2}"_L1,
@@ -67,5 +67,5 @@ constexpr Tool tools[] = {
 
 std::span<const Tool> AssistantFamilies::journal()
 {
-    return tools;
+    return journalTools;
 }

@@ -17,9 +17,9 @@ using Arguments::lineTypeNames;
 namespace {
 
 constexpr Property lineType = Properties::choice("lineType"_L1, lineTypeNames, "Protocols of the line"_L1);
-constexpr Property name = Properties::string("name"_L1, "Line name"_L1);
+constexpr Property lineName = Properties::string("name"_L1, "Line name"_L1);
 constexpr Property isMaster = Properties::boolean("isMaster"_L1, "Line acts as NMT master (CANopen)"_L1);
-constexpr Property nodeId = Properties::integer("nodeId"_L1, 1, 127, "Node-id of a CANopen line"_L1);
+constexpr Property lineNodeId = Properties::integer("nodeId"_L1, 1, 127, "Node-id of a CANopen line"_L1);
 constexpr Property prefix = Properties::string("prefix"_L1, "Prefix of generated symbols"_L1);
 constexpr Property excludeGeneration = Properties::boolean("excludeGeneration"_L1, "Generate nothing for this line"_L1);
 
@@ -41,13 +41,13 @@ void writeRecord(const ToolCall &call, Written &written)
 {
     auto data = call.store().getNode(call.line()).value_or(ObjectDataBase::NODE_DATA_T());
     QList<QLatin1StringView> given;
-    for (const Property *property : {&name, &isMaster, &prefix, &excludeGeneration}) {
+    for (const Property *property : {&lineName, &isMaster, &prefix, &excludeGeneration}) {
         if (call.has(property->name))
             given.append(property->name);
     }
     if (given.isEmpty())
         return;
-    data.name = call.text(name.name, data.name);
+    data.name = call.text(lineName.name, data.name);
     data.prefix = call.text(prefix.name, data.prefix);
     data.ismaster = call.has(isMaster.name) ? call.flag(isMaster.name) : data.ismaster;
     data.excludegeneration =
@@ -66,10 +66,11 @@ Reply setLine(const ToolCall &call)
         const int code = NewProject::lineType(call.text(lineType.name));
         written.note(lineType.name, call.store().setGeneralSetting(u"line%1type"_s.arg(line), QString::number(code)));
     }
-    if (call.has(nodeId.name))
-        written.note(nodeId.name,
+    if (call.has(lineNodeId.name))
+        written.note(lineNodeId.name,
                      call.store().setGeneralSetting(
-                         u"co_node_id"_s, call.text(nodeId.name, QString::number(call.number<int>(nodeId.name))), line,
+                         u"co_node_id"_s,
+                         call.text(lineNodeId.name, QString::number(call.number<int>(lineNodeId.name))), line,
                          Quotes::Kept));
     if (written.names.isEmpty())
         return Reply::invalidParams(u"Nothing to set: give name, lineType, nodeId, isMaster, prefix or "
@@ -115,12 +116,12 @@ Reply deleteLine(const ToolCall &call)
     return call.edited(u"Line %1 deleted with all that it had."_s.arg(call.line()));
 }
 
-constexpr Tool tools[] = {
+constexpr Tool lineTools[] = {
     {"set_line"_L1,
      "Change what is given of a line: its name, protocols, node-id, NMT role. Objects and messages stay. Example: "
      "{\"line\": 0, \"name\": \"machine bus\", \"nodeId\": 32}"_L1,
      {Arguments::line},
-     {name, lineType, nodeId, isMaster, prefix, excludeGeneration},
+     {lineName, lineType, lineNodeId, isMaster, prefix, excludeGeneration},
      {projectIsOpen, storeIsReachable, lineExists},
      setLine},
     {"delete_line"_L1,
@@ -135,5 +136,5 @@ constexpr Tool tools[] = {
 
 std::span<const Tool> AssistantFamilies::lines()
 {
-    return tools;
+    return lineTools;
 }

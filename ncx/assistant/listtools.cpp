@@ -136,7 +136,7 @@ Reply listCanIds(const ToolCall &call)
     }));
 }
 
-constexpr Tool tools[] = {
+constexpr Tool listTools[] = {
     {"list_indices"_L1,
      "List the object dictionary indices of a line, in pages. Use filters rather than reading a large dictionary page "
      "by "
@@ -185,5 +185,5 @@ constexpr Tool tools[] = {
 
 std::span<const Tool> AssistantFamilies::lists()
 {
-    return tools;
+    return listTools;
 }

@@ -205,7 +205,7 @@ Reply saveProject(const ToolCall &call)
     return Reply::both(text, data);
 }
 
-constexpr Tool tools[] = {
+constexpr Tool projectTools[] = {
     {"new_project"_L1,
      "Make a project file that passes its check and open it; use this to build a device from nothing. CANopen lines "
      "have the mandatory objects of CiA 301 and of the profiles, J1939 lines a NAME and an address. Example: "
@@ -234,5 +234,5 @@ constexpr Tool tools[] = {
 
 std::span<const Tool> AssistantFamilies::project()
 {
-    return tools;
+    return projectTools;
 }

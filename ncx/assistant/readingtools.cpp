@@ -152,7 +152,7 @@ Reply diffProject(const ToolCall &call)
     return Reply::json(Paging::page(call, told.size(), [&told](qsizetype place) { return told.at(place).toJson(); }));
 }
 
-constexpr Tool tools[] = {
+constexpr Tool readingTools[] = {
     {"check_model"_L1,
      "Tell what the check finds in the open project, unsaved edits included: severity, rule, place, message and what "
      "to "
@@ -183,5 +183,5 @@ constexpr Tool tools[] = {
 
 std::span<const Tool> AssistantFamilies::reading()
 {
-    return tools;
+    return readingTools;
 }

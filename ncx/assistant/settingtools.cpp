@@ -137,7 +137,7 @@ Reply setJ1939Setting(const ToolCall &call)
     return call.edited(u"J1939 setting %1 of line %2 set to %3."_s.arg(key).arg(call.line()).arg(value));
 }
 
-constexpr Tool tools[] = {
+constexpr Tool settingTools[] = {
     {"list_description_settings"_L1,
      "List what device descriptions (EDS, XDD) say of the device beside its objects, for a CANopen line: names, "
      "versions, "
@@ -175,5 +175,5 @@ constexpr Tool tools[] = {
 
 std::span<const Tool> AssistantFamilies::settings()
 {
-    return tools;
+    return settingTools;
 }

@@ -14,15 +14,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int jsonVersion = 1;
+constexpr int checkJsonVersion = 1;
 
-constexpr Operand operands[] = {{.name = "PROJECT"_L1,
-                                 .text = "the projects to check"_L1,
-                                 .least = 1,
-                                 .most = anyNumber,
-                                 .offer = Offer::Projects}};
+constexpr Operand checkOperands[] = {{.name = "PROJECT"_L1,
+                                      .text = "the projects to check"_L1,
+                                      .least = 1,
+                                      .most = anyNumber,
+                                      .offer = Offer::Projects}};
 
-constexpr Option options[] = {
+constexpr Option checkOptions[] = {
     {.name = "group"_L1,
      .letter = 'g',
      .value = "NAME"_L1,
@@ -33,7 +33,7 @@ constexpr Option options[] = {
     {.name = "strict"_L1, .letter = 's', .text = "let warnings count as errors do"_L1},
 };
 
-constexpr QLatin1StringView details[] = {
+constexpr QLatin1StringView checkDetails[] = {
     "Each finding is told as FILE:LINE: error: object INDEX:SUBINDEX: ..., with the line in a project in text form, "
     "and "
     "below it what to do. Errors stop a generation; a warning belongs to a group, in brackets, which a project may "
@@ -41,7 +41,7 @@ constexpr QLatin1StringView details[] = {
     "The exit code is 1 if there is an error, or with --strict a warning, and 2 if a project could not be opened."_L1,
 };
 
-constexpr Example examples[] = {
+constexpr Example checkExamples[] = {
     {"ncx check device.ncxt"_L1, "tells what is wrong, and where"_L1},
     {"ncx check --strict --group=WG_NAMING *.ncxt"_L1, "fails where a name is missing or used twice"_L1},
     {"ncx check --json device.ncxp"_L1, "the same for a program"_L1},
@@ -87,7 +87,7 @@ int checkProject(const Invocation &call, const QString &path, QJsonArray &projec
     return counts ? Findings : Done;
 }
 
-int run(const Invocation &call)
+int runCheck(const Invocation &call)
 {
     QJsonArray projects;
     int result = Done;
@@ -96,7 +96,7 @@ int run(const Invocation &call)
     if (call.isSet("json"_L1))
         call.terminal().write(QString::fromUtf8(
             QJsonDocument(
-                QJsonObject{{u"format"_s, u"ncx-check"_s}, {u"version"_s, jsonVersion}, {u"projects"_s, projects}})
+                QJsonObject{{u"format"_s, u"ncx-check"_s}, {u"version"_s, checkJsonVersion}, {u"projects"_s, projects}})
                 .toJson()));
     return result;
 }
@@ -106,9 +106,9 @@ int run(const Invocation &call)
 constexpr Command Commands::check{
     .name = "check"_L1,
     .summary = "tell what is wrong with projects, without changing them"_L1,
-    .operands = operands,
-    .options = options,
-    .details = details,
-    .examples = examples,
-    .run = run,
+    .operands = checkOperands,
+    .options = checkOptions,
+    .details = checkDetails,
+    .examples = checkExamples,
+    .run = runCheck,
 };

@@ -13,7 +13,7 @@ constexpr Option common[] = {
     {.name = "help"_L1, .letter = 'h', .text = "tell about this command and end"_L1},
 };
 
-constexpr QLatin1StringView details[] = {
+constexpr QLatin1StringView programDetails[] = {
     "Answers go to standard output, everything else to standard error. A command ends with 0 if it is done, with 1 if "
     "there are findings or differences, and with 2 if it could not be done."_L1,
     "A project is a database (.ncxp) or a text (.ncxt). No command changes one but those whose purpose that is."_L1,
@@ -24,7 +24,7 @@ constexpr Program ncx{
     .summary = "make, check, show, compare and build projects of CAN devices"_L1,
     .commands = all,
     .options = common,
-    .details = details,
+    .details = programDetails,
 };
 
 } // namespace

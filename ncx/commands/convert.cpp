@@ -12,26 +12,26 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr Operand operands[] = {
+constexpr Operand convertOperands[] = {
     {.name = "IN"_L1, .text = "the project"_L1, .offer = Offer::Projects},
     {.name = "OUT"_L1,
      .text = "the new file; in text form if its name ends in .ncxt, else a database"_L1,
      .offer = Offer::Files},
 };
 
-constexpr Option options[] = {
+constexpr Option convertOptions[] = {
     {.name = "force"_L1, .text = "replace OUT if it exists; a database that is replaced stays as OUT.bak"_L1},
     {.name = "lossy"_L1, .text = "leave out what the text form cannot hold"_L1},
 };
 
-constexpr QLatin1StringView details[] = {
+constexpr QLatin1StringView convertDetails[] = {
     "The text form is made for version control. It has no place for raw CAN messages, descriptions of PGNs and SPNs "
     "and "
     "some tables; if IN has such things, they are listed, and nothing is written without --lossy."_L1,
     "Nothing is corrected on the way, but files of older versions come out in the present layout."_L1,
 };
 
-constexpr Example examples[] = {
+constexpr Example convertExamples[] = {
     {"ncx convert device.ncxp device.ncxt"_L1, "a text that can be compared and merged"_L1},
     {"ncx convert device.ncxt device.ncxp"_L1, "and back"_L1},
 };
@@ -61,7 +61,7 @@ bool acceptsLosses(const Invocation &call, ObjectDataBase &store)
     return isLossy;
 }
 
-int run(const Invocation &call)
+int runConvert(const Invocation &call)
 {
     Terminal &terminal = call.terminal();
     const QString in = call.operand(0);
@@ -94,9 +94,9 @@ int run(const Invocation &call)
 constexpr Command Commands::convert{
     .name = "convert"_L1,
     .summary = "turn a project into its text form or into a database"_L1,
-    .operands = operands,
-    .options = options,
-    .details = details,
-    .examples = examples,
-    .run = run,
+    .operands = convertOperands,
+    .options = convertOptions,
+    .details = convertDetails,
+    .examples = convertExamples,
+    .run = runConvert,
 };

@@ -13,12 +13,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr Operand operands[] = {
+constexpr Operand diffOperands[] = {
     {.name = "OLD"_L1, .text = "a project, or a device description (.eds, .dcf)"_L1, .offer = Offer::Projects},
     {.name = "NEW"_L1, .text = "what it has become"_L1, .offer = Offer::Projects},
 };
 
-constexpr Option options[] = {
+constexpr Option diffOptions[] = {
     {.name = "breaking"_L1, .letter = 'b', .text = "only what breaks the other side of the bus"_L1},
     {.name = "force"_L1, .text = "replace FILE if it exists"_L1},
     {.name = "html"_L1, .value = "FILE"_L1, .text = "write a page that shows the changes, with the frames of both"_L1},
@@ -29,7 +29,7 @@ constexpr Option options[] = {
      .text = "this line only; with a description, the line that it describes, else the first with CANopen"_L1},
 };
 
-constexpr QLatin1StringView details[] = {
+constexpr QLatin1StringView diffDetails[] = {
     "The devices are compared, not the files: texts and databases, another order, 16 and 0x10 make no difference. With "
     "a "
     "description on one side, only what descriptions say is compared."_L1,
@@ -40,7 +40,7 @@ constexpr QLatin1StringView details[] = {
     "The exit code is 1 if something differs, with --breaking if something breaks."_L1,
 };
 
-constexpr Example examples[] = {
+constexpr Example diffExamples[] = {
     {"ncx diff before.ncxt after.ncxp"_L1, "tells what has become another"_L1},
     {"ncx diff --breaking released.eds device.ncxt"_L1, "fails where a device is no longer what its EDS says"_L1},
     {"ncx diff before.ncxt after.ncxt --html changes.html"_L1, "a page for a browser, in one file"_L1},
@@ -134,7 +134,7 @@ int writePage(const Invocation &call, const DeviceChanges &changes, const QList<
         {{.path = call.operand(0), .text = u"OLD"_s}, {.path = call.operand(1), .text = u"NEW"_s}});
 }
 
-int run(const Invocation &call)
+int runDiff(const Invocation &call)
 {
     if (call.isSet("html"_L1) && call.isSet("json"_L1))
         return call.refuse(u"--html goes with no other form"_s);
@@ -164,9 +164,9 @@ int run(const Invocation &call)
 constexpr Command Commands::diff{
     .name = "diff"_L1,
     .summary = "tell what differs between two devices, and what of it breaks the bus"_L1,
-    .operands = operands,
-    .options = options,
-    .details = details,
-    .examples = examples,
-    .run = run,
+    .operands = diffOperands,
+    .options = diffOptions,
+    .details = diffDetails,
+    .examples = diffExamples,
+    .run = runDiff,
 };

@@ -21,10 +21,10 @@ namespace {
 using Change = FolderGeneration::Change;
 using File = FolderGeneration::File;
 
-constexpr Operand operands[] = {
+constexpr Operand generateOperands[] = {
     {.name = "PROJECT"_L1, .text = "the project to generate from"_L1, .offer = Offer::Projects}};
 
-constexpr Option options[] = {
+constexpr Option generateOptions[] = {
     {.name = "import"_L1,
      .letter = 'i',
      .value = "FILE"_L1,
@@ -55,7 +55,7 @@ constexpr Option options[] = {
     {.name = "quiet"_L1, .letter = 'q', .text = "tell warnings and errors only"_L1},
 };
 
-constexpr QLatin1StringView details[] = {
+constexpr QLatin1StringView generateDetails[] = {
     "Writes what a run of ncx_cli writes, into the folder of choice. A file in which nothing but the moment of its "
     "generation would change stays as it is, so that nothing is compiled anew without a reason. The project is not "
     "changed."_L1,
@@ -63,7 +63,7 @@ constexpr QLatin1StringView details[] = {
     "exit code is 1."_L1,
 };
 
-constexpr Example examples[] = {
+constexpr Example generateExamples[] = {
     {"ncx generate device.ncxt"_L1, "writes the sources and documents beside the project"_L1},
     {"ncx generate device.ncxt --out=generated --only='gen_*'"_L1,
      "writes the C sources into a folder of their own"_L1},
@@ -184,7 +184,7 @@ bool makeVariant(const Invocation &call, OpenedProject &project)
     return reason.isEmpty();
 }
 
-int run(const Invocation &call)
+int runGenerate(const Invocation &call)
 {
     Terminal &terminal = call.terminal();
     OpenedProject project;
@@ -238,9 +238,9 @@ int run(const Invocation &call)
 constexpr Command Commands::generate{
     .name = "generate"_L1,
     .summary = "check a project and write its sources, descriptions and documents"_L1,
-    .operands = operands,
-    .options = options,
-    .details = details,
-    .examples = examples,
-    .run = run,
+    .operands = generateOperands,
+    .options = generateOptions,
+    .details = generateDetails,
+    .examples = generateExamples,
+    .run = runGenerate,
 };

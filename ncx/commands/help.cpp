@@ -13,22 +13,22 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr Operand operands[] = {{.name = "COMMAND"_L1,
-                                 .text = "the command to tell about; all of them without it"_L1,
-                                 .least = 0,
-                                 .offer = Offer::Commands}};
+constexpr Operand helpOperands[] = {{.name = "COMMAND"_L1,
+                                     .text = "the command to tell about; all of them without it"_L1,
+                                     .least = 0,
+                                     .offer = Offer::Commands}};
 
-constexpr Option options[] = {
+constexpr Option helpOptions[] = {
     {.name = "man"_L1, .text = "write the manual, for man(1)"_L1},
     {.name = "bash"_L1, .text = "write the completion of command lines, for bash"_L1},
 };
 
-constexpr Example examples[] = {
+constexpr Example helpExamples[] = {
     {"ncx help check"_L1, "tells what 'ncx check --help' tells"_L1},
     {"source <(ncx help --bash)"_L1, "completes commands, options and names of projects in this shell"_L1},
 };
 
-int run(const Invocation &call)
+int runHelp(const Invocation &call)
 {
     const Program &program = call.program();
     Terminal &terminal = call.terminal();
@@ -57,9 +57,9 @@ int run(const Invocation &call)
 constexpr Command Commands::help{
     .name = "help"_L1,
     .summary = "tell about the program or one of its commands"_L1,
-    .operands = operands,
-    .options = options,
+    .operands = helpOperands,
+    .options = helpOptions,
     .details = {},
-    .examples = examples,
-    .run = run,
+    .examples = helpExamples,
+    .run = runHelp,
 };

@@ -19,9 +19,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int jsonVersion = 1;
+constexpr int importJsonVersion = 1;
 
-constexpr Operand operands[] = {
+constexpr Operand importOperands[] = {
     {.name = "PROJECT"_L1, .text = "the project that takes the files, and is saved"_L1, .offer = Offer::Projects},
     {.name = "FILE"_L1,
      .text = "device descriptions (.eds, .dcf), tables (.csv), CAN databases (.dbc), text documents "
@@ -30,7 +30,7 @@ constexpr Operand operands[] = {
      .offer = Offer::Files},
 };
 
-constexpr Option options[] = {
+constexpr Option importOptions[] = {
     {.name = "json"_L1, .letter = 'j', .text = "answer in JSON, form ncx-import version 1"_L1},
     {.name = "line"_L1, .letter = 'l', .value = "N"_L1, .text = "the line that takes the files; 0 without it"_L1},
     {.name = "node"_L1,
@@ -40,7 +40,7 @@ constexpr Option options[] = {
     {.name = "lossy"_L1, .text = "save as text even what the text form cannot hold"_L1},
 };
 
-constexpr QLatin1StringView details[] = {
+constexpr QLatin1StringView importDetails[] = {
     "Adds to the line and replaces what is there under the same address; nothing is removed. The answer tells what was "
     "taken, and each part of a file that was dropped, with its line. If a file cannot be imported, or brings nothing, "
     "the "
@@ -52,7 +52,7 @@ constexpr QLatin1StringView details[] = {
     "PROJECT.bak."_L1,
 };
 
-constexpr Example examples[] = {
+constexpr Example importExamples[] = {
     {"ncx import device.ncxt drive.eds"_L1, "takes a maker's objects into line 0"_L1},
     {"ncx import sensor.ncxp bus.dbc --node=Sensor"_L1, "takes what one node of a bus sends and receives"_L1},
     {"ncx import gateway.ncxp sensors.csv --line=2"_L1, "takes a table into line 2"_L1},
@@ -198,7 +198,7 @@ void tell(const Invocation &call, const QList<Imported> &all)
     }
     if (call.isSet("json"_L1))
         terminal.write(QString::fromUtf8(QJsonDocument(QJsonObject{{u"format"_s, u"ncx-import"_s},
-                                                                   {u"version"_s, jsonVersion},
+                                                                   {u"version"_s, importJsonVersion},
                                                                    {u"project"_s, call.operand()},
                                                                    {u"files"_s, list}})
                                              .toJson()));
@@ -220,7 +220,7 @@ QString save(const Invocation &call, OpenedProject &project)
     return project.saveAs(project.path());
 }
 
-int run(const Invocation &call)
+int runImport(const Invocation &call)
 {
     OpenedProject project;
     call.terminal().step(u"reading %1"_s.arg(call.operand()));
@@ -258,9 +258,9 @@ int run(const Invocation &call)
 constexpr Command Commands::importFiles{
     .name = "import"_L1,
     .summary = "take descriptions, tables, documents and projects into a project"_L1,
-    .operands = operands,
-    .options = options,
-    .details = details,
-    .examples = examples,
-    .run = run,
+    .operands = importOperands,
+    .options = importOptions,
+    .details = importDetails,
+    .examples = importExamples,
+    .run = runImport,
 };

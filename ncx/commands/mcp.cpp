@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr Option options[] = {
+constexpr Option mcpOptions[] = {
     {.name = "root"_L1,
      .letter = 'r',
      .value = "DIR"_L1,
@@ -26,7 +26,7 @@ constexpr Option options[] = {
      .text = "listen on this port of 127.0.0.1, for several clients; 0 takes a free port and tells it"_L1},
 };
 
-constexpr QLatin1StringView details[] = {
+constexpr QLatin1StringView mcpDetails[] = {
     "A server of the Model Context Protocol on standard input and output, for one client: an assistant makes, reads, "
     "edits, checks, saves and builds projects through tools. It ends with its input; what is not saved by then is lost."_L1,
     "With --http it is one over Streamable HTTP instead, at /mcp, which no other machine reaches. A client shows the "
@@ -36,13 +36,13 @@ constexpr QLatin1StringView details[] = {
     "Answers are short and say the next step; edits can be undone. The tools of 'ncx_cli --mcp' are among these."_L1,
 };
 
-constexpr Example examples[] = {
+constexpr Example mcpExamples[] = {
     {"ncx mcp --root=/projects/device"_L1, "what a client is registered with"_L1},
     {"NCX_MCP_TOKEN=$(cat token) ncx mcp --http=8123"_L1,
      "serve http://127.0.0.1:8123/mcp to whoever knows the token"_L1},
 };
 
-int run(const Invocation &call)
+int runMcp(const Invocation &call)
 {
     for (const QString &folder : call.values("root"_L1)) {
         if (QFileInfo(folder).isDir())
@@ -65,8 +65,8 @@ constexpr Command Commands::mcp{
     .name = "mcp"_L1,
     .summary = "serve an assistant that builds devices"_L1,
     .operands = {},
-    .options = options,
-    .details = details,
-    .examples = examples,
-    .run = run,
+    .options = mcpOptions,
+    .details = mcpDetails,
+    .examples = mcpExamples,
+    .run = runMcp,
 };

@@ -23,14 +23,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr Operand operands[] = {{.name = "PROJECT"_L1,
-                                 .text = "the new file; in text form if its name ends in .ncxt, else a database"_L1,
-                                 .offer = Offer::Projects}};
+constexpr Operand newOperands[] = {{.name = "PROJECT"_L1,
+                                    .text = "the new file; in text form if its name ends in .ncxt, else a database"_L1,
+                                    .offer = Offer::Projects}};
 
 constexpr QLatin1StringView types[] = {"CANopen"_L1,       "J1939"_L1,          "RawCAN"_L1,
                                        "CANopen+J1939"_L1, "CANopen+RawCAN"_L1, "J1939+RawCAN"_L1};
 
-constexpr Option options[] = {
+constexpr Option newOptions[] = {
     {.name = "configured"_L1, .text = "take the parameter values of a DCF as default values"_L1},
     {.name = "force"_L1, .text = "replace PROJECT if it exists; a database that is replaced stays as PROJECT.bak"_L1},
     {.name = "from"_L1,
@@ -55,7 +55,7 @@ constexpr Option options[] = {
     {.name = "repair"_L1, .text = "mend what is wrong in the description, by the smallest change"_L1},
 };
 
-constexpr QLatin1StringView details[] = {
+constexpr QLatin1StringView newDetails[] = {
     "Makes a project that passes the check and generates: CANopen lines have the objects that CiA 301 and the profiles "
     "demand, J1939 lines a name and an address. What only its maker knows is 0 and wants to be set: vendor-ID, product "
     "code and revision in 0x1018, and the name of a J1939 line in the J1939 settings."_L1,
@@ -65,13 +65,13 @@ constexpr QLatin1StringView details[] = {
     "whole in PROJECT.report.txt."_L1,
 };
 
-constexpr Example examples[] = {
+constexpr Example newExamples[] = {
     {"ncx new device.ncxt --node-id=32 --profile=401"_L1, "an I/O module on one CANopen line"_L1},
     {"ncx new gateway.ncxp --line=CANopen --line=J1939"_L1, "a device of two lines"_L1},
     {"ncx new drive.ncxt --from=drive.eds --repair"_L1, "a project from what a maker delivers"_L1},
 };
 
-constexpr int jsonVersion = 1;
+constexpr int newJsonVersion = 1;
 constexpr int lowestNodeId = 1;
 constexpr int highestNodeId = 127;
 
@@ -185,7 +185,7 @@ QString saveBoth(OpenedProject &project, const QString &path, const QByteArray &
 void answerJson(const Invocation &call, QJsonObject content)
 {
     content.insert(u"format"_s, u"ncx-new"_s);
-    content.insert(u"version"_s, jsonVersion);
+    content.insert(u"version"_s, newJsonVersion);
     content.insert(u"project"_s, call.operand());
     call.terminal().write(QString::fromUtf8(QJsonDocument(content).toJson()));
 }
@@ -230,7 +230,7 @@ int runWithDescription(const Invocation &call, const NewProject &wish)
     return report.count(SettlingTopic::Kind::Left) > 0 ? Findings : Done;
 }
 
-int run(const Invocation &call)
+int runNew(const Invocation &call)
 {
     const QString path = call.operand();
     const std::optional<NewProject> wish = wishOf(call);
@@ -259,9 +259,9 @@ int run(const Invocation &call)
 constexpr Command Commands::newProject{
     .name = "new"_L1,
     .summary = "make a project that passes its check"_L1,
-    .operands = operands,
-    .options = options,
-    .details = details,
-    .examples = examples,
-    .run = run,
+    .operands = newOperands,
+    .options = newOptions,
+    .details = newDetails,
+    .examples = newExamples,
+    .run = runNew,
 };

@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr Operand operands[] = {
+constexpr Operand showOperands[] = {
     {.name = "PROJECT"_L1, .text = "the project"_L1, .offer = Offer::Projects},
     {.name = "WHAT"_L1,
      .text =
@@ -27,7 +27,7 @@ constexpr Operand operands[] = {
      .least = 0},
 };
 
-constexpr Option options[] = {
+constexpr Option showOptions[] = {
     {.name = "force"_L1, .text = "replace FILE if it exists"_L1},
     {.name = "html"_L1,
      .value = "FILE"_L1,
@@ -41,14 +41,14 @@ constexpr Option options[] = {
     {.name = "svg"_L1, .value = "FILE"_L1, .text = "write the frame of a PDO, a PGN or a CAN-ID as a picture"_L1},
 };
 
-constexpr QLatin1StringView details[] = {
+constexpr QLatin1StringView showDetails[] = {
     "A PDO, a PGN and a raw message are drawn as frames, byte for byte and bit for bit, bit 7 on the left. A number "
     "without 0x is a PGN or CAN-ID in decimal and an index in hexadecimal; all that fits is shown."_L1,
     "--all writes all that a project says in lines, the same for the same device; git takes that for comparisons."_L1,
     "Texts are cut where a terminal is too narrow for them, and nowhere else: 'COLUMNS=200 ncx show ...' cuts less."_L1,
 };
 
-constexpr Example examples[] = {
+constexpr Example showExamples[] = {
     {"ncx show device.ncxt"_L1, "lines, counts, PDOs and messages"_L1},
     {"ncx show device.ncxt 0x1a00"_L1, "a mapping object, with the frame that it describes"_L1},
     {"ncx show sensor.ncxt 65262"_L1, "a PGN with its SPNs"_L1},
@@ -272,7 +272,7 @@ int showAll(const Invocation &call)
     return CouldNot;
 }
 
-int run(const Invocation &call)
+int runShow(const Invocation &call)
 {
     if (const QString reason = contradiction(call); !reason.isEmpty())
         return call.refuse(reason);
@@ -301,9 +301,9 @@ int run(const Invocation &call)
 constexpr Command Commands::show{
     .name = "show"_L1,
     .summary = "show a device, an object, a PDO or a message"_L1,
-    .operands = operands,
-    .options = options,
-    .details = details,
-    .examples = examples,
-    .run = run,
+    .operands = showOperands,
+    .options = showOptions,
+    .details = showDetails,
+    .examples = showExamples,
+    .run = runShow,
 };

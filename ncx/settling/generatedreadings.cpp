@@ -13,11 +13,6 @@ using namespace CANopen;
 
 namespace {
 
-SettlingTopic topicOf(const QString &title, const QString &reason, const QString &next = {})
-{
-    return {SettlingTopic::Kind::Read, title, reason, next};
-}
-
 bool isGroup(const SettledLine::Object &object)
 {
     return object.objecttype == Array || object.objecttype == Record;
@@ -124,8 +119,8 @@ void tellHead(SettledLine &line, const DescriptionText::Entry &entry)
 
 void tellHeads(SettledLine &line)
 {
-    line.setTopic(topicOf(u"What a generated description has of its own, or not at all"_s,
-                          u"It tells what the project has, or what the program always writes."_s));
+    line.setReading(u"What a generated description has of its own, or not at all"_s,
+                    u"It tells what the project has, or what the program always writes."_s);
     for (const auto &[name, keys] : keptKeys) {
         const DescriptionText::Section *section = line.file().section(name);
         QStringList anew;
@@ -146,8 +141,8 @@ void tellHeads(SettledLine &line)
 /// A generated description has the highest subindex in subindex 0 of a maker's or profile's object.
 void tellCounts(SettledLine &line)
 {
-    line.setTopic(topicOf(u"Subindex 0 tells the highest subindex in a generated description"_s,
-                          u"The project has another value, which the device starts with."_s));
+    line.setReading(u"Subindex 0 tells the highest subindex in a generated description"_s,
+                    u"The project has another value, which the device starts with."_s);
     for (auto object = line.objects().begin(); object != line.objects().end(); ++object) {
         const quint16 index = object.key();
         const QList<quint8> subindices = line.subindicesOf(index);
@@ -164,8 +159,8 @@ void tellCounts(SettledLine &line)
 
 void tellSubNumbers(SettledLine &line)
 {
-    line.setTopic(topicOf(u"The number of subindices is that of those that are there"_s,
-                          u"SubNumber tells another one."_s, u"See whether some are missing."_s));
+    line.setReading(u"The number of subindices is that of those that are there"_s, u"SubNumber tells another one."_s,
+                    u"See whether some are missing."_s);
     for (auto object = line.objects().begin(); object != line.objects().end(); ++object) {
         const DescriptionText::Section *section = line.file().section(object.key(), {});
         const QString written = section ? section->word("subnumber"_L1) : QString();
@@ -188,8 +183,8 @@ void Readings::tellDescriptions(SettledLine &line)
 
 void Readings::dropDenotations(SettledLine &line)
 {
-    line.setTopic(topicOf(u"Denotations were left out"_s, u"A project in text form has no place for them."_s,
-                          u"Make a database, whose name ends in .ncxp, to keep them."_s));
+    line.setReading(u"Denotations were left out"_s, u"A project in text form has no place for them."_s,
+                    u"Make a database, whose name ends in .ncxp, to keep them."_s);
     for (const auto &[index, subindex, number] : line.allSubindices()) {
         SettledLine::Sub sub = *line.sub(index, subindex);
         sub.denotation.clear();

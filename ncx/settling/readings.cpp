@@ -15,11 +15,6 @@ using namespace CANopen;
 
 namespace {
 
-SettlingTopic topicOf(const QString &title, const QString &reason, const QString &next = {})
-{
-    return {SettlingTopic::Kind::Read, title, reason, next};
-}
-
 /// A section of an object or subindex, with what the project has of it.
 struct Reading
 {
@@ -145,10 +140,10 @@ void tellKeys(SettledLine &line)
     for (const KnownKey &known : knownKeys) {
         if (!known.read)
             continue;
-        line.setTopic(topicOf(known.title, known.reason, u"See whether that is what the device does."_s));
+        line.setReading(known.title, known.reason, u"See whether that is what the device does."_s);
         eachReading(line, [&known](const Reading &reading) { known.read(reading, reading.section.word(known.key)); });
     }
-    line.setTopic(topicOf(u"Keys that a project has no place for"_s, u"They were left out."_s));
+    line.setReading(u"Keys that a project has no place for"_s, u"They were left out."_s);
     eachReading(line, [&line](const Reading &reading) {
         for (const DescriptionText::Entry &entry : reading.section.entries) {
             if (!isKnown(entry.key))
@@ -166,14 +161,14 @@ constexpr QLatin1StringView listSections[] = {"mandatoryobjects"_L1, "optionalob
 
 void tellSections(SettledLine &line)
 {
-    line.setTopic(topicOf(u"Sections that a project has no place for"_s, u"They were left out, but for a node-id."_s));
+    line.setReading(u"Sections that a project has no place for"_s, u"They were left out, but for a node-id."_s);
     for (const DescriptionText::Section &section : line.file().sections()) {
         const bool isOfObject = section.head && section.head->topic != EdsSections::OtherOfObject;
         if (!isOfObject && std::ranges::find(knownSections, section.name.toLower()) == std::end(knownSections))
             line.tell(section.line, u"[%1]"_s.arg(section.name));
     }
-    line.setTopic(topicOf(u"Objects that are listed but not described"_s, u"The file has no sections for them."_s,
-                          u"Add them if the device has them."_s));
+    line.setReading(u"Objects that are listed but not described"_s, u"The file has no sections for them."_s,
+                    u"Add them if the device has them."_s);
     for (const QLatin1StringView name : listSections) {
         const DescriptionText::Section *list = line.file().section(name);
         if (!list)
@@ -210,12 +205,12 @@ qsizetype countOf(const SettledLine &line, QString SettledLine::Sub::*text)
 
 void tellConfiguration(SettledLine &line, bool isTaken)
 {
-    line.setTopic(topicOf(u"Configured values stay beside the defaults"_s,
-                          u"A project keeps them as current values, and a description that is generated has none."_s,
-                          u"--configured takes them as defaults."_s));
+    line.setReading(u"Configured values stay beside the defaults"_s,
+                    u"A project keeps them as current values, and a description that is generated has none."_s,
+                    u"--configured takes them as defaults."_s);
     if (const qsizetype count = countOf(line, &SettledLine::Sub::currentvalue); count > 0 && !isTaken)
         line.tell(0, u"subindices with a ParameterValue: %1"_s.arg(count));
-    line.setTopic(topicOf(u"Display names stay in the project"_s, u"A description that is generated has none."_s));
+    line.setReading(u"Display names stay in the project"_s, u"A description that is generated has none."_s);
     if (const qsizetype count = countOf(line, &SettledLine::Sub::denotation); count > 0)
         line.tell(0, u"subindices with a Denotation: %1"_s.arg(count));
 }
@@ -224,7 +219,7 @@ void tellConfiguration(SettledLine &line, bool isTaken)
 
 void Readings::tellImport(SettledLine &line, const ImportReport &import, bool isConfigured)
 {
-    line.setTopic(topicOf(u"Parts that were not imported"_s, u"A project has no place for them."_s));
+    line.setReading(u"Parts that were not imported"_s, u"A project has no place for them."_s);
     for (const ImportReport::Dropped &dropped : import.dropped)
         line.tell(static_cast<int>(dropped.line), dropped.what);
     if (import.droppedCount > import.dropped.size())

@@ -37,6 +37,11 @@ public:
     std::optional<quint64> value(quint16 index, quint8 subindex) const;
 
     void setTopic(const SettlingTopic &topic) { topic_ = topic; }
+    /// The same of what was read otherwise than it is written.
+    void setReading(const QString &title, const QString &reason, const QString &next = {})
+    {
+        setTopic({SettlingTopic::Kind::Read, title, reason, next});
+    }
     void tell(quint16 index, std::optional<quint8> subindex, const QString &text, QLatin1StringView key = {});
     void tell(int line, const QString &text) { report_.add(topic_, line, {}, text); }
 

@@ -1,5 +1,6 @@
 #include "store/records/addedcolumns.h"
 
+#include "store/records/columntypes.h"
 #include "store/statements/statements.h"
 
 #include <QDebug>
@@ -12,9 +13,7 @@ using namespace Qt::StringLiterals;
 namespace ProjectSchema {
 namespace {
 
-constexpr auto integer = "integer"_L1;
-constexpr auto text = "text"_L1;
-constexpr auto blob = "blob"_L1;
+using namespace ColumnTypes;
 
 constexpr AddedColumn everyOpen[] = {
     {"SubObjects0"_L1, "writedefaulttoeds"_L1, integer},

@@ -1,5 +1,7 @@
 #include "store/records/schema.h"
 
+#include "store/records/columntypes.h"
+
 #include <array>
 #include <span>
 
@@ -8,18 +10,17 @@ using namespace Qt::StringLiterals;
 namespace ProjectSchema {
 namespace {
 
+using namespace ColumnTypes;
+
 struct Column
 {
     QLatin1StringView name;
     QLatin1StringView type;
 };
 
-constexpr auto integer = "integer"_L1;
 constexpr auto integerKey = "integer primary key"_L1;
 constexpr auto integerNotNull = "integer not null"_L1;
-constexpr auto text = "text"_L1;
 constexpr auto textNotNull = "text not null"_L1;
-constexpr auto blob = "blob"_L1;
 
 constexpr Column stringColumns[] = {{"id"_L1, integerKey}, {"string"_L1, text}};
 

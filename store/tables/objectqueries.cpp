@@ -22,7 +22,7 @@ QString subColumnSelect(quint8 line, const QString &column)
 }
 
 /// A value as a statement holds it without quotes: a number; nothing for another text.
-std::optional<QVariant> numberOf(const QString &value)
+std::optional<QVariant> comparedNumber(const QString &value)
 {
     static const QRegularExpression hexadecimal(u"^0[xX][0-9a-fA-F]{1,16}$"_s);
     bool ok = false;
@@ -103,7 +103,7 @@ QList<ObjectTables::SubKey> ObjectTables::findSubIndices(quint8 line, const QStr
             seen.insert(number);
         });
     };
-    if (const std::optional<QVariant> number = numberOf(value))
+    if (const std::optional<QVariant> number = comparedNumber(value))
         collect(*number);
     collect(value);
     return found;
