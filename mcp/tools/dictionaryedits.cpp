@@ -217,7 +217,7 @@ Reply copyIndex(const ToolCall &call)
     return call.edited(u"Copied index %1 to %2."_s.arg(source.text(), destination.text()));
 }
 
-constexpr Tool dictionaryEdits[] = {
+constexpr Tool dictionaryEditTools[] = {
     {"add_index"_L1,
      "Add a new object dictionary index to a line. Fails if the index already exists on that line - use delete_index "
      "first to replace it."_L1,
@@ -270,5 +270,5 @@ constexpr Tool dictionaryEdits[] = {
 
 std::span<const Tool> ToolFamilies::dictionaryEdits()
 {
-    return dictionaryEdits;
+    return dictionaryEditTools;
 }

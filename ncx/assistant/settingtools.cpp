@@ -21,7 +21,7 @@ constexpr Property descriptionKey =
     Properties::string("key"_L1, R"(Key, e.g. "VendorName"; list_description_settings tells all)"_L1);
 constexpr Property j1939Key =
     Properties::string("key"_L1, R"(Key, e.g. "startaddress"; list_j1939_settings tells all with their meaning)"_L1);
-constexpr Property text = Properties::string("value"_L1, "New value; 1 or 0 for a switch, \"\" for the default"_L1);
+constexpr Property newText = Properties::string("value"_L1, "New value; 1 or 0 for a switch, \"\" for the default"_L1);
 constexpr Property number =
     Properties::integer("value"_L1, 0, std::numeric_limits<quint32>::max(), "New value; 1 or 0 for a switch"_L1);
 
@@ -91,11 +91,11 @@ Reply setDescriptionSetting(const ToolCall &call)
     if (const QString problem = problemOf(key, call.text(text.name)); !problem.isEmpty())
         return Reply::refusal(problem);
     const CurrentLine current(call.store(), call.line());
-    if (!call.store().setDescriptionSetting(key, call.text(text.name)) ||
-        call.store().getDescriptionSetting(key) != call.text(text.name))
+    if (!call.store().setDescriptionSetting(key, call.text(newText.name)) ||
+        call.store().getDescriptionSetting(key) != call.text(newText.name))
         return Reply::refusal(u"Failed to set %1: argument value is not taken as it is."_s.arg(key));
     return call.edited(u"Description setting %1 of line %2 set to \"%3\"."_s.arg(key, QString::number(call.line()),
-                                                                                 call.text(text.name).left(80)));
+                                                                                 call.text(newText.name).left(80)));
 }
 
 Reply listJ1939Settings(const ToolCall &call)
@@ -149,7 +149,7 @@ constexpr Tool settingTools[] = {
     {"set_description_setting"_L1,
      "Set one of the values that list_description_settings lists. Example: {\"line\": 0, \"key\": \"BaudRate_500\", "
      "\"value\": \"1\"}"_L1,
-     {Arguments::line, descriptionKey, text},
+     {Arguments::line, descriptionKey, newText},
      {},
      {projectIsOpen, storeIsReachable, lineIsCANopen},
      setDescriptionSetting},
