@@ -43,6 +43,11 @@ target_compile_options(ncx_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -
 target_compile_definitions(ncx_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS
     QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
 
+if(NCX_UNITY)
+    # A local variable may have a name that another file of its folder has for something.
+    target_compile_options(ncx_options INTERFACE -Wno-shadow)
+endif()
+
 # ncx_sum_header(TARGET): the precompiled header of a target has its sum in a file beside it, where the cache looks for it.
 function(ncx_sum_header target)
     if(CMAKE_CXX_COMPILER_LAUNCHER MATCHES CCACHE_PCH_EXTSUM)

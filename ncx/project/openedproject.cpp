@@ -212,8 +212,12 @@ bool OpenedProject::open(const QString &path, Purpose purpose)
     const bool isForRun = purpose == Purpose::Running || purpose == Purpose::Serving;
     const bool opened = isForRun ? handler_.openProject(path) : openAsItIs(path);
     QDir::setCurrent(folder);
-    if (!opened || handler_.isUnreadText())
+    if (!opened || handler_.isUnreadText()) {
+        // A project may take its identity before the page of its file comes that cannot be read. The working copy was made
+        // in the folder of this one.
+        Identity::takeWidest();
         return refuse(reasonOfFailure());
+    }
     Identity::take(Identity::leastFor(store(), path));
     bool isNumber = false;
     const int version = store().getMiscSetting(u"DatabaseVersion"_s).toInt(&isNumber);
