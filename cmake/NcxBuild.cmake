@@ -44,8 +44,10 @@ target_compile_definitions(ncx_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAS
     QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
 
 if(NCX_UNITY)
-    # A local variable may have a name that another file of its folder has for something.
-    target_compile_options(ncx_options INTERFACE -Wno-shadow)
+    # A local variable may have a name that another file of its folder has for something. Nor does the compiler look for memory
+    # to give back before it has taken half a gigabyte.
+    target_compile_options(ncx_options INTERFACE -Wno-shadow
+        $<$<CXX_COMPILER_ID:GNU>:--param=ggc-min-heapsize=500000>)
 endif()
 
 # ncx_sum_header(TARGET): the precompiled header of a target has its sum in a file beside it, where the cache looks for it.
