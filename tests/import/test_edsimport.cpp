@@ -157,6 +157,28 @@ TEST(EdsImport, RefusesWhatIsNoFileAndSurvivesWhatIsNoDescription)
     }
 }
 
+TEST(EdsImport, KeepsOtherThreadsFromTheStoreUntilItsEnd)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"device.eds"_s);
+    ASSERT_TRUE(TestSupport::writeFile(path, "[2000]\nParameterName=Variable\nDataType=7\n"));
+    const auto store = emptyProject();
+    EDSImporter importer;
+    bool isFound = false;
+    bool isEarly = true;
+    const std::unique_ptr<QThread> reader(QThread::create([&] { isFound = store->indexExists(0, 0x2000); }));
+    const auto start = [&](int percentage) {
+        if (percentage != 40) // in the middle of it
+            return;
+        reader->start();
+        isEarly = reader->wait(60);
+    };
+    QObject::connect(&importer, &BaseDataImporter::progress, &importer, start, Qt::DirectConnection);
+    ImportTest::run(importer, store, path);
+    EXPECT_TRUE(reader->wait(120'000));
+    EXPECT_TRUE(!isEarly && isFound);
+}
+
 TEST(EdsImport, RunsOnItsOwnThreadOneAtATime)
 {
     const QTemporaryDir folder;
