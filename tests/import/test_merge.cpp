@@ -1,4 +1,5 @@
 #include "generate/run/importdispatch.h"
+#include "import/codbimporter.h"
 #include "import/doctxtimporter.h"
 #include "import/importproject.h"
 #include "import/ncxpimporter.h"
@@ -115,6 +116,37 @@ TEST_F(Merge, OfOneLineIntoAnother)
         EXPECT_EQ(target->getIndexList(1, 0, 0xffff), (QList<quint16>{0x2000, 0x3000}));
         EXPECT_EQ(target->getPGNList(1, 0), QList<quint32>{0x2fff});
         EXPECT_EQ(target->getSPNList(1, 0x2fff, ObjectDataBase::receive), QList<quint32>{1});
+    }
+}
+
+// What of a file did not get into the project is told by its name.
+TEST_F(Merge, TellsWhatTheStoreRefuses)
+{
+    const QString other = saved({u"line 0 = 5"_s, u"pgn 8 tx"_s, u"spn 8 tx 1"_s, u"canid 9 tx"_s, u"signal 9 tx 1"_s});
+    const QString profile = path(u"profile.codb"_s);
+    ASSERT_TRUE(TestSupport::writeFile(profile, "2100:00:Variable:mandatory::VAR:m:REAL32:m:rw\n"));
+    const std::pair<QString, QString> refusals[] = {
+        {u"update on PGNs0"_s, u"PGN 8"_s},
+        {u"insert on SPNs0"_s, u"SPN 1"_s},
+        {u"delete on SPNs0"_s, u"removal of SPN 2"_s},
+        {u"update on CANIDs0"_s, u"CAN-ID 9"_s},
+        {u"insert on DataElements0"_s, u"data element 1"_s},
+        {u"delete on DataElements0"_s, u"removal of data element 2"_s},
+        {u"insert on Objects0"_s, u"object 0x2100"_s},
+        {u"insert on SubObjects0"_s, u"sub-objects"_s},
+    };
+    for (const auto &[event, name] : refusals) {
+        const Store target =
+            made({u"line 0 = 5"_s, u"pgn 8 tx"_s, u"spn 8 tx 2"_s, u"canid 9 tx"_s, u"signal 9 tx 2"_s});
+        ASSERT_TRUE(target->statements().execute(
+            {nullptr, u"create trigger t before %1 begin select raise(abort, 'refused'); end"_s.arg(event),
+             Statement::Effect::Schema}));
+        NCXPImporter merge;
+        CODBImporter codb;
+        const bool isObject = event.contains("Objects"_L1);
+        const QString report =
+            isObject ? ImportTest::run(codb, target, profile) : ImportTest::run(merge, target, other);
+        EXPECT_EQ(report.section(u'\n', 1), name + u" could not be written\n"_s);
     }
 }
 
