@@ -84,9 +84,6 @@ void DOCTXTImporter::importFile()
 
 void DOCTXTImporter::importLine(const QString &line)
 {
-    // The title is known by its beginning, as its words go on misspelled.
-    if (line.isEmpty() || line.startsWith(u'#') || line.startsWith("PGN/SPN Do"_L1))
-        return;
     if (line.startsWith("PGN:"_L1)) {
         if (importPGN(line.split(u'\t'))) {
             position_ = 0;
