@@ -88,7 +88,7 @@ Reply setDescriptionSetting(const ToolCall &call)
     if (!descriptionKeys().contains(key))
         return Reply::refusal(
             u"Unknown key \"%1\". Argument: key, one of %2."_s.arg(key, descriptionKeys().join(", "_L1)));
-    if (const QString problem = problemOf(key, call.text(text.name)); !problem.isEmpty())
+    if (const QString problem = problemOf(key, call.text(newText.name)); !problem.isEmpty())
         return Reply::refusal(problem);
     const CurrentLine current(call.store(), call.line());
     if (!call.store().setDescriptionSetting(key, call.text(newText.name)) ||
