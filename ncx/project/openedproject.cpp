@@ -213,8 +213,8 @@ bool OpenedProject::open(const QString &path, Purpose purpose)
     const bool opened = isForRun ? handler_.openProject(path) : openAsItIs(path);
     QDir::setCurrent(folder);
     if (!opened || handler_.isUnreadText()) {
-        // A project may take its identity before the page of its file comes that cannot be read. The working copy was made
-        // in the folder of this one.
+        // A project may take its identity before the page of its file comes that cannot be read. The working copy was
+        // made in the folder of this one.
         Identity::takeWidest();
         return refuse(reasonOfFailure());
     }
