@@ -172,6 +172,7 @@ TEST(DbcReader, TellsLineAndFault)
         {u"BO_ 1 M: 8 A\n SG_ S : |8@1+ (1,0) [0|0] \"\" A"_s, u"Line 2: Signal bit position expected"_s},
         {u"BO_ 1 M: 8 A\n SG_ S : 0|8@1 (1,0)"_s, u"Line 2: '+' expected (signal sign)"_s},
         {u"BA_ \"X\" 5\nBA_ \"Y\" 6;"_s, u"Line 2: ';' expected (attribute value)"_s},
+        {u"BA_ \"X\" ;"_s, u"Line 1: Attribute value expected"_s},
         {u"BA_DEF_ \"X\" NUMBER 1 2;"_s, u"Line 1: Unknown attribute type"_s},
         {u"VERSION \"open"_s, u"Line 1: Text without end"_s},
         {u"EV_ without end"_s, u"Line 1: ';' expected (statement)"_s},
