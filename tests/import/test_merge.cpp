@@ -124,7 +124,7 @@ TEST_F(Merge, TellsWhatTheStoreRefuses)
 {
     const QString other = saved({u"line 0 = 5"_s, u"pgn 8 tx"_s, u"spn 8 tx 1"_s, u"canid 9 tx"_s, u"signal 9 tx 1"_s});
     const QString profile = path(u"profile.codb"_s);
-    ASSERT_TRUE(TestSupport::writeFile(profile, "2100:00:Variable:mandatory::VAR:m:REAL32:m:rw\n"));
+    ASSERT_TRUE(TestSupport::writeFile(profile, "2100::Variable:mandatory::VAR:m:REAL32:m:rw\n"));
     const std::pair<QString, QString> refusals[] = {
         {u"update on PGNs0"_s, u"PGN 8"_s},
         {u"insert on SPNs0"_s, u"SPN 1"_s},
@@ -142,6 +142,7 @@ TEST_F(Merge, TellsWhatTheStoreRefuses)
             {nullptr, u"create trigger t before %1 begin select raise(abort, 'refused'); end"_s.arg(event),
              Statement::Effect::Schema}));
         NCXPImporter merge;
+        merge.setIndexRange(0, 0xffff);
         CODBImporter codb;
         const bool isObject = event.contains("Objects"_L1);
         const QString report =
