@@ -3,6 +3,7 @@
 #include "import/doctxtimporter.h"
 #include "import/importproject.h"
 #include "import/ncxpimporter.h"
+#include "import/projectmerge.h"
 #include "support/datacases.h"
 #include "support/projectscript.h"
 #include "support/recordfields.h"
@@ -123,6 +124,8 @@ TEST_F(Merge, OfOneLineIntoAnother)
 TEST_F(Merge, TellsWhatTheStoreRefuses)
 {
     const QString other = saved({u"line 0 = 5"_s, u"pgn 8 tx"_s, u"spn 8 tx 1"_s, u"canid 9 tx"_s, u"signal 9 tx 1"_s});
+    ObjectDataBase source;
+    ASSERT_TRUE(source.openDataBase(other));
     const QString profile = path(u"profile.codb"_s);
     ASSERT_TRUE(TestSupport::writeFile(profile, "2100::Variable:mandatory::VAR:m:REAL32:m:rw\n"));
     const std::pair<QString, QString> refusals[] = {
@@ -141,12 +144,12 @@ TEST_F(Merge, TellsWhatTheStoreRefuses)
         ASSERT_TRUE(target->statements().execute(
             {nullptr, u"create trigger t before %1 begin select raise(abort, 'refused'); end"_s.arg(event),
              Statement::Effect::Schema}));
-        NCXPImporter merge;
-        merge.setIndexRange(0, 0xffff);
+        ImportReport merged;
+        ProjectMerge::copyPGNs(*target, 0, source, 0, 0, 0xffff, merged);
+        ProjectMerge::copyCANIDs(*target, 0, source, 0, 0, 0xffff, merged);
         CODBImporter codb;
-        const bool isObject = event.contains("Objects"_L1);
-        const QString report =
-            isObject ? ImportTest::run(codb, target, profile) : ImportTest::run(merge, target, other);
+        const QString taken = ImportTest::run(codb, target, profile);
+        const QString report = event.contains("Objects"_L1) ? taken : merged.text() + u'\n';
         EXPECT_EQ(report.section(u'\n', 1), name + u" could not be written\n"_s);
     }
 }
