@@ -3,7 +3,6 @@
 #include "store/statements/statements.h"
 #include "store/statements/transaction.h"
 
-
 // The hook is an option of SQLite's build, which distributions switch on.
 #define SQLITE_ENABLE_PREUPDATE_HOOK
 #include <sqlite3.h>

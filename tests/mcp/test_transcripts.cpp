@@ -12,7 +12,8 @@
 using namespace Qt::StringLiterals;
 using namespace TestSupport;
 
-// A case is a file tests/data/mcp/*.txt, a session with one server of ncx_cli, or tests/data/assistant/*.txt, one of ncx:
+// A case is a file tests/data/mcp/*.txt, a session with one server of ncx_cli, or tests/data/assistant/*.txt, one of
+// ncx:
 //   # ...                a remark
 //   program NAME         another build than ncx_cli; first line, if at all
 //   > LINE               sends a line as it is
