@@ -95,10 +95,10 @@ public:
     QString tagged(const QString &name, const QString &value, const QStringList &ends)
     {
         QString candidate = name;
-        for (auto end = ends.begin(); end != ends.end(); ++end) {
+        for (const QString &end : ends) {
             if (takeFree(candidate, value))
                 return candidate;
-            candidate = name + *end;
+            candidate = name + end;
         }
         return counted(candidate, value);
     }

@@ -151,7 +151,7 @@ std::optional<QString> ToolArguments::problem(const QJsonObject &given) const
 QString ToolArguments::taken(const QString &problem) const
 {
     static const QRegularExpression path(u"^(?:Missing required argument: |Argument \")([A-Za-z.\\[\\]0-9]+)"_s);
-    const QString end = problem.endsWith(u'.') ? QString() : u"."_s;
+    QString end = problem.endsWith(u'.') ? QString() : u"."_s;
     const QStringList names = path.match(problem).captured(1).split(u'.');
     std::span<const Property> among = required_;
     if (!hasName(required_, QLatin1StringView(names.first().section(u'[', 0, 0).toLatin1())))

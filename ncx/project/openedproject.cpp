@@ -259,7 +259,7 @@ QString OpenedProject::save(ObjectDataBase &store, const QString &path)
 
 QString OpenedProject::reasonOfFailure() const
 {
-    if (const QString reason = reasonWithoutCopy(QFileInfo(path_).size()); !reason.isEmpty())
+    if (QString reason = reasonWithoutCopy(QFileInfo(path_).size()); !reason.isEmpty())
         return reason;
     if (isText())
         return reasonOfForeign(path_, headOf(path_));

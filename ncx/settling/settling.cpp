@@ -80,11 +80,11 @@ QString Settling::settle(OpenedProject &project, SettlingReport &report) const
     DescriptionText text;
     if (QFileInfo(file).size() > mostBytes)
         return u"it is too large for a description, of which 64 MB are read"_s;
-    if (const QString reason = OpenedProject::reasonNotToRead(file); !reason.isEmpty())
+    if (QString reason = OpenedProject::reasonNotToRead(file); !reason.isEmpty())
         return reason;
     if (!text.load(file))
         return u"it cannot be read"_s;
-    if (const QString reason = importInto(project, text, report); !reason.isEmpty())
+    if (QString reason = importInto(project, text, report); !reason.isEmpty())
         return reason;
     if (!goesOn())
         return u"it was taken back"_s;

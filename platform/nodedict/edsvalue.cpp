@@ -121,7 +121,7 @@ QString EdsValue::normalised(const QString &text, quint32 dataType)
 
 QString EdsValue::limit(const QString &text, quint32 dataType)
 {
-    const QString value = normalised(text, dataType);
+    QString value = normalised(text, dataType);
     const bool hasSign = value.startsWith(u'-') || value.startsWith(u'+');
     const QString digits = hasSign ? value.sliced(1) : value;
     const bool isDecimal = digits.size() < 2 || !digits.startsWith(u'0');

@@ -79,7 +79,7 @@ QString ValueParser::takeTrailingSpaces()
     qsizetype size = text_.size();
     while (!partWasQuoted_ && size > chopLimit_ && (text_.at(size - 1) == u' ' || text_.at(size - 1) == u'\t'))
         --size;
-    const QString spaces = text_.sliced(size);
+    QString spaces = text_.sliced(size);
     text_.truncate(size);
     return spaces;
 }

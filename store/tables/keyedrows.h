@@ -29,7 +29,7 @@ public:
         , insert_(QStringLiteral("insert into ") + form.table +
                   QStringLiteral(" (%1, %2) values(%3)")
                       .arg(RecordColumns::names(form.columns), RecordColumns::names(form.key),
-                           SqlText::places(static_cast<qsizetype>(form.columns.size() + form.key.size()))))
+                           SqlText::places(std::ssize(form.columns) + std::ssize(form.key))))
         , update_(QStringLiteral("update ") + form.table + QStringLiteral(" set ") +
                   RecordColumns::assignments(form.columns, form.setOnce) + condition_)
     {
