@@ -125,6 +125,26 @@ TEST(FindingMemory, HearsOfEachSetting)
     EXPECT_GT(QSet<QString>(all.begin(), all.end()).size(), before.size()) << "no rule asks for any of them";
 }
 
+// The database names the table alone, the number of its line behind the name.
+TEST(FindingMemory, HearsOfARowThatNobodyAnnounces)
+{
+    const QList<quint8> lines = {0, 9, 10, 100};
+    ProjectBuilder project;
+    for (const quint8 line : lines)
+        project.line(line, 1).checked().object(0x2000, u"A"_s).sub(0, u"a"_s);
+    const std::shared_ptr<ObjectDataBase> store = project.store();
+    CheckMemory memory;
+    QStringList before = told(store, &memory);
+    for (const quint8 line : lines) {
+        EXPECT_TRUE(store->statements().execute(
+            {"test", u"update SubObjects%1 set datatype = 99"_s.arg(line), Statement::Effect::Rows}));
+        const QStringList after = told(store, &memory);
+        EXPECT_NE(after, before) << +line;
+        EXPECT_EQ(after, told(store, nullptr)) << +line;
+        before = after;
+    }
+}
+
 /// What these rules tell of a CANopen line in a check that remembers.
 QStringList remembered(const std::shared_ptr<ObjectDataBase> &store, std::span<const LineRule> rules,
                        CheckMemory &memory)

@@ -37,7 +37,12 @@ QStringList ruleNames()
     return names;
 }
 
-/// A row of docs/checks.md.
+QString documentation()
+{
+    return QString::fromUtf8(TestSupport::readFile(QStringLiteral(NCX_SOURCE_DIR "/docs/checks.md")));
+}
+
+/// A row of it.
 struct DocumentedRule
 {
     QString rule;
@@ -50,8 +55,7 @@ struct DocumentedRule
 QList<DocumentedRule> documentedRules()
 {
     QList<DocumentedRule> rows;
-    const QString text = QString::fromUtf8(TestSupport::readFile(QStringLiteral(NCX_SOURCE_DIR "/docs/checks.md")));
-    for (const QString &line : text.split(u'\n')) {
+    for (const QString &line : documentation().split(u'\n')) {
         const QStringList cells = line.split(u" | "_s);
         if (line.startsWith("| "_L1) && cells.size() == 5 && cells.first() != "| rule"_L1)
             rows.append({cells.at(0).sliced(2), cells.at(1).sliced(1).chopped(1), cells.at(2), cells.at(3),
@@ -175,6 +179,15 @@ TEST_F(Rules, AreDocumentedAndHaveCasesForAllThatTheySay)
         EXPECT_TRUE(rules.contains(row.rule)) << "no case provokes " << qPrintable(row.rule);
         EXPECT_TRUE(messages.contains(row.message)) << "nobody says " << qPrintable(row.message);
     }
+}
+
+TEST_F(Rules, HaveTheirGroupsInTheDocuments)
+{
+    QStringList rows;
+    for (const WarningGroupInfo &group : ModelChecker::groupTable())
+        rows.append(u"| %1 | %2 | %3 |"_s.arg(group.key, group.title, group.description));
+    EXPECT_TRUE(documentation().contains(u"|---|---|---|\n"_s + rows.join(u'\n') + u"\n\n"_s))
+        << qPrintable(rows.join(u'\n'));
 }
 
 TEST_F(Rules, CorrectNothingForAUserWhoDoesNotWantIt)

@@ -90,11 +90,12 @@ TEST(CsvImport, CollectsDeletionsAndCopiesAndLeavesTheProjectAlone)
 {
     const Store store = imported(QByteArray(wideHeader) + "\n0x2000,0,U8,ro,Kept,1,\n0x2001,0,U8,ro,Kept,1,\n");
     const QString before = ImportTest::dump(*store);
-    const Lists lists = importTable(store, "index,sub,edsname,datatype,access,value\n"
-                                           "d,0x2000\nd,8192,0x2\ndelete,0x2001,,,,\n"
-                                           "d,0\nd,0,1\nd,0x2000,\nd,0x2000,x\nd,0x2000,256\nd\nd,0x2000,1,2\n"
-                                           "c,0x2000,0x2001\nc,0x2000,1,2\ncopy,0x2001,0x2000,,,\n"
-                                           "c,0,0x2001\nc,0x2000,0\nc,0,1,2\nc,0x2000,2,2\nc,0x2000,1,\nc,0x2000\n");
+    const Lists lists =
+        importTable(store, "index,sub,edsname,datatype,access,value\n"
+                           "d,0x2000\nd,8192,0x2\ndelete,0x2001,,,,\n"
+                           "d,0\nd,0,1\nd,0x2000,\nd,0x2000,x\nd,0x2000,256\nd\nd,0x2000,1,2\n"
+                           "c,0x2000,0x2001\nc,0x2000,1,2\ncopy,0x2001,0x2000,,,\n"
+                           "c,0,0x2001\nc,0x2000,0\nc,0x2000,x\nc,0,1,2\nc,0x2000,2,2\nc,0x2000,1,\nc,0x2000\n");
     EXPECT_EQ(lists.deletions, (QList<Entry>{{0x2000, 0, true}, {0x2000, 2, false}, {0x2001, 0, true}}));
     EXPECT_EQ(lists.copies, (QList<Entry>{{0x2000, 0, true},
                                           {0x2001, 0, true},

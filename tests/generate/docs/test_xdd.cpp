@@ -65,7 +65,7 @@ TEST(Xdd, HoldsToTheSchemaWhateverTheNames)
 {
     ProjectBuilder hard;
     const QString text = hardText();
-    hard.object(0x3000, text).sub(0, text, [&](Sub &sub) {
+    hard.object(0x2000, u"&"_s).object(0x3000, text).sub(0, text, [&](Sub &sub) {
         sub.datatype = CAN::VisibleString;
         sub.implementation = 2;
         sub.defaultvalue = text;
