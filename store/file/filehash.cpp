@@ -25,11 +25,7 @@ QString FileHash::compute(Statements &statements)
         const QString select = u"SELECT * FROM %1%2 ORDER BY rowid"_s.arg(SqlText::identifier(table), own);
         std::string text;
         std::ignore = statements.visit({nullptr, select}, {}, [&](const ResultRow &row) {
-            const int columns = row.count();
-            for (int column = 0; column < columns; ++column) {
-                row.appendText(text, column);
-                text += '|';
-            }
+            row.appendTexts(text, '|');
             text += '\n';
             if (text.size() > block) {
                 hash.addData(text);

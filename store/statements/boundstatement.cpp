@@ -3,7 +3,6 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 BoundStatement::BoundStatement(Statements &statements, Statement statement)
@@ -44,20 +43,23 @@ void BoundStatement::bindNull()
 
 void BoundStatement::bind(const QString &text)
 {
-    std::array<char, 64> bytes;
+    // Of these bytes SQLite needs no copy; of a text in UTF-16 it would make two.
+    char *const bytes = texts_.data() + textsSize_;
+    const auto size = static_cast<std::size_t>(text.size());
+    const bool hasRoom = size <= texts_.size() - textsSize_;
     char16_t all = 0;
-    if (text.size() <= static_cast<qsizetype>(bytes.size())) {
-        std::ranges::transform(text, bytes.begin(), [&all](QChar ch) {
+    if (hasRoom) {
+        std::ranges::transform(text, bytes, [&all](QChar ch) {
             all |= ch.unicode();
             return static_cast<char>(ch.unicode());
         });
     }
-    // SQLite keeps a copy of either; from UTF-16 it would make another one on the way.
-    if (text.size() <= static_cast<qsizetype>(bytes.size()) && all < 0x80)
-        note(sqlite3_bind_text(prepared(), ++place_, bytes.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT));
-    else
-        note(sqlite3_bind_text16(prepared(), ++place_, text.utf16(), static_cast<int>(text.size() * 2),
-                                 SQLITE_TRANSIENT));
+    if (hasRoom && all < 0x80) {
+        textsSize_ += size;
+        bindUtf8({bytes, text.size()});
+        return;
+    }
+    note(sqlite3_bind_text16(prepared(), ++place_, text.utf16(), static_cast<int>(text.size() * 2), SQLITE_TRANSIENT));
 }
 
 void BoundStatement::bindUtf8(QByteArrayView text)
@@ -70,6 +72,7 @@ bool BoundStatement::execute()
 {
     [[maybe_unused]] const int places = std::exchange(place_, 0);
     const bool isBound = std::exchange(isBound_, true);
+    textsSize_ = 0;
     sqlite3_stmt *statement = prepared();
     if (!statement)
         return statements_.fail(statement_, "Unable to execute statement");

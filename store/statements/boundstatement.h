@@ -2,6 +2,8 @@
 
 #include "store/statements/statements.h"
 
+#include <array>
+
 /// A statement whose values are bound one after the other, without a variant for each: for the records of a project, of
 /// which there are many and of many columns. It is executed as `Statements::execute` does it, any number of times.
 ///
@@ -36,4 +38,6 @@ private:
     Statements::Prepared prepared_;
     int place_ = 0;
     bool isBound_ = true;
+    std::array<char, 512> texts_; ///< plain ones that are bound, where they stay until the execution
+    std::size_t textsSize_ = 0;
 };

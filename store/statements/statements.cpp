@@ -20,6 +20,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// Pieces of memory that SQLite keeps for what it needs in each step. Those of its default are used up by the
+/// statements that are kept here, and each step would go to the allocator.
+constexpr int lookasideBytes = 1200;
+constexpr int lookasidePieces = 256;
+
 /// More than a line has operations; with more lines than that the oldest are prepared again.
 constexpr std::size_t mostKept = 512;
 
@@ -72,6 +77,20 @@ bool bindAll(sqlite3_stmt *statement, const QVariantList &values)
                                [&](const QVariant &value) { return bind(statement, ++place, value) == SQLITE_OK; });
 }
 
+/// A value of the current row. To be asked for its type and then for itself it is looked up once, and not each time;
+/// SQLite guards it less than it guards a column, but the driver has switched those guards off as well.
+sqlite3_value *cellOf(sqlite3_stmt *statement, int column)
+{
+    return sqlite3_column_value(statement, column);
+}
+
+/// Those of a text.
+QByteArrayView bytesOf(sqlite3_value *cell)
+{
+    const unsigned char *bytes = sqlite3_value_text(cell);
+    return QByteArrayView(bytes, sqlite3_value_bytes(cell));
+}
+
 /// The connection as SQLite knows it; null if the driver is another one.
 sqlite3 *handleOf(const QSqlDatabase &connection)
 {
@@ -88,14 +107,15 @@ int ResultRow::count() const
 
 QVariant ResultRow::value(int column) const
 {
-    switch (sqlite3_column_type(statement_, column)) {
+    sqlite3_value *const cell = cellOf(statement_, column);
+    switch (sqlite3_value_type(cell)) {
     case SQLITE_INTEGER:
-        return QVariant(qint64{sqlite3_column_int64(statement_, column)});
+        return QVariant(qint64{sqlite3_value_int64(cell)});
     case SQLITE_FLOAT:
-        return QVariant(sqlite3_column_double(statement_, column));
+        return QVariant(sqlite3_value_double(cell));
     case SQLITE_BLOB: {
-        const auto *bytes = static_cast<const char *>(sqlite3_column_blob(statement_, column));
-        return QVariant(QByteArray(bytes, sqlite3_column_bytes(statement_, column)));
+        const auto *bytes = static_cast<const char *>(sqlite3_value_blob(cell));
+        return QVariant(QByteArray(bytes, sqlite3_value_bytes(cell)));
     }
     case SQLITE_NULL:
         return QVariant(QMetaType::fromType<QString>());
@@ -116,35 +136,29 @@ bool ResultRow::isInteger(int column) const
 
 std::optional<QByteArrayView> ResultRow::utf8(int column) const
 {
-    if (sqlite3_column_type(statement_, column) != SQLITE_TEXT)
-        return std::nullopt;
-    const unsigned char *bytes = sqlite3_column_text(statement_, column);
-    return QByteArrayView(bytes, sqlite3_column_bytes(statement_, column));
+    sqlite3_value *const cell = cellOf(statement_, column);
+    return sqlite3_value_type(cell) == SQLITE_TEXT ? std::optional(bytesOf(cell)) : std::nullopt;
 }
 
-void ResultRow::appendText(std::string &out, int column) const
+void ResultRow::appendTexts(std::string &out, char behind) const
 {
-    switch (sqlite3_column_type(statement_, column)) {
-    case SQLITE_INTEGER: {
-        std::array<char, 24> digits;
-        const auto end = std::to_chars(digits.begin(), digits.end(), sqlite3_column_int64(statement_, column)).ptr;
-        out.append(digits.begin(), end);
-        break;
-    }
-    case SQLITE_NULL:
-        break;
-    case SQLITE_TEXT: {
-        const auto *bytes = reinterpret_cast<const char *>(sqlite3_column_text(statement_, column));
-        const QByteArrayView view(bytes, sqlite3_column_bytes(statement_, column));
-        if (AsciiText::isAscii(view)) {
-            out.append(view.begin(), view.end());
-            break;
+    const int columns = count();
+    for (int column = 0; column < columns; ++column) {
+        sqlite3_value *const cell = cellOf(statement_, column);
+        const int type = sqlite3_value_type(cell);
+        if (type == SQLITE_INTEGER) {
+            std::array<char, 24> digits;
+            char *const end = std::to_chars(digits.begin(), digits.end() - 1, sqlite3_value_int64(cell)).ptr;
+            *end = behind;
+            out.append(digits.data(), static_cast<std::size_t>(end + 1 - digits.data()));
+            continue;
         }
-        [[fallthrough]];
-    }
-    default:
-        // What is no valid UTF-8 becomes it on the way through the text.
-        out += text(column).toStdString();
+        const QByteArrayView bytes = type == SQLITE_TEXT ? bytesOf(cell) : QByteArrayView();
+        if (AsciiText::isAscii(bytes) && (type == SQLITE_TEXT || type == SQLITE_NULL))
+            out.append(bytes.data(), static_cast<std::size_t>(bytes.size()));
+        else // what is no valid UTF-8 becomes it on the way through the text
+            out += text(column).toStdString();
+        out += behind;
     }
 }
 
@@ -161,9 +175,10 @@ QString ResultRow::text(int column) const
 
 qint64 ResultRow::integer(int column) const
 {
-    switch (sqlite3_column_type(statement_, column)) {
+    sqlite3_value *const cell = cellOf(statement_, column);
+    switch (sqlite3_value_type(cell)) {
     case SQLITE_INTEGER:
-        return sqlite3_column_int64(statement_, column);
+        return sqlite3_value_int64(cell);
     case SQLITE_NULL:
         return 0;
     default:
@@ -179,6 +194,8 @@ void Statements::Finalizer::operator()(sqlite3_stmt *statement) const
 Statements::Statements()
 {
     static std::atomic<int> connections = 0;
+    // Nobody asks how much memory SQLite has; to count that takes a lock for each piece. Too late for a second call.
+    [[maybe_unused]] static const int once = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
     connection_ = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"db%1"_s.arg(++connections));
     if (connection_.lastError().isValid())
         qDebug() << "Db drivers: " << QSqlDatabase::drivers() << "Db last error: " << connection_.lastError().text();
@@ -201,6 +218,7 @@ bool Statements::open(const QString &path)
     connection_.setDatabaseName(QDir::toNativeSeparators(path));
     if (connection_.open()) {
         database_ = handleOf(connection_);
+        sqlite3_db_config(database_, SQLITE_DBCONFIG_LOOKASIDE, nullptr, lookasideBytes, lookasidePieces);
         listenToRows();
         return database_ != nullptr;
     }

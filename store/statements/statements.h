@@ -54,8 +54,8 @@ public:
     QString text(int column) const;
     /// The bytes of a text, until the next row; nothing for another value.
     std::optional<QByteArrayView> utf8(int column) const;
-    /// Appends the text of any value in UTF-8; a blob counts as the text that its bytes are.
-    void appendText(std::string &out, int column) const;
+    /// Appends the text of each value in UTF-8, with `behind` behind it; a blob counts as the text that its bytes are.
+    void appendTexts(std::string &out, char behind) const;
     /// 0 for a NULL and for a text that is no number; cut to the type.
     template <class Number>
     Number number(int column) const
