@@ -60,6 +60,7 @@ ProjectFile::~ProjectFile()
 
 void ProjectFile::close()
 {
+    tables_.context.strings.releaseStatements();
     tables_.context.statements.close();
 }
 

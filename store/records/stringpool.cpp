@@ -1,36 +1,30 @@
 #include "store/records/stringpool.h"
 
-#include "store/statements/boundstatement.h"
 #include "store/statements/transaction.h"
 
 #include <QSet>
+
+#include <tuple>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-struct Reference
+struct References
 {
     QLatin1StringView table; ///< of each line
-    QLatin1StringView column;
+    QLatin1StringView columns;
 };
 
 /// The columns of a line's tables that refer to texts.
-constexpr Reference references[] = {
-    {"Objects"_L1, "name"_L1},
-    {"Objects"_L1, "description"_L1},
-    {"Objects"_L1, "device_class"_L1},
-    {"SubObjects"_L1, "name"_L1},
-    {"SubObjects"_L1, "denotation"_L1},
-    {"SubObjects"_L1, "description"_L1},
-    {"PGNs"_L1, "name"_L1},
-    {"PGNs"_L1, "desc"_L1},
-    {"CANIDs"_L1, "name"_L1},
-    {"CANIDs"_L1, "desc"_L1},
-    {"SPNs"_L1, "name"_L1},
-    {"SPNs"_L1, "desc"_L1},
-    {"DataElements"_L1, "name"_L1},
-    {"DataElements"_L1, "desc"_L1},
+constexpr References references[] = {
+    {"Objects"_L1, "name,description,device_class"_L1},
+    {"SubObjects"_L1, "name,denotation,description"_L1},
+    {"PGNs"_L1, "name,desc"_L1},
+    {"CANIDs"_L1, "name,desc"_L1},
+    {"SPNs"_L1, "name,desc"_L1},
+    {"DataElements"_L1, "name,desc"_L1},
 };
 
 } // namespace
@@ -43,6 +37,7 @@ bool StringPool::hasARowPerInterning(const QString &text)
 
 int StringPool::idOf(const QString &text)
 {
+    readIfStale();
     if (const auto it = ids_.constFind(text); it != ids_.constEnd())
         return *it;
 
@@ -64,10 +59,12 @@ int StringPool::idOf(const QString &text)
 
 int StringPool::insert(const QString &text)
 {
-    static const QString insertion = u"insert into Strings values(NULL,?)"_s;
-    BoundStatement statement(statements_, {"getStringId", insertion, Statement::Effect::Rows});
-    statement.bind(text);
-    return statement.execute() ? static_cast<int>(statement.insertedRow()) : -1;
+    if (!insertion_) {
+        const Statement insertion{"getStringId", u"insert into Strings values(NULL,?)"_s, Statement::Effect::Rows};
+        insertion_.emplace(statements_, insertion);
+    }
+    insertion_->bind(text);
+    return insertion_->execute() ? static_cast<int>(insertion_->insertedRow()) : -1;
 }
 
 QString StringPool::textOf(const ResultRow &row, int column)
@@ -77,6 +74,7 @@ QString StringPool::textOf(const ResultRow &row, int column)
 
 QString StringPool::textOf(int id)
 {
+    readIfStale();
     const auto it = texts_.constFind(id);
     if (it != texts_.constEnd())
         return *it;
@@ -87,6 +85,7 @@ QString StringPool::textOf(int id)
 
 void StringPool::loadTexts()
 {
+    readIfStale();
     if (textsLoaded_)
         return;
     textsLoaded_ = statements_.visit({nullptr, u"select id, string from Strings"_s}, {},
@@ -96,6 +95,14 @@ void StringPool::loadTexts()
 void StringPool::reload()
 {
     clear();
+    isStale_ = true;
+}
+
+/// Mostly nobody asks any more after a save, nor between an open and the next reload.
+void StringPool::readIfStale()
+{
+    if (!std::exchange(isStale_, false))
+        return;
     textsLoaded_ = statements_.visit({nullptr, u"select * from Strings"_s}, {}, [this](const ResultRow &row) {
         const int id = row.number<int>(0);
         const QString text = row.text(1);
@@ -106,6 +113,7 @@ void StringPool::reload()
 
 void StringPool::clear()
 {
+    isStale_ = false;
     textsLoaded_ = false;
     texts_.clear();
     ids_.clear();
@@ -115,16 +123,23 @@ void StringPool::clear()
 bool StringPool::removeUnused(const QList<quint8> &lines)
 {
     QSet<int> used;
-    const auto collect = [&](QLatin1StringView column, const QString &table) {
-        std::ignore = statements_.visit({nullptr, u"select %1 from %2"_s.arg(column, table)}, {},
-                                        [&](const ResultRow &row) { used.insert(row.number<int>(0)); });
+    const auto collect = [&](const QString &columns, const QString &table) {
+        return statements_.visit({nullptr, u"select %1 from %2"_s.arg(columns, table)}, {}, [&](const ResultRow &row) {
+            for (int column = 0; column < row.count(); ++column)
+                used.insert(row.number<int>(column));
+        });
     };
-    // Each column by itself: a table that lacks one still needs the texts of the others.
     for (const quint8 line : lines) {
-        for (const auto &[table, column] : references)
-            collect(column, table + QString::number(line));
+        for (const auto &[family, columns] : references) {
+            const QString table = family + QString::number(line);
+            if (collect(columns, table))
+                continue;
+            // A table that lacks a column still needs the texts of the others.
+            for (const QString &column : QString(columns).split(u','))
+                std::ignore = collect(column, table);
+        }
     }
-    collect("name"_L1, u"Signals"_s);
+    std::ignore = collect(u"name"_s, u"Signals"_s);
 
     QList<int> unused;
     std::ignore = statements_.visit({nullptr, u"select id from Strings"_s}, {}, [&](const ResultRow &row) {

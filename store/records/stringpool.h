@@ -1,11 +1,12 @@
 #pragma once
 
+#include "store/statements/boundstatement.h"
+
 #include <QHash>
 #include <QList>
 #include <QString>
 
-class ResultRow;
-class Statements;
+#include <optional>
 
 /// The table `Strings`: every name, description, device class and denotation of a project once per distinct text.
 ///
@@ -25,19 +26,24 @@ public:
     QString textOf(int id);
     /// The text whose id stands in a column; null for a NULL.
     QString textOf(const ResultRow &row, int column);
-    /// Reads the whole table anew.
+    /// Makes the next question read the whole table anew.
     void reload();
     /// Makes `textOf` answer without the database, by one scan for the first call after an open.
     void loadTexts();
     /// Deletes the texts that no row of these lines or of the network view refers to.
     [[nodiscard]] bool removeUnused(const QList<quint8> &lines);
     void clear();
+    /// To be called before the file is closed.
+    void releaseStatements() { insertion_.reset(); }
 
 private:
     static bool hasARowPerInterning(const QString &text);
     int insert(const QString &text);
+    void readIfStale();
 
     Statements &statements_;
+    std::optional<BoundStatement> insertion_; ///< kept prepared: an import interns thousands of texts one by one
+    bool isStale_ = false;
     QHash<int, QString> texts_;
     bool textsLoaded_ = false;
     QHash<QString, int> ids_;         ///< interned during this session: by the text with its quotes doubled

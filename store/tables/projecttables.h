@@ -51,7 +51,11 @@ public:
     /// Id of a text, adding it where it is new; -1 on failure.
     int getStringId(const QString &text) { return context.strings.idOf(text); }
     QString getString(int id) { return context.strings.textOf(id); }
-    void cacheStrings() { context.strings.reload(); }
+    void cacheStrings()
+    {
+        context.strings.reload();
+        context.strings.loadTexts();
+    }
     /// Deletes the texts that no row refers to.
     [[nodiscard]] bool removeUnusedStrings() { return context.strings.removeUnused(getNodeList()); }
 };
