@@ -84,6 +84,7 @@ void ObjectDataBase::noteWrite(Statement::Effect effect)
     // A change of tables may be one of any of them.
     if (effect != Statement::Effect::Rows)
         dropKept();
+    dropKeptIndices();
     if (effect == Statement::Effect::Schema)
         context.writes.anythingWritten();
     if (writeTracking_ && !context.isSilent())

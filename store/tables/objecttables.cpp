@@ -128,20 +128,21 @@ bool ObjectTables::addIndex(quint8 line, quint16 index, const Index &data)
         return false;
     const auto told = aboutObject(line, index);
     static const QString update =
-        u"update Objects%1 set "_s + RecordColumns::assignments<Index>(indexColumns) + " where objectindex = ?"_L1;
-    static const QString insert = u"insert into Objects%1 (%2, objectindex, metadata) values(%3, 0)"_s.arg(
-        u"%1"_s, RecordColumns::names<Index>(indexColumns), SqlText::places(indexColumns.size() + 1));
+        " set "_L1 + RecordColumns::assignments<Index>(indexColumns) + " where objectindex = ?"_L1;
+    static const QString insert = " (%1, objectindex, metadata) values(%2, 0)"_L1.arg(
+        RecordColumns::names<Index>(indexColumns), SqlText::places(indexColumns.size() + 1));
+    const QString table = "Objects"_L1 + QString::number(line);
     const auto ids =
         RecordColumns::intern<Index>(indexColumns, data, strings_, {"description"_L1, "name"_L1, "device_class"_L1});
     const QVariant exists = statements_.value(
-        {"addIndex", u"select exists(select 1 from Objects%1 where objectindex = ?)"_s.arg(line)}, {index});
+        {"addIndex", "select exists(select 1 from "_L1 + table + " where objectindex = ?)"_L1}, {index});
     if (!exists.isValid())
         return false;
     std::optional<TransactionScope> withAttributes;
     if (!data.metadata.isEmpty())
         withAttributes.emplace(statements_, TransactionScope::Kind::Step);
-    BoundStatement statement(statements_,
-                             {"addIndex", (exists.toBool() ? update : insert).arg(line), Statement::Effect::Rows});
+    const QString text = exists.toBool() ? "update "_L1 + table + update : "insert into "_L1 + table + insert;
+    BoundStatement statement(statements_, {"addIndex", text, Statement::Effect::Rows});
     RecordColumns::bind<Index>(statement, {indexColumns, data, ids});
     statement.bind(qint64{index});
     bool done = statement.execute();
@@ -273,11 +274,17 @@ std::optional<Sub> ObjectTables::getSubIndex(quint8 line, quint16 index, quint8 
 
 QList<ObjectTables::IndexEntry> ObjectTables::getAllIndices(quint8 line)
 {
+    if (keptIndices_ && keptIndices_->first == line)
+        return keptIndices_->second;
     strings_.loadTexts();
-    return statements_.list({"getAllIndices", indexSelect(line) + " order by objectindex"_L1}, {},
-                            [this](const ResultRow &row) {
-                                return IndexEntry{.index = row.number<quint16>(0), .data = indexOfRow(row, strings_)};
-                            });
+    QList<IndexEntry> entries;
+    const bool isWhole = statements_.visit(
+        {"getAllIndices", indexSelect(line) + " order by objectindex"_L1}, {}, [&](const ResultRow &row) {
+            entries.append({.index = row.number<quint16>(0), .data = indexOfRow(row, strings_)});
+        });
+    if (isWhole && keepsSubs_)
+        keptIndices_.emplace(line, entries);
+    return entries;
 }
 
 QList<ObjectTables::SubEntry> ObjectTables::getAllSubIndices(quint8 line)

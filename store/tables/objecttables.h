@@ -69,10 +69,16 @@ public:
     void cacheAllSubs(quint8 line, quint16 index);
     void clearSubCache();
     /// Keeps what `getAllSubIndices` has read last until subindices are written otherwise than by `addSubIndex` outside
-    /// a transaction: a run asks for them several times, and a server checks a whole line after each edit of one.
+    /// a transaction: a run asks for them several times, and a server checks a whole line after each edit of one. The
+    /// objects that `getAllIndices` has read are kept with them, until anything at all is written.
     void keepSubIndices(bool keep);
     /// Forgets what `keepSubIndices` keeps.
-    void dropKept() { keptSubs_.reset(); }
+    void dropKept()
+    {
+        keptSubs_.reset();
+        dropKeptIndices();
+    }
+    void dropKeptIndices() { keptIndices_.reset(); }
 
 private:
     bool runSubs(const char *operation, const QString &text, const QVariantList &values);
@@ -88,5 +94,6 @@ private:
     SubObjectCache subCache_;
     bool keepsSubs_ = false;
     quint8 keptLine_ = 0;
-    std::optional<QList<SubEntry>> keptSubs_; ///< all of `keptLine_`, as its table is
+    std::optional<QList<SubEntry>> keptSubs_;                         ///< all of `keptLine_`, as its table is
+    std::optional<std::pair<quint8, QList<IndexEntry>>> keptIndices_; ///< of a line, too
 };

@@ -60,15 +60,17 @@ public:
             tell(operation(store, arguments));
         } else
             EXPECT_TRUE(line.isEmpty() || line.startsWith(u'#')) << "no operation: " << qPrintable(line);
-        expectKeptSubIndicesToBeCurrent();
+        expectWhatIsKeptToBeCurrent();
         return played_;
     }
 
 private:
-    void expectKeptSubIndicesToBeCurrent()
+    void expectWhatIsKeptToBeCurrent()
     {
         const auto described = [this] {
             QStringList all;
+            for (const auto &[index, data] : store.getAllIndices(0))
+                all.append(u"%1 "_s.arg(index) + TestSupport::RecordFields::described(data));
             for (const auto &[line, index, subindex, data] : store.getAllSubIndices(0))
                 all.append(u"%1:%2 "_s.arg(index).arg(subindex) + TestSupport::RecordFields::described(data));
             return all;
