@@ -11,6 +11,8 @@
 
 #include <QStringList>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -196,7 +198,7 @@ void EDSImporter::newSubIndex(const CANopenSubindex &sub)
     }
     if (sub.subindex == 1)
         setArrayType(index, record.datatype);
-    entries_.append({line_, index, sub.subindex, record});
+    entries_.append({line_, index, sub.subindex, std::move(record)});
     ++report_.subObjects;
 }
 

@@ -225,17 +225,20 @@ std::optional<quint32> EdsParser::number(const Fields &fields, Field field) cons
 /// A value in the form that fits the type, in which most stand already.
 QString EdsParser::value(const Fields &fields, Field field, quint32 type) const
 {
+    if (!fields.values[field])
+        return {};
     const QString whole = text(fields, field);
-    const QByteArrayView bytes = fields.values[field].value_or(QByteArrayView());
+    const QByteArrayView bytes = *fields.values[field];
     return AsciiText::isPlainDecimal(bytes) || AsciiText::isPlainHexadecimal(bytes) ? whole
                                                                                     : EdsValue::normalised(whole, type);
 }
 
 QString EdsParser::limit(const Fields &fields, Field field, quint32 type) const
 {
+    if (!fields.values[field])
+        return {};
     const QString whole = text(fields, field);
-    return AsciiText::isPlainDecimal(fields.values[field].value_or(QByteArrayView())) ? whole
-                                                                                      : EdsValue::limit(whole, type);
+    return AsciiText::isPlainDecimal(*fields.values[field]) ? whole : EdsValue::limit(whole, type);
 }
 
 QString EdsParser::accessType(const Fields &fields, bool isDomain) const

@@ -1,5 +1,7 @@
 #include "nodedict/edssections.h"
 
+#include <QVarLengthArray>
+
 #include <algorithm>
 #include <array>
 
@@ -49,11 +51,13 @@ std::optional<quint32> hexNumber(QByteArrayView digits, quint32 highest)
     return digits.isEmpty() ? std::nullopt : std::optional(value);
 }
 
+constexpr qsizetype longest = 64;
+using HeadName = QVarLengthArray<char, longest + 1>;
+
 /// What stands between the brackets, without any blanks; empty if it is too long to be of interest.
-QByteArray headName(QByteArrayView line)
+HeadName headName(QByteArrayView line)
 {
-    constexpr qsizetype longest = 64;
-    QByteArray name;
+    HeadName name;
     for (const char c : line.sliced(1)) {
         if (c == ']')
             break;
@@ -90,8 +94,8 @@ std::optional<EdsSections::Head> EdsSections::namedHead(QByteArrayView name)
 
 std::optional<EdsSections::Head> EdsSections::parseHead(QByteArrayView line)
 {
-    const QByteArray name = headName(line);
-    QByteArrayView rest(name);
+    const HeadName name = headName(line);
+    QByteArrayView rest(name.data(), name.size());
     if (const auto head = namedHead(rest))
         return head;
     if (rest.size() >= 6 && TextBytes::equals(rest.first(2), "0x"))
