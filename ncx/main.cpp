@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 int main(int argc, char **argv)
 {
-    ProcessStart::shareOneHeap();
+    ProcessStart::limitHeaps(1);
     ProcessStart::fillStandardStreams();
     ProcessStart::installDebugLog();
     // A reader of the answers that goes away must not keep working copies from being removed.

@@ -49,7 +49,7 @@ int runBatch(const QCoreApplication &application)
 
 int main(int argc, char **argv)
 {
-    ProcessStart::shareOneHeap();
+    ProcessStart::limitHeaps(1);
     ProcessStart::fillStandardStreams();
     ProcessStart::installDebugLog();
     // A reader of the output that goes away must not keep the pass from its end, which may be a save.

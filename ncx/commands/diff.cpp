@@ -67,16 +67,16 @@ QString textOf(const Terminal &terminal, const DeviceChange &change, bool withLi
 
 bool openBoth(const Invocation &call, ComparedDevice &before, ComparedDevice &after)
 {
-    bool isOpen = true;
-    ComparedDevice *devices[] = {&before, &after};
-    for (int i = 0; i < 2; ++i) {
-        call.terminal().step(u"reading %1"_s.arg(call.operand(i)));
-        if (devices[i]->open(call.operand(i)))
-            continue;
-        call.terminal().fail(u"%1: %2"_s.arg(call.operand(i), devices[i]->reason()));
-        isOpen = false;
-    }
-    return isOpen;
+    const QString &oldPath = call.operand(0);
+    const QString &newPath = call.operand(1);
+    call.terminal().step(u"reading %1 and %2"_s.arg(oldPath, newPath));
+    if (ComparedDevice::openBoth(before, oldPath, after, newPath))
+        return true;
+    if (!before.reason().isEmpty())
+        call.terminal().fail(u"%1: %2"_s.arg(oldPath, before.reason()));
+    if (!after.reason().isEmpty())
+        call.terminal().fail(u"%1: %2"_s.arg(newPath, after.reason()));
+    return false;
 }
 
 /// The line that the call asks for; false, with that told, if no side has it.

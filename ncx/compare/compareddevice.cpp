@@ -1,15 +1,28 @@
 #include "ncx/compare/compareddevice.h"
 
 #include "generate/run/importdispatch.h"
+#include "ncx/project/identity.h"
 #include "nodedict/codes.h"
 #include "store/objectdatabase.h"
+#include "texttools/processstart.h"
 #include "texttools/textfile.h"
 
 #include <QFileInfo>
 
 #include <algorithm>
+#include <future>
+#include <tuple>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+bool hasUsualForm(const QString &path)
+{
+    return path.endsWith(".ncxt"_L1) || path.endsWith(".ncxp"_L1);
+}
+
+} // namespace
 
 bool ComparedDevice::isDescriptionPath(const QString &path)
 {
@@ -19,13 +32,48 @@ bool ComparedDevice::isDescriptionPath(const QString &path)
 
 bool ComparedDevice::open(const QString &path)
 {
-    if (isDescriptionPath(path))
-        return openDescription(path);
+    return isDescriptionPath(path) ? openDescription(path) : openProject(path, OpenedProject::Purpose::Reading);
+}
+
+bool ComparedDevice::openProject(const QString &path, OpenedProject::Purpose purpose)
+{
     project_ = std::make_unique<OpenedProject>();
-    const bool isOpen = project_->open(path, OpenedProject::Purpose::Reading);
+    const bool isOpen = project_->open(path, purpose);
     reason_ = project_->reason();
     store_ = project_->sharedStore();
     return isOpen;
+}
+
+/// Opens a project and reads all that a comparison asks for.
+bool ComparedDevice::readBesideOthers(const QString &path)
+{
+    if (!openProject(path, OpenedProject::Purpose::Comparing))
+        return false;
+    for (const quint8 number : lines()) {
+        DeviceLine &each = line(number);
+        std::ignore = each.objects();
+        std::ignore = each.pgns();
+        std::ignore = each.canIds();
+    }
+    return true;
+}
+
+bool ComparedDevice::openBoth(ComparedDevice &first, const QString &firstPath, ComparedDevice &second,
+                              const QString &secondPath)
+{
+    // The importer of a description has a thread of its own, and another project may change the current folder.
+    if (!hasUsualForm(firstPath) || !hasUsualForm(secondPath)) {
+        const bool isFirstOpen = first.open(firstPath);
+        return second.open(secondPath) && isFirstOpen;
+    }
+    Identity::takeWidest();
+    // In one heap the two would wait for each other at each text.
+    ProcessStart::limitHeaps(2);
+    // Where there can be no thread, the second one waits for the first.
+    std::future<bool> isSecondOpen =
+        std::async(std::launch::async | std::launch::deferred, [&] { return second.readBesideOthers(secondPath); });
+    const bool isFirstOpen = first.readBesideOthers(firstPath);
+    return isSecondOpen.get() && isFirstOpen;
 }
 
 bool ComparedDevice::openDescription(const QString &path)

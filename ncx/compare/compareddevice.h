@@ -13,6 +13,10 @@ class ComparedDevice
 public:
     /// False, with the reason, for what cannot be read.
     bool open(const QString &path);
+    /// Opens two devices; projects are read side by side, on two cores. False, with their reasons, if not both could be
+    /// read.
+    static bool openBoth(ComparedDevice &first, const QString &firstPath, ComparedDevice &second,
+                         const QString &secondPath);
     /// Takes a project that is open, which outlives this.
     void take(const OpenedProject &project) { store_ = project.sharedStore(); }
     /// A sentence part, without the path and without a full stop.
@@ -32,6 +36,8 @@ public:
 
 private:
     bool openDescription(const QString &path);
+    bool openProject(const QString &path, OpenedProject::Purpose purpose);
+    bool readBesideOthers(const QString &path);
 
     std::unique_ptr<OpenedProject> project_;
     std::shared_ptr<ObjectDataBase> store_;

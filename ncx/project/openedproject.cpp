@@ -129,8 +129,8 @@ OpenedProject::OpenedProject()
                          // A new project, which a text comes into, has none yet.
                          const bool isReplaced =
                              change.type == static_cast<quint32>(StoreRecords::Change::ProjectReplaced);
-                         if (isReplaced && Identity::hasTypes(store()))
-                             Identity::take(Identity::leastFor(store(), path_));
+                         if (isReplaced && !isBesideOthers_ && Identity::hasTypes(store()))
+                             takeIdentity(Identity::leastFor(store(), path_));
                      });
 }
 
@@ -192,6 +192,12 @@ QString OpenedProject::reasonWithoutCopy(qint64 size)
         isClosed ? u"place"_s : u"room"_s, folder.filePath());
 }
 
+void OpenedProject::takeIdentity(const QString &application) const
+{
+    if (!isBesideOthers_)
+        Identity::take(application);
+}
+
 bool OpenedProject::refuse(const QString &reason)
 {
     reason_ = reason;
@@ -205,20 +211,22 @@ bool OpenedProject::open(const QString &path, Purpose purpose)
         return refuse(reason);
     if (purpose == Purpose::Editing)
         stamp_ = stampOf(path);
-    Identity::takeWidest();
+    isBesideOthers_ = purpose == Purpose::Comparing;
+    takeIdentity(Identity::widest());
     // An open may change the current folder, which the other operands of a command are relative to.
     const QString folder = QDir::currentPath();
-    store().setOnlyRead(purpose == Purpose::Running || purpose == Purpose::Reading);
+    store().setOnlyRead(purpose != Purpose::Serving && purpose != Purpose::Copying && purpose != Purpose::Editing);
     const bool isForRun = purpose == Purpose::Running || purpose == Purpose::Serving;
     const bool opened = isForRun ? handler_.openProject(path) : openAsItIs(path);
-    QDir::setCurrent(folder);
+    if (!isBesideOthers_)
+        QDir::setCurrent(folder);
     if (!opened || handler_.isUnreadText()) {
         // A project may take its identity before the page of its file comes that cannot be read. The working copy was
         // made in the folder of this one.
-        Identity::takeWidest();
+        takeIdentity(Identity::widest());
         return refuse(reasonOfFailure());
     }
-    Identity::take(Identity::leastFor(store(), path));
+    takeIdentity(Identity::leastFor(store(), path));
     bool isNumber = false;
     const int version = store().getMiscSetting(u"DatabaseVersion"_s).toInt(&isNumber);
     if (isNumber && version > Migrations::schemaVersion)

@@ -43,9 +43,11 @@ public:
 
     enum class Purpose
     {
-        Running, ///< with the corrections and settings that a run begins with, not to be saved
-        Serving, ///< the same, to be saved
-        Reading, ///< as it is in its file, in the present layout, not to be saved
+        Running,   ///< with the corrections and settings that a run begins with, not to be saved
+        Serving,   ///< the same, to be saved
+        Reading,   ///< as it is in its file, in the present layout, not to be saved
+        Comparing, ///< the same, maybe in another thread while others are opened: the process is to have the widest
+                   ///< identity, and keeps it
         Copying, ///< the same, to be saved elsewhere
         Editing  ///< the same, to be saved in the place of that file
     };
@@ -85,6 +87,7 @@ public:
     bool hasChangedOnDisk() const;
 
 private:
+    void takeIdentity(const QString &application) const;
     bool refuse(const QString &reason);
     bool openAsItIs(const QString &path);
     QString reasonOfFailure() const;
@@ -94,4 +97,5 @@ private:
     QString path_;
     QString reason_;
     QByteArray stamp_;
+    bool isBesideOthers_ = false; ///< what the whole process has is not changed
 };

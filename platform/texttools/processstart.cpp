@@ -29,10 +29,10 @@ void appendToLog(QtMsgType type, const QMessageLogContext &context, const QStrin
 
 } // namespace
 
-void ProcessStart::shareOneHeap()
+void ProcessStart::limitHeaps([[maybe_unused]] int most)
 {
 #ifdef M_ARENA_MAX
-    mallopt(M_ARENA_MAX, 1);
+    mallopt(M_ARENA_MAX, most);
 #endif
 }
 

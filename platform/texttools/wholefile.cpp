@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <system_error>
+#include <tuple>
 
 #include <fcntl.h>
 
@@ -11,9 +12,25 @@ qint64 WholeFile::writeData(const char *data, qint64 length)
 {
     const qint64 written = QSaveFile::writeData(data, length);
     lost_ = lost_ || written != length;
+    beginWriteBack();
     if (lost_)
         tellFull();
     return written;
+}
+
+/// Has the system begin to bring to the disk what was written, so that the commit, which waits for all of it, finds
+/// little left.
+void WholeFile::beginWriteBack()
+{
+#ifdef SYNC_FILE_RANGE_WRITE
+    constexpr qint64 enough = 1 << 20;
+    const qint64 size = pos();
+    if (size - begun_ < enough)
+        return;
+    // Where that cannot be done, the commit takes its time.
+    std::ignore = sync_file_range(handle(), begun_, size - begun_, SYNC_FILE_RANGE_WRITE);
+    begun_ = size;
+#endif
 }
 
 void WholeFile::tellFull()

@@ -24,7 +24,9 @@ protected:
     qint64 writeData(const char *data, qint64 length) override;
 
 private:
+    void beginWriteBack();
     void tellFull();
 
+    qint64 begun_ = 0;  ///< up to here the system was asked to bring it to the disk
     bool lost_ = false; ///< some data never came to the disk, whatever came behind it
 };
