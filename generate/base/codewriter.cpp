@@ -8,11 +8,11 @@
 
 using namespace Qt::StringLiterals;
 
-void CodeWriter::operator()(QStringView text, std::initializer_list<Hole> holes)
+void CodeWriter::operator()(Text text, std::initializer_list<Hole> holes)
 {
-    Form &form = forms_[text.utf16()];
-    if (!form.isOf(text, holes))
-        form.parse(text, holes);
+    Form &form = forms_[text.place()];
+    if (!form.hasNames(holes))
+        form.parse(text.view(), holes);
     for (const Form::Part &part : form.parts) {
         sink_.putBytes(part.text);
         sink_.put(holes.begin()[part.value].value);
@@ -31,18 +31,16 @@ QString CodeWriter::textOf(const std::function<void(CodeWriter &)> &write)
     return QString::fromUtf8(text.data());
 }
 
-/// The place alone does not tell a text: one that is no literal may stand where another has been. Names are literals.
-bool CodeWriter::Form::isOf(QStringView text, std::span<const Hole> holes) const
+/// Equal literals may share a place, but not the order of their values. Names are literals too.
+bool CodeWriter::Form::hasNames(std::span<const Hole> holes) const
 {
-    return !end.isEmpty() && text == source &&
-           std::ranges::equal(names, holes, {}, &std::string_view::data,
-                              [](const Hole &hole) { return hole.name.data(); });
+    return !end.isEmpty() && std::ranges::equal(names, holes, {}, &std::string_view::data,
+                                                [](const Hole &hole) { return hole.name.data(); });
 }
 
 void CodeWriter::Form::parse(QStringView text, std::span<const Hole> holes)
 {
     *this = {};
-    source = text.toString().toStdU16String();
     for (const Hole &hole : holes)
         names.push_back(hole.name);
     if (text.startsWith(u'\n')) {

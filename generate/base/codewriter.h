@@ -5,7 +5,6 @@
 #include <functional>
 #include <initializer_list>
 #include <span>
-#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -30,10 +29,29 @@
 class CodeWriter
 {
 public:
+    /// A literal: its place tells which one it is.
+    class Text
+    {
+    public:
+        template <size_t Size>
+        consteval Text(const char16_t (&literal)[Size]) // NOLINT(google-explicit-constructor)
+            : begin_(literal)
+            , size_(Size - 1)
+        {
+        }
+
+        const char16_t *place() const { return begin_; }
+        QStringView view() const { return {begin_, size_}; }
+
+    private:
+        const char16_t *begin_;
+        qsizetype size_;
+    };
+
     struct Hole
     {
         std::string_view name;
-        PrintedValue value;
+        PrintedView value;
     };
 
     explicit CodeWriter(Utf8Sink &sink)
@@ -41,7 +59,7 @@ public:
     {
     }
 
-    void operator()(QStringView text, std::initializer_list<Hole> holes = {});
+    void operator()(Text text, std::initializer_list<Hole> holes = {});
 
     /// What a function prints, as a text.
     static QString textOf(const std::function<void(CodeWriter &)> &write);
@@ -58,9 +76,8 @@ private:
         };
 
         void parse(QStringView source, std::span<const Hole> holes);
-        bool isOf(QStringView source, std::span<const Hole> holes) const;
+        bool hasNames(std::span<const Hole> holes) const;
 
-        std::u16string source;
         std::vector<std::string_view> names;
         std::vector<Part> parts;
         QByteArray end;

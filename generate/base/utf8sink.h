@@ -3,6 +3,7 @@
 #include <QByteArrayView>
 #include <QString>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <variant>
@@ -32,6 +33,48 @@ private:
 /// What can be printed: a text, a text that is all ASCII, or a number.
 using PrintedValue = std::variant<QString, QLatin1StringView, Digits>;
 
+/// The same as an argument: it keeps nothing, so that it serves only to the end of the expression that made it.
+class PrintedView
+{
+public:
+    // NOLINTBEGIN(google-explicit-constructor)
+    PrintedView(QStringView text)
+        : data_(text.utf16())
+        , size_(text.size())
+    {
+    }
+    PrintedView(const QString &text)
+        : PrintedView(QStringView(text))
+    {
+    }
+    PrintedView(QLatin1StringView ascii)
+        : data_(ascii.data())
+        , size_(ascii.size())
+        , isAscii_(true)
+    {
+    }
+    PrintedView(const Digits &digits)
+        : PrintedView(digits.view())
+    {
+    }
+    PrintedView(const PrintedValue &value)
+        : PrintedView(std::visit([](const auto &held) { return PrintedView(held); }, value))
+    {
+    }
+    // NOLINTEND(google-explicit-constructor)
+
+    bool isAscii() const { return isAscii_; }
+    /// Of a view that is ASCII.
+    QByteArrayView ascii() const { return {static_cast<const char *>(data_), size_}; }
+    /// Of any other.
+    QStringView text() const { return {static_cast<const char16_t *>(data_), size_}; }
+
+private:
+    const void *data_;
+    qsizetype size_;
+    bool isAscii_ = false;
+};
+
 /// Takes the text of a file piece by piece and hands it to a device in UTF-8, block by block. Every byte of every
 /// output passes here, and nearly all of them are ASCII, so that these are narrowed in place.
 class Utf8Sink
@@ -43,12 +86,23 @@ public:
     Q_DISABLE_COPY_MOVE(Utf8Sink)
 
     void put(QStringView text);
-    void put(const PrintedValue &value)
+    void put(const PrintedView &value)
     {
-        std::visit([this](const auto &held) { *this << held; }, value);
+        if (value.isAscii())
+            putBytes(value.ascii());
+        else
+            put(value.text());
     }
     /// Bytes that are UTF-8 already.
-    void putBytes(QByteArrayView bytes);
+    void putBytes(QByteArrayView bytes)
+    {
+        if (bytes.size() > capacity - size_) {
+            putBeyond(bytes);
+            return;
+        }
+        std::copy(bytes.begin(), bytes.end(), block_.get() + size_);
+        size_ += bytes.size();
+    }
     void flush();
     QIODevice *device() const { return device_; }
 
@@ -65,12 +119,17 @@ public:
     Utf8Sink &operator<<(const Digits &digits) { return *this << digits.view(); }
     Utf8Sink &operator<<(char ascii)
     {
-        putBytes({&ascii, 1});
+        if (size_ == capacity)
+            flush();
+        block_[static_cast<size_t>(size_++)] = ascii;
         return *this;
     }
 
 private:
     static constexpr qsizetype capacity = 1 << 16;
+
+    /// Bytes that the block has no room for.
+    void putBeyond(QByteArrayView bytes);
 
     QIODevice *device_;
     std::unique_ptr<char[]> block_ = std::make_unique_for_overwrite<char[]>(capacity);

@@ -96,7 +96,7 @@ void Writer::define(const Define &define)
 {
     defined_.insert(define.name);
     out_(u"#define ${NAME}${SEPARATOR}${VALUE}",
-         {{"NAME", define.name}, {"SEPARATOR", define.separator}, {"VALUE", define.value}});
+         {{"NAME", define.name}, {"SEPARATOR", QStringView(&define.separator, 1)}, {"VALUE", define.value}});
 }
 
 /// Of several targets the active one is written, or all of them, and the compiler's command line chooses.

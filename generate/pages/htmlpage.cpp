@@ -31,12 +31,12 @@ void HtmlPage::head(const QString &id, const QString &markup)
     out(u"    <tr class=\"head\"><th${id} colspan=\"2\">${text}</th></tr>", {{"id", attribute}, {"text", markup}});
 }
 
-void HtmlPage::headRow(const QString &word, const QString &markup)
+void HtmlPage::headRow(PrintedView word, PrintedView markup)
 {
     out(u"    <tr class=\"head\"><th>${word}</th><th>${text}</th></tr>", {{"word", word}, {"text", markup}});
 }
 
-void HtmlPage::row(const QString &word, const QString &markup, int wordWidth)
+void HtmlPage::row(PrintedView word, PrintedView markup, int wordWidth)
 {
     out(u"    <tr${class}><td${width}>${word}</td><td>${text}</td></tr>",
         {{"class", nextClass()}, {"width", widthAttribute(wordWidth)}, {"word", word}, {"text", markup}});
@@ -45,7 +45,7 @@ void HtmlPage::row(const QString &word, const QString &markup, int wordWidth)
 void HtmlPage::description(const QString &text)
 {
     if (!text.isEmpty())
-        row(u"Description"_s, escaped(text));
+        row("Description"_L1, escaped(text));
 }
 
 void HtmlPage::line(const QString &markup)
@@ -59,9 +59,9 @@ void HtmlPage::link(const QString &id, const QString &markup, const QString &hin
     out(u"    <a href=\"#${id}\"${title}>${text}</a><br>", {{"id", id}, {"title", title}, {"text", markup}});
 }
 
-QString HtmlPage::nextClass()
+QLatin1StringView HtmlPage::nextClass()
 {
-    return std::exchange(alternate_, !alternate_) ? u" class=\"alt\""_s : QString();
+    return std::exchange(alternate_, !alternate_) ? " class=\"alt\""_L1 : ""_L1;
 }
 
 QString HtmlPage::escaped(QString text)

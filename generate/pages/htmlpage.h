@@ -22,9 +22,9 @@ public:
     /// A head across the table; links find it under the id.
     void head(const QString &id, const QString &markup);
     /// A head that is a row with a word and a value.
-    void headRow(const QString &word, const QString &markup);
+    void headRow(PrintedView word, PrintedView markup);
     /// `wordWidth` in pixels, 0 for that of the style sheet.
-    void row(const QString &word, const QString &markup, int wordWidth = 0);
+    void row(PrintedView word, PrintedView markup, int wordWidth = 0);
     /// Nothing for an empty text.
     void description(const QString &text);
     /// A row without words.
@@ -38,7 +38,7 @@ public:
     CodeWriter out;
 
 private:
-    QString nextClass();
+    QLatin1StringView nextClass();
 
     bool alternate_ = true;
 };

@@ -34,8 +34,8 @@ QString pgnWithDirection(const LineMessage &pgn)
 
 void writeImplementation(HtmlPage &page, const StoreRecords::SPN &signal)
 {
-    page.row(u"Implementation Type"_s, DocumentWords::implementation(signal.implementation));
-    page.row(u"Variable Name"_s, HtmlPage::escaped(signal.varname));
+    page.row("Implementation Type"_L1, DocumentWords::implementation(signal.implementation));
+    page.row("Variable Name"_L1, HtmlPage::escaped(signal.varname));
 }
 
 void writePGN(HtmlPage &page, const LineMessage &pgn)
@@ -43,18 +43,18 @@ void writePGN(HtmlPage &page, const LineMessage &pgn)
     page.out(u"  <p>");
     page.beginTable(tableWidth);
     page.head(anchorOf(pgn), u" PGN: "_s + pgnWithDirection(pgn));
-    page.row(u"Name "_s, pgn.head.name);
-    page.row(u"Direction"_s, pgn.isTransmitted() ? u"Transmit (TX)"_s : u"Receive (RX)"_s);
-    page.row(u"Cycle Time"_s, cycleTime(pgn));
-    page.row(u"Inhibit Time"_s, milliseconds(pgn.head.inhibittime_ms));
+    page.row("Name "_L1, pgn.head.name);
+    page.row("Direction"_L1, pgn.isTransmitted() ? u"Transmit (TX)"_s : u"Receive (RX)"_s);
+    page.row("Cycle Time"_L1, cycleTime(pgn));
+    page.row("Inhibit Time"_L1, milliseconds(pgn.head.inhibittime_ms));
     page.description(pgn.head.desc);
     page.endTable();
     for (const StoreRecords::SPN &spn : pgn.items) {
         page.out(u" <br/>");
         page.beginTable(tableWidth);
-        page.headRow(u"SPN "_s, dec(spn.spnnumber));
-        page.row(u"Name "_s, spn.name);
-        page.row(u"Data Type"_s, COHelper::index2DataTypeString(spn.datatype), spnWordWidth);
+        page.headRow("SPN "_L1, dec(spn.spnnumber));
+        page.row("Name "_L1, spn.name);
+        page.row("Data Type"_L1, COHelper::index2DataTypeString(spn.datatype), spnWordWidth);
         writeImplementation(page, spn);
         page.endTable();
     }
@@ -65,11 +65,11 @@ void writeElement(HtmlPage &page, const StoreRecords::DataElement &element)
 {
     page.out(u" <br/>");
     page.beginTable(tableWidth);
-    page.headRow(u"Signal "_s, element.name);
-    page.row(u"Bit Position"_s, dec(element.bitposition));
-    page.row(u"Bit Length"_s, dec(LineMessages::bits(element)));
-    page.row(u"Data Type"_s, COHelper::index2DataTypeString(element.datatype));
-    page.row(u"Default Value"_s, HtmlPage::escaped(element.defaultvalue));
+    page.headRow("Signal "_L1, element.name);
+    page.row("Bit Position"_L1, dec(element.bitposition));
+    page.row("Bit Length"_L1, dec(LineMessages::bits(element)));
+    page.row("Data Type"_L1, COHelper::index2DataTypeString(element.datatype));
+    page.row("Default Value"_L1, HtmlPage::escaped(element.defaultvalue));
     page.description(element.desc);
     writeImplementation(page, element);
     page.endTable();
@@ -80,11 +80,11 @@ void writeCanId(HtmlPage &page, const LineMessage &message)
     page.out(u"  <p>");
     page.beginTable(tableWidth);
     page.head(anchorOf(message), u" CAN-ID: 0x%1"_s.arg(hex(message.canId())));
-    page.row(u"Name "_s, message.head.name);
-    page.row(u"Direction"_s, message.isTransmitted() ? u"Transmit (TX)"_s : u"Receive (RX)"_s);
-    page.row(u"Frame Format"_s, DocumentWords::frameFormat(message.isExtended()));
-    page.row(message.isTransmitted() ? u"Cycle Time"_s : u"Exp. Cycle Time"_s, cycleTime(message));
-    page.row(u"Inhibit Time"_s, milliseconds(message.head.inhibittime_ms));
+    page.row("Name "_L1, message.head.name);
+    page.row("Direction"_L1, message.isTransmitted() ? u"Transmit (TX)"_s : u"Receive (RX)"_s);
+    page.row("Frame Format"_L1, DocumentWords::frameFormat(message.isExtended()));
+    page.row(message.isTransmitted() ? "Cycle Time"_L1 : "Exp. Cycle Time"_L1, cycleTime(message));
+    page.row("Inhibit Time"_L1, milliseconds(message.head.inhibittime_ms));
     page.description(message.head.desc);
     page.endTable();
     for (const StoreRecords::DataElement &element : message.items)

@@ -2,6 +2,8 @@
 #include "generate/base/fileheader.h"
 #include "support/printing.h"
 
+#include <QBuffer>
+
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -41,6 +43,31 @@ TEST(CodeWriterDeathTest, RefusesHolesAndValuesThatDoNotMatch)
     EXPECT_DEATH(written([](CodeWriter &out) { out(u"\n  a\n b\n  "); }), "");
 }
 #endif
+
+TEST(Utf8Sink, WritesTextsOfEachLengthWhole)
+{
+    QBuffer file;
+    file.open(QIODevice::WriteOnly);
+    QString all;
+    {
+        Utf8Sink sink(&file);
+        const auto put = [&](const QString &text) {
+            all += text + text + u'|';
+            sink << text;
+            // The same bytes once more, as what is in UTF-8 already.
+            sink.putBytes(text.toUtf8());
+            sink << '|';
+        };
+        for (qsizetype size = 0; size < 20; ++size) {
+            put(QString(size, u'a'));
+            for (qsizetype place = 0; place < size; ++place)
+                put(QString(size, u'a').replace(place, 1, place % 2 == 0 ? u'\x80' : u'\x1d11'));
+        }
+        for (const qsizetype size : {65534, 65535, 65536, 65537})
+            put(QString(size, u'b'));
+    }
+    EXPECT_EQ(file.data(), all.toUtf8());
+}
 
 TEST(FileHeader, NamesFileProjectProgramAndMoment)
 {
