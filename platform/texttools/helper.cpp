@@ -36,13 +36,12 @@ Helper::Helper(int /*formatVersion*/) {}
 
 QString Helper::substituteVariables(const QString &text, quint32 index, quint32 subindex, quint32 line)
 {
-    qsizetype open = text.indexOf("${"_L1);
-    if (open < 0)
+    if (!text.contains(u'$'))
         return text;
     const QStringView view(text);
     QString result;
     qsizetype done = 0;
-    for (; open >= 0; open = text.indexOf("${"_L1, open)) {
+    for (qsizetype open = text.indexOf("${"_L1); open >= 0; open = text.indexOf("${"_L1, open)) {
         const qsizetype close = text.indexOf(u'}', open);
         if (close < 0)
             break;
