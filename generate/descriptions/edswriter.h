@@ -33,13 +33,13 @@ private:
     void writeFileInfo(const QString &project);
     void writeDeviceInfo();
     void writeDummyUsage();
-    void writeList(const QString &section, const QList<quint16> &indices);
+    void writeList(QLatin1StringView section, const QList<quint16> &indices);
     void writePlain(const LineObject &object);
     void writeGroup(const LineObject &object);
     void writeAttributes(const StoreRecords::SubIndexData &sub, const QString &defaultValue,
                          const QString &description);
     void writeDescription(const QString &text);
-    void pair(const QString &key, const QString &value);
+    void pair(QLatin1StringView key, const QString &value);
 
     CodeWriter out_;
     ObjectDataBase &store_;

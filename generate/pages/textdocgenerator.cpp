@@ -19,13 +19,20 @@ constexpr auto textEnding = "_doc.txt"_L1;
 void writeSubIndex(CodeWriter &out, const StoreRecords::SubEntry &record)
 {
     const StoreRecords::SubIndexData &sub = record.data;
-    out(u"  Sub:          0x${subindex} - ${name}",
-        {{"subindex", hex(record.subindex, 2)}, {"name", filledText(sub.name, record)}});
-    out(u"  DataType:     ${type}", {{"type", COHelper::index2DataTypeString(sub.datatype)}});
+    out(uR"(
+          Sub:          0x${subindex} - ${name}
+          DataType:     ${type}
+        )",
+        {{"subindex", hex(record.subindex, 2)},
+         {"name", filledText(sub.name, record)},
+         {"type", COHelper::index2DataTypeString(sub.datatype)}});
     if (!sub.defaultvalue.isEmpty())
         out(u"  DefaultValue: ${value}", {{"value", sub.defaultvalue}});
-    out(u"  AccessType:   ${access}", {{"access", sub.accesstype}});
-    out(u"  PDOMapping:   ${mapping}", {{"mapping", dec(sub.pdomapping.toUInt())}});
+    out(uR"(
+          AccessType:   ${access}
+          PDOMapping:   ${mapping}
+        )",
+        {{"access", sub.accesstype}, {"mapping", dec(sub.pdomapping.toUInt())}});
     if (!sub.description.isEmpty())
         out(u"  Description:  ${text}", {{"text", filledText(sub.description, record)}});
 }
