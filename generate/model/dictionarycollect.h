@@ -26,7 +26,7 @@ std::optional<COHelper::Limits> declaredLimits(const StoreRecords::SubIndexData 
 QLatin1StringView objectTypeWord(quint32 objectType);
 /// The end of the specifier of a description row; `staticSrdo`: an SRDO carries the subindex.
 QLatin1StringView specifier(const StoreRecords::SubEntry &sub, bool staticSrdo);
-/// The attributes of a row up to the PDO mapping, joined by " | ".
-QString accessAttributes(const StoreRecords::SubIndexData &data);
+/// The attributes of a row up to the PDO mapping.
+Attributes accessAttributes(const StoreRecords::SubIndexData &data);
 
 } // namespace DictionaryCollect

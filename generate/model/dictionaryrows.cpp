@@ -15,27 +15,20 @@ using Entry = StoreRecords::SubEntry;
 namespace {
 
 /// What an access lets the stack do; with an unknown one it does all that a client asks for.
-QLatin1StringView accessAttribute(const QString &access)
+Attributes accessAttribute(const QString &access)
 {
     if (access == Access::Const || access == Access::ReadOnly)
-        return "CO_ATTR_READ"_L1;
-    return access == Access::WriteOnly ? "CO_ATTR_WRITE"_L1 : "CO_ATTR_READ | CO_ATTR_WRITE"_L1;
+        return Attribute::Readable;
+    return access == Access::WriteOnly ? Attribute::Writable : Attribute::Readable | Attribute::Writable;
 }
 
-QString descriptionAttributes(const StoreRecords::SubIndexData &data, bool compact)
+Attributes descriptionAttributes(const StoreRecords::SubIndexData &data, bool compact)
 {
-    struct Flag
-    {
-        bool set;
-        QLatin1StringView attribute;
-    };
-    QString attributes = DictionaryCollect::accessAttributes(data);
-    for (const Flag &flag : {Flag{data.defaultineds, "CO_ATTR_DEFVAL"_L1},
-                             Flag{DictionaryCollect::declaredLimits(data).has_value(), "CO_ATTR_LIMIT"_L1},
-                             Flag{data.nvstorage, "CO_ATTR_STORE"_L1}, Flag{compact, "CO_ATTR_COMPACT"_L1}}) {
-        if (flag.set)
-            attributes += " | "_L1 + flag.attribute;
-    }
+    Attributes attributes = DictionaryCollect::accessAttributes(data);
+    attributes.setFlag(Attribute::HasDefault, data.defaultineds);
+    attributes.setFlag(Attribute::HasLimits, DictionaryCollect::declaredLimits(data).has_value());
+    attributes.setFlag(Attribute::Stored, data.nvstorage);
+    attributes.setFlag(Attribute::Compact, compact);
     return attributes;
 }
 
@@ -51,11 +44,7 @@ quint16 valueColumn(const DictionaryTables &tables, const Entry &sub)
     return tables.variableIndexMap.value(sub.data.sharedlines ? subKey(0, sub.index, sub.subindex) : key);
 }
 
-/// Texts that many rows have in common, each of them once.
-using SharedTexts = QSet<QString>;
-
-DescriptionRow descriptionRow(const DictionaryTables &tables, const LineObject &object, const Entry &sub,
-                              SharedTexts &texts)
+DescriptionRow descriptionRow(const DictionaryTables &tables, const LineObject &object, const Entry &sub)
 {
     const quint32 key = subKey(sub);
     const bool compact = object.compactLimit != notCompact && sub.subindex == object.compactLimit;
@@ -66,14 +55,14 @@ DescriptionRow descriptionRow(const DictionaryTables &tables, const LineObject &
         .dataType = sub.data.datatype,
         .specifier = DictionaryCollect::specifier(sub, tables.staticSrdoObjects.contains(key)),
         .value = valueColumn(tables, sub),
-        .attributes = *texts.insert(descriptionAttributes(sub.data, compact)),
+        .attributes = descriptionAttributes(sub.data, compact),
         .defaultPosition = tables.defaultIndexMap.value(key),
         .lowerPosition = tables.lowerLimitIndexMap.value(key),
         .upperPosition = tables.upperLimitIndexMap.value(key),
     };
 }
 
-void describeObject(DictionaryTables &tables, const LineObject &object, SharedTexts &texts)
+void describeObject(DictionaryTables &tables, const LineObject &object)
 {
     // Without a subindex 0 the object begins with the first that it has.
     tables.descriptionStartMap.insert(objectKey(object.line, object.index),
@@ -85,7 +74,7 @@ void describeObject(DictionaryTables &tables, const LineObject &object, SharedTe
             continue;
         ++tables.descriptionCount;
         if (object.line == 0 || !sub.data.sharedlines)
-            tables.description.push_back(descriptionRow(tables, object, sub, texts));
+            tables.description.push_back(descriptionRow(tables, object, sub));
     }
 }
 
@@ -135,25 +124,21 @@ QLatin1StringView DictionaryCollect::specifier(const Entry &sub, bool staticSrdo
     return sub.data.implementation == Implementation::ManagedVariable ? "_VAR"_L1 : "_PTR"_L1;
 }
 
-QString DictionaryCollect::accessAttributes(const StoreRecords::SubIndexData &data)
+Attributes DictionaryCollect::accessAttributes(const StoreRecords::SubIndexData &data)
 {
-    QString attributes;
-    if (data.datatype < CAN::VisibleString || data.datatype == CAN::Unsigned24)
-        attributes += "CO_ATTR_NUM | "_L1;
-    attributes += accessAttribute(data.accesstype);
-    if (data.pdomapping != PDOMapping::Forbidden && CANopen::fitsTransmitPdo(data.accesstype))
-        attributes += " | CO_ATTR_MAP_TR"_L1;
-    if (data.pdomapping != PDOMapping::Forbidden && CANopen::fitsReceivePdo(data.accesstype))
-        attributes += " | CO_ATTR_MAP_REC"_L1;
+    Attributes attributes = accessAttribute(data.accesstype);
+    const bool isMappable = data.pdomapping != PDOMapping::Forbidden;
+    attributes.setFlag(Attribute::Numeric, data.datatype < CAN::VisibleString || data.datatype == CAN::Unsigned24);
+    attributes.setFlag(Attribute::Transmitted, isMappable && CANopen::fitsTransmitPdo(data.accesstype));
+    attributes.setFlag(Attribute::Received, isMappable && CANopen::fitsReceivePdo(data.accesstype));
     return attributes;
 }
 
 void DictionaryCollect::rows(DictionaryTables &tables)
 {
-    SharedTexts attributes;
     for (DictionaryLine &line : tables.lines) {
         for (const LineObject &object : line.objects)
-            describeObject(tables, object, attributes);
+            describeObject(tables, object);
         line.descriptionCount = static_cast<quint32>(tables.description.size());
     }
     for (DictionaryLine &line : tables.lines) {

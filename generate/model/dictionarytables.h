@@ -42,6 +42,23 @@ struct DictionaryLine : LineDictionary
     bool isDevice() const { return objects.size() > 1; }
 };
 
+/// What the attributes of a row say, a bit for each.
+enum class Attribute : quint16
+{
+    Numeric = 0x001,
+    Readable = 0x002,
+    Writable = 0x004,
+    Transmitted = 0x008, ///< may be mapped into a TPDO
+    Received = 0x010,    ///< may be mapped into an RPDO
+    HasDefault = 0x020,
+    HasLimits = 0x040,
+    Stored = 0x080,
+    Dynamic = 0x100,
+    Compact = 0x200 ///< stands for the subindices behind it too
+};
+Q_DECLARE_FLAGS(Attributes, Attribute)
+Q_DECLARE_OPERATORS_FOR_FLAGS(Attributes)
+
 /// A row of od_description.
 struct DescriptionRow
 {
@@ -51,8 +68,8 @@ struct DescriptionRow
     quint16 dataType = 0;
     QLatin1StringView specifier{}; ///< "_VAR", "_SYNC" and so on
     quint16 value = 0;             ///< array position, service number or index, as the specifier says
-    QString attributes{};          ///< joined by " | "
-    quint16 defaultPosition = 0;   ///< in od_const_*, as the limits
+    Attributes attributes{};
+    quint16 defaultPosition = 0; ///< in od_const_*, as the limits
     quint16 lowerPosition = 0;
     quint16 upperPosition = 0;
 };

@@ -30,7 +30,7 @@ bool isSharedElsewhere(const Entry &sub)
 
 bool isWritable(const StoreRecords::SubIndexData &data)
 {
-    return CANopen::accessOf(data.accesstype) && CANopen::isWritable(data.accesstype);
+    return CANopen::isWritable(data.accesstype) && CANopen::accessOf(data.accesstype);
 }
 
 /// What the stack knows of the limits of a type: wide numbers have none.

@@ -5,6 +5,8 @@
 #include "nodedict/canopendatatype.h"
 #include "texttools/numbertext.h"
 
+#include <QStringBuilder>
+
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -147,7 +149,7 @@ QString PoolValue::initialiser() const
         number = realText(real);
     else
         number = row.hasSign ? QString::number(signedValue(bits, row.bits)) : QString::number(bits);
-    return u"(%1)%2%3"_s.arg(row.cType, number, row.suffix);
+    return u'(' % row.cType % u')' % number % row.suffix;
 }
 
 PoolValue parseValue(ValueType type, const QString &text, int base)

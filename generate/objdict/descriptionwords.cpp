@@ -55,6 +55,21 @@ QString joinedColumn(const Dialect &dialect, quint16 dataType, QLatin1StringView
     return (dialect.dataType + word).leftJustified(width);
 }
 
+struct AttributeWord
+{
+    Attribute attribute;
+    QLatin1StringView word;
+};
+
+// In the order in which a row has them.
+constexpr AttributeWord attributeWords[] = {
+    {Attribute::Numeric, "CO_ATTR_NUM"_L1},      {Attribute::Readable, "CO_ATTR_READ"_L1},
+    {Attribute::Writable, "CO_ATTR_WRITE"_L1},   {Attribute::Transmitted, "CO_ATTR_MAP_TR"_L1},
+    {Attribute::Received, "CO_ATTR_MAP_REC"_L1}, {Attribute::HasDefault, "CO_ATTR_DEFVAL"_L1},
+    {Attribute::HasLimits, "CO_ATTR_LIMIT"_L1},  {Attribute::Stored, "CO_ATTR_STORE"_L1},
+    {Attribute::Dynamic, "CO_ATTR_DYNOD"_L1},    {Attribute::Compact, "CO_ATTR_COMPACT"_L1},
+};
+
 } // namespace
 
 QString DescriptionWords::typeColumns(const Dialect &dialect, quint16 dataType, QLatin1StringView suffix)
@@ -71,6 +86,16 @@ QString DescriptionWords::mappedType(const Dialect &dialect, std::optional<quint
     if (dialect.has(Point::MappedTypeColumn))
         return typeWord(dialect, *dataType);
     return *dataType < CAN::VisibleString || *dataType == CAN::Integer24 ? u"CO_TRUE"_s : u"CO_FALSE"_s;
+}
+
+QString DescriptionWords::attributes(Attributes attributes)
+{
+    QStringList words;
+    for (const AttributeWord &row : attributeWords) {
+        if (attributes.testFlag(row.attribute))
+            words.append(row.word);
+    }
+    return words.join(" | "_L1);
 }
 
 PrintedValue DescriptionWords::place(bool multiLine, quint8 line, quint16 index)

@@ -7,6 +7,7 @@
 #include "texttools/helper.h"
 
 #include <QHash>
+#include <QStringBuilder>
 
 using namespace Qt::StringLiterals;
 using Code::dec;
@@ -177,9 +178,9 @@ void writeTextVariables(CodeWriter &out, const DictionaryTables &tables, const D
 
 QString limitColumns(const DictionaryTables &tables, const DescriptionRow &row)
 {
-    return tables.limitCheck
-               ? u"u, (UNSIGNED16)%1u, (UNSIGNED16)%2"_s.arg(dec(row.lowerPosition), dec(row.upperPosition))
-               : QString();
+    if (!tables.limitCheck)
+        return {};
+    return "u, (UNSIGNED16)"_L1 % dec(row.lowerPosition).view() % "u, (UNSIGNED16)"_L1 % dec(row.upperPosition).view();
 }
 
 } // namespace
@@ -255,18 +256,23 @@ void ObjDictSections::description(CodeWriter &out, const DictionaryTables &table
         ${CORE}CONST CO_OBJECT_DESC_T ${CORE}CONST_STORAGE_CLASS od_description[CO_OBJ_DESC_CNT] = {
         )",
         {{"CORE", dialect.core}});
-    QHash<std::pair<quint16, QLatin1StringView>, QString> typeColumns; // few for all rows
+    // Few for all rows.
+    QHash<std::pair<quint16, QLatin1StringView>, QString> typeColumns;
+    QHash<Attributes::Int, QString> attributes;
     for (const DescriptionRow &row : tables.description) {
         QString &type = typeColumns[{row.dataType, row.specifier}];
         if (type.isNull())
             type = DescriptionWords::typeColumns(dialect, row.dataType, row.specifier);
+        QString &attribute = attributes[row.attributes];
+        if (attribute.isNull())
+            attribute = DescriptionWords::attributes(row.attributes);
         out(u"\t{ (UNSIGNED8)${SUB}u, ${TYPE}, (UNSIGNED16)${VALUE}u, ${ATTRIBUTES},  "
             u"(UNSIGNED16)${DEFAULT}${LIMITS}u},"
             "/* ${PLACE}:${SUB}*/ ",
             {{"SUB", dec(row.subindex)},
              {"TYPE", type},
              {"VALUE", dec(row.value)},
-             {"ATTRIBUTES", row.attributes},
+             {"ATTRIBUTES", attribute},
              {"DEFAULT", dec(row.defaultPosition)},
              {"LIMITS", limitColumns(tables, row)},
              {"PLACE", DescriptionWords::place(tables.multiLine, row.line, row.index)}});

@@ -1,14 +1,13 @@
 #pragma once
 
 #include "generate/base/utf8sink.h"
+#include "generate/model/dictionarytables.h"
 
 #include <optional>
 #include <vector>
 
 class CodeWriter;
-struct AssignRow;
 struct Dialect;
-struct DictionaryTables;
 
 /// The sections of the tables of an object dictionary, as gen_objdict.c and gen_mp.c have them.
 namespace ObjDictSections {
@@ -42,6 +41,8 @@ namespace DescriptionWords {
 QString typeColumns(const Dialect &dialect, quint16 dataType, QLatin1StringView suffix);
 /// The data type of a mapping row, or whether it is a number; `unmapped` without a data type.
 QString mappedType(const Dialect &dialect, std::optional<quint16> dataType);
+/// "CO_ATTR_NUM | CO_ATTR_READ"
+QString attributes(Attributes attributes);
 /// "0x2000", with several lines "1-0x2000".
 PrintedValue place(bool multiLine, quint8 line, quint16 index);
 

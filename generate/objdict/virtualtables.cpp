@@ -75,10 +75,9 @@ private:
                                   .upperPosition = tables_.upperLimitIndexMap.value(key)};
         row.valueIsIndex = ServiceObjects::value(object.index, sub.subindex) == object.index;
         row.value = row.valueIsIndex ? object.index : number;
-        if (dynamic_)
-            row.attributes += " | CO_ATTR_DYNOD"_L1;
-        if (object.compactLimit != notCompact && sub.subindex == object.compactLimit)
-            row.attributes += " | CO_ATTR_COMPACT"_L1;
+        row.attributes.setFlag(Attribute::Dynamic, dynamic_);
+        row.attributes.setFlag(Attribute::Compact,
+                               object.compactLimit != notCompact && sub.subindex == object.compactLimit);
         return row;
     }
 

@@ -12,7 +12,7 @@ struct VirtualDescriptionRow
     /// virtual ones that are stored alike, those without a row of their own included.
     quint16 value = 0;
     bool valueIsIndex = false;
-    QString attributes{};        ///< joined by " | "
+    Attributes attributes{};
     quint16 defaultPosition = 0; ///< in the constants of gen_objdict.c, as the limits
     quint16 lowerPosition = 0;
     quint16 upperPosition = 0;

@@ -43,7 +43,7 @@ void writeDescription(CodeWriter &out, const VirtualTables &tables, bool limitCh
              {"SUB", dec(row.subindex)},
              {"TYPE", DescriptionWords::typeColumns(dialect, row.dataType, "_PTR"_L1)},
              {"VALUE", valueColumn(row)},
-             {"ATTRIBUTES", row.attributes},
+             {"ATTRIBUTES", DescriptionWords::attributes(row.attributes)},
              {"DEFAULT", dec(row.defaultPosition)},
              {"LIMITS", limitColumns(limitCheck, row)},
              {"INDEX", hex(row.index, 4)},
