@@ -10,8 +10,10 @@
 
 #include <QHash>
 #include <QRegularExpression>
+#include <QStringBuilder>
 #include <QThread>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -25,12 +27,15 @@ namespace {
 /// either end.
 QString identifier(QLatin1StringView prefix, const QString &text)
 {
-    QString name = prefix + text.toUpper();
+    // The upper case of letters beyond ASCII may be one of its letters.
+    const bool isAscii = std::ranges::all_of(text, [](QChar letter) { return letter < u'\x80'; });
+    QString name = prefix % (isAscii ? text : text.toUpper());
     QChar *end = name.data(); // what is left of the text goes to the place of what was there
     for (const QChar letter : std::as_const(name)) {
-        const bool allowed = (letter >= u'A' && letter <= u'Z') || (letter >= u'0' && letter <= u'9');
+        const QChar upper = letter >= u'a' && letter <= u'z' ? QChar(letter.unicode() - u'a' + u'A') : letter;
+        const bool allowed = (upper >= u'A' && upper <= u'Z') || (upper >= u'0' && upper <= u'9');
         if (allowed || end == name.constData() || end[-1] != u'_')
-            *end++ = allowed ? letter : QChar(u'_');
+            *end++ = allowed ? upper : QChar(u'_');
     }
     name.truncate(end - name.constData());
     if (name.startsWith(u'_'))
@@ -263,18 +268,18 @@ void LineCollector::addShortPdoName(Block &block, quint16 index)
 {
     static const QRegularExpression linePrefix(u"^L[0-9]+_"_s);
     static const QRegularExpression pdoOfNode(u"^I_([RT]PDO)_COMM_PAR_([0-9]+)_FOR_NODE_([0-9]+)_([A-Za-z0-9_]+)$"_s);
-    const auto match = pdoOfNode.match(QString(block.first().name).remove(linePrefix));
-    if (!match.hasMatch())
+    const auto range =
+        std::ranges::find_if(pdoRanges, [index](const PdoRange &each) { return each.indices.contains(index); });
+    if (range == pdoRanges.end())
         return;
-    for (const PdoRange &range : pdoRanges) {
-        if (match.captured(1) != range.kind || !range.indices.contains(index))
-            continue;
-        const QString name =
-            u"%1_%2_%3_%4"_s.arg(match.captured(1), match.captured(3), match.captured(4), match.captured(2));
-        const QString value = decimal(quint64{index} - range.indices.first + 1);
-        if (names_.takeFixed(name, value))
-            block.append({.name = name, .value = value});
-    }
+    const auto match = pdoOfNode.match(QString(block.first().name).remove(linePrefix));
+    if (!match.hasMatch() || match.captured(1) != range->kind)
+        return;
+    const QString name =
+        u"%1_%2_%3_%4"_s.arg(match.captured(1), match.captured(3), match.captured(4), match.captured(2));
+    const QString value = decimal(quint64{index} - range->indices.first + 1);
+    if (names_.takeFixed(name, value))
+        block.append({.name = name, .value = value});
 }
 
 void LineCollector::collectCanIds()

@@ -4,20 +4,31 @@
 #include "generate/base/fileheader.h"
 #include "generate/names/indexdefines.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int nameWidth = 25;
+constexpr qsizetype nameWidth = 25;
+
+QLatin1StringView paddingBehind(const QString &name)
+{
+    constexpr auto blanks = "                         "_L1;
+    static_assert(blanks.size() == nameWidth);
+    return blanks.first(std::max(nameWidth - name.size(), qsizetype{0}));
+}
 
 void writeDefines(CodeWriter &out, const IndexDefines &item)
 {
     for (const IndexDefine &define : item.defines)
-        out(u"#define ${GAP}${PREFIX}${NAME}\t${VALUE}${COMMENT}", {{"GAP", define.ofSubindex ? u" "_s : QString()},
-                                                                    {"PREFIX", item.prefix},
-                                                                    {"NAME", define.name.leftJustified(nameWidth)},
-                                                                    {"VALUE", define.value},
-                                                                    {"COMMENT", define.comment}});
+        out(u"#define ${GAP}${PREFIX}${NAME}${PADDING}\t${VALUE}${COMMENT}",
+            {{"GAP", define.ofSubindex ? " "_L1 : ""_L1},
+             {"PREFIX", item.prefix},
+             {"NAME", define.name},
+             {"PADDING", paddingBehind(define.name)},
+             {"VALUE", define.value},
+             {"COMMENT", define.comment}});
     out(u"");
 }
 
