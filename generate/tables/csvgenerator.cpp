@@ -6,6 +6,8 @@
 #include "generate/tables/tablefields.h"
 #include "nodedict/cohelper.h"
 
+#include <QStringBuilder>
+
 using namespace Qt::StringLiterals;
 using TableFields::Column;
 using TableFields::field;
@@ -18,7 +20,7 @@ using Sub = StoreRecords::SubEntry;
 QString entryNameOf(const LineObject &object, const Sub &sub)
 {
     const bool isVariable = object.data.objecttype == CANopen::Var;
-    return field(isVariable ? object.name() : object.name() + u' ' + filledText(sub.data.name, sub));
+    return field(isVariable ? object.name() : object.name() % u' ' % filledText(sub.data.name, sub));
 }
 
 QLatin1StringView implementationOf(const Sub &sub)

@@ -46,6 +46,8 @@ QString nameOf(const Object &object, const Sub &sub)
 /// A row of the table is one line, so that the text's line breaks are spelled out.
 QString descriptionField(const QString &text)
 {
+    if (text.isEmpty())
+        return text;
     return field(DocText::lines(text).join(Helper::csvDescLinebreak));
 }
 
