@@ -7,27 +7,40 @@
 
 namespace {
 
-/// Narrows a text that is all ASCII; false, with bytes of no meaning, for any other. In blocks of a known size, which
-/// the compiler turns into a few instructions.
+constexpr qsizetype narrowedAtOnce = 8;
+
+/// Narrows so many characters, a number that the compiler knows and makes a few instructions of. Its result has the
+/// bits that any of them has.
+char16_t narrowBlock(const char16_t *units, char *bytes)
+{
+    std::array<char16_t, narrowedAtOnce> wide;
+    std::array<char, narrowedAtOnce> narrowed;
+    std::memcpy(wide.data(), units, sizeof wide);
+    char16_t all = 0;
+    for (size_t i = 0; i < wide.size(); ++i) {
+        all |= wide[i];
+        narrowed[i] = static_cast<char>(wide[i]);
+    }
+    std::memcpy(bytes, narrowed.data(), sizeof narrowed);
+    return all;
+}
+
+/// Narrows a text that is all ASCII; false, with bytes of no meaning, for any other.
 bool narrow(QStringView text, char *bytes)
 {
-    constexpr qsizetype blockSize = 8;
     const char16_t *units = text.utf16();
-    qsizetype rest = text.size();
+    const qsizetype size = text.size();
     char16_t all = 0;
-    for (; rest >= blockSize; rest -= blockSize, units += blockSize, bytes += blockSize) {
-        std::array<char16_t, blockSize> wide;
-        std::array<char, blockSize> narrowed;
-        std::memcpy(wide.data(), units, sizeof wide);
-        for (size_t i = 0; i < wide.size(); ++i) {
-            all |= wide[i];
-            narrowed[i] = static_cast<char>(wide[i]);
+    if (size >= narrowedAtOnce) {
+        const qsizetype last = size - narrowedAtOnce; // the last block may overlap the one before
+        for (qsizetype i = 0; i < last; i += narrowedAtOnce)
+            all |= narrowBlock(units + i, bytes + i);
+        all |= narrowBlock(units + last, bytes + last);
+    } else {
+        for (qsizetype i = 0; i < size; ++i) {
+            all |= units[i];
+            bytes[i] = static_cast<char>(units[i]);
         }
-        std::memcpy(bytes, narrowed.data(), sizeof narrowed);
-    }
-    for (; rest > 0; --rest) {
-        all |= *units;
-        *bytes++ = static_cast<char>(*units++);
     }
     return all < 0x80;
 }

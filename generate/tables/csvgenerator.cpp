@@ -71,7 +71,7 @@ void CSVGenerator::writeObject(Utf8Sink &sink, const LineObject &object)
 {
     for (const Sub &sub : object.subs) {
         for (const Column &column : csvColumns) {
-            sink.put(column.field(object, sub));
+            column.print(sink, object, sub);
             sink << ',';
         }
         sink << '\n';

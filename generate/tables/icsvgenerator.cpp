@@ -85,9 +85,9 @@ constexpr Column columns[] = {
 };
 // clang-format on
 
-/// A row of what `fieldOf` gives for each column.
-template <typename FieldOf>
-void writeRow(Utf8Sink &sink, bool withDocumentation, FieldOf fieldOf)
+/// A row of what `print` prints for each column.
+template <typename Print>
+void writeRow(Utf8Sink &sink, bool withDocumentation, Print print)
 {
     bool isFirst = true;
     for (const Column &column : columns) {
@@ -95,7 +95,7 @@ void writeRow(Utf8Sink &sink, bool withDocumentation, FieldOf fieldOf)
             continue;
         if (!std::exchange(isFirst, false))
             sink << ',';
-        sink.put(fieldOf(column));
+        print(column);
     }
     sink << '\n';
 }
@@ -110,15 +110,17 @@ QString ICSVGenerator::fileName() const
 void ICSVGenerator::writeHead(Utf8Sink &sink)
 {
     sink << u"# This is an importable ICSV file for the %1 project.\n#\n"_s.arg(DocText::oneLine(baseName()));
-    writeRow(sink, hasDocumentation_, [](const Column &column) { return column.name; });
+    writeRow(sink, hasDocumentation_, [&](const Column &column) { sink << column.name; });
 }
 
 void ICSVGenerator::writeObject(Utf8Sink &sink, const LineObject &object)
 {
     if (object.isGroup()) {
-        writeRow(sink, hasDocumentation_,
-                 [&](const Column &column) { return column.headField ? column.headField(object) : PrintedValue(); });
+        writeRow(sink, hasDocumentation_, [&](const Column &column) {
+            if (column.printHead)
+                column.printHead(sink, object);
+        });
     }
     for (const Sub &sub : object.subs)
-        writeRow(sink, hasDocumentation_, [&](const Column &column) { return column.field(object, sub); });
+        writeRow(sink, hasDocumentation_, [&](const Column &column) { column.print(sink, object, sub); });
 }

@@ -32,8 +32,8 @@ struct Column
     requires std::is_empty_v<Field>
     constexpr Column(QLatin1StringView columnName, Field /*field*/)
         : name(columnName)
-        , field([](const LineObject &object, const StoreRecords::SubEntry &sub) -> PrintedValue {
-            return Field()(object, sub);
+        , print([](Utf8Sink &sink, const LineObject &object, const StoreRecords::SubEntry &sub) {
+            sink << Field()(object, sub);
         })
     {
     }
@@ -41,12 +41,12 @@ struct Column
     constexpr Column(QLatin1StringView columnName, Field ofSubindex, HeadField /*ofHead*/)
         : Column(columnName, ofSubindex)
     {
-        headField = [](const LineObject &object) -> PrintedValue { return HeadField()(object); };
+        printHead = [](Utf8Sink &sink, const LineObject &object) { sink << HeadField()(object); };
     }
 
     QLatin1StringView name;
-    PrintedValue (*field)(const LineObject &, const StoreRecords::SubEntry &);
-    PrintedValue (*headField)(const LineObject &) = nullptr; ///< none for an empty field
+    void (*print)(Utf8Sink &, const LineObject &, const StoreRecords::SubEntry &);
+    void (*printHead)(Utf8Sink &, const LineObject &) = nullptr; ///< none for an empty field
 };
 
 } // namespace TableFields
