@@ -94,6 +94,8 @@ void StringPool::loadTexts()
 
 void StringPool::reload()
 {
+    if (readAt_ == statements_.writtenRows())
+        return;
     clear();
     isStale_ = true;
 }
@@ -109,11 +111,14 @@ void StringPool::readIfStale()
         texts_.insert(id, text);
         ids_.insert(text, id);
     });
+    if (textsLoaded_)
+        readAt_ = statements_.writtenRows();
 }
 
 void StringPool::clear()
 {
     isStale_ = false;
+    readAt_.reset();
     textsLoaded_ = false;
     texts_.clear();
     ids_.clear();

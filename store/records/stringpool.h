@@ -26,7 +26,7 @@ public:
     QString textOf(int id);
     /// The text whose id stands in a column; null for a NULL.
     QString textOf(const ResultRow &row, int column);
-    /// Makes the next question read the whole table anew.
+    /// Makes the next question read the whole table anew, unless nothing was written since that was done.
     void reload();
     /// Makes `textOf` answer without the database, by one scan for the first call after an open.
     void loadTexts();
@@ -44,6 +44,7 @@ private:
     Statements &statements_;
     std::optional<BoundStatement> insertion_; ///< kept prepared: an import interns thousands of texts one by one
     bool isStale_ = false;
+    std::optional<int> readAt_; ///< how many rows had been written when all was read anew
     QHash<int, QString> texts_;
     bool textsLoaded_ = false;
     QHash<QString, int> ids_;         ///< interned during this session: by the text with its quotes doubled

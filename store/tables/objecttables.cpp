@@ -5,6 +5,7 @@
 
 #include <QDebug>
 #include <QMutexLocker>
+#include <QStringBuilder>
 
 #include <algorithm>
 #include <utility>
@@ -131,17 +132,17 @@ bool ObjectTables::addIndex(quint8 line, quint16 index, const Index &data)
         " set "_L1 + RecordColumns::assignments<Index>(indexColumns) + " where objectindex = ?"_L1;
     static const QString insert = " (%1, objectindex, metadata) values(%2, 0)"_L1.arg(
         RecordColumns::names<Index>(indexColumns), SqlText::places(indexColumns.size() + 1));
-    const QString table = "Objects"_L1 + QString::number(line);
+    const QString table = "Objects"_L1 % QString::number(line);
     const auto ids =
         RecordColumns::intern<Index>(indexColumns, data, strings_, {"description"_L1, "name"_L1, "device_class"_L1});
     const QVariant exists = statements_.value(
-        {"addIndex", "select exists(select 1 from "_L1 + table + " where objectindex = ?)"_L1}, {index});
+        {"addIndex", "select exists(select 1 from "_L1 % table % " where objectindex = ?)"_L1}, {index});
     if (!exists.isValid())
         return false;
     std::optional<TransactionScope> withAttributes;
     if (!data.metadata.isEmpty())
         withAttributes.emplace(statements_, TransactionScope::Kind::Step);
-    const QString text = exists.toBool() ? "update "_L1 + table + update : "insert into "_L1 + table + insert;
+    const QString text = exists.toBool() ? QString("update "_L1 % table % update) : "insert into "_L1 % table % insert;
     BoundStatement statement(statements_, {"addIndex", text, Statement::Effect::Rows});
     RecordColumns::bind<Index>(statement, {indexColumns, data, ids});
     statement.bind(qint64{index});
