@@ -34,8 +34,9 @@ QString CodeWriter::textOf(const std::function<void(CodeWriter &)> &write)
 /// Equal literals may share a place, but not the order of their values. Names are literals too.
 bool CodeWriter::Form::hasNames(std::span<const Hole> holes) const
 {
-    return !end.isEmpty() && std::ranges::equal(names, holes, {}, &std::string_view::data,
-                                                [](const Hole &hole) { return hole.name.data(); });
+    return !end.isEmpty() && std::ranges::equal(names, holes, [](std::string_view name, const Hole &hole) {
+        return name.data() == hole.name.data();
+    });
 }
 
 void CodeWriter::Form::parse(QStringView text, std::span<const Hole> holes)

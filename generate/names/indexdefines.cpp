@@ -251,7 +251,9 @@ LineCollector::Block LineCollector::objectBlock(const LineObject &object)
     if (name.isEmpty())
         name = nameOf("I_"_L1, object.data.name.isEmpty() ? u"unnamed object"_s : object.data.name, 0);
     const QString value = hexadecimal(object.index);
-    Block block{{.name = names_.counted(name, value), .value = value}};
+    Block block;
+    block.reserve(2 + std::ssize(object.subs));
+    block.append({.name = names_.counted(name, value), .value = value});
     addShortPdoName(block, object.index);
 
     for (const StoreRecords::SubEntry &sub : object.subs) {
