@@ -68,7 +68,7 @@ bool mergeProject(const Store &store, const QString &path, std::optional<quint8>
             ProjectMerge::copyCANIDs(*store, line, source, from, 0, lastCANID, report);
     }
     qDebug().noquote() << report.text();
-    return true;
+    return !source.isDamaged();
 }
 
 struct ImportForm
