@@ -197,7 +197,7 @@ bool Migrations::repair(ProjectTables &tables, int fileVersion, const QString &p
     if (path.endsWith("ncxe"_L1))
         done = makeEdsPathsAbsolute(tables, path) && done;
     done = completeDescriptions(tables, lines) && done;
-    tables.context.strings.reload();
+    tables.cacheStrings(); // at once: a table of them that cannot be read makes the open fail
     if (fileVersion < bitPositionVersion) {
         for (const quint8 line : lines) {
             if (line < firstLineBeyondRepair)

@@ -94,13 +94,13 @@ void StringPool::loadTexts()
 
 void StringPool::reload()
 {
-    if (readAt_ == statements_.writtenRows())
+    if (isAsRead_)
         return;
     clear();
     isStale_ = true;
 }
 
-/// Mostly nobody asks any more after a save, nor between an open and the next reload.
+/// Mostly nobody asks any more after a save.
 void StringPool::readIfStale()
 {
     if (!std::exchange(isStale_, false))
@@ -111,14 +111,13 @@ void StringPool::readIfStale()
         texts_.insert(id, text);
         ids_.insert(text, id);
     });
-    if (textsLoaded_)
-        readAt_ = statements_.writtenRows();
+    isAsRead_ = textsLoaded_;
 }
 
 void StringPool::clear()
 {
     isStale_ = false;
-    readAt_.reset();
+    isAsRead_ = false;
     textsLoaded_ = false;
     texts_.clear();
     ids_.clear();

@@ -26,8 +26,10 @@ public:
     QString textOf(int id);
     /// The text whose id stands in a column; null for a NULL.
     QString textOf(const ResultRow &row, int column);
-    /// Makes the next question read the whole table anew, unless nothing was written since that was done.
+    /// Makes the next question read the whole table anew, unless it is as it was when that was done last.
     void reload();
+    /// A row of the table has been written, by whomever.
+    void rowWritten() { isAsRead_ = false; }
     /// Makes `textOf` answer without the database, by one scan for the first call after an open.
     void loadTexts();
     /// Deletes the texts that no row of these lines or of the network view refers to.
@@ -44,7 +46,7 @@ private:
     Statements &statements_;
     std::optional<BoundStatement> insertion_; ///< kept prepared: an import interns thousands of texts one by one
     bool isStale_ = false;
-    std::optional<int> readAt_; ///< how many rows had been written when all was read anew
+    bool isAsRead_ = false; ///< nothing was written since all was read anew
     QHash<int, QString> texts_;
     bool textsLoaded_ = false;
     QHash<QString, int> ids_;         ///< interned during this session: by the text with its quotes doubled

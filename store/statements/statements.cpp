@@ -358,11 +358,6 @@ void Statements::listenToRows()
             this);
 }
 
-int Statements::writtenRows() const
-{
-    return database_ ? sqlite3_total_changes(database_) : 0;
-}
-
 void Statements::tellRollback()
 {
     if (rolledBack_)

@@ -139,9 +139,6 @@ public:
     /// Tells that listener, for writes that were taken back otherwise than by a rollback.
     void tellTakenBack() { tellRollback(); }
 
-    /// Counts the rows that were inserted, changed or deleted since the file was opened, whichever statement did it.
-    int writtenRows() const;
-
     StoreGate &gate() { return gate_; }
     /// The connection as SQLite knows it, for what no statement can do; null while no file is open.
     sqlite3 *handle() const { return database_; }

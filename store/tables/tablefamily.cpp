@@ -4,7 +4,11 @@ using namespace Qt::StringLiterals;
 
 TableContext::TableContext()
 {
-    statements.setRowListener([this](QByteArrayView table) { writes.rowWritten(table); });
+    statements.setRowListener([this](QByteArrayView table) {
+        if (table.compare("Strings", Qt::CaseInsensitive) == 0)
+            strings.rowWritten();
+        writes.rowWritten(table);
+    });
 }
 
 void TableContext::notify(StoreRecords::Change type, StoreRecords::ChangeSet change) const
