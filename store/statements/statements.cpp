@@ -338,6 +338,11 @@ bool Statements::fail(const Statement &statement, const char *what)
     return false;
 }
 
+qint64 Statements::rowChanges() const
+{
+    return database_ ? sqlite3_total_changes64(database_) : 0;
+}
+
 void Statements::tellWrite(const Statement &statement)
 {
     if (written_ && statement.effect != Statement::Effect::None)

@@ -126,6 +126,8 @@ public:
     QString errorText() const { return error_; }
     /// True if a statement has failed because the file could not be read or written as a whole, until the next open.
     bool isDamaged() const { return damaged_; }
+    /// How many rows have been written since the file was opened, those that were rolled back too.
+    qint64 rowChanges() const;
     /// For what has gone wrong in another way.
     void noteDamage() { damaged_ = true; }
 

@@ -155,12 +155,19 @@ QList<quint32> J1939Tables::getPGNList(quint8 line, quint8 direction, bool leave
 
 QList<PGN> J1939Tables::getAllPGNs(quint8 line)
 {
-    return pgns_.all("getAllPGNs", line, u" order by direction desc, number"_s);
+    return keptPgns_.get(context_, line,
+                         [&] { return pgns_.all("getAllPGNs", line, u" order by direction desc, number"_s); });
 }
 
 QList<SPN> J1939Tables::getAllSPNs(quint8 line)
 {
-    return spns_.all("getAllSPNs", line, inOrder);
+    return keptSpns_.get(context_, line, [&] { return spns_.all("getAllSPNs", line, inOrder); });
+}
+
+void J1939Tables::dropKeptGroups()
+{
+    keptPgns_.drop();
+    keptSpns_.drop();
 }
 
 QList<SPN> J1939Tables::getSPNs(quint8 line, quint32 pgn, quint8 direction)

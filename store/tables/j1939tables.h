@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/tables/keptlist.h"
 #include "store/tables/keyedrows.h"
 #include "store/tables/spncache.h"
 
@@ -44,6 +45,7 @@ public:
     /// Loads the SPNs of a line into the cache that `getSPN` and `getSPNList` ask first.
     [[nodiscard]] bool cacheSPNs(quint8 line);
     void clearSPNCache() { cache_.clear(); }
+    void dropKeptGroups();
 
 private:
     void completeColumns(quint8 line);
@@ -52,4 +54,6 @@ private:
     const KeyedRows<PGN> pgns_;
     const KeyedRows<SPN> spns_;
     SpnCache cache_;
+    KeptList<PGN> keptPgns_;
+    KeptList<SPN> keptSpns_;
 };

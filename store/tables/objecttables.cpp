@@ -156,7 +156,7 @@ bool ObjectTables::addIndex(quint8 line, quint16 index, const Index &data)
 /// A write to the subindices of a line, of which not even a failure leaves them as they were known.
 bool ObjectTables::runSubs(const char *operation, const QString &text, const QVariantList &values)
 {
-    dropKept();
+    dropKeptObjects();
     return statements_.execute({operation, text, Statement::Effect::Subindices}, values);
 }
 
@@ -190,7 +190,7 @@ bool ObjectTables::writeSubRow(const SubEntry &entry, Quotes quotes, std::option
     }
     insertion->statement.bind(qint64{entry.index});
     insertion->statement.bind(qint64{entry.subindex});
-    dropKept();
+    dropKeptObjects();
     return insertion->statement.execute();
 }
 
@@ -337,5 +337,6 @@ void ObjectTables::clearSubCache()
 void ObjectTables::keepSubIndices(bool keep)
 {
     keepsSubs_ = keep;
-    dropKept();
+    context_.keepsLists = keep;
+    dropKeptObjects();
 }

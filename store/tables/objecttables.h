@@ -70,10 +70,10 @@ public:
     void clearSubCache();
     /// Keeps what `getAllSubIndices` has read last until subindices are written otherwise than by `addSubIndex` outside
     /// a transaction: a run asks for them several times, and a server checks a whole line after each edit of one. The
-    /// objects that `getAllIndices` has read are kept with them, until anything at all is written.
+    /// objects that `getAllIndices` has read are kept with them, and the messages that the other families have read,
+    /// until anything at all is written.
     void keepSubIndices(bool keep);
-    /// Forgets what `keepSubIndices` keeps.
-    void dropKept()
+    void dropKeptObjects()
     {
         keptSubs_.reset();
         dropKeptIndices();

@@ -33,6 +33,13 @@ public:
     {
     }
 
+    /// Forgets the lists of whole lines.
+    void dropKept()
+    {
+        dropKeptObjects();
+        dropKeptGroups();
+        dropKeptIds();
+    }
     /// What the families remember of a project is that of another one from now on.
     void forgetCaches()
     {

@@ -119,12 +119,20 @@ QList<quint32> RawCanTables::getCANIDList(quint8 line, quint8 direction)
 
 QList<CANID> RawCanTables::getAllCANIDs(quint8 line)
 {
-    return canids_.all("getAllCANIDs", line, u" order by direction desc, id"_s);
+    return keptIds_.get(context_, line,
+                        [&] { return canids_.all("getAllCANIDs", line, u" order by direction desc, id"_s); });
 }
 
 QList<DataElement> RawCanTables::getAllDataElements(quint8 line)
 {
-    return elements_.all("getAllDataElements", line, u" order by number, rowid"_s);
+    return keptElements_.get(context_, line,
+                             [&] { return elements_.all("getAllDataElements", line, u" order by number, rowid"_s); });
+}
+
+void RawCanTables::dropKeptIds()
+{
+    keptIds_.drop();
+    keptElements_.drop();
 }
 
 QList<DataElement> RawCanTables::getDataElements(quint8 line, quint32 canid, quint8 direction)

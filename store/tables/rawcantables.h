@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/tables/keptlist.h"
 #include "store/tables/keyedrows.h"
 
 /// The identifiers and data elements of a raw CAN line: `CANIDs%1` and `DataElements%1`. A direction is
@@ -38,8 +39,12 @@ public:
     /// Those of one CAN-ID, in the same order.
     QList<DataElement> getDataElements(quint8 line, quint32 canid, quint8 direction);
 
+    void dropKeptIds();
+
 private:
     // The statements, "update CANIDs%1 set ..." and the like, stand there.
     const KeyedRows<CANID> canids_;
     const KeyedRows<DataElement> elements_;
+    KeptList<CANID> keptIds_;
+    KeptList<DataElement> keptElements_;
 };

@@ -28,6 +28,8 @@ public:
     WriteLog writes;
     /// While set, no family writes.
     std::atomic<bool> blocked = false;
+    /// Lists of whole lines that were read are kept, until something is written.
+    bool keepsLists = false;
 
     void setListener(Listener listener) { listener_ = std::move(listener); }
     void notify(StoreRecords::Change type, StoreRecords::ChangeSet change = {}) const;

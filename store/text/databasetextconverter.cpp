@@ -126,6 +126,16 @@ void DatabaseTextConverter::writeSettings(const QString &table, SettingsText::Wr
         writer.writeText(SettingsText::escapedKey(key), value);
 }
 
+/// The expression for the groups of a row. To number rows with one key takes longer than all else about them.
+QLatin1StringView DatabaseTextConverter::pathOf(const QString &table, const TableForm &form) const
+{
+    if (form.same.isEmpty())
+        return form.path;
+    const QString test =
+        u"SELECT 1 FROM %1 GROUP BY %2 HAVING count(*) > 1 LIMIT 1"_s.arg(SqlText::identifier(table), form.key);
+    return store_->context.statements.hasRow({"pathOf", test}) ? form.same : form.path;
+}
+
 /// What the rows of a table are in order of, as their paths are.
 QString DatabaseTextConverter::orderOf(const QString &table, const TableForm &form) const
 {
@@ -165,7 +175,7 @@ QList<DatabaseTextConverter::TextColumn> DatabaseTextConverter::textColumnsOf(co
 void DatabaseTextConverter::writeRows(const QString &table, const TableForm &form, SettingsText::Writer &writer)
 {
     const QList<TextColumn> columns = textColumnsOf(table, form);
-    QStringList expressions = {form.path + " AS rowpath"_L1};
+    QStringList expressions = {pathOf(table, form) + " AS rowpath"_L1};
     for (const TextColumn &column : columns)
         expressions.append(column.expression);
     const Statement select = {"writeRows", u"SELECT %1 FROM %2 AS t ORDER BY %3"_s.arg(expressions.join(", "_L1),

@@ -73,6 +73,7 @@ private:
     void writeTable(const QString &table, const TableForm &form, SettingsText::Writer &writer);
     void writeSettings(const QString &table, SettingsText::Writer &writer);
     void writeRows(const QString &table, const TableForm &form, SettingsText::Writer &writer);
+    QLatin1StringView pathOf(const QString &table, const TableForm &form) const;
     QString orderOf(const QString &table, const TableForm &form) const;
     QList<TextColumn> textColumnsOf(const QString &table, const TableForm &form) const;
     void writeCell(const TextColumn &column, const ResultRow &row, int place, SettingsText::Writer &writer);

@@ -27,6 +27,7 @@ struct TableForm
     Table kind;
     QLatin1StringView word; ///< what the names of the tables hold
     QLatin1StringView path; ///< the groups of a row, as an expression on its columns; empty for a table of settings
+    QLatin1StringView same; ///< the same for one of several rows with one key; empty where that cannot be
     QLatin1StringView key;  ///< columns whose values the groups tell, joined by ","
     bool keyIsWritten;      ///< the key columns stand among the row's keys as well
     bool descriptionIsText; ///< like the name, "description" stands as its text instead of its id

@@ -73,6 +73,15 @@ private:
                 all.append(u"%1 "_s.arg(index) + TestSupport::RecordFields::described(data));
             for (const auto &[line, index, subindex, data] : store.getAllSubIndices(0))
                 all.append(u"%1:%2 "_s.arg(index).arg(subindex) + TestSupport::RecordFields::described(data));
+            for (const auto &data : store.getAllPGNs(0))
+                all.append(u"%1/%2 "_s.arg(data.number).arg(data.direction) + data.name + data.desc);
+            for (const auto &data : store.getAllSPNs(0))
+                all.append(u"%1/%2 "_s.arg(data.pgnnumber).arg(data.spnnumber) +
+                           TestSupport::RecordFields::described(data));
+            for (const auto &data : store.getAllCANIDs(0))
+                all.append(u"%1 "_s.arg(data.id) + data.name + data.desc);
+            for (const auto &data : store.getAllDataElements(0))
+                all.append(u"%1 "_s.arg(data.pgnnumber) + TestSupport::RecordFields::described(data));
             return all;
         };
         const QStringList kept = described();
