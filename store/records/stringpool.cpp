@@ -116,6 +116,7 @@ void StringPool::readIfStale()
 
 void StringPool::clear()
 {
+    ++clearings_;
     isStale_ = false;
     isAsRead_ = false;
     textsLoaded_ = false;

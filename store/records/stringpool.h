@@ -35,6 +35,8 @@ public:
     /// Deletes the texts that no row of these lines or of the network view refers to.
     [[nodiscard]] bool removeUnused(const QList<quint8> &lines);
     void clear();
+    /// How often the texts were let go: rows read before the last time may hold texts of then.
+    qint64 clearings() const { return clearings_; }
     /// To be called before the file is closed.
     void releaseStatements() { insertion_.reset(); }
 
@@ -49,6 +51,7 @@ private:
     bool isAsRead_ = false; ///< nothing was written since all was read anew
     QHash<int, QString> texts_;
     bool textsLoaded_ = false;
+    qint64 clearings_ = 0;
     QHash<QString, int> ids_;         ///< interned during this session: by the text with its quotes doubled
     QHash<QString, int> firstQuoted_; ///< first row of each text that holds a quote
 };

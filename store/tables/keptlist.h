@@ -4,8 +4,8 @@
 
 #include <utility>
 
-/// The rows of a line as they were read last, given again until anything is written: the check and each output of a run
-/// ask for them. Kept where `TableContext::keepsLists` says so.
+/// The rows of a line as they were read last, given again until anything is written or the pool lets its texts go: the
+/// check and each output of a run ask for them. Kept where `TableContext::keepsLists` says so.
 template <class Record>
 class KeptList
 {
@@ -14,21 +14,27 @@ public:
     template <class Read>
     QList<Record> get(const TableContext &context, quint8 line, const Read &read)
     {
-        const qint64 changes = context.statements.rowChanges();
-        if (context.keepsLists && rows_ && line_ == line && changes_ == changes)
+        const State state{line, context.statements.rowChanges(), context.strings.clearings()};
+        if (context.keepsLists && rows_ && state_ == state)
             return *rows_;
         rows_.reset();
         QList<Record> rows = read();
         if (!context.keepsLists || context.statements.isDamaged())
             return rows;
-        line_ = line;
-        changes_ = changes;
+        state_ = state;
         return rows_.emplace(std::move(rows));
     }
     void drop() { rows_.reset(); }
 
 private:
+    struct State
+    {
+        quint8 line;
+        qint64 changes; ///< rows that had been written to the project
+        qint64 clearings;
+        bool operator==(const State &) const = default;
+    };
+
     std::optional<QList<Record>> rows_;
-    quint8 line_ = 0;
-    qint64 changes_ = 0; ///< rows that had been written to the project
+    State state_{};
 };
