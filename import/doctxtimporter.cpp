@@ -40,7 +40,13 @@ enum SPNField : quint8
 constexpr qsizetype leastSPNFields = 7;
 constexpr qsizetype lastOption = 9;
 
-quint8 directionOf(const QString &text)
+/// Of a line, which must stay while they are used.
+QList<QStringView> fieldsOf(const QString &line)
+{
+    return QStringView(line).split(u'\t');
+}
+
+quint8 directionOf(QStringView text)
 {
     if (text == "TX"_L1)
         return ObjectDataBase::transmit;
@@ -69,6 +75,7 @@ void DOCTXTImporter::importFile()
 {
     pgn_ = 0;
     direction_ = 0;
+    written_.reset();
     TextFile text;
     if (!text.load(filePath_))
         return;
@@ -85,7 +92,7 @@ void DOCTXTImporter::importFile()
 void DOCTXTImporter::importLine(const QString &line)
 {
     if (line.startsWith("PGN:"_L1)) {
-        if (importPGN(line.split(u'\t'))) {
+        if (importPGN(fieldsOf(line))) {
             position_ = 0;
         } else {
             direction_ = 0;
@@ -94,18 +101,18 @@ void DOCTXTImporter::importLine(const QString &line)
             report_.drop(lineNumber_, u"invalid PGN"_s);
         }
     } else if (direction_ != 0 && line.startsWith("\tDescription:"_L1)) {
-        importDescription(line.split(u'\t'));
+        importDescription(fieldsOf(line));
     } else if (line.startsWith("\tSPN:"_L1)) {
-        if (direction_ == 0 || !importSPN(line.split(u'\t')))
+        if (direction_ == 0 || !importSPN(fieldsOf(line)))
             report_.drop(lineNumber_, direction_ == 0 ? u"SPN without a PGN"_s : u"invalid SPN"_s);
     }
 }
 
-bool DOCTXTImporter::importPGN(const QStringList &fields)
+bool DOCTXTImporter::importPGN(const QList<QStringView> &fields)
 {
     if (fields.size() < leastPGNFields)
         return false;
-    const auto number = NumberText::decimal<quint32>(fields.value(Number).section(u'/', 1, 1));
+    const auto number = NumberText::decimal<quint32>(fields.value(Number).split(u'/').value(1));
     const auto cycleTime = NumberText::decimal<quint16>(fields.value(CycleTime));
     const auto priority = NumberText::decimal<quint8>(fields.value(Priority));
     const auto inhibitTime = fields.size() > InhibitTime ? NumberText::decimal<quint32>(fields.value(InhibitTime))
@@ -115,37 +122,40 @@ bool DOCTXTImporter::importPGN(const QStringList &fields)
     if (!number || !isInRange(*number) || record.direction == 0 || !cycleTime || !priority || !inhibitTime)
         return false;
     record.number = *number;
-    record.name = fields.value(PGNName);
+    record.name = fields.value(PGNName).toString();
     record.cycletime_ms = *cycleTime;
     record.priority = *priority;
     record.inhibittime_ms = static_cast<quint16>(*inhibitTime);
     pgn_ = *number;
     direction_ = record.direction;
-    if (report_.wrote(store_->addPGN(line_, *number, record), u"PGN"_s, lineNumber_))
+    written_.reset();
+    if (report_.wrote(store_->addPGN(line_, *number, record), u"PGN"_s, lineNumber_)) {
         ++report_.messages;
+        written_ = std::move(record);
+    }
     return true;
 }
 
-void DOCTXTImporter::importDescription(const QStringList &fields)
+void DOCTXTImporter::importDescription(const QList<QStringView> &fields)
 {
     if (fields.size() < 3)
         return;
-    if (std::optional<StoreRecords::PGN> record = store_->getPGN(line_, pgn_, direction_)) {
-        record->desc = fields.at(2);
+    if (std::optional<StoreRecords::PGN> record = written_ ? written_ : store_->getPGN(line_, pgn_, direction_)) {
+        record->desc = fields.at(2).toString();
         report_.wrote(store_->addPGN(line_, pgn_, *record), u"description"_s, lineNumber_);
     }
 }
 
-bool DOCTXTImporter::importSPN(const QStringList &fields)
+bool DOCTXTImporter::importSPN(const QList<QStringView> &fields)
 {
     const auto number = NumberText::decimal<quint32>(fields.value(SPNNumber));
     if (fields.size() < leastSPNFields || !number)
         return false;
     StoreRecords::SPN record;
     for (qsizetype option = FirstOption; option <= lastOption && option < fields.size(); option += 2) {
-        const QString value = fields.value(option + 1);
+        const QStringView value = fields.value(option + 1);
         if (fields.at(option) == "Variable:"_L1) {
-            record.varname = value;
+            record.varname = value.toString();
         } else if (fields.at(option) == "Size:"_L1) {
             const auto size = NumberText::decimal<quint16>(value);
             if (!size)
@@ -154,8 +164,8 @@ bool DOCTXTImporter::importSPN(const QStringList &fields)
         }
     }
     record.spnnumber = *number;
-    record.name = fields.value(SPNName);
-    record.datatype = COHelper::mapDataTypeString(fields.value(SPNDataType));
+    record.name = fields.value(SPNName).toString();
+    record.datatype = COHelper::mapDataTypeString(fields.value(SPNDataType).toString());
     record.implementation =
         codeOf(record.varname.isEmpty() ? Implementation::ManagedVariable : Implementation::Variable);
     record.pgnnumber = pgn_;

@@ -3,7 +3,10 @@
 #include "import/basedataimporter.h"
 #include "store/records/storerecords.h"
 
-#include <QStringList>
+#include <QList>
+#include <QStringView>
+
+#include <optional>
 
 /// Imports the textual documentation of a J1939 line, as the program writes it: PGNs, each followed by its SPNs, whose
 /// fields tabs separate; docs/import.md has them.
@@ -26,12 +29,13 @@ protected:
 private:
     void importFile();
     void importLine(const QString &line);
-    bool importPGN(const QStringList &fields);
-    void importDescription(const QStringList &fields);
-    bool importSPN(const QStringList &fields);
+    bool importPGN(const QList<QStringView> &fields);
+    void importDescription(const QList<QStringView> &fields);
+    bool importSPN(const QList<QStringView> &fields);
 
     qsizetype lineNumber_ = 0; ///< of the line being read
     quint32 pgn_ = 0;
-    quint8 direction_ = 0; ///< of the current PGN; 0 if there is none
-    quint32 position_ = 0; ///< of the next SPN in its PGN
+    std::optional<StoreRecords::PGN> written_; ///< the current PGN as it stands in the project, where that is known
+    quint8 direction_ = 0;                     ///< of the current PGN; 0 if there is none
+    quint32 position_ = 0;                     ///< of the next SPN in its PGN
 };

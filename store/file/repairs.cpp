@@ -2,11 +2,14 @@
 
 #include "nodedict/canopendatatype.h"
 #include "nodedict/cohelper.h"
+#include "store/statements/boundstatement.h"
 #include "store/statements/transaction.h"
 #include "store/tables/projecttables.h"
 #include "store/tables/temporaryindex.h"
 
 #include <QSet>
+
+#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -55,12 +58,18 @@ void placeBehindEachOther(QList<SPN> &message)
     }
 }
 
-/// Executes a statement for each of its lists of values.
-bool runAll(Statements &statements, const char *operation, const QString &text, const QList<QVariantList> &rows)
+/// Executes a statement for each of its lists of numbers.
+template <std::size_t Places>
+bool runAll(Statements &statements, const char *operation, const QString &text,
+            const QList<std::array<quint32, Places>> &rows)
 {
+    BoundStatement statement(statements, {operation, text, Statement::Effect::Rows});
     bool done = true;
-    for (const QVariantList &values : rows)
-        done = statements.execute({operation, text, Statement::Effect::Rows}, values) && done;
+    for (const std::array<quint32, Places> &numbers : rows) {
+        for (const quint32 number : numbers)
+            statement.bind(qint64{number});
+        done = statement.execute() && done;
+    }
     return done;
 }
 
@@ -82,7 +91,7 @@ bool repairMappingCounts(Statements &statements, quint8 line)
            done;
     if (wrong.isEmpty())
         return done;
-    QList<QVariantList> rows;
+    QList<std::array<quint32, 3>> rows;
     for (const auto &[key, count] : wrong.asKeyValueRange())
         rows.append({count, key.number, key.direction});
     const TemporaryIndex index(statements, line, TemporaryIndex::pgnKeys);
@@ -160,7 +169,7 @@ bool Repairs::spnDirections(ProjectTables &tables, quint8 line)
         return false;
     if (wrong.isEmpty())
         return true;
-    QList<QVariantList> rows;
+    QList<std::array<quint32, 2>> rows;
     for (const quint32 number : std::as_const(wrong))
         rows.append({directions.value(number), number});
     const TemporaryIndex index(statements, line, "SPNs%1 (pgnnumber)"_L1);

@@ -14,7 +14,7 @@ BoundStatement::BoundStatement(Statements &statements, Statement statement)
 BoundStatement::~BoundStatement()
 {
     if (prepared_)
-        statements_.keep(statement_.text, std::move(prepared_));
+        statements_.keep(std::move(prepared_));
 }
 
 sqlite3_stmt *BoundStatement::prepared()
@@ -23,7 +23,7 @@ sqlite3_stmt *BoundStatement::prepared()
         const StoreGate::Passage passage(statements_.gate());
         prepared_ = statements_.prepared(statement_.text);
     }
-    return prepared_.get();
+    return prepared_ ? prepared_.mapped().get() : nullptr;
 }
 
 void BoundStatement::note(int result)

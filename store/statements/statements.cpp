@@ -186,6 +186,16 @@ qint64 ResultRow::integer(int column) const
     }
 }
 
+size_t Statements::TextHash::operator()(const QString &text) const
+{
+    constexpr qsizetype mostTaken = 32;
+    const qsizetype step = text.size() / mostTaken + 1;
+    size_t hash = static_cast<size_t>(text.size());
+    for (qsizetype at = 0; at < text.size(); at += step)
+        hash = hash * 31 + text.at(at).unicode();
+    return hash;
+}
+
 void Statements::Finalizer::operator()(sqlite3_stmt *statement) const
 {
     sqlite3_finalize(statement);
@@ -288,44 +298,47 @@ bool Statements::perform(const Statement &statement, const QVariantList &values,
     {
         const StoreGate::Passage passage(gate_);
         running = prepared(statement.text);
-        if (!running)
+        if (running.empty())
             return fail(statement, "Unable to execute statement");
-        if (!bindAll(running.get(), values))
+        if (!bindAll(running.mapped().get(), values))
             return fail(statement, "Unable to bind parameters");
-        step = sqlite3_step(running.get());
+        step = sqlite3_step(running.mapped().get());
     }
-    if ((step != SQLITE_ROW && step != SQLITE_DONE) || (read && !read(running.get(), step == SQLITE_ROW)))
+    if ((step != SQLITE_ROW && step != SQLITE_DONE) || (read && !read(running.mapped().get(), step == SQLITE_ROW)))
         return fail(statement, "Unable to fetch row");
     // One that is not at its end holds its table, and a drop or a commit would have to wait for it.
-    sqlite3_reset(running.get());
+    sqlite3_reset(running.mapped().get());
     if (statement.effect != Statement::Effect::Schema)
-        keep(statement.text, std::move(running));
+        keep(std::move(running));
     tellWrite(statement);
     return true;
 }
 
-/// The statement that was kept, or a fresh one; null if it cannot be prepared.
+/// The statement that was kept, or a fresh one; empty if it cannot be prepared.
 Statements::Prepared Statements::prepared(const QString &text)
 {
     {
         const QMutexLocker locker(&mutex_);
-        if (auto kept = kept_.extract(text))
-            return std::move(kept.mapped());
+        if (Prepared kept = kept_.extract(text))
+            return kept;
     }
     sqlite3_stmt *fresh = nullptr;
     if (database_) {
         const QByteArray bytes = text.toUtf8();
         sqlite3_prepare_v2(database_, bytes.constData(), static_cast<int>(bytes.size()), &fresh, nullptr);
     }
-    return Prepared(fresh);
+    if (!fresh)
+        return {};
+    KeptStatements single;
+    return single.extract(single.emplace(text, fresh).first);
 }
 
-void Statements::keep(const QString &text, Prepared statement)
+void Statements::keep(Prepared statement)
 {
     const QMutexLocker locker(&mutex_);
     if (kept_.size() >= mostKept)
         kept_.clear();
-    kept_.emplace(text, std::move(statement));
+    kept_.insert(std::move(statement));
 }
 
 bool Statements::fail(const Statement &statement, const char *what)

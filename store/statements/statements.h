@@ -152,13 +152,20 @@ private:
     {
         void operator()(sqlite3_stmt *statement) const;
     };
-    using Prepared = std::unique_ptr<sqlite3_stmt, Finalizer>;
+    /// Of a statement's text: some of its characters, as there is a lookup for each execution and texts are long.
+    struct TextHash
+    {
+        size_t operator()(const QString &text) const;
+    };
+    using KeptStatements = std::unordered_map<QString, std::unique_ptr<sqlite3_stmt, Finalizer>, TextHash>;
+    /// Taken out of the kept ones, and put back as it is.
+    using Prepared = KeptStatements::node_type;
     /// Reads the result of a statement from its first row; false where it cannot be read to its end.
     using Reader = std::function<bool(sqlite3_stmt *, bool hasRow)>;
 
     bool perform(const Statement &statement, const QVariantList &values, const Reader &read = {});
     Prepared prepared(const QString &text);
-    void keep(const QString &text, Prepared statement);
+    void keep(Prepared statement);
     bool fail(const Statement &statement, const char *what);
     void tellWrite(const Statement &statement);
     void listenToRows();
@@ -168,7 +175,7 @@ private:
     sqlite3 *database_ = nullptr; ///< of the connection, while it is open
     StoreGate gate_;
     QMutex mutex_;
-    std::unordered_map<QString, Prepared> kept_;
+    KeptStatements kept_;
     QString error_;
     int generation_ = 0;
     int depth_ = 0; ///< of the transaction scopes

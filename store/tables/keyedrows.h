@@ -55,7 +55,7 @@ public:
 
     std::optional<Record> get(const char *operation, quint8 line, Key key) const
     {
-        return context_.statements.first({operation, (select_ + condition_).arg(line)}, valuesOf(key),
+        return context_.statements.first({operation, textsOf(line).get}, valuesOf(key),
                                          [this](const ResultRow &row) { return recordOf(row); });
     }
 
@@ -104,13 +104,13 @@ public:
     [[nodiscard]] bool write(const char *operation, quint8 line, Key key, const Record &record,
                              const RecordColumns::TextIds &ids, Quotes quotes) const
     {
-        const QVariant found = context_.statements.value(
-            {operation, QStringLiteral("select exists(%1)").arg(cell(QStringLiteral("1")).arg(line))}, valuesOf(key));
+        const LineTexts texts = textsOf(line);
+        const QVariant found = context_.statements.value({operation, texts.exists}, valuesOf(key));
         if (!found.isValid())
             return false;
         const RecordColumns::Names except = found.toBool() ? form_.setOnce : RecordColumns::Names();
         BoundStatement statement(context_.statements,
-                                 {operation, (found.toBool() ? update_ : insert_).arg(line), Statement::Effect::Rows});
+                                 {operation, found.toBool() ? texts.update : texts.insert, Statement::Effect::Rows});
         if (!RecordColumns::bindTold<Record>(operation, statement, {form_.columns, record, ids, quotes, except}))
             return false;
         for (const quint32 part : key)
@@ -125,6 +125,26 @@ public:
     }
 
 private:
+    /// The statements that an import executes for each of its messages.
+    struct LineTexts
+    {
+        quint8 line;
+        QString get;
+        QString exists;
+        QString insert;
+        QString update;
+    };
+
+    const LineTexts &textsOf(quint8 line) const
+    {
+        if (!lineTexts_ || lineTexts_->line != line) {
+            const QString exists = QStringLiteral("select exists(%1)").arg(cell(QStringLiteral("1")));
+            lineTexts_ = {line, (select_ + condition_).arg(line), exists.arg(line), insert_.arg(line),
+                          update_.arg(line)};
+        }
+        return *lineTexts_;
+    }
+
     static QVariantList valuesOf(Key key) { return QVariantList(key.begin(), key.end()); }
     QString cell(const QString &column) const
     {
@@ -146,4 +166,5 @@ private:
     const QString select_;
     const QString insert_;
     const QString update_;
+    mutable std::optional<LineTexts> lineTexts_; ///< of the line asked last
 };
