@@ -4,24 +4,14 @@
 #include "generate/base/outputfile.h"
 #include "generate/base/utf8sink.h"
 #include "generate/bus/dbcwriter.h"
+#include "texttools/asciitext.h"
 #include "texttools/textfile.h"
-
-#include <QRegularExpression>
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+using AsciiText::isIdentifier;
 using CANdb::AttributeDefinition;
-
-namespace {
-
-bool isIdentifier(const QString &name)
-{
-    static const QRegularExpression identifier(u"^[A-Za-z_][0-9A-Za-z_]*$"_s);
-    return identifier.match(name).hasMatch();
-}
-
-} // namespace
 
 bool CANdbDBC::readFile(const QString &path)
 {

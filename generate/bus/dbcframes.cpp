@@ -1,12 +1,14 @@
 #include "generate/bus/dbcframes.h"
 
 #include "candb/candb.h"
+#include "generate/base/codewriter.h"
 #include "nodedict/canopendatatype.h"
 #include "nodedict/codes.h"
 #include "nodedict/cohelper.h"
+#include "texttools/asciitext.h"
 
-#include <QRegularExpression>
 #include <QSet>
+#include <QStringBuilder>
 
 #include <algorithm>
 #include <iterator>
@@ -65,24 +67,26 @@ bool isKeyword(const QString &text)
     return words.contains(text);
 }
 
-/// The text as an identifier: letters, digits and underscores of it, or the fallback where there are none.
-QString identifier(QString text, const QString &fallback)
+/// The text as an identifier: letters, digits and underscores of it, or the word with the number behind it where there
+/// are none.
+QString identifier(QString text, QLatin1StringView word, quint32 number)
 {
-    static const QRegularExpression others(u"[^0-9a-zA-Z_]"_s);
-    text.remove(others);
+    text.removeIf([](QChar c) { return !AsciiText::isWordCharacter(c); });
     if (text.isEmpty())
-        return fallback;
+        return word + Code::dec(number).view();
     return text.front().isDigit() || isKeyword(text) ? u'_' + text : text;
 }
 
-/// The name, with the first number behind it that makes it free. `last` is the highest number that was behind it.
-template <typename IsTaken>
-QString freeName(const QString &name, int &last, IsTaken isTaken)
+/// The name, with the first number behind it that makes it free. `lastOf` tells where the highest number that was
+/// behind a taken name is kept.
+template <typename LastOf, typename IsTaken>
+QString freeName(const QString &name, LastOf lastOf, IsTaken isTaken)
 {
     QString candidate = name;
     while (isTaken(candidate)) {
+        int &last = lastOf(name);
         last = std::max(last + 1, 2);
-        candidate = u"%1_%2"_s.arg(name).arg(last);
+        candidate = name % u'_' % QString::number(last);
     }
     return candidate;
 }
@@ -114,6 +118,10 @@ bool isCharacterType(quint32 dataType)
 {
     return COHelper::isTextType(dataType) && dataType != CAN::OctetString && dataType != CAN::Domain;
 }
+
+// What stands for a name, with a number behind it.
+constexpr auto messageWord = "MSG_"_L1;
+constexpr auto signalWord = "SIG_"_L1;
 
 struct StackSignal
 {
@@ -174,7 +182,7 @@ void DbcFrames::addCanIds(ObjectDataBase &store, quint8 line)
 {
     for (const LineMessage &message : LineMessages::ofDocuments(LineMessages::canIds(store, line), line)) {
         const quint32 id = message.isExtended() ? message.canId() | CANdb::extendedFrame : message.canId();
-        add({.id = id, .name = identifier(message.head.name, u"MSG_%1"_s.arg(message.canId()))}, message);
+        add({.id = id, .name = identifier(message.head.name, messageWord, message.canId())}, message);
     }
 }
 
@@ -182,7 +190,7 @@ void DbcFrames::addPGNs(ObjectDataBase &store, quint8 line, quint8 sourceAddress
 {
     for (const LineMessage &pgn : LineMessages::ofDocuments(LineMessages::parameterGroups(store, line), line)) {
         add({.id = idOfPGN(pgn.head.number, pgn.head.priority, sourceAddress),
-             .name = identifier(pgn.head.name, u"MSG_%1"_s.arg(pgn.head.number)),
+             .name = identifier(pgn.head.name, messageWord, pgn.head.number),
              .isJ1939 = true},
             pgn);
     }
@@ -202,7 +210,7 @@ void DbcFrames::addStackMessages(quint8 sourceAddress, bool withDm1)
             spn.bitsize = static_cast<quint16>(signal.bits);
         }
         add({.id = idOfPGN(own.pgn, stackPriority, sourceAddress),
-             .name = identifier(own.name, {}),
+             .name = identifier(own.name, messageWord, own.pgn),
              .length = classicalLength,
              .isJ1939 = true},
             message);
@@ -219,11 +227,11 @@ qsizetype DbcFrames::placeFor(DbcFrame frame)
         const auto owner = frameNames_.constFind(name);
         return owner != frameNames_.constEnd() && *owner != frame.id;
     };
-    frame.name = freeName(frame.name, frameNumbers_[frame.name], isTaken);
+    frame.name = freeName(
+        frame.name, [this](const QString &name) -> int & { return frameNumbers_[name]; }, isTaken);
     frameNames_.insert(frame.name, frame.id);
     frameById_.insert(frame.id, frames_.size());
-    frames_.append(frame);
-    contents_.emplaceBack();
+    frames_.append(std::move(frame));
     return frames_.size() - 1;
 }
 
@@ -236,52 +244,62 @@ void DbcFrames::add(DbcFrame frame, const LineMessage &message)
     if (target.cycleTimeMs == 0)
         target.cycleTimeMs = message.head.cycletime_ms;
     for (const StoreRecords::SPN &signal : message.items) {
-        const DbcSignal added{.name = identifier(signal.name, u"SIG_%1"_s.arg(signal.spnnumber)),
-                              .comment = comment(signal.desc),
-                              .startBit = signal.bitposition,
-                              .bits = LineMessages::bits(signal),
-                              .isSigned = isSigned(signal.datatype),
-                              .valueType = valueType(signal.datatype),
-                              .isText = isCharacterType(signal.datatype),
-                              .isApplicationVariable = signal.implementation == CANopen::Implementation::Variable,
-                              .variable = signal.varname};
+        DbcSignal added{.name = identifier(signal.name, signalWord, signal.spnnumber),
+                        .comment = comment(signal.desc),
+                        .startBit = signal.bitposition,
+                        .bits = LineMessages::bits(signal),
+                        .isSigned = isSigned(signal.datatype),
+                        .valueType = valueType(signal.datatype),
+                        .isText = isCharacterType(signal.datatype),
+                        .isApplicationVariable = signal.implementation == CANopen::Implementation::Variable,
+                        .variable = signal.varname};
         if (added.bits > 0)
-            addSignal(place, added, message);
+            addSignal(place, std::move(added), message);
     }
 }
 
-bool DbcFrames::overlaps(const Contents &contents, const DbcSignal &signal)
+bool DbcFrames::overlaps(qsizetype place, const DbcSignal &signal) const
 {
-    const auto behind = contents.ends.lowerBound(signal.startBit);
-    if (behind != contents.ends.end() && behind.key() < signal.startBit + signal.bits)
+    const auto behind = signalEnds_.lowerBound({place, signal.startBit});
+    if (behind != signalEnds_.end() && behind.key() < std::pair(place, signal.startBit + signal.bits))
         return true;
-    return behind != contents.ends.begin() && std::prev(behind).value() > signal.startBit;
+    if (behind == signalEnds_.begin())
+        return false;
+    const auto before = std::prev(behind);
+    return before.key().first == place && before.value() > signal.startBit;
 }
 
 void DbcFrames::addSignal(qsizetype place, DbcSignal signal, const LineMessage &message)
 {
     DbcFrame &target = frames_[place];
-    Contents &contents = contents_[place];
-    const auto sameName = contents.byName.constFind(signal.name);
-    if (sameName != contents.byName.constEnd()) {
+    const auto sameName = signalPlaces_.constFind({place, signal.name});
+    if (sameName != signalPlaces_.constEnd()) {
         const DbcSignal &other = target.signalList.at(*sameName);
         if (other.startBit == signal.startBit && other.bits == signal.bits && other.isSigned == signal.isSigned &&
             other.valueType == signal.valueType)
             return;
     }
-    if (form_ == Form::OneFrame && overlaps(contents, signal)) {
-        const QString direction = message.head.direction == 0 ? QString()
-                                  : message.isTransmitted()   ? u", sent"_s
-                                                              : u", received"_s;
-        target.leftOut.append(u"%1 (%2|%3%4)"_s.arg(signal.name).arg(signal.startBit).arg(signal.bits).arg(direction));
+    if (form_ == Form::OneFrame && overlaps(place, signal)) {
+        const QLatin1StringView direction = message.head.direction == 0 ? ""_L1
+                                            : message.isTransmitted()   ? ", sent"_L1
+                                                                        : ", received"_L1;
+        target.leftOut.append(signal.name % " ("_L1 % Code::dec(signal.startBit).view() % u'|' %
+                              Code::dec(signal.bits).view() % direction % u')');
         return;
     }
-    signal.name = freeName(signal.name, contents.numbers[signal.name],
-                           [&](const QString &name) { return contents.byName.contains(name); });
-    contents.byName.insert(signal.name, target.signalList.size());
-    contents.ends.insert(signal.startBit, signal.startBit + signal.bits);
+    signal.name = freeName(
+        signal.name,
+        [&](const QString &name) -> int & {
+            return signalNumbers_[{place, name}];
+        },
+        [&](const QString &name) {
+            return signalPlaces_.contains({place, name});
+        });
+    signalPlaces_.insert({place, signal.name}, target.signalList.size());
+    if (form_ == Form::OneFrame)
+        signalEnds_.insert({place, signal.startBit}, signal.startBit + signal.bits);
     target.length = std::max(target.length, (signal.startBit + signal.bits + 7) / 8);
-    target.signalList.append(signal);
+    target.signalList.append(std::move(signal));
 }
 
 QString DbcFrame::fullComment() const

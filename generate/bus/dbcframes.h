@@ -7,6 +7,8 @@
 #include <QMap>
 #include <QStringList>
 
+#include <utility>
+
 /// A signal of a frame as a bus database knows it.
 struct DbcSignal
 {
@@ -71,23 +73,20 @@ public:
     static quint32 idOfPGN(quint32 pgn, quint8 priority, quint8 sourceAddress);
 
 private:
-    /// What has to be known of a frame's signals to add another.
-    struct Contents
-    {
-        QHash<QString, qsizetype> byName = {}; ///< places of the signals
-        QHash<QString, int> numbers = {};      ///< the highest numbers behind names
-        QMap<quint32, quint32> ends = {};      ///< of the signals' bits, by the first; no two overlap
-    };
+    /// A name in the frame of that place.
+    using SignalName = std::pair<qsizetype, QString>;
 
     void add(DbcFrame frame, const LineMessage &message);
     qsizetype placeFor(DbcFrame frame);
     void addSignal(qsizetype place, DbcSignal signal, const LineMessage &message);
-    static bool overlaps(const Contents &contents, const DbcSignal &signal);
+    bool overlaps(qsizetype place, const DbcSignal &signal) const;
 
     Form form_;
     QList<DbcFrame> frames_;
-    QList<Contents> contents_; ///< of the frames
     QHash<quint32, qsizetype> frameById_;
     QHash<QString, quint32> frameNames_; ///< with the identifier that has the name
     QHash<QString, int> frameNumbers_;   ///< the highest numbers behind names
+    QHash<SignalName, qsizetype> signalPlaces_;
+    QHash<SignalName, int> signalNumbers_;                    ///< the highest numbers behind names
+    QMap<std::pair<qsizetype, quint32>, quint32> signalEnds_; ///< of bits, by frame and first bit; no two overlap
 };
