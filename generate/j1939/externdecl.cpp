@@ -7,11 +7,13 @@
 #include "generate/model/linesettings.h"
 #include "store/objectdatabase.h"
 #include "store/settings.h"
+#include "texttools/asciitext.h"
 #include "texttools/numbertext.h"
 
 #include <QHash>
 #include <QRegularExpression>
 #include <QStringList>
+#include <QVarLengthArray>
 
 #include <algorithm>
 #include <optional>
@@ -29,29 +31,62 @@ using Dimension = ExternDeclarations::Dimension;
 struct Step
 {
     bool isElement = false;
-    QString text = {};
+    QStringView text = {};
 };
 
+/// Of a name, whose parts these are.
 struct Path
 {
-    QString root = {};
-    QList<Step> steps = {};
+    QStringView root = {};
+    QVarLengthArray<Step, 4> steps = {};
 };
 
-/// The parts of a name such as "a.b[2]"; nothing for any other expression.
-std::optional<Path> pathOf(const QString &name)
+/// Takes what all matches off the front of a text.
+template <typename Matches>
+QStringView taken(QStringView &text, Matches matches)
 {
-    static const QRegularExpression whole(
-        u"^([A-Za-z_][A-Za-z0-9_]*)((?:\\s*\\.\\s*[A-Za-z_][A-Za-z0-9_]*|\\s*\\[[^\\[\\]()]+\\])*)$"_s);
-    static const QRegularExpression step(u"\\.\\s*([A-Za-z_][A-Za-z0-9_]*)|\\[([^\\]]+)\\]"_s);
-    const auto match = whole.match(name);
-    if (!match.hasMatch())
+    const auto end = std::find_if_not(text.begin(), text.end(), matches);
+    const QStringView front = text.first(end - text.begin());
+    text = text.sliced(front.size());
+    return front;
+}
+
+bool isBlank(QChar c)
+{
+    return c == u' ' || (c >= u'\t' && c <= u'\r');
+}
+
+/// Takes a step off the front of a text; nothing for what is none.
+std::optional<Step> takenStep(QStringView &text)
+{
+    const bool isElement = text.startsWith(u'[');
+    if (!isElement && !text.startsWith(u'.'))
         return {};
-    Path path{.root = match.captured(1)};
-    for (auto it = step.globalMatch(match.captured(2)); it.hasNext();) {
-        const auto part = it.next();
-        const bool isElement = part.hasCaptured(2);
-        path.steps.append(Step{.isElement = isElement, .text = part.captured(isElement ? 2 : 1).trimmed()});
+    text = text.sliced(1);
+    if (!isElement) {
+        taken(text, isBlank);
+        const QStringView member = taken(text, AsciiText::isWordCharacter);
+        return AsciiText::isIdentifier(member) ? std::optional(Step{.text = member}) : std::nullopt;
+    }
+    const QStringView index = taken(text, [](QChar c) { return !QStringView(u"[]()").contains(c); });
+    if (index.isEmpty() || !text.startsWith(u']'))
+        return {};
+    text = text.sliced(1);
+    return Step{.isElement = true, .text = index.trimmed()};
+}
+
+/// The parts of a name such as "a.b[2]"; nothing for any other expression.
+std::optional<Path> pathOf(QStringView name)
+{
+    Path path{.root = taken(name, AsciiText::isWordCharacter)};
+    if (!AsciiText::isIdentifier(path.root))
+        return {};
+    while (!name.isEmpty()) {
+        taken(name, isBlank);
+        const std::optional<Step> step = takenStep(name);
+        if (!step)
+            return {};
+        path.steps.append(*step);
     }
     return path;
 }
@@ -65,12 +100,12 @@ Dimension &dimensionOf(Variable &variable, qsizetype depth)
 }
 
 /// Makes room for an element; the index may be a macro.
-void addElement(Dimension &dimension, const QString &index)
+void addElement(Dimension &dimension, QStringView index)
 {
     if (const std::optional<quint32> number = NumberText::byPrefix(index))
         dimension.count = std::max(dimension.count, quint64{*number} + 1);
     else
-        dimension.indices.append(index);
+        dimension.indices.append(index.toString());
 }
 
 class DeclarationCollector
@@ -99,12 +134,12 @@ private:
 };
 
 /// The member of that name, made where it is missing.
-Variable &memberOf(Variable &variable, const QString &name)
+Variable &memberOf(Variable &variable, QStringView name)
 {
     const auto it = std::ranges::find(variable.members, name, &Variable::name);
     if (it != variable.members.end())
         return *it;
-    variable.members.append(Variable{.name = name});
+    variable.members.append(Variable{.name = name.toString()});
     return variable.members.last();
 }
 
@@ -123,16 +158,18 @@ void DeclarationCollector::addOwnDimension(Variable &variable, qsizetype depth, 
 
 void DeclarationCollector::addSignal(const LineMessage &message, const StoreRecords::SPN &signal)
 {
-    const auto path = pathOf(LineMessages::variable(signal));
+    const QString name = LineMessages::variable(signal);
+    const auto path = pathOf(name);
     if (!path)
         return;
-    const bool isNew = !positions_.contains(path->root);
-    if (isNew) {
-        positions_.insert(path->root, result_.variables.size());
+    const QString root = path->root.toString();
+    auto position = positions_.constFind(root);
+    if (position == positions_.constEnd()) {
+        position = positions_.insert(root, result_.variables.size());
         result_.lines.last().messages.last().variables.append(result_.variables.size());
-        result_.variables.append(Variable{.name = path->root, .signal = signal.spnnumber});
+        result_.variables.append(Variable{.name = root, .signal = signal.spnnumber});
     }
-    Variable *variable = &result_.variables[positions_.value(path->root)];
+    Variable *variable = &result_.variables[*position];
     qsizetype depth = 0;
     for (const Step &step : path->steps) {
         if (step.isElement) {

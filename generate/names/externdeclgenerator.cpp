@@ -4,7 +4,6 @@
 #include "generate/base/dialect.h"
 #include "generate/base/outputfile.h"
 #include "generate/common/sourceopening.h"
-#include "generate/j1939/externdecl.h"
 
 #include <QDir>
 
@@ -37,7 +36,8 @@ void ExtDeclGenerator::write(Utf8Sink &sink)
         )");
     writeIncludes(out);
     out(u"/* external variables */");
-    writeVariables(out, ExternDeclarations::collect(*database(), Dialect::of(form_)), DeclarationForm::Declaration);
+    declarations_ = ExternDeclarations::collect(*database(), Dialect::of(form_));
+    writeVariables(out, declarations_, DeclarationForm::Declaration);
     out(uR"(
 
         #endif /* GEN_EXTERN_DECL_H */
@@ -57,7 +57,7 @@ void ExtDeclGenerator::writeCompanions()
                     u"(This file may be used optionally if variables are not defined yet by the application.)"_s);
     writeIncludes(out);
     out(u"#ifdef NJX_USE_GENERATED_VARIABLES");
-    writeVariables(out, ExternDeclarations::collect(*database(), Dialect::of(form_)), DeclarationForm::Definition);
+    writeVariables(out, declarations_, DeclarationForm::Definition);
     out(u"#endif /* NJX_USE_GENERATED_VARIABLES */");
     sink.flush();
     if (!file.commit())

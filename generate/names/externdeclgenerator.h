@@ -2,6 +2,7 @@
 
 #include "generate/base/filegenerator.h"
 #include "generate/base/fileheader.h"
+#include "generate/j1939/externdecl.h"
 
 class CodeWriter;
 
@@ -30,6 +31,7 @@ private:
     void writeIncludes(CodeWriter &out) const;
 
     SourceForm form_;
+    ExternDeclarations declarations_; ///< of the header, for the file beside it
 };
 
 /// The V4 form of both files.
