@@ -44,14 +44,16 @@ template <typename Record>
 QList<LineMessage> messagesOf(const QList<Record> &records, const QList<StoreRecords::SPN> &items)
 {
     QHash<std::pair<quint32, quint8>, QList<StoreRecords::SPN>> byMessage;
+    byMessage.reserve(records.size());
     for (const StoreRecords::SPN &item : items)
         byMessage[{item.pgnnumber, item.direction}].append(item);
     QList<LineMessage> messages;
+    messages.reserve(records.size());
     for (const Record &record : records) {
         LineMessage message = messageOf(record);
         message.items = byMessage.value({message.head.number, message.head.direction});
         if (hasDirection(message))
-            messages.append(message);
+            messages.append(std::move(message));
     }
     return messages;
 }
@@ -79,11 +81,10 @@ QList<LineMessage> LineMessages::ofStack(const QList<LineMessage> &messages, qui
     return result;
 }
 
-QList<LineMessage> LineMessages::ofDocuments(const QList<LineMessage> &messages, quint8 line)
+QList<LineMessage> LineMessages::ofDocuments(QList<LineMessage> messages, quint8 line)
 {
-    QList<LineMessage> result = messages;
-    std::stable_partition(result.begin(), result.end(), std::mem_fn(&LineMessage::isTransmitted));
-    for (LineMessage &message : result) {
+    std::stable_partition(messages.begin(), messages.end(), std::mem_fn(&LineMessage::isTransmitted));
+    for (LineMessage &message : messages) {
         message.head.name = Helper::substituteVariables(message.head.name, message.head.number, 0, line);
         message.head.desc = Helper::substituteVariables(message.head.desc, message.head.number, 0, line);
         for (StoreRecords::SPN &item : message.items) {
@@ -91,7 +92,7 @@ QList<LineMessage> LineMessages::ofDocuments(const QList<LineMessage> &messages,
             item.desc = Helper::substituteVariables(item.desc, item.pgnnumber, item.spnnumber, line);
         }
     }
-    return result;
+    return messages;
 }
 
 quint32 LineMessages::bits(const StoreRecords::SPN &signal)

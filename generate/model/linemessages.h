@@ -39,7 +39,7 @@ enum class Groups
 QList<LineMessage> ofStack(const QList<LineMessage> &messages, quint8 direction, Groups groups = Groups::All);
 /// The messages as documents and bus databases have them: those transmitted first, with the placeholders in names and
 /// descriptions filled.
-QList<LineMessage> ofDocuments(const QList<LineMessage> &messages, quint8 line);
+QList<LineMessage> ofDocuments(QList<LineMessage> messages, quint8 line);
 
 /// Width of a signal in its message: that of its data type, or its own size where the type tells none.
 quint32 bits(const StoreRecords::SPN &signal);
