@@ -126,6 +126,9 @@ QString Code::literalText(const QString &text)
 
 QString Code::commentText(QString text)
 {
+    // Nearly every text is plain.
+    if (std::ranges::none_of(std::as_const(text), [](QChar c) { return c == u'\n' || c == u'\r' || c == u'*'; }))
+        return text;
     text.replace(u'\n', u' ').replace(u'\r', u' ');
     // "/*/" holds both marks at once.
     return text.replace("*/"_L1, "* /"_L1).replace("/*"_L1, "/ *"_L1);

@@ -3,6 +3,8 @@
 #include "generate/base/codewriter.h"
 #include "generate/base/dialect.h"
 
+#include <QStringBuilder>
+
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -12,30 +14,30 @@ using Code::hex;
 namespace {
 
 /// What stands behind all elements of a list but the last.
-QString separator(bool isLast)
+QLatin1StringView separator(bool isLast)
 {
-    return isLast ? QString() : u","_s;
+    return isLast ? ""_L1 : ","_L1;
 }
 
 /// Between "static" and the type of a table that nothing changes.
 QString specifier(const PgnTables &tables, const Dialect &dialect)
 {
-    return tables.dynamic ? QString() : u" %1CONST "_s.arg(dialect.core);
+    return tables.dynamic ? QString() : u' ' % dialect.core % "CONST "_L1;
 }
 
-/// A pointer as an element of a table of pointers to bytes.
-QString bytePointer(const QString &pointer)
+/// What stands in front of a pointer as an element of a table of pointers to bytes.
+QLatin1StringView byteCast(const QString &pointer)
 {
-    return pointer.contains("_u8"_L1) ? pointer : u"(UNSIGNED8 *)"_s + pointer;
+    return pointer.contains("_u8"_L1) ? ""_L1 : "(UNSIGNED8 *)"_L1;
 }
 
 /// The last columns of a mapping row: the data type, or whether it is a number and where it stands.
 QString typeColumns(const PgnTables::Signal &signal, const Dialect &dialect)
 {
     if (dialect.has(Point::PointerTables))
-        return u"%1DTYPE_%2"_s.arg(dialect.core, signal.type);
+        return dialect.core % "DTYPE_"_L1 % signal.type;
     const auto flag = signal.isNumeric ? "J1939_MAP_FLAG_NUMERIC"_L1 : "J1939_MAP_FLAG_NONE"_L1;
-    return u"%1, %2"_s.arg(flag, bytePointer(signal.pointer));
+    return flag % ", "_L1 % byteCast(signal.pointer) % signal.pointer;
 }
 
 void writeMapping(CodeWriter &out, const QString &name, const PgnTables::Message &message, const PgnTables &tables,
@@ -43,7 +45,7 @@ void writeMapping(CodeWriter &out, const QString &name, const PgnTables::Message
 {
     out(u"static ${CONST}${TYPE} ${NAME}[] = {",
         {{"CONST", specifier(tables, dialect)},
-         {"TYPE", message.isCanId ? u"%1MAPPING_T"_s.arg(dialect.core) : u"J1939_MAPPING_T"_s},
+         {"TYPE", message.isCanId ? dialect.core % "MAPPING_T"_L1 : u"J1939_MAPPING_T"_s},
          {"NAME", name}});
     for (const PgnTables::Signal &signal : message.items)
         out(u"\t{ ${NUMBER}, ${POSITION}u, ${BITS}u, ${TYPE}${DYNAMIC} } /* ${COMMENT} */${COMMA}",
@@ -51,7 +53,7 @@ void writeMapping(CodeWriter &out, const QString &name, const PgnTables::Message
              {"POSITION", dec(signal.bitPosition)},
              {"BITS", dec(signal.bits)},
              {"TYPE", typeColumns(signal, dialect)},
-             {"DYNAMIC", tables.dynamic ? u", 0u"_s : QString()},
+             {"DYNAMIC", tables.dynamic ? ", 0u"_L1 : ""_L1},
              {"COMMENT", signal.comment},
              {"COMMA", separator(&signal == &message.items.last())}});
     out(u"};");
@@ -61,8 +63,9 @@ void writePointers(CodeWriter &out, const PgnTables::Message &message)
 {
     out(u"static UNSIGNED8 * ${NAME}_data[] = {", {{"NAME", message.mapping}});
     for (const PgnTables::Signal &signal : message.items)
-        out(u"\t${POINTER}${COMMA}",
-            {{"POINTER", bytePointer(signal.pointer)}, {"COMMA", separator(&signal == &message.items.last())}});
+        out(u"\t${CAST}${POINTER}${COMMA}", {{"CAST", byteCast(signal.pointer)},
+                                             {"POINTER", signal.pointer},
+                                             {"COMMA", separator(&signal == &message.items.last())}});
     out(u"};");
 }
 
@@ -71,7 +74,7 @@ void writeMessage(CodeWriter &out, const PgnTables::Message &message, const PgnT
     // The configuration of a CAN-ID without data names no tables.
     if (message.isCanId && message.items.isEmpty())
         return;
-    out(u"/* ${KIND} ${NUMBER} (0x${HEX}) ${NAME} */", {{"KIND", message.isCanId ? u"canid"_s : u"PGN"_s},
+    out(u"/* ${KIND} ${NUMBER} (0x${HEX}) ${NAME} */", {{"KIND", message.isCanId ? "canid"_L1 : "PGN"_L1},
                                                         {"NUMBER", dec(message.number)},
                                                         {"HEX", hex(message.number)},
                                                         {"NAME", message.name}});

@@ -15,6 +15,7 @@
 
 #include <QDebug>
 #include <QSet>
+#include <QStringBuilder>
 
 #include <algorithm>
 #include <array>
@@ -128,17 +129,16 @@ constexpr std::array assuranceTypes{
     "J1939_ADT_MANU_CYBERSEC"_L1,
 };
 
-QString trailerFormat(const StoreRecords::PGN &pgn)
+QLatin1StringView trailerFormat(const StoreRecords::PGN &pgn)
 {
-    return pgn.FD_TrailerFormat < trailerFormats.size() ? QString(trailerFormats.at(pgn.FD_TrailerFormat))
-                                                        : u"INVALID_VALUE"_s;
+    return pgn.FD_TrailerFormat < trailerFormats.size() ? trailerFormats.at(pgn.FD_TrailerFormat) : "INVALID_VALUE"_L1;
 }
 
 /// A message without a trailer has no assurance data whatever is stored as their type.
-QString assuranceType(const StoreRecords::PGN &pgn)
+QLatin1StringView assuranceType(const StoreRecords::PGN &pgn)
 {
     const bool has = pgn.FD_TrailerFormat != 0 && pgn.FD_AssuranceType < assuranceTypes.size();
-    return has ? QString(assuranceTypes.at(pgn.FD_AssuranceType)) : u"J1939_ADT_NONE"_s;
+    return has ? assuranceTypes.at(pgn.FD_AssuranceType) : "J1939_ADT_NONE"_L1;
 }
 
 class Collector
@@ -174,8 +174,8 @@ private:
 
 QString Collector::comment(quint32 message, quint32 signal) const
 {
-    const QString key = u"%1:%2"_s.arg(message).arg(signal);
-    return tables_.multiLine ? u"%1-%2"_s.arg(tables_.lines.last().number).arg(key) : key;
+    const QString key = Code::dec(message).view() % u':' % Code::dec(signal).view();
+    return tables_.multiLine ? Code::dec(tables_.lines.last().number).view() % u'-' % key : key;
 }
 
 /// The pointer to the new element, or "NULL" for a type that cannot be managed.
@@ -187,7 +187,7 @@ QString Collector::addManaged(quint32 dataType, const QString &value, const QStr
     QList<PgnTables::ManagedArray::Element> &elements = managed_.at(*index);
     const ArrayKind &kind = arrayKinds.at(*index);
     elements.append({.value = constantOf(value, kind), .comment = comment});
-    return u"&%1[%2]"_s.arg(kind.name).arg(elements.size() - 1);
+    return u'&' % kind.name % u'[' % QString::number(elements.size() - 1) % u']';
 }
 
 QString Collector::pointerTo(const StoreRecords::SPN &signal, const QString &comment)
@@ -202,7 +202,7 @@ QString Collector::pointerTo(const StoreRecords::SPN &signal, const QString &com
     // A name with a parenthesis is an expression that yields the pointer.
     if (variable.contains(u'('))
         return variable;
-    return SignalType::isArray(signal.datatype) ? u"&%1[0]"_s.arg(variable) : u"&%1"_s.arg(variable);
+    return u'&' % variable % (SignalType::isArray(signal.datatype) ? "[0]"_L1 : ""_L1);
 }
 
 PgnTables::Message Collector::messageOf(const LineMessage &message)
@@ -219,7 +219,8 @@ PgnTables::Message Collector::messageOf(const LineMessage &message)
                               .trailerFormat = trailerFormat(head),
                               .assuranceType = assuranceType(head),
                               .assuranceSize = head.FD_AssuranceDataSize};
-    result.mapping = u"%1%2_mapping_%3"_s.arg(line().prefix, isTransmit ? "tx"_L1 : "rx"_L1, Code::dec(head.number));
+    result.mapping = line().prefix % (isTransmit ? "tx"_L1 : "rx"_L1) % "_mapping_"_L1 % Code::dec(head.number).view();
+    result.items.reserve(message.items.size());
     for (const StoreRecords::SPN &signal : message.items) {
         const QString place = comment(head.number, signal.spnnumber);
         result.items.append({.number = signal.spnnumber,
@@ -236,6 +237,7 @@ PgnTables::Message Collector::messageOf(const LineMessage &message)
 QList<PgnTables::Message> Collector::messagesOf(const QList<LineMessage> &messages)
 {
     QList<PgnTables::Message> result;
+    result.reserve(messages.size());
     for (const LineMessage &message : messages)
         result.append(messageOf(message));
     return result;

@@ -57,8 +57,8 @@ struct PgnTables
         quint8 priority = 0;
         quint16 cycleMs = 0; ///< of a received CAN-ID: the time within which the next one has to come
         quint16 inhibitMs = 0;
-        QString trailerFormat = {}; ///< of the assurance data (SAE J1939-22), as the stack names it
-        QString assuranceType = {};
+        QLatin1StringView trailerFormat = {}; ///< of the assurance data (SAE J1939-22), as the stack names it
+        QLatin1StringView assuranceType = {};
         quint8 assuranceSize = 0;
         QString mapping = {}; ///< name of the table; that of its pointers is the same with "_data" behind it
         QList<Signal> items = {};
