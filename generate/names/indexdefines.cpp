@@ -49,11 +49,11 @@ QString identifier(QLatin1StringView prefix, const QString &text)
 // that definition, and C allows this for equal texts only.
 QString decimal(quint64 value)
 {
-    return QString(dec(value)) + u'u';
+    return dec(value).view() % u'u';
 }
 QString hexadecimal(quint64 value)
 {
-    return QString(Code::hex0x(value)) + u'u';
+    return Code::hex0x(value).view() % u'u';
 }
 
 /// The same of a subindex. Whoever keeps many of them keeps each once.
@@ -96,11 +96,13 @@ public:
         return candidate;
     }
 
-    /// The name, with the first of the ends behind it that makes it free.
-    QString tagged(const QString &name, const QString &value, const QStringList &ends)
+    /// The name, with the first of the ends behind it that makes it free. They are asked for where it is taken.
+    QString tagged(const QString &name, const QString &value, const std::function<QStringList()> &ends)
     {
+        if (takeFree(name, value))
+            return name;
         QString candidate = name;
-        for (const QString &end : ends) {
+        for (const QString &end : ends()) {
             if (takeFree(candidate, value))
                 return candidate;
             candidate = name + end;
@@ -289,14 +291,17 @@ void LineCollector::collectCanIds()
     QHash<quint8, quint32> positions;
     for (const LineMessage &canId : LineMessages::canIds(store_, line_)) {
         const QString value = decimal(++positions[canId.head.direction]);
-        const QString end = u"_%1"_s.arg(hex(canId.head.number, 4));
-        Block block{{.name = names_.tagged(identifier("ID_"_L1, canId.head.name), value, {end}), .value = value}};
-        if (const QString fixedName = "ID"_L1 + end; names_.takeFixed(fixedName, value))
+        const QString fixedName = "ID_"_L1 % hex(canId.head.number, 4).view();
+        const auto ends = [&fixedName] { return QStringList{fixedName.sliced(2)}; };
+        Block block;
+        block.reserve(2 + canId.items.size());
+        block.append({.name = names_.tagged(identifier("ID_"_L1, canId.head.name), value, ends), .value = value});
+        if (names_.takeFixed(fixedName, value))
             block.append({.name = fixedName, .value = value});
         for (const StoreRecords::DataElement &element : canId.items) {
             const QString elementValue = decimal(quint64{element.spnnumber} + 1);
             block.append(
-                {.name = names_.tagged(identifier("S_"_L1, element.name), elementValue, {end}), .value = elementValue});
+                {.name = names_.tagged(identifier("S_"_L1, element.name), elementValue, ends), .value = elementValue});
         }
         add(std::move(block));
     }
@@ -306,15 +311,19 @@ void LineCollector::collectPgns()
 {
     for (const LineMessage &pgn : LineMessages::parameterGroups(store_, line_)) {
         const QString value = decimal(pgn.head.number);
-        const QString end = u"_%1"_s.arg(hex(pgn.head.number, 4));
-        Block block{{.name = names_.counted(identifier("PGN_"_L1, pgn.head.name), value),
-                     .value = value,
-                     .comment = u" /* 0x%1 */"_s.arg(hex(pgn.head.number, 4))}};
+        const Digits number = hex(pgn.head.number, 4);
+        Block block;
+        block.reserve(1 + pgn.items.size());
+        block.append({.name = names_.counted(identifier("PGN_"_L1, pgn.head.name), value),
+                      .value = value,
+                      .comment = " /* 0x"_L1 % number.view() % " */"_L1});
         for (const StoreRecords::SPN &spn : pgn.items) {
             const QString spnValue = decimal(spn.spnnumber);
-            block.append({.name = names_.tagged(identifier("SPN_"_L1, spn.name), spnValue,
-                                                {end, u"%1_%2"_s.arg(end, dec(spn.spnnumber))}),
-                          .value = spnValue});
+            const auto ends = [&] {
+                const QString end = u'_' % number.view();
+                return QStringList{end, end % u'_' % dec(spn.spnnumber).view()};
+            };
+            block.append({.name = names_.tagged(identifier("SPN_"_L1, spn.name), spnValue, ends), .value = spnValue});
         }
         add(std::move(block));
     }
@@ -325,7 +334,9 @@ void LineCollector::collectAddressClaim()
     const QString end = u"_%1"_s.arg(hex(J1939::addressClaim));
     const auto define = [&](const QString &name, quint32 number, const QString &comment) {
         const QString value = decimal(number);
-        return IndexDefine{.name = names_.takeFixed(name, value) ? name : names_.tagged(name, value, {end}),
+        return IndexDefine{.name = names_.takeFixed(name, value)
+                                       ? name
+                                       : names_.tagged(name, value, [&end] { return QStringList{end}; }),
                            .value = value,
                            .comment = comment};
     };
