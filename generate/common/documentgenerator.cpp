@@ -24,13 +24,13 @@ bool DocumentGenerator::goesOn()
     return false;
 }
 
-QString DocumentWords::implementation(quint8 code)
+PrintedValue DocumentWords::implementation(quint8 code)
 {
     constexpr std::array words{"Managed Variable"_L1, "Managed Const"_L1, "Variable"_L1, "Virtual Object"_L1};
-    return code < words.size() ? QString(words.at(code)) : QString::number(code);
+    return code < words.size() ? PrintedValue(words.at(code)) : Digits::decimal(code);
 }
 
-QString DocumentWords::frameFormat(bool isExtended)
+QLatin1StringView DocumentWords::frameFormat(bool isExtended)
 {
-    return isExtended ? u"Extended"_s : u"Standard"_s;
+    return isExtended ? "Extended"_L1 : "Standard"_L1;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "generate/base/filegenerator.h"
+#include "generate/base/utf8sink.h"
 
 /// Base of the documents that people read about one line of a project.
 class DocumentGenerator : public FileGenerator
@@ -23,8 +24,8 @@ protected:
 namespace DocumentWords {
 
 /// "Managed Variable", "Managed Const", "Variable", "Virtual Object"; the number for another code.
-QString implementation(quint8 code);
+PrintedValue implementation(quint8 code);
 /// Frame format of ISO 11898-1: "Standard" with 11 bits of identifier, "Extended" with 29.
-QString frameFormat(bool isExtended);
+QLatin1StringView frameFormat(bool isExtended);
 
 } // namespace DocumentWords

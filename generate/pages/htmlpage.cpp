@@ -5,19 +5,13 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-QString widthAttribute(int width)
-{
-    return width == 0 ? QString() : u" width=\"%1\""_s.arg(width);
-}
-
-} // namespace
-
-void HtmlPage::beginTable(int width)
+void HtmlPage::beginTable(quint32 width)
 {
     alternate_ = true;
-    out(u"  <table${width}>", {{"width", widthAttribute(width)}});
+    if (width == 0)
+        out(u"  <table>");
+    else
+        out(u"  <table width=\"${width}\">", {{"width", Code::dec(width)}});
 }
 
 void HtmlPage::endTable()
@@ -27,8 +21,7 @@ void HtmlPage::endTable()
 
 void HtmlPage::head(const QString &id, const QString &markup)
 {
-    const QString attribute = id.isEmpty() ? QString() : u" id=\"%1\""_s.arg(id);
-    out(u"    <tr class=\"head\"><th${id} colspan=\"2\">${text}</th></tr>", {{"id", attribute}, {"text", markup}});
+    out(u"    <tr class=\"head\"><th id=\"${id}\" colspan=\"2\">${text}</th></tr>", {{"id", id}, {"text", markup}});
 }
 
 void HtmlPage::headRow(PrintedView word, PrintedView markup)
@@ -36,10 +29,16 @@ void HtmlPage::headRow(PrintedView word, PrintedView markup)
     out(u"    <tr class=\"head\"><th>${word}</th><th>${text}</th></tr>", {{"word", word}, {"text", markup}});
 }
 
-void HtmlPage::row(PrintedView word, PrintedView markup, int wordWidth)
+void HtmlPage::row(PrintedView word, PrintedView markup)
 {
-    out(u"    <tr${class}><td${width}>${word}</td><td>${text}</td></tr>",
-        {{"class", nextClass()}, {"width", widthAttribute(wordWidth)}, {"word", word}, {"text", markup}});
+    out(u"    <tr${class}><td>${word}</td><td>${text}</td></tr>",
+        {{"class", nextClass()}, {"word", word}, {"text", markup}});
+}
+
+void HtmlPage::rowOfWidth(quint32 wordWidth, PrintedView word, PrintedView markup)
+{
+    out(u"    <tr${class}><td width=\"${width}\">${word}</td><td>${text}</td></tr>",
+        {{"class", nextClass()}, {"width", Code::dec(wordWidth)}, {"word", word}, {"text", markup}});
 }
 
 void HtmlPage::description(const QString &text)
@@ -55,8 +54,11 @@ void HtmlPage::line(const QString &markup)
 
 void HtmlPage::link(const QString &id, const QString &markup, const QString &hint)
 {
-    const QString title = hint.isEmpty() ? QString() : u" title=\"%1\""_s.arg(hint.toHtmlEscaped());
-    out(u"    <a href=\"#${id}\"${title}>${text}</a><br>", {{"id", id}, {"title", title}, {"text", markup}});
+    if (hint.isEmpty())
+        out(u"    <a href=\"#${id}\">${text}</a><br>", {{"id", id}, {"text", markup}});
+    else
+        out(u"    <a href=\"#${id}\" title=\"${title}\">${text}</a><br>",
+            {{"id", id}, {"title", hint.toHtmlEscaped()}, {"text", markup}});
 }
 
 QLatin1StringView HtmlPage::nextClass()

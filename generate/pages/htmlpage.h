@@ -17,14 +17,15 @@ public:
     }
 
     /// `width` in pixels, 0 for that of the style sheet.
-    void beginTable(int width = 0);
+    void beginTable(quint32 width = 0);
     void endTable();
     /// A head across the table; links find it under the id.
     void head(const QString &id, const QString &markup);
     /// A head that is a row with a word and a value.
     void headRow(PrintedView word, PrintedView markup);
-    /// `wordWidth` in pixels, 0 for that of the style sheet.
-    void row(PrintedView word, PrintedView markup, int wordWidth = 0);
+    void row(PrintedView word, PrintedView markup);
+    /// A row whose word has a width of its own, in pixels.
+    void rowOfWidth(quint32 wordWidth, PrintedView word, PrintedView markup);
     /// Nothing for an empty text.
     void description(const QString &text);
     /// A row without words.

@@ -2,24 +2,26 @@
 
 #include "nodedict/cohelper.h"
 
+#include <QStringBuilder>
+
 using namespace Qt::StringLiterals;
 using Code::dec;
-using Code::hex;
+using Code::hex0x;
 
 namespace {
 
-constexpr int tableWidth = 600;
-constexpr int spnWordWidth = 250;
+constexpr quint32 tableWidth = 600;
+constexpr quint32 spnWordWidth = 250;
 
 /// Number and direction together name a message.
 QString anchorOf(const LineMessage &message)
 {
-    return (message.isTransmitted() ? u"tx%1"_s : u"rx%1"_s).arg(message.head.number);
+    return (message.isTransmitted() ? "tx"_L1 : "rx"_L1) % dec(message.head.number).view();
 }
 
 QString milliseconds(quint32 time)
 {
-    return u"%1 ms"_s.arg(time);
+    return dec(time).view() % " ms"_L1;
 }
 
 QString cycleTime(const LineMessage &message)
@@ -29,7 +31,7 @@ QString cycleTime(const LineMessage &message)
 
 QString pgnWithDirection(const LineMessage &pgn)
 {
-    return u"0x%1/%2"_s.arg(hex(pgn.head.number, 4), pgn.isTransmitted() ? u"TX"_s : u"RX"_s);
+    return hex0x(pgn.head.number, 4).view() % (pgn.isTransmitted() ? "/TX"_L1 : "/RX"_L1);
 }
 
 void writeImplementation(HtmlPage &page, const StoreRecords::SPN &signal)
@@ -42,9 +44,9 @@ void writePGN(HtmlPage &page, const LineMessage &pgn)
 {
     page.out(u"  <p>");
     page.beginTable(tableWidth);
-    page.head(anchorOf(pgn), u" PGN: "_s + pgnWithDirection(pgn));
+    page.head(anchorOf(pgn), " PGN: "_L1 % pgnWithDirection(pgn));
     page.row("Name "_L1, pgn.head.name);
-    page.row("Direction"_L1, pgn.isTransmitted() ? u"Transmit (TX)"_s : u"Receive (RX)"_s);
+    page.row("Direction"_L1, pgn.isTransmitted() ? "Transmit (TX)"_L1 : "Receive (RX)"_L1);
     page.row("Cycle Time"_L1, cycleTime(pgn));
     page.row("Inhibit Time"_L1, milliseconds(pgn.head.inhibittime_ms));
     page.description(pgn.head.desc);
@@ -54,7 +56,7 @@ void writePGN(HtmlPage &page, const LineMessage &pgn)
         page.beginTable(tableWidth);
         page.headRow("SPN "_L1, dec(spn.spnnumber));
         page.row("Name "_L1, spn.name);
-        page.row("Data Type"_L1, COHelper::index2DataTypeString(spn.datatype), spnWordWidth);
+        page.rowOfWidth(spnWordWidth, "Data Type"_L1, COHelper::index2DataTypeString(spn.datatype));
         writeImplementation(page, spn);
         page.endTable();
     }
@@ -79,9 +81,9 @@ void writeCanId(HtmlPage &page, const LineMessage &message)
 {
     page.out(u"  <p>");
     page.beginTable(tableWidth);
-    page.head(anchorOf(message), u" CAN-ID: 0x%1"_s.arg(hex(message.canId())));
+    page.head(anchorOf(message), " CAN-ID: "_L1 % hex0x(message.canId()).view());
     page.row("Name "_L1, message.head.name);
-    page.row("Direction"_L1, message.isTransmitted() ? u"Transmit (TX)"_s : u"Receive (RX)"_s);
+    page.row("Direction"_L1, message.isTransmitted() ? "Transmit (TX)"_L1 : "Receive (RX)"_L1);
     page.row("Frame Format"_L1, DocumentWords::frameFormat(message.isExtended()));
     page.row(message.isTransmitted() ? "Cycle Time"_L1 : "Exp. Cycle Time"_L1, cycleTime(message));
     page.row("Inhibit Time"_L1, milliseconds(message.head.inhibittime_ms));
@@ -142,7 +144,7 @@ void RawCANHTMLGenerator::collect()
 void RawCANHTMLGenerator::writeLinks(HtmlPage &page)
 {
     for (const LineMessage &message : messages_)
-        page.link(anchorOf(message), u"0x%1 %2"_s.arg(hex(message.canId()), message.head.name));
+        page.link(anchorOf(message), hex0x(message.canId()).view() % u' ' % message.head.name);
 }
 
 void RawCANHTMLGenerator::writeContents(HtmlPage &page)

@@ -7,6 +7,10 @@
 #include "store/objectdatabase.h"
 
 #include <QCoreApplication>
+#include <QStringBuilder>
+
+#include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using Code::dec;
@@ -58,32 +62,32 @@ void writeObject(CodeWriter &out, const LineObject &object)
 /// The text as one field of a line whose fields tabs separate.
 QString field(QString text)
 {
-    for (QChar &c : text) {
-        if (c < u' ' || c == QChar::LineSeparator || c == QChar::ParagraphSeparator)
-            c = u' ';
-    }
+    const auto breaks = [](QChar c) { return c < u' ' || c == QChar::LineSeparator || c == QChar::ParagraphSeparator; };
+    // Nearly every text is one already, and goes out without a copy.
+    if (std::ranges::any_of(std::as_const(text), breaks))
+        std::ranges::replace_if(text, breaks, u' ');
     return text;
 }
 
 void writePGN(CodeWriter &out, const LineMessage &pgn)
 {
     const QString inhibit =
-        pgn.head.inhibittime_ms == 0 ? QString() : u"\tInhibit Time (ms):\t%1"_s.arg(pgn.head.inhibittime_ms);
+        pgn.head.inhibittime_ms == 0 ? QString() : "\tInhibit Time (ms):\t"_L1 % dec(pgn.head.inhibittime_ms).view();
     out(u"PGN:\t0x${hex}/${number}\tName:\t${name}\tDirection:\t${direction}\tCycle Time (ms):\t${cycle}\tPriority:\t"
         u"${priority}${inhibit}",
         {{"hex", hex(pgn.head.number, 4)},
          {"number", dec(pgn.head.number)},
          {"name", field(pgn.head.name)},
-         {"direction", pgn.isTransmitted() ? u"TX"_s : u"RX"_s},
+         {"direction", pgn.isTransmitted() ? "TX"_L1 : "RX"_L1},
          {"cycle", dec(pgn.head.cycletime_ms)},
          {"priority", dec(pgn.head.priority)},
          {"inhibit", inhibit}});
     if (pgn.head.desc.size() > 1)
         out(u"\tDescription:\t${text}", {{"text", field(pgn.head.desc)}});
     for (const StoreRecords::SPN &spn : pgn.items) {
-        const QString size = spn.bitsize == 0 ? QString() : u"\tSize:\t%1"_s.arg(spn.bitsize);
+        const QString size = spn.bitsize == 0 ? QString() : "\tSize:\t"_L1 % dec(spn.bitsize).view();
         const QString variable = spn.implementation == CANopen::Implementation::Variable
-                                     ? u"\tVariable:\t"_s + field(spn.varname)
+                                     ? "\tVariable:\t"_L1 % field(spn.varname)
                                      : QString();
         out(u"\tSPN:\t${number}\tName:\t${name}\tData type:\t${type}${size}${variable}",
             {{"number", dec(spn.spnnumber)},
