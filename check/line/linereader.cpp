@@ -89,6 +89,7 @@ void distribute(const QList<StoreRecords::SPN> &all, std::vector<Message> &messa
                 std::vector<CheckedSignal> Message::*signalList)
 {
     QHash<quint64, size_t> places;
+    places.reserve(static_cast<qsizetype>(messages.size()));
     for (size_t i = 0; i < messages.size(); ++i)
         places.insert(messages[i].key(), i);
     for (const StoreRecords::SPN &data : all) {
@@ -104,6 +105,7 @@ template <class Message, class Record>
 std::vector<Message> messagesOf(const QList<Record> &records, Message (*read)(const Record &))
 {
     std::vector<Message> messages;
+    messages.reserve(static_cast<size_t>(records.size()));
     for (const Record &data : records) {
         if (isChecked(data.direction))
             messages.push_back(read(data));

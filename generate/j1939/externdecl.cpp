@@ -68,7 +68,7 @@ std::optional<Step> takenStep(QStringView &text)
         const QStringView member = taken(text, AsciiText::isWordCharacter);
         return AsciiText::isIdentifier(member) ? std::optional(Step{.text = member}) : std::nullopt;
     }
-    const QStringView index = taken(text, [](QChar c) { return !QStringView(u"[]()").contains(c); });
+    const QStringView index = taken(text, [](QChar c) { return c != u'[' && c != u']' && c != u'(' && c != u')'; });
     if (index.isEmpty() || !text.startsWith(u']'))
         return {};
     text = text.sliced(1);

@@ -213,6 +213,7 @@ public:
 
 private:
     void add(Block block);
+    void reserve(const QList<LineMessage> &messages);
     Block objectBlock(const LineObject &object);
     void addShortPdoName(Block &block, quint16 index);
 
@@ -227,6 +228,15 @@ void LineCollector::add(Block block)
 {
     take_({.prefix = prefix_, .defines = std::move(block)});
     QThread::yieldCurrentThread();
+}
+
+/// Makes room for the names of messages and their signals.
+void LineCollector::reserve(const QList<LineMessage> &messages)
+{
+    qsizetype count = 0;
+    for (const LineMessage &message : messages)
+        count += 1 + message.items.size();
+    names_.reserve(count);
 }
 
 void LineCollector::collectObjects(const std::function<bool()> &cancelled)
@@ -289,7 +299,9 @@ void LineCollector::addShortPdoName(Block &block, quint16 index)
 void LineCollector::collectCanIds()
 {
     QHash<quint8, quint32> positions;
-    for (const LineMessage &canId : LineMessages::canIds(store_, line_)) {
+    const QList<LineMessage> messages = LineMessages::canIds(store_, line_);
+    reserve(messages);
+    for (const LineMessage &canId : messages) {
         const QString value = decimal(++positions[canId.head.direction]);
         const QString fixedName = "ID_"_L1 % hex(canId.head.number, 4).view();
         const auto ends = [&fixedName] { return QStringList{fixedName.sliced(2)}; };
@@ -309,7 +321,9 @@ void LineCollector::collectCanIds()
 
 void LineCollector::collectPgns()
 {
-    for (const LineMessage &pgn : LineMessages::parameterGroups(store_, line_)) {
+    const QList<LineMessage> messages = LineMessages::parameterGroups(store_, line_);
+    reserve(messages);
+    for (const LineMessage &pgn : messages) {
         const QString value = decimal(pgn.head.number);
         const Digits number = hex(pgn.head.number, 4);
         Block block;
