@@ -70,11 +70,10 @@ bool CANdbDBC::takes(const QString &name, CANdb::Owner owner, const QString &val
         return false;
     if (attribute->type == AttributeDefinition::Type::String)
         return true;
-    bool isNumber = false;
-    const double number = value.toDouble(&isNumber);
+    const std::optional<double> number = dbcNumber(value);
     if (attribute->type == AttributeDefinition::Type::Enumeration)
-        return isNumber && number >= 0 && number < static_cast<double>(attribute->words.size());
-    return isNumber && number >= attribute->minimum && number <= attribute->maximum;
+        return number && *number >= 0 && *number < static_cast<double>(attribute->words.size());
+    return number && *number >= attribute->minimum && *number <= attribute->maximum;
 }
 
 bool CANdbDBC::defineAttribute(const AttributeDefinition &attribute)

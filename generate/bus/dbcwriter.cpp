@@ -3,6 +3,7 @@
 #include "generate/base/codewriter.h"
 
 #include <QLocale>
+#include <QStringBuilder>
 
 #include <algorithm>
 #include <array>
@@ -25,7 +26,7 @@ QString number(double value)
 
 QString quoted(const QString &text)
 {
-    return u'"' + dbcText(text) + u'"';
+    return u'"' % dbcText(text) % u'"';
 }
 
 /// The values with their names, each behind a blank.
@@ -98,7 +99,7 @@ private:
     void writeSignal(const CANdb::Signal &signal)
     {
         out_(u" SG_ ${name}${multiplexing} : ${start}|${size}@${order}${sign} (${factor},${offset}) "
-             u"[${minimum}|${maximum}] ${unit} ${receivers}",
+             u"[${minimum}|${maximum}] \"${unit}\" ${receivers}",
              {{"name", signal.name},
               {"multiplexing", signal.multiplexing.isEmpty() ? QString() : u' ' + signal.multiplexing},
               {"start", dec(signal.startBit)},
@@ -109,7 +110,7 @@ private:
               {"offset", number(signal.offset)},
               {"minimum", number(signal.minimum)},
               {"maximum", number(signal.maximum)},
-              {"unit", quoted(signal.unit)},
+              {"unit", dbcText(signal.unit)},
               {"receivers", signal.receivers.join(u',')}});
     }
 
@@ -124,11 +125,12 @@ private:
     void forAll(Function function)
     {
         for (const CANdb::Node &node : database_.nodes)
-            function(u"BU_ %1 "_s.arg(node.name), CANdb::Owner::Node, node);
+            function("BU_ "_L1 % node.name % u' ', CANdb::Owner::Node, node);
         for (const CANdb::Message &message : database_.messages) {
-            function(u"BO_ %1 "_s.arg(message.id), CANdb::Owner::Message, message);
+            const Digits id = dec(message.id);
+            function("BO_ "_L1 % id.view() % u' ', CANdb::Owner::Message, message);
             for (const CANdb::Signal &signal : message.signalList)
-                function(u"SG_ %1 %2 "_s.arg(QString::number(message.id), signal.name), CANdb::Owner::Signal, signal);
+                function("SG_ "_L1 % id.view() % u' ' % signal.name % u' ', CANdb::Owner::Signal, signal);
         }
     }
 
@@ -187,12 +189,10 @@ private:
     void writeAttributesOf(const QString &about, CANdb::Owner owner, const CANdb::Attributes &attributes)
     {
         for (const CANdb::Attribute &attribute : attributes) {
-            bool isNumber = false;
-            attribute.value.toDouble(&isNumber);
-            const bool isText = !isNumber || isTextAttribute(attribute.name, owner);
-            out_(u"BA_ ${name} ${about}${value};", {{"name", quoted(attribute.name)},
-                                                    {"about", about},
-                                                    {"value", isText ? quoted(attribute.value) : attribute.value}});
+            const bool isText = isTextAttribute(attribute.name, owner) || !dbcNumber(attribute.value);
+            out_(u"BA_ \"${name}\" ${about}${value};", {{"name", dbcText(attribute.name)},
+                                                        {"about", about},
+                                                        {"value", isText ? quoted(attribute.value) : attribute.value}});
         }
     }
 
@@ -235,7 +235,20 @@ QString dbcText(QString text)
 {
     if (text.endsWith(u'\\'))
         text.append(u' ');
-    return text.replace(u'"', u"\\\""_s);
+    return text.contains(u'"') ? text.replace(u'"', u"\\\""_s) : text;
+}
+
+std::optional<double> dbcNumber(const QString &value)
+{
+    // Nearly all are a few digits, for which the reading of any number takes four times as long.
+    constexpr qsizetype fewDigits = 9;
+    const bool isPlain = !value.isEmpty() && value.size() <= fewDigits &&
+                         std::ranges::all_of(value, [](QChar c) { return c >= u'0' && c <= u'9'; });
+    if (isPlain)
+        return value.toUInt();
+    bool isNumber = false;
+    const double number = value.toDouble(&isNumber);
+    return isNumber ? std::optional(number) : std::nullopt;
 }
 
 void writeDbc(Utf8Sink &sink, const CANdb::Database &database)

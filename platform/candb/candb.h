@@ -63,6 +63,13 @@ struct Attribute
 };
 using Attributes = QList<Attribute>;
 
+/// The receivers of a signal that names none. All such signals share the list.
+inline QStringList noReceivers()
+{
+    static const QStringList receivers{QString(noNode)};
+    return receivers;
+}
+
 /// A raw value and its word.
 struct ValueName
 {
@@ -94,7 +101,7 @@ struct Signal
     double minimum = 0;
     double maximum = 0;
     QString unit = {};
-    QStringList receivers = {QString(noNode)};
+    QStringList receivers = noReceivers();
     QString comment = {};
     ValueNames values = {};
     ValueType valueType = ValueType::Integer;
