@@ -214,9 +214,9 @@ GeneratorMainHandler::GeneratorResult GeneratorMainHandler::runStages(bool ignor
     context.outputFolder = outputFolder_;
     context.baseName = projectBaseName_;
     removeAddressClaims(context);
+    database_->cacheStrings();
     for (const quint8 line : context.lines)
         database_->cacheAllSubs(line, 0);
-    database_->cacheStrings();
 
     if (!passesCheck(context, ignoreCheckErrors))
         return CheckFailed;

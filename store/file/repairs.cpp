@@ -61,13 +61,13 @@ void placeBehindEachOther(QList<SPN> &message)
 /// Executes a statement for each of its lists of numbers.
 template <std::size_t Places>
 bool runAll(Statements &statements, const char *operation, const QString &text,
-            const QList<std::array<quint32, Places>> &rows)
+            const QList<std::array<qint64, Places>> &rows)
 {
     BoundStatement statement(statements, {operation, text, Statement::Effect::Rows});
     bool done = true;
-    for (const std::array<quint32, Places> &numbers : rows) {
-        for (const quint32 number : numbers)
-            statement.bind(qint64{number});
+    for (const std::array<qint64, Places> &numbers : rows) {
+        for (const qint64 number : numbers)
+            statement.bind(number);
         done = statement.execute() && done;
     }
     return done;
@@ -79,24 +79,18 @@ bool repairMappingCounts(Statements &statements, quint8 line)
     QHash<MessageKey, quint32> counts;
     bool done = statements.visit({operation, u"select pgnnumber, direction from SPNs%1"_s.arg(line)}, {},
                                  [&](const ResultRow &row) { ++counts[keyOfRow(row)]; });
-    QHash<MessageKey, quint32> wrong;
-    done = statements.visit(
-               {operation, u"select number, direction, mappingcount from PGNs%1 where direction in (?, ?)"_s.arg(line)},
-               {StoreRecords::receive, StoreRecords::transmit},
-               [&](const ResultRow &row) {
-                   const MessageKey key = keyOfRow(row);
-                   if (row.value(2).toUInt() != counts.value(key))
-                       wrong.insert(key, counts.value(key));
-               }) &&
+    QList<std::array<qint64, 2>> wrong;
+    const QString select =
+        u"select number, direction, mappingcount, rowid from PGNs%1 where direction in (?, ?)"_s.arg(line);
+    done = statements.visit({operation, select}, {StoreRecords::receive, StoreRecords::transmit},
+                            [&](const ResultRow &row) {
+                                const quint32 count = counts.value(keyOfRow(row));
+                                if (row.value(2).toUInt() != count)
+                                    wrong.append({count, row.number<qint64>(3)});
+                            }) &&
            done;
-    if (wrong.isEmpty())
-        return done;
-    QList<std::array<quint32, 3>> rows;
-    for (const auto &[key, count] : wrong.asKeyValueRange())
-        rows.append({count, key.number, key.direction});
-    const TemporaryIndex index(statements, line, TemporaryIndex::pgnKeys);
-    const QString update = u"update PGNs%1 SET mappingcount = ? where number = ? AND direction = ?"_s.arg(line);
-    return runAll(statements, operation, update, rows) && done;
+    return runAll(statements, operation, u"update PGNs%1 SET mappingcount = ? where rowid = ?"_s.arg(line), wrong) &&
+           done;
 }
 
 bool placeDataElements(RawCanTables &tables, quint8 line, quint8 direction)
@@ -169,7 +163,7 @@ bool Repairs::spnDirections(ProjectTables &tables, quint8 line)
         return false;
     if (wrong.isEmpty())
         return true;
-    QList<std::array<quint32, 2>> rows;
+    QList<std::array<qint64, 2>> rows;
     for (const quint32 number : std::as_const(wrong))
         rows.append({directions.value(number), number});
     const TemporaryIndex index(statements, line, "SPNs%1 (pgnnumber)"_L1);
