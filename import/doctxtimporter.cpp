@@ -75,7 +75,7 @@ void DOCTXTImporter::importFile()
 {
     pgn_ = 0;
     direction_ = 0;
-    written_.reset();
+    read_.reset();
     TextFile text;
     if (!text.load(filePath_))
         return;
@@ -87,11 +87,13 @@ void DOCTXTImporter::importFile()
         lineNumber_ = lines.number();
         importLine(text.decode(line));
     }
+    writePGN();
 }
 
 void DOCTXTImporter::importLine(const QString &line)
 {
     if (line.startsWith("PGN:"_L1)) {
+        writePGN();
         if (importPGN(fieldsOf(line))) {
             position_ = 0;
         } else {
@@ -103,6 +105,7 @@ void DOCTXTImporter::importLine(const QString &line)
     } else if (direction_ != 0 && line.startsWith("\tDescription:"_L1)) {
         importDescription(fieldsOf(line));
     } else if (line.startsWith("\tSPN:"_L1)) {
+        writePGN();
         if (direction_ == 0 || !importSPN(fieldsOf(line)))
             report_.drop(lineNumber_, direction_ == 0 ? u"SPN without a PGN"_s : u"invalid SPN"_s);
     }
@@ -128,19 +131,32 @@ bool DOCTXTImporter::importPGN(const QList<QStringView> &fields)
     record.inhibittime_ms = static_cast<quint16>(*inhibitTime);
     pgn_ = *number;
     direction_ = record.direction;
-    written_.reset();
-    if (report_.wrote(store_->addPGN(line_, *number, record), u"PGN"_s, lineNumber_)) {
-        ++report_.messages;
-        written_ = std::move(record);
-    }
+    read_ = std::move(record);
+    readAt_ = lineNumber_;
     return true;
+}
+
+void DOCTXTImporter::writePGN()
+{
+    const auto record = std::exchange(read_, {});
+    if (record && report_.wrote(store_->addPGN(line_, pgn_, *record), u"PGN"_s, readAt_))
+        ++report_.messages;
 }
 
 void DOCTXTImporter::importDescription(const QList<QStringView> &fields)
 {
     if (fields.size() < 3)
         return;
-    if (std::optional<StoreRecords::PGN> record = written_ ? written_ : store_->getPGN(line_, pgn_, direction_)) {
+    // Mostly both are written at once. A text with a quote would have another row if it were written again.
+    if (read_ && !read_->name.contains(u'\'')) {
+        std::ignore = store_->getStringId(read_->name);
+        std::ignore = store_->getStringId({}); // the description so far, whose place is in front of this one's
+        read_->desc = fields.at(2).toString();
+        writePGN();
+        return;
+    }
+    writePGN();
+    if (std::optional<StoreRecords::PGN> record = store_->getPGN(line_, pgn_, direction_)) {
         record->desc = fields.at(2).toString();
         report_.wrote(store_->addPGN(line_, pgn_, *record), u"description"_s, lineNumber_);
     }

@@ -30,12 +30,14 @@ private:
     void importFile();
     void importLine(const QString &line);
     bool importPGN(const QList<QStringView> &fields);
+    void writePGN();
     void importDescription(const QList<QStringView> &fields);
     bool importSPN(const QList<QStringView> &fields);
 
     qsizetype lineNumber_ = 0; ///< of the line being read
     quint32 pgn_ = 0;
-    std::optional<StoreRecords::PGN> written_; ///< the current PGN as it stands in the project, where that is known
-    quint8 direction_ = 0;                     ///< of the current PGN; 0 if there is none
-    quint32 position_ = 0;                     ///< of the next SPN in its PGN
+    std::optional<StoreRecords::PGN> read_; ///< the current PGN, until it is written
+    qsizetype readAt_ = 0;                  ///< its line
+    quint8 direction_ = 0;                  ///< of the current PGN; 0 if there is none
+    quint32 position_ = 0;                  ///< of the next SPN in its PGN
 };
