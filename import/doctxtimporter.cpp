@@ -12,6 +12,8 @@
 
 #include <limits>
 #include <optional>
+#include <tuple>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using CANopen::Implementation;
