@@ -48,8 +48,8 @@ public:
         Reading,   ///< as it is in its file, in the present layout, not to be saved
         Comparing, ///< the same, maybe in another thread while others are opened: the process is to have the widest
                    ///< identity, and keeps it
-        Copying, ///< the same, to be saved elsewhere
-        Editing  ///< the same, to be saved in the place of that file
+        Copying,   ///< the same, to be saved elsewhere
+        Editing    ///< the same, to be saved in the place of that file
     };
 
     /// Opens a project of any form and age. False, with the reason and what to do about it, for what is missing, cannot

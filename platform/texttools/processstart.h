@@ -3,9 +3,9 @@
 /// What a program does before anything else.
 namespace ProcessStart {
 
-/// Gives all threads at most so many heaps. The jobs of the programs run one after another, each on a thread of its own:
-/// with heaps of their own these would keep what they have freed from each other. To be called before the first thread
-/// starts.
+/// Gives all threads at most so many heaps. The jobs of the programs run one after another, each on a thread of its
+/// own: with heaps of their own these would keep what they have freed from each other. To be called before the first
+/// thread starts.
 void limitHeaps(int most);
 
 /// Fills the places of closed standard streams: a file that is opened there would be read as input, or take messages.
