@@ -2,6 +2,8 @@
 
 #include "store/tables/tablefamily.h"
 
+#include <QMutex>
+
 /// The rows of a kind of table that are found by a key of numbers, each with a record: `PGNs%1` and the like.
 template <class Record>
 class KeyedRows
@@ -135,8 +137,9 @@ private:
         QString update;
     };
 
-    const LineTexts &textsOf(quint8 line) const
+    LineTexts textsOf(quint8 line) const
     {
+        const QMutexLocker locker(&textsMutex_); // the gate comes with the statement only
         if (!lineTexts_ || lineTexts_->line != line) {
             const QString exists = QStringLiteral("select exists(%1)").arg(cell(QStringLiteral("1")));
             lineTexts_ = {line, (select_ + condition_).arg(line), exists.arg(line), insert_.arg(line),
@@ -166,5 +169,6 @@ private:
     const QString select_;
     const QString insert_;
     const QString update_;
+    mutable QMutex textsMutex_;
     mutable std::optional<LineTexts> lineTexts_; ///< of the line asked last
 };
