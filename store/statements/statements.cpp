@@ -190,7 +190,7 @@ size_t Statements::TextHash::operator()(const QString &text) const
 {
     constexpr qsizetype mostTaken = 32;
     const qsizetype step = text.size() / mostTaken + 1;
-    size_t hash = static_cast<size_t>(text.size());
+    auto hash = static_cast<size_t>(text.size());
     for (qsizetype at = 0; at < text.size(); at += step)
         hash = hash * 31 + text.at(at).unicode();
     return hash;
