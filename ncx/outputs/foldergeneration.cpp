@@ -10,7 +10,9 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -193,8 +195,10 @@ QString FolderGeneration::install(const QList<File> &files)
     for (const File &file : files) {
         if (file.change == Change::None)
             continue;
-        if (!QDir().mkpath(absolute_))
-            return u"the folder %1 cannot be made"_s.arg(folder_);
+        std::error_code error;
+        std::filesystem::create_directories(QFileInfo(absolute_).filesystemFilePath(), error);
+        if (error)
+            return u"the folder %1 cannot be made: %2"_s.arg(folder_, QString::fromStdString(error.message()));
         targets.push_back(std::make_unique<Target>(file, wanted(file.name), contentOf(made(file.name))));
         if (!targets.back()->prepare())
             return reasonFor(file, targets.back()->whole.errorString()) + u"; nothing is written"_s;
